@@ -1,0 +1,58 @@
+# ravikFlags: what every object of the project is compiled with.
+#
+# Floats must have the same bits on every target, so no contraction into fused operations and no fast-math, anywhere.
+
+find_program(CCACHE_PROGRAM ccache)
+if(CCACHE_PROGRAM AND PROJECT_IS_TOP_LEVEL AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
+    set(CMAKE_C_COMPILER_LAUNCHER ${CCACHE_PROGRAM})
+    set(CMAKE_CXX_COMPILER_LAUNCHER ${CCACHE_PROGRAM})
+endif()
+
+if(PROJECT_IS_TOP_LEVEL)
+    set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+endif()
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_C_STANDARD 11)
+set(CMAKE_C_STANDARD_REQUIRED ON)
+set(CMAKE_C_EXTENSIONS OFF)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_C_VISIBILITY_PRESET hidden)
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+if(PROJECT_IS_TOP_LEVEL)
+    set(CMAKE_CXX_FLAGS_RELEASE "-O2 -DNDEBUG")
+endif()
+
+set(ravikIsArm32 FALSE)
+set(ravikIsX86 FALSE)
+if(CMAKE_SYSTEM_PROCESSOR MATCHES "^(x86_64|AMD64|amd64)$")
+    set(ravikIsX86 TRUE)
+elseif(CMAKE_SYSTEM_PROCESSOR MATCHES "^arm")
+    set(ravikIsArm32 TRUE)
+endif()
+
+set(ravikSanitizeFlags "")
+if(RAVIK_SANITIZE)
+    set(ravikSanitizeFlags -fsanitize=${RAVIK_SANITIZE} -fno-sanitize-recover=all)
+    if(RAVIK_SANITIZE MATCHES "undefined")
+        list(APPEND ravikSanitizeFlags -fsanitize=float-cast-overflow)
+    endif()
+endif()
+if(RAVIK_FUZZ)
+    list(APPEND ravikSanitizeFlags -fsanitize=fuzzer-no-link)
+endif()
+
+add_library(ravikFlags INTERFACE)
+target_compile_options(ravikFlags INTERFACE
+    -Wall -Wextra -Wshadow -Wpedantic $<$<BOOL:${RAVIK_WERROR}>:-Werror>
+    -ffp-contract=off -fno-fast-math
+    ${ravikSanitizeFlags} $<$<BOOL:${RAVIK_SANITIZE}>:-fno-omit-frame-pointer>)
+target_link_options(ravikFlags INTERFACE ${ravikSanitizeFlags})
+
+# The reference on 32-bit Arm is plain scalar IEEE arithmetic; NEON, which flushes denormal floats, is for vecta alone.
+set(ravikScalarFlags "")
+if(ravikIsArm32)
+    set(ravikScalarFlags -march=armv7-a -mfpu=vfpv3-d16)
+endif()

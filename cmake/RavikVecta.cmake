@@ -1,0 +1,41 @@
+# The units of src/vecta are compiled once per instruction set, each time into the namespace rvk::vecta::RVK_ISA.
+#
+# The flags of an instruction set here and the features that the library asks the processor for before it uses that set
+# must agree: whoever adds one to this list adds it there.
+
+set(ravikInstructionSets "")
+if(ravikIsX86)
+    set(ravikInstructionSets sse42 avx2 avx512)
+    set(ravikFlags_sse42 -msse4.2 -mpopcnt)
+    set(ravikFlags_avx2 ${ravikFlags_sse42} -mavx2 -mbmi)
+    set(ravikFlags_avx512 ${ravikFlags_avx2} -mavx512f -mavx512cd -mavx512bw -mavx512dq -mavx512vl
+        -mavx512vbmi -mavx512vbmi2 -mavx512vpopcntdq -mavx512bitalg)
+elseif(ravikIsArm32)
+    set(ravikInstructionSets neon)
+    set(ravikFlags_neon -march=armv7-a -mfpu=neon)
+elseif(CMAKE_SYSTEM_PROCESSOR MATCHES "^(aarch64|arm64)$")
+    set(ravikInstructionSets neon)
+    set(ravikFlags_neon "")
+endif()
+
+# Compiles `sources` for instruction set `isa` into the object library `target`.
+function(ravik_vecta_objects target isa)
+    add_library(${target} OBJECT ${ARGN})
+    target_link_libraries(${target} PRIVATE ravikFlags)
+    target_include_directories(${target} PRIVATE ${PROJECT_SOURCE_DIR}/src ${PROJECT_SOURCE_DIR}/include)
+    target_compile_definitions(${target} PRIVATE RVK_ISA=${isa})
+    target_compile_options(${target} PRIVATE ${ravikFlags_${isa}} -fno-exceptions -fno-rtti $<$<CONFIG:Release>:-O3>)
+endfunction()
+
+# One object library per instruction set, their names in `result`.
+function(ravik_add_vecta_objects result)
+    file(GLOB sources CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/src/vecta/*.cpp)
+    set(targets "")
+    if(sources)
+        foreach(isa IN LISTS ravikInstructionSets)
+            ravik_vecta_objects(ravikVecta_${isa} ${isa} ${sources})
+            list(APPEND targets ravikVecta_${isa})
+        endforeach()
+    endif()
+    set(${result} ${targets} PARENT_SCOPE)
+endfunction()
