@@ -1,0 +1,14 @@
+/* Ravik: the whole public interface. */
+#ifndef RAVIK_RAVIK_H
+#define RAVIK_RAVIK_H
+
+#include "arithm.h"
+#include "bitcount.h"
+#include "bitwise.h"
+#include "diff.h"
+#include "frame.h"
+#include "minmax.h"
+#include "transform.h"
+#include "types.h"
+
+#endif

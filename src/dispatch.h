@@ -1,0 +1,154 @@
+// How a public function reaches its implementation. Every entry is the same few steps:
+//
+//     srcStride = packedIfZero(srcStride, srcWidth);
+//     const RVK_IMPL target = chooseTarget(Slot::rvkX, [&] { return aligned(8, src, dst, srcStride) && enoughWork(...); });
+//     RVK_CHECK_ARGS(src && dst && srcWidth && srcHeight && (srcStride >= srcWidth));
+//     implementation<Slot::rvkX>(target)(src, srcWidth, srcHeight, srcStride, dst, dstStride);
+#pragma once
+
+#include "functions.h"
+#include "log.h"
+
+#include <cstdint>
+
+namespace rvk {
+
+// A cell of a function table: any implementation, stored without its type. implementation() below is the only way back.
+using Cell = void (*)();
+
+template <class Function>
+Cell eraseType(Function* function)
+{
+    return reinterpret_cast<Cell>(function);
+}
+
+// Everything that a dispatch reads. rvkSetOperationMode writes it; dispatch only reads, without locks.
+struct DispatchState {
+    uint32_t targets[kPublicFunctions];          // RVK_IMPL that each public function uses now
+    uint32_t internalTargets[kInternalFunctions];
+    Cell table[kPublicFunctions * kTargets];     // entry: slot * kTargets + target
+    Cell internalTable[kInternalFunctions * kTargets];
+    uint8_t tablesInitialised;
+    uint8_t offloadForced; // skips the rules that keep small or misaligned work off the DSP
+    uint8_t runtimeLog;    // every dispatch logs its target
+    uint8_t noAccelerator; // the device is known to have neither a usable DSP nor GPU
+};
+extern DispatchState dispatchState;
+
+const char* nameOf(Slot slot);
+const char* nameOf(InternalSlot slot);
+
+inline bool isDspTarget(uint32_t target)
+{
+    constexpr uint32_t dspTargets = 1u << RVK_IMPL_NDSP | 1u << RVK_IMPL_ADSP | 1u << RVK_IMPL_CDSP | 1u << RVK_IMPL_MDSP;
+    return (dspTargets >> target) & 1u;
+}
+
+// The function's current target. While it is a DSP target, `dspCanRun()` says whether this call suits the DSP: sizes,
+// pointers and strides; otherwise the call falls back to VECTA. `gpuCanRun()` says the same for the GPU.
+template <class DspRule, class GpuRule>
+RVK_IMPL chooseTarget(Slot slot, DspRule dspCanRun, GpuRule gpuCanRun)
+{
+    uint32_t target = dispatchState.targets[static_cast<uint32_t>(slot)];
+    if (target > RVK_IMPL_MDSP)
+        __builtin_trap(); // no table has such a target: memory is corrupt
+    if (target == RVK_IMPL_GPU && !gpuCanRun())
+        target = RVK_IMPL_VECTA;
+    if (isDspTarget(target) && !dispatchState.offloadForced && !dspCanRun())
+        target = RVK_IMPL_VECTA;
+    if (dispatchState.runtimeLog) [[unlikely]]
+        logChosenTarget(nameOf(slot), static_cast<RVK_IMPL>(target));
+    return static_cast<RVK_IMPL>(target);
+}
+
+template <class DspRule>
+RVK_IMPL chooseTarget(Slot slot, DspRule dspCanRun)
+{
+    return chooseTarget(slot, dspCanRun, [] { return true; });
+}
+
+inline RVK_IMPL chooseTarget(Slot slot)
+{
+    return chooseTarget(slot, [] { return true; });
+}
+
+// The implementation of a function on a target, typed by its reference.
+template <Slot slot>
+typename SignatureOf<slot>::Type implementation(RVK_IMPL target)
+{
+    return reinterpret_cast<typename SignatureOf<slot>::Type>(
+        dispatchState.table[static_cast<uint32_t>(slot) * kTargets + target]);
+}
+
+template <InternalSlot slot>
+typename SignatureOf<slot>::Type internalImplementation()
+{
+    const uint32_t row = static_cast<uint32_t>(slot);
+    return reinterpret_cast<typename SignatureOf<slot>::Type>(
+        dispatchState.internalTable[row * kTargets + dispatchState.internalTargets[row]]);
+}
+
+// A stride of 0 means packed rows: `width` pixels of `pixelSize` bytes.
+inline uint32_t packedIfZero(uint32_t stride, uint32_t width, uint32_t pixelSize = 1)
+{
+    return stride ? stride : width * pixelSize;
+}
+
+// Whether a row of `width` pixels of `pixelSize` bytes has a size that 32 bits hold. Conditions that multiply a width test
+// this first, because their products wrap.
+inline bool rowFits(uint32_t width, uint32_t pixelSize)
+{
+    return width <= UINT32_MAX / pixelSize;
+}
+
+// Fallback rule terms: every pointer and size is a multiple of `alignment`, a power of two.
+template <class T>
+bool isMultipleOf(uint32_t alignment, T* pointer)
+{
+    return (reinterpret_cast<uintptr_t>(pointer) & (alignment - 1)) == 0;
+}
+inline bool isMultipleOf(uint32_t alignment, uint32_t size)
+{
+    return (size & (alignment - 1)) == 0;
+}
+template <class... Values>
+bool aligned(uint32_t alignment, Values... values)
+{
+    return (isMultipleOf(alignment, values) && ...);
+}
+
+// Fallback rule term: below this many elements a remote call costs more than the work.
+inline bool enoughWork(uint32_t width, uint32_t height, uint32_t elementsPerPixel = 1)
+{
+    constexpr uint64_t leastElements = 25345;
+    return uint64_t{width} * height >= (leastElements + elementsPerPixel - 1) / elementsPerPixel;
+}
+
+} // namespace rvk
+
+// Argument checks of the entries. The log quotes the condition as it is written.
+#define RVK_CHECK_ARGS(...) RVK_CHECK_ARGS_OR(, __VA_ARGS__)
+#define RVK_CHECK_ARGS_OR(result, ...)                                                                                         \
+    do {                                                                                                                       \
+        if (!(__VA_ARGS__)) {                                                                                                  \
+            ::rvk::logArgumentAssertion(__func__, #__VA_ARGS__);                                                               \
+            return result;                                                                                                     \
+        }                                                                                                                      \
+    } while (0)
+
+// As RVK_CHECK_ARGS, for conditions that multiply a width: `fits` is a rowFits term that the log does not quote.
+#define RVK_CHECK_SIZED_ARGS(fits, ...) RVK_CHECK_SIZED_ARGS_OR(, fits, __VA_ARGS__)
+#define RVK_CHECK_SIZED_ARGS_OR(result, fits, ...)                                                                             \
+    do {                                                                                                                       \
+        if (!((fits) && (__VA_ARGS__))) {                                                                                      \
+            ::rvk::logArgumentAssertion(__func__, #__VA_ARGS__);                                                               \
+            return result;                                                                                                     \
+        }                                                                                                                      \
+    } while (0)
+
+// Status functions that do not log: a failed condition is RAVIK_EBADPARAM.
+#define RVK_CHECK_STATUS(...)                                                                                                  \
+    do {                                                                                                                       \
+        if (!(__VA_ARGS__))                                                                                                    \
+            return RAVIK_EBADPARAM;                                                                                            \
+    } while (0)

@@ -1,0 +1,57 @@
+// What the function lists say, in types: the slots, the C references, and the signature behind each slot.
+#pragma once
+
+#include "offload.h"
+
+#include <ravik/ravik.h>
+
+#include <cstdint>
+
+// RVK_WHEN_YES(x) is x, RVK_WHEN_NO(x) is nothing: for the YES and NO columns of the lists.
+#define RVK_WHEN_YES(...) __VA_ARGS__
+#define RVK_WHEN_NO(...)
+
+namespace rvk {
+
+inline constexpr uint32_t kPublicFunctions = 506;
+inline constexpr uint32_t kInternalFunctions = 16;
+inline constexpr uint32_t kTargets = 7;
+
+enum class Slot : uint32_t {
+#define RVK_FUNCTION(name, reference, vecta, remote) name,
+#include "functionList.inc"
+#undef RVK_FUNCTION
+    count
+};
+static_assert(static_cast<uint32_t>(Slot::count) == kPublicFunctions);
+
+enum class InternalSlot : uint32_t {
+#define RVK_INTERNAL_FUNCTION(name, reference, vecta, remote) name,
+#include "internalFunctionList.inc"
+#undef RVK_INTERNAL_FUNCTION
+    count
+};
+static_assert(static_cast<uint32_t>(InternalSlot::count) == kInternalFunctions);
+
+// Every reference has the signature of its public function (of its own declaration in offload.h for internal operations);
+// a definition that deviates does not link.
+#define RVK_FUNCTION(name, reference, vecta, remote) RVK_WHEN_##reference(decltype(::name) name##C;)
+#include "functionList.inc"
+#undef RVK_FUNCTION
+#define RVK_INTERNAL_FUNCTION(name, reference, vecta, remote) RVK_WHEN_##reference(decltype(rvk::name) name##C;)
+#include "internalFunctionList.inc"
+#undef RVK_INTERNAL_FUNCTION
+
+template <auto slot>
+struct SignatureOf; // Type: pointer to the functions that fill the slot's row; absent while the row has no reference
+
+#define RVK_FUNCTION(name, reference, vecta, remote)                                                                           \
+    RVK_WHEN_##reference(template <> struct SignatureOf<Slot::name> { using Type = decltype(&name##C); };)
+#include "functionList.inc"
+#undef RVK_FUNCTION
+#define RVK_INTERNAL_FUNCTION(name, reference, vecta, remote)                                                                  \
+    RVK_WHEN_##reference(template <> struct SignatureOf<InternalSlot::name> { using Type = decltype(&name##C); };)
+#include "internalFunctionList.inc"
+#undef RVK_INTERNAL_FUNCTION
+
+} // namespace rvk

@@ -1,0 +1,262 @@
+// A vector of as many elements as one register of the instruction set holds, and everything on it that the compilers'
+// vector extensions express directly. What needs an instruction of its own stands in x86.h and neon.h.
+//
+// Everything of this layer lies in an anonymous namespace, although these are headers: a unit is compiled for several
+// instruction sets, and a function that the linker could share between units would carry AVX-512 code into a program that
+// runs on a plain CPU.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#ifndef RVK_ISA
+#error "compile the vector units with RVK_ISA set to an instruction set"
+#endif
+
+#if defined(__x86_64__)
+#include <immintrin.h>
+#elif defined(__ARM_NEON)
+#include <arm_neon.h>
+#endif
+
+#define RVK_INLINE inline __attribute__((always_inline))
+
+namespace rvk::vecta::RVK_ISA {
+namespace {
+
+#if defined(__AVX512BW__)
+constexpr size_t kBytes = 64;
+#elif defined(__AVX2__)
+constexpr size_t kBytes = 32;
+#else
+constexpr size_t kBytes = 16;
+#endif
+
+template <class T>
+struct Vec {
+    using Element = T;
+    using Raw __attribute__((vector_size(kBytes))) = T;
+    static constexpr size_t lanes = kBytes / sizeof(T);
+    Raw raw;
+};
+
+// Two, three or four vectors that belong together: a wider copy of one vector, or the channels of pixels.
+template <class T, size_t count>
+struct Vecs {
+    using Element = T;
+    Vec<T> v[count];
+    RVK_INLINE Vec<T>& operator[](size_t i) { return v[i]; }
+    RVK_INLINE const Vec<T>& operator[](size_t i) const { return v[i]; }
+};
+
+// The element types twice and half as wide.
+template <class T> struct WiderOf;
+template <> struct WiderOf<uint8_t> { using Type = uint16_t; };
+template <> struct WiderOf<int8_t> { using Type = int16_t; };
+template <> struct WiderOf<uint16_t> { using Type = uint32_t; };
+template <> struct WiderOf<int16_t> { using Type = int32_t; };
+template <> struct WiderOf<uint32_t> { using Type = uint64_t; };
+template <> struct WiderOf<int32_t> { using Type = int64_t; };
+template <class T> using Wider = typename WiderOf<T>::Type;
+
+template <class T> struct NarrowerOf;
+template <> struct NarrowerOf<uint16_t> { using Type = uint8_t; };
+template <> struct NarrowerOf<int16_t> { using Type = int8_t; };
+template <> struct NarrowerOf<uint32_t> { using Type = uint16_t; };
+template <> struct NarrowerOf<int32_t> { using Type = int16_t; };
+template <class T> using Narrower = typename NarrowerOf<T>::Type;
+
+template <class T> struct UnsignedOf { using Type = T; };
+template <> struct UnsignedOf<int8_t> { using Type = uint8_t; };
+template <> struct UnsignedOf<int16_t> { using Type = uint16_t; };
+template <> struct UnsignedOf<int32_t> { using Type = uint32_t; };
+template <> struct UnsignedOf<int64_t> { using Type = uint64_t; };
+template <> struct UnsignedOf<float> { using Type = uint32_t; };
+template <class T> using Unsigned = typename UnsignedOf<T>::Type;
+
+template <class A, class B> constexpr bool isSame = false;
+template <class A> constexpr bool isSame<A, A> = true;
+template <class T> constexpr bool isSigned = T(-1) < T(0);
+
+// ---- bits ---------------------------------------------------------------------------------------------------------------
+
+template <class To, class From>
+RVK_INLINE Vec<To> bitCast(Vec<From> v)
+{
+    return {(typename Vec<To>::Raw)v.raw};
+}
+
+// ---- memory -------------------------------------------------------------------------------------------------------------
+
+template <class T>
+RVK_INLINE Vec<T> load(const T* p)
+{
+    Vec<T> v;
+    __builtin_memcpy(&v, p, kBytes);
+    return v;
+}
+
+template <class T>
+RVK_INLINE void store(T* p, Vec<T> v)
+{
+    __builtin_memcpy(p, &v, kBytes);
+}
+
+template <size_t count, class T>
+RVK_INLINE Vecs<T, count> loadVecs(const T* p)
+{
+    Vecs<T, count> r;
+    for (size_t i = 0; i < count; ++i)
+        r.v[i] = load(p + i * Vec<T>::lanes);
+    return r;
+}
+
+template <class T, size_t count>
+RVK_INLINE void store(T* p, const Vecs<T, count>& v)
+{
+    for (size_t i = 0; i < count; ++i)
+        store(p + i * Vec<T>::lanes, v.v[i]);
+}
+
+// The first n elements, n <= lanes; the other lanes are zero. Reads n elements only.
+template <class T>
+RVK_INLINE Vec<T> loadPartial(const T* p, size_t n)
+{
+    Vec<T> v = {};
+    __builtin_memcpy(&v, p, n * sizeof(T));
+    return v;
+}
+
+// Writes the first n elements, n <= lanes.
+template <class T>
+RVK_INLINE void storePartial(T* p, Vec<T> v, size_t n)
+{
+    __builtin_memcpy(p, &v, n * sizeof(T));
+}
+
+template <size_t count, class T>
+RVK_INLINE Vecs<T, count> loadVecsPartial(const T* p, size_t n)
+{
+    Vecs<T, count> r = {};
+    __builtin_memcpy(&r, p, n * sizeof(T));
+    return r;
+}
+
+template <class T, size_t count>
+RVK_INLINE void storePartial(T* p, const Vecs<T, count>& v, size_t n)
+{
+    __builtin_memcpy(p, &v, n * sizeof(T));
+}
+
+// ---- constants ----------------------------------------------------------------------------------------------------------
+
+template <class T>
+RVK_INLINE Vec<T> splat(T x)
+{
+    return {x - typename Vec<T>::Raw{}};
+}
+
+template <>
+RVK_INLINE Vec<float> splat(float x)
+{
+    uint32_t bits; // a subtraction would lose the sign of -0
+    __builtin_memcpy(&bits, &x, sizeof bits);
+    return bitCast<float>(splat(bits));
+}
+
+template <class T>
+RVK_INLINE Vec<T> zero()
+{
+    return {typename Vec<T>::Raw{}};
+}
+
+// 0, 1, 2, ... in lane order.
+template <class T>
+RVK_INLINE Vec<T> iota()
+{
+    Vec<T> v;
+    for (size_t i = 0; i < Vec<T>::lanes; ++i)
+        v.raw[i] = static_cast<T>(i);
+    return v;
+}
+
+// ---- arithmetic: integers wrap ------------------------------------------------------------------------------------------
+
+// The raw operators of signed vectors would be undefined on overflow, so sums and products are formed unsigned. On 32-bit
+// Arm the compilers refuse NEON for float operators, because it flushes subnormals; neon.h has the float overloads there.
+#if defined(__ARM_NEON) && !defined(__aarch64__)
+#define RVK_GENERIC_FLOAT 0
+#else
+#define RVK_GENERIC_FLOAT 1
+#endif
+
+#define RVK_ARITHMETIC(op)                                                                                                     \
+    template <class T>                                                                                                         \
+    RVK_INLINE Vec<T> operator op(Vec<T> a, Vec<T> b)                                                                          \
+    {                                                                                                                          \
+        using U = Unsigned<T>;                                                                                                 \
+        return bitCast<T>(Vec<U>{bitCast<U>(a).raw op bitCast<U>(b).raw});                                                     \
+    }
+RVK_ARITHMETIC(+)
+RVK_ARITHMETIC(-)
+RVK_ARITHMETIC(*)
+RVK_ARITHMETIC(&)
+RVK_ARITHMETIC(|)
+RVK_ARITHMETIC(^)
+#undef RVK_ARITHMETIC
+
+#if RVK_GENERIC_FLOAT
+template <> RVK_INLINE Vec<float> operator+(Vec<float> a, Vec<float> b) { return {a.raw + b.raw}; }
+template <> RVK_INLINE Vec<float> operator-(Vec<float> a, Vec<float> b) { return {a.raw - b.raw}; }
+template <> RVK_INLINE Vec<float> operator*(Vec<float> a, Vec<float> b) { return {a.raw * b.raw}; }
+#else
+template <> RVK_INLINE Vec<float> operator+(Vec<float> a, Vec<float> b) { return {(Vec<float>::Raw)vaddq_f32(a.raw, b.raw)}; }
+template <> RVK_INLINE Vec<float> operator-(Vec<float> a, Vec<float> b) { return {(Vec<float>::Raw)vsubq_f32(a.raw, b.raw)}; }
+template <> RVK_INLINE Vec<float> operator*(Vec<float> a, Vec<float> b) { return {(Vec<float>::Raw)vmulq_f32(a.raw, b.raw)}; }
+#endif
+
+template <class T>
+RVK_INLINE Vec<T> operator~(Vec<T> a)
+{
+    return bitCast<T>(Vec<Unsigned<T>>{~bitCast<Unsigned<T>>(a).raw});
+}
+
+// Shifts by one count for all lanes, below the width of an element; right shifts keep the sign of signed elements.
+template <class T>
+RVK_INLINE Vec<T> shiftLeft(Vec<T> a, unsigned count)
+{
+    using U = Unsigned<T>;
+    return bitCast<T>(Vec<U>{bitCast<U>(a).raw << static_cast<U>(count)});
+}
+
+template <class T>
+RVK_INLINE Vec<T> shiftRight(Vec<T> a, unsigned count)
+{
+    return {a.raw >> static_cast<T>(count)};
+}
+
+// ---- lanes --------------------------------------------------------------------------------------------------------------
+
+template <size_t... i>
+struct Indices {
+};
+template <class List, size_t next> struct AppendIndex;
+template <size_t... i, size_t next> struct AppendIndex<Indices<i...>, next> { using Type = Indices<i..., next>; };
+template <size_t count> struct CountTo { using Type = typename AppendIndex<typename CountTo<count - 1>::Type, count - 1>::Type; };
+template <> struct CountTo<0> { using Type = Indices<>; };
+
+template <class T, size_t... i>
+RVK_INLINE Vec<T> reverseLanes(Vec<T> v, Indices<i...>)
+{
+    return {__builtin_shufflevector(v.raw, v.raw, (Vec<T>::lanes - 1 - i)...)};
+}
+
+// The lanes from last to first.
+template <class T>
+RVK_INLINE Vec<T> reverse(Vec<T> v)
+{
+    return reverseLanes(v, typename CountTo<Vec<T>::lanes>::Type{});
+}
+
+} // namespace
+} // namespace rvk::vecta::RVK_ISA
