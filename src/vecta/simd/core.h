@@ -20,6 +20,7 @@
 #endif
 
 #define RVK_INLINE inline __attribute__((always_inline))
+#define RVK_INLINE_LAMBDA __attribute__((always_inline))
 
 namespace rvk::vecta::RVK_ISA {
 namespace {
