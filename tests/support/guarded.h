@@ -1,0 +1,45 @@
+// Memory between two pages that fault on any access: one byte too far ends the test.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <sys/mman.h>
+#include <unistd.h>
+
+namespace test {
+
+class GuardedMemory {
+public:
+    enum class Flush { toEnd, toStart }; // which guard page the bytes touch
+
+    GuardedMemory(size_t bytes, Flush flush)
+    {
+        const size_t page = static_cast<size_t>(sysconf(_SC_PAGESIZE));
+        const size_t body = (bytes + page - 1) / page * page;
+        m_size = body + 2 * page;
+        m_base = static_cast<uint8_t*>(mmap(nullptr, m_size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0));
+        if (m_base == MAP_FAILED || mprotect(m_base, page, PROT_NONE) || mprotect(m_base + page + body, page, PROT_NONE))
+            abort();
+        m_data = m_base + page + (flush == Flush::toEnd ? body - bytes : 0);
+    }
+    ~GuardedMemory()
+    {
+        if (m_base)
+            munmap(m_base, m_size);
+    }
+    GuardedMemory(GuardedMemory&& other) noexcept : m_base(other.m_base), m_size(other.m_size), m_data(other.m_data)
+    {
+        other.m_base = nullptr;
+    }
+    GuardedMemory& operator=(GuardedMemory&&) = delete;
+
+    uint8_t* data() const { return m_data; }
+
+private:
+    uint8_t* m_base;
+    size_t m_size;
+    uint8_t* m_data;
+};
+
+} // namespace test
