@@ -1,0 +1,128 @@
+// Side-by-side benchmarks. A function is one row beside its peers; bench/README.md shows how to add one.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <type_traits>
+
+#if RVK_BENCH_OPENCV
+#include <opencv2/core.hpp>
+#include <opencv2/imgproc.hpp>
+#endif
+#if RVK_BENCH_LIBYUV
+#include <libyuv.h>
+#endif
+
+namespace bench {
+
+using u8 = uint8_t;
+using u16 = uint16_t;
+using u32 = uint32_t;
+using s8 = int8_t;
+using s16 = int16_t;
+using s32 = int32_t;
+using f32 = float;
+
+// The largest picture (counting instructions needs none larger than VGA), and how many values of an element type each buffer holds: four channels of it and some slack.
+inline constexpr size_t kMostPixels = sizeof(void*) == 8 ? 1920 * 1080 : 640 * 480;
+inline constexpr size_t kBufferValues = 4 * kMostPixels + 4096;
+inline constexpr unsigned kBuffers = 6;
+
+// Fills with repeatable random values: integers of the full range, floats in [0, 256).
+void fillRandom(u8* data, size_t bytes);
+void fillRandom(f32* data, size_t values);
+
+// The buffer `index` of element type T; inputs are random, outputs zero. Made at the first use.
+enum class Role { input, output };
+template <class T, Role role>
+T* buffer(unsigned index)
+{
+    static std::array<std::unique_ptr<T[]>, kBuffers> blocks;
+    // Buffers start at different offsets within a page: with equal ones a store would delay the loads it resembles.
+    const unsigned lead = (128 * (index + (role == Role::output ? kBuffers : 0)) + 64) / sizeof(T);
+    std::unique_ptr<T[]>& block = blocks[index];
+    if (!block) {
+        block = std::make_unique<T[]>(kBufferValues + 4096 / sizeof(T));
+        if constexpr (role == Role::input) {
+            if constexpr (std::is_same_v<T, f32>)
+                fillRandom(block.get(), kBufferValues);
+            else
+                fillRandom(reinterpret_cast<u8*>(block.get()), kBufferValues * sizeof(T));
+        }
+    }
+    const uintptr_t address = (reinterpret_cast<uintptr_t>(block.get()) + 63) / 64 * 64;
+    return reinterpret_cast<T*>(address) + lead;
+}
+
+// What a row works on: a size, and packed inputs and outputs of any element type. A 64-byte boundary starts each.
+struct Picture {
+    uint32_t width;
+    uint32_t height;
+
+    template <class T>
+    const T* in(unsigned index = 0) const { return buffer<T, Role::input>(index); }
+    template <class T>
+    T* out(unsigned index = 0) const { return buffer<T, Role::output>(index); }
+
+#if RVK_BENCH_OPENCV
+    template <class T>
+    cv::Mat matIn(unsigned index = 0, int channels = 1) const
+    {
+        return mat(const_cast<T*>(in<T>(index)), height, width, channels);
+    }
+    template <class T>
+    cv::Mat matOut(unsigned index = 0, int channels = 1) const { return mat(out<T>(index), height, width, channels); }
+    template <class T>
+    cv::Mat matOutTurned(unsigned index = 0, int channels = 1) const { return mat(out<T>(index), width, height, channels); }
+
+private:
+    template <class T>
+    static cv::Mat mat(T* data, uint32_t rows, uint32_t columns, int channels)
+    {
+        return cv::Mat(static_cast<int>(rows), static_cast<int>(columns), CV_MAKETYPE(cv::DataType<T>::depth, channels), data);
+    }
+#endif
+};
+
+// Compulsory bytes of a pixel: every input once, every output once.
+struct Traffic {
+    double bytesPerPixel;
+    bool streaming; // element by element: memcpy speed is the goal, and 0.6 instructions a pixel of u8 on 32-bit Arm
+};
+constexpr Traffic streaming(double reads, double writes) { return {reads + writes, true}; }
+constexpr Traffic traffic(double reads, double writes) { return {reads + writes, false}; }
+
+using Work = void (*)(const Picture&);
+
+struct Row {
+    const char* function;         // rvkAbsDiffu8
+    const char* best;             // its name in best.inc, or null
+    Traffic bytes;                // per pixel
+    Work ravik;                   // run as C reference and as VECTA
+    Work opencv = nullptr;        // null: none, or not built in
+    Work libyuv = nullptr;
+    Picture shape = {0, 0};       // for rows that are no pictures: items and 1
+};
+
+// A unit's rows register themselves: const bench::Rows registered(rows);
+struct Rows {
+    explicit Rows(std::span<const Row> rows);
+};
+
+} // namespace bench
+
+// The works of a row, as expressions on the picture p.
+#define RAVIK(...) +[]([[maybe_unused]] const bench::Picture& p) { __VA_ARGS__; }
+#if RVK_BENCH_OPENCV
+#define OPENCV(...) RAVIK(__VA_ARGS__)
+#else
+#define OPENCV(...) nullptr
+#endif
+#if RVK_BENCH_LIBYUV
+#define LIBYUV(...) RAVIK(__VA_ARGS__)
+#else
+#define LIBYUV(...) nullptr
+#endif
