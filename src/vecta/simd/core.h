@@ -14,7 +14,15 @@
 #endif
 
 #if defined(__x86_64__)
+#if !defined(__clang__)
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wuninitialized" // GCC's own 512-bit intrinsics start from undefined registers
+#pragma GCC diagnostic ignored "-Wmaybe-uninitialized"
+#endif
 #include <immintrin.h>
+#if !defined(__clang__)
+#pragma GCC diagnostic pop
+#endif
 #elif defined(__ARM_NEON)
 #include <arm_neon.h>
 #endif
@@ -246,18 +254,103 @@ template <size_t... i, size_t next> struct AppendIndex<Indices<i...>, next> { us
 template <size_t count> struct CountTo { using Type = typename AppendIndex<typename CountTo<count - 1>::Type, count - 1>::Type; };
 template <> struct CountTo<0> { using Type = Indices<>; };
 
-template <class T, size_t... i>
-RVK_INLINE Vec<T> reverseLanes(Vec<T> v, Indices<i...>)
+template <class T, class F, size_t... i>
+RVK_INLINE Vec<T> shuffleLanes(Vec<T> a, Vec<T> b, F, Indices<i...>)
 {
-    return {__builtin_shufflevector(v.raw, v.raw, (Vec<T>::lanes - 1 - i)...)};
+    return {__builtin_shufflevector(a.raw, b.raw, F{}(i)...)};
+}
+
+// Lane i of the result is lane f(i) of a followed by b. f is a lambda without captures, so that its values are constants.
+template <class T, class F>
+RVK_INLINE Vec<T> shuffle(Vec<T> a, Vec<T> b, F f)
+{
+    return shuffleLanes(a, b, f, typename CountTo<Vec<T>::lanes>::Type{});
 }
 
 // The lanes from last to first.
 template <class T>
 RVK_INLINE Vec<T> reverse(Vec<T> v)
 {
-    return reverseLanes(v, typename CountTo<Vec<T>::lanes>::Type{});
+    return shuffle(v, v, [](size_t i) { return Vec<T>::lanes - 1 - i; });
 }
+
+// Lanes n, n + 1, ... of a followed by b; n is at most the number of lanes.
+template <size_t n, class T>
+RVK_INLINE Vec<T> extract(Vec<T> a, Vec<T> b)
+{
+    static_assert(n <= Vec<T>::lanes);
+    if constexpr (n == Vec<T>::lanes)
+        return b;
+    else
+        return shuffle(a, b, [](size_t i) { return i + n; });
+}
+
+// a0 b0 a1 b1 ...: the first and the second half of it.
+template <class T>
+RVK_INLINE Vec<T> zipLow(Vec<T> a, Vec<T> b)
+{
+    return shuffle(a, b, [](size_t i) { return i / 2 + i % 2 * Vec<T>::lanes; });
+}
+
+template <class T>
+RVK_INLINE Vec<T> zipHigh(Vec<T> a, Vec<T> b)
+{
+    return shuffle(a, b, [](size_t i) { return i / 2 + (1 + i % 2 * 2) * (Vec<T>::lanes / 2); });
+}
+
+template <class T>
+RVK_INLINE Vecs<T, 2> zip(Vec<T> a, Vec<T> b)
+{
+    return {zipLow(a, b), zipHigh(a, b)};
+}
+
+// The lanes with an even or odd number of a followed by b.
+template <class T>
+RVK_INLINE Vec<T> unzipEven(Vec<T> a, Vec<T> b)
+{
+    return shuffle(a, b, [](size_t i) { return 2 * i; });
+}
+
+template <class T>
+RVK_INLINE Vec<T> unzipOdd(Vec<T> a, Vec<T> b)
+{
+    return shuffle(a, b, [](size_t i) { return 2 * i + 1; });
+}
+
+// "InLanes": the same within each 16-byte block of the registers, which is what x86 does in one instruction. Registers of 16
+// bytes are one block. What an ...InLanes function takes apart, its counterpart puts together again; element-wise work in
+// between does not see the order.
+template <class T> constexpr size_t kBlock = 16 / sizeof(T);
+
+template <class T>
+RVK_INLINE Vecs<T, 2> zipInLanes(Vec<T> a, Vec<T> b)
+{
+    return {shuffle(a, b, [](size_t i) { return i / kBlock<T> * kBlock<T> + i % kBlock<T> / 2 + i % 2 * Vec<T>::lanes; }),
+            shuffle(a, b, [](size_t i) {
+                return i / kBlock<T> * kBlock<T> + kBlock<T> / 2 + i % kBlock<T> / 2 + i % 2 * Vec<T>::lanes; })};
+}
+
+// ---- comparison and selection -------------------------------------------------------------------------------------------
+
+#if !defined(__AVX512BW__)
+// The result of a comparison: a truth value per lane. Masks combine with & | ^ ~.
+template <class T>
+struct Mask {
+    Vec<Unsigned<T>> bits; // all bits of a true lane are set
+};
+
+template <class T> RVK_INLINE Mask<T> operator&(Mask<T> a, Mask<T> b) { return {a.bits & b.bits}; }
+template <class T> RVK_INLINE Mask<T> operator|(Mask<T> a, Mask<T> b) { return {a.bits | b.bits}; }
+template <class T> RVK_INLINE Mask<T> operator^(Mask<T> a, Mask<T> b) { return {a.bits ^ b.bits}; }
+template <class T> RVK_INLINE Mask<T> operator~(Mask<T> a) { return {~a.bits}; }
+
+// All bits of the true lanes set, the others zero.
+template <class T>
+RVK_INLINE Vec<T> toVec(Mask<T> m)
+{
+    return bitCast<T>(m.bits);
+}
+#endif
 
 } // namespace
 } // namespace rvk::vecta::RVK_ISA

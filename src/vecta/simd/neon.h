@@ -1,0 +1,398 @@
+// The NEON back end: 32-bit Arm and AArch64.
+//
+// On 32-bit Arm, NEON flushes subnormal floats to zero, in operands and in results, and so do the float operations here, except
+// divide and squareRoot, which NEON lacks there and the scalar unit does, lane by lane.
+#pragma once
+
+#include "vecta/simd/core.h"
+
+namespace rvk::vecta::RVK_ISA {
+namespace {
+
+// The intrinsics' own type of a vector, and of half of one.
+template <class T> struct Neon;
+#define RVK_NEON_TYPE(T, full, half)                                                                                           \
+    template <> struct Neon<T> { using Full = full; using Half = half; };                                                      \
+    RVK_INLINE full reg(Vec<T> v) { return (full)v.raw; }                                                                      \
+    RVK_INLINE Vec<T> vec(full r) { return {(Vec<T>::Raw)r}; }
+RVK_NEON_TYPE(uint8_t, uint8x16_t, uint8x8_t)
+RVK_NEON_TYPE(int8_t, int8x16_t, int8x8_t)
+RVK_NEON_TYPE(uint16_t, uint16x8_t, uint16x4_t)
+RVK_NEON_TYPE(int16_t, int16x8_t, int16x4_t)
+RVK_NEON_TYPE(uint32_t, uint32x4_t, uint32x2_t)
+RVK_NEON_TYPE(int32_t, int32x4_t, int32x2_t)
+RVK_NEON_TYPE(uint64_t, uint64x2_t, uint64x1_t)
+RVK_NEON_TYPE(int64_t, int64x2_t, int64x1_t)
+RVK_NEON_TYPE(float, float32x4_t, float32x2_t)
+#undef RVK_NEON_TYPE
+
+// ---- element-wise operations --------------------------------------------------------------------------------------------
+
+#define RVK_UNARY(name, T, intrinsic)                                                                                          \
+    RVK_INLINE Vec<T> name(Vec<T> a) { return vec(intrinsic(reg(a))); }
+#define RVK_BINARY(name, T, intrinsic)                                                                                         \
+    RVK_INLINE Vec<T> name(Vec<T> a, Vec<T> b) { return vec(intrinsic(reg(a), reg(b))); }
+#define RVK_BINARY_8_16(name, intrinsic)                                                                                       \
+    RVK_BINARY(name, uint8_t, intrinsic##_u8)                                                                                  \
+    RVK_BINARY(name, int8_t, intrinsic##_s8)                                                                                   \
+    RVK_BINARY(name, uint16_t, intrinsic##_u16)                                                                                \
+    RVK_BINARY(name, int16_t, intrinsic##_s16)
+#define RVK_BINARY_8_16_32(name, intrinsic)                                                                                    \
+    RVK_BINARY_8_16(name, intrinsic)                                                                                           \
+    RVK_BINARY(name, uint32_t, intrinsic##_u32)                                                                                \
+    RVK_BINARY(name, int32_t, intrinsic##_s32)
+
+RVK_BINARY_8_16_32(min, vminq)
+RVK_BINARY_8_16_32(max, vmaxq)
+RVK_BINARY_8_16(addSat, vqaddq)
+RVK_BINARY_8_16(subSat, vqsubq)
+RVK_BINARY(average, uint8_t, vrhaddq_u8)
+RVK_BINARY(average, uint16_t, vrhaddq_u16)
+RVK_BINARY(absDiff, uint8_t, vabdq_u8)
+RVK_BINARY(absDiff, int8_t, vabdq_s8)
+RVK_BINARY(absDiff, uint16_t, vabdq_u16)
+RVK_BINARY(absDiff, int16_t, vabdq_s16)
+RVK_BINARY(absDiff, uint32_t, vabdq_u32)
+RVK_UNARY(abs, int8_t, vabsq_s8)
+RVK_UNARY(abs, int16_t, vabsq_s16)
+RVK_UNARY(abs, int32_t, vabsq_s32)
+RVK_UNARY(countBits, uint8_t, vcntq_u8)
+
+// ---- comparison and selection -------------------------------------------------------------------------------------------
+
+template <class T>
+RVK_INLINE Mask<T> equal(Vec<T> a, Vec<T> b)
+{
+    return {{(typename Vec<Unsigned<T>>::Raw)(a.raw == b.raw)}};
+}
+
+template <class T>
+RVK_INLINE Mask<T> greater(Vec<T> a, Vec<T> b)
+{
+    return {{(typename Vec<Unsigned<T>>::Raw)(a.raw > b.raw)}};
+}
+
+RVK_INLINE Mask<float> equal(Vec<float> a, Vec<float> b) { return {vec(vceqq_f32(reg(a), reg(b)))}; }
+RVK_INLINE Mask<float> greater(Vec<float> a, Vec<float> b) { return {vec(vcgtq_f32(reg(a), reg(b)))}; }
+
+template <class T>
+RVK_INLINE Mask<T> less(Vec<T> a, Vec<T> b)
+{
+    return greater(b, a);
+}
+
+template <class T>
+RVK_INLINE Vec<T> select(Mask<T> m, Vec<T> a, Vec<T> b)
+{
+    return bitCast<T>(vec(vbslq_u8(reg(bitCast<uint8_t>(m.bits)), reg(bitCast<uint8_t>(a)), reg(bitCast<uint8_t>(b)))));
+}
+
+// Four bits per byte of the register.
+template <class T>
+RVK_INLINE uint64_t nibbles(Mask<T> m)
+{
+    return vget_lane_u64(vreinterpret_u64_u8(vshrn_n_u16(reg(bitCast<uint16_t>(m.bits)), 4)), 0);
+}
+
+template <class T> RVK_INLINE bool any(Mask<T> m) { return nibbles(m) != 0; }
+template <class T> RVK_INLINE bool all(Mask<T> m) { return nibbles(m) == UINT64_MAX; }
+template <class T> RVK_INLINE size_t firstTrue(Mask<T> m)
+{
+    return static_cast<size_t>(__builtin_ctzll(nibbles(m))) / (4 * sizeof(T));
+}
+
+// b < a ? b : a, and a < b ? b : a: the first operand when the two are equal or one is not a number.
+RVK_INLINE Vec<float> min(Vec<float> a, Vec<float> b) { return select(less(b, a), b, a); }
+RVK_INLINE Vec<float> max(Vec<float> a, Vec<float> b) { return select(less(a, b), b, a); }
+
+// ---- floats -------------------------------------------------------------------------------------------------------------
+
+RVK_INLINE Vec<float> toFloat(Vec<int32_t> v) { return vec(vcvtq_f32_s32(reg(v))); }
+RVK_INLINE Vec<float> toFloat(Vec<uint32_t> v) { return toFloat(bitCast<int32_t>(v)); }
+RVK_INLINE Vec<int32_t> truncateToInt(Vec<float> v) { return vec(vcvtq_s32_f32(reg(v))); }
+
+#if defined(__aarch64__)
+
+RVK_BINARY(divide, float, vdivq_f32)
+RVK_UNARY(squareRoot, float, vsqrtq_f32)
+RVK_INLINE Vec<int32_t> roundToInt(Vec<float> v) { return vec(vcvtnq_s32_f32(reg(v))); }
+
+#else
+
+RVK_INLINE Vec<float> divide(Vec<float> a, Vec<float> b)
+{
+    Vec<float> r;
+    for (size_t i = 0; i < 4; ++i)
+        r.raw[i] = a.raw[i] / b.raw[i];
+    return r;
+}
+
+RVK_INLINE Vec<float> squareRoot(Vec<float> a)
+{
+    Vec<float> r;
+    for (size_t i = 0; i < 4; ++i) {
+        float lane; // sqrtf would set errno
+        __asm__("vsqrt.f32 %0, %1" : "=t"(lane) : "t"(static_cast<float>(a.raw[i])));
+        r.raw[i] = lane;
+    }
+    return r;
+}
+
+// Adding 2^23 to a smaller number leaves no bits for a fraction: the sum is rounded to the nearest even integer.
+RVK_INLINE Vec<int32_t> roundToInt(Vec<float> v)
+{
+    const Vec<float> big = splat(8388608.0f);
+    const Vec<uint32_t> sign = bitCast<uint32_t>(v) & splat(0x80000000u);
+    const Vec<float> magnitude = bitCast<float>(bitCast<uint32_t>(v) ^ sign);
+    const Vec<float> rounded = (magnitude + big) - big;
+    const Vec<float> whole = select(less(magnitude, big), rounded, magnitude);
+    return truncateToInt(bitCast<float>(bitCast<uint32_t>(whole) | sign));
+}
+
+#endif
+
+// ---- wider and narrower elements ----------------------------------------------------------------------------------------
+
+#define RVK_HALVES(T, suffix)                                                                                                  \
+    RVK_INLINE Neon<T>::Half lowHalf(Vec<T> v) { return vget_low_##suffix(reg(v)); }                                           \
+    RVK_INLINE Neon<T>::Half highHalf(Vec<T> v) { return vget_high_##suffix(reg(v)); }                                         \
+    RVK_INLINE Vec<T> join(Neon<T>::Half low, Neon<T>::Half high) { return vec(vcombine_##suffix(low, high)); }
+RVK_HALVES(uint8_t, u8)
+RVK_HALVES(int8_t, s8)
+RVK_HALVES(uint16_t, u16)
+RVK_HALVES(int16_t, s16)
+RVK_HALVES(uint32_t, u32)
+RVK_HALVES(int32_t, s32)
+RVK_HALVES(float, f32)
+#undef RVK_HALVES
+
+#define RVK_WIDEN(T, suffix)                                                                                                   \
+    RVK_INLINE Vecs<Wider<T>, 2> widen(Vec<T> v)                                                                               \
+    {                                                                                                                          \
+        return {vec(vmovl_##suffix(lowHalf(v))), vec(vmovl_##suffix(highHalf(v)))};                                            \
+    }
+RVK_WIDEN(uint8_t, u8)
+RVK_WIDEN(int8_t, s8)
+RVK_WIDEN(uint16_t, u16)
+RVK_WIDEN(int16_t, s16)
+RVK_WIDEN(uint32_t, u32)
+RVK_WIDEN(int32_t, s32)
+#undef RVK_WIDEN
+
+template <class T>
+RVK_INLINE Vecs<Wider<T>, 2> widenInLanes(Vec<T> v)
+{
+    return widen(v);
+}
+
+#define RVK_NARROW(T, suffix)                                                                                                  \
+    RVK_INLINE Vec<Narrower<T>> narrow(Vecs<T, 2> v)                                                                           \
+    {                                                                                                                          \
+        return join(vmovn_##suffix(reg(v[0])), vmovn_##suffix(reg(v[1])));                                                     \
+    }
+RVK_NARROW(uint16_t, u16)
+RVK_NARROW(int16_t, s16)
+RVK_NARROW(uint32_t, u32)
+RVK_NARROW(int32_t, s32)
+#undef RVK_NARROW
+
+template <class T>
+RVK_INLINE Vec<Narrower<T>> narrowInLanes(Vecs<T, 2> v)
+{
+    return narrow(v);
+}
+
+// Saturates the lanes of two vectors: s16 -> u8 and s8, u16 -> u8, s32 -> s16 and u16, u32 -> u16.
+#define RVK_NARROW_SIGNED(T, suffix)                                                                                           \
+    template <class To>                                                                                                        \
+    RVK_INLINE Vec<To> narrowSat(Vecs<T, 2> v)                                                                                 \
+    {                                                                                                                          \
+        static_assert(sizeof(To) * 2 == sizeof(T));                                                                            \
+        if constexpr (isSigned<To>)                                                                                            \
+            return join(vqmovn_##suffix(reg(v[0])), vqmovn_##suffix(reg(v[1])));                                               \
+        else                                                                                                                   \
+            return join(vqmovun_##suffix(reg(v[0])), vqmovun_##suffix(reg(v[1])));                                             \
+    }
+#define RVK_NARROW_UNSIGNED(T, suffix)                                                                                         \
+    template <class To>                                                                                                        \
+    RVK_INLINE Vec<To> narrowSat(Vecs<T, 2> v)                                                                                 \
+    {                                                                                                                          \
+        static_assert(isSame<To, Narrower<T>>);                                                                                \
+        return join(vqmovn_##suffix(reg(v[0])), vqmovn_##suffix(reg(v[1])));                                                   \
+    }
+RVK_NARROW_SIGNED(int16_t, s16)
+RVK_NARROW_SIGNED(int32_t, s32)
+RVK_NARROW_UNSIGNED(uint16_t, u16)
+RVK_NARROW_UNSIGNED(uint32_t, u32)
+#undef RVK_NARROW_SIGNED
+#undef RVK_NARROW_UNSIGNED
+
+template <class To, class T>
+RVK_INLINE Vec<To> narrowSatInLanes(Vecs<T, 2> v)
+{
+    return narrowSat<To>(v);
+}
+
+// ---- products -----------------------------------------------------------------------------------------------------------
+
+#define RVK_MULTIPLY_WIDE(T, suffix)                                                                                           \
+    RVK_INLINE Vecs<Wider<T>, 2> multiplyWide(Vec<T> a, Vec<T> b)                                                              \
+    {                                                                                                                          \
+        return {vec(vmull_##suffix(lowHalf(a), lowHalf(b))), vec(vmull_##suffix(highHalf(a), highHalf(b)))};                   \
+    }                                                                                                                          \
+    RVK_INLINE Vecs<Wider<T>, 2> multiplyWideInLanes(Vec<T> a, Vec<T> b) { return multiplyWide(a, b); }
+RVK_MULTIPLY_WIDE(uint8_t, u8)
+RVK_MULTIPLY_WIDE(int8_t, s8)
+RVK_MULTIPLY_WIDE(uint16_t, u16)
+RVK_MULTIPLY_WIDE(int16_t, s16)
+#undef RVK_MULTIPLY_WIDE
+
+RVK_INLINE Vec<int16_t> multiplyHigh(Vec<int16_t> a, Vec<int16_t> b)
+{
+    const Vecs<int32_t, 2> p = multiplyWide(a, b);
+    return join(vshrn_n_s32(reg(p[0]), 16), vshrn_n_s32(reg(p[1]), 16));
+}
+
+RVK_INLINE Vec<uint16_t> multiplyHigh(Vec<uint16_t> a, Vec<uint16_t> b)
+{
+    const Vecs<uint32_t, 2> p = multiplyWide(a, b);
+    return join(vshrn_n_u32(reg(p[0]), 16), vshrn_n_u32(reg(p[1]), 16));
+}
+
+// Products of neighbours, added: lane i is a[2i] * b[2i] + a[2i + 1] * b[2i + 1]; four times -32768 wraps.
+RVK_INLINE Vec<int32_t> dotPairs(Vec<int16_t> a, Vec<int16_t> b)
+{
+    const Vecs<int32_t, 2> p = multiplyWide(a, b);
+#if defined(__aarch64__)
+    return vec(vpaddq_s32(reg(p[0]), reg(p[1])));
+#else
+    return join(vpadd_s32(lowHalf(p[0]), highHalf(p[0])), vpadd_s32(lowHalf(p[1]), highHalf(p[1])));
+#endif
+}
+
+// ---- tables -------------------------------------------------------------------------------------------------------------
+
+// A table of 16 bytes, repeated in every block of the register.
+RVK_INLINE Vec<uint8_t> loadTable16(const uint8_t* table)
+{
+    return load(table);
+}
+
+// table[index]; every index is below 16.
+RVK_INLINE Vec<uint8_t> lookup16(Vec<uint8_t> table, Vec<uint8_t> index)
+{
+#if defined(__aarch64__)
+    return vec(vqtbl1q_u8(reg(table), reg(index)));
+#else
+    const uint8x8x2_t t = {{lowHalf(table), highHalf(table)}};
+    return join(vtbl2_u8(t, lowHalf(index)), vtbl2_u8(t, highHalf(index)));
+#endif
+}
+
+#if defined(__aarch64__)
+
+struct Table256 {
+    uint8x16x4_t quarter[4];
+};
+
+RVK_INLINE Table256 prepare(const uint8_t table[256])
+{
+    Table256 t;
+    for (size_t i = 0; i < 4; ++i)
+        t.quarter[i] = vld1q_u8_x4(table + 64 * i);
+    return t;
+}
+
+// An index outside the quarter leaves the lane alone.
+RVK_INLINE Vec<uint8_t> lookup(const Table256& table, Vec<uint8_t> index)
+{
+    uint8x16_t i = reg(index);
+    uint8x16_t r = vqtbl4q_u8(table.quarter[0], i);
+    for (size_t quarter = 1; quarter < 4; ++quarter) {
+        i = vsubq_u8(i, vdupq_n_u8(64));
+        r = vqtbx4q_u8(r, table.quarter[quarter], i);
+    }
+    return vec(r);
+}
+
+#else
+
+struct Table256 {
+    const uint8_t* table; // 256 bytes are all registers there are, so each look-up loads them again
+};
+
+RVK_INLINE Table256 prepare(const uint8_t table[256])
+{
+    return {table};
+}
+
+// An index outside the eighth leaves the lane alone.
+RVK_INLINE Vec<uint8_t> lookup(const Table256& table, Vec<uint8_t> index)
+{
+    uint8x8_t i = lowHalf(index), k = highHalf(index);
+    uint8x8_t low = vdup_n_u8(0), high = vdup_n_u8(0);
+    for (size_t eighth = 0; eighth < 8; ++eighth) {
+        const uint8_t* p = table.table + 32 * eighth;
+        const uint8x8x4_t t = {{vld1_u8(p), vld1_u8(p + 8), vld1_u8(p + 16), vld1_u8(p + 24)}};
+        low = vtbx4_u8(low, t, i);
+        high = vtbx4_u8(high, t, k);
+        i = vsub_u8(i, vdup_n_u8(32));
+        k = vsub_u8(k, vdup_n_u8(32));
+    }
+    return join(low, high);
+}
+
+#endif
+
+// ---- sums ---------------------------------------------------------------------------------------------------------------
+
+// Adds all elements of v to the lanes of acc, whichever is convenient; sums wrap.
+RVK_INLINE Vec<uint32_t> addBytesTo(Vec<uint32_t> acc, Vec<uint8_t> v)
+{
+    return vec(vpadalq_u16(reg(acc), vpaddlq_u8(reg(v))));
+}
+
+RVK_INLINE Vec<uint32_t> addTo(Vec<uint32_t> acc, Vec<uint16_t> v) { return vec(vpadalq_u16(reg(acc), reg(v))); }
+RVK_INLINE Vec<int32_t> addTo(Vec<int32_t> acc, Vec<int16_t> v) { return vec(vpadalq_s16(reg(acc), reg(v))); }
+RVK_INLINE Vec<uint64_t> addTo(Vec<uint64_t> acc, Vec<uint32_t> v) { return vec(vpadalq_u32(reg(acc), reg(v))); }
+RVK_INLINE Vec<int64_t> addTo(Vec<int64_t> acc, Vec<int32_t> v) { return vec(vpadalq_s32(reg(acc), reg(v))); }
+
+// ---- interleaved memory -------------------------------------------------------------------------------------------------
+
+#define RVK_INTERLEAVED(n, T, suffix)                                                                                          \
+    RVK_INLINE Vecs<T, n> load##n(const T* p)                                                                                  \
+    {                                                                                                                          \
+        const auto m = vld##n##q_##suffix(p);                                                                                  \
+        Vecs<T, n> r;                                                                                                          \
+        for (size_t i = 0; i < n; ++i)                                                                                         \
+            r[i] = vec(m.val[i]);                                                                                              \
+        return r;                                                                                                              \
+    }                                                                                                                          \
+    RVK_INLINE void store##n(T* p, const Vecs<T, n>& v)                                                                        \
+    {                                                                                                                          \
+        decltype(vld##n##q_##suffix(p)) m;                                                                                     \
+        for (size_t i = 0; i < n; ++i)                                                                                         \
+            m.val[i] = reg(v[i]);                                                                                              \
+        vst##n##q_##suffix(p, m);                                                                                              \
+    }
+#define RVK_INTERLEAVED_ALL(T, suffix)                                                                                         \
+    RVK_INTERLEAVED(2, T, suffix)                                                                                              \
+    RVK_INTERLEAVED(3, T, suffix)                                                                                              \
+    RVK_INTERLEAVED(4, T, suffix)
+RVK_INTERLEAVED_ALL(uint8_t, u8)
+RVK_INTERLEAVED_ALL(int8_t, s8)
+RVK_INTERLEAVED_ALL(uint16_t, u16)
+RVK_INTERLEAVED_ALL(int16_t, s16)
+RVK_INTERLEAVED_ALL(uint32_t, u32)
+RVK_INTERLEAVED_ALL(int32_t, s32)
+RVK_INTERLEAVED_ALL(float, f32)
+#undef RVK_INTERLEAVED_ALL
+#undef RVK_INTERLEAVED
+
+#undef RVK_UNARY
+#undef RVK_BINARY
+#undef RVK_BINARY_8_16
+#undef RVK_BINARY_8_16_32
+
+} // namespace
+} // namespace rvk::vecta::RVK_ISA

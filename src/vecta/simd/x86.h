@@ -1,0 +1,705 @@
+// The x86 back end: SSE4.2, AVX2 and AVX-512 (F, BW, VL, DQ, VBMI, VBMI2, BITALG). The three have the same instructions under
+// names that differ by prefix, so RVK_MM(name) pastes the prefix of the instruction set that is compiled; AVX-512 differs where
+// comparisons give mask registers and where bytes move freely across the register.
+#pragma once
+
+#include "vecta/simd/core.h"
+
+#if defined(__AVX512BW__)
+#define RVK_AVX512 1
+#define RVK_MM(name) _mm512_##name
+#elif defined(__AVX2__)
+#define RVK_AVX512 0
+#define RVK_MM(name) _mm256_##name
+#else
+#define RVK_AVX512 0
+#define RVK_MM(name) _mm_##name
+#endif
+
+namespace rvk::vecta::RVK_ISA {
+namespace {
+
+#if RVK_AVX512
+using Register = __m512i;
+using FloatRegister = __m512;
+using HalfRegister = __m256i;
+#elif defined(__AVX2__)
+using Register = __m256i;
+using FloatRegister = __m256;
+using HalfRegister = __m128i;
+#else
+using Register = __m128i;
+using FloatRegister = __m128;
+using HalfRegister = __m128i; // its low half
+#endif
+
+template <class T>
+RVK_INLINE Register reg(Vec<T> v)
+{
+    return (Register)v.raw;
+}
+
+RVK_INLINE FloatRegister reg(Vec<float> v)
+{
+    return (FloatRegister)v.raw;
+}
+
+template <class T>
+RVK_INLINE Vec<T> vec(Register r)
+{
+    return {(typename Vec<T>::Raw)r};
+}
+
+RVK_INLINE Vec<float> vec(FloatRegister r)
+{
+    return {(Vec<float>::Raw)r};
+}
+
+#if RVK_AVX512
+RVK_INLINE HalfRegister lowHalf(Register r) { return _mm512_castsi512_si256(r); }
+RVK_INLINE HalfRegister highHalf(Register r) { return _mm512_extracti64x4_epi64(r, 1); }
+#elif defined(__AVX2__)
+RVK_INLINE HalfRegister lowHalf(Register r) { return _mm256_castsi256_si128(r); }
+RVK_INLINE HalfRegister highHalf(Register r) { return _mm256_extracti128_si256(r, 1); }
+#else
+RVK_INLINE HalfRegister lowHalf(Register r) { return r; }
+RVK_INLINE HalfRegister highHalf(Register r) { return _mm_unpackhi_epi64(r, r); }
+#endif
+
+// ---- element-wise operations --------------------------------------------------------------------------------------------
+
+#define RVK_UNARY(name, T, intrinsic)                                                                                          \
+    RVK_INLINE Vec<T> name(Vec<T> a) { return vec<T>(RVK_MM(intrinsic)(reg(a))); }
+#define RVK_BINARY(name, T, intrinsic)                                                                                         \
+    RVK_INLINE Vec<T> name(Vec<T> a, Vec<T> b) { return vec<T>(RVK_MM(intrinsic)(reg(a), reg(b))); }
+
+RVK_BINARY(min, uint8_t, min_epu8)
+RVK_BINARY(min, int8_t, min_epi8)
+RVK_BINARY(min, uint16_t, min_epu16)
+RVK_BINARY(min, int16_t, min_epi16)
+RVK_BINARY(min, uint32_t, min_epu32)
+RVK_BINARY(min, int32_t, min_epi32)
+RVK_BINARY(max, uint8_t, max_epu8)
+RVK_BINARY(max, int8_t, max_epi8)
+RVK_BINARY(max, uint16_t, max_epu16)
+RVK_BINARY(max, int16_t, max_epi16)
+RVK_BINARY(max, uint32_t, max_epu32)
+RVK_BINARY(max, int32_t, max_epi32)
+
+// b < a ? b : a, and a < b ? b : a: the first operand when the two are equal or one is not a number.
+RVK_INLINE Vec<float> min(Vec<float> a, Vec<float> b) { return vec(RVK_MM(min_ps)(reg(b), reg(a))); }
+RVK_INLINE Vec<float> max(Vec<float> a, Vec<float> b) { return vec(RVK_MM(max_ps)(reg(b), reg(a))); }
+
+RVK_BINARY(addSat, uint8_t, adds_epu8)
+RVK_BINARY(addSat, int8_t, adds_epi8)
+RVK_BINARY(addSat, uint16_t, adds_epu16)
+RVK_BINARY(addSat, int16_t, adds_epi16)
+RVK_BINARY(subSat, uint8_t, subs_epu8)
+RVK_BINARY(subSat, int8_t, subs_epi8)
+RVK_BINARY(subSat, uint16_t, subs_epu16)
+RVK_BINARY(subSat, int16_t, subs_epi16)
+
+RVK_BINARY(average, uint8_t, avg_epu8)
+RVK_BINARY(average, uint16_t, avg_epu16)
+
+RVK_BINARY(multiplyHigh, int16_t, mulhi_epi16)
+RVK_BINARY(multiplyHigh, uint16_t, mulhi_epu16)
+
+RVK_UNARY(abs, int8_t, abs_epi8)
+RVK_UNARY(abs, int16_t, abs_epi16)
+RVK_UNARY(abs, int32_t, abs_epi32)
+
+#undef RVK_UNARY
+#undef RVK_BINARY
+
+RVK_INLINE Vec<uint8_t> absDiff(Vec<uint8_t> a, Vec<uint8_t> b) { return subSat(a, b) | subSat(b, a); }
+RVK_INLINE Vec<uint16_t> absDiff(Vec<uint16_t> a, Vec<uint16_t> b) { return subSat(a, b) | subSat(b, a); }
+
+// Products of neighbours, added: lane i is a[2i] * b[2i] + a[2i + 1] * b[2i + 1]; four times -32768 wraps.
+RVK_INLINE Vec<int32_t> dotPairs(Vec<int16_t> a, Vec<int16_t> b)
+{
+    return vec<int32_t>(RVK_MM(madd_epi16)(reg(a), reg(b)));
+}
+
+RVK_INLINE Vec<float> divide(Vec<float> a, Vec<float> b) { return {a.raw / b.raw}; }
+RVK_INLINE Vec<float> squareRoot(Vec<float> a) { return vec(RVK_MM(sqrt_ps)(reg(a))); }
+
+RVK_INLINE Vec<float> toFloat(Vec<int32_t> v) { return vec(RVK_MM(cvtepi32_ps)(reg(v))); }
+RVK_INLINE Vec<float> toFloat(Vec<uint32_t> v) { return toFloat(bitCast<int32_t>(v)); }
+RVK_INLINE Vec<int32_t> truncateToInt(Vec<float> v) { return vec<int32_t>(RVK_MM(cvttps_epi32)(reg(v))); }
+RVK_INLINE Vec<int32_t> roundToInt(Vec<float> v) { return vec<int32_t>(RVK_MM(cvtps_epi32)(reg(v))); }
+
+// ---- comparison and selection -------------------------------------------------------------------------------------------
+
+#if RVK_AVX512
+
+template <size_t lanes> struct MaskBits;
+template <> struct MaskBits<64> { using Type = __mmask64; };
+template <> struct MaskBits<32> { using Type = __mmask32; };
+template <> struct MaskBits<16> { using Type = __mmask16; };
+template <> struct MaskBits<8> { using Type = __mmask8; };
+
+// The result of a comparison: a truth value per lane. Masks combine with & | ^ ~.
+template <class T>
+struct Mask {
+    using Bits = typename MaskBits<Vec<T>::lanes>::Type;
+    Bits bits;
+};
+
+#define RVK_MASK_OPERATOR(op)                                                                                                  \
+    template <class T>                                                                                                         \
+    RVK_INLINE Mask<T> operator op(Mask<T> a, Mask<T> b)                                                                       \
+    {                                                                                                                          \
+        return {static_cast<typename Mask<T>::Bits>(a.bits op b.bits)};                                                        \
+    }
+RVK_MASK_OPERATOR(&)
+RVK_MASK_OPERATOR(|)
+RVK_MASK_OPERATOR(^)
+#undef RVK_MASK_OPERATOR
+
+template <class T>
+RVK_INLINE Mask<T> operator~(Mask<T> a)
+{
+    return {static_cast<typename Mask<T>::Bits>(~a.bits)};
+}
+
+#define RVK_COMPARISONS(T, suffix, vectorSuffix)                                                                               \
+    RVK_INLINE Mask<T> equal(Vec<T> a, Vec<T> b) { return {_mm512_cmpeq_##suffix##_mask(reg(a), reg(b))}; }                    \
+    RVK_INLINE Mask<T> greater(Vec<T> a, Vec<T> b) { return {_mm512_cmpgt_##suffix##_mask(reg(a), reg(b))}; }                  \
+    RVK_INLINE Mask<T> less(Vec<T> a, Vec<T> b) { return {_mm512_cmplt_##suffix##_mask(reg(a), reg(b))}; }                     \
+    RVK_INLINE Vec<T> select(Mask<T> m, Vec<T> a, Vec<T> b)                                                                    \
+    {                                                                                                                          \
+        return vec<T>(_mm512_mask_blend_##vectorSuffix(m.bits, reg(b), reg(a)));                                               \
+    }                                                                                                                          \
+    RVK_INLINE Vec<T> toVec(Mask<T> m) { return vec<T>(_mm512_movm_##vectorSuffix(m.bits)); }
+RVK_COMPARISONS(uint8_t, epu8, epi8)
+RVK_COMPARISONS(int8_t, epi8, epi8)
+RVK_COMPARISONS(uint16_t, epu16, epi16)
+RVK_COMPARISONS(int16_t, epi16, epi16)
+RVK_COMPARISONS(uint32_t, epu32, epi32)
+RVK_COMPARISONS(int32_t, epi32, epi32)
+#undef RVK_COMPARISONS
+
+RVK_INLINE Mask<float> equal(Vec<float> a, Vec<float> b) { return {_mm512_cmp_ps_mask(reg(a), reg(b), _CMP_EQ_OQ)}; }
+RVK_INLINE Mask<float> greater(Vec<float> a, Vec<float> b) { return {_mm512_cmp_ps_mask(reg(a), reg(b), _CMP_GT_OQ)}; }
+RVK_INLINE Mask<float> less(Vec<float> a, Vec<float> b) { return {_mm512_cmp_ps_mask(reg(a), reg(b), _CMP_LT_OQ)}; }
+RVK_INLINE Vec<float> select(Mask<float> m, Vec<float> a, Vec<float> b)
+{
+    return vec(_mm512_mask_blend_ps(m.bits, reg(b), reg(a)));
+}
+RVK_INLINE Vec<float> toVec(Mask<float> m) { return bitCast<float>(vec<uint32_t>(_mm512_movm_epi32(m.bits))); }
+
+template <class T> RVK_INLINE bool any(Mask<T> m) { return m.bits != 0; }
+template <class T> RVK_INLINE bool all(Mask<T> m) { return static_cast<typename Mask<T>::Bits>(~m.bits) == 0; }
+template <class T> RVK_INLINE size_t firstTrue(Mask<T> m) { return static_cast<size_t>(__builtin_ctzll(m.bits)); }
+
+#else
+
+template <class T>
+RVK_INLINE Mask<T> equal(Vec<T> a, Vec<T> b)
+{
+    return {{(typename Vec<Unsigned<T>>::Raw)(a.raw == b.raw)}};
+}
+
+template <class T>
+RVK_INLINE Mask<T> greater(Vec<T> a, Vec<T> b)
+{
+    return {{(typename Vec<Unsigned<T>>::Raw)(a.raw > b.raw)}};
+}
+
+template <class T>
+RVK_INLINE Mask<T> less(Vec<T> a, Vec<T> b)
+{
+    return greater(b, a);
+}
+
+template <class T>
+RVK_INLINE Vec<T> select(Mask<T> m, Vec<T> a, Vec<T> b)
+{
+    return bitCast<T>(vec<uint8_t>(RVK_MM(blendv_epi8)((Register)b.raw, (Register)a.raw, reg(m.bits))));
+}
+
+// One bit per byte of the register.
+template <class T>
+RVK_INLINE uint32_t byteBits(Mask<T> m)
+{
+    return static_cast<uint32_t>(RVK_MM(movemask_epi8)(reg(m.bits)));
+}
+
+template <class T> RVK_INLINE bool any(Mask<T> m) { return byteBits(m) != 0; }
+template <class T> RVK_INLINE bool all(Mask<T> m) { return byteBits(m) == (kBytes == 32 ? 0xffffffffu : 0xffffu); }
+template <class T> RVK_INLINE size_t firstTrue(Mask<T> m)
+{
+    return static_cast<size_t>(__builtin_ctz(byteBits(m))) / sizeof(T);
+}
+
+#endif
+
+// ---- wider and narrower elements ----------------------------------------------------------------------------------------
+
+#define RVK_WIDEN(T, intrinsic)                                                                                                \
+    RVK_INLINE Vecs<Wider<T>, 2> widen(Vec<T> v)                                                                               \
+    {                                                                                                                          \
+        return {vec<Wider<T>>(RVK_MM(intrinsic)(lowHalf(reg(v)))), vec<Wider<T>>(RVK_MM(intrinsic)(highHalf(reg(v))))};        \
+    }
+RVK_WIDEN(uint8_t, cvtepu8_epi16)
+RVK_WIDEN(int8_t, cvtepi8_epi16)
+RVK_WIDEN(uint16_t, cvtepu16_epi32)
+RVK_WIDEN(int16_t, cvtepi16_epi32)
+RVK_WIDEN(uint32_t, cvtepu32_epi64)
+RVK_WIDEN(int32_t, cvtepi32_epi64)
+#undef RVK_WIDEN
+
+template <class T>
+RVK_INLINE Vecs<Wider<T>, 2> widenInLanes(Vec<T> v)
+{
+    // The upper half of a wide element is its sign: all bits of it or none.
+    Vec<T> sign = zero<T>();
+    if constexpr (isSigned<T>)
+        sign = shiftRight(v, sizeof(T) * 8 - 1);
+    const Vecs<T, 2> z = zipInLanes(v, sign);
+    return {bitCast<Wider<T>>(z[0]), bitCast<Wider<T>>(z[1])};
+}
+
+// The 16-byte blocks of two packed vectors in memory order: a pack instruction gives each block half from either operand.
+template <class T>
+RVK_INLINE Vec<T> orderPacked(Vec<T> v)
+{
+#if RVK_AVX512
+    return vec<T>(_mm512_permutexvar_epi64(_mm512_setr_epi64(0, 2, 4, 6, 1, 3, 5, 7), reg(v)));
+#elif defined(__AVX2__)
+    return vec<T>(_mm256_permute4x64_epi64(reg(v), 0xd8));
+#else
+    return v;
+#endif
+}
+
+template <class To> struct Pack;
+
+// Saturates the lanes of two vectors in lane order: s16 -> u8 and s8, u16 -> u8, s32 -> s16 and u16, u32 -> u16.
+template <class To>
+RVK_INLINE Vec<To> narrowSatInLanes(Vecs<int16_t, 2> v)
+{
+    static_assert(sizeof(To) == 1);
+    if constexpr (isSigned<To>)
+        return vec<To>(RVK_MM(packs_epi16)(reg(v[0]), reg(v[1])));
+    else
+        return vec<To>(RVK_MM(packus_epi16)(reg(v[0]), reg(v[1])));
+}
+
+template <class To>
+RVK_INLINE Vec<To> narrowSatInLanes(Vecs<int32_t, 2> v)
+{
+    static_assert(sizeof(To) == 2);
+    if constexpr (isSigned<To>)
+        return vec<To>(RVK_MM(packs_epi32)(reg(v[0]), reg(v[1])));
+    else
+        return vec<To>(RVK_MM(packus_epi32)(reg(v[0]), reg(v[1])));
+}
+
+// The pack instructions take their operands as signed.
+template <class To>
+RVK_INLINE Vec<To> narrowSatInLanes(Vecs<uint16_t, 2> v)
+{
+    static_assert(isSame<To, uint8_t>);
+    const Vec<uint16_t> top = splat<uint16_t>(255);
+    return narrowSatInLanes<uint8_t>(
+        Vecs<int16_t, 2>{bitCast<int16_t>(min(v[0], top)), bitCast<int16_t>(min(v[1], top))});
+}
+
+template <class To>
+RVK_INLINE Vec<To> narrowSatInLanes(Vecs<uint32_t, 2> v)
+{
+    static_assert(isSame<To, uint16_t>);
+    const Vec<uint32_t> top = splat<uint32_t>(65535);
+    return narrowSatInLanes<uint16_t>(
+        Vecs<int32_t, 2>{bitCast<int32_t>(min(v[0], top)), bitCast<int32_t>(min(v[1], top))});
+}
+
+template <class To, class T>
+RVK_INLINE Vec<To> narrowSat(Vecs<T, 2> v)
+{
+    return orderPacked(narrowSatInLanes<To>(v));
+}
+
+RVK_INLINE Register narrowBits(Vecs<uint16_t, 2> v)
+{
+    const Vec<uint16_t> low = splat<uint16_t>(255);
+    return RVK_MM(packus_epi16)(reg(v[0] & low), reg(v[1] & low));
+}
+
+RVK_INLINE Register narrowBits(Vecs<uint32_t, 2> v)
+{
+    const Vec<uint32_t> low = splat<uint32_t>(65535);
+    return RVK_MM(packus_epi32)(reg(v[0] & low), reg(v[1] & low));
+}
+
+template <class T>
+RVK_INLINE Vec<Narrower<T>> narrowInLanes(Vecs<T, 2> v)
+{
+    using U = Unsigned<T>;
+    return vec<Narrower<T>>(narrowBits(Vecs<U, 2>{bitCast<U>(v[0]), bitCast<U>(v[1])}));
+}
+
+template <class T>
+RVK_INLINE Vec<Narrower<T>> narrow(Vecs<T, 2> v)
+{
+#if RVK_AVX512
+    using N = Narrower<T>;
+    return unzipEven(bitCast<N>(v[0]), bitCast<N>(v[1]));
+#else
+    return orderPacked(narrowInLanes(v));
+#endif
+}
+
+// ---- products -----------------------------------------------------------------------------------------------------------
+
+RVK_INLINE Vecs<uint16_t, 2> multiplyWide(Vec<uint8_t> a, Vec<uint8_t> b)
+{
+    const Vecs<uint16_t, 2> x = widen(a), y = widen(b);
+    return {x[0] * y[0], x[1] * y[1]};
+}
+
+RVK_INLINE Vecs<uint16_t, 2> multiplyWideInLanes(Vec<uint8_t> a, Vec<uint8_t> b)
+{
+    const Vecs<uint16_t, 2> x = widenInLanes(a), y = widenInLanes(b);
+    return {x[0] * y[0], x[1] * y[1]};
+}
+
+#define RVK_MULTIPLY_WIDE(T)                                                                                                   \
+    RVK_INLINE Vecs<Wider<T>, 2> multiplyWide(Vec<T> a, Vec<T> b)                                                              \
+    {                                                                                                                          \
+        const Vecs<T, 2> z = zip(a * b, multiplyHigh(a, b));                                                                   \
+        return {bitCast<Wider<T>>(z[0]), bitCast<Wider<T>>(z[1])};                                                             \
+    }                                                                                                                          \
+    RVK_INLINE Vecs<Wider<T>, 2> multiplyWideInLanes(Vec<T> a, Vec<T> b)                                                       \
+    {                                                                                                                          \
+        const Vecs<T, 2> z = zipInLanes(a * b, multiplyHigh(a, b));                                                            \
+        return {bitCast<Wider<T>>(z[0]), bitCast<Wider<T>>(z[1])};                                                             \
+    }
+RVK_MULTIPLY_WIDE(int16_t)
+RVK_MULTIPLY_WIDE(uint16_t)
+#undef RVK_MULTIPLY_WIDE
+
+// ---- tables -------------------------------------------------------------------------------------------------------------
+
+// A table of 16 bytes, repeated in every block of the register.
+RVK_INLINE Vec<uint8_t> loadTable16(const uint8_t* table)
+{
+    __m128i t;
+    __builtin_memcpy(&t, table, 16);
+#if RVK_AVX512
+    return vec<uint8_t>(_mm512_broadcast_i32x4(t));
+#elif defined(__AVX2__)
+    return vec<uint8_t>(_mm256_broadcastsi128_si256(t));
+#else
+    return vec<uint8_t>(t);
+#endif
+}
+
+// table[index]; every index is below 16.
+RVK_INLINE Vec<uint8_t> lookup16(Vec<uint8_t> table, Vec<uint8_t> index)
+{
+    return vec<uint8_t>(RVK_MM(shuffle_epi8)(reg(table), reg(index)));
+}
+
+#if RVK_AVX512
+
+struct Table256 {
+    Vec<uint8_t> quarter[4];
+};
+
+RVK_INLINE Table256 prepare(const uint8_t table[256])
+{
+    return {{load(table), load(table + 64), load(table + 128), load(table + 192)}};
+}
+
+RVK_INLINE Vec<uint8_t> lookup(const Table256& table, Vec<uint8_t> index)
+{
+    const Register i = reg(index);
+    const Register low = _mm512_permutex2var_epi8(reg(table.quarter[0]), i, reg(table.quarter[1]));
+    const Register high = _mm512_permutex2var_epi8(reg(table.quarter[2]), i, reg(table.quarter[3]));
+    return vec<uint8_t>(_mm512_mask_blend_epi8(_mm512_movepi8_mask(i), low, high));
+}
+
+#else
+
+// Byte shuffles look up 16 entries at a time and give 0 for an index with the top bit set. So each 16 entries are kept as
+// their difference to the 16 before: an index that is reduced by 16 per step meets all rows up to its own before it turns
+// negative, and the differences add up to the entry.
+struct Table256 {
+    alignas(16) uint8_t row[16][16];
+};
+
+RVK_INLINE Table256 prepare(const uint8_t table[256])
+{
+    Table256 t;
+    for (size_t i = 0; i < 16; ++i)
+        for (size_t k = 0; k < 16; ++k)
+            t.row[i][k] = static_cast<uint8_t>(i % 8 == 0 ? table[16 * i + k] : table[16 * i + k] ^ table[16 * i + k - 16]);
+    return t;
+}
+
+RVK_INLINE Vec<uint8_t> lookup(const Table256& table, Vec<uint8_t> index)
+{
+    const Vec<int8_t> step = splat<int8_t>(16);
+    Vec<int8_t> low = bitCast<int8_t>(index);
+    Vec<int8_t> high = bitCast<int8_t>(index ^ splat<uint8_t>(0x80));
+    Vec<uint8_t> result = lookup16(loadTable16(table.row[0]), bitCast<uint8_t>(low)) ^
+                          lookup16(loadTable16(table.row[8]), bitCast<uint8_t>(high));
+    for (size_t i = 1; i < 8; ++i) {
+        low = subSat(low, step);
+        high = subSat(high, step);
+        result = result ^ lookup16(loadTable16(table.row[i]), bitCast<uint8_t>(low)) ^
+                 lookup16(loadTable16(table.row[8 + i]), bitCast<uint8_t>(high));
+    }
+    return result;
+}
+
+#endif
+
+RVK_INLINE Vec<uint8_t> countBits(Vec<uint8_t> v)
+{
+#if RVK_AVX512
+    return vec<uint8_t>(_mm512_popcnt_epi8(reg(v)));
+#else
+    static constexpr uint8_t kBits[16] = {0, 1, 1, 2, 1, 2, 2, 3, 1, 2, 2, 3, 2, 3, 3, 4};
+    const Vec<uint8_t> bits = loadTable16(kBits);
+    const Vec<uint8_t> nibble = splat<uint8_t>(15);
+    const Vec<uint8_t> high = bitCast<uint8_t>(shiftRight(bitCast<uint16_t>(v), 4)) & nibble;
+    return lookup16(bits, v & nibble) + lookup16(bits, high);
+#endif
+}
+
+// ---- sums ---------------------------------------------------------------------------------------------------------------
+
+// Adds all elements of v to the lanes of acc, whichever is convenient; sums wrap.
+RVK_INLINE Vec<uint32_t> addBytesTo(Vec<uint32_t> acc, Vec<uint8_t> v)
+{
+    return acc + vec<uint32_t>(RVK_MM(sad_epu8)(reg(v), reg(zero<uint8_t>())));
+}
+
+RVK_INLINE Vec<uint32_t> addTo(Vec<uint32_t> acc, Vec<uint16_t> v)
+{
+    const Vec<uint32_t> pairs = bitCast<uint32_t>(v);
+    return acc + (pairs & splat<uint32_t>(0xffff)) + shiftRight(pairs, 16);
+}
+
+RVK_INLINE Vec<int32_t> addTo(Vec<int32_t> acc, Vec<int16_t> v)
+{
+    return acc + dotPairs(v, splat<int16_t>(1));
+}
+
+RVK_INLINE Vec<uint64_t> addTo(Vec<uint64_t> acc, Vec<uint32_t> v)
+{
+    const Vec<uint64_t> pairs = bitCast<uint64_t>(v);
+    return acc + (pairs & splat<uint64_t>(0xffffffff)) + shiftRight(pairs, 32);
+}
+
+RVK_INLINE Vec<int64_t> addTo(Vec<int64_t> acc, Vec<int32_t> v)
+{
+    const Vecs<int64_t, 2> wide = widenInLanes(v);
+    return acc + wide[0] + wide[1];
+}
+
+// ---- interleaved memory -------------------------------------------------------------------------------------------------
+
+#if RVK_AVX512
+
+// Channel c of n vectors' worth of pixels of n channels: two vectors at a time, a lane is taken when it comes by.
+template <size_t c, class T>
+RVK_INLINE Vec<T> channelOf(const Vecs<T, 3>& m)
+{
+    const Vec<T> two = shuffle(m[0], m[1], [](size_t i) { return 3 * i + c < 2 * Vec<T>::lanes ? 3 * i + c : 0; });
+    return shuffle(two, m[2], [](size_t i) { return 3 * i + c < 2 * Vec<T>::lanes ? i : 3 * i + c - Vec<T>::lanes; });
+}
+
+template <class T>
+RVK_INLINE Vecs<T, 3> load3(const T* p)
+{
+    const Vecs<T, 3> m = loadVecs<3>(p);
+    return {channelOf<0>(m), channelOf<1>(m), channelOf<2>(m)};
+}
+
+template <size_t k, class T>
+RVK_INLINE Vec<T> pixelsOf(const Vecs<T, 3>& v)
+{
+    constexpr size_t first = k * Vec<T>::lanes;
+    const Vec<T> two = shuffle(v[0], v[1], [](size_t i) {
+        return (first + i) / 3 + ((first + i) % 3 == 1 ? Vec<T>::lanes : 0); });
+    return shuffle(two, v[2], [](size_t i) { return (first + i) % 3 == 2 ? (first + i) / 3 + Vec<T>::lanes : i; });
+}
+
+template <class T>
+RVK_INLINE void store3(T* p, const Vecs<T, 3>& v)
+{
+    store(p, Vecs<T, 3>{pixelsOf<0>(v), pixelsOf<1>(v), pixelsOf<2>(v)});
+}
+
+template <class T>
+RVK_INLINE Vecs<T, 2> load2(const T* p)
+{
+    const Vecs<T, 2> m = loadVecs<2>(p);
+    return {unzipEven(m[0], m[1]), unzipOdd(m[0], m[1])};
+}
+
+template <class T>
+RVK_INLINE void store2(T* p, const Vecs<T, 2>& v)
+{
+    store(p, zip(v[0], v[1]));
+}
+
+template <class T>
+RVK_INLINE Vecs<T, 4> load4(const T* p)
+{
+    const Vecs<T, 4> m = loadVecs<4>(p);
+    const Vec<T> e0 = unzipEven(m[0], m[1]), e1 = unzipEven(m[2], m[3]);
+    const Vec<T> o0 = unzipOdd(m[0], m[1]), o1 = unzipOdd(m[2], m[3]);
+    return {unzipEven(e0, e1), unzipEven(o0, o1), unzipOdd(e0, e1), unzipOdd(o0, o1)};
+}
+
+template <class T>
+RVK_INLINE void store4(T* p, const Vecs<T, 4>& v)
+{
+    const Vecs<T, 2> even = zip(v[0], v[2]), odd = zip(v[1], v[3]);
+    const Vecs<T, 2> low = zip(even[0], odd[0]), high = zip(even[1], odd[1]);
+    store(p, Vecs<T, 4>{low[0], low[1], high[0], high[1]});
+}
+
+#else
+
+// Vector i holds the 16-byte blocks i, i + count, ... so that each block of the registers can be worked on alone.
+template <size_t count, class T>
+RVK_INLINE Vecs<T, count> loadSpread(const T* p)
+{
+#if defined(__AVX2__)
+    Vecs<T, count> r;
+    for (size_t i = 0; i < count; ++i) {
+        const __m128i* block = reinterpret_cast<const __m128i*>(p + i * kBlock<T>);
+        r[i] = vec<T>(_mm256_inserti128_si256(_mm256_castsi128_si256(_mm_loadu_si128(block)), _mm_loadu_si128(block + count), 1));
+    }
+    return r;
+#else
+    return loadVecs<count>(p);
+#endif
+}
+
+template <class T, size_t count>
+RVK_INLINE void storeSpread(T* p, const Vecs<T, count>& v)
+{
+#if defined(__AVX2__)
+    const auto lowHalves = [](Vec<T> a, Vec<T> b) { return vec<T>(_mm256_permute2x128_si256(reg(a), reg(b), 0x20)); };
+    const auto highHalves = [](Vec<T> a, Vec<T> b) { return vec<T>(_mm256_permute2x128_si256(reg(a), reg(b), 0x31)); };
+    if constexpr (count == 3) {
+        store(p, lowHalves(v[0], v[1]));
+        store(p + Vec<T>::lanes, vec<T>(_mm256_blend_epi32(reg(v[2]), reg(v[0]), 0xf0)));
+        store(p + 2 * Vec<T>::lanes, highHalves(v[1], v[2]));
+    } else {
+        for (size_t i = 0; i < count; i += 2) {
+            store(p + i / 2 * Vec<T>::lanes, lowHalves(v[i], v[i + 1]));
+            store(p + (count + i) / 2 * Vec<T>::lanes, highHalves(v[i], v[i + 1]));
+        }
+    }
+#else
+    store(p, v);
+#endif
+}
+
+template <class T>
+RVK_INLINE Vecs<T, 2> load2(const T* p)
+{
+    const Vecs<T, 2> m = loadSpread<2>(p);
+    if constexpr (sizeof(T) == 4) {
+        return {shuffle(m[0], m[1], [](size_t i) { return i / 4 * 4 + i % 2 * 2 + (i & 2 ? Vec<T>::lanes : 0); }),
+                shuffle(m[0], m[1], [](size_t i) { return i / 4 * 4 + i % 2 * 2 + 1 + (i & 2 ? Vec<T>::lanes : 0); })};
+    } else {
+        using W = Wider<Unsigned<T>>;
+        const Vecs<W, 2> pairs = {bitCast<W>(m[0]), bitCast<W>(m[1])};
+        const Vecs<W, 2> odd = {shiftRight(pairs[0], sizeof(T) * 8), shiftRight(pairs[1], sizeof(T) * 8)};
+        return {bitCast<T>(narrowInLanes(pairs)), bitCast<T>(narrowInLanes(odd))};
+    }
+}
+
+template <class T>
+RVK_INLINE void store2(T* p, const Vecs<T, 2>& v)
+{
+    storeSpread(p, zipInLanes(v[0], v[1]));
+}
+
+// In each block: the positions that hold channel c of interleaved triples differ between the three vectors, so blending
+// collects a channel, and one shuffle orders it.
+template <size_t c, class T>
+RVK_INLINE Vec<T> channelOf(const Vecs<T, 3>& m)
+{
+    constexpr size_t n = kBlock<T>;
+    const Vec<T> two = shuffle(m[0], m[1], [](size_t i) { return (i % n + n) % 3 == c ? i + Vec<T>::lanes : i; });
+    const Vec<T> all = shuffle(two, m[2], [](size_t i) { return (i % n + 2 * n) % 3 == c ? i + Vec<T>::lanes : i; });
+    return shuffle(all, all, [](size_t i) { return i / n * n + (i % n * 3 + c) % n; });
+}
+
+template <class T>
+RVK_INLINE Vecs<T, 3> load3(const T* p)
+{
+    const Vecs<T, 3> m = loadSpread<3>(p);
+    return {channelOf<0>(m), channelOf<1>(m), channelOf<2>(m)};
+}
+
+// The reverse: lane p of a block receives the element that channelOf takes from there.
+template <size_t c, class T>
+RVK_INLINE Vec<T> spreadChannel(Vec<T> v)
+{
+    constexpr size_t n = kBlock<T>;
+    return shuffle(v, v, [](size_t i) {
+        size_t pixel = 0;
+        while ((pixel * 3 + c) % n != i % n)
+            ++pixel;
+        return i / n * n + pixel; });
+}
+
+template <size_t k, class T>
+RVK_INLINE Vec<T> pixelsOf(const Vecs<T, 3>& spread)
+{
+    constexpr size_t n = kBlock<T>;
+    const Vec<T> two = shuffle(spread[0], spread[1], [](size_t i) { return (i % n + k * n) % 3 == 1 ? i + Vec<T>::lanes : i; });
+    return shuffle(two, spread[2], [](size_t i) { return (i % n + k * n) % 3 == 2 ? i + Vec<T>::lanes : i; });
+}
+
+template <class T>
+RVK_INLINE void store3(T* p, const Vecs<T, 3>& v)
+{
+    const Vecs<T, 3> s = {spreadChannel<0>(v[0]), spreadChannel<1>(v[1]), spreadChannel<2>(v[2])};
+    storeSpread(p, Vecs<T, 3>{pixelsOf<0>(s), pixelsOf<1>(s), pixelsOf<2>(s)});
+}
+
+// The channels of the pixels in 4 bytes of each block stand together after one shuffle; the rest transposes 4 x 4 such groups.
+template <class T>
+RVK_INLINE Vecs<T, 4> load4(const T* p)
+{
+    Vecs<T, 4> m = loadSpread<4>(p);
+    constexpr size_t n = 4 / sizeof(T);
+    Vec<uint32_t> g[4];
+    for (size_t i = 0; i < 4; ++i) {
+        const Vec<T> grouped = shuffle(m[i], m[i], [](size_t k) {
+            return k / kBlock<T> * kBlock<T> + k % n * 4 + k % kBlock<T> / n; });
+        g[i] = bitCast<uint32_t>(grouped);
+    }
+    const Vecs<uint32_t, 2> a = zipInLanes(g[0], g[1]), b = zipInLanes(g[2], g[3]);
+    const Vecs<uint64_t, 2> low = zipInLanes(bitCast<uint64_t>(a[0]), bitCast<uint64_t>(b[0]));
+    const Vecs<uint64_t, 2> high = zipInLanes(bitCast<uint64_t>(a[1]), bitCast<uint64_t>(b[1]));
+    return {bitCast<T>(low[0]), bitCast<T>(low[1]), bitCast<T>(high[0]), bitCast<T>(high[1])};
+}
+
+template <class T>
+RVK_INLINE void store4(T* p, const Vecs<T, 4>& v)
+{
+    using W = Wider<Unsigned<T>>;
+    const Vecs<T, 2> a = zipInLanes(v[0], v[1]), b = zipInLanes(v[2], v[3]);
+    const Vecs<W, 2> low = zipInLanes(bitCast<W>(a[0]), bitCast<W>(b[0]));
+    const Vecs<W, 2> high = zipInLanes(bitCast<W>(a[1]), bitCast<W>(b[1]));
+    storeSpread(p, Vecs<T, 4>{bitCast<T>(low[0]), bitCast<T>(low[1]), bitCast<T>(high[0]), bitCast<T>(high[1])});
+}
+
+#endif
+
+} // namespace
+} // namespace rvk::vecta::RVK_ISA
