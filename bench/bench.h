@@ -104,7 +104,7 @@ struct Row {
     Work ravik;                   // run as C reference and as VECTA
     Work opencv = nullptr;        // null: none, or not built in
     Work libyuv = nullptr;
-    Picture shape = {0, 0};       // for rows that are no pictures: items and 1
+    Picture shape = {0, 0};       // for rows that are not about pictures: items and 1
 };
 
 // A unit's rows register themselves: const bench::Rows registered(rows);

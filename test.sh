@@ -1,0 +1,147 @@
+#!/usr/bin/env bash
+# The tests.
+#
+#   ./test.sh          host, sanitizers, 32-bit Arm under emulation
+#   ./test.sh --all    also clang, the Android compile check, AArch64, the thread sanitizer, bounded fuzzing
+#   ./test.sh STEP...  only these: host asan arm clang android aarch64 tsan fuzz
+#
+# The last line says how many tests passed and failed; what a failed one printed is above it and in build/logs.
+set -u
+. "$(dirname "$0")/tools/setup.sh"
+cd "$root" || exit 1
+
+fuzzSeconds=60
+seeds="1 2 3 4 5"
+usual="host asan arm"
+extra="clang android aarch64 tsan fuzz"
+
+passed=0
+failed=0
+logs=$root/build/logs
+mkdir -p "$logs"
+
+report() # NAME PASSED FAILED SECONDS LOG: adds to the totals, and shows the log of a failure
+{
+    passed=$((passed + $2))
+    failed=$((failed + $3))
+    printf '%-44s %5d passed %3d failed %5d s\n' "$1" "$2" "$3" "$4"
+    if [ "$3" != 0 ]; then
+        grep -E -B 2 -A 30 '\*\*\*|FAIL|ERROR|error|Sanitizer' "$5" | head -n 150 || tail -n 50 "$5"
+        echo "All of it: $5"
+    fi
+}
+
+one() # NAME COMMAND...: one test, passed when the command succeeds
+{
+    local name=$1 log=$logs/${1//[ \/]/-}.log start=$SECONDS
+    shift
+    if "$@" >"$log" 2>&1; then
+        report "$name" 1 0 $((SECONDS - start)) "$log"
+    else
+        echo "exit status $?" >>"$log"
+        report "$name" 0 1 $((SECONDS - start)) "$log"
+        return 1
+    fi
+}
+
+unitTests() # PRESET: counts what ctest counts
+{
+    local log=$logs/$1-tests.log start=$SECONDS counts
+    ctest --preset "$1" -j "$jobs" >"$log" 2>&1
+    counts=$(sed -n 's/.* tests passed, \([0-9]*\) tests failed out of \([0-9]*\).*/\1 \2/p' "$log")
+    if [ -z "$counts" ]; then # not one test ran
+        report "$1: unit tests" 0 1 $((SECONDS - start)) "$log"
+    else
+        set -- "$1" $counts
+        report "$1: unit tests" $(($3 - $2)) "$2" $((SECONDS - start)) "$log"
+    fi
+}
+
+instructionSets() # the names of those that this host has, as ravikTest knows them
+{
+    case $(uname -m) in
+    x86_64)
+        grep -qw sse4_2 /proc/cpuinfo && echo sse42
+        grep -qw avx2 /proc/cpuinfo && echo avx2
+        grep -qw avx512_bitalg /proc/cpuinfo && echo avx512
+        ;;
+    *) echo neon ;;
+    esac
+}
+
+ravikTests() # PRESET "INSTRUCTION SETS" "SEEDS" [EMULATOR...]: all groups, on every target and in every mode
+{
+    local preset=$1 sets=$2 runSeeds=$3 set seed
+    shift 3
+    for set in $sets; do
+        for seed in $runSeeds; do
+            VENDOR_RUNTIME_RAVIK_VECTA=$set one "$preset: ravikTest $set seed $seed" \
+                "$@" "build/$preset/tst/ravikTest" "build/$preset/testdata" -U -M 15 -s "$seed"
+        done
+    done
+}
+
+buildAndTest() # PRESET
+{
+    one "$1: build" build "$1" && unitTests "$1"
+}
+
+host() { buildAndTest gcc && ravikTests gcc "$(instructionSets)" "$seeds"; }
+asan() { buildAndTest asan && ravikTests asan "$(instructionSets)" 1; }
+arm() { buildAndTest arm && ravikTests arm neon "$seeds" qemu-arm -L /usr/arm-linux-gnueabihf; }
+clang() { buildAndTest clang && ravikTests clang "$(instructionSets)" 1; }
+android() { one "android: compile check" build android-check androidCheck; }
+aarch64() { buildAndTest aarch64 && ravikTests aarch64 neon 1 qemu-aarch64 -L /usr/aarch64-linux-gnu; }
+tsan() { buildAndTest tsan; }
+
+fuzz()
+{
+    one "fuzz: build" build fuzz || return
+    local source name found
+    for source in tests/fuzz/*.cpp; do
+        name=$(basename "$source" .cpp)
+        found=build/fuzz/found/$name
+        mkdir -p "$found"
+        one "fuzz: $name" "build/fuzz/tests/$name" -max_total_time=$fuzzSeconds -timeout=10 -rss_limit_mb=2048 \
+            -artifact_prefix="$found-" "$found" $(ls -d "tests/fuzz/$name" 2>/dev/null)
+    done
+}
+
+needs() # STEP
+{
+    case $1 in
+    host | asan | tsan) needBuildTools pkg-config:pkg-config /usr/src/googletest/CMakeLists.txt:googletest ;;
+    arm) needBuildTools /usr/src/googletest/CMakeLists.txt:googletest && needArm ;;
+    clang | fuzz)
+        needBuildTools pkg-config:pkg-config /usr/src/googletest/CMakeLists.txt:googletest clang++-14:clang-14 \
+            /usr/lib/llvm-14/lib/clang/14.0.6/lib/linux/libclang_rt.asan-x86_64.a:libclang-rt-14-dev
+        ;;
+    android) needBuildTools clang++-14:clang-14 && needArm ;;
+    aarch64)
+        needBuildTools /usr/src/googletest/CMakeLists.txt:googletest aarch64-linux-gnu-g++:g++-aarch64-linux-gnu \
+            aarch64-linux-gnu-gcc:gcc-aarch64-linux-gnu qemu-aarch64:qemu-user \
+            /usr/aarch64-linux-gnu/include/stdio.h:libc6-dev-arm64-cross
+        ;;
+    esac
+}
+
+case ${1-} in
+"") steps=$usual ;;
+--all) steps="$usual $extra" ;;
+*) steps=$* ;;
+esac
+for step in $steps; do
+    if ! [[ " $usual $extra " == *" $step "* ]]; then
+        sed -n '2,/^set -u/s/^# \{0,1\}//p' "$0" >&2
+        exit 1
+    fi
+done
+for step in $steps; do
+    needs "$step"
+done
+for step in $steps; do
+    "$step"
+done
+
+echo "$passed passed, $failed failed"
+[ "$failed" = 0 ]
