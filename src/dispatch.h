@@ -9,6 +9,7 @@
 #include "functions.h"
 #include "log.h"
 
+#include <atomic>
 #include <cstdint>
 
 namespace rvk {
@@ -24,19 +25,28 @@ Cell eraseType(Function* function)
 
 // Everything that a dispatch reads. rvkSetOperationMode writes it; dispatch only reads, without locks.
 struct DispatchState {
-    uint32_t targets[kPublicFunctions];          // RVK_IMPL that each public function uses now
+    uint32_t targets[kPublicFunctions]; // RVK_IMPL that each public function uses now
+    uint32_t modeMarks[kPublicFunctions]; // bit 0 once a mode has been set; the frame itself does not read it
     uint32_t internalTargets[kInternalFunctions];
     Cell table[kPublicFunctions * kTargets];     // entry: slot * kTargets + target
     Cell internalTable[kInternalFunctions * kTargets];
     uint8_t tablesInitialised;
-    uint8_t offloadForced; // skips the rules that keep small or misaligned work off the DSP
-    uint8_t runtimeLog;    // every dispatch logs its target
-    uint8_t noAccelerator; // the device is known to have neither a usable DSP nor GPU
+    uint8_t offloadForced;           // skips the rules that keep small or misaligned work off the DSP
+    std::atomic<uint8_t> runtimeLog; // every dispatch logs its target; rvkAvailableHardware sets it during dispatch, too
+    uint8_t noAccelerator;           // the device is known to have neither a usable DSP nor GPU
 };
 extern DispatchState dispatchState;
 
 const char* nameOf(Slot slot);
 const char* nameOf(InternalSlot slot);
+
+// No table has a target above the last: memory is corrupt.
+inline uint32_t checkedTarget(uint32_t target)
+{
+    if (target > RVK_IMPL_MDSP)
+        __builtin_trap();
+    return target;
+}
 
 inline bool isDspTarget(uint32_t target)
 {
@@ -49,14 +59,12 @@ inline bool isDspTarget(uint32_t target)
 template <class DspRule, class GpuRule>
 RVK_IMPL chooseTarget(Slot slot, DspRule dspCanRun, GpuRule gpuCanRun)
 {
-    uint32_t target = dispatchState.targets[static_cast<uint32_t>(slot)];
-    if (target > RVK_IMPL_MDSP)
-        __builtin_trap(); // no table has such a target: memory is corrupt
+    uint32_t target = checkedTarget(dispatchState.targets[static_cast<uint32_t>(slot)]);
     if (target == RVK_IMPL_GPU && !gpuCanRun())
         target = RVK_IMPL_VECTA;
     if (isDspTarget(target) && !dispatchState.offloadForced && !dspCanRun())
         target = RVK_IMPL_VECTA;
-    if (dispatchState.runtimeLog) [[unlikely]]
+    if (dispatchState.runtimeLog.load(std::memory_order_relaxed)) [[unlikely]]
         logChosenTarget(nameOf(slot), static_cast<RVK_IMPL>(target));
     return static_cast<RVK_IMPL>(target);
 }
@@ -80,12 +88,15 @@ typename SignatureOf<slot>::Type implementation(RVK_IMPL target)
         dispatchState.table[static_cast<uint32_t>(slot) * kTargets + target]);
 }
 
+// The implementation of an internal operation on its current target.
 template <InternalSlot slot>
 typename SignatureOf<slot>::Type internalImplementation()
 {
-    const uint32_t row = static_cast<uint32_t>(slot);
-    return reinterpret_cast<typename SignatureOf<slot>::Type>(
-        dispatchState.internalTable[row * kTargets + dispatchState.internalTargets[row]]);
+    constexpr uint32_t row = static_cast<uint32_t>(slot);
+    const uint32_t target = checkedTarget(dispatchState.internalTargets[row]);
+    if (dispatchState.runtimeLog.load(std::memory_order_relaxed)) [[unlikely]]
+        logChosenTarget(nameOf(slot), static_cast<RVK_IMPL>(target));
+    return reinterpret_cast<typename SignatureOf<slot>::Type>(dispatchState.internalTable[row * kTargets + target]);
 }
 
 // A stride of 0 means packed rows: `width` pixels of `pixelSize` bytes.

@@ -12,6 +12,9 @@ void logLibraryWarning(const char* format, ...) __attribute__((format(printf, 1,
 // "%s_%s" under "ravik_runtime_log" at error priority.
 void logChosenTarget(const char* function, RVK_IMPL target);
 
+// Sets dispatchState.runtimeLog from the property "vendor.runtime.ravik.log": on when its decimal value is not 0.
+void readRuntimeLogProperty();
+
 // "Assertion failed @%s: %s\n": a public function was called with bad arguments.
 void logArgumentAssertion(const char* function, const char* condition);
 

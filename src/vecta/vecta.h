@@ -13,5 +13,11 @@ namespace rvk::vecta::RVK_ISA {
 #define RVK_FUNCTION(name, reference, vecta, remote) RVK_WHEN_##vecta(decltype(::name) name##V;)
 #include "functionList.inc"
 #undef RVK_FUNCTION
+#define RVK_INTERNAL_FUNCTION(name, reference, vecta, remote) RVK_WHEN_##vecta(decltype(rvk::name) name##V;)
+#include "internalFunctionList.inc"
+#undef RVK_INTERNAL_FUNCTION
+#define RVK_KERNEL(name, reference, vecta) RVK_WHEN_##vecta(decltype(rvk::name##C) name##V;)
+#include "kernelList.inc"
+#undef RVK_KERNEL
 
 } // namespace rvk::vecta::RVK_ISA
