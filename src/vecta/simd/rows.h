@@ -91,18 +91,25 @@ RVK_INLINE void mapImage(size_t width, size_t height, Plane<D> dst, Formula form
         mapRow(width, dst.row(y), formula, sources.row(y)...);
 }
 
+// The numbers one after the other, again and again: as many vectors as it takes for the first number to come first again.
+template <class T, size_t channels>
+RVK_INLINE Vecs<T, channels> patternOf(const T (&values)[channels])
+{
+    constexpr size_t lanes = Vec<T>::lanes;
+    Vecs<T, channels> pattern;
+    for (size_t i = 0; i < channels * lanes; ++i)
+        pattern.v[i / lanes].raw[i % lanes] = values[i % channels];
+    return pattern;
+}
+
 // As mapImage on pixels of `channels` interleaved elements, against one number per channel: the formula takes a vector of
 // source elements and the vector of the numbers that belong to them.
 template <class D, size_t channels, class Formula>
 RVK_INLINE void mapImageWithValues(size_t width, size_t height, Plane<D> dst, Plane<const D> src,
                                    const D (&values)[channels], Formula formula)
 {
-    constexpr size_t lanes = Vec<D>::lanes;
-    constexpr size_t step = channels * lanes;
-    Vecs<D, channels> pattern;
-    for (size_t i = 0; i < step; ++i)
-        pattern.v[i / lanes].raw[i % lanes] = values[i % channels];
-
+    constexpr size_t step = channels * Vec<D>::lanes;
+    const Vecs<D, channels> pattern = patternOf(values);
     const auto apply = [&](Vecs<D, channels> v) RVK_INLINE_LAMBDA {
         for (size_t i = 0; i < channels; ++i)
             v[i] = formula(v[i], pattern[i]);

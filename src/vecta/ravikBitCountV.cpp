@@ -1,0 +1,171 @@
+// Vector implementations of the bit counts and Hamming distances.
+#include "vecta/simd/simd.h"
+#include "vecta/vecta.h"
+
+namespace rvk::vecta::RVK_ISA {
+namespace {
+
+// The bits to count: those of one string, or those in which two differ.
+template <class T>
+RVK_INLINE T bitsOf(T a)
+{
+    return a;
+}
+
+template <class T>
+RVK_INLINE T bitsOf(T a, T b)
+{
+    return a ^ b;
+}
+
+template <class Word>
+RVK_INLINE Word loadWord(const uint8_t* p)
+{
+    Word word;
+    __builtin_memcpy(&word, p, sizeof word);
+    return word;
+}
+
+// Set bits of a machine word. 32-bit Arm has no instruction for it outside the vector unit.
+RVK_INLINE uint32_t countWord(uint64_t word)
+{
+#if defined(__ARM_NEON) && !defined(__aarch64__)
+    return static_cast<uint32_t>(vget_lane_u64(vpaddl_u32(vpaddl_u16(vpaddl_u8(vcnt_u8(vcreate_u8(word))))), 0));
+#else
+    return static_cast<uint32_t>(__builtin_popcountll(word));
+#endif
+}
+
+// Word by word, the rest by halves.
+template <class... Source>
+RVK_INLINE uint32_t countWords(size_t length, const Source*... src)
+{
+    uint32_t count = 0;
+    size_t i = 0;
+    for (; i + 8 <= length; i += 8)
+        count += countWord(bitsOf(loadWord<uint64_t>(src + i)...));
+    if (length & 4) {
+        count += countWord(bitsOf(loadWord<uint32_t>(src + i)...));
+        i += 4;
+    }
+    if (length & 2) {
+        count += countWord(bitsOf(loadWord<uint16_t>(src + i)...));
+        i += 2;
+    }
+    if (length & 1)
+        count += countWord(bitsOf(src[i]...));
+    return count;
+}
+
+// Strings shorter than this are counted word by word.
+#if defined(__x86_64__)
+constexpr size_t kFewBytes = 128;
+#else
+constexpr size_t kFewBytes = kBytes;
+#endif
+
+template <class... Source>
+RVK_INLINE uint32_t countString(size_t length, const Source*... src)
+{
+    if (length < kFewBytes)
+        return countWords(length, src...);
+    Vec<uint32_t> total = zero<uint32_t>();
+    size_t i = 0;
+    while (length - i >= kBytes) {
+        // 31 times at most 8 still fits a byte.
+        const size_t vectors = (length - i) / kBytes;
+        const size_t end = i + (vectors < 31 ? vectors : 31) * kBytes;
+        Vec<uint8_t> counts = zero<uint8_t>();
+        for (; i < end; i += kBytes)
+            counts = counts + countBits(bitsOf(load(src + i)...));
+        total = addBytesTo(total, counts);
+    }
+    return reduceAdd(total) + countWords(length - i, src + i...);
+}
+
+} // namespace
+
+uint32_t rvkBitCount32x1u8V(const uint8_t* src)
+{
+    return countString(32, src);
+}
+
+uint32_t rvkBitCount64x1u8V(const uint8_t* src)
+{
+    return countString(64, src);
+}
+
+void rvkBitCount32x4u8V(const uint8_t* src1, const uint8_t* src2, const uint8_t* src3, const uint8_t* src4,
+                        uint32_t* bitCount)
+{
+    const uint8_t* src[4] = {src1, src2, src3, src4};
+    for (size_t i = 0; i < 4; ++i)
+        bitCount[i] = countString(32, src[i]);
+}
+
+void rvkBitCount64x4u8V(const uint8_t* src1, const uint8_t* src2, const uint8_t* src3, const uint8_t* src4,
+                        uint32_t* bitCount)
+{
+    const uint8_t* src[4] = {src1, src2, src3, src4};
+    for (size_t i = 0; i < 4; ++i)
+        bitCount[i] = countString(64, src[i]);
+}
+
+uint32_t rvkBitCountu32V(const uint32_t* src, uint32_t srcLength)
+{
+    return countString(size_t{srcLength} * sizeof(uint32_t), reinterpret_cast<const uint8_t*>(src));
+}
+
+uint32_t rvkBitCountu8V(const uint8_t* src, uint32_t srcLength)
+{
+    return countString(srcLength, src);
+}
+
+uint32_t rvkHammingDistance32x1u8V(const uint8_t* a, const uint8_t* b)
+{
+    return countString(32, a, b);
+}
+
+uint32_t rvkHammingDistance32x1u8a4V(const uint8_t* a, const uint8_t* b)
+{
+    return countString(32, a, b);
+}
+
+uint32_t rvkHammingDistance64x1u8V(const uint8_t* a, const uint8_t* b)
+{
+    return countString(64, a, b);
+}
+
+uint32_t rvkHammingDistance64x1u8a4V(const uint8_t* a, const uint8_t* b)
+{
+    return countString(64, a, b);
+}
+
+void rvkHammingDistance32x4u8a4V(const uint8_t* a, const uint8_t* b0, const uint8_t* b1, const uint8_t* b2,
+                                 const uint8_t* b3, uint32_t* hammingDistance)
+{
+    const uint8_t* b[4] = {b0, b1, b2, b3};
+    for (size_t i = 0; i < 4; ++i)
+        hammingDistance[i] = countString(32, a, b[i]);
+}
+
+void rvkHammingDistance64x4u8V(const uint8_t* a, const uint8_t* b0, const uint8_t* b1, const uint8_t* b2,
+                               const uint8_t* b3, uint32_t* hammingDistance)
+{
+    const uint8_t* b[4] = {b0, b1, b2, b3};
+    for (size_t i = 0; i < 4; ++i)
+        hammingDistance[i] = countString(64, a, b[i]);
+}
+
+void rvkHammingDistance64x4u8a4V(const uint8_t* a, const uint8_t* b0, const uint8_t* b1, const uint8_t* b2,
+                                 const uint8_t* b3, uint32_t* hammingDistance)
+{
+    rvkHammingDistance64x4u8V(a, b0, b1, b2, b3, hammingDistance);
+}
+
+uint32_t rvkHammingDistanceu8V(const uint8_t* a, const uint8_t* b, uint32_t length)
+{
+    return countString(length, a, b);
+}
+
+} // namespace rvk::vecta::RVK_ISA
