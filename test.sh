@@ -114,7 +114,7 @@ needs() # STEP
     arm) needBuildTools /usr/src/googletest/CMakeLists.txt:googletest && needArm ;;
     clang | fuzz)
         needBuildTools pkg-config:pkg-config /usr/src/googletest/CMakeLists.txt:googletest clang++-14:clang-14 \
-            /usr/lib/llvm-14/lib/clang/14.0.6/lib/linux/libclang_rt.asan-x86_64.a:libclang-rt-14-dev
+            '/usr/lib/llvm-14/lib/clang/14*/lib/linux/libclang_rt.fuzzer-*.a:libclang-rt-14-dev'
         ;;
     android) needBuildTools clang++-14:clang-14 && needArm ;;
     aarch64)

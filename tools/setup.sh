@@ -2,12 +2,13 @@
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 jobs=$(nproc)
 
-# need WHAT:PACKAGE...: WHAT is a command or a file; where it is missing, the Debian package that has it is installed.
+# need WHAT:PACKAGE...: WHAT is a command or a file (a pattern); where it is missing, the Debian package that has it is
+# installed.
 need()
 {
     local entry packages=() missing=()
     for entry in "$@"; do
-        if ! command -v "${entry%%:*}" >/dev/null && [ ! -e "${entry%%:*}" ]; then
+        if ! command -v "${entry%%:*}" >/dev/null && ! compgen -G "${entry%%:*}" >/dev/null; then
             missing+=("${entry%%:*}")
             packages+=("${entry#*:}")
         fi
