@@ -8,6 +8,11 @@
 # The last line says how many tests passed and failed; what a failed one printed is above it and in build/logs.
 set -u
 . "$(dirname "$0")/tools/setup.sh"
+
+# The sanitizers of these compilers cannot cope with addresses more random than this.
+if [ "$(cat /proc/sys/vm/mmap_rnd_bits 2>/dev/null || echo 0)" -gt 28 ] && [ -z "${RAVIK_FIXED_ADDRESSES-}" ]; then
+    RAVIK_FIXED_ADDRESSES=1 exec setarch "$(uname -m)" -R "$0" "$@"
+fi
 cd "$root" || exit 1
 
 fuzzSeconds=60
