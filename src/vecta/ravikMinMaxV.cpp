@@ -1,0 +1,228 @@
+// Vector implementations of the searches for the smallest and largest element.
+//
+// The image is walked in chunks in row-major order. A chunk costs a minimum and a maximum per vector; only one that
+// improves on all chunks before it is remembered, and the places are looked up at the end, in the two chunks
+// remembered.
+#include "vecta/simd/rows.h"
+#include "vecta/vecta.h"
+
+namespace rvk::vecta::RVK_ISA {
+namespace {
+
+// Elements are compared by integer keys. Integers are their own keys.
+template <class T>
+struct Order {
+    using Key = T;
+    static RVK_INLINE bool isNumber(T) { return true; }
+    static RVK_INLINE Vec<T> minKeys(Vec<T> v) { return v; }
+    static RVK_INLINE Vec<T> maxKeys(Vec<T> v) { return v; }
+};
+
+// Floats become two's complement numbers of the same order, both zeros 0. So subnormal numbers count on 32-bit Arm too,
+// where the float comparisons of the vector unit take them for zero. What is not a number lies beyond both infinities,
+// at either end; an offset that wraps it around makes it lose every comparison.
+template <>
+struct Order<float> {
+    using Key = int32_t;
+    static RVK_INLINE bool isNumber(float x) { return x == x; }
+    static RVK_INLINE Vec<Key> keys(Vec<float> v)
+    {
+        const Vec<Key> bits = bitCast<Key>(v);
+        const Vec<Key> sign = shiftRight(bits, 31);
+        return ((bits & splat<Key>(0x7fffffff)) ^ sign) - sign;
+    }
+    static RVK_INLINE Vec<Key> minKeys(Vec<float> v) { return keys(v) - splat<Key>(0x00800000); }
+    static RVK_INLINE Vec<Key> maxKeys(Vec<float> v) { return keys(v) + splat<Key>(0x007fffff); }
+};
+
+template <class T>
+struct Extremes {
+    using Key = typename Order<T>::Key;
+    Vec<Key> low, high;
+
+    RVK_INLINE void take(Vec<T> v)
+    {
+        low = min(low, Order<T>::minKeys(v));
+        high = max(high, Order<T>::maxKeys(v));
+    }
+};
+
+// The first n elements, n <= lanes; further lanes repeat the first element.
+template <class T>
+RVK_INLINE Vec<T> loadRepeating(const T* p, size_t n)
+{
+    Vec<T> v = splat(*p);
+    __builtin_memcpy(&v, p, n * sizeof(T));
+    return v;
+}
+
+// The extremes of n elements, n > 0.
+template <class T>
+RVK_INLINE Extremes<T> extremesOf(const T* p, size_t n)
+{
+    constexpr size_t lanes = Vec<T>::lanes;
+    const Vec<T> last = n < lanes ? loadRepeating(p, n) : load(p + n - lanes);
+    Extremes<T> even = {Order<T>::minKeys(last), Order<T>::maxKeys(last)};
+    Extremes<T> odd = even;
+    size_t i = 0;
+    for (; i + 4 * lanes <= n; i += 4 * lanes) {
+        even.take(load(p + i));
+        odd.take(load(p + i + lanes));
+        even.take(load(p + i + 2 * lanes));
+        odd.take(load(p + i + 3 * lanes));
+    }
+    for (; i + lanes <= n; i += lanes)
+        even.take(load(p + i));
+    return {min(even.low, odd.low), max(even.high, odd.high)};
+}
+
+// The index of the first of n elements for which the lanes of `wanted(vector)` are true; there is one.
+template <class T, class Wanted>
+RVK_INLINE size_t findFirst(const T* p, size_t n, Wanted wanted)
+{
+    constexpr size_t lanes = Vec<T>::lanes;
+    if (n < lanes)
+        return firstTrue(wanted(loadRepeating(p, n)));
+    for (size_t i = 0;; i += lanes) {
+        if (i + lanes > n)
+            i = n - lanes;
+        const auto found = wanted(load(p + i));
+        if (any(found))
+            return i + firstTrue(found);
+    }
+}
+
+// The best key so far, in all lanes, and the chunk where it stands first.
+template <class Key>
+struct Best {
+    Vec<Key> key;
+    size_t x = 0, y = 0;
+};
+
+template <class T>
+RVK_INLINE void minMaxLoc(const T* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride, T* minVal, T* maxVal,
+                          uint32_t* minLocX, uint32_t* minLocY, uint32_t* maxLocX, uint32_t* maxLocY)
+{
+    using Key = typename Order<T>::Key;
+    constexpr size_t chunk = 4096 / sizeof(T);
+    const Plane<const T> image = {src, srcStride};
+    size_t width = srcWidth, height = srcHeight;
+    if (image.packed(width)) {
+        width *= height;
+        height = 1;
+    }
+    Best<Key> smallest = {Order<T>::minKeys(splat(*src))};
+    Best<Key> largest = {Order<T>::maxKeys(splat(*src))};
+    if (Order<T>::isNumber(*src)) {
+        for (size_t y = 0; y < height; ++y) {
+            for (size_t x = 0; x < width; x += chunk) {
+                const Extremes<T> e = extremesOf(image.row(y) + x, width - x < chunk ? width - x : chunk);
+                if (any(less(e.low, smallest.key)))
+                    smallest = {splat(reduceMin(e.low)), x, y};
+                if (any(greater(e.high, largest.key)))
+                    largest = {splat(reduceMax(e.high)), x, y};
+            }
+        }
+        smallest.x += findFirst(image.row(smallest.y) + smallest.x, width - smallest.x,
+                                [&](Vec<T> v) RVK_INLINE_LAMBDA { return equal(Order<T>::minKeys(v), smallest.key); });
+        largest.x += findFirst(image.row(largest.y) + largest.x, width - largest.x,
+                               [&](Vec<T> v) RVK_INLINE_LAMBDA { return equal(Order<T>::maxKeys(v), largest.key); });
+    }
+    const T minimum = image.row(smallest.y)[smallest.x];
+    const T maximum = image.row(largest.y)[largest.x];
+    *minVal = minimum;
+    *maxVal = maximum;
+    *minLocX = static_cast<uint32_t>(smallest.x % srcWidth);
+    *minLocY = static_cast<uint32_t>(smallest.y + smallest.x / srcWidth);
+    *maxLocX = static_cast<uint32_t>(largest.x % srcWidth);
+    *maxLocY = static_cast<uint32_t>(largest.y + largest.x / srcWidth);
+}
+
+} // namespace
+
+void rvkMinMaxLocu8V(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride, uint8_t* minVal,
+                     uint8_t* maxVal, uint32_t* minLocX, uint32_t* minLocY, uint32_t* maxLocX, uint32_t* maxLocY)
+{
+    minMaxLoc(src, srcWidth, srcHeight, srcStride, minVal, maxVal, minLocX, minLocY, maxLocX, maxLocY);
+}
+
+void rvkMinMaxLocu16V(const uint16_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride, uint16_t* minVal,
+                      uint16_t* maxVal, uint32_t* minLocX, uint32_t* minLocY, uint32_t* maxLocX, uint32_t* maxLocY)
+{
+    minMaxLoc(src, srcWidth, srcHeight, srcStride, minVal, maxVal, minLocX, minLocY, maxLocX, maxLocY);
+}
+
+void rvkMinMaxLocs16V(const int16_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride, int16_t* minVal,
+                      int16_t* maxVal, uint32_t* minLocX, uint32_t* minLocY, uint32_t* maxLocX, uint32_t* maxLocY)
+{
+    minMaxLoc(src, srcWidth, srcHeight, srcStride, minVal, maxVal, minLocX, minLocY, maxLocX, maxLocY);
+}
+
+void rvkMinMaxLocu32V(const uint32_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride, uint32_t* minVal,
+                      uint32_t* maxVal, uint32_t* minLocX, uint32_t* minLocY, uint32_t* maxLocX, uint32_t* maxLocY)
+{
+    minMaxLoc(src, srcWidth, srcHeight, srcStride, minVal, maxVal, minLocX, minLocY, maxLocX, maxLocY);
+}
+
+void rvkMinMaxLocs32V(const int32_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride, int32_t* minVal,
+                      int32_t* maxVal, uint32_t* minLocX, uint32_t* minLocY, uint32_t* maxLocX, uint32_t* maxLocY)
+{
+    minMaxLoc(src, srcWidth, srcHeight, srcStride, minVal, maxVal, minLocX, minLocY, maxLocX, maxLocY);
+}
+
+void rvkMinMaxLocf32V(const float32_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
+                      float32_t* minVal, float32_t* maxVal, uint32_t* minLocX, uint32_t* minLocY, uint32_t* maxLocX,
+                      uint32_t* maxLocY)
+{
+    minMaxLoc(src, srcWidth, srcHeight, srcStride, minVal, maxVal, minLocX, minLocY, maxLocX, maxLocY);
+}
+
+rvkStatus rvkMinMaxLocu8_v2V(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
+                             uint8_t* minVal, uint8_t* maxVal, uint32_t* minLocX, uint32_t* minLocY, uint32_t* maxLocX,
+                             uint32_t* maxLocY)
+{
+    minMaxLoc(src, srcWidth, srcHeight, srcStride, minVal, maxVal, minLocX, minLocY, maxLocX, maxLocY);
+    return RAVIK_SUCCESS;
+}
+
+rvkStatus rvkMinMaxLocu16_v2V(const uint16_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
+                              uint16_t* minVal, uint16_t* maxVal, uint32_t* minLocX, uint32_t* minLocY,
+                              uint32_t* maxLocX, uint32_t* maxLocY)
+{
+    minMaxLoc(src, srcWidth, srcHeight, srcStride, minVal, maxVal, minLocX, minLocY, maxLocX, maxLocY);
+    return RAVIK_SUCCESS;
+}
+
+rvkStatus rvkMinMaxLocs16_v2V(const int16_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
+                              int16_t* minVal, int16_t* maxVal, uint32_t* minLocX, uint32_t* minLocY, uint32_t* maxLocX,
+                              uint32_t* maxLocY)
+{
+    minMaxLoc(src, srcWidth, srcHeight, srcStride, minVal, maxVal, minLocX, minLocY, maxLocX, maxLocY);
+    return RAVIK_SUCCESS;
+}
+
+rvkStatus rvkMinMaxLocu32_v2V(const uint32_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
+                              uint32_t* minVal, uint32_t* maxVal, uint32_t* minLocX, uint32_t* minLocY,
+                              uint32_t* maxLocX, uint32_t* maxLocY)
+{
+    minMaxLoc(src, srcWidth, srcHeight, srcStride, minVal, maxVal, minLocX, minLocY, maxLocX, maxLocY);
+    return RAVIK_SUCCESS;
+}
+
+rvkStatus rvkMinMaxLocs32_v2V(const int32_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
+                              int32_t* minVal, int32_t* maxVal, uint32_t* minLocX, uint32_t* minLocY, uint32_t* maxLocX,
+                              uint32_t* maxLocY)
+{
+    minMaxLoc(src, srcWidth, srcHeight, srcStride, minVal, maxVal, minLocX, minLocY, maxLocX, maxLocY);
+    return RAVIK_SUCCESS;
+}
+
+rvkStatus rvkMinMaxLocf32_v2V(const float32_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
+                              float32_t* minVal, float32_t* maxVal, uint32_t* minLocX, uint32_t* minLocY,
+                              uint32_t* maxLocX, uint32_t* maxLocY)
+{
+    minMaxLoc(src, srcWidth, srcHeight, srcStride, minVal, maxVal, minLocX, minLocY, maxLocX, maxLocY);
+    return RAVIK_SUCCESS;
+}
+
+} // namespace rvk::vecta::RVK_ISA
