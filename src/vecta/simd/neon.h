@@ -179,6 +179,32 @@ RVK_WIDEN(uint32_t, u32)
 RVK_WIDEN(int32_t, s32)
 #undef RVK_WIDEN
 
+// As many elements from p as a vector of To has lanes, each made two or four times as wide.
+#define RVK_LOAD_WIDEN(T, suffix)                                                                                              \
+    template <class To>                                                                                                        \
+        requires(isSame<To, Wider<T>>)                                                                                         \
+    RVK_INLINE Vec<To> loadWiden(const T* p)                                                                                   \
+    {                                                                                                                          \
+        return vec(vmovl_##suffix(vld1_##suffix(p)));                                                                          \
+    }
+RVK_LOAD_WIDEN(uint8_t, u8)
+RVK_LOAD_WIDEN(int8_t, s8)
+RVK_LOAD_WIDEN(uint16_t, u16)
+RVK_LOAD_WIDEN(int16_t, s16)
+RVK_LOAD_WIDEN(uint32_t, u32)
+RVK_LOAD_WIDEN(int32_t, s32)
+#undef RVK_LOAD_WIDEN
+
+template <class To, class T>
+    requires(sizeof(To) == 4 && sizeof(T) == 1 && isSigned<To> == isSigned<T>)
+RVK_INLINE Vec<To> loadWiden(const T* p)
+{
+    uint32_t four;
+    __builtin_memcpy(&four, p, sizeof four);
+    const auto bytes = bitCast<T>(vec(vdupq_n_u32(four)));
+    return widen(widen(bytes)[0])[0];
+}
+
 template <class T>
 RVK_INLINE Vecs<Wider<T>, 2> widenInLanes(Vec<T> v)
 {

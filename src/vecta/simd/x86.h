@@ -39,7 +39,7 @@ RVK_INLINE Register reg(Vec<T> v)
     return (Register)v.raw;
 }
 
-RVK_INLINE FloatRegister reg(Vec<float> v)
+RVK_INLINE FloatRegister floatReg(Vec<float> v)
 {
     return (FloatRegister)v.raw;
 }
@@ -87,8 +87,8 @@ RVK_BINARY(max, uint32_t, max_epu32)
 RVK_BINARY(max, int32_t, max_epi32)
 
 // b < a ? b : a, and a < b ? b : a: the first operand when the two are equal or one is not a number.
-RVK_INLINE Vec<float> min(Vec<float> a, Vec<float> b) { return vec(RVK_MM(min_ps)(reg(b), reg(a))); }
-RVK_INLINE Vec<float> max(Vec<float> a, Vec<float> b) { return vec(RVK_MM(max_ps)(reg(b), reg(a))); }
+RVK_INLINE Vec<float> min(Vec<float> a, Vec<float> b) { return vec(RVK_MM(min_ps)(floatReg(b), floatReg(a))); }
+RVK_INLINE Vec<float> max(Vec<float> a, Vec<float> b) { return vec(RVK_MM(max_ps)(floatReg(b), floatReg(a))); }
 
 RVK_BINARY(addSat, uint8_t, adds_epu8)
 RVK_BINARY(addSat, int8_t, adds_epi8)
@@ -122,12 +122,12 @@ RVK_INLINE Vec<int32_t> dotPairs(Vec<int16_t> a, Vec<int16_t> b)
 }
 
 RVK_INLINE Vec<float> divide(Vec<float> a, Vec<float> b) { return {a.raw / b.raw}; }
-RVK_INLINE Vec<float> squareRoot(Vec<float> a) { return vec(RVK_MM(sqrt_ps)(reg(a))); }
+RVK_INLINE Vec<float> squareRoot(Vec<float> a) { return vec(RVK_MM(sqrt_ps)(floatReg(a))); }
 
 RVK_INLINE Vec<float> toFloat(Vec<int32_t> v) { return vec(RVK_MM(cvtepi32_ps)(reg(v))); }
 RVK_INLINE Vec<float> toFloat(Vec<uint32_t> v) { return toFloat(bitCast<int32_t>(v)); }
-RVK_INLINE Vec<int32_t> truncateToInt(Vec<float> v) { return vec<int32_t>(RVK_MM(cvttps_epi32)(reg(v))); }
-RVK_INLINE Vec<int32_t> roundToInt(Vec<float> v) { return vec<int32_t>(RVK_MM(cvtps_epi32)(reg(v))); }
+RVK_INLINE Vec<int32_t> truncateToInt(Vec<float> v) { return vec<int32_t>(RVK_MM(cvttps_epi32)(floatReg(v))); }
+RVK_INLINE Vec<int32_t> roundToInt(Vec<float> v) { return vec<int32_t>(RVK_MM(cvtps_epi32)(floatReg(v))); }
 
 // ---- comparison and selection -------------------------------------------------------------------------------------------
 
@@ -180,12 +180,12 @@ RVK_COMPARISONS(uint32_t, epu32, epi32)
 RVK_COMPARISONS(int32_t, epi32, epi32)
 #undef RVK_COMPARISONS
 
-RVK_INLINE Mask<float> equal(Vec<float> a, Vec<float> b) { return {_mm512_cmp_ps_mask(reg(a), reg(b), _CMP_EQ_OQ)}; }
-RVK_INLINE Mask<float> greater(Vec<float> a, Vec<float> b) { return {_mm512_cmp_ps_mask(reg(a), reg(b), _CMP_GT_OQ)}; }
-RVK_INLINE Mask<float> less(Vec<float> a, Vec<float> b) { return {_mm512_cmp_ps_mask(reg(a), reg(b), _CMP_LT_OQ)}; }
+RVK_INLINE Mask<float> equal(Vec<float> a, Vec<float> b) { return {_mm512_cmp_ps_mask(floatReg(a), floatReg(b), _CMP_EQ_OQ)}; }
+RVK_INLINE Mask<float> greater(Vec<float> a, Vec<float> b) { return {_mm512_cmp_ps_mask(floatReg(a), floatReg(b), _CMP_GT_OQ)}; }
+RVK_INLINE Mask<float> less(Vec<float> a, Vec<float> b) { return {_mm512_cmp_ps_mask(floatReg(a), floatReg(b), _CMP_LT_OQ)}; }
 RVK_INLINE Vec<float> select(Mask<float> m, Vec<float> a, Vec<float> b)
 {
-    return vec(_mm512_mask_blend_ps(m.bits, reg(b), reg(a)));
+    return vec(_mm512_mask_blend_ps(m.bits, floatReg(b), floatReg(a)));
 }
 RVK_INLINE Vec<float> toVec(Mask<float> m) { return bitCast<float>(vec<uint32_t>(_mm512_movm_epi32(m.bits))); }
 
@@ -216,7 +216,7 @@ RVK_INLINE Mask<T> less(Vec<T> a, Vec<T> b)
 template <class T>
 RVK_INLINE Vec<T> select(Mask<T> m, Vec<T> a, Vec<T> b)
 {
-    return bitCast<T>(vec<uint8_t>(RVK_MM(blendv_epi8)((Register)b.raw, (Register)a.raw, reg(m.bits))));
+    return bitCast<T>(vec<uint8_t>(RVK_MM(blendv_epi8)(reg(b), reg(a), reg(m.bits))));
 }
 
 // One bit per byte of the register.
@@ -249,6 +249,46 @@ RVK_WIDEN(int16_t, cvtepi16_epi32)
 RVK_WIDEN(uint32_t, cvtepu32_epi64)
 RVK_WIDEN(int32_t, cvtepi32_epi64)
 #undef RVK_WIDEN
+
+RVK_INLINE __m128i loadBlock(const void* p)
+{
+    return _mm_loadu_si128(static_cast<const __m128i*>(p));
+}
+
+// The first kBytes / ratio bytes from p, in the low end of a register.
+template <size_t ratio>
+RVK_INLINE auto loadFraction(const void* p)
+{
+    if constexpr (kBytes / ratio == 32) {
+        return _mm256_loadu_si256(static_cast<const __m256i*>(p));
+    } else if constexpr (kBytes / ratio == 16) {
+        return loadBlock(p);
+    } else if constexpr (kBytes / ratio == 8) {
+        return _mm_loadl_epi64(static_cast<const __m128i*>(p));
+    } else {
+        int bits;
+        __builtin_memcpy(&bits, p, sizeof bits);
+        return _mm_cvtsi32_si128(bits);
+    }
+}
+
+// As many elements from p as a vector of To has lanes, each made two or four times as wide.
+#define RVK_LOAD_WIDEN(From, ratio, To, intrinsic)                                                                             \
+    template <class Result>                                                                                                    \
+        requires(isSame<Result, To>)                                                                                           \
+    RVK_INLINE Vec<To> loadWiden(const From* p)                                                                                \
+    {                                                                                                                          \
+        return vec<To>(RVK_MM(intrinsic)(loadFraction<ratio>(p)));                                                             \
+    }
+RVK_LOAD_WIDEN(uint8_t, 2, uint16_t, cvtepu8_epi16)
+RVK_LOAD_WIDEN(int8_t, 2, int16_t, cvtepi8_epi16)
+RVK_LOAD_WIDEN(uint16_t, 2, uint32_t, cvtepu16_epi32)
+RVK_LOAD_WIDEN(int16_t, 2, int32_t, cvtepi16_epi32)
+RVK_LOAD_WIDEN(uint32_t, 2, uint64_t, cvtepu32_epi64)
+RVK_LOAD_WIDEN(int32_t, 2, int64_t, cvtepi32_epi64)
+RVK_LOAD_WIDEN(uint8_t, 4, uint32_t, cvtepu8_epi32)
+RVK_LOAD_WIDEN(int8_t, 4, int32_t, cvtepi8_epi32)
+#undef RVK_LOAD_WIDEN
 
 template <class T>
 RVK_INLINE Vecs<Wider<T>, 2> widenInLanes(Vec<T> v)
@@ -386,14 +426,12 @@ RVK_MULTIPLY_WIDE(uint16_t)
 // A table of 16 bytes, repeated in every block of the register.
 RVK_INLINE Vec<uint8_t> loadTable16(const uint8_t* table)
 {
-    __m128i t;
-    __builtin_memcpy(&t, table, 16);
 #if RVK_AVX512
-    return vec<uint8_t>(_mm512_broadcast_i32x4(t));
+    return vec<uint8_t>(_mm512_broadcast_i32x4(loadBlock(table)));
 #elif defined(__AVX2__)
-    return vec<uint8_t>(_mm256_broadcastsi128_si256(t));
+    return vec<uint8_t>(_mm256_broadcastsi128_si256(loadBlock(table)));
 #else
-    return vec<uint8_t>(t);
+    return vec<uint8_t>(loadBlock(table));
 #endif
 }
 
@@ -575,8 +613,9 @@ RVK_INLINE Vecs<T, count> loadSpread(const T* p)
 #if defined(__AVX2__)
     Vecs<T, count> r;
     for (size_t i = 0; i < count; ++i) {
-        const __m128i* block = reinterpret_cast<const __m128i*>(p + i * kBlock<T>);
-        r[i] = vec<T>(_mm256_inserti128_si256(_mm256_castsi128_si256(_mm_loadu_si128(block)), _mm_loadu_si128(block + count), 1));
+        const T* low = p + i * kBlock<T>;
+        const T* high = low + count * kBlock<T>;
+        r[i] = vec<T>(_mm256_inserti128_si256(_mm256_castsi128_si256(loadBlock(low)), loadBlock(high), 1));
     }
     return r;
 #else

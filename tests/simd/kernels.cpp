@@ -1,0 +1,515 @@
+// The vector layer beside its scalar definitions.
+#include "simd/kernels.h"
+
+#include "vecta/simd/simd.h"
+
+namespace rvk::vecta::RVK_ISA {
+namespace {
+
+using test::SimdGroup;
+using test::SimdOperation;
+using test::SimdPartial;
+using Draw = SimdOperation::Draw;
+
+template <class T> constexpr const char* kName = "";
+template <> constexpr const char* kName<uint8_t> = "u8";
+template <> constexpr const char* kName<int8_t> = "s8";
+template <> constexpr const char* kName<uint16_t> = "u16";
+template <> constexpr const char* kName<int16_t> = "s16";
+template <> constexpr const char* kName<uint32_t> = "u32";
+template <> constexpr const char* kName<int32_t> = "s32";
+template <> constexpr const char* kName<float> = "f32";
+
+template <class T> constexpr size_t kLanes = Vec<T>::lanes;
+
+// NEON of 32-bit Arm flushes subnormals; every other arithmetic keeps them.
+#if RVK_GENERIC_FLOAT
+constexpr Draw kFloats = Draw::floats;
+#else
+constexpr Draw kFloats = Draw::normalFloats;
+#endif
+
+// ---- ways to write an operation down ------------------------------------------------------------------------------------
+
+// vector(in, out) does what out[i] = scalar(in, i) does for all i.
+template <class In, class Out, size_t inputs, size_t outputs, class Vector, class Scalar>
+constexpr SimdOperation mapping(const char* name, Vector, Scalar)
+{
+    return {name,
+            kName<In>,
+            inputs * sizeof(In),
+            outputs * sizeof(Out),
+            sizeof(In),
+            isSame<In, float> ? kFloats : Draw::any,
+            true,
+            [](const void* in, void* out) { Vector{}(static_cast<const In*>(in), static_cast<Out*>(out)); },
+            [](const void* in, void* out) {
+                for (size_t i = 0; i < outputs; ++i)
+                    static_cast<Out*>(out)[i] = static_cast<Out>(Scalar{}(static_cast<const In*>(in), i));
+            }};
+}
+
+template <class T, class Vector, class Scalar>
+constexpr SimdOperation unary(const char* name, Vector, Scalar)
+{
+    return mapping<T, T, kLanes<T>, kLanes<T>>(
+        name, [](const T* in, T* out) { store(out, Vector{}(load(in))); },
+        [](const T* in, size_t i) { return Scalar{}(in[i]); });
+}
+
+template <class T, class Vector, class Scalar>
+constexpr SimdOperation binary(const char* name, Vector, Scalar)
+{
+    return mapping<T, T, 2 * kLanes<T>, kLanes<T>>(
+        name, [](const T* in, T* out) { store(out, Vector{}(load(in), load(in + kLanes<T>))); },
+        [](const T* in, size_t i) { return Scalar{}(in[i], in[i + kLanes<T>]); });
+}
+
+// A formula on vectors and the same on elements; its text is its name.
+#define UNARY(T, vector, scalar)  unary<T>(#vector, [](Vec<T> a) { return vector; }, [](T a) { return scalar; })
+#define BINARY(T, vector, scalar) binary<T>(#vector, [](Vec<T> a, Vec<T> b) { return vector; }, [](T a, T b) { return scalar; })
+
+// Which not-a-number a calculation gives is not said.
+constexpr SimdOperation calculation(SimdOperation o)
+{
+    o.sameNan = false;
+    return o;
+}
+
+constexpr SimdOperation drawing(Draw draw, SimdOperation o)
+{
+    o.draw = draw;
+    return o;
+}
+
+template <size_t count>
+constexpr SimdGroup group(const SimdOperation (&operations)[count])
+{
+    return {operations, count};
+}
+
+// ---- scalar helpers -----------------------------------------------------------------------------------------------------
+
+template <class T>
+constexpr T saturate(int64_t x)
+{
+    constexpr int64_t top = isSigned<T> ? (int64_t(1) << (sizeof(T) * 8 - 1)) - 1 : (int64_t(1) << (sizeof(T) * 8)) - 1;
+    constexpr int64_t bottom = isSigned<T> ? -top - 1 : 0;
+    return static_cast<T>(x < bottom ? bottom : x > top ? top : x);
+}
+
+// Modulo the width of whatever it is assigned to.
+template <class T>
+constexpr uint64_t wrapping(T x)
+{
+    return static_cast<uint64_t>(static_cast<int64_t>(x));
+}
+
+uint32_t bitsOf(float x)
+{
+    uint32_t bits;
+    __builtin_memcpy(&bits, &x, sizeof bits);
+    return bits;
+}
+
+float floatOf(uint32_t bits)
+{
+    float x;
+    __builtin_memcpy(&x, &bits, sizeof x);
+    return x;
+}
+
+// ---- operations on any element ------------------------------------------------------------------------------------------
+
+template <class T>
+SimdGroup moves()
+{
+    constexpr size_t n = kLanes<T>;
+    constexpr size_t block = kBlock<T>;
+    static constexpr SimdOperation list[] = {
+        mapping<T, T, n, n>("reverse", [](const T* in, T* out) { store(out, reverse(load(in))); },
+                            [](const T* in, size_t i) { return in[n - 1 - i]; }),
+        mapping<T, T, 1, n>("splat", [](const T* in, T* out) { store(out, splat(*in)); },
+                            [](const T* in, size_t) { return *in; }),
+        mapping<T, T, 2 * n, n>("extract 0", [](const T* in, T* out) { store(out, extract<0>(load(in), load(in + n))); },
+                                [](const T* in, size_t i) { return in[i]; }),
+        mapping<T, T, 2 * n, n>("extract 1", [](const T* in, T* out) { store(out, extract<1>(load(in), load(in + n))); },
+                                [](const T* in, size_t i) { return in[i + 1]; }),
+        mapping<T, T, 2 * n, n>("extract n / 2", [](const T* in, T* out) { store(out, extract<n / 2>(load(in), load(in + n))); },
+                                [](const T* in, size_t i) { return in[i + n / 2]; }),
+        mapping<T, T, 2 * n, n>("extract n - 1", [](const T* in, T* out) { store(out, extract<n - 1>(load(in), load(in + n))); },
+                                [](const T* in, size_t i) { return in[i + n - 1]; }),
+        mapping<T, T, 2 * n, n>("extract n", [](const T* in, T* out) { store(out, extract<n>(load(in), load(in + n))); },
+                                [](const T* in, size_t i) { return in[i + n]; }),
+        mapping<T, T, 2 * n, 2 * n>("zip", [](const T* in, T* out) { store(out, zip(load(in), load(in + n))); },
+                                    [](const T* in, size_t i) { return in[i / 2 + i % 2 * n]; }),
+        mapping<T, T, 2 * n, n>("unzipEven", [](const T* in, T* out) { store(out, unzipEven(load(in), load(in + n))); },
+                                [](const T* in, size_t i) { return in[2 * i]; }),
+        mapping<T, T, 2 * n, n>("unzipOdd", [](const T* in, T* out) { store(out, unzipOdd(load(in), load(in + n))); },
+                                [](const T* in, size_t i) { return in[2 * i + 1]; }),
+        mapping<T, T, 2 * n, 2 * n>(
+            "zipInLanes", [](const T* in, T* out) { store(out, zipInLanes(load(in), load(in + n))); },
+            [](const T* in, size_t i) {
+                const size_t half = i / n * (block / 2);
+                return in[i % n / block * block + half + i % block / 2 + i % 2 * n]; }),
+        mapping<T, T, 2 * n, 2 * n>("load2", [](const T* in, T* out) { store(out, load2(in)); },
+                                    [](const T* in, size_t i) { return in[i % n * 2 + i / n]; }),
+        mapping<T, T, 3 * n, 3 * n>("load3", [](const T* in, T* out) { store(out, load3(in)); },
+                                    [](const T* in, size_t i) { return in[i % n * 3 + i / n]; }),
+        mapping<T, T, 4 * n, 4 * n>("load4", [](const T* in, T* out) { store(out, load4(in)); },
+                                    [](const T* in, size_t i) { return in[i % n * 4 + i / n]; }),
+        mapping<T, T, 2 * n, 2 * n>("store2", [](const T* in, T* out) { store2(out, loadVecs<2>(in)); },
+                                    [](const T* in, size_t i) { return in[i % 2 * n + i / 2]; }),
+        mapping<T, T, 3 * n, 3 * n>("store3", [](const T* in, T* out) { store3(out, loadVecs<3>(in)); },
+                                    [](const T* in, size_t i) { return in[i % 3 * n + i / 3]; }),
+        mapping<T, T, 4 * n, 4 * n>("store4", [](const T* in, T* out) { store4(out, loadVecs<4>(in)); },
+                                    [](const T* in, size_t i) { return in[i % 4 * n + i / 4]; }),
+    };
+    return group(list);
+}
+
+// The lane where the two halves of the input first agree, n when they never do.
+template <class T>
+size_t firstEqual(const T* in)
+{
+    size_t i = 0;
+    while (i < kLanes<T> && !(in[i] == in[i + kLanes<T>]))
+        ++i;
+    return i;
+}
+
+template <class T>
+bool allEqual(const T* in)
+{
+    for (size_t i = 0; i < kLanes<T>; ++i)
+        if (!(in[i] == in[i + kLanes<T>]))
+            return false;
+    return true;
+}
+
+template <class T>
+SimdGroup comparisons()
+{
+    constexpr size_t n = kLanes<T>;
+    static constexpr SimdOperation list[] = {
+        BINARY(T, select(equal(a, b), splat(T(1)), b), a == b ? T(1) : b),
+        BINARY(T, select(greater(a, b), a, splat(T(2))), a > b ? a : T(2)),
+        BINARY(T, select(less(a, b), a, splat(T(2))), a < b ? a : T(2)),
+        BINARY(T, select(greater(a, b) | equal(a, splat(T(1))), a, b), a > b || a == T(1) ? a : b),
+        BINARY(T, select(~less(a, b) & ~equal(a, splat(T(1))), a, b), !(a < b) && !(a == T(1)) ? a : b),
+        BINARY(T, select(less(a, b) ^ less(b, splat(T(1))), a, b), (a < b) != (b < T(1)) ? a : b),
+        BINARY(T, toVec(less(a, b)) & b, a < b ? b : T(0)),
+        mapping<T, uint32_t, 2 * n, 3>(
+            "any, all, firstTrue",
+            [](const T* in, uint32_t* out) {
+                const Mask<T> m = equal(load(in), load(in + n));
+                out[0] = any(m);
+                out[1] = all(m);
+                out[2] = static_cast<uint32_t>(any(m) ? firstTrue(m) : n); },
+            [](const T* in, size_t i) {
+                return i == 0 ? firstEqual(in) < n : i == 1 ? allEqual(in) : firstEqual(in); }),
+    };
+    return group(list);
+}
+
+template <class T>
+T leastOrMost(const T* in, bool least)
+{
+    T r = in[0];
+    for (size_t i = 1; i < kLanes<T>; ++i)
+        if (least ? in[i] < r : r < in[i])
+            r = in[i];
+    return r;
+}
+
+template <class T>
+SimdGroup integers()
+{
+    constexpr size_t n = kLanes<T>;
+    constexpr size_t width = sizeof(T) * 8;
+    static constexpr SimdOperation list[] = {
+        BINARY(T, a + b, wrapping(a) + wrapping(b)),
+        BINARY(T, a - b, wrapping(a) - wrapping(b)),
+        BINARY(T, a * b, wrapping(a) * wrapping(b)),
+        BINARY(T, (a & ~b) | (b ^ splat(T(5))), (a & ~b) | (b ^ T(5))),
+        BINARY(T, min(a, b), a < b ? a : b),
+        BINARY(T, max(a, b), a < b ? b : a),
+        UNARY(T, shiftLeft(a, 1), wrapping(a) << 1),
+        UNARY(T, shiftLeft(a, sizeof(T) * 8 - 1), wrapping(a) << (sizeof(T) * 8 - 1)),
+        UNARY(T, shiftRight(a, 1), a >> 1),
+        UNARY(T, shiftRight(a, sizeof(T) * 8 - 1), a >> (sizeof(T) * 8 - 1)),
+        mapping<T, T, n + 1, 2 * n>( // by a count that is not a constant
+            "shifts",
+            [](const T* in, T* out) {
+                const unsigned count = static_cast<unsigned>(in[n]) % width;
+                store(out, shiftLeft(load(in), count));
+                store(out + n, shiftRight(load(in), count)); },
+            [](const T* in, size_t i) {
+                const unsigned count = static_cast<unsigned>(in[n]) % width;
+                return i < n ? static_cast<T>(wrapping(in[i]) << count) : static_cast<T>(in[i - n] >> count); }),
+        mapping<T, T, 1, n>("iota", [](const T*, T* out) { store(out, iota<T>()); }, [](const T*, size_t i) { return i; }),
+        mapping<T, T, n, 2>("reduceMin, reduceMax",
+                            [](const T* in, T* out) {
+                                out[0] = reduceMin(load(in));
+                                out[1] = reduceMax(load(in)); },
+                            [](const T* in, size_t i) { return leastOrMost(in, i == 0); }),
+    };
+    return group(list);
+}
+
+// ---- operations on some elements ----------------------------------------------------------------------------------------
+
+template <class T>
+SimdGroup saturating()
+{
+    static constexpr SimdOperation list[] = {
+        BINARY(T, addSat(a, b), saturate<T>(a + b)),
+        BINARY(T, subSat(a, b), saturate<T>(a - b)),
+    };
+    return group(list);
+}
+
+SimdGroup single()
+{
+    static constexpr SimdOperation list[] = {
+        BINARY(uint8_t, absDiff(a, b), a < b ? b - a : a - b),
+        BINARY(int8_t, absDiff(a, b), a < b ? b - a : a - b),
+        BINARY(uint16_t, absDiff(a, b), a < b ? b - a : a - b),
+        BINARY(int16_t, absDiff(a, b), a < b ? b - a : a - b),
+        BINARY(uint32_t, absDiff(a, b), a < b ? b - a : a - b),
+        BINARY(int32_t, absDiff(a, b), int32_t(uint32_t(a) - uint32_t(b)) < 0 ? uint32_t(b) - uint32_t(a) : uint32_t(a) - uint32_t(b)),
+        UNARY(int8_t, abs(a), a < 0 ? -a : a),
+        UNARY(int16_t, abs(a), a < 0 ? -a : a),
+        UNARY(int32_t, abs(a), a < 0 ? 0 - uint32_t(a) : uint32_t(a)),
+        BINARY(uint8_t, average(a, b), (a + b + 1) >> 1),
+        BINARY(uint16_t, average(a, b), (a + b + 1) >> 1),
+        BINARY(int16_t, multiplyHigh(a, b), (int32_t(a) * b) >> 16),
+        BINARY(uint16_t, multiplyHigh(a, b), (uint32_t(a) * b) >> 16),
+        mapping<int16_t, int32_t, 2 * kLanes<int16_t>, kLanes<int32_t>>(
+            "dotPairs", [](const int16_t* in, int32_t* out) { store(out, dotPairs(load(in), load(in + kLanes<int16_t>))); },
+            [](const int16_t* in, size_t i) {
+                const int16_t *a = in + 2 * i, *b = a + kLanes<int16_t>;
+                return static_cast<uint32_t>(a[0] * b[0]) + static_cast<uint32_t>(a[1] * b[1]); }),
+
+        UNARY(uint8_t, countBits(a), __builtin_popcount(a)),
+        mapping<uint8_t, uint8_t, 16 + kLanes<uint8_t>, kLanes<uint8_t>>(
+            "lookup16",
+            [](const uint8_t* in, uint8_t* out) { store(out, lookup16(loadTable16(in), load(in + 16) & splat<uint8_t>(15))); },
+            [](const uint8_t* in, size_t i) { return in[in[16 + i] % 16]; }),
+        mapping<uint8_t, uint8_t, 256 + kLanes<uint8_t>, kLanes<uint8_t>>(
+            "lookup",
+            [](const uint8_t* in, uint8_t* out) {
+                const Table256 table = prepare(in);
+                store(out, lookup(table, load(in + 256))); },
+            [](const uint8_t* in, size_t i) { return in[in[256 + i]]; }),
+    };
+    return group(list);
+}
+
+// ---- wider and narrower elements ----------------------------------------------------------------------------------------
+
+template <class T>
+Vecs<T, 2> twicePlus77Halved(Vecs<T, 2> v)
+{
+    return {shiftRight(v[0] + v[0] + splat<T>(77), 1), shiftRight(v[1] + v[1] + splat<T>(77), 1)};
+}
+
+template <class T>
+Vecs<T, 2> shiftedBy5(Vecs<T, 2> v)
+{
+    return {shiftRight(v[0], 5), shiftRight(v[1], 5)};
+}
+
+template <class T>
+SimdGroup widening()
+{
+    constexpr size_t n = kLanes<T>;
+    using W = Wider<T>;
+    static constexpr SimdOperation list[] = {
+        mapping<T, W, n, n>("widen", [](const T* in, W* out) { store(out, widen(load(in))); },
+                            [](const T* in, size_t i) { return in[i]; }),
+        mapping<T, W, n / 2, n / 2>("loadWiden", [](const T* in, W* out) { store(out, loadWiden<W>(in)); },
+                                    [](const T* in, size_t i) { return in[i]; }),
+    };
+    return group(list);
+}
+
+// Through the wide elements in their own order and back.
+template <class T>
+SimdGroup widerInLanes()
+{
+    using W = Wider<T>;
+    static constexpr SimdOperation list[] = {
+        UNARY(T, narrowInLanes(twicePlus77Halved(widenInLanes(a))), (W(a) * 2 + 77) >> 1),
+    };
+    return group(list);
+}
+
+template <class T>
+SimdGroup wideProducts()
+{
+    constexpr size_t n = kLanes<T>;
+    using W = Wider<T>;
+    static constexpr SimdOperation list[] = {
+        mapping<T, W, 2 * n, n>("multiplyWide", [](const T* in, W* out) { store(out, multiplyWide(load(in), load(in + n))); },
+                                [](const T* in, size_t i) { return wrapping(in[i]) * wrapping(in[n + i]); }),
+        BINARY(T, narrowInLanes(shiftedBy5(multiplyWideInLanes(a, b))), static_cast<W>(wrapping(a) * wrapping(b)) >> 5),
+    };
+    return group(list);
+}
+
+template <class T>
+SimdGroup narrowing()
+{
+    constexpr size_t n = 2 * kLanes<T>;
+    using N = Narrower<T>;
+    static constexpr SimdOperation list[] = {
+        mapping<T, N, n, n>("narrow", [](const T* in, N* out) { store(out, narrow(loadVecs<2>(in))); },
+                            [](const T* in, size_t i) { return in[i]; }),
+    };
+    return group(list);
+}
+
+// zipInLanes of halves orders elements like the narrowing functions expect them, so the one undoes the other.
+template <class T, class To>
+SimdGroup narrowingWithSaturation()
+{
+    constexpr size_t n = 2 * kLanes<T>;
+    static constexpr SimdOperation list[] = {
+        mapping<T, To, n, n>("narrowSat", [](const T* in, To* out) { store(out, narrowSat<To>(loadVecs<2>(in))); },
+                             [](const T* in, size_t i) { return saturate<To>(in[i]); }),
+        mapping<T, To, n, n>(
+            "narrowSatInLanes",
+            [](const T* in, To* out) {
+                using N = Narrower<Unsigned<T>>; // the elements as low and high halves, wide again after the zip
+                const Vecs<Unsigned<T>, 2> v = {bitCast<Unsigned<T>>(load(in)), bitCast<Unsigned<T>>(load(in + n / 2))};
+                const Vec<N> low = narrow(v);
+                const Vec<N> high = narrow(
+                    Vecs<Unsigned<T>, 2>{shiftRight(v[0], sizeof(N) * 8), shiftRight(v[1], sizeof(N) * 8)});
+                const Vecs<N, 2> z = zipInLanes(low, high);
+                store(out, narrowSatInLanes<To>(Vecs<T, 2>{bitCast<T>(z[0]), bitCast<T>(z[1])})); },
+            [](const T* in, size_t i) { return saturate<To>(in[i]); }),
+    };
+    return group(list);
+}
+
+template <class T>
+uint64_t sumOf(const T* in, size_t count)
+{
+    uint64_t sum = 0;
+    for (size_t i = 0; i < count; ++i)
+        sum += wrapping(in[i]);
+    return sum;
+}
+
+template <class T>
+SimdGroup sums()
+{
+    constexpr size_t n = kLanes<T>;
+    using W = Wider<T>;
+    static constexpr SimdOperation list[] = {
+        mapping<T, W, 2 * n, 1>("addTo, reduceAdd",
+                                [](const T* in, W* out) {
+                                    *out = reduceAdd(addTo(addTo(zero<W>(), load(in)), load(in + n))); },
+                                [](const T* in, size_t) { return sumOf(in, 2 * n); }),
+        mapping<T, W, n, 1>("reduceAdd", [](const T* in, W* out) { *out = static_cast<W>(reduceAdd(load(in))); },
+                            [](const T* in, size_t) {
+                                return sizeof(T) == 2 ? static_cast<W>(sumOf(in, n)) : static_cast<W>(static_cast<T>(sumOf(in, n))); }),
+    };
+    return group(list);
+}
+
+SimdGroup byteSums()
+{
+    static constexpr SimdOperation list[] = {
+        mapping<uint8_t, uint32_t, 2 * kLanes<uint8_t>, 1>(
+            "addBytesTo",
+            [](const uint8_t* in, uint32_t* out) {
+                *out = reduceAdd(addBytesTo(addBytesTo(zero<uint32_t>(), load(in)), load(in + kLanes<uint8_t>))); },
+            [](const uint8_t* in, size_t) { return sumOf(in, 2 * kLanes<uint8_t>); }),
+    };
+    return group(list);
+}
+
+// ---- floats -------------------------------------------------------------------------------------------------------------
+
+SimdGroup floats()
+{
+    static constexpr SimdOperation list[] = {
+        BINARY(float, min(a, b), b < a ? b : a),
+        BINARY(float, max(a, b), a < b ? b : a),
+        UNARY(float, abs(a), floatOf(bitsOf(a) & 0x7fffffff)),
+        calculation(BINARY(float, a + b, a + b)),
+        calculation(BINARY(float, a - b, a - b)),
+        calculation(BINARY(float, a * b, a * b)),
+        calculation(BINARY(float, a * b + a, a * b + a)), // rounded twice
+        calculation(BINARY(float, absDiff(a, b), floatOf(bitsOf(a - b) & 0x7fffffff))),
+        drawing(Draw::floats, calculation(BINARY(float, divide(a, b), a / b))),
+        drawing(Draw::floats, calculation(UNARY(float, squareRoot(a), __builtin_sqrtf(a)))),
+        mapping<int32_t, float, kLanes<float>, kLanes<float>>(
+            "toFloat", [](const int32_t* in, float* out) { store(out, toFloat(load(in))); },
+            [](const int32_t* in, size_t i) { return in[i]; }),
+        mapping<uint32_t, float, kLanes<float>, kLanes<float>>(
+            "toFloat below 2^31", [](const uint32_t* in, float* out) { store(out, toFloat(shiftRight(load(in), 1))); },
+            [](const uint32_t* in, size_t i) { return in[i] >> 1; }),
+        drawing(Draw::intRangeFloats,
+                mapping<float, int32_t, kLanes<float>, kLanes<float>>(
+                    "truncateToInt", [](const float* in, int32_t* out) { store(out, truncateToInt(load(in))); },
+                    [](const float* in, size_t i) { return in[i]; })),
+        drawing(Draw::intRangeFloats,
+                mapping<float, int32_t, kLanes<float>, kLanes<float>>(
+                    "roundToInt", [](const float* in, int32_t* out) { store(out, roundToInt(load(in))); },
+                    [](const float* in, size_t i) { return __builtin_nearbyintf(in[i]); })),
+    };
+    return group(list);
+}
+
+// ---- partial memory -----------------------------------------------------------------------------------------------------
+
+template <class T>
+constexpr SimdPartial partial()
+{
+    return {sizeof(T), kLanes<T>,
+            [](const void* in, size_t n, void* out) { store(static_cast<T*>(out), loadPartial(static_cast<const T*>(in), n)); },
+            [](const void* in, void* out, size_t n) { storePartial(static_cast<T*>(out), load(static_cast<const T*>(in)), n); }};
+}
+
+template <class T, size_t count>
+constexpr SimdPartial partialVecs()
+{
+    return {sizeof(T), count * kLanes<T>,
+            [](const void* in, size_t n, void* out) {
+                store(static_cast<T*>(out), loadVecsPartial<count>(static_cast<const T*>(in), n)); },
+            [](const void* in, void* out, size_t n) {
+                storePartial(static_cast<T*>(out), loadVecs<count>(static_cast<const T*>(in)), n); }};
+}
+
+const SimdPartial kPartials[] = {
+    partial<uint8_t>(), partial<int16_t>(), partial<uint32_t>(), partial<float>(),
+    partialVecs<uint8_t, 3>(), partialVecs<uint16_t, 2>(), partialVecs<float, 4>(),
+};
+
+// Functions, so that nothing of this unit runs before it is known that the processor can.
+SimdGroup (*const kGroups[])() = {
+    moves<uint8_t>, moves<int8_t>, moves<uint16_t>, moves<int16_t>, moves<uint32_t>, moves<int32_t>, moves<float>,
+    comparisons<uint8_t>, comparisons<int8_t>, comparisons<uint16_t>, comparisons<int16_t>, comparisons<uint32_t>,
+    comparisons<int32_t>, comparisons<float>,
+    integers<uint8_t>, integers<int8_t>, integers<uint16_t>, integers<int16_t>, integers<uint32_t>, integers<int32_t>,
+    saturating<uint8_t>, saturating<int8_t>, saturating<uint16_t>, saturating<int16_t>,
+    single,
+    widening<uint8_t>, widening<int8_t>, widening<uint16_t>, widening<int16_t>, widening<uint32_t>, widening<int32_t>,
+    widerInLanes<uint8_t>, widerInLanes<int8_t>, widerInLanes<uint16_t>, widerInLanes<int16_t>,
+    wideProducts<uint8_t>, wideProducts<uint16_t>, wideProducts<int16_t>,
+    narrowing<uint16_t>, narrowing<int16_t>, narrowing<uint32_t>, narrowing<int32_t>,
+    narrowingWithSaturation<int16_t, uint8_t>, narrowingWithSaturation<int16_t, int8_t>,
+    narrowingWithSaturation<uint16_t, uint8_t>, narrowingWithSaturation<int32_t, int16_t>,
+    narrowingWithSaturation<int32_t, uint16_t>, narrowingWithSaturation<uint32_t, uint16_t>,
+    sums<uint16_t>, sums<int16_t>, sums<uint32_t>, sums<int32_t>, byteSums,
+    floats,
+};
+
+} // namespace
+
+const test::SimdKernels simdKernels = {kGroups, sizeof kGroups / sizeof *kGroups, kPartials, sizeof kPartials / sizeof *kPartials};
+
+} // namespace rvk::vecta::RVK_ISA
