@@ -97,18 +97,23 @@ RVK_INLINE Vec<To> bitCast(Vec<From> v)
 
 // ---- memory -------------------------------------------------------------------------------------------------------------
 
+// A register's worth of elements anywhere in memory. (Loads and stores go through this type: a memcpy of 32 or 64 bytes
+// would have g++ move it in pieces through the stack.)
+template <class T>
+struct InMemory {
+    using Raw __attribute__((vector_size(kBytes), aligned(1), may_alias)) = T;
+};
+
 template <class T>
 RVK_INLINE Vec<T> load(const T* p)
 {
-    Vec<T> v;
-    __builtin_memcpy(&v, p, kBytes);
-    return v;
+    return {*reinterpret_cast<const typename InMemory<T>::Raw*>(p)};
 }
 
 template <class T>
 RVK_INLINE void store(T* p, Vec<T> v)
 {
-    __builtin_memcpy(p, &v, kBytes);
+    *reinterpret_cast<typename InMemory<T>::Raw*>(p) = v.raw;
 }
 
 template <size_t count, class T>
