@@ -49,7 +49,8 @@ RVK_API void rvkMemInit(void);
 /* rvkMemInit, then grows one scratch buffer to `preAllocBytes` bytes (at most 33177600, a 3840x2160 frame of four bytes). */
 RVK_API void rvkMemInitPreAlloc(uint32_t preAllocBytes);
 
-/* Undoes one rvkMemInit; the last one frees the pool. */
+/* Undoes one rvkMemInit; the last one frees the pool. After a call that was not the last one, more calls do nothing until
+ * the next rvkMemInit. */
 RVK_API void rvkMemDeInit(void);
 
 /* Heap-statistics hooks; they do nothing in this build. */

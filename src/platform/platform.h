@@ -21,6 +21,21 @@ enum { PROP_VALUE_MAX = 92 };
 extern "C" int __system_property_get(const char* name, char* value);
 #endif
 
-// Memory that the DSP can see.
-extern "C" void* dspmem_alloc(int heap, uint32_t flags, int size);
-extern "C" void dspmem_free(void* address);
+// Memory that the DSP can see. A device without libcdspcall.so has none: there the functions are null.
+#if defined(__ANDROID__)
+#define RVK_OPTIONAL __attribute__((weak))
+#else
+#define RVK_OPTIONAL
+#endif
+extern "C" RVK_OPTIONAL void* dspmem_alloc(int heap, uint32_t flags, int size);
+extern "C" RVK_OPTIONAL void dspmem_free(void* address);
+
+// dspmem_alloc where it exists; null where it does not or fails.
+inline void* allocateSharedMemory(int heap, uint32_t flags, int size)
+{
+#if defined(__ANDROID__)
+    if (!dspmem_alloc)
+        return nullptr;
+#endif
+    return dspmem_alloc(heap, flags, size);
+}

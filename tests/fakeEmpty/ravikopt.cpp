@@ -1,0 +1,4 @@
+// A companion library that exports nothing that the library knows.
+extern "C" void nothing()
+{
+}
