@@ -9,22 +9,21 @@
 namespace rvk::vecta::RVK_ISA {
 namespace {
 
-// Elements are compared by integer keys. Integers are their own keys.
+// Elements are compared by keys, as a rule themselves.
 template <class T>
 struct Order {
     using Key = T;
-    static RVK_INLINE bool isNumber(T) { return true; }
     static RVK_INLINE Vec<T> minKeys(Vec<T> v) { return v; }
     static RVK_INLINE Vec<T> maxKeys(Vec<T> v) { return v; }
 };
 
-// Floats become two's complement numbers of the same order, both zeros 0. So subnormal numbers count on 32-bit Arm too,
-// where the float comparisons of the vector unit take them for zero. What is not a number lies beyond both infinities,
-// at either end; an offset that wraps it around makes it lose every comparison.
+#if defined(__ARM_NEON) && !defined(__aarch64__)
+// The float comparisons of this vector unit take subnormal numbers for zero, so floats become two's complement numbers
+// of the same order, both zeros 0. What is not a number lies beyond both infinities, at either end; an offset that
+// wraps it around makes it lose every comparison.
 template <>
 struct Order<float> {
     using Key = int32_t;
-    static RVK_INLINE bool isNumber(float x) { return x == x; }
     static RVK_INLINE Vec<Key> keys(Vec<float> v)
     {
         const Vec<Key> bits = bitCast<Key>(v);
@@ -34,12 +33,23 @@ struct Order<float> {
     static RVK_INLINE Vec<Key> minKeys(Vec<float> v) { return keys(v) - splat<Key>(0x00800000); }
     static RVK_INLINE Vec<Key> maxKeys(Vec<float> v) { return keys(v) + splat<Key>(0x007fffff); }
 };
+#endif
 
 template <class T>
+constexpr bool isNumber(T x)
+{
+    if constexpr (isSame<T, float>)
+        return x == x;
+    else
+        return true;
+}
+
+// The extreme keys so far, lane by lane. A lane starts with a number; the floats that are none never replace it.
+template <class Key>
 struct Extremes {
-    using Key = typename Order<T>::Key;
     Vec<Key> low, high;
 
+    template <class T>
     RVK_INLINE void take(Vec<T> v)
     {
         low = min(low, Order<T>::minKeys(v));
@@ -56,14 +66,14 @@ RVK_INLINE Vec<T> loadRepeating(const T* p, size_t n)
     return v;
 }
 
-// The extremes of n elements, n > 0.
-template <class T>
-RVK_INLINE Extremes<T> extremesOf(const T* p, size_t n)
+// What n elements, n > 0, make of the extremes so far. Two accumulators, because a step of one waits for the one
+// before.
+template <class T, class Key>
+RVK_INLINE Extremes<Key> extremesOf(const T* p, size_t n, Extremes<Key> even)
 {
     constexpr size_t lanes = Vec<T>::lanes;
-    const Vec<T> last = n < lanes ? loadRepeating(p, n) : load(p + n - lanes);
-    Extremes<T> even = {Order<T>::minKeys(last), Order<T>::maxKeys(last)};
-    Extremes<T> odd = even;
+    Extremes<Key> odd = even;
+    odd.take(n < lanes ? loadRepeating(p, n) : load(p + n - lanes));
     size_t i = 0;
     for (; i + 4 * lanes <= n; i += 4 * lanes) {
         even.take(load(p + i));
@@ -113,10 +123,11 @@ RVK_INLINE void minMaxLoc(const T* src, uint32_t srcWidth, uint32_t srcHeight, u
     }
     Best<Key> smallest = {Order<T>::minKeys(splat(*src))};
     Best<Key> largest = {Order<T>::maxKeys(splat(*src))};
-    if (Order<T>::isNumber(*src)) {
+    if (isNumber(*src)) {
         for (size_t y = 0; y < height; ++y) {
             for (size_t x = 0; x < width; x += chunk) {
-                const Extremes<T> e = extremesOf(image.row(y) + x, width - x < chunk ? width - x : chunk);
+                const size_t n = width - x < chunk ? width - x : chunk;
+                const Extremes<Key> e = extremesOf(image.row(y) + x, n, Extremes<Key>{smallest.key, largest.key});
                 if (any(less(e.low, smallest.key)))
                     smallest = {splat(reduceMin(e.low)), x, y};
                 if (any(greater(e.high, largest.key)))
