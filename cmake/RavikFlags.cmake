@@ -35,7 +35,7 @@ endif()
 
 set(ravikSanitizeFlags "")
 if(RAVIK_SANITIZE)
-    set(ravikSanitizeFlags -fsanitize=${RAVIK_SANITIZE} -fno-sanitize-recover=all)
+    set(ravikSanitizeFlags -fsanitize=${RAVIK_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
     if(RAVIK_SANITIZE MATCHES "undefined")
         list(APPEND ravikSanitizeFlags -fsanitize=float-cast-overflow)
     endif()
@@ -48,7 +48,7 @@ add_library(ravikFlags INTERFACE)
 target_compile_options(ravikFlags INTERFACE
     -Wall -Wextra -Wshadow -Wpedantic $<$<BOOL:${RAVIK_WERROR}>:-Werror>
     -ffp-contract=off -fno-fast-math
-    ${ravikSanitizeFlags} $<$<BOOL:${RAVIK_SANITIZE}>:-fno-omit-frame-pointer>)
+    ${ravikSanitizeFlags})
 target_link_options(ravikFlags INTERFACE ${ravikSanitizeFlags})
 
 # The reference on 32-bit Arm is plain scalar IEEE arithmetic; NEON, which flushes denormal floats, is for vecta alone.
