@@ -87,6 +87,35 @@ template <class A, class B> constexpr bool isSame = false;
 template <class A> constexpr bool isSame<A, A> = true;
 template <class T> constexpr bool isSigned = T(-1) < T(0);
 
+// ---- lists of numbers --------------------------------------------------------------------------------------------------
+
+template <size_t... i>
+struct Indices {
+};
+template <class List, size_t next> struct AppendIndex;
+template <size_t... i, size_t next> struct AppendIndex<Indices<i...>, next> { using Type = Indices<i..., next>; };
+template <size_t count> struct CountTo { using Type = typename AppendIndex<typename CountTo<count - 1>::Type, count - 1>::Type; };
+template <> struct CountTo<0> { using Type = Indices<>; };
+
+// f(0), f(1), ... f(count - 1), each with its number as a constant. (g++ keeps an array that a loop walks in memory, and
+// moves it there word by word.)
+template <size_t i>
+struct Constant {
+    constexpr operator size_t() const { return i; }
+};
+
+template <class F, size_t... i>
+RVK_INLINE void unrolledOver(F f, Indices<i...>)
+{
+    (f(Constant<i>{}), ...);
+}
+
+template <size_t count, class F>
+RVK_INLINE void unrolled(F f)
+{
+    unrolledOver(f, typename CountTo<count>::Type{});
+}
+
 // ---- bits ---------------------------------------------------------------------------------------------------------------
 
 template <class To, class From>
@@ -116,20 +145,22 @@ RVK_INLINE void store(T* p, Vec<T> v)
     *reinterpret_cast<typename InMemory<T>::Raw*>(p) = v.raw;
 }
 
+template <class T, size_t... i>
+RVK_INLINE Vecs<T, sizeof...(i)> loadVecsAt(const T* p, Indices<i...>)
+{
+    return {{load(p + i * Vec<T>::lanes)...}};
+}
+
 template <size_t count, class T>
 RVK_INLINE Vecs<T, count> loadVecs(const T* p)
 {
-    Vecs<T, count> r;
-    for (size_t i = 0; i < count; ++i)
-        r.v[i] = load(p + i * Vec<T>::lanes);
-    return r;
+    return loadVecsAt(p, typename CountTo<count>::Type{});
 }
 
 template <class T, size_t count>
 RVK_INLINE void store(T* p, const Vecs<T, count>& v)
 {
-    for (size_t i = 0; i < count; ++i)
-        store(p + i * Vec<T>::lanes, v.v[i]);
+    unrolled<count>([&](auto i) RVK_INLINE_LAMBDA { store(p + i * Vec<T>::lanes, v.v[i]); });
 }
 
 // The first n elements, n <= lanes; the other lanes are zero. Reads n elements only.
@@ -250,14 +281,6 @@ RVK_INLINE Vec<T> shiftRight(Vec<T> a, unsigned count)
 }
 
 // ---- lanes --------------------------------------------------------------------------------------------------------------
-
-template <size_t... i>
-struct Indices {
-};
-template <class List, size_t next> struct AppendIndex;
-template <size_t... i, size_t next> struct AppendIndex<Indices<i...>, next> { using Type = Indices<i..., next>; };
-template <size_t count> struct CountTo { using Type = typename AppendIndex<typename CountTo<count - 1>::Type, count - 1>::Type; };
-template <> struct CountTo<0> { using Type = Indices<>; };
 
 template <class T, class F, size_t... i>
 RVK_INLINE Vec<T> shuffleLanes(Vec<T> a, Vec<T> b, F, Indices<i...>)

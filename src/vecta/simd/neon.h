@@ -72,8 +72,24 @@ RVK_INLINE Mask<T> greater(Vec<T> a, Vec<T> b)
     return {{(typename Vec<Unsigned<T>>::Raw)(a.raw > b.raw)}};
 }
 
+#if defined(__aarch64__) || defined(__clang__)
 RVK_INLINE Mask<float> equal(Vec<float> a, Vec<float> b) { return {vec(vceqq_f32(reg(a), reg(b)))}; }
 RVK_INLINE Mask<float> greater(Vec<float> a, Vec<float> b) { return {vec(vcgtq_f32(reg(a), reg(b)))}; }
+#else // g++ takes these intrinsics for plain comparisons, and does those lane by lane to keep subnormals
+RVK_INLINE Mask<float> equal(Vec<float> a, Vec<float> b)
+{
+    uint32x4_t r;
+    __asm__("vceq.f32 %q0, %q1, %q2" : "=w"(r) : "w"(a.raw), "w"(b.raw));
+    return {vec(r)};
+}
+
+RVK_INLINE Mask<float> greater(Vec<float> a, Vec<float> b)
+{
+    uint32x4_t r;
+    __asm__("vcgt.f32 %q0, %q1, %q2" : "=w"(r) : "w"(a.raw), "w"(b.raw));
+    return {vec(r)};
+}
+#endif
 
 template <class T>
 RVK_INLINE Mask<T> less(Vec<T> a, Vec<T> b)
@@ -352,19 +368,31 @@ RVK_INLINE Table256 prepare(const uint8_t table[256])
     return {table};
 }
 
+// The 32 bytes at p; p moves on to the next.
+RVK_INLINE uint8x8x4_t loadEighth(const uint8_t*& p)
+{
+#if defined(__clang__)
+    const uint8x8x4_t t = vld1_u8_x4(p);
+    p += 32;
+#else // g++ has no such intrinsic for 32-bit Arm, and spreads four loads over as many pointers
+    uint8x8x4_t t;
+    __asm__("vld1.8 %h0, [%1]!" : "=w"(t), "+r"(p) : : "memory");
+#endif
+    return t;
+}
+
 // An index outside the eighth leaves the lane alone.
 RVK_INLINE Vec<uint8_t> lookup(const Table256& table, Vec<uint8_t> index)
 {
-    uint8x8_t i = lowHalf(index), k = highHalf(index);
-    uint8x8_t low = vdup_n_u8(0), high = vdup_n_u8(0);
-    for (size_t eighth = 0; eighth < 8; ++eighth) {
-        const uint8_t* p = table.table + 32 * eighth;
-        const uint8x8x4_t t = {{vld1_u8(p), vld1_u8(p + 8), vld1_u8(p + 16), vld1_u8(p + 24)}};
-        low = vtbx4_u8(low, t, i);
-        high = vtbx4_u8(high, t, k);
-        i = vsub_u8(i, vdup_n_u8(32));
-        k = vsub_u8(k, vdup_n_u8(32));
-    }
+    const uint8_t* p = table.table;
+    const uint8x8x4_t first = loadEighth(p);
+    uint8x8_t low = vtbl4_u8(first, lowHalf(index)), high = vtbl4_u8(first, highHalf(index));
+    unrolled<7>([&](auto) RVK_INLINE_LAMBDA {
+        const uint8x8x4_t next = loadEighth(p);
+        index = index - splat<uint8_t>(32);
+        low = vtbx4_u8(low, next, lowHalf(index));
+        high = vtbx4_u8(high, next, highHalf(index));
+    });
     return join(low, high);
 }
 
@@ -390,15 +418,13 @@ RVK_INLINE Vec<int64_t> addTo(Vec<int64_t> acc, Vec<int32_t> v) { return vec(vpa
     {                                                                                                                          \
         const auto m = vld##n##q_##suffix(p);                                                                                  \
         Vecs<T, n> r;                                                                                                          \
-        for (size_t i = 0; i < n; ++i)                                                                                         \
-            r[i] = vec(m.val[i]);                                                                                              \
+        unrolled<n>([&](auto i) RVK_INLINE_LAMBDA { r[i] = vec(m.val[i]); });                                                  \
         return r;                                                                                                              \
     }                                                                                                                          \
     RVK_INLINE void store##n(T* p, const Vecs<T, n>& v)                                                                        \
     {                                                                                                                          \
         decltype(vld##n##q_##suffix(p)) m;                                                                                     \
-        for (size_t i = 0; i < n; ++i)                                                                                         \
-            m.val[i] = reg(v[i]);                                                                                              \
+        unrolled<n>([&](auto i) RVK_INLINE_LAMBDA { m.val[i] = reg(v[i]); });                                                  \
         vst##n##q_##suffix(p, m);                                                                                              \
     }
 #define RVK_INTERLEAVED_ALL(T, suffix)                                                                                         \

@@ -485,12 +485,12 @@ RVK_INLINE Vec<uint8_t> lookup(const Table256& table, Vec<uint8_t> index)
     Vec<int8_t> high = bitCast<int8_t>(index ^ splat<uint8_t>(0x80));
     Vec<uint8_t> result = lookup16(loadTable16(table.row[0]), bitCast<uint8_t>(low)) ^
                           lookup16(loadTable16(table.row[8]), bitCast<uint8_t>(high));
-    for (size_t i = 1; i < 8; ++i) {
+    unrolled<7>([&](auto i) RVK_INLINE_LAMBDA {
         low = subSat(low, step);
         high = subSat(high, step);
-        result = result ^ lookup16(loadTable16(table.row[i]), bitCast<uint8_t>(low)) ^
-                 lookup16(loadTable16(table.row[8 + i]), bitCast<uint8_t>(high));
-    }
+        result = result ^ lookup16(loadTable16(table.row[1 + i]), bitCast<uint8_t>(low)) ^
+                 lookup16(loadTable16(table.row[9 + i]), bitCast<uint8_t>(high));
+    });
     return result;
 }
 
@@ -606,38 +606,57 @@ RVK_INLINE void store4(T* p, const Vecs<T, 4>& v)
 
 #else
 
+// The 16-byte block at p and, in registers of two blocks, the one `next` blocks further.
+template <size_t next, class T>
+RVK_INLINE Vec<T> loadBlocks(const T* p)
+{
+#if defined(__AVX2__)
+    return vec<T>(_mm256_inserti128_si256(_mm256_castsi128_si256(loadBlock(p)), loadBlock(p + next * kBlock<T>), 1));
+#else
+    return load(p);
+#endif
+}
+
+template <class T, size_t... i>
+RVK_INLINE Vecs<T, sizeof...(i)> loadSpreadAt(const T* p, Indices<i...>)
+{
+    return {{loadBlocks<sizeof...(i)>(p + i * kBlock<T>)...}};
+}
+
 // Vector i holds the 16-byte blocks i, i + count, ... so that each block of the registers can be worked on alone.
 template <size_t count, class T>
 RVK_INLINE Vecs<T, count> loadSpread(const T* p)
 {
-#if defined(__AVX2__)
-    Vecs<T, count> r;
-    for (size_t i = 0; i < count; ++i) {
-        const T* low = p + i * kBlock<T>;
-        const T* high = low + count * kBlock<T>;
-        r[i] = vec<T>(_mm256_inserti128_si256(_mm256_castsi128_si256(loadBlock(low)), loadBlock(high), 1));
-    }
-    return r;
-#else
-    return loadVecs<count>(p);
-#endif
+    return loadSpreadAt(p, typename CountTo<count>::Type{});
 }
+
+#if defined(__AVX2__)
+template <class T>
+RVK_INLINE Vec<T> lowBlocks(Vec<T> a, Vec<T> b)
+{
+    return vec<T>(_mm256_permute2x128_si256(reg(a), reg(b), 0x20));
+}
+
+template <class T>
+RVK_INLINE Vec<T> highBlocks(Vec<T> a, Vec<T> b)
+{
+    return vec<T>(_mm256_permute2x128_si256(reg(a), reg(b), 0x31));
+}
+#endif
 
 template <class T, size_t count>
 RVK_INLINE void storeSpread(T* p, const Vecs<T, count>& v)
 {
 #if defined(__AVX2__)
-    const auto lowHalves = [](Vec<T> a, Vec<T> b) { return vec<T>(_mm256_permute2x128_si256(reg(a), reg(b), 0x20)); };
-    const auto highHalves = [](Vec<T> a, Vec<T> b) { return vec<T>(_mm256_permute2x128_si256(reg(a), reg(b), 0x31)); };
     if constexpr (count == 3) {
-        store(p, lowHalves(v[0], v[1]));
+        store(p, lowBlocks(v[0], v[1]));
         store(p + Vec<T>::lanes, vec<T>(_mm256_blend_epi32(reg(v[2]), reg(v[0]), 0xf0)));
-        store(p + 2 * Vec<T>::lanes, highHalves(v[1], v[2]));
+        store(p + 2 * Vec<T>::lanes, highBlocks(v[1], v[2]));
     } else {
-        for (size_t i = 0; i < count; i += 2) {
-            store(p + i / 2 * Vec<T>::lanes, lowHalves(v[i], v[i + 1]));
-            store(p + (count + i) / 2 * Vec<T>::lanes, highHalves(v[i], v[i + 1]));
-        }
+        unrolled<count / 2>([&](auto i) RVK_INLINE_LAMBDA {
+            store(p + i * Vec<T>::lanes, lowBlocks(v[2 * i], v[2 * i + 1]));
+            store(p + (count / 2 + i) * Vec<T>::lanes, highBlocks(v[2 * i], v[2 * i + 1]));
+        });
     }
 #else
     store(p, v);
@@ -712,17 +731,19 @@ RVK_INLINE void store3(T* p, const Vecs<T, 3>& v)
 
 // The channels of the pixels in 4 bytes of each block stand together after one shuffle; the rest transposes 4 x 4 such groups.
 template <class T>
+RVK_INLINE Vec<uint32_t> groupChannels(Vec<T> v)
+{
+    constexpr size_t n = 4 / sizeof(T);
+    return bitCast<uint32_t>(shuffle(v, v, [](size_t i) {
+        return i / kBlock<T> * kBlock<T> + i % n * 4 + i % kBlock<T> / n; }));
+}
+
+template <class T>
 RVK_INLINE Vecs<T, 4> load4(const T* p)
 {
-    Vecs<T, 4> m = loadSpread<4>(p);
-    constexpr size_t n = 4 / sizeof(T);
-    Vec<uint32_t> g[4];
-    for (size_t i = 0; i < 4; ++i) {
-        const Vec<T> grouped = shuffle(m[i], m[i], [](size_t k) {
-            return k / kBlock<T> * kBlock<T> + k % n * 4 + k % kBlock<T> / n; });
-        g[i] = bitCast<uint32_t>(grouped);
-    }
-    const Vecs<uint32_t, 2> a = zipInLanes(g[0], g[1]), b = zipInLanes(g[2], g[3]);
+    const Vecs<T, 4> m = loadSpread<4>(p);
+    const Vecs<uint32_t, 2> a = zipInLanes(groupChannels(m[0]), groupChannels(m[1]));
+    const Vecs<uint32_t, 2> b = zipInLanes(groupChannels(m[2]), groupChannels(m[3]));
     const Vecs<uint64_t, 2> low = zipInLanes(bitCast<uint64_t>(a[0]), bitCast<uint64_t>(b[0]));
     const Vecs<uint64_t, 2> high = zipInLanes(bitCast<uint64_t>(a[1]), bitCast<uint64_t>(b[1]));
     return {bitCast<T>(low[0]), bitCast<T>(low[1]), bitCast<T>(high[0]), bitCast<T>(high[1])};
