@@ -1,0 +1,23 @@
+#include "groups.h"
+
+std::span<const TestGroup> testGroups()
+{
+    static constexpr TestGroup groups[] = {
+        {"HW", 2, TEST_HW_Test, nullptr},
+        {"MEM", 3, TEST_MEM_Test, nullptr},
+        {"IDIFF", 5, RAVIK_TEST_IDIFF_Test, imageDiffFunctions},
+        {"BITCNT", 6, RAVIK_TEST_BITCNT_Test, bitCountFunctions},
+        {"BITWISEOP", 7, RAVIK_TEST_BITWISEOP_Test, bitwiseFunctions},
+        {"SET", 3, RAVIK_TEST_SET, fillFunctions},
+        {"ABSDIFF", 7, RAVIK_TEST_ABSDIFF_Test, absDiffFunctions},
+        {"AVERAGE", 7, RAVIK_TEST_AVERAGE_Test, averageFunctions},
+        {"MINMAX", 6, RAVIK_TEST_MINMAX_Test, minMaxFunctions},
+        {"ARITHM", 6, RAVIK_TEST_ARITHM_Test, arithmeticFunctions},
+    };
+    return groups;
+}
+
+std::span<const UnsetModeTest> unsetModeTests()
+{
+    return {}; // none of the functions that it is meant for exists
+}

@@ -1,0 +1,445 @@
+#include "testCase.h"
+
+#include "compareBuffers.h"
+#include "controlScript.h"
+#include "testLog.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+
+namespace {
+
+using Role = Argument::Role;
+
+bool fitsElement(double number, Element element)
+{
+    return visitElement(element, [number](auto zero) {
+        using T = decltype(zero);
+        return number >= static_cast<double>(std::numeric_limits<T>::lowest()) &&
+               number <= static_cast<double>(std::numeric_limits<T>::max());
+    });
+}
+
+// Tolerances are floats; integers are compared with their whole part.
+template <class T>
+T toleranceAs(float tolerance)
+{
+    const auto largest = static_cast<float>(std::numeric_limits<T>::max());
+    return tolerance >= largest ? std::numeric_limits<T>::max() : static_cast<T>(std::max(tolerance, 0.0f));
+}
+
+int compareImages(RAVIK_TEST_Buffer& expected, RAVIK_TEST_Buffer& output, Element element, float tolerance)
+{
+    return visitElement(element, [&](auto zero) {
+        using T = decltype(zero);
+        if constexpr (std::is_same_v<T, float>)
+            return RAVIK_TEST_CompareBuffers_f32(expected, output, tolerance);
+        else
+            return RAVIK_TEST_CompareBuffers<T>(expected, output, toleranceAs<T>(tolerance));
+    });
+}
+
+bool isZero(const uint8_t* from, const uint8_t* to)
+{
+    return std::all_of(from, to, [](uint8_t byte) { return byte == 0; });
+}
+
+// Whether what lies around the window is still as Shape() left it.
+bool surroundingsAreZero(const RAVIK_TEST_Buffer& buffer)
+{
+    const size_t rowBytes = static_cast<size_t>(buffer.width) * static_cast<size_t>(buffer.elementSize);
+    const uint8_t* gap = buffer.block();
+    for (int32_t j = 0; j < buffer.height; j++) {
+        if (!isZero(gap, buffer.row(j)))
+            return false;
+        gap = buffer.row(j) + rowBytes;
+    }
+    return isZero(gap, buffer.block() + buffer.blockBytes());
+}
+
+int addStrideTo(RAVIK_TEST_Buffer& buffer, int newStride, rvkMemOption option)
+{
+    switch (buffer.elementSize) {
+    case 1:
+        return RAVIK_TEST_AddStrideToBuffer<unsigned char>(buffer, newStride, option, true);
+    case 2:
+        return RAVIK_TEST_AddStrideToBuffer<short>(buffer, newStride, option, true);
+    default:
+        return RAVIK_TEST_AddStrideToBuffer<int>(buffer, newStride, option, true);
+    }
+}
+
+template <class T>
+T drawExtreme(RandomBits& random)
+{
+    if constexpr (std::is_same_v<T, float>) {
+        constexpr float values[] = {0.0f, 1.0f, -1.0f, 65536.0f, 1e30f, -1e30f};
+        return values[random.between(0, std::size(values) - 1)];
+    } else {
+        constexpr T values[] = {0, 1, std::numeric_limits<T>::max(), std::numeric_limits<T>::lowest(),
+                                static_cast<T>(std::numeric_limits<T>::max() / 2 + 1)};
+        return values[random.between(0, std::size(values) - 1)];
+    }
+}
+
+template <class T>
+void fillRow(T* row, size_t count, bool extreme, RandomBits& random)
+{
+    if (extreme) {
+        std::generate_n(row, count, [&] { return drawExtreme<T>(random); });
+    } else if constexpr (std::is_same_v<T, float>) {
+        for (size_t i = 0; i < count; i++) {
+            const uint32_t bits = random.floatBits();
+            memcpy(row + i, &bits, sizeof bits);
+        }
+    } else {
+        const size_t bytes = count * sizeof(T);
+        for (size_t i = 0; i < bytes; i += 4) {
+            const uint32_t bits = random.next();
+            memcpy(reinterpret_cast<uint8_t*>(row) + i, &bits, std::min<size_t>(4, bytes - i));
+        }
+    }
+}
+
+void fillImage(RAVIK_TEST_Buffer& image, const Argument& argument, RandomBits& random)
+{
+    const bool extreme = !argument.isMask && random.between(0, 3) == 0;
+    visitElement(argument.element, [&](auto zero) {
+        using T = decltype(zero);
+        for (int32_t j = 0; j < image.height; j++) {
+            T* const row = reinterpret_cast<T*>(image.row(j));
+            fillRow(row, static_cast<size_t>(image.width), extreme, random);
+            if (argument.isMask)
+                std::replace_if(row, row + image.width, [&](T) { return random.between(0, 1) == 0; }, T{});
+        }
+    });
+}
+
+} // namespace
+
+int64_t RandomBits::between(int64_t low, int64_t high)
+{
+    const uint64_t count = static_cast<uint64_t>(high - low) + 1;
+    return low + static_cast<int64_t>(next() * count >> 32);
+}
+
+uint32_t RandomBits::floatBits()
+{
+    const uint32_t bits = next();
+    const auto exponent = static_cast<uint32_t>(between(117, 137));
+    return (bits & 0x807FFFFFu) | exponent << 23;
+}
+
+double drawScalar(const Argument& argument, RandomBits& random)
+{
+    if (!argument.choices.empty())
+        return argument.choices[static_cast<size_t>(random.between(0, static_cast<int64_t>(argument.choices.size()) - 1))];
+    if (argument.element != Element::f32)
+        return static_cast<double>(random.between(std::llround(argument.low), std::llround(argument.high)));
+    const double position = random.next() / 4294967295.0;
+    return static_cast<float>(argument.low + position * (argument.high - argument.low));
+}
+
+std::vector<ScriptField> scriptFields(const FunctionTest& function, ScriptContent content)
+{
+    std::vector<ScriptField> fields;
+    const auto add = [&](ScriptField::Kind kind, const char* title, auto wanted) {
+        for (size_t i = 0; i < function.arguments.size(); i++) {
+            const Argument& argument = function.arguments[i];
+            if (wanted(argument))
+                fields.push_back({kind, i, argument.element, argument.isImage() && argument.role != Role::value,
+                                  title + std::to_string(i)});
+        }
+    };
+    add(ScriptField::Kind::input, "in", [](const Argument& argument) { return argument.isInput(); });
+    if (content == ScriptContent::sources)
+        return fields;
+    add(ScriptField::Kind::result, "out", [](const Argument& argument) { return argument.isOutput(); });
+    if (function.hasCount)
+        fields.push_back({ScriptField::Kind::count, 0, Element::u32, false, "count"});
+    if (function.hasStatus)
+        fields.push_back({ScriptField::Kind::status, 0, Element::s32, false, "status"});
+    return fields;
+}
+
+TestCase::TestCase(const FunctionTest& function, rvkMemOption option)
+    : m_function(function), m_option(option), m_data(function.arguments.size())
+{
+    for (size_t i = 0; i < m_data.size(); i++) // what must be aligned stays out of the way of -AL
+        m_data[i].buffer.onHeap = m_data[i].initial.onHeap = argument(i).alignment != 0;
+}
+
+RAVIK_TEST_Buffer& TestCase::inputBuffer(size_t index)
+{
+    return argument(index).role == Role::updated ? m_data[index].initial : m_data[index].buffer;
+}
+
+const RAVIK_TEST_Buffer& TestCase::image(const ScriptField& field) const
+{
+    const ArgumentData& data = m_data[field.argument];
+    if (field.kind == ScriptField::Kind::result)
+        return data.expected;
+    return argument(field.argument).role == Role::updated ? data.initial : data.buffer;
+}
+
+double TestCase::scalar(const ScriptField& field) const
+{
+    switch (field.kind) {
+    case ScriptField::Kind::count:
+        return m_expectedOutcome.count;
+    case ScriptField::Kind::status:
+        return m_expectedOutcome.status;
+    case ScriptField::Kind::result:
+        return visitElement(field.element, [&](auto zero) {
+            return static_cast<double>(*m_data[field.argument].expected.window<decltype(zero)>());
+        });
+    case ScriptField::Kind::input:
+        break;
+    }
+    return m_data[field.argument].number;
+}
+
+ScriptResult TestCase::read(FILE* script, const char* dataDirectory, ScriptContent content)
+{
+    const std::vector<ScriptField> fields = scriptFields(m_function, content);
+    std::vector<double> numbers(fields.size());
+    std::vector<ScriptColumn> columns;
+    for (size_t i = 0; i < fields.size(); i++) {
+        const ScriptField& field = fields[i];
+        if (!field.isArray)
+            columns.emplace_back(numbers[i]);
+        else if (field.kind == ScriptField::Kind::input)
+            columns.push_back(ScriptColumn::array(inputBuffer(field.argument), m_option));
+        else
+            columns.push_back(ScriptColumn::array(m_data[field.argument].expected, m_option));
+    }
+    const ScriptResult result = RAVIK_TEST_ReadControlScript(dataDirectory, script, columns);
+    if (result != ScriptResult::line)
+        return result;
+
+    for (size_t i = 0; i < fields.size(); i++)
+        if (fields[i].kind == ScriptField::Kind::input)
+            m_data[fields[i].argument].number = numbers[i];
+    if (takeInputs() && (content == ScriptContent::sources || takeResults(numbers)))
+        return ScriptResult::line;
+    testLog("ERROR: %s: the data of a script line do not fit the function.\n", m_function.name.c_str());
+    return ScriptResult::badLine;
+}
+
+// Finds the size of the case and checks that all inputs that were read agree with it.
+bool TestCase::takeInputs()
+{
+    const auto& arguments = m_function.arguments;
+    const auto first = std::find_if(arguments.begin(), arguments.end(), [](const Argument& a) {
+        return a.isImage() && a.isInput() && a.fixedSize == 0;
+    });
+    m_width = m_height = 1;
+    if (first != arguments.end()) {
+        const RAVIK_TEST_Buffer& image = inputBuffer(static_cast<size_t>(first - arguments.begin()));
+        m_width = static_cast<uint32_t>(image.width) / first->channels;
+        m_height = static_cast<uint32_t>(image.height);
+        if (m_width == 0)
+            return false;
+    }
+    for (size_t i = 0; i < arguments.size(); i++) {
+        const Argument& a = arguments[i];
+        if (a.role == Role::scalar && !fitsElement(m_data[i].number, a.element))
+            return false;
+        if (!a.isImage())
+            continue;
+        m_data[i].shape = packedShape(i);
+        if (a.isInput() && inputBuffer(i).shape() != m_data[i].shape)
+            return false;
+    }
+    return true;
+}
+
+// Checks the results that were read, or makes them from the numbers that were.
+bool TestCase::takeResults(const std::vector<double>& numbers)
+{
+    const std::vector<ScriptField> fields = scriptFields(m_function, ScriptContent::sourcesAndResults);
+    m_expectedOutcome = {};
+    for (size_t i = 0; i < fields.size(); i++) {
+        const ScriptField& field = fields[i];
+        if (field.isArray ? field.kind == ScriptField::Kind::result &&
+                                m_data[field.argument].expected.shape() != packedShape(field.argument)
+                          : !fitsElement(numbers[i], field.element))
+            return false;
+        if (field.kind == ScriptField::Kind::count)
+            m_expectedOutcome.count = static_cast<uint32_t>(numbers[i]);
+        else if (field.kind == ScriptField::Kind::status)
+            m_expectedOutcome.status = static_cast<int32_t>(numbers[i]);
+        else if (field.kind == ScriptField::Kind::result && !field.isArray) {
+            RAVIK_TEST_Buffer& expected = m_data[field.argument].expected;
+            if (!expected.Shape(packedShape(field.argument), m_option, true))
+                return false;
+            visitElement(field.element, [&](auto zero) {
+                *expected.window<decltype(zero)>() = static_cast<decltype(zero)>(numbers[i]);
+            });
+        }
+    }
+    return true;
+}
+
+MemShape_ TestCase::packedShape(size_t index) const
+{
+    const Argument& a = argument(index);
+    const uint64_t columns = a.fixedSize ? a.fixedSize : uint64_t{a.isTransposed ? m_height : m_width} * a.channels;
+    const uint64_t rows = a.fixedSize ? 1 : a.isTransposed ? m_width : m_height;
+    // A size that no buffer can have stays one that no buffer can have.
+    const auto size = [](uint64_t count) { return static_cast<int32_t>(count > INT32_MAX ? 0 : count); };
+    return MemShape_::packed(size(columns), size(rows), static_cast<int32_t>(sizeOf(a.element)));
+}
+
+void TestCase::layOut(bool packed, RandomBits& random)
+{
+    const auto upTo = [&](int32_t most) { return static_cast<int32_t>(random.between(0, most)); };
+
+    for (size_t i = 0; i < m_data.size(); i++) {
+        if (!argument(i).isImage())
+            continue;
+        MemShape_& shape = m_data[i].shape = packedShape(i);
+        if (packed)
+            continue;
+        const int32_t unit = std::max(1, static_cast<int32_t>(argument(i).alignment) / shape.elementSize);
+        const bool hasStride = m_function.strideOfImage(i) != FunctionTest::npos;
+        if (hasStride || shape.height == 1) {
+            shape.x = upTo(7) * unit;
+            shape.stride += shape.x;
+        }
+        if (unit == 1) {
+            shape.y = upTo(1);
+            shape.rows += shape.y + upTo(1);
+        }
+    }
+    for (size_t s = 0; s < m_data.size() && !packed; s++) {
+        if (argument(s).role != Role::stride)
+            continue;
+        int32_t widest = 0;
+        for (const size_t i : m_function.imagesOfStride(s))
+            widest = std::max(widest, m_data[i].shape.stride);
+        widest += upTo(9);
+        for (const size_t i : m_function.imagesOfStride(s))
+            m_data[i].shape.stride = widest;
+    }
+}
+
+bool TestCase::draw(uint32_t width, uint32_t height, bool packed, RandomBits& random)
+{
+    m_width = width;
+    m_height = height;
+    layOut(packed, random);
+    for (size_t i = 0; i < m_data.size(); i++) {
+        const Argument& a = argument(i);
+        if (a.role == Role::scalar)
+            m_data[i].number = drawScalar(a, random);
+        if (!a.isImage() || !a.isInput())
+            continue;
+        RAVIK_TEST_Buffer& image = inputBuffer(i);
+        if (!image.Shape(a.role == Role::updated ? packedShape(i) : m_data[i].shape, m_option, true))
+            return false;
+        fillImage(image, a, random);
+    }
+    return true;
+}
+
+bool TestCase::addStride(uint32_t elements)
+{
+    for (size_t s = 0; s < m_data.size(); s++) {
+        if (argument(s).role != Role::stride)
+            continue;
+        for (const size_t i : m_function.imagesOfStride(s)) {
+            if (!argument(i).isImage())
+                continue;
+            int32_t& stride = m_data[i].shape.stride;
+            stride += static_cast<int32_t>(elements);
+            if (argument(i).role == Role::source && addStrideTo(m_data[i].buffer, stride, m_option) != 0)
+                return false;
+        }
+    }
+    return true;
+}
+
+bool TestCase::prepareOutputs()
+{
+    for (size_t i = 0; i < m_data.size(); i++) {
+        if (!argument(i).isOutput())
+            continue;
+        if (!m_data[i].buffer.Shape(m_data[i].shape, m_option, true))
+            return false;
+        if (argument(i).role == Role::updated)
+            copyWindow(m_data[i].initial, m_data[i].buffer);
+    }
+    return true;
+}
+
+bool TestCase::expectThisOutput(const Outcome& outcome)
+{
+    m_expectedOutcome = outcome;
+    for (size_t i = 0; i < m_data.size(); i++) {
+        if (!argument(i).isOutput())
+            continue;
+        if (!m_data[i].expected.Shape(packedShape(i), m_option, true))
+            return false;
+        copyWindow(m_data[i].buffer, m_data[i].expected);
+    }
+    return true;
+}
+
+int TestCase::compare(const Outcome& outcome, float tolerance)
+{
+    if (outcome != m_expectedOutcome) {
+        testLog("%s: ref status = %d, count = %u, tst status = %d, count = %u\n", m_function.name.c_str(),
+                m_expectedOutcome.status, m_expectedOutcome.count, outcome.status, outcome.count);
+        return 1;
+    }
+    int failure = 0;
+    for (size_t i = 0; i < m_data.size(); i++) {
+        if (!argument(i).isOutput())
+            continue;
+        failure |= compareImages(m_data[i].expected, m_data[i].buffer, argument(i).element, tolerance);
+        if (!surroundingsAreZero(m_data[i].buffer)) {
+            testLog("%s: argument %zu was written outside its rows\n", m_function.name.c_str(), i);
+            failure = 1;
+        }
+    }
+    return failure;
+}
+
+void TestCase::flush() const
+{
+    for (const ArgumentData& data : m_data)
+        if (!data.buffer.empty())
+            RAVIK_TEST_Buffer_Flush_Invalidate(1, data.buffer.data, static_cast<int>(data.buffer.blockBytes()));
+}
+
+void* TestCase::pointer(size_t index) const
+{
+    if (argument(index).role == Role::null)
+        return nullptr;
+    if (argument(index).role == Role::alias)
+        return pointer(argument(index).aliasOf);
+    return m_data[index].buffer.window<void>();
+}
+
+double TestCase::number(size_t index) const
+{
+    switch (argument(index).role) {
+    case Role::width:
+        return m_width;
+    case Role::height:
+        return m_height;
+    case Role::area:
+        return static_cast<double>(m_width) * m_height;
+    case Role::stride: {
+        const std::vector<size_t> images = m_function.imagesOfStride(index);
+        if (images.empty())
+            return 0;
+        const Argument& image = argument(images[0]);
+        return m_data[image.role == Role::alias ? image.aliasOf : images[0]].buffer.strideBytes();
+    }
+    default:
+        return m_data[index].number;
+    }
+}

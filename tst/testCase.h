@@ -1,0 +1,107 @@
+// One call of a function under test: its inputs, its outputs, and what the outputs should be.
+#pragma once
+
+#include "functionTest.h"
+#include "testBuffer.h"
+
+#include <cstdint>
+#include <cstdio>
+#include <string>
+#include <vector>
+
+enum class ScriptResult;
+
+// A source of random bits: rand() in the harness, a generator of its own where the data are made.
+class RandomBits
+{
+public:
+    virtual ~RandomBits() = default;
+    virtual uint32_t next() = 0; // 32 bits
+
+    // A whole number of low..high.
+    int64_t between(int64_t low, int64_t high);
+    // The bits of a normal float of moderate size: 32-bit Arm flushes subnormal ones, so they and small differences of
+    // them must not come up.
+    uint32_t floatBits();
+};
+
+// A value for a scalar argument.
+double drawScalar(const Argument& argument, RandomBits& random);
+
+// What a control script says about its cases.
+enum class ScriptContent { sources, sourcesAndResults };
+
+struct ScriptField
+{
+    enum class Kind { input, result, count, status };
+    Kind kind;
+    size_t argument; // of inputs and results
+    Element element;
+    bool isArray;
+    std::string title;
+};
+
+// The columns of a function's scripts: the inputs in the order of the arguments, then the results.
+std::vector<ScriptField> scriptFields(const FunctionTest& function, ScriptContent content);
+
+class TestCase
+{
+public:
+    TestCase(const FunctionTest& function, rvkMemOption option);
+
+    // Takes a line of a control script. With ScriptContent::sources the results are left to expectThisOutput().
+    ScriptResult read(FILE* script, const char* dataDirectory, ScriptContent content);
+
+    // Draws a case of the size. Unless it is `packed`, its images begin anywhere in rows that are wider than they need to
+    // be. False when memory is short, here and below.
+    bool draw(uint32_t width, uint32_t height, bool packed, RandomBits& random);
+
+    // Widens the rows of all images that have a stride by `elements`.
+    bool addStride(uint32_t elements);
+
+    // Makes the outputs ready for a call.
+    bool prepareOutputs();
+    std::function<Outcome()> bind() const { return m_function.bind(*this); }
+    Outcome call() const { return bind()(); }
+
+    // Makes what the last call gave the result that the next ones should give.
+    bool expectThisOutput(const Outcome& outcome);
+    // 0 when the last call gave what was expected and wrote nowhere else.
+    int compare(const Outcome& outcome, float tolerance);
+
+    // Flushes and invalidates the caches of every image.
+    void flush() const;
+
+    const FunctionTest& function() const { return m_function; }
+    // What a script holds in a field: an image or a number.
+    const RAVIK_TEST_Buffer& image(const ScriptField& field) const;
+    double scalar(const ScriptField& field) const;
+
+    // What the call passes for an argument.
+    void* pointer(size_t argument) const;
+    double number(size_t argument) const;
+
+private:
+    struct ArgumentData
+    {
+        MemShape_ shape{};          // of an image in the next call
+        RAVIK_TEST_Buffer buffer;   // the image
+        RAVIK_TEST_Buffer initial;  // what an updated image holds before the call
+        RAVIK_TEST_Buffer expected; // what an output should be
+        double number = 0;          // a scalar
+    };
+
+    const Argument& argument(size_t index) const { return m_function.arguments[index]; }
+    RAVIK_TEST_Buffer& inputBuffer(size_t index);
+    MemShape_ packedShape(size_t index) const;
+    void layOut(bool packed, RandomBits& random);
+    bool takeInputs();
+    bool takeResults(const std::vector<double>& numbers);
+
+    const FunctionTest& m_function;
+    rvkMemOption m_option;
+    uint32_t m_width = 1;
+    uint32_t m_height = 1;
+    std::vector<ArgumentData> m_data; // per argument
+    Outcome m_expectedOutcome;
+};
