@@ -38,49 +38,73 @@ RVK_INLINE uint32_t countWord(uint64_t word)
 
 // Word by word, the rest by halves.
 template <class... Source>
-RVK_INLINE uint32_t countWords(size_t length, const Source*... src)
+RVK_INLINE uint32_t countByWords(size_t length, const Source*... src)
 {
     uint32_t count = 0;
-    size_t i = 0;
-    for (; i + 8 <= length; i += 8)
-        count += countWord(bitsOf(loadWord<uint64_t>(src + i)...));
+    for (; length >= 32; length -= 32) {
+        for (size_t i = 0; i < 32; i += 8)
+            count += countWord(bitsOf(loadWord<uint64_t>(src + i)...));
+        ((src += 32), ...);
+    }
+    for (; length >= 8; length -= 8) {
+        count += countWord(bitsOf(loadWord<uint64_t>(src)...));
+        ((src += 8), ...);
+    }
     if (length & 4) {
-        count += countWord(bitsOf(loadWord<uint32_t>(src + i)...));
-        i += 4;
+        count += countWord(bitsOf(loadWord<uint32_t>(src)...));
+        ((src += 4), ...);
     }
     if (length & 2) {
-        count += countWord(bitsOf(loadWord<uint16_t>(src + i)...));
-        i += 2;
+        count += countWord(bitsOf(loadWord<uint16_t>(src)...));
+        ((src += 2), ...);
     }
     if (length & 1)
-        count += countWord(bitsOf(src[i]...));
+        count += countWord(bitsOf(*src...));
     return count;
 }
 
-// Strings shorter than this are counted word by word.
-#if defined(__x86_64__)
-constexpr size_t kFewBytes = 128;
+// Vector by vector, the rest by words.
+template <class... Source>
+RVK_INLINE uint32_t countByVectors(size_t length, const Source*... src)
+{
+    Vec<uint32_t> total = zero<uint32_t>();
+    while (length >= 2 * kBytes) {
+        // 15 pairs of at most 8 bits a byte: 240 still fits a byte.
+        size_t pairs = length / (2 * kBytes);
+        pairs = pairs < 15 ? pairs : 15;
+        length -= pairs * 2 * kBytes;
+        Vec<uint8_t> counts = zero<uint8_t>();
+        for (; pairs; --pairs) {
+            const Vec<uint8_t> first = countBits(bitsOf(load(src)...));
+            const Vec<uint8_t> second = countBits(bitsOf(load(src + kBytes)...));
+            counts = counts + (first + second);
+            ((src += 2 * kBytes), ...);
+        }
+        total = addBytesTo(total, counts);
+    }
+    if (length >= kBytes) {
+        total = addBytesTo(total, countBits(bitsOf(load(src)...)));
+        length -= kBytes;
+        ((src += kBytes), ...);
+    }
+    return reduceAdd(total) + countByWords(length, src...);
+}
+
+// From how many bytes on vectors are faster than words. Without AVX they never are.
+#if defined(__AVX2__)
+constexpr size_t kBytesForVectors = 128;
+#elif defined(__x86_64__)
+constexpr size_t kBytesForVectors = SIZE_MAX;
 #else
-constexpr size_t kFewBytes = kBytes;
+constexpr size_t kBytesForVectors = kBytes;
 #endif
 
 template <class... Source>
 RVK_INLINE uint32_t countString(size_t length, const Source*... src)
 {
-    if (length < kFewBytes)
-        return countWords(length, src...);
-    Vec<uint32_t> total = zero<uint32_t>();
-    size_t i = 0;
-    while (length - i >= kBytes) {
-        // 31 times at most 8 still fits a byte.
-        const size_t vectors = (length - i) / kBytes;
-        const size_t end = i + (vectors < 31 ? vectors : 31) * kBytes;
-        Vec<uint8_t> counts = zero<uint8_t>();
-        for (; i < end; i += kBytes)
-            counts = counts + countBits(bitsOf(load(src + i)...));
-        total = addBytesTo(total, counts);
-    }
-    return reduceAdd(total) + countWords(length - i, src + i...);
+    if (length < kBytesForVectors)
+        return countByWords(length, src...);
+    return countByVectors(length, src...);
 }
 
 } // namespace

@@ -65,10 +65,10 @@ RVK_INLINE void fillRow(size_t width, T* dst, const Vecs<T, channels>& pattern)
         storePartial(dst, pattern, width);
         return;
     }
-    const size_t tail = width - step; // a multiple of `channels`, so the pattern fits there too
-    for (size_t x = 0; x < tail; x += step)
-        store(dst + x, pattern);
-    store(dst + tail, pattern);
+    T* const tail = dst + (width - step); // a multiple of `channels` on, so the pattern fits there too
+    for (; dst < tail; dst += step)
+        store(dst, pattern);
+    store(tail, pattern);
 }
 
 // Every lane `channels` times: the k-th vector of that.
@@ -113,15 +113,16 @@ RVK_INLINE void fillSelectedRow(size_t width, T* dst, const uint8_t* mask, const
         __builtin_memcpy(dst, pixels, width * channels * sizeof(T));
         return;
     }
-    const size_t tail = width - kPixels;
-    for (size_t x = 0; x < tail; x += kPixels)
-        fillSelectedStep(dst + x * channels, load(mask + x), pattern);
-    fillSelectedStep(dst + tail * channels, load(mask + tail), pattern);
+    T* const dstTail = dst + (width - kPixels) * channels;
+    const uint8_t* const maskTail = mask + (width - kPixels);
+    for (; mask < maskTail; mask += kPixels, dst += kPixels * channels)
+        fillSelectedStep(dst, load(mask), pattern);
+    fillSelectedStep(dstTail, load(maskTail), pattern);
 }
 
 template <class T, size_t channels>
-RVK_INLINE void fillSelected(size_t width, size_t height, Plane<T> dst, const T (&values)[channels],
-                             Plane<const uint8_t> mask)
+__attribute__((noinline)) void fillBits(size_t width, size_t height, Plane<T> dst, const T (&values)[channels],
+                                        Plane<const uint8_t> mask)
 {
     const Vecs<T, channels> pattern = patternOf(values);
     if (dst.packed(width * channels) && (!mask.data || mask.packed(width))) {
@@ -133,6 +134,17 @@ RVK_INLINE void fillSelected(size_t width, size_t height, Plane<T> dst, const T 
             fillSelectedRow(width, dst.row(y), mask.row(y), pattern);
         else
             fillRow(width * channels, dst.row(y), pattern);
+}
+
+// Elements are copied and masks compared as unsigned numbers: as floats, masks would be subnormal and could pass for 0.
+template <class T, size_t channels>
+RVK_INLINE void fillSelected(size_t width, size_t height, Plane<T> dst, const T (&values)[channels],
+                             Plane<const uint8_t> mask)
+{
+    using U = Unsigned<T>;
+    U bits[channels];
+    __builtin_memcpy(bits, values, sizeof bits);
+    fillBits(width, height, Plane{reinterpret_cast<U*>(dst.data), dst.stride}, bits, mask);
 }
 
 } // namespace

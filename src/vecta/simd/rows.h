@@ -66,16 +66,18 @@ RVK_INLINE void mapRow(size_t width, D* dst, Formula formula, const S*... src)
     }
     const size_t tail = width - step;
     const auto last = formula(loadStep<step>(src + tail)...);
-    size_t x = 0;
-    for (; x + 2 * step <= width; x += 2 * step) {
-        const auto first = formula(loadStep<step>(src + x)...);
-        const auto second = formula(loadStep<step>(src + x + step)...);
-        store(dst + x, first);
-        store(dst + x + step, second);
+    D* const dstTail = dst + tail;
+    for (size_t pairs = width / (2 * step); pairs; --pairs) { // pointers, not an index: 32-bit Arm would add it to each
+        const auto first = formula(loadStep<step>(src)...);
+        const auto second = formula(loadStep<step>(src + step)...);
+        store(dst, first);
+        store(dst + step, second);
+        dst += 2 * step;
+        ((src += 2 * step), ...);
     }
-    if (x < tail)
-        store(dst + x, formula(loadStep<step>(src + x)...));
-    store(dst + tail, last);
+    if (dst < dstTail)
+        store(dst, formula(loadStep<step>(src)...));
+    store(dstTail, last);
 }
 
 // dst = formula(sources...) for every element of `width` x `height`. The formula takes a step of each source, a Vec or

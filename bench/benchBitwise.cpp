@@ -1,0 +1,96 @@
+// Bitwise logic and fills. The masks are random bytes: nearly every pixel is selected, as a mask's inside is; the work
+// does not depend on it.
+#include "bench.h"
+
+#include <ravik/bitwise.h>
+
+namespace {
+
+using namespace bench;
+
+constexpr Row kRows[] = {
+    {"rvkBitwiseAndu8", "and u8", streaming(2, 1),
+     RAVIK(rvkBitwiseAndu8(p.in<u8>(0), p.width, p.height, 0, p.in<u8>(1), 0, p.out<u8>(), 0)),
+     OPENCV(cv::bitwise_and(p.matIn<u8>(0), p.matIn<u8>(1), p.matOut<u8>()))},
+    {"rvkBitwiseNotu8", "not u8", streaming(1, 1),
+     RAVIK(rvkBitwiseNotu8(p.in<u8>(), p.width, p.height, 0, p.out<u8>(), 0)),
+     OPENCV(cv::bitwise_not(p.matIn<u8>(), p.matOut<u8>()))},
+    {"rvkBitwiseOrs32", nullptr, streaming(8, 4),
+     RAVIK(rvkBitwiseOrs32(p.in<s32>(0), p.in<s32>(1), p.width, p.height, 0, p.out<s32>(), 0, nullptr, 0)),
+     OPENCV(cv::bitwise_or(p.matIn<s32>(0), p.matIn<s32>(1), p.matOut<s32>()))},
+    {"rvkBitwiseOrs32, mask", nullptr, streaming(9, 4),
+     RAVIK(rvkBitwiseOrs32(p.in<s32>(0), p.in<s32>(1), p.width, p.height, 0, p.out<s32>(), 0, p.in<u8>(), 0)),
+     OPENCV(cv::bitwise_or(p.matIn<s32>(0), p.matIn<s32>(1), p.matOut<s32>(), p.matIn<u8>()))},
+    {"rvkBitwiseOru8", "or u8", streaming(2, 1),
+     RAVIK(rvkBitwiseOru8(p.in<u8>(0), p.width, p.height, 0, p.in<u8>(1), 0, p.out<u8>(), 0, nullptr, 0)),
+     OPENCV(cv::bitwise_or(p.matIn<u8>(0), p.matIn<u8>(1), p.matOut<u8>()))},
+    {"rvkBitwiseOru8, mask", nullptr, streaming(3, 1),
+     RAVIK(rvkBitwiseOru8(p.in<u8>(0), p.width, p.height, 0, p.in<u8>(1), 0, p.out<u8>(), 0, p.in<u8>(2), 0)),
+     OPENCV(cv::bitwise_or(p.matIn<u8>(0), p.matIn<u8>(1), p.matOut<u8>(), p.matIn<u8>(2)))},
+    {"rvkBitwiseXoru8", "xor u8", streaming(2, 1),
+     RAVIK(rvkBitwiseXoru8(p.in<u8>(0), p.width, p.height, 0, p.in<u8>(1), 0, p.out<u8>(), 0)),
+     OPENCV(cv::bitwise_xor(p.matIn<u8>(0), p.matIn<u8>(1), p.matOut<u8>()))},
+
+    {"rvkSetElementsu8", nullptr, streaming(0, 1),
+     RAVIK(rvkSetElementsu8(p.out<u8>(), p.width, p.height, 0, 7, nullptr, 0)), OPENCV(p.matOut<u8>().setTo(7)),
+     LIBYUV(libyuv::SetPlane(p.out<u8>(), static_cast<int>(p.width), static_cast<int>(p.width),
+                             static_cast<int>(p.height), 7))},
+    {"rvkSetElementsu8, mask", nullptr, streaming(2, 1),
+     RAVIK(rvkSetElementsu8(p.out<u8>(), p.width, p.height, 0, 7, p.in<u8>(), 0)),
+     OPENCV(p.matOut<u8>().setTo(7, p.matIn<u8>()))},
+    {"rvkSetElementss32", nullptr, streaming(0, 4),
+     RAVIK(rvkSetElementss32(p.out<s32>(), p.width, p.height, 0, 7, nullptr, 0)), OPENCV(p.matOut<s32>().setTo(7)),
+     LIBYUV(libyuv::ARGBRect(p.out<u8>(), 4 * static_cast<int>(p.width), 0, 0, static_cast<int>(p.width),
+                             static_cast<int>(p.height), 7))},
+    {"rvkSetElementss32, mask", nullptr, streaming(5, 4),
+     RAVIK(rvkSetElementss32(p.out<s32>(), p.width, p.height, 0, 7, p.in<u8>(), 0)),
+     OPENCV(p.matOut<s32>().setTo(7, p.matIn<u8>()))},
+    {"rvkSetElementsf32", nullptr, streaming(0, 4),
+     RAVIK(rvkSetElementsf32(p.out<f32>(), p.width, p.height, 0, 7, nullptr, 0)), OPENCV(p.matOut<f32>().setTo(7))},
+    {"rvkSetElementsf32, mask", nullptr, streaming(5, 4),
+     RAVIK(rvkSetElementsf32(p.out<f32>(), p.width, p.height, 0, 7, p.in<u8>(), 0)),
+     OPENCV(p.matOut<f32>().setTo(7, p.matIn<u8>()))},
+
+    {"rvkSetElementsc3u8", nullptr, streaming(0, 3),
+     RAVIK(rvkSetElementsc3u8(p.out<u8>(), p.width, p.height, 0, 7, 8, 9, nullptr, 0)),
+     OPENCV(p.matOut<u8>(0, 3).setTo(cv::Scalar(7, 8, 9)))},
+    {"rvkSetElementsc3u8, mask", nullptr, streaming(4, 3),
+     RAVIK(rvkSetElementsc3u8(p.out<u8>(), p.width, p.height, 0, 7, 8, 9, p.in<u8>(), 0)),
+     OPENCV(p.matOut<u8>(0, 3).setTo(cv::Scalar(7, 8, 9), p.matIn<u8>()))},
+    {"rvkSetElementsc3s32", nullptr, streaming(0, 12),
+     RAVIK(rvkSetElementsc3s32(p.out<s32>(), p.width, p.height, 0, 7, 8, 9, nullptr, 0)),
+     OPENCV(p.matOut<s32>(0, 3).setTo(cv::Scalar(7, 8, 9)))},
+    {"rvkSetElementsc3s32, mask", nullptr, streaming(13, 12),
+     RAVIK(rvkSetElementsc3s32(p.out<s32>(), p.width, p.height, 0, 7, 8, 9, p.in<u8>(), 0)),
+     OPENCV(p.matOut<s32>(0, 3).setTo(cv::Scalar(7, 8, 9), p.matIn<u8>()))},
+    {"rvkSetElementsc3f32", nullptr, streaming(0, 12),
+     RAVIK(rvkSetElementsc3f32(p.out<f32>(), p.width, p.height, 0, 7, 8, 9, nullptr, 0)),
+     OPENCV(p.matOut<f32>(0, 3).setTo(cv::Scalar(7, 8, 9)))},
+    {"rvkSetElementsc3f32, mask", nullptr, streaming(13, 12),
+     RAVIK(rvkSetElementsc3f32(p.out<f32>(), p.width, p.height, 0, 7, 8, 9, p.in<u8>(), 0)),
+     OPENCV(p.matOut<f32>(0, 3).setTo(cv::Scalar(7, 8, 9), p.matIn<u8>()))},
+
+    {"rvkSetElementsc4u8", nullptr, streaming(0, 4),
+     RAVIK(rvkSetElementsc4u8(p.out<u8>(), p.width, p.height, 0, 7, 8, 9, 10, nullptr, 0)),
+     OPENCV(p.matOut<u8>(0, 4).setTo(cv::Scalar(7, 8, 9, 10))),
+     LIBYUV(libyuv::ARGBRect(p.out<u8>(), 4 * static_cast<int>(p.width), 0, 0, static_cast<int>(p.width),
+                             static_cast<int>(p.height), 0x0a090807))},
+    {"rvkSetElementsc4u8, mask", nullptr, streaming(5, 4),
+     RAVIK(rvkSetElementsc4u8(p.out<u8>(), p.width, p.height, 0, 7, 8, 9, 10, p.in<u8>(), 0)),
+     OPENCV(p.matOut<u8>(0, 4).setTo(cv::Scalar(7, 8, 9, 10), p.matIn<u8>()))},
+    {"rvkSetElementsc4s32", nullptr, streaming(0, 16),
+     RAVIK(rvkSetElementsc4s32(p.out<s32>(), p.width, p.height, 0, 7, 8, 9, 10, nullptr, 0)),
+     OPENCV(p.matOut<s32>(0, 4).setTo(cv::Scalar(7, 8, 9, 10)))},
+    {"rvkSetElementsc4s32, mask", nullptr, streaming(17, 16),
+     RAVIK(rvkSetElementsc4s32(p.out<s32>(), p.width, p.height, 0, 7, 8, 9, 10, p.in<u8>(), 0)),
+     OPENCV(p.matOut<s32>(0, 4).setTo(cv::Scalar(7, 8, 9, 10), p.matIn<u8>()))},
+    {"rvkSetElementsc4f32", nullptr, streaming(0, 16),
+     RAVIK(rvkSetElementsc4f32(p.out<f32>(), p.width, p.height, 0, 7, 8, 9, 10, nullptr, 0)),
+     OPENCV(p.matOut<f32>(0, 4).setTo(cv::Scalar(7, 8, 9, 10)))},
+    {"rvkSetElementsc4f32, mask", nullptr, streaming(17, 16),
+     RAVIK(rvkSetElementsc4f32(p.out<f32>(), p.width, p.height, 0, 7, 8, 9, 10, p.in<u8>(), 0)),
+     OPENCV(p.matOut<f32>(0, 4).setTo(cv::Scalar(7, 8, 9, 10), p.matIn<u8>()))},
+};
+const Rows registered(kRows);
+
+} // namespace
