@@ -10,7 +10,7 @@ trap 'rm -rf "$work"' EXIT
 
 "$nm" -D --defined-only "$library" | awk '$2 != "A" { print $3 }' | sort -u >"$work/exported"
 grep -v '^_ZT\?[NVIS]*K\?9rvkBuffer' "$work/exported" >"$work/functions"
-cat "$include"/ravik/*.h | tr '\n' ' ' | grep -o 'RVK_API [^;(]*(' | grep -o 'rvk[A-Za-z0-9_]* *($' | tr -d ' (' |
+cat "$include"/ravik/*.h | sed 's/class RVK_API/class/' | tr '\n' ' ' | grep -o 'RVK_API [^;(]*(' | grep -o 'rvk[A-Za-z0-9_]* *($' | tr -d ' (' |
     sort -u >"$work/declared"
 
 if ! cmp -s "$work/declared" "$work/functions"; then
