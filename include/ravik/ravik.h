@@ -5,6 +5,7 @@
 #include "arithm.h"
 #include "bitcount.h"
 #include "bitwise.h"
+#include "blur.h"
 #include "buffer.h"
 #include "diff.h"
 #include "frame.h"

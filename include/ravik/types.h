@@ -75,6 +75,10 @@ typedef enum rvkMemOption {
 #define RAVIK_POLICY_WRAP 0u     /* keep the low bits of the exact result */
 #define RAVIK_POLICY_SATURATE 1u /* clamp to the range of the destination */
 
+/* What filters take for the pixels outside the image; other values mean what the function says. */
+#define RAVIK_BORDER_CONSTANT 1u  /* a value given by the caller */
+#define RAVIK_BORDER_REPLICATE 2u /* the nearest pixel inside */
+
 /* Flip directions and clockwise rotations. */
 #define RAVIK_FLIP_HORIZONTAL 1u
 #define RAVIK_FLIP_VERTICAL 2u
