@@ -326,12 +326,6 @@ RVK_INLINE Vec<T> zipHigh(Vec<T> a, Vec<T> b)
     return shuffle(a, b, [](size_t i) { return i / 2 + (1 + i % 2 * 2) * (Vec<T>::lanes / 2); });
 }
 
-template <class T>
-RVK_INLINE Vecs<T, 2> zip(Vec<T> a, Vec<T> b)
-{
-    return {zipLow(a, b), zipHigh(a, b)};
-}
-
 // The lanes with an even or odd number of a followed by b.
 template <class T>
 RVK_INLINE Vec<T> unzipEven(Vec<T> a, Vec<T> b)
@@ -356,6 +350,20 @@ RVK_INLINE Vecs<T, 2> zipInLanes(Vec<T> a, Vec<T> b)
     return {shuffle(a, b, [](size_t i) { return i / kBlock<T> * kBlock<T> + i % kBlock<T> / 2 + i % 2 * Vec<T>::lanes; }),
             shuffle(a, b, [](size_t i) {
                 return i / kBlock<T> * kBlock<T> + kBlock<T> / 2 + i % kBlock<T> / 2 + i % 2 * Vec<T>::lanes; })};
+}
+
+// zipLow and zipHigh. Where there are two blocks, both halves are made of the same two vectors.
+template <class T>
+RVK_INLINE Vecs<T, 2> zip(Vec<T> a, Vec<T> b)
+{
+    if constexpr (kBytes == 32) {
+        constexpr size_t n = kBlock<T>;
+        const Vecs<T, 2> z = zipInLanes(a, b);
+        return {shuffle(z[0], z[1], [](size_t i) { return i % n + i / n * 2 * n; }),
+                shuffle(z[0], z[1], [](size_t i) { return i % n + i / n * 2 * n + n; })};
+    } else {
+        return {zipLow(a, b), zipHigh(a, b)};
+    }
 }
 
 // ---- comparison and selection -------------------------------------------------------------------------------------------

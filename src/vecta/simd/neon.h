@@ -368,13 +368,16 @@ RVK_INLINE Table256 prepare(const uint8_t table[256])
     return {table};
 }
 
-// The 32 bytes at p; p moves on to the next.
+// The 32 bytes at p; p moves on to the next. (The intrinsic for it is missing in g++, and makes clang believe that p is
+// aligned.)
 RVK_INLINE uint8x8x4_t loadEighth(const uint8_t*& p)
 {
 #if defined(__clang__)
-    const uint8x8x4_t t = vld1_u8_x4(p);
+    const uint8x16_t a = vld1q_u8(p), b = vld1q_u8(p + 16);
+    const uint8x8x4_t t = {{vget_low_u8(a), vget_high_u8(a), vget_low_u8(b), vget_high_u8(b)}};
     p += 32;
-#else // g++ has no such intrinsic for 32-bit Arm, and spreads four loads over as many pointers
+    __asm__ volatile("" : "+r"(p)); // or it would keep a pointer for each load
+#else
     uint8x8x4_t t;
     __asm__("vld1.8 %h0, [%1]!" : "=w"(t), "+r"(p) : : "memory");
 #endif

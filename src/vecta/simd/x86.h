@@ -178,6 +178,8 @@ RVK_COMPARISONS(uint16_t, epu16, epi16)
 RVK_COMPARISONS(int16_t, epi16, epi16)
 RVK_COMPARISONS(uint32_t, epu32, epi32)
 RVK_COMPARISONS(int32_t, epi32, epi32)
+RVK_COMPARISONS(uint64_t, epu64, epi64)
+RVK_COMPARISONS(int64_t, epi64, epi64)
 #undef RVK_COMPARISONS
 
 RVK_INLINE Mask<float> equal(Vec<float> a, Vec<float> b) { return {_mm512_cmp_ps_mask(floatReg(a), floatReg(b), _CMP_EQ_OQ)}; }
@@ -544,34 +546,16 @@ RVK_INLINE Vec<int64_t> addTo(Vec<int64_t> acc, Vec<int32_t> v)
 
 #if RVK_AVX512
 
-// Channel c of n vectors' worth of pixels of n channels: two vectors at a time, a lane is taken when it comes by.
-template <size_t c, class T>
-RVK_INLINE Vec<T> channelOf(const Vecs<T, 3>& m)
+template <size_t count, class T>
+RVK_INLINE Vecs<T, count> loadSpread(const T* p)
 {
-    const Vec<T> two = shuffle(m[0], m[1], [](size_t i) { return 3 * i + c < 2 * Vec<T>::lanes ? 3 * i + c : 0; });
-    return shuffle(two, m[2], [](size_t i) { return 3 * i + c < 2 * Vec<T>::lanes ? i : 3 * i + c - Vec<T>::lanes; });
+    return loadVecs<count>(p);
 }
 
-template <class T>
-RVK_INLINE Vecs<T, 3> load3(const T* p)
+template <class T, size_t count>
+RVK_INLINE void storeSpread(T* p, const Vecs<T, count>& v)
 {
-    const Vecs<T, 3> m = loadVecs<3>(p);
-    return {channelOf<0>(m), channelOf<1>(m), channelOf<2>(m)};
-}
-
-template <size_t k, class T>
-RVK_INLINE Vec<T> pixelsOf(const Vecs<T, 3>& v)
-{
-    constexpr size_t first = k * Vec<T>::lanes;
-    const Vec<T> two = shuffle(v[0], v[1], [](size_t i) {
-        return (first + i) / 3 + ((first + i) % 3 == 1 ? Vec<T>::lanes : 0); });
-    return shuffle(two, v[2], [](size_t i) { return (first + i) % 3 == 2 ? (first + i) / 3 + Vec<T>::lanes : i; });
-}
-
-template <class T>
-RVK_INLINE void store3(T* p, const Vecs<T, 3>& v)
-{
-    store(p, Vecs<T, 3>{pixelsOf<0>(v), pixelsOf<1>(v), pixelsOf<2>(v)});
+    store(p, v);
 }
 
 template <class T>
@@ -587,21 +571,67 @@ RVK_INLINE void store2(T* p, const Vecs<T, 2>& v)
     store(p, zip(v[0], v[1]));
 }
 
+// b in the lanes where `lanes` has a bit, a elsewhere. The compilers must not know the bits: clang would merge such blends with
+// the shuffle next to them into permutations of two registers, which take longer.
+template <class T>
+RVK_INLINE Vec<T> blend(uint64_t lanes, Vec<T> a, Vec<T> b)
+{
+    __asm__("" : "+r"(lanes));
+    return select(Mask<T>{static_cast<typename Mask<T>::Bits>(lanes)}, b, a);
+}
+
+// The same with a bit for each of the four blocks.
+template <class T>
+RVK_INLINE Vec<T> blendBlocks(unsigned blocks, Vec<T> a, Vec<T> b)
+{
+    const unsigned pairs = (blocks & 1) * 3 | (blocks & 2) * 6 | (blocks & 4) * 12 | (blocks & 8) * 24;
+    return bitCast<T>(blend(pairs, bitCast<uint64_t>(a), bitCast<uint64_t>(b)));
+}
+
+// Vector i of the result has block (i + k) % 4 of vector k, in its place, for all k.
+template <class T>
+RVK_INLINE Vecs<T, 4> diagonals(const Vecs<T, 4>& v)
+{
+    const Vec<T> a = blendBlocks(0b1010, v[0], v[1]), b = blendBlocks(0b0101, v[0], v[1]);
+    const Vec<T> c = blendBlocks(0b1010, v[2], v[3]), d = blendBlocks(0b0101, v[2], v[3]);
+    return {blendBlocks(0b1100, a, c), blendBlocks(0b1001, b, d), blendBlocks(0b0011, a, c), blendBlocks(0b0110, b, d)};
+}
+
+// Block i of the result is block (i + n) % 4.
+template <size_t n, class T>
+RVK_INLINE Vec<T> rotateBlocks(Vec<T> v)
+{
+    return shuffle(v, v, [](size_t i) { return (i + n * kBlock<T>) % Vec<T>::lanes; });
+}
+
+// Each channel's elements together in a block; block i has channel (i - k) % 4.
+template <size_t k, class T>
+RVK_INLINE Vec<T> groupChannels(Vec<T> v)
+{
+    return shuffle(v, v, [](size_t i) { return i % kBlock<T> * 4 + (i / kBlock<T> + 4 - k) % 4; });
+}
+
 template <class T>
 RVK_INLINE Vecs<T, 4> load4(const T* p)
 {
     const Vecs<T, 4> m = loadVecs<4>(p);
-    const Vec<T> e0 = unzipEven(m[0], m[1]), e1 = unzipEven(m[2], m[3]);
-    const Vec<T> o0 = unzipOdd(m[0], m[1]), o1 = unzipOdd(m[2], m[3]);
-    return {unzipEven(e0, e1), unzipEven(o0, o1), unzipOdd(e0, e1), unzipOdd(o0, o1)};
+    const Vecs<T, 4> d = diagonals(
+        Vecs<T, 4>{groupChannels<0>(m[0]), groupChannels<1>(m[1]), groupChannels<2>(m[2]), groupChannels<3>(m[3])});
+    return {d[0], rotateBlocks<1>(d[1]), rotateBlocks<2>(d[2]), rotateBlocks<3>(d[3])};
+}
+
+// The reverse of groupChannels.
+template <size_t k, class T>
+RVK_INLINE Vec<T> ungroupChannels(Vec<T> v)
+{
+    return shuffle(v, v, [](size_t i) { return (i + k) % 4 * kBlock<T> + i / 4; });
 }
 
 template <class T>
 RVK_INLINE void store4(T* p, const Vecs<T, 4>& v)
 {
-    const Vecs<T, 2> even = zip(v[0], v[2]), odd = zip(v[1], v[3]);
-    const Vecs<T, 2> low = zip(even[0], odd[0]), high = zip(even[1], odd[1]);
-    store(p, Vecs<T, 4>{low[0], low[1], high[0], high[1]});
+    const Vecs<T, 4> d = diagonals(Vecs<T, 4>{v[0], rotateBlocks<3>(v[1]), rotateBlocks<2>(v[2]), rotateBlocks<1>(v[3])});
+    store(p, Vecs<T, 4>{ungroupChannels<0>(d[0]), ungroupChannels<1>(d[1]), ungroupChannels<2>(d[2]), ungroupChannels<3>(d[3])});
 }
 
 #else
@@ -684,51 +714,6 @@ RVK_INLINE void store2(T* p, const Vecs<T, 2>& v)
     storeSpread(p, zipInLanes(v[0], v[1]));
 }
 
-// In each block: the positions that hold channel c of interleaved triples differ between the three vectors, so blending
-// collects a channel, and one shuffle orders it.
-template <size_t c, class T>
-RVK_INLINE Vec<T> channelOf(const Vecs<T, 3>& m)
-{
-    constexpr size_t n = kBlock<T>;
-    const Vec<T> two = shuffle(m[0], m[1], [](size_t i) { return (i % n + n) % 3 == c ? i + Vec<T>::lanes : i; });
-    const Vec<T> all = shuffle(two, m[2], [](size_t i) { return (i % n + 2 * n) % 3 == c ? i + Vec<T>::lanes : i; });
-    return shuffle(all, all, [](size_t i) { return i / n * n + (i % n * 3 + c) % n; });
-}
-
-template <class T>
-RVK_INLINE Vecs<T, 3> load3(const T* p)
-{
-    const Vecs<T, 3> m = loadSpread<3>(p);
-    return {channelOf<0>(m), channelOf<1>(m), channelOf<2>(m)};
-}
-
-// The reverse: lane p of a block receives the element that channelOf takes from there.
-template <size_t c, class T>
-RVK_INLINE Vec<T> spreadChannel(Vec<T> v)
-{
-    constexpr size_t n = kBlock<T>;
-    return shuffle(v, v, [](size_t i) {
-        size_t pixel = 0;
-        while ((pixel * 3 + c) % n != i % n)
-            ++pixel;
-        return i / n * n + pixel; });
-}
-
-template <size_t k, class T>
-RVK_INLINE Vec<T> pixelsOf(const Vecs<T, 3>& spread)
-{
-    constexpr size_t n = kBlock<T>;
-    const Vec<T> two = shuffle(spread[0], spread[1], [](size_t i) { return (i % n + k * n) % 3 == 1 ? i + Vec<T>::lanes : i; });
-    return shuffle(two, spread[2], [](size_t i) { return (i % n + k * n) % 3 == 2 ? i + Vec<T>::lanes : i; });
-}
-
-template <class T>
-RVK_INLINE void store3(T* p, const Vecs<T, 3>& v)
-{
-    const Vecs<T, 3> s = {spreadChannel<0>(v[0]), spreadChannel<1>(v[1]), spreadChannel<2>(v[2])};
-    storeSpread(p, Vecs<T, 3>{pixelsOf<0>(s), pixelsOf<1>(s), pixelsOf<2>(s)});
-}
-
 // The channels of the pixels in 4 bytes of each block stand together after one shuffle; the rest transposes 4 x 4 such groups.
 template <class T>
 RVK_INLINE Vec<uint32_t> groupChannels(Vec<T> v)
@@ -760,6 +745,63 @@ RVK_INLINE void store4(T* p, const Vecs<T, 4>& v)
 }
 
 #endif
+
+// The lanes among which one shuffle moves elements freely.
+template <class T> constexpr size_t kReach = RVK_AVX512 ? Vec<T>::lanes : kBlock<T>;
+
+// a, but b in the lanes i for which (i + offset) % 3 == c, counted among those lanes.
+template <size_t offset, size_t c, class T>
+RVK_INLINE Vec<T> takeThird(Vec<T> a, Vec<T> b)
+{
+#if RVK_AVX512
+    return blend(0x9249249249249249 << (c + 2 * offset) % 3, a, b);
+#else
+    return shuffle(a, b, [](size_t i) { return (i % kReach<T> + offset) % 3 == c ? i + Vec<T>::lanes : i; });
+#endif
+}
+
+// Among those lanes: the positions that hold channel c of interleaved triples differ between the three vectors, so blending
+// collects a channel, and one shuffle orders it.
+template <size_t c, class T>
+RVK_INLINE Vec<T> channelOf(const Vecs<T, 3>& m)
+{
+    constexpr size_t n = kReach<T>;
+    const Vec<T> all = takeThird<2 * n, c>(takeThird<n, c>(m[0], m[1]), m[2]);
+    return shuffle(all, all, [](size_t i) { return i / n * n + (i % n * 3 + c) % n; });
+}
+
+template <class T>
+RVK_INLINE Vecs<T, 3> load3(const T* p)
+{
+    const Vecs<T, 3> m = loadSpread<3>(p);
+    return {channelOf<0>(m), channelOf<1>(m), channelOf<2>(m)};
+}
+
+// The reverse: a lane receives the element that channelOf takes from there.
+template <size_t c, class T>
+RVK_INLINE Vec<T> spreadChannel(Vec<T> v)
+{
+    constexpr size_t n = kReach<T>;
+    return shuffle(v, v, [](size_t i) {
+        size_t pixel = 0;
+        while ((pixel * 3 + c) % n != i % n)
+            ++pixel;
+        return i / n * n + pixel; });
+}
+
+template <size_t k, class T>
+RVK_INLINE Vec<T> pixelsOf(const Vecs<T, 3>& spread)
+{
+    constexpr size_t first = k * kReach<T>;
+    return takeThird<first, 2>(takeThird<first, 1>(spread[0], spread[1]), spread[2]);
+}
+
+template <class T>
+RVK_INLINE void store3(T* p, const Vecs<T, 3>& v)
+{
+    const Vecs<T, 3> s = {spreadChannel<0>(v[0]), spreadChannel<1>(v[1]), spreadChannel<2>(v[2])};
+    storeSpread(p, Vecs<T, 3>{pixelsOf<0>(s), pixelsOf<1>(s), pixelsOf<2>(s)});
+}
 
 } // namespace
 } // namespace rvk::vecta::RVK_ISA
