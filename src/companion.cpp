@@ -8,7 +8,7 @@
 
 namespace rvk {
 
-CompanionSession companionSession = {};
+constinit CompanionSession companionSession = {};
 
 // Function table, hooks and callers may keep addresses from the library after the last reference to it is dropped, hence
 // RTLD_NODELETE.

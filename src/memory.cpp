@@ -7,9 +7,9 @@
 
 namespace rvk {
 
-SystemAllocator systemAllocator = {malloc, free};
-std::atomic<SharedMemAlloc*> sharedMemAllocHook = nullptr;
-std::atomic<SharedMemFree*> sharedMemFreeHook = nullptr;
+constinit SystemAllocator systemAllocator = {malloc, free};
+constinit std::atomic<SharedMemAlloc*> sharedMemAllocHook = nullptr;
+constinit std::atomic<SharedMemFree*> sharedMemFreeHook = nullptr;
 
 namespace {
 

@@ -40,8 +40,8 @@ struct Slot {
     std::atomic<uint32_t> inUse;
 };
 
-Slot slots[32];
-std::atomic<bool> poolReady;
+constinit Slot slots[32] = {};
+constinit std::atomic<bool> poolReady = false;
 
 void writeHeader(void* user, uint32_t tag, const void* word)
 {
@@ -176,14 +176,14 @@ void localRelease(void* ptr)
 using GetAligned = void*(uint32_t size, uint32_t alignment);
 using GetUnaligned = void*(uint32_t size);
 using Release = void(void* ptr);
-std::atomic<GetAligned*> getAligned = localGetAligned;
-std::atomic<GetUnaligned*> getUnaligned = localGetUnaligned;
-std::atomic<Release*> release = localRelease;
+constinit std::atomic<GetAligned*> getAligned = localGetAligned;
+constinit std::atomic<GetUnaligned*> getUnaligned = localGetUnaligned;
+constinit std::atomic<Release*> release = localRelease;
 
 using MemoryCall = void();
-std::atomic<MemoryCall*> companionMemInit;
-std::atomic<MemoryCall*> companionMemDeInit;
-std::atomic<void*> companionMemoryLibrary; // reference held from the look-up to rvkMemDeInit
+constinit std::atomic<MemoryCall*> companionMemInit = nullptr;
+constinit std::atomic<MemoryCall*> companionMemDeInit = nullptr;
+constinit std::atomic<void*> companionMemoryLibrary = nullptr; // reference held from the look-up to rvkMemDeInit
 
 void lookUpCompanionMemory()
 {
@@ -202,7 +202,7 @@ void lookUpCompanionMemory()
 }
 
 // How often the pool has been asked for. Both under the mutex.
-std::mutex poolMutex;
+constinit std::mutex poolMutex;
 uint32_t poolUsers;
 bool memoryInitialised;
 

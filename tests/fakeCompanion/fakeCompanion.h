@@ -4,6 +4,7 @@
 
 #include "manager.h"
 
+#include <cstdarg>
 #include <cstdio>
 #include <cstring>
 
@@ -14,10 +15,12 @@ struct FakeCompanion {
     RVK_FUNC_MANAGER* manager; // last one received
     bool refusesMemory;        // the shared-memory allocation hook returns null
 
-    template <class... Values>
-    void note(const char* format, Values... values)
+    __attribute__((format(printf, 2, 3))) void note(const char* format, ...)
     {
         const size_t used = strlen(events);
-        snprintf(events + used, sizeof events - used, format, values...);
+        va_list values;
+        va_start(values, format);
+        vsnprintf(events + used, sizeof events - used, format, values);
+        va_end(values);
     }
 };
