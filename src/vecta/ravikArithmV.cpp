@@ -46,10 +46,11 @@ RVK_INLINE Vecs<int16_t, 2> asSigned(Vecs<uint16_t, 2> v)
 
 // ---- scales --------------------------------------------------------------------------------------------------------
 
-// Whether the vector code has the shift for a scale. The others make no sense for the type; the reference does them.
-RVK_INLINE bool isShift(int32_t scale, int32_t productBits)
+// Whether the vector code has the shift for a scale: below 16 to the left, below `limit` to the right. What lies beyond
+// makes no sense for the type; the reference does it.
+RVK_INLINE bool isShift(int32_t scale, int32_t limit)
 {
-    return -16 < scale && scale < productBits;
+    return -16 < scale && scale < limit;
 }
 
 // (v + 2^(count - 1)) >> count, without overflow of the sum. The count is at least 1.
@@ -62,13 +63,19 @@ RVK_INLINE Vec<uint16_t> shiftRightRounded(Vec<uint16_t> v, int32_t count)
 #endif
 }
 
+// The same for products of 16-bit integers and counts of 30 at most.
 RVK_INLINE Vec<int32_t> shiftRightRounded(Vec<int32_t> v, int32_t count)
 {
 #if defined(__ARM_NEON)
     return vec(vrshlq_s32(reg(v), vdupq_n_s32(-count)));
 #else
-    return shiftRight(shiftRight(v, static_cast<unsigned>(count - 1)) + splat<int32_t>(1), 1);
+    return shiftRight(v + splat(1 << (count - 1)), static_cast<unsigned>(count));
 #endif
+}
+
+RVK_INLINE Vecs<int32_t, 2> shiftRightRounded(Vecs<int32_t, 2> v, int32_t count)
+{
+    return both(v, [=](auto half) RVK_INLINE_LAMBDA { return shiftRightRounded(half, count); });
 }
 
 // min(v << count, top).
@@ -78,37 +85,96 @@ RVK_INLINE Vec<uint16_t> shiftLeftClamped(Vec<uint16_t> v, int32_t count, uint16
     return select(greater(v, largest), splat(top), shiftLeft(v, static_cast<unsigned>(count)));
 }
 
-// dst = products * 2^-scale, where products gives the exact products of vectors from the sources.
-template <class Products, class... S>
-RVK_INLINE rvkStatus scaleProducts(uint32_t width, uint32_t height, uint32_t policy, int32_t scale, Plane<int16_t> dst,
-                                   Products products, Plane<const S>... sources)
+// dst = a product of bytes * 2^-scale. The products come as halves of 16 bits, and the conversions put their low bits
+// or their values, which are below 2^15, together again.
+template <class D, class Products, class Wrap, class Saturate>
+RVK_INLINE rvkStatus scaleByteProducts(uint32_t width, uint32_t height, uint32_t policy, int32_t scale, Plane<D> dst,
+                                       Products products, Wrap toWrapped, Saturate toSaturated,
+                                       Plane<const uint8_t> src1, Plane<const uint8_t> src2)
+{
+    constexpr uint16_t top = isSame<D, uint8_t> ? UINT8_MAX : INT16_MAX;
+    const auto shifted = [=](auto shift, auto convert) RVK_INLINE_LAMBDA {
+        return [=](auto a, auto b) RVK_INLINE_LAMBDA { return convert(both(products(a, b), shift)); };
+    };
+    if (scale >= 1) {
+        const auto right = [=](auto p) RVK_INLINE_LAMBDA { return shiftRightRounded(p, scale); };
+        return mapByPolicy(width, height, policy, dst, shifted(right, toWrapped), shifted(right, toSaturated), src1,
+                           src2);
+    }
+    const auto left = [=](auto p) RVK_INLINE_LAMBDA { return shiftLeft(p, static_cast<unsigned>(-scale)); };
+    const auto leftClamped = [=](auto p) RVK_INLINE_LAMBDA { return shiftLeftClamped(p, -scale, top); };
+    return mapByPolicy(width, height, policy, dst, shifted(left, toWrapped), shifted(leftClamped, toSaturated), src1,
+                       src2);
+}
+
+// dst = a product of 16-bit integers * 2^-scale; scaledDown gives the products after a shift to the right.
+template <class Products, class ScaledDown, class... S>
+RVK_INLINE rvkStatus scaleShortProducts(uint32_t width, uint32_t height, uint32_t policy, int32_t scale,
+                                        Plane<int16_t> dst, Products products, ScaledDown scaledDown,
+                                        Plane<const S>... sources)
 {
     if (scale >= 1) {
-        const auto rounded = [=](auto... v) RVK_INLINE_LAMBDA {
-            return both(products(v...), [=](auto p) RVK_INLINE_LAMBDA { return shiftRightRounded(p, scale); });
-        };
-        const auto wrapped = [=](auto... v) RVK_INLINE_LAMBDA { return narrowInLanes(rounded(v...)); };
-        const auto saturated = [=](auto... v) RVK_INLINE_LAMBDA { return narrowSatInLanes<int16_t>(rounded(v...)); };
+        const auto wrapped = [=](auto... v) RVK_INLINE_LAMBDA { return narrowInLanes(scaledDown(v...)); };
+        const auto saturated = [=](auto... v) RVK_INLINE_LAMBDA { return narrowSatInLanes<int16_t>(scaledDown(v...)); };
         return mapByPolicy(width, height, policy, dst, wrapped, saturated, sources...);
     }
     const unsigned count = static_cast<unsigned>(-scale);
     const auto wrapped = [=](auto... v) RVK_INLINE_LAMBDA { return shiftLeft(narrowInLanes(products(v...)), count); };
     // Clamping the products first changes nothing and leaves room for the shift.
+    const auto shifted = [=](auto p) RVK_INLINE_LAMBDA {
+        return shiftLeft(max(min(p, splat<int32_t>(INT16_MAX)), splat<int32_t>(INT16_MIN)), count);
+    };
     const auto saturated = [=](auto... v) RVK_INLINE_LAMBDA {
-        return narrowSatInLanes<int16_t>(both(products(v...), [=](auto p) RVK_INLINE_LAMBDA {
-            return shiftLeft(max(min(p, splat<int32_t>(INT16_MAX)), splat<int32_t>(INT16_MIN)), count);
-        }));
+        return narrowSatInLanes<int16_t>(both(products(v...), shifted));
     };
     return mapByPolicy(width, height, policy, dst, wrapped, saturated, sources...);
 }
 
-// ---- weights -------------------------------------------------------------------------------------------------------
-
-// (a * weight1 + b * weight2 + 128) >> 8, clamped, for all 16-bit weights.
-RVK_INLINE Vec<uint8_t> addWeighted(Vec<uint8_t> a, Vec<uint8_t> b, int32_t weight1, int32_t weight2)
+// shiftRightRounded of the products with a number; the count is 1 to 29.
+RVK_INLINE Vecs<int32_t, 2> multiplyAndShift(Vec<int16_t> v, int16_t factor, int32_t count)
 {
 #if defined(__ARM_NEON)
-    const Vecs<int16_t, 2> wideA = asSigned(widen(a)), wideB = asSigned(widen(b));
+    return shiftRightRounded(multiplyWideInLanes(v, splat(factor)), count);
+#else
+    // The rounding term is a product as well, so that one instruction forms the sum of both.
+    const int32_t half = count < 15 ? count - 1 : 14;
+    const auto rounded = [=](Vec<int16_t> pairs) RVK_INLINE_LAMBDA {
+        const uint32_t factors = static_cast<uint16_t>(factor) | (1u << (count - 1 - half)) << 16;
+        return shiftRight(dotPairs(pairs, bitCast<int16_t>(splat(factors))), static_cast<unsigned>(count));
+    };
+    const Vecs<int16_t, 2> pairs = zipInLanes(v, splat(static_cast<int16_t>(1 << half)));
+    return {rounded(pairs[0]), rounded(pairs[1])};
+#endif
+}
+
+// ---- weights -------------------------------------------------------------------------------------------------------
+
+// (a * weight1 + b * weight2 + 128) >> 8, clamped, twice: blends, whose weights are not negative and together at most
+// 256, need only 16 bits.
+RVK_INLINE bool areBlend(int32_t weight1, int32_t weight2)
+{
+    return 0 <= weight1 && weight1 <= 255 && 0 <= weight2 && weight2 <= 255 && weight1 + weight2 <= 256;
+}
+
+#if defined(__ARM_NEON)
+
+RVK_INLINE Vec<uint8_t> blend(Vec<uint8_t> a, Vec<uint8_t> b, int32_t weight1, int32_t weight2)
+{
+    const uint8x8_t factor1 = vdup_n_u8(static_cast<uint8_t>(weight1));
+    const uint8x8_t factor2 = vdup_n_u8(static_cast<uint8_t>(weight2));
+    const auto half = [=](uint8x8_t v, uint8x8_t w) RVK_INLINE_LAMBDA {
+        return vrshrn_n_u16(vmlal_u8(vmull_u8(v, factor1), w, factor2), 8);
+    };
+    return join(half(lowHalf(a), lowHalf(b)), half(highHalf(a), highHalf(b)));
+}
+
+RVK_INLINE bool canAddWeighted(int32_t)
+{
+    return true;
+}
+
+RVK_INLINE Vec<uint8_t> addWeighted(Vec<uint8_t> a, Vec<uint8_t> b, int32_t weight1, int32_t weight2)
+{
     const int16x4_t factor1 = vdup_n_s16(static_cast<int16_t>(weight1));
     const int16x4_t factor2 = vdup_n_s16(static_cast<int16_t>(weight2));
     const auto quarter = [=](int16x4_t v, int16x4_t w) RVK_INLINE_LAMBDA {
@@ -117,81 +183,129 @@ RVK_INLINE Vec<uint8_t> addWeighted(Vec<uint8_t> a, Vec<uint8_t> b, int32_t weig
     const auto half = [=](Vec<int16_t> v, Vec<int16_t> w) RVK_INLINE_LAMBDA {
         return vqmovn_u16(vcombine_u16(quarter(lowHalf(v), lowHalf(w)), quarter(highHalf(v), highHalf(w))));
     };
+    const Vecs<int16_t, 2> wideA = asSigned(widen(a)), wideB = asSigned(widen(b));
     return join(half(wideA[0], wideB[0]), half(wideA[1], wideB[1]));
+}
+
 #else
-    const uint32_t weights = static_cast<uint16_t>(weight1) | static_cast<uint32_t>(weight2) << 16;
-    const auto weighted = [=](Vec<uint16_t> pairs) RVK_INLINE_LAMBDA {
-        const Vec<int32_t> sums = dotPairs(bitCast<int16_t>(pairs), bitCast<int16_t>(splat(weights)));
-        return shiftRight(sums + splat<int32_t>(128), 8);
-    };
-    const Vecs<uint8_t, 2> pairs = zipInLanes(a, b);
-    return narrowSatInLanes<uint8_t>(
-        Vecs<int16_t, 2>{narrowSatInLanes<int16_t>(both(widenInLanes(pairs[0]), weighted)),
-                         narrowSatInLanes<int16_t>(both(widenInLanes(pairs[1]), weighted))});
-#endif
-}
 
-// Weights that blend: neither negative, no sum of products above 255.
-RVK_INLINE bool areBlend(int32_t weight1, int32_t weight2)
+// Products of bytes with signed bytes, neighbours added, saturated.
+RVK_INLINE Vec<int16_t> dotPairs(Vec<uint8_t> a, Vec<int8_t> b)
 {
-    return 0 <= weight1 && weight1 <= 255 && 0 <= weight2 && weight2 <= 255 && weight1 + weight2 <= 256;
+    return vec<int16_t>(RVK_MM(maddubs_epi16)(reg(a), reg(b)));
 }
 
-// addWeighted for such weights, in unsigned 16-bit integers.
+// Pairs of bytes in memory order.
+RVK_INLINE Vec<uint8_t> splatPair(int32_t first, int32_t second)
+{
+    return bitCast<uint8_t>(splat(static_cast<uint16_t>((first & 255) | (second & 255) << 8)));
+}
+
+// The pixels are the signed bytes here, moved by -128. What the sum lacks for that comes with the rounding term.
 RVK_INLINE Vec<uint8_t> blend(Vec<uint8_t> a, Vec<uint8_t> b, int32_t weight1, int32_t weight2)
 {
-#if defined(__ARM_NEON)
-    const uint8x8_t factor1 = vdup_n_u8(static_cast<uint8_t>(weight1));
-    const uint8x8_t factor2 = vdup_n_u8(static_cast<uint8_t>(weight2));
-    const auto half = [=](uint8x8_t v, uint8x8_t w)
-                          RVK_INLINE_LAMBDA { return vrshrn_n_u16(vmlal_u8(vmull_u8(v, factor1), w, factor2), 8); };
-    return join(half(lowHalf(a), lowHalf(b)), half(highHalf(a), highHalf(b)));
-#else
-    // One instruction adds products of neighbours, unsigned by signed. So the pixels are moved to -128..127, and what
-    // the sum lacks for that comes with the rounding term.
-    const Vec<uint8_t> weights = bitCast<uint8_t>(splat(static_cast<uint16_t>(weight1 | weight2 << 8)));
+    const Vec<uint8_t> offset = splat<uint8_t>(128);
     const Vec<uint16_t> correction = splat(static_cast<uint16_t>(128 * (weight1 + weight2) + 128));
-    const Vecs<uint8_t, 2> pairs = zipInLanes(a ^ splat<uint8_t>(128), b ^ splat<uint8_t>(128));
-    const auto blended = [=](Vec<uint8_t> p) RVK_INLINE_LAMBDA {
-        const Vec<uint16_t> sums = vec<uint16_t>(RVK_MM(maddubs_epi16)(reg(weights), reg(p)));
-        return bitCast<int16_t>(shiftRight(sums + correction, 8));
+    const auto blended = [=](auto pairs) RVK_INLINE_LAMBDA {
+        const Vec<int16_t> sum = dotPairs(splatPair(weight1, weight2), bitCast<int8_t>(pairs));
+        return shiftRight(bitCast<uint16_t>(sum) + correction, 8);
     };
-    return narrowSatInLanes<uint8_t>(both(pairs, blended));
-#endif
+    return narrowSatInLanes<uint8_t>(asSigned(both(zipInLanes(a ^ offset, b ^ offset), blended)));
 }
 
-// ---- averages
-// -----------------------------------------------------------------------------------------------------------
+// The weights are the signed bytes here, two each: weight = 128 * high + low with low in -64..63. Then
+//     (a * weight1 + b * weight2 + 128) >> 8  =  (H + (L >> 7) + 1) >> 1
+// for the sums H and L of either part. L fits 16 bits. Where H does not, the result is far outside 0..255, and so is
+// what saturated sums make of it.
+RVK_INLINE int32_t highPart(int32_t weight)
+{
+    return (weight + 64) >> 7;
+}
 
-// The sum of all elements, modulo the width of Sum; add(sums, v) adds the elements of v to any lanes.
-template <class Sum, class T, class Add>
-RVK_INLINE Sum sumOf(size_t width, size_t height, Plane<const T> src, Add add)
+// As a real number, the weight lies between -64.25 and 63.75.
+RVK_INLINE bool canAddWeighted(int32_t weight)
+{
+    return highPart(weight) == static_cast<int8_t>(highPart(weight));
+}
+
+RVK_INLINE Vec<uint8_t> addWeighted(Vec<uint8_t> a, Vec<uint8_t> b, int32_t weight1, int32_t weight2)
+{
+    const int32_t high1 = highPart(weight1), high2 = highPart(weight2);
+    const Vec<int8_t> high = bitCast<int8_t>(splatPair(high1, high2));
+    const Vec<int8_t> low = bitCast<int8_t>(splatPair(weight1 - 128 * high1, weight2 - 128 * high2));
+    const auto weighted = [=](auto pairs) RVK_INLINE_LAMBDA {
+        const Vec<int16_t> sum = addSat(dotPairs(pairs, high), shiftRight(dotPairs(pairs, low), 7));
+        return vec<int16_t>(RVK_MM(mulhrs_epi16)(reg(sum), reg(splat<int16_t>(1 << 14)))); // (sum + 1) >> 1
+    };
+    return narrowSatInLanes<uint8_t>(both(zipInLanes(a, b), weighted));
+}
+
+#endif
+
+// ---- averages ------------------------------------------------------------------------------------------------------
+
+// The sum of bytes modulo 2^32.
+struct ByteSum {
+    Vec<uint32_t> sums = {};
+
+    RVK_INLINE void add(Vec<uint8_t> v) { sums = addBytesTo(sums, v); }
+    RVK_INLINE uint32_t total() const { return reduceAdd(sums); }
+};
+
+// The sum of 32-bit integers modulo 2^64.
+struct IntSum {
+#if defined(__ARM_NEON)
+    Vec<int64_t> sums = {};
+
+    RVK_INLINE void add(Vec<int32_t> v) { sums = addTo(sums, v); }
+    RVK_INLINE int64_t total() const { return reduceAdd(sums); }
+#else
+    // Cheaper than to widen: neighbours are summed as one number, high * 2^32 + low, and the high ones alone as well. The
+    // sign bits are flipped, which adds 2^31 to each and makes all of them positive.
+    Vec<uint64_t> pairs = {}, highs = {};
+    uint64_t vectors = 0;
+
+    RVK_INLINE void add(Vec<int32_t> v)
+    {
+        const Vec<uint64_t> pair = bitCast<uint64_t>(v ^ splat<int32_t>(INT32_MIN));
+        pairs = pairs + pair;
+        highs = highs + shiftRight(pair, 32);
+        ++vectors;
+    }
+    RVK_INLINE int64_t total() const
+    {
+        const uint64_t high = reduceAdd(highs);
+        const uint64_t low = reduceAdd(pairs) - (high << 32);
+        return static_cast<int64_t>(low + high - (vectors * Vec<int32_t>::lanes << 31));
+    }
+#endif
+};
+
+// Adds all elements of an image to `sum`. The last vector of a row ends with it; there, elements that were added before
+// are cleared.
+template <class Sum, class T>
+RVK_INLINE auto addAll(Sum sum, size_t width, size_t height, Plane<const T> src)
 {
     constexpr size_t lanes = Vec<T>::lanes;
     if (src.packed(width)) {
         width *= height;
         height = 1;
     }
-    // The last vector of a row ends with it; its lanes that have been added already are cleared.
     const size_t rest = width % lanes;
-    const auto isRest = greater(iota<Unsigned<T>>(), splat(static_cast<Unsigned<T>>(lanes - 1 - rest)));
-    const Vec<T> restOnly = bitCast<T>(toVec(isRest));
-
-    Vec<Sum> sums[4] = {};
+    const auto inRest = greater(iota<Unsigned<T>>(), splat(static_cast<Unsigned<T>>(lanes - 1 - rest)));
+    const Vec<T> restOnly = bitCast<T>(toVec(inRest));
     for (size_t y = 0; y < height; ++y) {
-        const T* row = src.row(y);
-        size_t x = 0;
-        for (; x + 4 * lanes <= width; x += 4 * lanes)
+        const T* const row = src.row(y);
+        const T* p = row;
+        for (size_t n = width / (4 * lanes); n; --n, p += 4 * lanes)
             for (size_t i = 0; i < 4; ++i)
-                sums[i] = add(sums[i], load(row + x + i * lanes));
-        for (; x + lanes <= width; x += lanes)
-            sums[0] = add(sums[0], load(row + x));
-        if (x > 0)
-            sums[1] = add(sums[1], load(row + width - lanes) & restOnly);
-        else
-            sums[1] = add(sums[1], loadPartial(row, width));
+                sum.add(load(p + i * lanes));
+        for (size_t n = width / lanes % 4; n; --n, p += lanes)
+            sum.add(load(p));
+        if (rest)
+            sum.add(width > lanes ? load(row + width - lanes) & restOnly : loadPartial(row, rest));
     }
-    return reduceAdd((sums[0] + sums[1]) + (sums[2] + sums[3]));
+    return sum.total();
 }
 
 } // namespace
@@ -217,8 +331,9 @@ rvkStatus rvkAddSquaredu8u16V(const uint8_t* src1, uint32_t width, uint32_t heig
     if (!isShift(scale, 16))
         return rvkAddSquaredu8u16C(src1, width, height, src1Stride, src2, src2Stride, scale, dst, dstStride);
     const auto addSquares = [=](auto shift) RVK_INLINE_LAMBDA {
-        const auto formula = [=](Vec<uint8_t> a, Vecs<uint16_t, 2> b)
-                                 RVK_INLINE_LAMBDA { return both(b, both(multiplyWide(a, a), shift), plusSaturating); };
+        const auto formula = [=](auto a, auto b) RVK_INLINE_LAMBDA {
+            return both(b, both(multiplyWide(a, a), shift), plusSaturating);
+        };
         mapImage(width, height, Plane{dst, dstStride}, formula, Plane{src1, src1Stride}, Plane{src2, src2Stride});
         return RAVIK_SUCCESS;
     };
@@ -234,17 +349,17 @@ rvkStatus rvkAddWeightedu8V(const uint8_t* src1, uint32_t width, uint32_t height
                             uint32_t dstStride)
 {
     const int32_t weight1 = fixedPointWeight(alpha), weight2 = fixedPointWeight(beta);
+    const auto blended = [=](auto a, auto b) RVK_INLINE_LAMBDA { return blend(a, b, weight1, weight2); };
+    const auto weighted = [=](auto a, auto b) RVK_INLINE_LAMBDA { return addWeighted(a, b, weight1, weight2); };
+    const auto apply = [=](auto formula) RVK_INLINE_LAMBDA {
+        mapImage(width, height, Plane{dst, dstStride}, formula, Plane{src1, src1Stride}, Plane{src2, src2Stride});
+        return RAVIK_SUCCESS;
+    };
     if (areBlend(weight1, weight2))
-        mapImage(
-            width, height, Plane{dst, dstStride},
-            [=](auto a, auto b) RVK_INLINE_LAMBDA { return blend(a, b, weight1, weight2); }, Plane{src1, src1Stride},
-            Plane{src2, src2Stride});
-    else
-        mapImage(
-            width, height, Plane{dst, dstStride},
-            [=](auto a, auto b) RVK_INLINE_LAMBDA { return addWeighted(a, b, weight1, weight2); },
-            Plane{src1, src1Stride}, Plane{src2, src2Stride});
-    return RAVIK_SUCCESS;
+        return apply(blended);
+    if (canAddWeighted(weight1) && canAddWeighted(weight2))
+        return apply(weighted);
+    return rvkAddWeightedu8C(src1, width, height, src1Stride, src2, src2Stride, alpha, beta, dst, dstStride);
 }
 
 rvkStatus rvkAddf32V(const float32_t* src1, uint32_t width, uint32_t height, uint32_t src1Stride, const float32_t* src2,
@@ -296,16 +411,12 @@ rvkStatus rvkAddu8u16V(const uint8_t* src1, uint32_t width, uint32_t height, uin
 
 void rvkAverages32V(const int32_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride, float32_t* average)
 {
-    const int64_t sum = sumOf<int64_t>(srcWidth, srcHeight, Plane{src, srcStride},
-                                       [](auto sums, auto v) RVK_INLINE_LAMBDA { return addTo(sums, v); });
-    *average = averageOf(sum, srcWidth, srcHeight);
+    *average = averageOf(addAll(IntSum(), srcWidth, srcHeight, Plane{src, srcStride}), srcWidth, srcHeight);
 }
 
 void rvkAverageu8V(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride, float32_t* average)
 {
-    const uint32_t sum = sumOf<uint32_t>(srcWidth, srcHeight, Plane{src, srcStride},
-                                         [](auto sums, auto v) RVK_INLINE_LAMBDA { return addBytesTo(sums, v); });
-    *average = averageOf(sum, srcWidth, srcHeight);
+    *average = averageOf(addAll(ByteSum(), srcWidth, srcHeight, Plane{src, srcStride}), srcWidth, srcHeight);
 }
 
 rvkStatus rvkElementMultiplyf32V(const float32_t* src1, uint32_t width, uint32_t height, uint32_t src1Stride,
@@ -319,11 +430,12 @@ rvkStatus rvkElementMultiplys16V(const int16_t* src1, uint32_t width, uint32_t h
                                  const int16_t* src2, uint32_t src2Stride, uint32_t policy, int32_t scale, int16_t* dst,
                                  uint32_t dstStride)
 {
-    if (!isShift(scale, 32))
+    if (!isShift(scale, 30))
         return rvkElementMultiplys16C(src1, width, height, src1Stride, src2, src2Stride, policy, scale, dst, dstStride);
     const auto products = [](auto a, auto b) RVK_INLINE_LAMBDA { return multiplyWideInLanes(a, b); };
-    return scaleProducts(width, height, policy, scale, Plane{dst, dstStride}, products, Plane{src1, src1Stride},
-                         Plane{src2, src2Stride});
+    const auto scaledDown = [=](auto a, auto b) RVK_INLINE_LAMBDA { return shiftRightRounded(products(a, b), scale); };
+    return scaleShortProducts(width, height, policy, scale, Plane{dst, dstStride}, products, scaledDown,
+                              Plane{src1, src1Stride}, Plane{src2, src2Stride});
 }
 
 rvkStatus rvkElementMultiplyu8V(const uint8_t* src1, uint32_t width, uint32_t height, uint32_t src1Stride,
@@ -332,22 +444,11 @@ rvkStatus rvkElementMultiplyu8V(const uint8_t* src1, uint32_t width, uint32_t he
 {
     if (!isShift(scale, 16))
         return rvkElementMultiplyu8C(src1, width, height, src1Stride, src2, src2Stride, policy, scale, dst, dstStride);
-    const auto multiply = [=](auto shiftToWrap, auto shiftToSaturate) RVK_INLINE_LAMBDA {
-        const auto wrapped = [=](Vec<uint8_t> a, Vec<uint8_t> b) RVK_INLINE_LAMBDA {
-            return narrowInLanes(both(multiplyWideInLanes(a, b), shiftToWrap));
-        };
-        // Below 2^15 after the shift, so that the signed conversion, which is faster, does.
-        const auto saturated = [=](Vec<uint8_t> a, Vec<uint8_t> b) RVK_INLINE_LAMBDA {
-            return narrowSatInLanes<uint8_t>(asSigned(both(multiplyWideInLanes(a, b), shiftToSaturate)));
-        };
-        return mapByPolicy(width, height, policy, Plane{dst, dstStride}, wrapped, saturated, Plane{src1, src1Stride},
-                           Plane{src2, src2Stride});
-    };
-    if (scale <= 0)
-        return multiply([=](auto p) RVK_INLINE_LAMBDA { return shiftLeft(p, static_cast<unsigned>(-scale)); },
-                        [=](auto p) RVK_INLINE_LAMBDA { return shiftLeftClamped(p, -scale, UINT8_MAX); });
-    const auto rounded = [=](auto p) RVK_INLINE_LAMBDA { return shiftRightRounded(p, scale); };
-    return multiply(rounded, rounded);
+    const auto products = [](auto a, auto b) RVK_INLINE_LAMBDA { return multiplyWideInLanes(a, b); };
+    const auto toWrapped = [](auto p) RVK_INLINE_LAMBDA { return narrowInLanes(p); };
+    const auto toSaturated = [](auto p) RVK_INLINE_LAMBDA { return narrowSatInLanes<uint8_t>(asSigned(p)); };
+    return scaleByteProducts(width, height, policy, scale, Plane{dst, dstStride}, products, toWrapped, toSaturated,
+                             Plane{src1, src1Stride}, Plane{src2, src2Stride});
 }
 
 rvkStatus rvkElementMultiplyu8s16V(const uint8_t* src1, uint32_t width, uint32_t height, uint32_t src1Stride,
@@ -357,19 +458,10 @@ rvkStatus rvkElementMultiplyu8s16V(const uint8_t* src1, uint32_t width, uint32_t
     if (!isShift(scale, 16))
         return rvkElementMultiplyu8s16C(src1, width, height, src1Stride, src2, src2Stride, policy, scale, dst,
                                         dstStride);
-    const auto multiply = [=](auto shiftToWrap, auto shiftToSaturate) RVK_INLINE_LAMBDA {
-        const auto wrapped = [=](Vec<uint8_t> a, Vec<uint8_t> b)
-                                 RVK_INLINE_LAMBDA { return asSigned(both(multiplyWide(a, b), shiftToWrap)); };
-        const auto saturated = [=](Vec<uint8_t> a, Vec<uint8_t> b)
-                                   RVK_INLINE_LAMBDA { return asSigned(both(multiplyWide(a, b), shiftToSaturate)); };
-        return mapByPolicy(width, height, policy, Plane{dst, dstStride}, wrapped, saturated, Plane{src1, src1Stride},
-                           Plane{src2, src2Stride});
-    };
-    if (scale <= 0)
-        return multiply([=](auto p) RVK_INLINE_LAMBDA { return shiftLeft(p, static_cast<unsigned>(-scale)); },
-                        [=](auto p) RVK_INLINE_LAMBDA { return shiftLeftClamped(p, -scale, INT16_MAX); });
-    const auto rounded = [=](auto p) RVK_INLINE_LAMBDA { return shiftRightRounded(p, scale); };
-    return multiply(rounded, rounded);
+    const auto products = [](auto a, auto b) RVK_INLINE_LAMBDA { return multiplyWide(a, b); };
+    const auto convert = [](auto p) RVK_INLINE_LAMBDA { return asSigned(p); };
+    return scaleByteProducts(width, height, policy, scale, Plane{dst, dstStride}, products, convert, convert,
+                             Plane{src1, src1Stride}, Plane{src2, src2Stride});
 }
 
 rvkStatus rvkElementMultiplyu8u16V(const uint8_t* src1, uint32_t width, uint32_t height, uint32_t src1Stride,
@@ -391,11 +483,12 @@ rvkStatus rvkMultiplyScalarf32V(const float32_t* src, uint32_t width, uint32_t h
 rvkStatus rvkMultiplyScalars16V(const int16_t* src, uint32_t width, uint32_t height, uint32_t srcStride, int16_t scalar,
                                 int32_t scale, int16_t* dst, uint32_t dstStride)
 {
-    if (!isShift(scale, 32))
+    if (!isShift(scale, 30))
         return rvkMultiplyScalars16C(src, width, height, srcStride, scalar, scale, dst, dstStride);
     const auto products = [=](auto v) RVK_INLINE_LAMBDA { return multiplyWideInLanes(v, splat(scalar)); };
-    return scaleProducts(width, height, RAVIK_POLICY_SATURATE, scale, Plane{dst, dstStride}, products,
-                         Plane{src, srcStride});
+    const auto scaledDown = [=](auto v) RVK_INLINE_LAMBDA { return multiplyAndShift(v, scalar, scale); };
+    return scaleShortProducts(width, height, RAVIK_POLICY_SATURATE, scale, Plane{dst, dstStride}, products, scaledDown,
+                              Plane{src, srcStride});
 }
 
 rvkStatus rvkSubtracts16V(const int16_t* src1, uint32_t width, uint32_t height, uint32_t src1Stride,
