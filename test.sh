@@ -31,7 +31,7 @@ report() # NAME PASSED FAILED SECONDS LOG: adds to the totals, and shows the log
     failed=$((failed + $3))
     printf '%-44s %5d passed %3d failed %5d s\n' "$1" "$2" "$3" "$4"
     if [ "$3" != 0 ]; then
-        grep -E -B 2 -A 30 '\*\*\*|FAIL|ERROR|error|Sanitizer' "$5" | head -n 150 || tail -n 50 "$5"
+        grep -vE ' +Passed +[0-9.]+ sec$|^ +Start +[0-9]+:' "$5" | tail -n 100
         echo "All of it: $5"
     fi
 }
