@@ -427,6 +427,9 @@ SimdGroup byteSums()
             [](const uint8_t* in, uint32_t* out) {
                 *out = reduceAdd(addBytesTo(addBytesTo(zero<uint32_t>(), load(in)), load(in + kLanes<uint8_t>))); },
             [](const uint8_t* in, size_t) { return sumOf(in, 2 * kLanes<uint8_t>); }),
+        mapping<uint8_t, uint32_t, kLanes<uint8_t>, 1>(
+            "reduceAdd", [](const uint8_t* in, uint32_t* out) { *out = reduceAdd(load(in)); },
+            [](const uint8_t* in, size_t) { return sumOf(in, kLanes<uint8_t>); }),
     };
     return group(list);
 }
@@ -499,7 +502,7 @@ SimdGroup (*const kGroups[])() = {
     single,
     widening<uint8_t>, widening<int8_t>, widening<uint16_t>, widening<int16_t>, widening<uint32_t>, widening<int32_t>,
     widerInLanes<uint8_t>, widerInLanes<int8_t>, widerInLanes<uint16_t>, widerInLanes<int16_t>,
-    wideProducts<uint8_t>, wideProducts<uint16_t>, wideProducts<int16_t>,
+    wideProducts<uint8_t>, wideProducts<int8_t>, wideProducts<uint16_t>, wideProducts<int16_t>,
     narrowing<uint16_t>, narrowing<int16_t>, narrowing<uint32_t>, narrowing<int32_t>,
     narrowingWithSaturation<int16_t, uint8_t>, narrowingWithSaturation<int16_t, int8_t>,
     narrowingWithSaturation<uint16_t, uint8_t>, narrowingWithSaturation<int32_t, int16_t>,

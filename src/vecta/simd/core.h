@@ -163,7 +163,9 @@ RVK_INLINE void store(T* p, const Vecs<T, count>& v)
     unrolled<count>([&](auto i) RVK_INLINE_LAMBDA { store(p + i * Vec<T>::lanes, v.v[i]); });
 }
 
-// The first n elements, n <= lanes; the other lanes are zero. Reads n elements only.
+// loadPartial: the first n elements, n <= lanes, and zero in the other lanes; reads n elements only. storePartial writes the
+// first n. The same for several vectors in a row, n <= count * lanes.
+#if !defined(__AVX512BW__) // x86.h has them with masks
 template <class T>
 RVK_INLINE Vec<T> loadPartial(const T* p, size_t n)
 {
@@ -172,7 +174,6 @@ RVK_INLINE Vec<T> loadPartial(const T* p, size_t n)
     return v;
 }
 
-// Writes the first n elements, n <= lanes.
 template <class T>
 RVK_INLINE void storePartial(T* p, Vec<T> v, size_t n)
 {
@@ -192,6 +193,7 @@ RVK_INLINE void storePartial(T* p, const Vecs<T, count>& v, size_t n)
 {
     __builtin_memcpy(p, &v, n * sizeof(T));
 }
+#endif
 
 // ---- constants ----------------------------------------------------------------------------------------------------------
 

@@ -414,6 +414,50 @@ RVK_INLINE Vec<int32_t> addTo(Vec<int32_t> acc, Vec<int16_t> v) { return vec(vpa
 RVK_INLINE Vec<uint64_t> addTo(Vec<uint64_t> acc, Vec<uint32_t> v) { return vec(vpadalq_u32(reg(acc), reg(v))); }
 RVK_INLINE Vec<int64_t> addTo(Vec<int64_t> acc, Vec<int32_t> v) { return vec(vpadalq_s32(reg(acc), reg(v))); }
 
+// The least, the largest and the sum of all lanes; sums of 32-bit elements wrap.
+#if defined(__aarch64__)
+#define RVK_REDUCE(T, suffix, steps)                                                                                           \
+    RVK_INLINE T reduceMin(Vec<T> v) { return vminvq_##suffix(reg(v)); }                                                       \
+    RVK_INLINE T reduceMax(Vec<T> v) { return vmaxvq_##suffix(reg(v)); }
+#else
+// A pairwise operation halves the number of different lanes.
+#define RVK_REDUCE(T, suffix, steps)                                                                                           \
+    RVK_INLINE T reduceMin(Vec<T> v)                                                                                           \
+    {                                                                                                                          \
+        auto r = vmin_##suffix(lowHalf(v), highHalf(v));                                                                       \
+        unrolled<steps>([&](auto) RVK_INLINE_LAMBDA { r = vpmin_##suffix(r, r); });                                            \
+        return vget_lane_##suffix(r, 0);                                                                                       \
+    }                                                                                                                          \
+    RVK_INLINE T reduceMax(Vec<T> v)                                                                                           \
+    {                                                                                                                          \
+        auto r = vmax_##suffix(lowHalf(v), highHalf(v));                                                                       \
+        unrolled<steps>([&](auto) RVK_INLINE_LAMBDA { r = vpmax_##suffix(r, r); });                                            \
+        return vget_lane_##suffix(r, 0);                                                                                       \
+    }
+#endif
+RVK_REDUCE(uint8_t, u8, 3)
+RVK_REDUCE(int8_t, s8, 3)
+RVK_REDUCE(uint16_t, u16, 2)
+RVK_REDUCE(int16_t, s16, 2)
+RVK_REDUCE(uint32_t, u32, 1)
+RVK_REDUCE(int32_t, s32, 1)
+#undef RVK_REDUCE
+
+RVK_INLINE uint64_t reduceAdd(Vec<uint64_t> v) { return vgetq_lane_u64(reg(v), 0) + vgetq_lane_u64(reg(v), 1); }
+RVK_INLINE int64_t reduceAdd(Vec<int64_t> v) { return static_cast<int64_t>(reduceAdd(bitCast<uint64_t>(v))); }
+
+RVK_INLINE uint32_t reduceAdd(Vec<uint32_t> v)
+{
+#if defined(__aarch64__)
+    return vaddvq_u32(reg(v));
+#else
+    const uint32x2_t pairs = vadd_u32(lowHalf(v), highHalf(v));
+    return vget_lane_u32(vpadd_u32(pairs, pairs), 0);
+#endif
+}
+
+RVK_INLINE int32_t reduceAdd(Vec<int32_t> v) { return static_cast<int32_t>(reduceAdd(bitCast<uint32_t>(v))); }
+
 // ---- interleaved memory -------------------------------------------------------------------------------------------------
 
 #define RVK_INTERLEAVED(n, T, suffix)                                                                                          \

@@ -43,23 +43,29 @@ RVK_INLINE T reduceFrom(Vec<T> v, Op op)
         return reduceFrom<step / 2>(op(v, shuffle(v, v, [](size_t i) { return i ^ step; })), op);
 }
 
+// The least and the largest lane. Of floats: any of the zeros when zeros are the least; no lane may be a not-a-number.
 template <class T> RVK_INLINE T reduceMin(Vec<T> v)
 {
-    return reduceFrom<Vec<T>::lanes / 2>(v, [](Vec<T> a, Vec<T> b) { return min(a, b); });
+    return reduceFrom<Vec<T>::lanes / 2>(v, [](Vec<T> a, Vec<T> b) RVK_INLINE_LAMBDA { return min(a, b); });
 }
 
 template <class T> RVK_INLINE T reduceMax(Vec<T> v)
 {
-    return reduceFrom<Vec<T>::lanes / 2>(v, [](Vec<T> a, Vec<T> b) { return max(a, b); });
+    return reduceFrom<Vec<T>::lanes / 2>(v, [](Vec<T> a, Vec<T> b) RVK_INLINE_LAMBDA { return max(a, b); });
 }
 
-// The sum of all lanes, modulo the element's width, ...
-template <class T> RVK_INLINE T reduceAdd(Vec<T> v)
+// The sum of all lanes, which wraps for 32 and 64-bit elements, ...
+#if defined(__x86_64__)
+template <class T>
+    requires(sizeof(T) >= 4 && !isSame<T, float>)
+RVK_INLINE T reduceAdd(Vec<T> v)
 {
-    return reduceFrom<Vec<T>::lanes / 2>(v, [](Vec<T> a, Vec<T> b) { return a + b; });
+    return reduceFrom<Vec<T>::lanes / 2>(v, [](Vec<T> a, Vec<T> b) RVK_INLINE_LAMBDA { return a + b; });
 }
+#endif
 
-// ... but exact for 16-bit elements.
+// ... and is exact for narrower ones.
+RVK_INLINE uint32_t reduceAdd(Vec<uint8_t> v) { return reduceAdd(addBytesTo(zero<uint32_t>(), v)); }
 RVK_INLINE uint32_t reduceAdd(Vec<uint16_t> v) { return reduceAdd(addTo(zero<uint32_t>(), v)); }
 RVK_INLINE int32_t reduceAdd(Vec<int16_t> v) { return reduceAdd(addTo(zero<int32_t>(), v)); }
 

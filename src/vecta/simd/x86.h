@@ -66,6 +66,82 @@ RVK_INLINE HalfRegister lowHalf(Register r) { return r; }
 RVK_INLINE HalfRegister highHalf(Register r) { return _mm_unpackhi_epi64(r, r); }
 #endif
 
+// ---- partial memory -----------------------------------------------------------------------------------------------------
+
+#if RVK_AVX512
+
+RVK_INLINE uint64_t firstBits(size_t n)
+{
+    return n < 64 ? (uint64_t(1) << n) - 1 : ~uint64_t(0);
+}
+
+// Loads and stores of the lanes with a bit; the memory of the others may be missing.
+template <class T>
+RVK_INLINE Vec<T> loadLanes(const T* p, uint64_t lanes)
+{
+    if constexpr (sizeof(T) == 1)
+        return vec<T>(_mm512_maskz_loadu_epi8(lanes, p));
+    else if constexpr (sizeof(T) == 2)
+        return vec<T>(_mm512_maskz_loadu_epi16(static_cast<__mmask32>(lanes), p));
+    else if constexpr (sizeof(T) == 4)
+        return vec<T>(_mm512_maskz_loadu_epi32(static_cast<__mmask16>(lanes), p));
+    else
+        return vec<T>(_mm512_maskz_loadu_epi64(static_cast<__mmask8>(lanes), p));
+}
+
+template <class T>
+RVK_INLINE void storeLanes(T* p, Vec<T> v, uint64_t lanes)
+{
+    if constexpr (sizeof(T) == 1)
+        _mm512_mask_storeu_epi8(p, lanes, reg(v));
+    else if constexpr (sizeof(T) == 2)
+        _mm512_mask_storeu_epi16(p, static_cast<__mmask32>(lanes), reg(v));
+    else if constexpr (sizeof(T) == 4)
+        _mm512_mask_storeu_epi32(p, static_cast<__mmask16>(lanes), reg(v));
+    else
+        _mm512_mask_storeu_epi64(p, static_cast<__mmask8>(lanes), reg(v));
+}
+
+template <class T>
+RVK_INLINE Vec<T> loadPartial(const T* p, size_t n)
+{
+    return loadLanes(p, firstBits(n));
+}
+
+template <class T>
+RVK_INLINE void storePartial(T* p, Vec<T> v, size_t n)
+{
+    storeLanes(p, v, firstBits(n));
+}
+
+// Lanes of vector i among the first n.
+template <class T>
+RVK_INLINE uint64_t lanesOfVector(size_t i, size_t n)
+{
+    const size_t before = i * Vec<T>::lanes;
+    return n > before ? firstBits(n - before) : 0;
+}
+
+template <class T, size_t... i>
+RVK_INLINE Vecs<T, sizeof...(i)> loadVecsPartialAt(const T* p, size_t n, Indices<i...>)
+{
+    return {{loadLanes(p + i * Vec<T>::lanes, lanesOfVector<T>(i, n))...}};
+}
+
+template <size_t count, class T>
+RVK_INLINE Vecs<T, count> loadVecsPartial(const T* p, size_t n)
+{
+    return loadVecsPartialAt(p, n, typename CountTo<count>::Type{});
+}
+
+template <class T, size_t count>
+RVK_INLINE void storePartial(T* p, const Vecs<T, count>& v, size_t n)
+{
+    unrolled<count>([&](auto i) RVK_INLINE_LAMBDA { storeLanes(p + i * Vec<T>::lanes, v[i], lanesOfVector<T>(i, n)); });
+}
+
+#endif
+
 // ---- element-wise operations --------------------------------------------------------------------------------------------
 
 #define RVK_UNARY(name, T, intrinsic)                                                                                          \
@@ -316,8 +392,6 @@ RVK_INLINE Vec<T> orderPacked(Vec<T> v)
 #endif
 }
 
-template <class To> struct Pack;
-
 // Saturates the lanes of two vectors in lane order: s16 -> u8 and s8, u16 -> u8, s32 -> s16 and u16, u32 -> u16.
 template <class To>
 RVK_INLINE Vec<To> narrowSatInLanes(Vecs<int16_t, 2> v)
@@ -396,15 +470,20 @@ RVK_INLINE Vec<Narrower<T>> narrow(Vecs<T, 2> v)
 
 // ---- products -----------------------------------------------------------------------------------------------------------
 
-RVK_INLINE Vecs<uint16_t, 2> multiplyWide(Vec<uint8_t> a, Vec<uint8_t> b)
+// All products of two vectors, twice as wide.
+template <class T>
+    requires(sizeof(T) == 1)
+RVK_INLINE Vecs<Wider<T>, 2> multiplyWide(Vec<T> a, Vec<T> b)
 {
-    const Vecs<uint16_t, 2> x = widen(a), y = widen(b);
+    const Vecs<Wider<T>, 2> x = widen(a), y = widen(b);
     return {x[0] * y[0], x[1] * y[1]};
 }
 
-RVK_INLINE Vecs<uint16_t, 2> multiplyWideInLanes(Vec<uint8_t> a, Vec<uint8_t> b)
+template <class T>
+    requires(sizeof(T) == 1)
+RVK_INLINE Vecs<Wider<T>, 2> multiplyWideInLanes(Vec<T> a, Vec<T> b)
 {
-    const Vecs<uint16_t, 2> x = widenInLanes(a), y = widenInLanes(b);
+    const Vecs<Wider<T>, 2> x = widenInLanes(a), y = widenInLanes(b);
     return {x[0] * y[0], x[1] * y[1]};
 }
 
