@@ -25,7 +25,7 @@ Cell eraseType(Function* function)
 
 // Everything that a dispatch reads. rvkSetOperationMode writes it; dispatch only reads, without locks.
 struct DispatchState {
-    uint32_t targets[kPublicFunctions]; // RVK_IMPL that each public function uses now
+    uint32_t targets[kPublicFunctions];   // RVK_IMPL that each public function uses now
     uint32_t modeMarks[kPublicFunctions]; // bit 0 once a mode has been set; the frame itself does not read it
     uint32_t internalTargets[kInternalFunctions];
     Cell table[kPublicFunctions * kTargets];     // entry: slot * kTargets + target

@@ -96,6 +96,9 @@ TEST(FrameCompanion, IsAskedInOrder)
         EXPECT_EQ(rvkSetOperationMode(7), 0);
         EXPECT_EQ(takeEvents(), kQuery + "7\n" + kQuery + "7\nrvkInitializeMasterFuncManager\nuGTable 3\n");
         EXPECT_EQ(targetOf(Slot::rvkAbsDiffu8), RVK_IMPL_CPU);
+        fake->hardware = RAVIK_UNIT_NDSP;
+        EXPECT_EQ(rvkSetOperationMode(4), 0);
+        EXPECT_EQ(takeEvents(), kQuery + "4\n" + kQuery + "4\nrvkInitializeMasterFuncManager\nuQTable 2\n");
         EXPECT_TRUE(logLines.empty());
     });
 }
@@ -413,14 +416,18 @@ TEST(FrameCompanion, CleanUpEndsTheSessionAndAnotherMayFollow)
             rvkMemDeInit();
             EXPECT_EQ(takeEvents(), "");
         }
-        // The tables may still name the companion's code; it stays loaded.
+        // Tables and hooks may still name the companion's code; it stays loaded.
         rvkSetOperationMode(static_cast<rvkOperationMode>(kExpertNdsp));
+        void* shared = rvkMemAlloc(10, 16);
         rvkCleanUp();
         dlclose(library);
         uint8_t pixel = 0;
         remoteCalls = 0;
         rvkAbsDiffu8(&pixel, &pixel, 1, 1, 1, &pixel, 1);
         EXPECT_EQ(remoteCalls, 1u);
+        takeEvents();
+        rvkMemFree(shared);
+        EXPECT_EQ(takeEvents(), "sharedMemFree\n");
     });
 }
 
