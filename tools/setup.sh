@@ -2,13 +2,20 @@
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 jobs=$(nproc)
 
-# need WHAT:PACKAGE...: WHAT is a command or a file (a pattern); where it is missing, the Debian package that has it is
-# installed.
+has() # WHAT: a command, or a file (a pattern that begins with /)
+{
+    case $1 in
+    /*) compgen -G "$1" >/dev/null ;;
+    *) command -v "$1" >/dev/null ;;
+    esac
+}
+
+# need WHAT:PACKAGE...: where WHAT is missing, the Debian package that has it is installed.
 need()
 {
     local entry packages=() missing=()
     for entry in "$@"; do
-        if ! command -v "${entry%%:*}" >/dev/null && ! compgen -G "${entry%%:*}" >/dev/null; then
+        if ! has "${entry%%:*}"; then
             missing+=("${entry%%:*}")
             packages+=("${entry#*:}")
         fi
@@ -56,7 +63,7 @@ build()
     mkdir -p "$root/build"
     if ! { (cd "$root" && cmake --preset "$preset") &&
             cmake --build "$root/build/$preset" -j "$jobs" ${1:+--target "$@"}; } >"$log" 2>&1; then
-        grep -n -A 12 -E 'error|Error|FAILED' "$log" | head -n 60 >&2
+        grep -n -A 12 -E 'error|Error|FAILED|not found' "$log" | head -n 60 >&2
         echo "The build \"$preset\" failed; all of it is in $log" >&2
         return 1
     fi
