@@ -92,7 +92,7 @@ RVK_INLINE uint32_t countByVectors(size_t length, const Source*... src)
 
 // From how many bytes on vectors are faster than words. Without AVX they never are.
 #if defined(__AVX2__)
-constexpr size_t kBytesForVectors = 128;
+constexpr size_t kBytesForVectors = 64;
 #elif defined(__x86_64__)
 constexpr size_t kBytesForVectors = SIZE_MAX;
 #else
