@@ -36,7 +36,7 @@ struct Order<float> {
 #endif
 
 template <class T>
-constexpr bool isNumber(T x)
+RVK_INLINE bool isNumber(T x)
 {
     if constexpr (isSame<T, float>)
         return x == x;
