@@ -47,7 +47,7 @@ constexpr Row kRows[] = {
      RAVIK(rvkAddWeightedu8(p.in<u8>(0), p.width, p.height, 0, p.in<u8>(1), 0, 0.25f, 0.75f, p.out<u8>(), 0)),
      OPENCV(cv::addWeighted(p.matIn<u8>(0), 0.25, p.matIn<u8>(1), 0.75, 0, p.matOut<u8>())),
      LIBYUV(interpolate(p, 192))},
-    {"rvkAddWeightedu8, sharpen", nullptr, streaming(2, 1),
+    {"rvkAddWeightedu8, sharpen", nullptr, traffic(2, 1),
      RAVIK(rvkAddWeightedu8(p.in<u8>(0), p.width, p.height, 0, p.in<u8>(1), 0, 1.5f, -0.5f, p.out<u8>(), 0)),
      OPENCV(cv::addWeighted(p.matIn<u8>(0), 1.5, p.matIn<u8>(1), -0.5, 0, p.matOut<u8>()))},
     {"rvkAddf32", nullptr, streaming(8, 4),

@@ -39,6 +39,25 @@ RVK_INLINE Vecs<T, 2> both(Vecs<T, 2> a, Vecs<T, 2> b, F f)
     return {f(a[0], b[0]), f(a[1], b[1])};
 }
 
+// Exact sums and differences of bytes.
+RVK_INLINE Vecs<uint16_t, 2> addWide(Vec<uint8_t> a, Vec<uint8_t> b)
+{
+#if defined(__ARM_NEON)
+    return {vec(vaddl_u8(lowHalf(a), lowHalf(b))), vec(vaddl_u8(highHalf(a), highHalf(b)))};
+#else
+    return both(widen(a), widen(b), plus);
+#endif
+}
+
+RVK_INLINE Vecs<uint16_t, 2> subtractWide(Vec<uint8_t> a, Vec<uint8_t> b)
+{
+#if defined(__ARM_NEON)
+    return {vec(vsubl_u8(lowHalf(a), lowHalf(b))), vec(vsubl_u8(highHalf(a), highHalf(b)))};
+#else
+    return both(widen(a), widen(b), minus);
+#endif
+}
+
 RVK_INLINE Vecs<int16_t, 2> asSigned(Vecs<uint16_t, 2> v)
 {
     return {bitCast<int16_t>(v[0]), bitCast<int16_t>(v[1])};
@@ -78,21 +97,37 @@ RVK_INLINE Vecs<int32_t, 2> shiftRightRounded(Vecs<int32_t, 2> v, int32_t count)
     return both(v, [=](auto half) RVK_INLINE_LAMBDA { return shiftRightRounded(half, count); });
 }
 
-// min(v << count, top).
-RVK_INLINE Vec<uint16_t> shiftLeftClamped(Vec<uint16_t> v, int32_t count, uint16_t top)
+// v << count, or the largest D where D cannot hold that. (NEON leaves it to the conversion to bytes to clamp to them.)
+template <class D>
+RVK_INLINE Vec<uint16_t> shiftLeftSaturated(Vec<uint16_t> v, int32_t count)
 {
+    constexpr uint16_t top = isSame<D, uint8_t> ? UINT8_MAX : isSame<D, int16_t> ? INT16_MAX : UINT16_MAX;
+#if defined(__ARM_NEON)
+    const Vec<uint16_t> shifted = vec(vqshlq_u16(reg(v), vdupq_n_s16(static_cast<int16_t>(count))));
+    return isSame<D, int16_t> ? min(shifted, splat(top)) : shifted;
+#else
     const Vec<uint16_t> largest = splat(static_cast<uint16_t>(top >> count));
     return select(greater(v, largest), splat(top), shiftLeft(v, static_cast<unsigned>(count)));
+#endif
 }
 
-// dst = a product of bytes * 2^-scale. The products come as halves of 16 bits, and the conversions put their low bits
-// or their values, which are below 2^15, together again.
+// Clamped to bytes. On x86 all values that come here are below 2^15, and the signed instruction does.
+RVK_INLINE Vec<uint8_t> toBytes(Vecs<uint16_t, 2> v)
+{
+#if defined(__ARM_NEON)
+    return narrowSat<uint8_t>(v);
+#else
+    return narrowSatInLanes<uint8_t>(asSigned(v));
+#endif
+}
+
+// dst = a product of bytes * 2^-scale. The products come as halves of 16 bits; the conversions put their low bits or
+// their clamped values together again.
 template <class D, class Products, class Wrap, class Saturate>
 RVK_INLINE rvkStatus scaleByteProducts(uint32_t width, uint32_t height, uint32_t policy, int32_t scale, Plane<D> dst,
                                        Products products, Wrap toWrapped, Saturate toSaturated,
                                        Plane<const uint8_t> src1, Plane<const uint8_t> src2)
 {
-    constexpr uint16_t top = isSame<D, uint8_t> ? UINT8_MAX : INT16_MAX;
     const auto shifted = [=](auto shift, auto convert) RVK_INLINE_LAMBDA {
         return [=](auto a, auto b) RVK_INLINE_LAMBDA { return convert(both(products(a, b), shift)); };
     };
@@ -102,9 +137,22 @@ RVK_INLINE rvkStatus scaleByteProducts(uint32_t width, uint32_t height, uint32_t
                            src2);
     }
     const auto left = [=](auto p) RVK_INLINE_LAMBDA { return shiftLeft(p, static_cast<unsigned>(-scale)); };
-    const auto leftClamped = [=](auto p) RVK_INLINE_LAMBDA { return shiftLeftClamped(p, -scale, top); };
-    return mapByPolicy(width, height, policy, dst, shifted(left, toWrapped), shifted(leftClamped, toSaturated), src1,
+    const auto leftSaturated = [=](auto p) RVK_INLINE_LAMBDA { return shiftLeftSaturated<D>(p, -scale); };
+    return mapByPolicy(width, height, policy, dst, shifted(left, toWrapped), shifted(leftSaturated, toSaturated), src1,
                        src2);
+}
+
+// v << count, clamped to 16 bits. Clamping v first changes nothing and leaves room for the shift.
+RVK_INLINE Vec<int16_t> shiftLeftSaturated(Vecs<int32_t, 2> v, int32_t count)
+{
+#if defined(__ARM_NEON)
+    return vec(vqshlq_s16(reg(narrowSat<int16_t>(v)), vdupq_n_s16(static_cast<int16_t>(count))));
+#else
+    return narrowSatInLanes<int16_t>(both(v, [=](auto half) RVK_INLINE_LAMBDA {
+        const auto clamped = max(min(half, splat<int32_t>(INT16_MAX)), splat<int32_t>(INT16_MIN));
+        return shiftLeft(clamped, static_cast<unsigned>(count));
+    }));
+#endif
 }
 
 // dst = a product of 16-bit integers * 2^-scale; scaledDown gives the products after a shift to the right.
@@ -118,15 +166,10 @@ RVK_INLINE rvkStatus scaleShortProducts(uint32_t width, uint32_t height, uint32_
         const auto saturated = [=](auto... v) RVK_INLINE_LAMBDA { return narrowSatInLanes<int16_t>(scaledDown(v...)); };
         return mapByPolicy(width, height, policy, dst, wrapped, saturated, sources...);
     }
-    const unsigned count = static_cast<unsigned>(-scale);
-    const auto wrapped = [=](auto... v) RVK_INLINE_LAMBDA { return shiftLeft(narrowInLanes(products(v...)), count); };
-    // Clamping the products first changes nothing and leaves room for the shift.
-    const auto shifted = [=](auto p) RVK_INLINE_LAMBDA {
-        return shiftLeft(max(min(p, splat<int32_t>(INT16_MAX)), splat<int32_t>(INT16_MIN)), count);
+    const auto wrapped = [=](auto... v) RVK_INLINE_LAMBDA {
+        return shiftLeft(narrowInLanes(products(v...)), static_cast<unsigned>(-scale));
     };
-    const auto saturated = [=](auto... v) RVK_INLINE_LAMBDA {
-        return narrowSatInLanes<int16_t>(both(products(v...), shifted));
-    };
+    const auto saturated = [=](auto... v) RVK_INLINE_LAMBDA { return shiftLeftSaturated(products(v...), -scale); };
     return mapByPolicy(width, height, policy, dst, wrapped, saturated, sources...);
 }
 
@@ -162,9 +205,8 @@ RVK_INLINE Vec<uint8_t> blend(Vec<uint8_t> a, Vec<uint8_t> b, int32_t weight1, i
 {
     const uint8x8_t factor1 = vdup_n_u8(static_cast<uint8_t>(weight1));
     const uint8x8_t factor2 = vdup_n_u8(static_cast<uint8_t>(weight2));
-    const auto half = [=](uint8x8_t v, uint8x8_t w) RVK_INLINE_LAMBDA {
-        return vrshrn_n_u16(vmlal_u8(vmull_u8(v, factor1), w, factor2), 8);
-    };
+    const auto half = [=](uint8x8_t v, uint8x8_t w)
+                          RVK_INLINE_LAMBDA { return vrshrn_n_u16(vmlal_u8(vmull_u8(v, factor1), w, factor2), 8); };
     return join(half(lowHalf(a), lowHalf(b)), half(highHalf(a), highHalf(b)));
 }
 
@@ -210,7 +252,7 @@ RVK_INLINE Vec<uint8_t> blend(Vec<uint8_t> a, Vec<uint8_t> b, int32_t weight1, i
         const Vec<int16_t> sum = dotPairs(splatPair(weight1, weight2), bitCast<int8_t>(pairs));
         return shiftRight(bitCast<uint16_t>(sum) + correction, 8);
     };
-    return narrowSatInLanes<uint8_t>(asSigned(both(zipInLanes(a ^ offset, b ^ offset), blended)));
+    return toBytes(both(zipInLanes(a ^ offset, b ^ offset), blended));
 }
 
 // The weights are the signed bytes here, two each: weight = 128 * high + low with low in -64..63. Then
@@ -245,7 +287,8 @@ RVK_INLINE Vec<uint8_t> addWeighted(Vec<uint8_t> a, Vec<uint8_t> b, int32_t weig
 // ---- averages ------------------------------------------------------------------------------------------------------
 
 // The sum of bytes modulo 2^32.
-struct ByteSum {
+struct ByteSum
+{
     Vec<uint32_t> sums = {};
 
     RVK_INLINE void add(Vec<uint8_t> v) { sums = addBytesTo(sums, v); }
@@ -253,15 +296,22 @@ struct ByteSum {
 };
 
 // The sum of 32-bit integers modulo 2^64.
-struct IntSum {
+struct IntSum
+{
 #if defined(__ARM_NEON)
     Vec<int64_t> sums = {};
 
-    RVK_INLINE void add(Vec<int32_t> v) { sums = addTo(sums, v); }
-    RVK_INLINE int64_t total() const { return reduceAdd(sums); }
+    RVK_INLINE void add(Vec<int32_t> v)
+    {
+        sums = addTo(sums, v);
+    }
+    RVK_INLINE int64_t total() const
+    {
+        return reduceAdd(sums);
+    }
 #else
-    // Cheaper than to widen: neighbours are summed as one number, high * 2^32 + low, and the high ones alone as well. The
-    // sign bits are flipped, which adds 2^31 to each and makes all of them positive.
+    // Cheaper than to widen: neighbours are summed as one number, high * 2^32 + low, and the high ones alone as well.
+    // The sign bits are flipped, which adds 2^31 to each and makes all of them positive.
     Vec<uint64_t> pairs = {}, highs = {};
     uint64_t vectors = 0;
 
@@ -297,9 +347,12 @@ RVK_INLINE auto addAll(Sum sum, size_t width, size_t height, Plane<const T> src)
     for (size_t y = 0; y < height; ++y) {
         const T* const row = src.row(y);
         const T* p = row;
-        for (size_t n = width / (4 * lanes); n; --n, p += 4 * lanes)
-            for (size_t i = 0; i < 4; ++i)
-                sum.add(load(p + i * lanes));
+        for (size_t n = width / (4 * lanes); n; --n)
+            unrolled<2>([&](auto) RVK_INLINE_LAMBDA {
+                const auto two = loadTwo(p);
+                sum.add(two.first);
+                sum.add(two.second);
+            });
         for (size_t n = width / lanes % 4; n; --n, p += lanes)
             sum.add(load(p));
         if (rest)
@@ -313,14 +366,16 @@ RVK_INLINE auto addAll(Sum sum, size_t width, size_t height, Plane<const T> src)
 rvkStatus rvkAddScalarf32V(const float32_t* src, uint32_t width, uint32_t height, uint32_t srcStride, float32_t scalar,
                            float32_t* dst, uint32_t dstStride)
 {
-    mapImageWithValues(width, height, Plane{dst, dstStride}, Plane{src, srcStride}, {scalar}, plus);
+    const auto formula = [b = splat(scalar)](auto a) RVK_INLINE_LAMBDA { return plus(a, b); };
+    mapImage(width, height, Plane{dst, dstStride}, formula, Plane{src, srcStride});
     return RAVIK_SUCCESS;
 }
 
 rvkStatus rvkAddScalars16V(const int16_t* src, uint32_t width, uint32_t height, uint32_t srcStride, int16_t scalar,
                            int16_t* dst, uint32_t dstStride)
 {
-    mapImageWithValues(width, height, Plane{dst, dstStride}, Plane{src, srcStride}, {scalar}, plusSaturating);
+    const auto formula = [b = splat(scalar)](auto a) RVK_INLINE_LAMBDA { return plusSaturating(a, b); };
+    mapImage(width, height, Plane{dst, dstStride}, formula, Plane{src, srcStride});
     return RAVIK_SUCCESS;
 }
 
@@ -331,14 +386,13 @@ rvkStatus rvkAddSquaredu8u16V(const uint8_t* src1, uint32_t width, uint32_t heig
     if (!isShift(scale, 16))
         return rvkAddSquaredu8u16C(src1, width, height, src1Stride, src2, src2Stride, scale, dst, dstStride);
     const auto addSquares = [=](auto shift) RVK_INLINE_LAMBDA {
-        const auto formula = [=](auto a, auto b) RVK_INLINE_LAMBDA {
-            return both(b, both(multiplyWide(a, a), shift), plusSaturating);
-        };
+        const auto formula = [=](auto a, auto b)
+                                 RVK_INLINE_LAMBDA { return both(b, both(multiplyWide(a, a), shift), plusSaturating); };
         mapImage(width, height, Plane{dst, dstStride}, formula, Plane{src1, src1Stride}, Plane{src2, src2Stride});
         return RAVIK_SUCCESS;
     };
     if (scale <= 0)
-        return addSquares([=](auto square) RVK_INLINE_LAMBDA { return shiftLeftClamped(square, -scale, UINT16_MAX); });
+        return addSquares([=](auto square) RVK_INLINE_LAMBDA { return shiftLeftSaturated<uint16_t>(square, -scale); });
     return addSquares([=](auto square) RVK_INLINE_LAMBDA {
         return shiftRight(square + splat(static_cast<uint16_t>(1 << (scale - 1))), static_cast<unsigned>(scale));
     });
@@ -403,9 +457,8 @@ rvkStatus rvkAddu8u16V(const uint8_t* src1, uint32_t width, uint32_t height, uin
                        uint32_t src2Stride, uint16_t* dst, uint32_t dstStride)
 {
     mapImage(
-        width, height, Plane{dst, dstStride},
-        [](auto a, auto b) RVK_INLINE_LAMBDA { return both(widen(a), widen(b), plus); }, Plane{src1, src1Stride},
-        Plane{src2, src2Stride});
+        width, height, Plane{dst, dstStride}, [](auto a, auto b) RVK_INLINE_LAMBDA { return addWide(a, b); },
+        Plane{src1, src1Stride}, Plane{src2, src2Stride});
     return RAVIK_SUCCESS;
 }
 
@@ -446,7 +499,7 @@ rvkStatus rvkElementMultiplyu8V(const uint8_t* src1, uint32_t width, uint32_t he
         return rvkElementMultiplyu8C(src1, width, height, src1Stride, src2, src2Stride, policy, scale, dst, dstStride);
     const auto products = [](auto a, auto b) RVK_INLINE_LAMBDA { return multiplyWideInLanes(a, b); };
     const auto toWrapped = [](auto p) RVK_INLINE_LAMBDA { return narrowInLanes(p); };
-    const auto toSaturated = [](auto p) RVK_INLINE_LAMBDA { return narrowSatInLanes<uint8_t>(asSigned(p)); };
+    const auto toSaturated = [](auto p) RVK_INLINE_LAMBDA { return toBytes(p); };
     return scaleByteProducts(width, height, policy, scale, Plane{dst, dstStride}, products, toWrapped, toSaturated,
                              Plane{src1, src1Stride}, Plane{src2, src2Stride});
 }
@@ -476,7 +529,8 @@ rvkStatus rvkElementMultiplyu8u16V(const uint8_t* src1, uint32_t width, uint32_t
 rvkStatus rvkMultiplyScalarf32V(const float32_t* src, uint32_t width, uint32_t height, uint32_t srcStride,
                                 float32_t scalar, float32_t* dst, uint32_t dstStride)
 {
-    mapImageWithValues(width, height, Plane{dst, dstStride}, Plane{src, srcStride}, {scalar}, times);
+    const auto formula = [b = splat(scalar)](auto a) RVK_INLINE_LAMBDA { return times(a, b); };
+    mapImage(width, height, Plane{dst, dstStride}, formula, Plane{src, srcStride});
     return RAVIK_SUCCESS;
 }
 
@@ -510,8 +564,8 @@ rvkStatus rvkSubtractu8s16V(const uint8_t* src1, uint32_t width, uint32_t height
 {
     mapImage(
         width, height, Plane{dst, dstStride},
-        [](auto a, auto b) RVK_INLINE_LAMBDA { return asSigned(both(widen(a), widen(b), minus)); },
-        Plane{src1, src1Stride}, Plane{src2, src2Stride});
+        [](auto a, auto b) RVK_INLINE_LAMBDA { return asSigned(subtractWide(a, b)); }, Plane{src1, src1Stride},
+        Plane{src2, src2Stride});
     return RAVIK_SUCCESS;
 }
 
