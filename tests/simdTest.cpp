@@ -75,11 +75,14 @@ void putExtreme(uint8_t* to, uint32_t elementBytes)
 float anyFloat(SimdOperation::Draw draw, bool extreme)
 {
     if (draw == SimdOperation::Draw::intRangeFloats) {
-        static const float edges[] = {0.5f, -0.5f, 1.5f, 2.5f, -2.5f, 0.49999997f, 8388607.5f, -8388606.5f, 4194304.5f, 8388609.0f,
-                                      2147483520.0f, -2147483648.0f, 0.0f, -0.0f, 1e-40f, 16777217.0f};
-        return extreme ? edges[below(16)] : std::ldexp(static_cast<float>(static_cast<int32_t>(generator())), -int(below(40)));
+        static const float edges[] = {0.5f,       -0.5f,       1.5f,       2.5f,       -2.5f,         0.49999997f,
+                                      8388607.5f, -8388606.5f, 4194304.5f, 8388609.0f, 2147483520.0f, -2147483648.0f,
+                                      0.0f,       -0.0f,       1e-40f,     16777217.0f};
+        return extreme ? edges[below(16)]
+                       : std::ldexp(static_cast<float>(static_cast<int32_t>(generator())), -int(below(40)));
     }
-    static const float special[] = {0.0f, -0.0f, 1.0f, -1.0f, INFINITY, -INFINITY, NAN, FLT_MAX, -FLT_MAX, 3.0f, 1e-40f, -FLT_TRUE_MIN};
+    static const float special[] = {0.0f, -0.0f,   1.0f,     -1.0f, INFINITY, -INFINITY,
+                                    NAN,  FLT_MAX, -FLT_MAX, 3.0f,  1e-40f,   -FLT_TRUE_MIN};
     if (extreme)
         return special[below(draw == SimdOperation::Draw::normalFloats ? 10 : 12)];
     return std::ldexp(static_cast<float>(static_cast<int32_t>(generator() | 1)), static_cast<int>(below(60)) - 60);
@@ -144,7 +147,8 @@ TEST_P(Simd, EveryOperationEqualsItsScalarDefinition)
 {
     for (const SimdOperation& o : operations()) {
         // A page away from the memory allowed, so that no element but those named is read or written.
-        const GuardedMemory in(o.inputBytes, GuardedMemory::Flush::toEnd), out(o.outputBytes, GuardedMemory::Flush::toEnd);
+        const GuardedMemory in(o.inputBytes, GuardedMemory::Flush::toEnd),
+            out(o.outputBytes, GuardedMemory::Flush::toEnd);
         std::vector<uint8_t> expected(o.outputBytes);
         for (int round = 0; round < 100; ++round) {
             drawInput(o, round, in.data());
@@ -153,8 +157,8 @@ TEST_P(Simd, EveryOperationEqualsItsScalarDefinition)
             o.vector(in.data(), out.data());
             if (!sameOutput(o, out.data(), expected.data())) {
                 ADD_FAILURE() << o.name << " of " << o.element << "\nin       " << hex(in.data(), o.inputBytes)
-                              << "\nout      " << hex(out.data(), o.outputBytes)
-                              << "\nexpected " << hex(expected.data(), o.outputBytes);
+                              << "\nout      " << hex(out.data(), o.outputBytes) << "\nexpected "
+                              << hex(expected.data(), o.outputBytes);
                 break;
             }
         }

@@ -11,16 +11,25 @@ using test::SimdOperation;
 using test::SimdPartial;
 using Draw = SimdOperation::Draw;
 
-template <class T> constexpr const char* kName = "";
-template <> constexpr const char* kName<uint8_t> = "u8";
-template <> constexpr const char* kName<int8_t> = "s8";
-template <> constexpr const char* kName<uint16_t> = "u16";
-template <> constexpr const char* kName<int16_t> = "s16";
-template <> constexpr const char* kName<uint32_t> = "u32";
-template <> constexpr const char* kName<int32_t> = "s32";
-template <> constexpr const char* kName<float> = "f32";
+template <class T>
+constexpr const char* kName = "";
+template <>
+constexpr const char* kName<uint8_t> = "u8";
+template <>
+constexpr const char* kName<int8_t> = "s8";
+template <>
+constexpr const char* kName<uint16_t> = "u16";
+template <>
+constexpr const char* kName<int16_t> = "s16";
+template <>
+constexpr const char* kName<uint32_t> = "u32";
+template <>
+constexpr const char* kName<int32_t> = "s32";
+template <>
+constexpr const char* kName<float> = "f32";
 
-template <class T> constexpr size_t kLanes = Vec<T>::lanes;
+template <class T>
+constexpr size_t kLanes = Vec<T>::lanes;
 
 // NEON of 32-bit Arm flushes subnormals; every other arithmetic keeps them.
 #if RVK_GENERIC_FLOAT
@@ -29,7 +38,7 @@ constexpr Draw kFloats = Draw::floats;
 constexpr Draw kFloats = Draw::normalFloats;
 #endif
 
-// ---- ways to write an operation down ------------------------------------------------------------------------------------
+// ---- ways to write an operation down --------------------------------------------------------------------------------
 
 // vector(in, out) does what out[i] = scalar(in, i) does for all i.
 template <class In, class Out, size_t inputs, size_t outputs, class Vector, class Scalar>
@@ -66,8 +75,12 @@ constexpr SimdOperation binary(const char* name, Vector, Scalar)
 }
 
 // A formula on vectors and the same on elements; its text is its name.
-#define UNARY(T, vector, scalar)  unary<T>(#vector, [](Vec<T> a) { return vector; }, [](T a) { return scalar; })
-#define BINARY(T, vector, scalar) binary<T>(#vector, [](Vec<T> a, Vec<T> b) { return vector; }, [](T a, T b) { return scalar; })
+#define UNARY(T, vector, scalar) \
+    unary<T>(                    \
+        #vector, [](Vec<T> a) { return vector; }, [](T a) { return scalar; })
+#define BINARY(T, vector, scalar) \
+    binary<T>(                    \
+        #vector, [](Vec<T> a, Vec<T> b) { return vector; }, [](T a, T b) { return scalar; })
 
 // Which not-a-number a calculation gives is not said.
 constexpr SimdOperation calculation(SimdOperation o)
@@ -88,7 +101,7 @@ constexpr SimdGroup group(const SimdOperation (&operations)[count])
     return {operations, count};
 }
 
-// ---- scalar helpers -----------------------------------------------------------------------------------------------------
+// ---- scalar helpers -------------------------------------------------------------------------------------------------
 
 template <class T>
 constexpr T saturate(int64_t x)
@@ -119,7 +132,7 @@ float floatOf(uint32_t bits)
     return x;
 }
 
-// ---- operations on any element ------------------------------------------------------------------------------------------
+// ---- operations on any element --------------------------------------------------------------------------------------
 
 template <class T>
 SimdGroup moves()
@@ -127,43 +140,59 @@ SimdGroup moves()
     constexpr size_t n = kLanes<T>;
     constexpr size_t block = kBlock<T>;
     static constexpr SimdOperation list[] = {
-        mapping<T, T, n, n>("reverse", [](const T* in, T* out) { store(out, reverse(load(in))); },
-                            [](const T* in, size_t i) { return in[n - 1 - i]; }),
-        mapping<T, T, 1, n>("splat", [](const T* in, T* out) { store(out, splat(*in)); },
-                            [](const T* in, size_t) { return *in; }),
-        mapping<T, T, 2 * n, n>("extract 0", [](const T* in, T* out) { store(out, extract<0>(load(in), load(in + n))); },
-                                [](const T* in, size_t i) { return in[i]; }),
-        mapping<T, T, 2 * n, n>("extract 1", [](const T* in, T* out) { store(out, extract<1>(load(in), load(in + n))); },
-                                [](const T* in, size_t i) { return in[i + 1]; }),
-        mapping<T, T, 2 * n, n>("extract n / 2", [](const T* in, T* out) { store(out, extract<n / 2>(load(in), load(in + n))); },
-                                [](const T* in, size_t i) { return in[i + n / 2]; }),
-        mapping<T, T, 2 * n, n>("extract n - 1", [](const T* in, T* out) { store(out, extract<n - 1>(load(in), load(in + n))); },
-                                [](const T* in, size_t i) { return in[i + n - 1]; }),
-        mapping<T, T, 2 * n, n>("extract n", [](const T* in, T* out) { store(out, extract<n>(load(in), load(in + n))); },
-                                [](const T* in, size_t i) { return in[i + n]; }),
-        mapping<T, T, 2 * n, 2 * n>("zip", [](const T* in, T* out) { store(out, zip(load(in), load(in + n))); },
-                                    [](const T* in, size_t i) { return in[i / 2 + i % 2 * n]; }),
-        mapping<T, T, 2 * n, n>("unzipEven", [](const T* in, T* out) { store(out, unzipEven(load(in), load(in + n))); },
-                                [](const T* in, size_t i) { return in[2 * i]; }),
-        mapping<T, T, 2 * n, n>("unzipOdd", [](const T* in, T* out) { store(out, unzipOdd(load(in), load(in + n))); },
-                                [](const T* in, size_t i) { return in[2 * i + 1]; }),
+        mapping<T, T, n, n>(
+            "reverse", [](const T* in, T* out) { store(out, reverse(load(in))); },
+            [](const T* in, size_t i) { return in[n - 1 - i]; }),
+        mapping<T, T, 1, n>(
+            "splat", [](const T* in, T* out) { store(out, splat(*in)); }, [](const T* in, size_t) { return *in; }),
+        mapping<T, T, 2 * n, n>(
+            "extract 0", [](const T* in, T* out) { store(out, extract<0>(load(in), load(in + n))); },
+            [](const T* in, size_t i) { return in[i]; }),
+        mapping<T, T, 2 * n, n>(
+            "extract 1", [](const T* in, T* out) { store(out, extract<1>(load(in), load(in + n))); },
+            [](const T* in, size_t i) { return in[i + 1]; }),
+        mapping<T, T, 2 * n, n>(
+            "extract n / 2", [](const T* in, T* out) { store(out, extract<n / 2>(load(in), load(in + n))); },
+            [](const T* in, size_t i) { return in[i + n / 2]; }),
+        mapping<T, T, 2 * n, n>(
+            "extract n - 1", [](const T* in, T* out) { store(out, extract<n - 1>(load(in), load(in + n))); },
+            [](const T* in, size_t i) { return in[i + n - 1]; }),
+        mapping<T, T, 2 * n, n>(
+            "extract n", [](const T* in, T* out) { store(out, extract<n>(load(in), load(in + n))); },
+            [](const T* in, size_t i) { return in[i + n]; }),
+        mapping<T, T, 2 * n, 2 * n>(
+            "zip", [](const T* in, T* out) { store(out, zip(load(in), load(in + n))); },
+            [](const T* in, size_t i) { return in[i / 2 + i % 2 * n]; }),
+        mapping<T, T, 2 * n, n>(
+            "unzipEven", [](const T* in, T* out) { store(out, unzipEven(load(in), load(in + n))); },
+            [](const T* in, size_t i) { return in[2 * i]; }),
+        mapping<T, T, 2 * n, n>(
+            "unzipOdd", [](const T* in, T* out) { store(out, unzipOdd(load(in), load(in + n))); },
+            [](const T* in, size_t i) { return in[2 * i + 1]; }),
         mapping<T, T, 2 * n, 2 * n>(
             "zipInLanes", [](const T* in, T* out) { store(out, zipInLanes(load(in), load(in + n))); },
             [](const T* in, size_t i) {
                 const size_t half = i / n * (block / 2);
-                return in[i % n / block * block + half + i % block / 2 + i % 2 * n]; }),
-        mapping<T, T, 2 * n, 2 * n>("load2", [](const T* in, T* out) { store(out, load2(in)); },
-                                    [](const T* in, size_t i) { return in[i % n * 2 + i / n]; }),
-        mapping<T, T, 3 * n, 3 * n>("load3", [](const T* in, T* out) { store(out, load3(in)); },
-                                    [](const T* in, size_t i) { return in[i % n * 3 + i / n]; }),
-        mapping<T, T, 4 * n, 4 * n>("load4", [](const T* in, T* out) { store(out, load4(in)); },
-                                    [](const T* in, size_t i) { return in[i % n * 4 + i / n]; }),
-        mapping<T, T, 2 * n, 2 * n>("store2", [](const T* in, T* out) { store2(out, loadVecs<2>(in)); },
-                                    [](const T* in, size_t i) { return in[i % 2 * n + i / 2]; }),
-        mapping<T, T, 3 * n, 3 * n>("store3", [](const T* in, T* out) { store3(out, loadVecs<3>(in)); },
-                                    [](const T* in, size_t i) { return in[i % 3 * n + i / 3]; }),
-        mapping<T, T, 4 * n, 4 * n>("store4", [](const T* in, T* out) { store4(out, loadVecs<4>(in)); },
-                                    [](const T* in, size_t i) { return in[i % 4 * n + i / 4]; }),
+                return in[i % n / block * block + half + i % block / 2 + i % 2 * n];
+            }),
+        mapping<T, T, 2 * n, 2 * n>(
+            "load2", [](const T* in, T* out) { store(out, load2(in)); },
+            [](const T* in, size_t i) { return in[i % n * 2 + i / n]; }),
+        mapping<T, T, 3 * n, 3 * n>(
+            "load3", [](const T* in, T* out) { store(out, load3(in)); },
+            [](const T* in, size_t i) { return in[i % n * 3 + i / n]; }),
+        mapping<T, T, 4 * n, 4 * n>(
+            "load4", [](const T* in, T* out) { store(out, load4(in)); },
+            [](const T* in, size_t i) { return in[i % n * 4 + i / n]; }),
+        mapping<T, T, 2 * n, 2 * n>(
+            "store2", [](const T* in, T* out) { store2(out, loadVecs<2>(in)); },
+            [](const T* in, size_t i) { return in[i % 2 * n + i / 2]; }),
+        mapping<T, T, 3 * n, 3 * n>(
+            "store3", [](const T* in, T* out) { store3(out, loadVecs<3>(in)); },
+            [](const T* in, size_t i) { return in[i % 3 * n + i / 3]; }),
+        mapping<T, T, 4 * n, 4 * n>(
+            "store4", [](const T* in, T* out) { store4(out, loadVecs<4>(in)); },
+            [](const T* in, size_t i) { return in[i % 4 * n + i / 4]; }),
     };
     return group(list);
 }
@@ -205,9 +234,11 @@ SimdGroup comparisons()
                 const Mask<T> m = equal(load(in), load(in + n));
                 out[0] = any(m);
                 out[1] = all(m);
-                out[2] = static_cast<uint32_t>(any(m) ? firstTrue(m) : n); },
-            [](const T* in, size_t i) {
-                return i == 0 ? firstEqual(in) < n : i == 1 ? allEqual(in) : firstEqual(in); }),
+                out[2] = static_cast<uint32_t>(any(m) ? firstTrue(m) : n);
+            },
+            [](const T* in, size_t i) { return i == 0   ? firstEqual(in) < n
+                                               : i == 1 ? allEqual(in)
+                                                        : firstEqual(in); }),
     };
     return group(list);
 }
@@ -243,21 +274,26 @@ SimdGroup integers()
             [](const T* in, T* out) {
                 const unsigned count = static_cast<unsigned>(in[n]) % width;
                 store(out, shiftLeft(load(in), count));
-                store(out + n, shiftRight(load(in), count)); },
+                store(out + n, shiftRight(load(in), count));
+            },
             [](const T* in, size_t i) {
                 const unsigned count = static_cast<unsigned>(in[n]) % width;
-                return i < n ? static_cast<T>(wrapping(in[i]) << count) : static_cast<T>(in[i - n] >> count); }),
-        mapping<T, T, 1, n>("iota", [](const T*, T* out) { store(out, iota<T>()); }, [](const T*, size_t i) { return i; }),
-        mapping<T, T, n, 2>("reduceMin, reduceMax",
-                            [](const T* in, T* out) {
-                                out[0] = reduceMin(load(in));
-                                out[1] = reduceMax(load(in)); },
-                            [](const T* in, size_t i) { return leastOrMost(in, i == 0); }),
+                return i < n ? static_cast<T>(wrapping(in[i]) << count) : static_cast<T>(in[i - n] >> count);
+            }),
+        mapping<T, T, 1, n>(
+            "iota", [](const T*, T* out) { store(out, iota<T>()); }, [](const T*, size_t i) { return i; }),
+        mapping<T, T, n, 2>(
+            "reduceMin, reduceMax",
+            [](const T* in, T* out) {
+                out[0] = reduceMin(load(in));
+                out[1] = reduceMax(load(in));
+            },
+            [](const T* in, size_t i) { return leastOrMost(in, i == 0); }),
     };
     return group(list);
 }
 
-// ---- operations on some elements ----------------------------------------------------------------------------------------
+// ---- operations on some elements ------------------------------------------------------------------------------------
 
 template <class T>
 SimdGroup saturating()
@@ -277,7 +313,8 @@ SimdGroup single()
         BINARY(uint16_t, absDiff(a, b), a < b ? b - a : a - b),
         BINARY(int16_t, absDiff(a, b), a < b ? b - a : a - b),
         BINARY(uint32_t, absDiff(a, b), a < b ? b - a : a - b),
-        BINARY(int32_t, absDiff(a, b), int32_t(uint32_t(a) - uint32_t(b)) < 0 ? uint32_t(b) - uint32_t(a) : uint32_t(a) - uint32_t(b)),
+        BINARY(int32_t, absDiff(a, b),
+               int32_t(uint32_t(a) - uint32_t(b)) < 0 ? uint32_t(b) - uint32_t(a) : uint32_t(a) - uint32_t(b)),
         UNARY(int8_t, abs(a), a < 0 ? -a : a),
         UNARY(int16_t, abs(a), a < 0 ? -a : a),
         UNARY(int32_t, abs(a), a < 0 ? 0 - uint32_t(a) : uint32_t(a)),
@@ -286,27 +323,32 @@ SimdGroup single()
         BINARY(int16_t, multiplyHigh(a, b), (int32_t(a) * b) >> 16),
         BINARY(uint16_t, multiplyHigh(a, b), (uint32_t(a) * b) >> 16),
         mapping<int16_t, int32_t, 2 * kLanes<int16_t>, kLanes<int32_t>>(
-            "dotPairs", [](const int16_t* in, int32_t* out) { store(out, dotPairs(load(in), load(in + kLanes<int16_t>))); },
+            "dotPairs",
+            [](const int16_t* in, int32_t* out) { store(out, dotPairs(load(in), load(in + kLanes<int16_t>))); },
             [](const int16_t* in, size_t i) {
                 const int16_t *a = in + 2 * i, *b = a + kLanes<int16_t>;
-                return static_cast<uint32_t>(a[0] * b[0]) + static_cast<uint32_t>(a[1] * b[1]); }),
+                return static_cast<uint32_t>(a[0] * b[0]) + static_cast<uint32_t>(a[1] * b[1]);
+            }),
 
         UNARY(uint8_t, countBits(a), __builtin_popcount(a)),
         mapping<uint8_t, uint8_t, 16 + kLanes<uint8_t>, kLanes<uint8_t>>(
             "lookup16",
-            [](const uint8_t* in, uint8_t* out) { store(out, lookup16(loadTable16(in), load(in + 16) & splat<uint8_t>(15))); },
+            [](const uint8_t* in, uint8_t* out) {
+                store(out, lookup16(loadTable16(in), load(in + 16) & splat<uint8_t>(15)));
+            },
             [](const uint8_t* in, size_t i) { return in[in[16 + i] % 16]; }),
         mapping<uint8_t, uint8_t, 256 + kLanes<uint8_t>, kLanes<uint8_t>>(
             "lookup",
             [](const uint8_t* in, uint8_t* out) {
                 const Table256 table = prepare(in);
-                store(out, lookup(table, load(in + 256))); },
+                store(out, lookup(table, load(in + 256)));
+            },
             [](const uint8_t* in, size_t i) { return in[in[256 + i]]; }),
     };
     return group(list);
 }
 
-// ---- wider and narrower elements ----------------------------------------------------------------------------------------
+// ---- wider and narrower elements ------------------------------------------------------------------------------------
 
 template <class T>
 Vecs<T, 2> twicePlus77Halved(Vecs<T, 2> v)
@@ -326,10 +368,12 @@ SimdGroup widening()
     constexpr size_t n = kLanes<T>;
     using W = Wider<T>;
     static constexpr SimdOperation list[] = {
-        mapping<T, W, n, n>("widen", [](const T* in, W* out) { store(out, widen(load(in))); },
-                            [](const T* in, size_t i) { return in[i]; }),
-        mapping<T, W, n / 2, n / 2>("loadWiden", [](const T* in, W* out) { store(out, loadWiden<W>(in)); },
-                                    [](const T* in, size_t i) { return in[i]; }),
+        mapping<T, W, n, n>(
+            "widen", [](const T* in, W* out) { store(out, widen(load(in))); },
+            [](const T* in, size_t i) { return in[i]; }),
+        mapping<T, W, n / 2, n / 2>(
+            "loadWiden", [](const T* in, W* out) { store(out, loadWiden<W>(in)); },
+            [](const T* in, size_t i) { return in[i]; }),
     };
     return group(list);
 }
@@ -351,8 +395,9 @@ SimdGroup wideProducts()
     constexpr size_t n = kLanes<T>;
     using W = Wider<T>;
     static constexpr SimdOperation list[] = {
-        mapping<T, W, 2 * n, n>("multiplyWide", [](const T* in, W* out) { store(out, multiplyWide(load(in), load(in + n))); },
-                                [](const T* in, size_t i) { return wrapping(in[i]) * wrapping(in[n + i]); }),
+        mapping<T, W, 2 * n, n>(
+            "multiplyWide", [](const T* in, W* out) { store(out, multiplyWide(load(in), load(in + n))); },
+            [](const T* in, size_t i) { return wrapping(in[i]) * wrapping(in[n + i]); }),
         BINARY(T, narrowInLanes(shiftedBy5(multiplyWideInLanes(a, b))), static_cast<W>(wrapping(a) * wrapping(b)) >> 5),
     };
     return group(list);
@@ -364,8 +409,9 @@ SimdGroup narrowing()
     constexpr size_t n = 2 * kLanes<T>;
     using N = Narrower<T>;
     static constexpr SimdOperation list[] = {
-        mapping<T, N, n, n>("narrow", [](const T* in, N* out) { store(out, narrow(loadVecs<2>(in))); },
-                            [](const T* in, size_t i) { return in[i]; }),
+        mapping<T, N, n, n>(
+            "narrow", [](const T* in, N* out) { store(out, narrow(loadVecs<2>(in))); },
+            [](const T* in, size_t i) { return in[i]; }),
     };
     return group(list);
 }
@@ -376,18 +422,20 @@ SimdGroup narrowingWithSaturation()
 {
     constexpr size_t n = 2 * kLanes<T>;
     static constexpr SimdOperation list[] = {
-        mapping<T, To, n, n>("narrowSat", [](const T* in, To* out) { store(out, narrowSat<To>(loadVecs<2>(in))); },
-                             [](const T* in, size_t i) { return saturate<To>(in[i]); }),
+        mapping<T, To, n, n>(
+            "narrowSat", [](const T* in, To* out) { store(out, narrowSat<To>(loadVecs<2>(in))); },
+            [](const T* in, size_t i) { return saturate<To>(in[i]); }),
         mapping<T, To, n, n>(
             "narrowSatInLanes",
             [](const T* in, To* out) {
                 using N = Narrower<Unsigned<T>>; // the elements as low and high halves, wide again after the zip
                 const Vecs<Unsigned<T>, 2> v = {bitCast<Unsigned<T>>(load(in)), bitCast<Unsigned<T>>(load(in + n / 2))};
                 const Vec<N> low = narrow(v);
-                const Vec<N> high = narrow(
-                    Vecs<Unsigned<T>, 2>{shiftRight(v[0], sizeof(N) * 8), shiftRight(v[1], sizeof(N) * 8)});
+                const Vec<N> high =
+                    narrow(Vecs<Unsigned<T>, 2>{shiftRight(v[0], sizeof(N) * 8), shiftRight(v[1], sizeof(N) * 8)});
                 const Vecs<N, 2> z = zipInLanes(low, high);
-                store(out, narrowSatInLanes<To>(Vecs<T, 2>{bitCast<T>(z[0]), bitCast<T>(z[1])})); },
+                store(out, narrowSatInLanes<To>(Vecs<T, 2>{bitCast<T>(z[0]), bitCast<T>(z[1])}));
+            },
             [](const T* in, size_t i) { return saturate<To>(in[i]); }),
     };
     return group(list);
@@ -408,13 +456,15 @@ SimdGroup sums()
     constexpr size_t n = kLanes<T>;
     using W = Wider<T>;
     static constexpr SimdOperation list[] = {
-        mapping<T, W, 2 * n, 1>("addTo, reduceAdd",
-                                [](const T* in, W* out) {
-                                    *out = reduceAdd(addTo(addTo(zero<W>(), load(in)), load(in + n))); },
-                                [](const T* in, size_t) { return sumOf(in, 2 * n); }),
-        mapping<T, W, n, 1>("reduceAdd", [](const T* in, W* out) { *out = static_cast<W>(reduceAdd(load(in))); },
-                            [](const T* in, size_t) {
-                                return sizeof(T) == 2 ? static_cast<W>(sumOf(in, n)) : static_cast<W>(static_cast<T>(sumOf(in, n))); }),
+        mapping<T, W, 2 * n, 1>(
+            "addTo, reduceAdd",
+            [](const T* in, W* out) { *out = reduceAdd(addTo(addTo(zero<W>(), load(in)), load(in + n))); },
+            [](const T* in, size_t) { return sumOf(in, 2 * n); }),
+        mapping<T, W, n, 1>(
+            "reduceAdd", [](const T* in, W* out) { *out = static_cast<W>(reduceAdd(load(in))); },
+            [](const T* in, size_t) {
+                return sizeof(T) == 2 ? static_cast<W>(sumOf(in, n)) : static_cast<W>(static_cast<T>(sumOf(in, n)));
+            }),
     };
     return group(list);
 }
@@ -425,7 +475,8 @@ SimdGroup byteSums()
         mapping<uint8_t, uint32_t, 2 * kLanes<uint8_t>, 1>(
             "addBytesTo",
             [](const uint8_t* in, uint32_t* out) {
-                *out = reduceAdd(addBytesTo(addBytesTo(zero<uint32_t>(), load(in)), load(in + kLanes<uint8_t>))); },
+                *out = reduceAdd(addBytesTo(addBytesTo(zero<uint32_t>(), load(in)), load(in + kLanes<uint8_t>)));
+            },
             [](const uint8_t* in, size_t) { return sumOf(in, 2 * kLanes<uint8_t>); }),
         mapping<uint8_t, uint32_t, kLanes<uint8_t>, 1>(
             "reduceAdd", [](const uint8_t* in, uint32_t* out) { *out = reduceAdd(load(in)); },
@@ -434,7 +485,7 @@ SimdGroup byteSums()
     return group(list);
 }
 
-// ---- floats -------------------------------------------------------------------------------------------------------------
+// ---- floats ---------------------------------------------------------------------------------------------------------
 
 SimdGroup floats()
 {
@@ -444,8 +495,8 @@ SimdGroup floats()
         UNARY(float, abs(a), floatOf(bitsOf(a) & 0x7fffffff)),
         calculation(BINARY(float, a + b, a + b)),
         calculation(BINARY(float, a - b, a - b)),
-        calculation(BINARY(float, a * b, a * b)),
-        calculation(BINARY(float, a * b + a, a * b + a)), // rounded twice
+        calculation(BINARY(float, a* b, a* b)),
+        calculation(BINARY(float, a* b + a, a * b + a)), // rounded twice
         calculation(BINARY(float, absDiff(a, b), floatOf(bitsOf(a - b) & 0x7fffffff))),
         drawing(Draw::floats, calculation(BINARY(float, divide(a, b), a / b))),
         drawing(Draw::floats, calculation(UNARY(float, squareRoot(a), __builtin_sqrtf(a)))),
@@ -467,14 +518,18 @@ SimdGroup floats()
     return group(list);
 }
 
-// ---- partial memory -----------------------------------------------------------------------------------------------------
+// ---- partial memory -------------------------------------------------------------------------------------------------
 
 template <class T>
 constexpr SimdPartial partial()
 {
     return {sizeof(T), kLanes<T>,
-            [](const void* in, size_t n, void* out) { store(static_cast<T*>(out), loadPartial(static_cast<const T*>(in), n)); },
-            [](const void* in, void* out, size_t n) { storePartial(static_cast<T*>(out), load(static_cast<const T*>(in)), n); }};
+            [](const void* in, size_t n, void* out) {
+                store(static_cast<T*>(out), loadPartial(static_cast<const T*>(in), n));
+            },
+            [](const void* in, void* out, size_t n) {
+                storePartial(static_cast<T*>(out), load(static_cast<const T*>(in)), n);
+            }};
 }
 
 template <class T, size_t count>
@@ -482,37 +537,80 @@ constexpr SimdPartial partialVecs()
 {
     return {sizeof(T), count * kLanes<T>,
             [](const void* in, size_t n, void* out) {
-                store(static_cast<T*>(out), loadVecsPartial<count>(static_cast<const T*>(in), n)); },
+                store(static_cast<T*>(out), loadVecsPartial<count>(static_cast<const T*>(in), n));
+            },
             [](const void* in, void* out, size_t n) {
-                storePartial(static_cast<T*>(out), loadVecs<count>(static_cast<const T*>(in)), n); }};
+                storePartial(static_cast<T*>(out), loadVecs<count>(static_cast<const T*>(in)), n);
+            }};
 }
 
 const SimdPartial kPartials[] = {
-    partial<uint8_t>(), partial<int16_t>(), partial<uint32_t>(), partial<float>(),
+    partial<uint8_t>(),        partial<int16_t>(),         partial<uint32_t>(),     partial<float>(),
     partialVecs<uint8_t, 3>(), partialVecs<uint16_t, 2>(), partialVecs<float, 4>(),
 };
 
 // Functions, so that nothing of this unit runs before it is known that the processor can.
 SimdGroup (*const kGroups[])() = {
-    moves<uint8_t>, moves<int8_t>, moves<uint16_t>, moves<int16_t>, moves<uint32_t>, moves<int32_t>, moves<float>,
-    comparisons<uint8_t>, comparisons<int8_t>, comparisons<uint16_t>, comparisons<int16_t>, comparisons<uint32_t>,
-    comparisons<int32_t>, comparisons<float>,
-    integers<uint8_t>, integers<int8_t>, integers<uint16_t>, integers<int16_t>, integers<uint32_t>, integers<int32_t>,
-    saturating<uint8_t>, saturating<int8_t>, saturating<uint16_t>, saturating<int16_t>,
+    moves<uint8_t>,
+    moves<int8_t>,
+    moves<uint16_t>,
+    moves<int16_t>,
+    moves<uint32_t>,
+    moves<int32_t>,
+    moves<float>,
+    comparisons<uint8_t>,
+    comparisons<int8_t>,
+    comparisons<uint16_t>,
+    comparisons<int16_t>,
+    comparisons<uint32_t>,
+    comparisons<int32_t>,
+    comparisons<float>,
+    integers<uint8_t>,
+    integers<int8_t>,
+    integers<uint16_t>,
+    integers<int16_t>,
+    integers<uint32_t>,
+    integers<int32_t>,
+    saturating<uint8_t>,
+    saturating<int8_t>,
+    saturating<uint16_t>,
+    saturating<int16_t>,
     single,
-    widening<uint8_t>, widening<int8_t>, widening<uint16_t>, widening<int16_t>, widening<uint32_t>, widening<int32_t>,
-    widerInLanes<uint8_t>, widerInLanes<int8_t>, widerInLanes<uint16_t>, widerInLanes<int16_t>,
-    wideProducts<uint8_t>, wideProducts<int8_t>, wideProducts<uint16_t>, wideProducts<int16_t>,
-    narrowing<uint16_t>, narrowing<int16_t>, narrowing<uint32_t>, narrowing<int32_t>,
-    narrowingWithSaturation<int16_t, uint8_t>, narrowingWithSaturation<int16_t, int8_t>,
-    narrowingWithSaturation<uint16_t, uint8_t>, narrowingWithSaturation<int32_t, int16_t>,
-    narrowingWithSaturation<int32_t, uint16_t>, narrowingWithSaturation<uint32_t, uint16_t>,
-    sums<uint16_t>, sums<int16_t>, sums<uint32_t>, sums<int32_t>, byteSums,
+    widening<uint8_t>,
+    widening<int8_t>,
+    widening<uint16_t>,
+    widening<int16_t>,
+    widening<uint32_t>,
+    widening<int32_t>,
+    widerInLanes<uint8_t>,
+    widerInLanes<int8_t>,
+    widerInLanes<uint16_t>,
+    widerInLanes<int16_t>,
+    wideProducts<uint8_t>,
+    wideProducts<int8_t>,
+    wideProducts<uint16_t>,
+    wideProducts<int16_t>,
+    narrowing<uint16_t>,
+    narrowing<int16_t>,
+    narrowing<uint32_t>,
+    narrowing<int32_t>,
+    narrowingWithSaturation<int16_t, uint8_t>,
+    narrowingWithSaturation<int16_t, int8_t>,
+    narrowingWithSaturation<uint16_t, uint8_t>,
+    narrowingWithSaturation<int32_t, int16_t>,
+    narrowingWithSaturation<int32_t, uint16_t>,
+    narrowingWithSaturation<uint32_t, uint16_t>,
+    sums<uint16_t>,
+    sums<int16_t>,
+    sums<uint32_t>,
+    sums<int32_t>,
+    byteSums,
     floats,
 };
 
 } // namespace
 
-const test::SimdKernels simdKernels = {kGroups, sizeof kGroups / sizeof *kGroups, kPartials, sizeof kPartials / sizeof *kPartials};
+const test::SimdKernels simdKernels = {kGroups, sizeof kGroups / sizeof *kGroups, kPartials,
+                                       sizeof kPartials / sizeof *kPartials};
 
 } // namespace rvk::vecta::RVK_ISA

@@ -1,5 +1,5 @@
-// Every operation of the vector layer beside its scalar definition, as functions on bytes: simd/kernels.cpp is compiled once
-// per instruction set, simdTest.cpp runs what the processor has. No inline functions here: see vecta/simd/core.h.
+// Every operation of the vector layer beside its scalar definition, as functions on bytes: simd/kernels.cpp is compiled
+// once per instruction set, simdTest.cpp runs what the processor has. No inline functions here: see vecta/simd/core.h.
 #pragma once
 
 #include <cstddef>
@@ -7,7 +7,8 @@
 
 namespace test {
 
-struct SimdOperation {
+struct SimdOperation
+{
     const char* name;
     const char* element;
     uint32_t inputBytes;
@@ -19,19 +20,22 @@ struct SimdOperation {
     void (*scalar)(const void* in, void* out);
 };
 
-struct SimdPartial {
+struct SimdPartial
+{
     uint32_t elementBytes;
-    uint32_t most;                                         // elements
-    void (*load)(const void* in, size_t n, void* out);     // loadPartial, stored whole
-    void (*store)(const void* in, void* out, size_t n);    // a whole load, storePartial
+    uint32_t most;                                      // elements
+    void (*load)(const void* in, size_t n, void* out);  // loadPartial, stored whole
+    void (*store)(const void* in, void* out, size_t n); // a whole load, storePartial
 };
 
-struct SimdGroup {
+struct SimdGroup
+{
     const SimdOperation* operations;
     size_t count;
 };
 
-struct SimdKernels {
+struct SimdKernels
+{
     SimdGroup (*const* groups)();
     size_t groupCount;
     const SimdPartial* partials;
@@ -40,9 +44,9 @@ struct SimdKernels {
 
 } // namespace test
 
-#define RVK_SIMD_KERNELS(isa)                                                                                                  \
-    namespace rvk::vecta::isa {                                                                                                \
-    extern const test::SimdKernels simdKernels;                                                                                \
+#define RVK_SIMD_KERNELS(isa)                   \
+    namespace rvk::vecta::isa {                 \
+    extern const test::SimdKernels simdKernels; \
     }
 #if defined(__x86_64__)
 RVK_SIMD_KERNELS(sse42)

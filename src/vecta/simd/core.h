@@ -2,8 +2,8 @@
 // vector extensions express directly. What needs an instruction of its own stands in x86.h and neon.h.
 //
 // Everything of this layer lies in an anonymous namespace, although these are headers: a unit is compiled for several
-// instruction sets, and a function that the linker could share between units would carry AVX-512 code into a program that
-// runs on a plain CPU.
+// instruction sets, and a function that the linker could share between units would carry AVX-512 code into a program
+// that runs on a plain CPU.
 #pragma once
 
 #include <cstddef>
@@ -87,18 +87,20 @@ template <class A, class B> constexpr bool isSame = false;
 template <class A> constexpr bool isSame<A, A> = true;
 template <class T> constexpr bool isSigned = T(-1) < T(0);
 
-// ---- lists of numbers --------------------------------------------------------------------------------------------------
+// ---- lists of numbers -----------------------------------------------------------------------------------------------
 
 template <size_t... i>
 struct Indices {
 };
 template <class List, size_t next> struct AppendIndex;
 template <size_t... i, size_t next> struct AppendIndex<Indices<i...>, next> { using Type = Indices<i..., next>; };
-template <size_t count> struct CountTo { using Type = typename AppendIndex<typename CountTo<count - 1>::Type, count - 1>::Type; };
+template <size_t count> struct CountTo {
+    using Type = typename AppendIndex<typename CountTo<count - 1>::Type, count - 1>::Type;
+};
 template <> struct CountTo<0> { using Type = Indices<>; };
 
-// f(0), f(1), ... f(count - 1), each with its number as a constant. (g++ keeps an array that a loop walks in memory, and
-// moves it there word by word.)
+// f(0), f(1), ... f(count - 1), each with its number as a constant. (g++ keeps an array that a loop walks in memory,
+// and moves it there word by word.)
 template <size_t i>
 struct Constant {
     constexpr operator size_t() const { return i; }
@@ -116,7 +118,7 @@ RVK_INLINE void unrolled(F f)
     unrolledOver(f, typename CountTo<count>::Type{});
 }
 
-// ---- bits ---------------------------------------------------------------------------------------------------------------
+// ---- bits -----------------------------------------------------------------------------------------------------------
 
 template <class To, class From>
 RVK_INLINE Vec<To> bitCast(Vec<From> v)
@@ -124,7 +126,7 @@ RVK_INLINE Vec<To> bitCast(Vec<From> v)
     return {(typename Vec<To>::Raw)v.raw};
 }
 
-// ---- memory -------------------------------------------------------------------------------------------------------------
+// ---- memory ---------------------------------------------------------------------------------------------------------
 
 // A register's worth of elements anywhere in memory. (Loads and stores go through this type: a memcpy of 32 or 64 bytes
 // would have g++ move it in pieces through the stack.)
@@ -163,8 +165,8 @@ RVK_INLINE void store(T* p, const Vecs<T, count>& v)
     unrolled<count>([&](auto i) RVK_INLINE_LAMBDA { store(p + i * Vec<T>::lanes, v.v[i]); });
 }
 
-// loadPartial: the first n elements, n <= lanes, and zero in the other lanes; reads n elements only. storePartial writes the
-// first n. The same for several vectors in a row, n <= count * lanes.
+// loadPartial: the first n elements, n <= lanes, and zero in the other lanes; reads n elements only. storePartial
+// writes the first n. The same for several vectors in a row, n <= count * lanes.
 #if !defined(__AVX512BW__) // x86.h has them with masks
 template <class T>
 RVK_INLINE Vec<T> loadPartial(const T* p, size_t n)
@@ -195,7 +197,7 @@ RVK_INLINE void storePartial(T* p, const Vecs<T, count>& v, size_t n)
 }
 #endif
 
-// ---- constants ----------------------------------------------------------------------------------------------------------
+// ---- constants ------------------------------------------------------------------------------------------------------
 
 template <class T>
 RVK_INLINE Vec<T> splat(T x)
@@ -206,7 +208,7 @@ RVK_INLINE Vec<T> splat(T x)
 template <>
 RVK_INLINE Vec<float> splat(float x)
 {
-    uint32_t bits; // a subtraction would lose the sign of -0
+    uint32_t bits; // no arithmetic, which could change a signalling not-a-number
     __builtin_memcpy(&bits, &x, sizeof bits);
     return bitCast<float>(splat(bits));
 }
@@ -227,22 +229,22 @@ RVK_INLINE Vec<T> iota()
     return v;
 }
 
-// ---- arithmetic: integers wrap ------------------------------------------------------------------------------------------
+// ---- arithmetic: integers wrap --------------------------------------------------------------------------------------
 
-// The raw operators of signed vectors would be undefined on overflow, so sums and products are formed unsigned. On 32-bit
-// Arm the compilers refuse NEON for float operators, because it flushes subnormals; neon.h has the float overloads there.
+// The raw operators of signed vectors would be undefined on overflow, so sums and products are formed unsigned. On
+// 32-bit Arm the compilers refuse NEON for float operators, because it flushes subnormals; intrinsics insist.
 #if defined(__ARM_NEON) && !defined(__aarch64__)
 #define RVK_GENERIC_FLOAT 0
 #else
 #define RVK_GENERIC_FLOAT 1
 #endif
 
-#define RVK_ARITHMETIC(op)                                                                                                     \
-    template <class T>                                                                                                         \
-    RVK_INLINE Vec<T> operator op(Vec<T> a, Vec<T> b)                                                                          \
-    {                                                                                                                          \
-        using U = Unsigned<T>;                                                                                                 \
-        return bitCast<T>(Vec<U>{bitCast<U>(a).raw op bitCast<U>(b).raw});                                                     \
+#define RVK_ARITHMETIC(op)                                                                                             \
+    template <class T>                                                                                                 \
+    RVK_INLINE Vec<T> operator op(Vec<T> a, Vec<T> b)                                                                  \
+    {                                                                                                                  \
+        using U = Unsigned<T>;                                                                                         \
+        return bitCast<T>(Vec<U>{bitCast<U>(a).raw op bitCast<U>(b).raw});                                             \
     }
 RVK_ARITHMETIC(+)
 RVK_ARITHMETIC(-)
@@ -257,9 +259,16 @@ template <> RVK_INLINE Vec<float> operator+(Vec<float> a, Vec<float> b) { return
 template <> RVK_INLINE Vec<float> operator-(Vec<float> a, Vec<float> b) { return {a.raw - b.raw}; }
 template <> RVK_INLINE Vec<float> operator*(Vec<float> a, Vec<float> b) { return {a.raw * b.raw}; }
 #else
-template <> RVK_INLINE Vec<float> operator+(Vec<float> a, Vec<float> b) { return {(Vec<float>::Raw)vaddq_f32(a.raw, b.raw)}; }
-template <> RVK_INLINE Vec<float> operator-(Vec<float> a, Vec<float> b) { return {(Vec<float>::Raw)vsubq_f32(a.raw, b.raw)}; }
-template <> RVK_INLINE Vec<float> operator*(Vec<float> a, Vec<float> b) { return {(Vec<float>::Raw)vmulq_f32(a.raw, b.raw)}; }
+#define RVK_FLOAT_ARITHMETIC(op, intrinsic)                                                                            \
+    template <>                                                                                                        \
+    RVK_INLINE Vec<float> operator op(Vec<float> a, Vec<float> b)                                                      \
+    {                                                                                                                  \
+        return {(Vec<float>::Raw)intrinsic((float32x4_t)a.raw, (float32x4_t)b.raw)};                                   \
+    }
+RVK_FLOAT_ARITHMETIC(+, vaddq_f32)
+RVK_FLOAT_ARITHMETIC(-, vsubq_f32)
+RVK_FLOAT_ARITHMETIC(*, vmulq_f32)
+#undef RVK_FLOAT_ARITHMETIC
 #endif
 
 template <class T>
@@ -282,7 +291,7 @@ RVK_INLINE Vec<T> shiftRight(Vec<T> a, unsigned count)
     return {a.raw >> static_cast<T>(count)};
 }
 
-// ---- lanes --------------------------------------------------------------------------------------------------------------
+// ---- lanes ----------------------------------------------------------------------------------------------------------
 
 template <class T, class F, size_t... i>
 RVK_INLINE Vec<T> shuffleLanes(Vec<T> a, Vec<T> b, F, Indices<i...>)
@@ -290,7 +299,7 @@ RVK_INLINE Vec<T> shuffleLanes(Vec<T> a, Vec<T> b, F, Indices<i...>)
     return {__builtin_shufflevector(a.raw, b.raw, F{}(i)...)};
 }
 
-// Lane i of the result is lane f(i) of a followed by b. f is a lambda without captures, so that its values are constants.
+// Lane i of the result is lane f(i) of a followed by b. f is a lambda without captures: its values are constants.
 template <class T, class F>
 RVK_INLINE Vec<T> shuffle(Vec<T> a, Vec<T> b, F f)
 {
@@ -341,17 +350,17 @@ RVK_INLINE Vec<T> unzipOdd(Vec<T> a, Vec<T> b)
     return shuffle(a, b, [](size_t i) { return 2 * i + 1; });
 }
 
-// "InLanes": the same within each 16-byte block of the registers, which is what x86 does in one instruction. Registers of 16
-// bytes are one block. What an ...InLanes function takes apart, its counterpart puts together again; element-wise work in
-// between does not see the order.
+// "InLanes": the same within each 16-byte block of the registers, which is what x86 does in one instruction. Registers
+// of 16 bytes are one block. What an ...InLanes function takes apart, its counterpart puts together again; element-wise
+// work in between does not see the order.
 template <class T> constexpr size_t kBlock = 16 / sizeof(T);
 
 template <class T>
 RVK_INLINE Vecs<T, 2> zipInLanes(Vec<T> a, Vec<T> b)
 {
-    return {shuffle(a, b, [](size_t i) { return i / kBlock<T> * kBlock<T> + i % kBlock<T> / 2 + i % 2 * Vec<T>::lanes; }),
-            shuffle(a, b, [](size_t i) {
-                return i / kBlock<T> * kBlock<T> + kBlock<T> / 2 + i % kBlock<T> / 2 + i % 2 * Vec<T>::lanes; })};
+    constexpr size_t n = kBlock<T>;
+    return {shuffle(a, b, [](size_t i) { return i / n * n + i % n / 2 + i % 2 * Vec<T>::lanes; }),
+            shuffle(a, b, [](size_t i) { return i / n * n + n / 2 + i % n / 2 + i % 2 * Vec<T>::lanes; })};
 }
 
 // zipLow and zipHigh. Where there are two blocks, both halves are made of the same two vectors.
@@ -368,7 +377,7 @@ RVK_INLINE Vecs<T, 2> zip(Vec<T> a, Vec<T> b)
     }
 }
 
-// ---- comparison and selection -------------------------------------------------------------------------------------------
+// ---- comparison and selection ---------------------------------------------------------------------------------------
 
 #if !defined(__AVX512BW__)
 // The result of a comparison: a truth value per lane. Masks combine with & | ^ ~.

@@ -1,7 +1,7 @@
 // The NEON back end: 32-bit Arm and AArch64.
 //
-// On 32-bit Arm, NEON flushes subnormal floats to zero, in operands and in results, and so do the float operations here, except
-// divide and squareRoot, which NEON lacks there and the scalar unit does, lane by lane.
+// On 32-bit Arm, NEON flushes subnormal floats to zero, in operands and in results, and so do the float operations
+// here, except divide and squareRoot, which NEON lacks there and the scalar unit does, lane by lane.
 #pragma once
 
 #include "vecta/simd/core.h"
@@ -11,9 +11,9 @@ namespace {
 
 // The intrinsics' own type of a vector, and of half of one.
 template <class T> struct Neon;
-#define RVK_NEON_TYPE(T, full, half)                                                                                           \
-    template <> struct Neon<T> { using Full = full; using Half = half; };                                                      \
-    RVK_INLINE full reg(Vec<T> v) { return (full)v.raw; }                                                                      \
+#define RVK_NEON_TYPE(T, full, half)                                                                                   \
+    template <> struct Neon<T> { using Full = full; using Half = half; };                                              \
+    RVK_INLINE full reg(Vec<T> v) { return (full)v.raw; }                                                              \
     RVK_INLINE Vec<T> vec(full r) { return {(Vec<T>::Raw)r}; }
 RVK_NEON_TYPE(uint8_t, uint8x16_t, uint8x8_t)
 RVK_NEON_TYPE(int8_t, int8x16_t, int8x8_t)
@@ -26,20 +26,20 @@ RVK_NEON_TYPE(int64_t, int64x2_t, int64x1_t)
 RVK_NEON_TYPE(float, float32x4_t, float32x2_t)
 #undef RVK_NEON_TYPE
 
-// ---- element-wise operations --------------------------------------------------------------------------------------------
+// ---- element-wise operations ----------------------------------------------------------------------------------------
 
-#define RVK_UNARY(name, T, intrinsic)                                                                                          \
+#define RVK_UNARY(name, T, intrinsic)                                                                                  \
     RVK_INLINE Vec<T> name(Vec<T> a) { return vec(intrinsic(reg(a))); }
-#define RVK_BINARY(name, T, intrinsic)                                                                                         \
+#define RVK_BINARY(name, T, intrinsic)                                                                                 \
     RVK_INLINE Vec<T> name(Vec<T> a, Vec<T> b) { return vec(intrinsic(reg(a), reg(b))); }
-#define RVK_BINARY_8_16(name, intrinsic)                                                                                       \
-    RVK_BINARY(name, uint8_t, intrinsic##_u8)                                                                                  \
-    RVK_BINARY(name, int8_t, intrinsic##_s8)                                                                                   \
-    RVK_BINARY(name, uint16_t, intrinsic##_u16)                                                                                \
+#define RVK_BINARY_8_16(name, intrinsic)                                                                               \
+    RVK_BINARY(name, uint8_t, intrinsic##_u8)                                                                          \
+    RVK_BINARY(name, int8_t, intrinsic##_s8)                                                                           \
+    RVK_BINARY(name, uint16_t, intrinsic##_u16)                                                                        \
     RVK_BINARY(name, int16_t, intrinsic##_s16)
-#define RVK_BINARY_8_16_32(name, intrinsic)                                                                                    \
-    RVK_BINARY_8_16(name, intrinsic)                                                                                           \
-    RVK_BINARY(name, uint32_t, intrinsic##_u32)                                                                                \
+#define RVK_BINARY_8_16_32(name, intrinsic)                                                                            \
+    RVK_BINARY_8_16(name, intrinsic)                                                                                   \
+    RVK_BINARY(name, uint32_t, intrinsic##_u32)                                                                        \
     RVK_BINARY(name, int32_t, intrinsic##_s32)
 
 RVK_BINARY_8_16_32(min, vminq)
@@ -58,7 +58,7 @@ RVK_UNARY(abs, int16_t, vabsq_s16)
 RVK_UNARY(abs, int32_t, vabsq_s32)
 RVK_UNARY(countBits, uint8_t, vcntq_u8)
 
-// ---- comparison and selection -------------------------------------------------------------------------------------------
+// ---- comparison and selection ---------------------------------------------------------------------------------------
 
 template <class T>
 RVK_INLINE Mask<T> equal(Vec<T> a, Vec<T> b)
@@ -121,7 +121,7 @@ template <class T> RVK_INLINE size_t firstTrue(Mask<T> m)
 RVK_INLINE Vec<float> min(Vec<float> a, Vec<float> b) { return select(less(b, a), b, a); }
 RVK_INLINE Vec<float> max(Vec<float> a, Vec<float> b) { return select(less(a, b), b, a); }
 
-// ---- floats -------------------------------------------------------------------------------------------------------------
+// ---- floats ---------------------------------------------------------------------------------------------------------
 
 RVK_INLINE Vec<float> toFloat(Vec<int32_t> v) { return vec(vcvtq_f32_s32(reg(v))); }
 RVK_INLINE Vec<float> toFloat(Vec<uint32_t> v) { return toFloat(bitCast<int32_t>(v)); }
@@ -167,11 +167,11 @@ RVK_INLINE Vec<int32_t> roundToInt(Vec<float> v)
 
 #endif
 
-// ---- wider and narrower elements ----------------------------------------------------------------------------------------
+// ---- wider and narrower elements ------------------------------------------------------------------------------------
 
-#define RVK_HALVES(T, suffix)                                                                                                  \
-    RVK_INLINE Neon<T>::Half lowHalf(Vec<T> v) { return vget_low_##suffix(reg(v)); }                                           \
-    RVK_INLINE Neon<T>::Half highHalf(Vec<T> v) { return vget_high_##suffix(reg(v)); }                                         \
+#define RVK_HALVES(T, suffix)                                                                                          \
+    RVK_INLINE Neon<T>::Half lowHalf(Vec<T> v) { return vget_low_##suffix(reg(v)); }                                   \
+    RVK_INLINE Neon<T>::Half highHalf(Vec<T> v) { return vget_high_##suffix(reg(v)); }                                 \
     RVK_INLINE Vec<T> join(Neon<T>::Half low, Neon<T>::Half high) { return vec(vcombine_##suffix(low, high)); }
 RVK_HALVES(uint8_t, u8)
 RVK_HALVES(int8_t, s8)
@@ -182,10 +182,10 @@ RVK_HALVES(int32_t, s32)
 RVK_HALVES(float, f32)
 #undef RVK_HALVES
 
-#define RVK_WIDEN(T, suffix)                                                                                                   \
-    RVK_INLINE Vecs<Wider<T>, 2> widen(Vec<T> v)                                                                               \
-    {                                                                                                                          \
-        return {vec(vmovl_##suffix(lowHalf(v))), vec(vmovl_##suffix(highHalf(v)))};                                            \
+#define RVK_WIDEN(T, suffix)                                                                                           \
+    RVK_INLINE Vecs<Wider<T>, 2> widen(Vec<T> v)                                                                       \
+    {                                                                                                                  \
+        return {vec(vmovl_##suffix(lowHalf(v))), vec(vmovl_##suffix(highHalf(v)))};                                    \
     }
 RVK_WIDEN(uint8_t, u8)
 RVK_WIDEN(int8_t, s8)
@@ -196,12 +196,12 @@ RVK_WIDEN(int32_t, s32)
 #undef RVK_WIDEN
 
 // As many elements from p as a vector of To has lanes, each made two or four times as wide.
-#define RVK_LOAD_WIDEN(T, suffix)                                                                                              \
-    template <class To>                                                                                                        \
-        requires(isSame<To, Wider<T>>)                                                                                         \
-    RVK_INLINE Vec<To> loadWiden(const T* p)                                                                                   \
-    {                                                                                                                          \
-        return vec(vmovl_##suffix(vld1_##suffix(p)));                                                                          \
+#define RVK_LOAD_WIDEN(T, suffix)                                                                                      \
+    template <class To>                                                                                                \
+        requires(isSame<To, Wider<T>>)                                                                                 \
+    RVK_INLINE Vec<To> loadWiden(const T* p)                                                                           \
+    {                                                                                                                  \
+        return vec(vmovl_##suffix(vld1_##suffix(p)));                                                                  \
     }
 RVK_LOAD_WIDEN(uint8_t, u8)
 RVK_LOAD_WIDEN(int8_t, s8)
@@ -227,10 +227,10 @@ RVK_INLINE Vecs<Wider<T>, 2> widenInLanes(Vec<T> v)
     return widen(v);
 }
 
-#define RVK_NARROW(T, suffix)                                                                                                  \
-    RVK_INLINE Vec<Narrower<T>> narrow(Vecs<T, 2> v)                                                                           \
-    {                                                                                                                          \
-        return join(vmovn_##suffix(reg(v[0])), vmovn_##suffix(reg(v[1])));                                                     \
+#define RVK_NARROW(T, suffix)                                                                                          \
+    RVK_INLINE Vec<Narrower<T>> narrow(Vecs<T, 2> v)                                                                   \
+    {                                                                                                                  \
+        return join(vmovn_##suffix(reg(v[0])), vmovn_##suffix(reg(v[1])));                                             \
     }
 RVK_NARROW(uint16_t, u16)
 RVK_NARROW(int16_t, s16)
@@ -245,22 +245,22 @@ RVK_INLINE Vec<Narrower<T>> narrowInLanes(Vecs<T, 2> v)
 }
 
 // Saturates the lanes of two vectors: s16 -> u8 and s8, u16 -> u8, s32 -> s16 and u16, u32 -> u16.
-#define RVK_NARROW_SIGNED(T, suffix)                                                                                           \
-    template <class To>                                                                                                        \
-    RVK_INLINE Vec<To> narrowSat(Vecs<T, 2> v)                                                                                 \
-    {                                                                                                                          \
-        static_assert(sizeof(To) * 2 == sizeof(T));                                                                            \
-        if constexpr (isSigned<To>)                                                                                            \
-            return join(vqmovn_##suffix(reg(v[0])), vqmovn_##suffix(reg(v[1])));                                               \
-        else                                                                                                                   \
-            return join(vqmovun_##suffix(reg(v[0])), vqmovun_##suffix(reg(v[1])));                                             \
+#define RVK_NARROW_SIGNED(T, suffix)                                                                                   \
+    template <class To>                                                                                                \
+    RVK_INLINE Vec<To> narrowSat(Vecs<T, 2> v)                                                                         \
+    {                                                                                                                  \
+        static_assert(sizeof(To) * 2 == sizeof(T));                                                                    \
+        if constexpr (isSigned<To>)                                                                                    \
+            return join(vqmovn_##suffix(reg(v[0])), vqmovn_##suffix(reg(v[1])));                                       \
+        else                                                                                                           \
+            return join(vqmovun_##suffix(reg(v[0])), vqmovun_##suffix(reg(v[1])));                                     \
     }
-#define RVK_NARROW_UNSIGNED(T, suffix)                                                                                         \
-    template <class To>                                                                                                        \
-    RVK_INLINE Vec<To> narrowSat(Vecs<T, 2> v)                                                                                 \
-    {                                                                                                                          \
-        static_assert(isSame<To, Narrower<T>>);                                                                                \
-        return join(vqmovn_##suffix(reg(v[0])), vqmovn_##suffix(reg(v[1])));                                                   \
+#define RVK_NARROW_UNSIGNED(T, suffix)                                                                                 \
+    template <class To>                                                                                                \
+    RVK_INLINE Vec<To> narrowSat(Vecs<T, 2> v)                                                                         \
+    {                                                                                                                  \
+        static_assert(isSame<To, Narrower<T>>);                                                                        \
+        return join(vqmovn_##suffix(reg(v[0])), vqmovn_##suffix(reg(v[1])));                                           \
     }
 RVK_NARROW_SIGNED(int16_t, s16)
 RVK_NARROW_SIGNED(int32_t, s32)
@@ -275,13 +275,13 @@ RVK_INLINE Vec<To> narrowSatInLanes(Vecs<T, 2> v)
     return narrowSat<To>(v);
 }
 
-// ---- products -----------------------------------------------------------------------------------------------------------
+// ---- products -------------------------------------------------------------------------------------------------------
 
-#define RVK_MULTIPLY_WIDE(T, suffix)                                                                                           \
-    RVK_INLINE Vecs<Wider<T>, 2> multiplyWide(Vec<T> a, Vec<T> b)                                                              \
-    {                                                                                                                          \
-        return {vec(vmull_##suffix(lowHalf(a), lowHalf(b))), vec(vmull_##suffix(highHalf(a), highHalf(b)))};                   \
-    }                                                                                                                          \
+#define RVK_MULTIPLY_WIDE(T, suffix)                                                                                   \
+    RVK_INLINE Vecs<Wider<T>, 2> multiplyWide(Vec<T> a, Vec<T> b)                                                      \
+    {                                                                                                                  \
+        return {vec(vmull_##suffix(lowHalf(a), lowHalf(b))), vec(vmull_##suffix(highHalf(a), highHalf(b)))};           \
+    }                                                                                                                  \
     RVK_INLINE Vecs<Wider<T>, 2> multiplyWideInLanes(Vec<T> a, Vec<T> b) { return multiplyWide(a, b); }
 RVK_MULTIPLY_WIDE(uint8_t, u8)
 RVK_MULTIPLY_WIDE(int8_t, s8)
@@ -312,7 +312,7 @@ RVK_INLINE Vec<int32_t> dotPairs(Vec<int16_t> a, Vec<int16_t> b)
 #endif
 }
 
-// ---- tables -------------------------------------------------------------------------------------------------------------
+// ---- tables ---------------------------------------------------------------------------------------------------------
 
 // A table of 16 bytes, repeated in every block of the register.
 RVK_INLINE Vec<uint8_t> loadTable16(const uint8_t* table)
@@ -401,7 +401,7 @@ RVK_INLINE Vec<uint8_t> lookup(const Table256& table, Vec<uint8_t> index)
 
 #endif
 
-// ---- sums ---------------------------------------------------------------------------------------------------------------
+// ---- sums -----------------------------------------------------------------------------------------------------------
 
 // Adds all elements of v to the lanes of acc, whichever is convenient; sums wrap.
 RVK_INLINE Vec<uint32_t> addBytesTo(Vec<uint32_t> acc, Vec<uint8_t> v)
@@ -416,23 +416,23 @@ RVK_INLINE Vec<int64_t> addTo(Vec<int64_t> acc, Vec<int32_t> v) { return vec(vpa
 
 // The least, the largest and the sum of all lanes; sums of 32-bit elements wrap.
 #if defined(__aarch64__)
-#define RVK_REDUCE(T, suffix, steps)                                                                                           \
-    RVK_INLINE T reduceMin(Vec<T> v) { return vminvq_##suffix(reg(v)); }                                                       \
+#define RVK_REDUCE(T, suffix, steps)                                                                                   \
+    RVK_INLINE T reduceMin(Vec<T> v) { return vminvq_##suffix(reg(v)); }                                               \
     RVK_INLINE T reduceMax(Vec<T> v) { return vmaxvq_##suffix(reg(v)); }
 #else
 // A pairwise operation halves the number of different lanes.
-#define RVK_REDUCE(T, suffix, steps)                                                                                           \
-    RVK_INLINE T reduceMin(Vec<T> v)                                                                                           \
-    {                                                                                                                          \
-        auto r = vmin_##suffix(lowHalf(v), highHalf(v));                                                                       \
-        unrolled<steps>([&](auto) RVK_INLINE_LAMBDA { r = vpmin_##suffix(r, r); });                                            \
-        return vget_lane_##suffix(r, 0);                                                                                       \
-    }                                                                                                                          \
-    RVK_INLINE T reduceMax(Vec<T> v)                                                                                           \
-    {                                                                                                                          \
-        auto r = vmax_##suffix(lowHalf(v), highHalf(v));                                                                       \
-        unrolled<steps>([&](auto) RVK_INLINE_LAMBDA { r = vpmax_##suffix(r, r); });                                            \
-        return vget_lane_##suffix(r, 0);                                                                                       \
+#define RVK_REDUCE(T, suffix, steps)                                                                                   \
+    RVK_INLINE T reduceMin(Vec<T> v)                                                                                   \
+    {                                                                                                                  \
+        auto r = vmin_##suffix(lowHalf(v), highHalf(v));                                                               \
+        unrolled<steps>([&](auto) RVK_INLINE_LAMBDA { r = vpmin_##suffix(r, r); });                                    \
+        return vget_lane_##suffix(r, 0);                                                                               \
+    }                                                                                                                  \
+    RVK_INLINE T reduceMax(Vec<T> v)                                                                                   \
+    {                                                                                                                  \
+        auto r = vmax_##suffix(lowHalf(v), highHalf(v));                                                               \
+        unrolled<steps>([&](auto) RVK_INLINE_LAMBDA { r = vpmax_##suffix(r, r); });                                    \
+        return vget_lane_##suffix(r, 0);                                                                               \
     }
 #endif
 RVK_REDUCE(uint8_t, u8, 3)
@@ -458,25 +458,25 @@ RVK_INLINE uint32_t reduceAdd(Vec<uint32_t> v)
 
 RVK_INLINE int32_t reduceAdd(Vec<int32_t> v) { return static_cast<int32_t>(reduceAdd(bitCast<uint32_t>(v))); }
 
-// ---- interleaved memory -------------------------------------------------------------------------------------------------
+// ---- interleaved memory ---------------------------------------------------------------------------------------------
 
-#define RVK_INTERLEAVED(n, T, suffix)                                                                                          \
-    RVK_INLINE Vecs<T, n> load##n(const T* p)                                                                                  \
-    {                                                                                                                          \
-        const auto m = vld##n##q_##suffix(p);                                                                                  \
-        Vecs<T, n> r;                                                                                                          \
-        unrolled<n>([&](auto i) RVK_INLINE_LAMBDA { r[i] = vec(m.val[i]); });                                                  \
-        return r;                                                                                                              \
-    }                                                                                                                          \
-    RVK_INLINE void store##n(T* p, const Vecs<T, n>& v)                                                                        \
-    {                                                                                                                          \
-        decltype(vld##n##q_##suffix(p)) m;                                                                                     \
-        unrolled<n>([&](auto i) RVK_INLINE_LAMBDA { m.val[i] = reg(v[i]); });                                                  \
-        vst##n##q_##suffix(p, m);                                                                                              \
+#define RVK_INTERLEAVED(n, T, suffix)                                                                                  \
+    RVK_INLINE Vecs<T, n> load##n(const T* p)                                                                          \
+    {                                                                                                                  \
+        const auto m = vld##n##q_##suffix(p);                                                                          \
+        Vecs<T, n> r;                                                                                                  \
+        unrolled<n>([&](auto i) RVK_INLINE_LAMBDA { r[i] = vec(m.val[i]); });                                          \
+        return r;                                                                                                      \
+    }                                                                                                                  \
+    RVK_INLINE void store##n(T* p, const Vecs<T, n>& v)                                                                \
+    {                                                                                                                  \
+        decltype(vld##n##q_##suffix(p)) m;                                                                             \
+        unrolled<n>([&](auto i) RVK_INLINE_LAMBDA { m.val[i] = reg(v[i]); });                                          \
+        vst##n##q_##suffix(p, m);                                                                                      \
     }
-#define RVK_INTERLEAVED_ALL(T, suffix)                                                                                         \
-    RVK_INTERLEAVED(2, T, suffix)                                                                                              \
-    RVK_INTERLEAVED(3, T, suffix)                                                                                              \
+#define RVK_INTERLEAVED_ALL(T, suffix)                                                                                 \
+    RVK_INTERLEAVED(2, T, suffix)                                                                                      \
+    RVK_INTERLEAVED(3, T, suffix)                                                                                      \
     RVK_INTERLEAVED(4, T, suffix)
 RVK_INTERLEAVED_ALL(uint8_t, u8)
 RVK_INTERLEAVED_ALL(int8_t, s8)

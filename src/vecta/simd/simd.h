@@ -1,4 +1,43 @@
 // The vector layer: what the vector units include. One source written against it serves every instruction set.
+//
+// Vec<T> is one register of elements T: uint8_t, int8_t, uint16_t, int16_t, uint32_t, int32_t, float, and uint64_t and
+// int64_t for sums. It has Vec<T>::lanes of them, kBytes in all. Vecs<T, n> are n vectors, [0] to [n - 1]. Wider<T> and
+// Narrower<T> are the types twice and half as wide. Nothing needs more alignment than its elements, and what is said to
+// touch n elements touches no other. Every operation gives the same bits on every instruction set, except that float
+// arithmetic and comparisons on 32-bit Arm take subnormals as zero (divide and squareRoot do not).
+//
+// Memory      load(p), store(p, v or vs), loadVecs<n>(p)
+//             loadPartial(p, n), loadVecsPartial<count>(p, n), storePartial(p, v or vs, n): the first n elements, n may
+//             be 0; loads give zero in the lanes after them
+//             loadWiden<To>(p): Vec<To>::lanes elements half as wide, or bytes to 32 bits
+//             load2, load3, load4(p) -> Vecs<T, n>: the channels of interleaved pixels; store2, store3, store4(p, vs)
+// Constants   splat(x), zero<T>(), iota<T>(): 0, 1, 2, ...
+// Arithmetic  + - * (integers wrap; * of bytes is slow), & | ^ ~, shiftLeft, shiftRight(v, count): count < width of T
+//             min, max: of floats b < a ? b : a and a < b ? b : a, so a when equal or when either is not a number
+//             addSat, subSat: 8 and 16 bits; average: (a + b + 1) >> 1, u8 and u16
+//             abs: s8, s16, s32 (the least value stays), float (clears the sign bit)
+//             absDiff: exact modulo the width; but s32: abs of the wrapped difference; float: abs(a - b)
+//             countBits: u8, of each byte
+// Floats      divide, squareRoot: IEEE everywhere; nothing is contracted, a * b + c rounds twice
+//             toFloat: s32, and u32 below 2^31; truncateToInt, roundToInt (halves to even): the value must fit int32_t
+// Comparison  equal, greater, less -> Mask<T>, false for not-a-numbers; masks combine by & | ^ ~
+//             select(mask, a, b): a where true, else b; toVec(mask): all bits of true lanes set; any, all(mask);
+//             firstTrue(mask): the number of the first true lane, of which there must be one
+// Width       widen(v) -> Vecs<Wider, 2>; narrow(vs): drops the upper halves of the elements; narrowSat<To>(vs): s16 to
+//             u8 or s8, u16 to u8, s32 to s16 or u16, u32 to u16
+//             multiplyWide(a, b) -> Vecs<Wider, 2>: 8 and 16 bits; multiplyHigh: the upper halves of products, 16 bits
+//             dotPairs(a, b): s16 -> s32, a[2i] * b[2i] + a[2i + 1] * b[2i + 1]
+//  ..InLanes  widenInLanes, narrowInLanes, narrowSatInLanes<To>, multiplyWideInLanes, zipInLanes: the same, with the
+//             lanes of the wide vectors in the order that is cheapest. What one takes apart, another puts together
+// Lanes       reverse(v); extract<n>(a, b): lanes n, n + 1, ... of a followed by b; zipLow, zipHigh, zip(a, b):
+//             a0 b0 a1 b1 ...; unzipEven, unzipOdd(a, b): every second lane of a followed by b
+//             shuffle(a, b, [](size_t i) { ... }): lane i is that lane of a followed by b; costs what it costs
+//             bitCast<To>(v): the same bits as other elements
+// Tables      lookup16(loadTable16(p), indices below 16), lookup(prepare(table of 256 bytes), any indices): u8. The
+//             table must stay where it is while the prepared one is in use
+// Sums        addBytesTo(acc u32, u8), addTo(acc, v) for u16 to u32, s16 to s32, u32 to u64, s32 to s64: each element
+//             of v is added to some lane of acc; reduceAdd(v): exact for u8, u16 and s16, wrapping for 32 and 64 bits
+//             reduceMin, reduceMax(v): 8, 16, 32 bits, and floats without not-a-numbers
 #pragma once
 
 #include "vecta/simd/core.h"
@@ -13,7 +52,7 @@
 namespace rvk::vecta::RVK_ISA {
 namespace {
 
-// ---- built from the above, the same everywhere --------------------------------------------------------------------------
+// ---- built from the above, the same everywhere ----------------------------------------------------------------------
 
 // |a| of floats: clears the sign bit, of zeros and non-numbers too.
 RVK_INLINE Vec<float> abs(Vec<float> a)

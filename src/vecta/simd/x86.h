@@ -1,6 +1,6 @@
-// The x86 back end: SSE4.2, AVX2 and AVX-512 (F, BW, VL, DQ, VBMI, VBMI2, BITALG). The three have the same instructions under
-// names that differ by prefix, so RVK_MM(name) pastes the prefix of the instruction set that is compiled; AVX-512 differs where
-// comparisons give mask registers and where bytes move freely across the register.
+// The x86 back end: SSE4.2, AVX2 and AVX-512 (F, BW, VL, DQ, VBMI, VBMI2, BITALG). The three have the same instructions
+// under names that differ by prefix, so RVK_MM(name) pastes the prefix of the instruction set that is compiled; AVX-512
+// differs where comparisons give mask registers and where bytes move freely across the register.
 #pragma once
 
 #include "vecta/simd/core.h"
@@ -66,7 +66,7 @@ RVK_INLINE HalfRegister lowHalf(Register r) { return r; }
 RVK_INLINE HalfRegister highHalf(Register r) { return _mm_unpackhi_epi64(r, r); }
 #endif
 
-// ---- partial memory -----------------------------------------------------------------------------------------------------
+// ---- partial memory -------------------------------------------------------------------------------------------------
 
 #if RVK_AVX512
 
@@ -142,11 +142,11 @@ RVK_INLINE void storePartial(T* p, const Vecs<T, count>& v, size_t n)
 
 #endif
 
-// ---- element-wise operations --------------------------------------------------------------------------------------------
+// ---- element-wise operations ----------------------------------------------------------------------------------------
 
-#define RVK_UNARY(name, T, intrinsic)                                                                                          \
+#define RVK_UNARY(name, T, intrinsic)                                                                                  \
     RVK_INLINE Vec<T> name(Vec<T> a) { return vec<T>(RVK_MM(intrinsic)(reg(a))); }
-#define RVK_BINARY(name, T, intrinsic)                                                                                         \
+#define RVK_BINARY(name, T, intrinsic)                                                                                 \
     RVK_INLINE Vec<T> name(Vec<T> a, Vec<T> b) { return vec<T>(RVK_MM(intrinsic)(reg(a), reg(b))); }
 
 RVK_BINARY(min, uint8_t, min_epu8)
@@ -205,7 +205,7 @@ RVK_INLINE Vec<float> toFloat(Vec<uint32_t> v) { return toFloat(bitCast<int32_t>
 RVK_INLINE Vec<int32_t> truncateToInt(Vec<float> v) { return vec<int32_t>(RVK_MM(cvttps_epi32)(floatReg(v))); }
 RVK_INLINE Vec<int32_t> roundToInt(Vec<float> v) { return vec<int32_t>(RVK_MM(cvtps_epi32)(floatReg(v))); }
 
-// ---- comparison and selection -------------------------------------------------------------------------------------------
+// ---- comparison and selection ---------------------------------------------------------------------------------------
 
 #if RVK_AVX512
 
@@ -222,11 +222,11 @@ struct Mask {
     Bits bits;
 };
 
-#define RVK_MASK_OPERATOR(op)                                                                                                  \
-    template <class T>                                                                                                         \
-    RVK_INLINE Mask<T> operator op(Mask<T> a, Mask<T> b)                                                                       \
-    {                                                                                                                          \
-        return {static_cast<typename Mask<T>::Bits>(a.bits op b.bits)};                                                        \
+#define RVK_MASK_OPERATOR(op)                                                                                          \
+    template <class T>                                                                                                 \
+    RVK_INLINE Mask<T> operator op(Mask<T> a, Mask<T> b)                                                               \
+    {                                                                                                                  \
+        return {static_cast<typename Mask<T>::Bits>(a.bits op b.bits)};                                                \
     }
 RVK_MASK_OPERATOR(&)
 RVK_MASK_OPERATOR(|)
@@ -239,14 +239,14 @@ RVK_INLINE Mask<T> operator~(Mask<T> a)
     return {static_cast<typename Mask<T>::Bits>(~a.bits)};
 }
 
-#define RVK_COMPARISONS(T, suffix, vectorSuffix)                                                                               \
-    RVK_INLINE Mask<T> equal(Vec<T> a, Vec<T> b) { return {_mm512_cmpeq_##suffix##_mask(reg(a), reg(b))}; }                    \
-    RVK_INLINE Mask<T> greater(Vec<T> a, Vec<T> b) { return {_mm512_cmpgt_##suffix##_mask(reg(a), reg(b))}; }                  \
-    RVK_INLINE Mask<T> less(Vec<T> a, Vec<T> b) { return {_mm512_cmplt_##suffix##_mask(reg(a), reg(b))}; }                     \
-    RVK_INLINE Vec<T> select(Mask<T> m, Vec<T> a, Vec<T> b)                                                                    \
-    {                                                                                                                          \
-        return vec<T>(_mm512_mask_blend_##vectorSuffix(m.bits, reg(b), reg(a)));                                               \
-    }                                                                                                                          \
+#define RVK_COMPARISONS(T, suffix, vectorSuffix)                                                                       \
+    RVK_INLINE Mask<T> equal(Vec<T> a, Vec<T> b) { return {_mm512_cmpeq_##suffix##_mask(reg(a), reg(b))}; }            \
+    RVK_INLINE Mask<T> greater(Vec<T> a, Vec<T> b) { return {_mm512_cmpgt_##suffix##_mask(reg(a), reg(b))}; }          \
+    RVK_INLINE Mask<T> less(Vec<T> a, Vec<T> b) { return {_mm512_cmplt_##suffix##_mask(reg(a), reg(b))}; }             \
+    RVK_INLINE Vec<T> select(Mask<T> m, Vec<T> a, Vec<T> b)                                                            \
+    {                                                                                                                  \
+        return vec<T>(_mm512_mask_blend_##vectorSuffix(m.bits, reg(b), reg(a)));                                       \
+    }                                                                                                                  \
     RVK_INLINE Vec<T> toVec(Mask<T> m) { return vec<T>(_mm512_movm_##vectorSuffix(m.bits)); }
 RVK_COMPARISONS(uint8_t, epu8, epi8)
 RVK_COMPARISONS(int8_t, epi8, epi8)
@@ -258,9 +258,16 @@ RVK_COMPARISONS(uint64_t, epu64, epi64)
 RVK_COMPARISONS(int64_t, epi64, epi64)
 #undef RVK_COMPARISONS
 
-RVK_INLINE Mask<float> equal(Vec<float> a, Vec<float> b) { return {_mm512_cmp_ps_mask(floatReg(a), floatReg(b), _CMP_EQ_OQ)}; }
-RVK_INLINE Mask<float> greater(Vec<float> a, Vec<float> b) { return {_mm512_cmp_ps_mask(floatReg(a), floatReg(b), _CMP_GT_OQ)}; }
-RVK_INLINE Mask<float> less(Vec<float> a, Vec<float> b) { return {_mm512_cmp_ps_mask(floatReg(a), floatReg(b), _CMP_LT_OQ)}; }
+#define RVK_FLOAT_COMPARISON(name, predicate)                                                                          \
+    RVK_INLINE Mask<float> name(Vec<float> a, Vec<float> b)                                                            \
+    {                                                                                                                  \
+        return {_mm512_cmp_ps_mask(floatReg(a), floatReg(b), predicate)};                                              \
+    }
+RVK_FLOAT_COMPARISON(equal, _CMP_EQ_OQ)
+RVK_FLOAT_COMPARISON(greater, _CMP_GT_OQ)
+RVK_FLOAT_COMPARISON(less, _CMP_LT_OQ)
+#undef RVK_FLOAT_COMPARISON
+
 RVK_INLINE Vec<float> select(Mask<float> m, Vec<float> a, Vec<float> b)
 {
     return vec(_mm512_mask_blend_ps(m.bits, floatReg(b), floatReg(a)));
@@ -313,12 +320,12 @@ template <class T> RVK_INLINE size_t firstTrue(Mask<T> m)
 
 #endif
 
-// ---- wider and narrower elements ----------------------------------------------------------------------------------------
+// ---- wider and narrower elements ------------------------------------------------------------------------------------
 
-#define RVK_WIDEN(T, intrinsic)                                                                                                \
-    RVK_INLINE Vecs<Wider<T>, 2> widen(Vec<T> v)                                                                               \
-    {                                                                                                                          \
-        return {vec<Wider<T>>(RVK_MM(intrinsic)(lowHalf(reg(v)))), vec<Wider<T>>(RVK_MM(intrinsic)(highHalf(reg(v))))};        \
+#define RVK_WIDEN(T, intrinsic)                                                                                        \
+    RVK_INLINE Vecs<Wider<T>, 2> widen(Vec<T> v)                                                                       \
+    {                                                                                                                  \
+        return {vec<Wider<T>>(RVK_MM(intrinsic)(lowHalf(reg(v)))), vec<Wider<T>>(RVK_MM(intrinsic)(highHalf(reg(v))))};\
     }
 RVK_WIDEN(uint8_t, cvtepu8_epi16)
 RVK_WIDEN(int8_t, cvtepi8_epi16)
@@ -351,12 +358,12 @@ RVK_INLINE auto loadFraction(const void* p)
 }
 
 // As many elements from p as a vector of To has lanes, each made two or four times as wide.
-#define RVK_LOAD_WIDEN(From, ratio, To, intrinsic)                                                                             \
-    template <class Result>                                                                                                    \
-        requires(isSame<Result, To>)                                                                                           \
-    RVK_INLINE Vec<To> loadWiden(const From* p)                                                                                \
-    {                                                                                                                          \
-        return vec<To>(RVK_MM(intrinsic)(loadFraction<ratio>(p)));                                                             \
+#define RVK_LOAD_WIDEN(From, ratio, To, intrinsic)                                                                     \
+    template <class Result>                                                                                            \
+        requires(isSame<Result, To>)                                                                                   \
+    RVK_INLINE Vec<To> loadWiden(const From* p)                                                                        \
+    {                                                                                                                  \
+        return vec<To>(RVK_MM(intrinsic)(loadFraction<ratio>(p)));                                                     \
     }
 RVK_LOAD_WIDEN(uint8_t, 2, uint16_t, cvtepu8_epi16)
 RVK_LOAD_WIDEN(int8_t, 2, int16_t, cvtepi8_epi16)
@@ -379,7 +386,7 @@ RVK_INLINE Vecs<Wider<T>, 2> widenInLanes(Vec<T> v)
     return {bitCast<Wider<T>>(z[0]), bitCast<Wider<T>>(z[1])};
 }
 
-// The 16-byte blocks of two packed vectors in memory order: a pack instruction gives each block half from either operand.
+// The 16-byte blocks of two packed vectors in memory order: a pack instruction fills half a block from either operand.
 template <class T>
 RVK_INLINE Vec<T> orderPacked(Vec<T> v)
 {
@@ -468,7 +475,7 @@ RVK_INLINE Vec<Narrower<T>> narrow(Vecs<T, 2> v)
 #endif
 }
 
-// ---- products -----------------------------------------------------------------------------------------------------------
+// ---- products -------------------------------------------------------------------------------------------------------
 
 // All products of two vectors, twice as wide.
 template <class T>
@@ -487,22 +494,22 @@ RVK_INLINE Vecs<Wider<T>, 2> multiplyWideInLanes(Vec<T> a, Vec<T> b)
     return {x[0] * y[0], x[1] * y[1]};
 }
 
-#define RVK_MULTIPLY_WIDE(T)                                                                                                   \
-    RVK_INLINE Vecs<Wider<T>, 2> multiplyWide(Vec<T> a, Vec<T> b)                                                              \
-    {                                                                                                                          \
-        const Vecs<T, 2> z = zip(a * b, multiplyHigh(a, b));                                                                   \
-        return {bitCast<Wider<T>>(z[0]), bitCast<Wider<T>>(z[1])};                                                             \
-    }                                                                                                                          \
-    RVK_INLINE Vecs<Wider<T>, 2> multiplyWideInLanes(Vec<T> a, Vec<T> b)                                                       \
-    {                                                                                                                          \
-        const Vecs<T, 2> z = zipInLanes(a * b, multiplyHigh(a, b));                                                            \
-        return {bitCast<Wider<T>>(z[0]), bitCast<Wider<T>>(z[1])};                                                             \
+#define RVK_MULTIPLY_WIDE(T)                                                                                           \
+    RVK_INLINE Vecs<Wider<T>, 2> multiplyWide(Vec<T> a, Vec<T> b)                                                      \
+    {                                                                                                                  \
+        const Vecs<T, 2> z = zip(a * b, multiplyHigh(a, b));                                                           \
+        return {bitCast<Wider<T>>(z[0]), bitCast<Wider<T>>(z[1])};                                                     \
+    }                                                                                                                  \
+    RVK_INLINE Vecs<Wider<T>, 2> multiplyWideInLanes(Vec<T> a, Vec<T> b)                                               \
+    {                                                                                                                  \
+        const Vecs<T, 2> z = zipInLanes(a * b, multiplyHigh(a, b));                                                    \
+        return {bitCast<Wider<T>>(z[0]), bitCast<Wider<T>>(z[1])};                                                     \
     }
 RVK_MULTIPLY_WIDE(int16_t)
 RVK_MULTIPLY_WIDE(uint16_t)
 #undef RVK_MULTIPLY_WIDE
 
-// ---- tables -------------------------------------------------------------------------------------------------------------
+// ---- tables ---------------------------------------------------------------------------------------------------------
 
 // A table of 16 bytes, repeated in every block of the register.
 RVK_INLINE Vec<uint8_t> loadTable16(const uint8_t* table)
@@ -543,9 +550,9 @@ RVK_INLINE Vec<uint8_t> lookup(const Table256& table, Vec<uint8_t> index)
 
 #else
 
-// Byte shuffles look up 16 entries at a time and give 0 for an index with the top bit set. So each 16 entries are kept as
-// their difference to the 16 before: an index that is reduced by 16 per step meets all rows up to its own before it turns
-// negative, and the differences add up to the entry.
+// Byte shuffles look up 16 entries at a time and give 0 for an index with the top bit set. So each 16 entries are kept
+// as their difference to the 16 before: an index that is reduced by 16 per step meets all rows up to its own before it
+// turns negative, and the differences add up to the entry. The upper half of the table is a second one of that kind.
 struct Table256 {
     alignas(16) uint8_t row[16][16];
 };
@@ -555,7 +562,7 @@ RVK_INLINE Table256 prepare(const uint8_t table[256])
     Table256 t;
     for (size_t i = 0; i < 16; ++i)
         for (size_t k = 0; k < 16; ++k)
-            t.row[i][k] = static_cast<uint8_t>(i % 8 == 0 ? table[16 * i + k] : table[16 * i + k] ^ table[16 * i + k - 16]);
+            t.row[i][k] = static_cast<uint8_t>(table[16 * i + k] ^ (i % 8 ? table[16 * i + k - 16] : 0));
     return t;
 }
 
@@ -590,7 +597,7 @@ RVK_INLINE Vec<uint8_t> countBits(Vec<uint8_t> v)
 #endif
 }
 
-// ---- sums ---------------------------------------------------------------------------------------------------------------
+// ---- sums -----------------------------------------------------------------------------------------------------------
 
 // Adds all elements of v to the lanes of acc, whichever is convenient; sums wrap.
 RVK_INLINE Vec<uint32_t> addBytesTo(Vec<uint32_t> acc, Vec<uint8_t> v)
@@ -621,7 +628,7 @@ RVK_INLINE Vec<int64_t> addTo(Vec<int64_t> acc, Vec<int32_t> v)
     return acc + wide[0] + wide[1];
 }
 
-// ---- interleaved memory -------------------------------------------------------------------------------------------------
+// ---- interleaved memory ---------------------------------------------------------------------------------------------
 
 #if RVK_AVX512
 
@@ -650,8 +657,8 @@ RVK_INLINE void store2(T* p, const Vecs<T, 2>& v)
     store(p, zip(v[0], v[1]));
 }
 
-// b in the lanes where `lanes` has a bit, a elsewhere. The compilers must not know the bits: clang would merge such blends with
-// the shuffle next to them into permutations of two registers, which take longer.
+// b in the lanes where `lanes` has a bit, a elsewhere. The compilers must not know the bits: clang would merge such
+// blends with the shuffle next to them into permutations of two registers, which take longer.
 template <class T>
 RVK_INLINE Vec<T> blend(uint64_t lanes, Vec<T> a, Vec<T> b)
 {
@@ -709,8 +716,10 @@ RVK_INLINE Vec<T> ungroupChannels(Vec<T> v)
 template <class T>
 RVK_INLINE void store4(T* p, const Vecs<T, 4>& v)
 {
-    const Vecs<T, 4> d = diagonals(Vecs<T, 4>{v[0], rotateBlocks<3>(v[1]), rotateBlocks<2>(v[2]), rotateBlocks<1>(v[3])});
-    store(p, Vecs<T, 4>{ungroupChannels<0>(d[0]), ungroupChannels<1>(d[1]), ungroupChannels<2>(d[2]), ungroupChannels<3>(d[3])});
+    const Vecs<T, 4> d =
+        diagonals(Vecs<T, 4>{v[0], rotateBlocks<3>(v[1]), rotateBlocks<2>(v[2]), rotateBlocks<1>(v[3])});
+    store(p, Vecs<T, 4>{ungroupChannels<0>(d[0]), ungroupChannels<1>(d[1]), ungroupChannels<2>(d[2]),
+                        ungroupChannels<3>(d[3])});
 }
 
 #else
@@ -793,7 +802,8 @@ RVK_INLINE void store2(T* p, const Vecs<T, 2>& v)
     storeSpread(p, zipInLanes(v[0], v[1]));
 }
 
-// The channels of the pixels in 4 bytes of each block stand together after one shuffle; the rest transposes 4 x 4 such groups.
+// One shuffle brings the elements of a channel together, 4 bytes of each in a block; the rest transposes 4 x 4 such
+// groups.
 template <class T>
 RVK_INLINE Vec<uint32_t> groupChannels(Vec<T> v)
 {
@@ -839,8 +849,8 @@ RVK_INLINE Vec<T> takeThird(Vec<T> a, Vec<T> b)
 #endif
 }
 
-// Among those lanes: the positions that hold channel c of interleaved triples differ between the three vectors, so blending
-// collects a channel, and one shuffle orders it.
+// Among those lanes: the positions that hold channel c of interleaved triples differ between the three vectors, so
+// blending collects a channel, and one shuffle orders it.
 template <size_t c, class T>
 RVK_INLINE Vec<T> channelOf(const Vecs<T, 3>& m)
 {
