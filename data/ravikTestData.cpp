@@ -1,271 +1,16 @@
-// ravikTestData OUTDIR [--resolutions N]: writes the test-data directory of ravikTest. The same program writes the same
-// bytes on every machine: inputs come from generators that are seeded by what they are for, results from the C reference.
-#include "outputFiles.h"
+// ravikTestData OUTDIR [--resolutions N]: writes the test-data directory of ravikTest.
+#include "testDataWriter.h"
 
-#include "controlScript.h"
-#include "groups.h"
-#include "testCase.h"
-#include "testTable.h"
-
-#include <ravik/frame.h>
-
-#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <filesystem>
-#include <map>
-#include <set>
-#include <stdexcept>
+#include <exception>
 
 namespace {
 
-struct Size
-{
-    uint32_t width, height;
-};
-
-// From VGA upward: the indices of ravikTest's option -S.
-constexpr Size kResolutions[] = {{640, 480}, {720, 480},  {800, 480},  {720, 576},
-                                 {800, 600}, {1024, 768}, {1280, 720}, {1920, 1080}};
-
-// Vectors: single pixels, odd widths, full vector registers and what is left over.
-constexpr Size kVectorSizes[] = {{1, 1}, {3, 2}, {7, 5}, {16, 4}, {17, 9}, {33, 3}, {64, 6}, {100, 7}};
-// Large and regular enough for a DSP.
-constexpr Size kDspSize = {176, 152};
-
-// splitmix64, seeded by a name.
-class NamedRandom : public RandomBits
-{
-public:
-    explicit NamedRandom(const std::string& name)
-    {
-        for (const char character : name)
-            m_state = (m_state ^ static_cast<uint8_t>(character)) * 0x100000001B3u;
-    }
-    uint32_t next() override
-    {
-        m_state += 0x9E3779B97F4A7C15u;
-        uint64_t mixed = m_state;
-        mixed = (mixed ^ mixed >> 30) * 0xBF58476D1CE4E5B9u;
-        mixed = (mixed ^ mixed >> 27) * 0x94D049BB133111EBu;
-        return static_cast<uint32_t>(mixed >> 32);
-    }
-
-private:
-    uint64_t m_state = 0xCBF29CE484222325u;
-};
-
-void require(bool done)
-{
-    if (!done)
-        throw std::bad_alloc();
-}
-
-// A control script: two header rows, then a line per vector.
-class ScriptFile
-{
-public:
-    ScriptFile(const std::string& path, const std::vector<ScriptField>& fields) : m_file(path)
-    {
-        std::vector<std::string> titles, types;
-        for (const ScriptField& field : fields) {
-            titles.push_back(field.title);
-            types.push_back(field.isArray ? arrayTypeWord(field.element) : scalarTypeWord(field.element));
-        }
-        add(titles);
-        add(types);
-    }
-    void add(const std::vector<std::string>& fields) { m_file.write(csvLine(fields)); }
-    void close() { m_file.close(); }
-
-private:
-    OutputFile m_file;
-};
-
-class DataWriter
-{
-public:
-    DataWriter(std::string directory, size_t resolutions)
-        : m_directory(std::move(directory)), m_resolutions(resolutions)
-    {
-    }
-
-    void writeAll()
-    {
-        const std::string table = m_directory + "/RavikTestTable.csv";
-        std::filesystem::remove(table);
-        std::filesystem::create_directories(profilingDirectory());
-        rvkSetOperationMode(operationModeOf(kTargetC));
-        for (const TestGroup& group : testGroups())
-            if (group.functions)
-                writeGroup(group.functions());
-        writeTable(table); // last: a directory without it is not complete
-    }
-
-private:
-    std::string profilingDirectory() const { return m_directory + "/" + kProfilingDirectory; }
-
-    void writeGroup(const FunctionGroup& group)
-    {
-        std::filesystem::create_directories(m_directory + "/" + group.directory);
-        for (const FunctionTest& function : group.functions) {
-            writeVectors(group, function);
-            writeProfilingVectors(group, function);
-            float& tolerance = m_tolerances[function.tableName];
-            tolerance = std::max(tolerance, function.tolerance);
-        }
-    }
-
-    void writeVectors(const FunctionGroup& group, const FunctionTest& function)
-    {
-        const auto fields = scriptFields(function, group.scriptContent(RAVIK_TEST_UNIT));
-        ScriptFile script(m_directory + "/" + group.scriptName(function, RAVIK_TEST_UNIT), fields);
-        std::vector<Size> sizes(std::begin(kVectorSizes), std::end(kVectorSizes));
-        if (group.isStored)
-            sizes.push_back(kDspSize);
-
-        NamedRandom random(function.name);
-        for (size_t i = 0; i < sizes.size(); i++) {
-            TestCase testCase(function, RAVIK_MEM_SYSTEM);
-            require(testCase.draw(sizes[i].width, sizes[i].height, true, random));
-            runReference(testCase);
-            const std::string name = function.name.substr(group.prefix.size()) + "_" + std::to_string(i) + "_";
-            script.add(texts(fields, testCase, [&](const ScriptField& field, const RAVIK_TEST_Buffer& image) {
-                return writeImage(m_directory + "/" + group.directory, name + field.title, image, field.element);
-            }));
-        }
-        script.close();
-    }
-
-    void writeProfilingVectors(const FunctionGroup& group, const FunctionTest& function)
-    {
-        const ScriptContent content = group.scriptContent(RAVIK_TEST_PROFILING);
-        const auto fields = scriptFields(function, content);
-        ScriptFile script(m_directory + "/" + group.scriptName(function, RAVIK_TEST_PROFILING), fields);
-        for (size_t i = 0; i < m_resolutions; i++) {
-            std::vector<std::string> line = profilingSources(function, kResolutions[i]);
-            if (content == ScriptContent::sourcesAndResults) {
-                TestCase testCase(function, RAVIK_MEM_SYSTEM);
-                readBack(testCase, line);
-                runReference(testCase);
-                line = texts(fields, testCase, [&](const ScriptField& field, const RAVIK_TEST_Buffer& image) {
-                    if (field.kind == ScriptField::Kind::input)
-                        return line[static_cast<size_t>(&field - fields.data())];
-                    const std::string name = rawFileName(function.name, static_cast<uint32_t>(image.width),
-                                                         static_cast<uint32_t>(image.height));
-                    OutputFile file(profilingDirectory() + "/" + name);
-                    file.write(image.block(), image.blockBytes());
-                    file.close();
-                    return name;
-                });
-            }
-            script.add(line);
-        }
-        script.close();
-    }
-
-    // The inputs of a profiling line. Their files are shared by all functions that take such a shape.
-    std::vector<std::string> profilingSources(const FunctionTest& function, Size size)
-    {
-        NamedRandom random(function.name + " profiling");
-        std::vector<std::string> line;
-        std::map<std::string, char> letters; // the next source of a kind within this function
-        for (const ScriptField& field : scriptFields(function, ScriptContent::sources)) {
-            const Argument& argument = function.arguments[field.argument];
-            if (!field.isArray) {
-                const double number = argument.choices.empty() ? drawScalar(argument, random) : argument.choices[0];
-                line.push_back(numberText(number, field.element));
-                continue;
-            }
-            const uint32_t width = argument.fixedSize ? argument.fixedSize : size.width * argument.channels;
-            const uint32_t height = argument.fixedSize ? 1 : size.height;
-            const std::string kind =
-                argument.isMask ? "mask" : "bits" + std::to_string(8 * sizeOf(field.element));
-            const char letter = letters.try_emplace(kind, 'a').first->second++;
-            line.push_back(sharedSource(kind, letter, width, height, sizeOf(field.element)));
-        }
-        return line;
-    }
-
-    // The name of a shared source, which is written when it is first asked for. Sources of 32 bits are valid as floats.
-    std::string sharedSource(const std::string& kind, char letter, uint32_t width, uint32_t height, uint32_t elementSize)
-    {
-        const std::string name = rawFileName(kind + letter, width, height);
-        if (!m_sources.insert(name).second)
-            return name;
-        NamedRandom random(name);
-        OutputFile file(profilingDirectory() + "/" + name);
-        std::vector<uint32_t> row(width * elementSize / 4 + 1);
-        for (uint32_t j = 0; j < height; j++) {
-            std::generate(row.begin(), row.end(), [&] {
-                return kind == "mask" ? random.next() & 0x01010101u : elementSize == 4 ? random.floatBits() : random.next();
-            });
-            file.write(row.data(), size_t{width} * elementSize);
-        }
-        file.close();
-        return name;
-    }
-
-    // Reads the sources of a profiling line as ravikTest does.
-    void readBack(TestCase& testCase, const std::vector<std::string>& line) const
-    {
-        const std::string path = m_directory + "/line.csv";
-        ScriptFile script(path, scriptFields(testCase.function(), ScriptContent::sources));
-        script.add(line);
-        script.close();
-        FILE* const file = fopen(path.c_str(), "rb");
-        const ScriptResult result =
-            file ? testCase.read(file, profilingDirectory().c_str(), ScriptContent::sources) : ScriptResult::noScript;
-        if (file)
-            fclose(file);
-        std::filesystem::remove(path);
-        if (result != ScriptResult::line)
-            throw std::runtime_error(testCase.function().name + ": profiling sources cannot be read back");
-    }
-
-    static void runReference(TestCase& testCase)
-    {
-        require(testCase.prepareOutputs());
-        require(testCase.expectThisOutput(testCase.call()));
-    }
-
-    // The texts of a script line; `writeFile` writes an image and returns its name.
-    template <class WriteFile>
-    static std::vector<std::string> texts(const std::vector<ScriptField>& fields, const TestCase& testCase,
-                                          WriteFile writeFile)
-    {
-        std::vector<std::string> line;
-        for (const ScriptField& field : fields)
-            line.push_back(field.isArray ? writeFile(field, testCase.image(field))
-                                         : numberText(testCase.scalar(field), field.element));
-        return line;
-    }
-
-    void writeTable(const std::string& path) const
-    {
-        OutputFile file(path);
-        file.write(csvLine({"function", "C", "VECTA", "NDSP", "GPU", "rows", "C0", "VECTA0", "NDSP0", "GPU0", "C1", "VECTA1",
-                            "NDSP1", "GPU1"}));
-        const std::string flag = scalarTypeWord(Element::u8), number = scalarTypeWord(Element::f32);
-        file.write(csvLine({"char*", flag, flag, flag, flag, scalarTypeWord(Element::s32), number, number, number, number,
-                            number, number, number, number}));
-        for (const auto& [name, tolerance] : m_tolerances) {
-            const std::string text = numberText(static_cast<double>(tolerance), Element::f32);
-            file.write(csvLine({name, "1", "1", "1", "1", "1", text, text, text, text, "0", "0", "0", "0"}));
-        }
-        file.close();
-    }
-
-    std::string m_directory;
-    size_t m_resolutions;
-    std::set<std::string> m_sources;           // that are written
-    std::map<std::string, float> m_tolerances; // by the name in the test table
-};
-
 int usage()
 {
-    fprintf(stderr, "USAGE: ravikTestData OUTDIR [--resolutions N], N = 1..%zu\n", std::size(kResolutions));
+    fprintf(stderr, "USAGE: ravikTestData OUTDIR [--resolutions N], N = 0..%zu\n", kProfilingResolutions);
     return 2;
 }
 
@@ -273,16 +18,20 @@ int usage()
 
 int main(int argc, char** argv)
 {
-    size_t resolutions = std::size(kResolutions);
-    if (argc == 4 && strcmp(argv[2], "--resolutions") == 0)
-        resolutions = static_cast<size_t>(atoi(argv[3]));
-    else if (argc != 2)
+    size_t resolutions = kProfilingResolutions;
+    if (argc == 4 && strcmp(argv[2], "--resolutions") == 0) {
+        char* end;
+        resolutions = strtoul(argv[3], &end, 10);
+        if (end == argv[3] || *end != '\0')
+            return usage();
+    } else if (argc != 2) {
         return usage();
-    if (resolutions < 1 || resolutions > std::size(kResolutions))
+    }
+    if (resolutions > kProfilingResolutions)
         return usage();
 
     try {
-        DataWriter(argv[1], resolutions).writeAll();
+        writeTestData(argv[1], resolutions);
     } catch (const std::exception& error) {
         fprintf(stderr, "ravikTestData: %s\n", error.what());
         return 1;

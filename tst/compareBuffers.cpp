@@ -28,8 +28,8 @@ WindowPair withDefaults(WindowPair pair)
     ref.y = valueOr(ref.y, 0);
     ref.width = valueOr(ref.width, ref.stride);
     ref.height = valueOr(ref.height, ref.rows);
-    tst = {valueOr(tst.stride, ref.stride), valueOr(tst.rows, ref.rows),   valueOr(tst.x, ref.x),
-           valueOr(tst.width, ref.width),   valueOr(tst.y, ref.y),         valueOr(tst.height, ref.height)};
+    tst = {valueOr(tst.stride, ref.stride), valueOr(tst.rows, ref.rows), valueOr(tst.x, ref.x),
+           valueOr(tst.width, ref.width),   valueOr(tst.y, ref.y),       valueOr(tst.height, ref.height)};
     return pair;
 }
 
@@ -111,12 +111,13 @@ T* blockOf(const RAVIK_TEST_Buffer& buffer)
 
 template <class T>
 int RAVIK_TEST_CompareBuffers(const T* ref, const T* tst, int refStride, int refRows, int refX, int refWidth, int refY,
-                              int refHeight, int tstStride, int tstRows, int tstX, int tstWidth, int tstY, int tstHeight,
-                              T tolerance)
+                              int refHeight, int tstStride, int tstRows, int tstX, int tstWidth, int tstY,
+                              int tstHeight, T tolerance)
 {
     return compareWindows(
         ref, tst,
-        {{refStride, refRows, refX, refWidth, refY, refHeight}, {tstStride, tstRows, tstX, tstWidth, tstY, tstHeight}}, 0,
+        {{refStride, refRows, refX, refWidth, refY, refHeight}, {tstStride, tstRows, tstX, tstWidth, tstY, tstHeight}},
+        0,
         [tolerance](T a, T b) {
             // 64-bit arithmetic: exact for narrower types, and right in its low bits for the widest.
             const uint64_t difference = a > b ? static_cast<uint64_t>(a) - static_cast<uint64_t>(b)
@@ -135,8 +136,9 @@ int RAVIK_TEST_CompareBuffers(RAVIK_TEST_Buffer& ref, RAVIK_TEST_Buffer& tst, T 
     return RAVIK_TEST_CompareBuffers<T>(blockOf<T>(ref), blockOf<T>(tst), WINDOW_OF(ref), WINDOW_OF(tst), tolerance);
 }
 
-#define INSTANTIATE(T)                                                                                                 \
-    template int RAVIK_TEST_CompareBuffers(const T*, const T*, int, int, int, int, int, int, int, int, int, int, int, int, T); \
+#define INSTANTIATE(T)                                                                                                \
+    template int RAVIK_TEST_CompareBuffers(const T*, const T*, int, int, int, int, int, int, int, int, int, int, int, \
+                                           int, T);                                                                   \
     template int RAVIK_TEST_CompareBuffers(RAVIK_TEST_Buffer&, RAVIK_TEST_Buffer&, T);
 INSTANTIATE(uint8_t)
 INSTANTIATE(int8_t)
@@ -169,7 +171,8 @@ int RAVIK_TEST_CompareBuffers_f32(RAVIK_TEST_Buffer& ref, RAVIK_TEST_Buffer& tst
     return RAVIK_TEST_CompareBuffersAllowNDiff_f32(ref, tst, tolerance, 0);
 }
 
-int RAVIK_TEST_CompareBuffersAllowNDiff_f32(RAVIK_TEST_Buffer& ref, RAVIK_TEST_Buffer& tst, float tolerance, int allowed)
+int RAVIK_TEST_CompareBuffersAllowNDiff_f32(RAVIK_TEST_Buffer& ref, RAVIK_TEST_Buffer& tst, float tolerance,
+                                            int allowed)
 {
     return RAVIK_TEST_CompareBuffers_f32(blockOf<float>(ref), blockOf<float>(tst), WINDOW_OF(ref), WINDOW_OF(tst),
                                          tolerance, allowed);

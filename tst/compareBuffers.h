@@ -6,15 +6,16 @@
 
 #include <cstdint>
 
-// Every comparison returns 0 when the windows match; otherwise 1, with the first mismatch in the log. A difference equal to
-// the tolerance matches. The windows are given by strides, positions and sizes in elements and rows; -1 is a default: a
-// window at the block's origin and as large as the block for the reference, the reference's value for the test side.
+// Every comparison returns 0 when the windows match; otherwise 1, with the first mismatch in the log. A difference
+// equal to the tolerance matches. The windows are given by strides, positions and sizes in elements and rows; -1 is a
+// default: a window at the block's origin and as large as the block for the reference, the reference's value for the
+// test side.
 
 // T: 8-, 16- and 32-bit integers, uint64_t.
 template <class T>
 int RAVIK_TEST_CompareBuffers(const T* ref, const T* tst, int refStride, int refRows, int refX, int refWidth, int refY,
-                              int refHeight, int tstStride, int tstRows, int tstX, int tstWidth, int tstY, int tstHeight,
-                              T tolerance);
+                              int refHeight, int tstStride, int tstRows, int tstX, int tstWidth, int tstY,
+                              int tstHeight, T tolerance);
 
 template <class T>
 int RAVIK_TEST_CompareBuffers(RAVIK_TEST_Buffer& ref, RAVIK_TEST_Buffer& tst, T tolerance);
@@ -24,7 +25,8 @@ int RAVIK_TEST_CompareBuffers_f32(float* ref, float* tst, int refStride, int ref
                                   int refHeight, int tstStride, int tstRows, int tstX, int tstWidth, int tstY,
                                   int tstHeight, float tolerance, int allowed);
 int RAVIK_TEST_CompareBuffers_f32(RAVIK_TEST_Buffer& ref, RAVIK_TEST_Buffer& tst, float tolerance);
-int RAVIK_TEST_CompareBuffersAllowNDiff_f32(RAVIK_TEST_Buffer& ref, RAVIK_TEST_Buffer& tst, float tolerance, int allowed);
+int RAVIK_TEST_CompareBuffersAllowNDiff_f32(RAVIK_TEST_Buffer& ref, RAVIK_TEST_Buffer& tst, float tolerance,
+                                            int allowed);
 
 // Logs "RAVIK_TEST, <name>_<letter of the target> (<vector>) =>FAIL".
 void logVectorFailure(const char* name, unsigned targetIndex, unsigned vectorNumber);
@@ -38,8 +40,8 @@ inline constexpr int kSkipReference = 2;
 // with strides in bytes. Returns 0 when both give the expected output.
 template <class T, class Reference, class Function>
 int RunTestVectors(RAVIK_TEST_Buffer& input, unsigned width, unsigned height, RAVIK_TEST_Buffer& expected,
-                   unsigned targetIndex, unsigned vectorNumber, const char* name, Reference reference, Function underTest,
-                   int mode, T tolerance);
+                   unsigned targetIndex, unsigned vectorNumber, const char* name, Reference reference,
+                   Function underTest, int mode, T tolerance);
 
 // ---- definitions ----------------------------------------------------------------------------------------------------
 
@@ -48,8 +50,8 @@ bool shapeLike(const RAVIK_TEST_Buffer& expected, unsigned targetIndex, RAVIK_TE
 
 template <class T, class Reference, class Function>
 int RunTestVectors(RAVIK_TEST_Buffer& input, unsigned width, unsigned height, RAVIK_TEST_Buffer& expected,
-                   unsigned targetIndex, unsigned vectorNumber, const char* name, Reference reference, Function underTest,
-                   int mode, T tolerance)
+                   unsigned targetIndex, unsigned vectorNumber, const char* name, Reference reference,
+                   Function underTest, int mode, T tolerance)
 {
     RAVIK_TEST_Buffer output;
     const auto compare = [&] {

@@ -12,28 +12,33 @@ namespace {
 constexpr size_t kLongestLine = 2048;
 constexpr int kMostHeaderRows = 8;
 
-struct NumberType {
+struct NumberType
+{
     std::string_view word;
     Element element;
 };
 
 // The first word of an element is the one that scripts are written with.
 constexpr NumberType kScalarTypes[] = {
-    {"unsignedchar", Element::u8},   {"char", Element::s8},           {"unsignedshort", Element::u16},
-    {"short", Element::s16},         {"unsignedint", Element::u32},   {"int", Element::s32},
-    {"float", Element::f32},         {"bool", Element::u8},           {"long", Element::s32},
-    {"unsigned_char", Element::u8},  {"unsigned_short", Element::u16}, {"unsigned_int", Element::u32},
+    {"unsignedchar", Element::u8},    {"char", Element::s8},
+    {"unsignedshort", Element::u16},  {"short", Element::s16},
+    {"unsignedint", Element::u32},    {"int", Element::s32},
+    {"float", Element::f32},          {"bool", Element::u8},
+    {"long", Element::s32},           {"unsigned_char", Element::u8},
+    {"unsigned_short", Element::u16}, {"unsigned_int", Element::u32},
     {"unsignedlong", Element::u32},
 };
 constexpr NumberType kArrayTypes[] = {
-    {"unsignedchar[]", Element::u8},   {"signedchar[]", Element::s8},         {"unsignedshort[]", Element::u16},
-    {"short[]", Element::s16},         {"unsignedint[]", Element::u32},       {"int[]", Element::s32},
-    {"float[]", Element::f32},         {"unsignedlonglong[]", Element::u64}, {"char[]", Element::s8}, {"char*", Element::s8},
+    {"unsignedchar[]", Element::u8},   {"signedchar[]", Element::s8},
+    {"unsignedshort[]", Element::u16}, {"short[]", Element::s16},
+    {"unsignedint[]", Element::u32},   {"int[]", Element::s32},
+    {"float[]", Element::f32},         {"unsignedlonglong[]", Element::u64},
+    {"char[]", Element::s8},           {"char*", Element::s8},
     {"bool[]", Element::u8},           {"unsignedlong[]", Element::u32},
 };
-constexpr std::string_view kOtherTypes[] = {"char*",           "struct",      "rvkaRect",
-                                            "rvkaCorrespondences", "rvkaContours", "rvkPyramidLevel",
-                                            "rvkPyramidLevel_v2",  "pyr",          "pyr3"};
+constexpr std::string_view kOtherTypes[] = {
+    "char*", "struct", "rvkaRect", "rvkaCorrespondences", "rvkaContours", "rvkPyramidLevel", "rvkPyramidLevel_v2",
+    "pyr",   "pyr3"};
 
 std::optional<Element> findType(std::span<const NumberType> types, std::string_view word)
 {
@@ -43,7 +48,8 @@ std::optional<Element> findType(std::span<const NumberType> types, std::string_v
 
 const char* wordOf(std::span<const NumberType> types, Element element)
 {
-    const auto found = std::find_if(types.begin(), types.end(), [&](const NumberType& t) { return t.element == element; });
+    const auto found =
+        std::find_if(types.begin(), types.end(), [&](const NumberType& t) { return t.element == element; });
     return found == types.end() ? "" : found->word.data();
 }
 
@@ -118,7 +124,8 @@ ScriptResult readNextLine(FILE* script, std::vector<std::string>& types, std::st
     case LineResult::line:
         return ScriptResult::line;
     case LineResult::bad:
-        testLog("WARNING - A line of a control script is longer than %zu characters or no text: refused.\n", kLongestLine);
+        testLog("WARNING - A line of a control script is longer than %zu characters or no text: refused.\n",
+                kLongestLine);
         return ScriptResult::badLine;
     case LineResult::end:
         break;
@@ -140,15 +147,15 @@ struct Field
     {
         const std::optional<Element> element = findType(kScalarTypes, type);
         return element && visitElement(*element, [&](auto value) {
-            if (!parseNumber(text, value))
-                return false;
-            const auto exact = static_cast<double>(value);
-            if (exact < static_cast<double>(std::numeric_limits<Number>::lowest()) ||
-                exact > static_cast<double>(std::numeric_limits<Number>::max()))
-                return false;
-            *number = static_cast<Number>(exact);
-            return static_cast<double>(*number) == exact;
-        });
+                   if (!parseNumber(text, value) || (type == "bool" && value > 1))
+                       return false;
+                   const auto exact = static_cast<double>(value);
+                   if (exact < static_cast<double>(std::numeric_limits<Number>::lowest()) ||
+                       exact > static_cast<double>(std::numeric_limits<Number>::max()))
+                       return false;
+                   *number = static_cast<Number>(exact);
+                   return static_cast<double>(*number) == exact;
+               });
     }
     bool into(std::vector<TestRect>* rects) const { return type == "rvkaRect" && loadRects(path(), *rects); }
     bool into(TestCorrespondences* correspondences) const
@@ -187,7 +194,8 @@ bool ScriptColumn::store(const char* dataDirectory, const std::string& type, con
     return std::visit([&](auto destination) { return source.into(destination); }, m_destination);
 }
 
-ScriptResult RAVIK_TEST_ReadControlScript(const char* dataDirectory, FILE* script, std::span<const ScriptColumn> columns)
+ScriptResult RAVIK_TEST_ReadControlScript(const char* dataDirectory, FILE* script,
+                                          std::span<const ScriptColumn> columns)
 {
     std::vector<std::string> types;
     std::string line;

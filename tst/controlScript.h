@@ -1,5 +1,5 @@
-// Control scripts: CSV files that say, a line per test vector, which numbers and data files a test takes. docs/ravikTest.md
-// describes the format.
+// Control scripts: CSV files that say, a line per test vector, which numbers and data files a test takes.
+// docs/ravikTest.md describes the format.
 #pragma once
 
 #include "dataFiles.h"
@@ -16,7 +16,8 @@ enum class ScriptResult {
 };
 
 // Where one column of a script goes.
-class ScriptColumn {
+class ScriptColumn
+{
 public:
     // Scalars: the number must fit the destination.
     ScriptColumn(uint8_t& number) : m_destination(&number) {}
@@ -65,8 +66,10 @@ private:
     Destination m_destination;
 };
 
-// Reads the script's header and then its next line, one column per destination. A bad line may have filled some of them.
-ScriptResult RAVIK_TEST_ReadControlScript(const char* dataDirectory, FILE* script, std::span<const ScriptColumn> columns);
+// Reads the script's header and then its next line, one column per destination. A bad line may have filled some of
+// them.
+ScriptResult RAVIK_TEST_ReadControlScript(const char* dataDirectory, FILE* script,
+                                          std::span<const ScriptColumn> columns);
 
 // Passes over the next line without loading what it names.
 ScriptResult RAVIK_TEST_SkipScriptLine(FILE* script);

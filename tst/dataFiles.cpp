@@ -73,9 +73,9 @@ bool shapePacked(uint64_t width, uint64_t height, Element element, rvkMemOption 
     if (width == 0 || height == 0 || width > kLargestBlock || height > kLargestBlock ||
         width * height > kLargestBlock / elementSize)
         return false;
-    return buffer.Shape(MemShape_::packed(static_cast<int32_t>(width), static_cast<int32_t>(height),
-                                          static_cast<int32_t>(elementSize)),
-                        option, true);
+    return buffer.Shape(
+        MemShape_::packed(static_cast<int32_t>(width), static_cast<int32_t>(height), static_cast<int32_t>(elementSize)),
+        option, true);
 }
 
 struct ImageSize
@@ -340,7 +340,7 @@ bool loadContours(const std::string& path, TestContours& contours)
         const auto known = static_cast<int64_t>(contours.size());
         if (contour == known)
             contours.emplace_back();
-        else if (contour != known - 1)
+        else if (contour < 0 || contour != known - 1)
             return fail(path, "contours are numbered from 0 without gaps");
         contours.back().push_back({grid.numbers[i + 1], grid.numbers[i + 2]});
     }

@@ -1,5 +1,5 @@
-// The data files that control scripts name. Every loader reports success; what is missing, truncated or does not add up is
-// logged and leaves nothing behind that could be read out of bounds.
+// The data files that control scripts name. Every loader reports success; what is missing, truncated or does not add up
+// is logged and leaves nothing behind that could be read out of bounds.
 #pragma once
 
 #include "element.h"
@@ -12,25 +12,29 @@
 #include <string_view>
 #include <vector>
 
-struct TestRect {
+struct TestRect
+{
     int32_t x, y, width, height;
 };
 
-struct TestPoint {
+struct TestPoint
+{
     int32_t x, y;
 };
 
-struct TestCorrespondences {
+struct TestCorrespondences
+{
     uint32_t fromDimensions = 0; // 2 or 3
     uint32_t count = 0;
-    std::vector<float> from;     // fromDimensions numbers each
-    std::vector<float> to;       // x, y each
+    std::vector<float> from; // fromDimensions numbers each
+    std::vector<float> to;   // x, y each
 };
 
 using TestContours = std::vector<std::vector<TestPoint>>;
 
 // `planes` images per level: one, or an image and its two gradients. The caller chooses the element type.
-struct TestPyramid {
+struct TestPyramid
+{
     Element element = Element::u8;
     rvkMemOption option = RAVIK_MEM_SYSTEM;
     uint32_t planes = 0;

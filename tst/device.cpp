@@ -82,7 +82,8 @@ void dumpDspClocks(long long bimc, long long snoc)
     if (firstLineOf("ls /data/ | grep sysProbe").empty())
         testLog("SysProbe not found and NDSP clk may be Invalid");
     else
-        probed = "ADSP clk (SysProbe): " + monitoredClock("adsp") + ",CDSP clk (SysProbe): " + monitoredClock("cdsp") + ",";
+        probed =
+            "ADSP clk (SysProbe): " + monitoredClock("adsp") + ",CDSP clk (SysProbe): " + monitoredClock("cdsp") + ",";
     profilePrint("RAVIK_PROFILE,         %sNDSP clk : %llu, bimc_clk: %lld, snoc_clk: %lld\n", probed.c_str(),
                  static_cast<unsigned long long>(rvkX6GetClk()), bimc, snoc);
 }

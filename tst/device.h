@@ -6,7 +6,8 @@
 // Logs the versions of the linked library and of the companion library.
 void rvktest_print_ver();
 
-// Takes the CPU's clocks out of power saving. Ends the process with status 0 when no shell can be started, as the next two.
+// Takes the CPU's clocks out of power saving. Ends the process with status 0 when no shell can be started, as the next
+// two.
 void rvktest_bump_arm_clk();
 
 // Prints the clocks in force.

@@ -211,9 +211,7 @@ int finish(int failure)
     return failure;
 }
 
-} // namespace
-
-int runRavikTest(int argc, char** argv)
+int runFromCommandLine(int argc, char** argv)
 {
     rvktest_print_ver();
     const char* const program = argc > 0 ? argv[0] : "ravikTest";
@@ -253,4 +251,16 @@ int runRavikTest(int argc, char** argv)
     if (settings.flushCaches)
         rvktest_adspstub_close();
     return finish(failure);
+}
+
+} // namespace
+
+int runRavikTest(int argc, char** argv)
+{
+    try {
+        return runFromCommandLine(argc, argv);
+    } catch (const std::bad_alloc&) {
+        fputs("ERROR: out of memory\n", stderr);
+        return 1;
+    }
 }

@@ -1,4 +1,5 @@
-// What a test needs to know about a function: its name and, argument by argument, what to pass. A function costs one entry:
+// What a test needs to know about a function: its name and, argument by argument, what to pass. A function costs one
+// entry:
 //
 //     RVK_TEST(rvkAbsDiffu8, src, src, width, height, stride, dst, stride)
 //
@@ -42,8 +43,8 @@ struct Argument
         null,        // a null pointer
         width,       // of the case
         height,
-        area,        // width x height
-        stride,      // in bytes, of the images listed since the previous stride
+        area,   // width x height
+        stride, // in bytes, of the images listed since the previous stride
         scalar
     };
 
@@ -51,17 +52,29 @@ struct Argument
     Element element = Element::u8; // of images, values and scalars
     uint32_t channels = 1;
     bool isTransposed = false;
-    uint32_t fixedSize = 0;         // elements in one row, whatever the case; 0: as large as the case
-    uint32_t alignment = 0;         // bytes that the address must be a multiple of; 0: of an element
-    bool isMask = false;            // half of the elements are 0
+    uint32_t fixedSize = 0; // elements in one row, whatever the case; 0: as large as the case
+    uint32_t alignment = 0; // bytes that the address must be a multiple of; 0: of an element
+    bool isMask = false;    // half of the elements are 0
     size_t aliasOf = 0;
-    double low = 0, high = 0;       // of a scalar
-    std::vector<double> choices{};  // of a scalar, instead of a range
+    double low = 0, high = 0;      // of a scalar
+    std::vector<double> choices{}; // of a scalar, instead of a range
 
-    Argument ofChannels(uint32_t count) const { return changed([=](Argument& a) { a.channels = count; }); }
-    Argument transposed() const { return changed([](Argument& a) { a.isTransposed = true; }); }
-    Argument ofSize(uint32_t elements) const { return changed([=](Argument& a) { a.fixedSize = elements; }); }
-    Argument alignedTo(uint32_t bytes) const { return changed([=](Argument& a) { a.alignment = bytes; }); }
+    Argument ofChannels(uint32_t count) const
+    {
+        return changed([=](Argument& a) { a.channels = count; });
+    }
+    Argument transposed() const
+    {
+        return changed([](Argument& a) { a.isTransposed = true; });
+    }
+    Argument ofSize(uint32_t elements) const
+    {
+        return changed([=](Argument& a) { a.fixedSize = elements; });
+    }
+    Argument alignedTo(uint32_t bytes) const
+    {
+        return changed([=](Argument& a) { a.alignment = bytes; });
+    }
 
     bool isImage() const
     {
@@ -155,9 +168,9 @@ Argument completed(Argument argument)
     using Role = Argument::Role;
     if constexpr (std::is_pointer_v<Parameter>) {
         using Pointee = std::remove_pointer_t<Parameter>;
-        const bool fits = argument.role == Role::source ? std::is_const_v<Pointee>
-                                                        : argument.isOutput() || argument.role == Role::null ||
-                                                              argument.role == Role::alias;
+        const bool fits = argument.role == Role::source
+                              ? std::is_const_v<Pointee>
+                              : argument.isOutput() || argument.role == Role::null || argument.role == Role::alias;
         if (!fits)
             abort();
         argument.element = elementOf<std::remove_const_t<Pointee>>();
@@ -180,7 +193,8 @@ template <class Result, class... Parameters>
 FunctionTest describe(const char* name, const char* tableName, Result (*function)(Parameters...),
                       const Argument (&given)[sizeof...(Parameters)])
 {
-    return [&]<size_t... I>(std::index_sequence<I...>) {
+    return [&]<size_t... I>(std::index_sequence<I...>)
+    {
         FunctionTest test{.name = name,
                           .tableName = tableName,
                           .arguments = {completed<Parameters>(given[I])...},
@@ -200,7 +214,8 @@ FunctionTest describe(const char* name, const char* tableName, Result (*function
             };
         };
         return test;
-    }(std::index_sequence_for<Parameters...>());
+    }
+    (std::index_sequence_for<Parameters...>());
 }
 
 #define RVK_TEST(function, ...) describe(#function, #function, function, {__VA_ARGS__})

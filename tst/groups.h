@@ -6,14 +6,14 @@
 #include <cstddef>
 #include <span>
 
-// A group runs for every -m word that equals its keyword in the first `length` characters: a length of one more than the
-// keyword's is an exact match.
+// A group runs for every -m word that equals its keyword in the first `length` characters: a length of one more than
+// the keyword's is an exact match.
 struct TestGroup
 {
     const char* keyword;
     size_t length;
-    int (*run)(int loops, const char* dataDirectory);      // 0 when the group passed
-    const FunctionGroup& (*functions)();                   // null for groups that test no functions
+    int (*run)(int loops, const char* dataDirectory); // 0 when the group passed
+    const FunctionGroup& (*functions)();              // null for groups that test no functions
 };
 
 std::span<const TestGroup> testGroups();
@@ -30,11 +30,11 @@ int TEST_HW_Test(int loops, const char* dataDirectory);
 int TEST_MEM_Test(int loops, const char* dataDirectory);
 
 // A group that the common routine tests: RVK_TEST_GROUP(entry, functions) declares both.
-#define RVK_TEST_GROUP(entry, functionGroup)                                                                           \
-    const FunctionGroup& functionGroup();                                                                              \
-    inline int entry(int loops, const char* dataDirectory)                                                             \
-    {                                                                                                                  \
-        return runFunctionGroup(functionGroup(), loops, dataDirectory);                                                \
+#define RVK_TEST_GROUP(entry, functionGroup)                            \
+    const FunctionGroup& functionGroup();                               \
+    inline int entry(int loops, const char* dataDirectory)              \
+    {                                                                   \
+        return runFunctionGroup(functionGroup(), loops, dataDirectory); \
     }
 
 RVK_TEST_GROUP(RAVIK_TEST_IDIFF_Test, imageDiffFunctions)

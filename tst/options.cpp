@@ -30,8 +30,8 @@ void setParts(uint8_t unitTests, uint8_t profiling)
     runSwitches.profiling = profiling;
 }
 
-// An option matches the words that begin with its first `length` characters. A length of one more than its text therefore
-// makes the match exact.
+// An option matches the words that begin with its first `length` characters. A length of one more than its text
+// therefore makes the match exact.
 struct Option
 {
     const char* text;

@@ -23,8 +23,8 @@ struct RAVIK_TEST_Times
     uint8_t first = 1; // until the first sample is recorded
 };
 
-// Adds the sample that start, end, dspStart and dspEnd describe. A clock that ran backwards gives none. `dspLoops` is the
-// number of iterations within one remote call: one remoting overhead is kept.
+// Adds the sample that start, end, dspStart and dspEnd describe. A clock that ran backwards gives none. `dspLoops` is
+// the number of iterations within one remote call: one remoting overhead is kept.
 void recordSample(RAVIK_TEST_Times& times, uint32_t dspLoops);
 
 // Forgets every sample; the samples array stays.

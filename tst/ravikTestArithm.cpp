@@ -41,13 +41,12 @@ const FunctionGroup& arithmeticFunctions()
 
 const FunctionGroup& averageFunctions()
 {
-    static const FunctionGroup group{
-        "ravikaverage",
-        "rvk",
-        false,
-        {
-            RVK_TEST(rvkAverages32, src, width, height, stride, value),
-            RVK_TEST(rvkAverageu8, src, width, height, stride, value),
-        }};
+    static const FunctionGroup group{"ravikaverage",
+                                     "rvk",
+                                     false,
+                                     {
+                                         RVK_TEST(rvkAverages32, src, width, height, stride, value),
+                                         RVK_TEST(rvkAverageu8, src, width, height, stride, value),
+                                     }};
     return group;
 }

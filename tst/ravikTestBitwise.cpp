@@ -13,11 +13,11 @@ const FunctionGroup& bitwiseFunctions()
         false,
         {
             RVK_TEST(rvkBitwiseOru8, src, width, height, stride, src, stride, dst, stride, mask, stride),
-            RVK_TEST_AS("rvkBitwiseOru8_no_mask", "rvkBitwiseOru8", rvkBitwiseOru8, src, width, height, stride, src, stride,
-                        dst, stride, null, stride),
+            RVK_TEST_AS("rvkBitwiseOru8_no_mask", "rvkBitwiseOru8", rvkBitwiseOru8, src, width, height, stride, src,
+                        stride, dst, stride, null, stride),
             RVK_TEST(rvkBitwiseOrs32, src, src, width, height, stride, dst, stride, mask, stride),
-            RVK_TEST_AS("rvkBitwiseOrs32_no_mask", "rvkBitwiseOrs32", rvkBitwiseOrs32, src, src, width, height, stride, dst,
-                        stride, null, stride),
+            RVK_TEST_AS("rvkBitwiseOrs32_no_mask", "rvkBitwiseOrs32", rvkBitwiseOrs32, src, src, width, height, stride,
+                        dst, stride, null, stride),
             RVK_TEST(rvkBitwiseAndu8, src, width, height, stride, src, stride, dst, stride),
             RVK_TEST(rvkBitwiseXoru8, src, width, height, stride, src, stride, dst, stride),
             RVK_TEST(rvkBitwiseNotu8, src, width, height, stride, dst, stride),
@@ -26,9 +26,10 @@ const FunctionGroup& bitwiseFunctions()
 }
 
 // Two tests of a fill: with a mask, and with none. `image` is what it fills.
-#define FILL_TESTS(function, noMaskTable, image, ...)                                                                  \
-    RVK_TEST(function, image, width, height, stride, __VA_ARGS__, mask, stride),                                       \
-        RVK_TEST_AS(#function "_no_mask", noMaskTable, function, image, width, height, stride, __VA_ARGS__, null, stride)
+#define FILL_TESTS(function, noMaskTable, image, ...)                                                             \
+    RVK_TEST(function, image, width, height, stride, __VA_ARGS__, mask, stride),                                  \
+        RVK_TEST_AS(#function "_no_mask", noMaskTable, function, image, width, height, stride, __VA_ARGS__, null, \
+                    stride)
 
 const FunctionGroup& fillFunctions()
 {

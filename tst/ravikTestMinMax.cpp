@@ -13,17 +13,16 @@ using namespace arguments;
 
 const FunctionGroup& minMaxFunctions()
 {
-    static const FunctionGroup group{
-        "ravikminmax",
-        "rvk",
-        false,
-        {
-            MIN_MAX_TESTS(rvkMinMaxLocu8),
-            MIN_MAX_TESTS(rvkMinMaxLocu16),
-            MIN_MAX_TESTS(rvkMinMaxLocu32),
-            MIN_MAX_TESTS(rvkMinMaxLocs16),
-            MIN_MAX_TESTS(rvkMinMaxLocs32),
-            MIN_MAX_TESTS(rvkMinMaxLocf32),
-        }};
+    static const FunctionGroup group{"ravikminmax",
+                                     "rvk",
+                                     false,
+                                     {
+                                         MIN_MAX_TESTS(rvkMinMaxLocu8),
+                                         MIN_MAX_TESTS(rvkMinMaxLocu16),
+                                         MIN_MAX_TESTS(rvkMinMaxLocu32),
+                                         MIN_MAX_TESTS(rvkMinMaxLocs16),
+                                         MIN_MAX_TESTS(rvkMinMaxLocs32),
+                                         MIN_MAX_TESTS(rvkMinMaxLocf32),
+                                     }};
     return group;
 }

@@ -15,10 +15,14 @@ RAVIK_TEST_RunSwitches runSwitches;
 rvkOperationMode operationModeOf(unsigned targetIndex)
 {
     constexpr uint32_t modes[kTargetIndices] = {
-        RAVIK_OP_EXPERT | RAVIK_UNIT_ARM,       RAVIK_OP_EXPERT | RAVIK_UNIT_VECTA,
-        RAVIK_OP_EXPERT | RAVIK_UNIT_NDSP_TEST, RAVIK_OP_EXPERT | RAVIK_UNIT_GPU,
-        RAVIK_OP_LOW_POWER,                     RAVIK_OP_PERFORMANCE,
-        RAVIK_OP_CPU_OFFLOAD,                   RAVIK_OP_CPU_PERFORMANCE,
+        RAVIK_OP_EXPERT | RAVIK_UNIT_ARM,
+        RAVIK_OP_EXPERT | RAVIK_UNIT_VECTA,
+        RAVIK_OP_EXPERT | RAVIK_UNIT_NDSP_TEST,
+        RAVIK_OP_EXPERT | RAVIK_UNIT_GPU,
+        RAVIK_OP_LOW_POWER,
+        RAVIK_OP_PERFORMANCE,
+        RAVIK_OP_CPU_OFFLOAD,
+        RAVIK_OP_CPU_PERFORMANCE,
     };
     return static_cast<rvkOperationMode>(modes[targetIndex]);
 }

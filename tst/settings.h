@@ -17,7 +17,8 @@ enum TargetIndex : unsigned {
 };
 inline constexpr unsigned kUnitTargets = 4;
 
-struct RAVIK_TEST_Settings {
+struct RAVIK_TEST_Settings
+{
     uint8_t targetArm = 1;
     uint8_t targetVecta = 1;
     uint8_t targetNdsp = 1;
@@ -40,7 +41,8 @@ struct RAVIK_TEST_Settings {
     uint8_t enabled[kTargetIndices] = {};
 };
 
-struct RAVIK_TEST_RunSwitches {
+struct RAVIK_TEST_RunSwitches
+{
     uint8_t unitTests = 1;
     uint8_t profiling = 1;
     int32_t profilingEntries = kTargetIndices;

@@ -1,5 +1,5 @@
-// How much stack a group needs: a stretch of the stack is filled with a byte before the group runs, and what is left of it
-// is measured afterwards.
+// How much stack a group needs: a stretch of the stack is filled with a byte before the group runs, and what is left of
+// it is measured afterwards.
 #pragma once
 
 #include <cstddef>

@@ -8,9 +8,9 @@
 // How a test buffer lies in its block. Sizes and positions are in elements and rows.
 struct MemShape_
 {
-    int32_t stride;      // elements per row of the whole block
-    int32_t rows;        // rows of the whole block
-    int32_t x, y;        // first element of the window
+    int32_t stride; // elements per row of the whole block
+    int32_t rows;   // rows of the whole block
+    int32_t x, y;   // first element of the window
     int32_t width, height;
     int32_t elementSize; // bytes
     int32_t alignment;   // bytes; 0 for the default
@@ -42,8 +42,8 @@ public:
     RAVIK_TEST_Buffer& operator=(const RAVIK_TEST_Buffer&) = delete;
     ~RAVIK_TEST_Buffer() { Release(); }
 
-    // Makes a block of the shape and fills it with zero bytes; true on success. With `keep` an earlier block that is large
-    // enough is used again.
+    // Makes a block of the shape and fills it with zero bytes; true on success. With `keep` an earlier block that is
+    // large enough is used again.
     bool Shape(MemShape_ shape, rvkMemOption option, bool keep);
     // Frees the block and forgets the shape.
     void Release();
@@ -74,6 +74,6 @@ void copyWindow(const RAVIK_TEST_Buffer& from, RAVIK_TEST_Buffer& to);
 template <class T>
 int RAVIK_TEST_AddStrideToBuffer(RAVIK_TEST_Buffer& buffer, int newStride, rvkMemOption option, bool keepContents);
 
-// Flushes and invalidates the caches of `count` pairs of (void* address, int bytes) through the DSP stub library, when -C
-// is on and the library has that entry.
+// Flushes and invalidates the caches of `count` pairs of (void* address, int bytes) through the DSP stub library, when
+// -C is on and the library has that entry.
 void RAVIK_TEST_Buffer_Flush_Invalidate(int count, ...);

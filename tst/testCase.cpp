@@ -111,7 +111,8 @@ void fillImage(RAVIK_TEST_Buffer& image, const Argument& argument, RandomBits& r
             T* const row = reinterpret_cast<T*>(image.row(j));
             fillRow(row, static_cast<size_t>(image.width), extreme, random);
             if (argument.isMask)
-                std::replace_if(row, row + image.width, [&](T) { return random.between(0, 1) == 0; }, T{});
+                std::replace_if(
+                    row, row + image.width, [&](T) { return random.between(0, 1) == 0; }, T{});
         }
     });
 }
@@ -134,7 +135,8 @@ uint32_t RandomBits::floatBits()
 double drawScalar(const Argument& argument, RandomBits& random)
 {
     if (!argument.choices.empty())
-        return argument.choices[static_cast<size_t>(random.between(0, static_cast<int64_t>(argument.choices.size()) - 1))];
+        return argument
+            .choices[static_cast<size_t>(random.between(0, static_cast<int64_t>(argument.choices.size()) - 1))];
     if (argument.element != Element::f32)
         return static_cast<double>(random.between(std::llround(argument.low), std::llround(argument.high)));
     const double position = random.next() / 4294967295.0;
@@ -231,9 +233,8 @@ ScriptResult TestCase::read(FILE* script, const char* dataDirectory, ScriptConte
 bool TestCase::takeInputs()
 {
     const auto& arguments = m_function.arguments;
-    const auto first = std::find_if(arguments.begin(), arguments.end(), [](const Argument& a) {
-        return a.isImage() && a.isInput() && a.fixedSize == 0;
-    });
+    const auto first = std::find_if(arguments.begin(), arguments.end(),
+                                    [](const Argument& a) { return a.isImage() && a.isInput() && a.fixedSize == 0; });
     m_width = m_height = 1;
     if (first != arguments.end()) {
         const RAVIK_TEST_Buffer& image = inputBuffer(static_cast<size_t>(first - arguments.begin()));

@@ -52,8 +52,8 @@ public:
     // Takes a line of a control script. With ScriptContent::sources the results are left to expectThisOutput().
     ScriptResult read(FILE* script, const char* dataDirectory, ScriptContent content);
 
-    // Draws a case of the size. Unless it is `packed`, its images begin anywhere in rows that are wider than they need to
-    // be. False when memory is short, here and below.
+    // Draws a case of the size. Unless it is `packed`, its images begin anywhere in rows that are wider than they need
+    // to be. False when memory is short, here and below.
     bool draw(uint32_t width, uint32_t height, bool packed, RandomBits& random);
 
     // Widens the rows of all images that have a stride by `elements`.

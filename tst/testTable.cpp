@@ -68,7 +68,8 @@ int RAVIK_TEST_ReadTestTable(const char* dataDirectory)
     ScriptResult result = ScriptResult::noScript;
     if (file) {
         RAVIK_TEST_TableRecord record;
-        while ((result = readRecord(dataDirectory, file, record)) == ScriptResult::line || result == ScriptResult::badLine)
+        while ((result = readRecord(dataDirectory, file, record)) == ScriptResult::line ||
+               result == ScriptResult::badLine)
             if (result == ScriptResult::line)
                 storeRecord(dataDirectory, record);
         fclose(file);
@@ -83,7 +84,8 @@ int RAVIK_TEST_ReadTestTable(const char* dataDirectory)
 
     for (RAVIK_FUNC index = 1; index <= kLastFunction; index++)
         if (testTable[index].name[0] == '\0')
-            testLog("WARNING - Function %d not found in %s/RavikTestTable.csv.\n", static_cast<int>(index), dataDirectory);
+            testLog("WARNING - Function %d not found in %s/RavikTestTable.csv.\n", static_cast<int>(index),
+                    dataDirectory);
     return 0;
 }
 
@@ -106,8 +108,8 @@ bool isFunctionImpl(RAVIK_FUNC index, unsigned target, float* tolerances)
 
     for (int32_t row = 0; row < record.rowCount; row++) {
         const float(&ofTargets)[kUnitTargets] = record.tolerances[row];
-        tolerances[row] = target < kUnitTargets ? ofTargets[target]
-                                                : *std::max_element(std::begin(ofTargets), std::end(ofTargets));
+        tolerances[row] =
+            target < kUnitTargets ? ofTargets[target] : *std::max_element(std::begin(ofTargets), std::end(ofTargets));
     }
     return target >= kUnitTargets || record.implemented[target];
 }

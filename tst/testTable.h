@@ -7,17 +7,18 @@
 using RAVIK_FUNC = uint32_t;
 inline constexpr RAVIK_FUNC kLastFunction = 485;
 
-struct RAVIK_TEST_TableRecord {
-    char name[100];           // empty: the table has no line for the function
-    uint8_t implemented[4];   // on the C reference, VECTA, NDSP, GPU
-    int32_t rowCount;         // tolerance rows in use; 0 or less: no entry
-    float tolerances[2][4];   // row k: unit test k; column: target as in `implemented`
+struct RAVIK_TEST_TableRecord
+{
+    char name[100];         // empty: the table has no line for the function
+    uint8_t implemented[4]; // on the C reference, VECTA, NDSP, GPU
+    int32_t rowCount;       // tolerance rows in use; 0 or less: no entry
+    float tolerances[2][4]; // row k: unit test k; column: target as in `implemented`
 };
 
 extern RAVIK_TEST_TableRecord testTable[kLastFunction + 1];
 
-// Reads "<dataDirectory>/RavikTestTable.csv" into testTable, which the caller has cleared. Returns 0, or 1 when the file
-// cannot be opened or is no table.
+// Reads "<dataDirectory>/RavikTestTable.csv" into testTable, which the caller has cleared. Returns 0, or 1 when the
+// file cannot be opened or is no table.
 int RAVIK_TEST_ReadTestTable(const char* dataDirectory);
 
 // The function's index; 0 for a null pointer or an unknown name.

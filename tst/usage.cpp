@@ -22,9 +22,9 @@ constexpr char kHead[] =
     "-m module_name\n"
     "    String name of module to limit to.  Valid strings in order are:\n";
 
-constexpr char kFunctionHead[] =
-    "-f func_name\n"
-    "    String name of function to limit to.  Make sure to specify corresponding module using -m. Valid strings are:\n";
+constexpr char kFunctionHead[] = "-f func_name\n"
+                                 "    String name of function to limit to.  Make sure to specify corresponding module "
+                                 "using -m. Valid strings are:\n";
 
 constexpr char kTail[] =
     "    Note: Not all modules have function limit functionality yet. \n"

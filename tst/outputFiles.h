@@ -33,8 +33,8 @@ std::string csvLine(const std::vector<std::string>& fields);
 // Shortest text that reads back as the same number.
 std::string numberText(double number, Element element);
 
-// Writes the image, its rows one after the other, in the format that suits it: "csv" for short rows of numbers, "pgm" for
-// what can be looked at, "data" for the rest. Returns the file's name: `name` with the format's suffix.
+// Writes the image, its rows one after the other, in the format that suits it: "csv" for short rows of numbers, "pgm"
+// for what can be looked at, "data" for the rest. Returns the file's name: `name` with the format's suffix.
 std::string writeImage(const std::string& directory, const std::string& name, const RAVIK_TEST_Buffer& image,
                        Element element);
 

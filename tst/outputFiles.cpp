@@ -87,10 +87,10 @@ std::string writeImage(const std::string& directory, const std::string& name, co
 {
     const bool isCsv = image.height == 1 && image.width <= kLongestCsvRow;
     const bool isPgm = !isCsv && element == Element::u8;
-    const std::string fileName = isCsv   ? name + ".csv"
-                                 : isPgm ? name + ".pgm"
-                                         : rawFileName(name, static_cast<uint32_t>(image.width),
-                                                       static_cast<uint32_t>(image.height));
+    const std::string fileName =
+        isCsv   ? name + ".csv"
+        : isPgm ? name + ".pgm"
+                : rawFileName(name, static_cast<uint32_t>(image.width), static_cast<uint32_t>(image.height));
     OutputFile file(directory + "/" + fileName);
     if (isCsv) {
         file.write(csvText(image, element));

@@ -1,0 +1,147 @@
+// The control-script reader on any bytes: a script whose lines name a data file that is made of the input, too.
+//
+// The first byte of the input chooses the destinations, the second the extension of the data file; a zero byte ends the
+// script, and what follows is the data file.
+#include "controlScript.h"
+#include "testLog.h"
+
+#include "platform/platform.h"
+
+#include <cstdlib>
+#include <cstring>
+#include <string>
+#include <unistd.h>
+
+// Bad input is logged line by line; nobody reads it here.
+extern "C" int __android_log_print(int, const char*, const char*, ...)
+{
+    return 0;
+}
+
+namespace {
+
+// The directory that scripts take their data from, and gone with the process.
+class DataDirectory
+{
+public:
+    DataDirectory()
+    {
+        if (!mkdtemp(m_path))
+            abort();
+    }
+    ~DataDirectory()
+    {
+        remove("input.pgm");
+        remove("input_3x2.data");
+        remove("input.csv");
+        rmdir(m_path);
+    }
+    const char* path() const { return m_path; }
+    std::string file(const char* name) const { return std::string(m_path) + "/" + name; }
+    void remove(const char* name) const { unlink(file(name).c_str()); }
+
+private:
+    char m_path[32] = "/tmp/ravikFuzzXXXXXX";
+};
+
+constexpr const char* kDataFiles[] = {"input.pgm", "input_3x2.data", "input.csv"};
+
+// One destination of every kind.
+struct Destinations
+{
+    char text[100];
+    uint8_t byte;
+    int32_t integer;
+    float number;
+    double wide;
+    char structure[8];
+    RAVIK_TEST_Buffer buffer;
+    std::vector<TestRect> rects;
+    TestCorrespondences correspondences;
+    TestContours contours;
+    TestPyramid pyramid;
+
+    ScriptColumn column(unsigned kind)
+    {
+        switch (kind % 11) {
+        case 0:
+            return ScriptColumn::array(buffer, RAVIK_MEM_SYSTEM);
+        case 1:
+            return ScriptColumn::text(text, sizeof text);
+        case 2:
+            return byte;
+        case 3:
+            return integer;
+        case 4:
+            return number;
+        case 5:
+            return wide;
+        case 6:
+            return ScriptColumn::structure(structure, sizeof structure);
+        case 7:
+            return rects;
+        case 8:
+            return correspondences;
+        case 9:
+            return contours;
+        default:
+            return pyramid;
+        }
+    }
+};
+
+void writeFile(const std::string& path, const uint8_t* bytes, size_t size)
+{
+    FILE* const file = fopen(path.c_str(), "wb");
+    if (!file || fwrite(bytes, 1, size, file) != size || fclose(file) != 0)
+        abort();
+}
+
+// Every byte of a window can be read.
+uint32_t sumOf(const RAVIK_TEST_Buffer& buffer)
+{
+    uint32_t sum = 0;
+    for (int32_t j = 0; j < buffer.height; j++)
+        for (int32_t i = 0; i < buffer.width * buffer.elementSize; i++)
+            sum += buffer.row(j)[i];
+    return sum;
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
+{
+    static const DataDirectory directory;
+    static volatile uint32_t sink;
+    if (size < 2)
+        return 0;
+    const unsigned firstKind = data[0];
+    const char* const dataFile = kDataFiles[data[1] % std::size(kDataFiles)];
+    data += 2;
+    size -= 2;
+    const auto* const end = static_cast<const uint8_t*>(memchr(data, 0, size));
+    const size_t scriptSize = end ? static_cast<size_t>(end - data) : size;
+    writeFile(directory.file(dataFile), end ? end + 1 : data, end ? size - scriptSize - 1 : 0);
+
+    FILE* const script = tmpfile();
+    if (!script)
+        abort();
+    fwrite(data, 1, scriptSize, script);
+    rewind(script);
+    Destinations destinations;
+    const ScriptColumn columns[] = {destinations.column(firstKind), destinations.column(firstKind / 11)};
+    for (size_t count = 1; count <= std::size(columns); count++) {
+        rewind(script);
+        for (int lines = 0; lines < 100; lines++) {
+            const ScriptResult result =
+                RAVIK_TEST_ReadControlScript(directory.path(), script, std::span(columns).first(count));
+            if (result != ScriptResult::line && result != ScriptResult::badLine)
+                break;
+            if (result == ScriptResult::line)
+                sink = sink + sumOf(destinations.buffer);
+        }
+    }
+    fclose(script);
+    directory.remove(dataFile);
+    return 0;
+}

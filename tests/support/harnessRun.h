@@ -1,0 +1,100 @@
+// Runs ravikTest in a child process, and gives it test data.
+#pragma once
+
+#include "driver.h"
+#include "testDataWriter.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <sstream>
+#include <string>
+#include <sys/wait.h>
+#include <unistd.h>
+#include <vector>
+
+namespace test {
+
+inline std::string readFile(const std::filesystem::path& path)
+{
+    std::ostringstream text;
+    text << std::ifstream(path, std::ios::binary).rdbuf();
+    return text.str();
+}
+
+inline void writeFile(const std::filesystem::path& path, const std::string& text)
+{
+    std::filesystem::create_directories(path.parent_path());
+    std::ofstream(path, std::ios::binary) << text;
+}
+
+// A directory of its own that is gone after the test.
+class TemporaryDirectory {
+public:
+    TemporaryDirectory()
+    {
+        std::string pattern = testing::TempDir() + "/ravikXXXXXX";
+        if (!mkdtemp(pattern.data()))
+            abort();
+        m_path = pattern;
+    }
+    ~TemporaryDirectory() { std::filesystem::remove_all(m_path); }
+    TemporaryDirectory(const TemporaryDirectory&) = delete;
+    TemporaryDirectory& operator=(const TemporaryDirectory&) = delete;
+
+    const std::filesystem::path& path() const { return m_path; }
+    std::string string() const { return m_path.string(); }
+
+private:
+    std::filesystem::path m_path;
+};
+
+struct ProgramRun {
+    int exitStatus; // -1 when a signal ended the program
+    std::string out;
+    std::string err; // messages and log lines
+
+    bool printed(const std::string& text) const { return out.find(text) != std::string::npos; }
+    bool logged(const std::string& text) const { return err.find(text) != std::string::npos; }
+};
+
+// Runs "ravikTest <words>". `prepare` is called in the child process before.
+inline ProgramRun runProgram(const std::vector<std::string>& words, const std::function<void()>& prepare = [] {})
+{
+    const TemporaryDirectory directory;
+    const std::string out = directory.string() + "/out", err = directory.string() + "/err";
+    fflush(nullptr);
+    const pid_t child = fork();
+    if (child == 0) {
+        if (!freopen(out.c_str(), "w", stdout) || !freopen(err.c_str(), "w", stderr))
+            _exit(99);
+        std::vector<std::string> all = words;
+        all.insert(all.begin(), "ravikTest");
+        std::vector<char*> arguments;
+        for (std::string& word : all)
+            arguments.push_back(word.data());
+        arguments.push_back(nullptr);
+        prepare(); // last: it may take memory away
+        const int status = runRavikTest(static_cast<int>(all.size()), arguments.data());
+        fflush(nullptr);
+        _exit(status);
+    }
+    int status = 0;
+    waitpid(child, &status, 0);
+    return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, readFile(out), readFile(err)};
+}
+
+// The test data, made once per process.
+inline const std::filesystem::path& testData()
+{
+    static const TemporaryDirectory directory;
+    static const bool made = (writeTestData(directory.string(), 2), true);
+    (void)made;
+    return directory.path();
+}
+
+} // namespace test

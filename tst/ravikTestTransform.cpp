@@ -1,0 +1,57 @@
+// TRNS and IPP: transposes, flips and rotations.
+#include "groups.h"
+
+#include <ravik/transform.h>
+
+using namespace arguments;
+
+const FunctionGroup& transposeFunctions()
+{
+    static const FunctionGroup group{
+        "raviktrns",
+        "rvk",
+        false,
+        {
+            RVK_TEST(rvkTransposeu8, src, width, height, stride, dst.transposed(), stride),
+            RVK_TEST(rvkTransposeu16, src, width, height, stride, dst.transposed(), stride),
+            RVK_TEST(rvkTransposef32, src, width, height, stride, dst.transposed(), stride),
+            RVK_TEST(rvkTransposeRGB888u8, src.ofChannels(3), width, height, stride, dst.ofChannels(3).transposed(),
+                     stride),
+        }};
+    return group;
+}
+
+const FunctionGroup& flipFunctions()
+{
+    const Argument direction = oneOf({RAVIK_FLIP_HORIZONTAL, RAVIK_FLIP_VERTICAL, RAVIK_FLIP_BOTH});
+    const Argument pairs = src.ofChannels(2), turnedPairs = dst.ofChannels(2).transposed();
+    const Argument right = oneOf({RAVIK_ROTATE_90}), around = oneOf({RAVIK_ROTATE_180}),
+                   left = oneOf({RAVIK_ROTATE_270});
+
+    static const FunctionGroup group{
+        "ravikipp",
+        "rvk",
+        false,
+        {
+            RVK_TEST(rvkFlipu8, src, width, height, stride, dst, stride, direction),
+            RVK_TEST_AS("rvkFlipu8_in_place", "rvkFlipu8", rvkFlipu8, sameAs(4), width, height, stride, updated, stride,
+                        direction),
+            RVK_TEST(rvkFlipu16, src, width, height, stride, dst, stride, direction),
+            RVK_TEST_AS("rvkFlipu16_in_place", "rvkFlipu16", rvkFlipu16, sameAs(4), width, height, stride, updated,
+                        stride, direction),
+            RVK_TEST(rvkFlipRGB888u8, src.ofChannels(3), width, height, stride, dst.ofChannels(3), stride, direction),
+            RVK_TEST_AS("rvkFlipRGB888u8_in_place", "rvkFlipRGB888u8", rvkFlipRGB888u8, sameAs(4), width, height,
+                        stride, updated.ofChannels(3), stride, direction),
+            RVK_TEST(rvkRotateImageu8, src, width, height, stride, dst.transposed(), stride, right),
+            RVK_TEST_AS("rvkRotateImageu8_180", "rvkRotateImageu8", rvkRotateImageu8, src, width, height, stride, dst,
+                        stride, around),
+            RVK_TEST_AS("rvkRotateImageu8_270", "rvkRotateImageu8", rvkRotateImageu8, src, width, height, stride,
+                        dst.transposed(), stride, left),
+            RVK_TEST(rvkRotateImageInterleavedu8, pairs, width, height, stride, turnedPairs, stride, right),
+            RVK_TEST_AS("rvkRotateImageInterleavedu8_180", "rvkRotateImageInterleavedu8", rvkRotateImageInterleavedu8,
+                        pairs, width, height, stride, dst.ofChannels(2), stride, around),
+            RVK_TEST_AS("rvkRotateImageInterleavedu8_270", "rvkRotateImageInterleavedu8", rvkRotateImageInterleavedu8,
+                        pairs, width, height, stride, turnedPairs, stride, left),
+        }};
+    return group;
+}
