@@ -1,72 +1,116 @@
-// How the vector implementations of filters walk images: an output row is formed from the source rows around it, by a
-// formula that sees vectors at fixed offsets from the output. Rows between two passes live on the stack, so columns are
-// processed in strips.
+// How the vector implementations of filters walk images: down in columns as wide as a vector, with what the rows above
+// have in common with the next output kept in registers.
+//
+// A filter is a kernel:
+//
+//     struct Erode3x3 {
+//         static constexpr size_t rows = 3, columns = 3;       // the window
+//         static constexpr size_t step = Vec<uint8_t>::lanes;  // outputs side by side
+//         Vec<uint8_t> above = zero<uint8_t>(), twoAbove = above;
+//
+//         // Takes the next row of the image, at the left end of the window of the first output, and gives the outputs
+//         of
+//         // the window that ends in that row. It may load `step` + `columns` - 1 elements.
+//         RVK_INLINE Vec<uint8_t> next(const uint8_t* p) { ... }
+//     };
+//
+// The first `rows` - 1 rows of a column only fill the kernel: it gets them through `prime`, or, if it has none, through
+// `next`, and what that returns is dropped. A kernel gives a Vec or Vecs, or Two of those for two destinations.
 #pragma once
 
+#include "vecta/simd/rowSums.h"
 #include "vecta/simd/rows.h"
 
 namespace rvk::vecta::RVK_ISA {
 namespace {
 
-// Outputs of a strip: with its intermediate rows it stays within the first-level cache.
-constexpr size_t kStrip = 2048;
+// Rows of outputs that a column is followed down before the walk turns to the next one: enough to make little of the
+// rows that two such blocks have to read, few enough for the first-level cache to keep the lines until the next column
+// comes.
+template <class Kernel>
+constexpr size_t kBlockRows = 8 * Kernel::rows;
 
-// `n` outputs of one row. `src` has the source rows; each can be read from `radius` elements before the output's position
-// to `radius` after the last one's. The formula takes the rows, advanced to the position of the first output of a step, and
-// returns that step; it may load at offsets from -radius to +radius. The destination must not overlap the sources.
-template <size_t radius, size_t rows, class S, class D, class Formula>
-RVK_INLINE void windowRow(size_t n, const S* const (&src)[rows], D* dst, Formula formula)
+template <class Kernel, class S>
+RVK_INLINE void prime(Kernel& kernel, const S* p)
 {
-    constexpr size_t step = stepOf<S, D>();
-    const auto at = [&](size_t x) RVK_INLINE_LAMBDA {
-        struct {
-            const S* row[rows];
-        } window;
-        for (size_t k = 0; k < rows; ++k)
-            window.row[k] = src[k] + x;
-        return formula(window.row);
-    };
-    if (n < step) { // too narrow to load whole vectors: filter a copy with room behind it
-        S copy[rows][step + 2 * radius] = {};
-        struct {
-            const S* row[rows];
-        } window;
-        for (size_t k = 0; k < rows; ++k) {
-            __builtin_memcpy(copy[k], src[k] - radius, (n + 2 * radius) * sizeof(S));
-            window.row[k] = copy[k] + radius;
-        }
-        storePartial(dst, formula(window.row), n);
-        return;
-    }
-    for (size_t x = 0; x + step <= n; x += step)
-        store(dst + x, at(x));
-    if (n % step)
-        store(dst + n - step, at(n - step));
+    if constexpr (requires { kernel.prime(p); })
+        kernel.prime(p);
+    else
+        kernel.next(p);
 }
 
-// The interior of a separable filter of `rows` (odd) rows and `2 * radius + 1` columns: every output whose window lies
-// within the image. `vertical` takes the source rows of an output row and returns sums of type M; `horizontal` takes one
-// row of those sums. Outputs keep their position; the ring around them is not written.
-template <size_t radius, size_t rows, class M, class S, class D, class Vertical, class Horizontal>
-RVK_INLINE void separableInterior(size_t width, size_t height, Plane<const S> src, Plane<D> dst, Vertical vertical,
-                                  Horizontal horizontal)
+template <class A, class B>
+struct Two
 {
-    if (width < 2 * radius + 1)
+    A first;
+    B second;
+};
+
+template <class Result, class D>
+RVK_INLINE void put(const Result& result, size_t x, size_t y, Plane<D> dst)
+{
+    store(dst.row(y) + x, result);
+}
+
+template <class A, class B, class D1, class D2>
+RVK_INLINE void put(const Two<A, B>& result, size_t x, size_t y, Plane<D1> dst1, Plane<D2> dst2)
+{
+    store(dst1.row(y) + x, result.first);
+    store(dst2.row(y) + x, result.second);
+}
+
+template <class Result, class D>
+RVK_INLINE void putPartial(const Result& result, size_t n, size_t y, Plane<D> dst)
+{
+    storePartial(dst.row(y), result, n);
+}
+
+template <class A, class B, class D1, class D2>
+RVK_INLINE void putPartial(const Two<A, B>& result, size_t n, size_t y, Plane<D1> dst1, Plane<D2> dst2)
+{
+    storePartial(dst1.row(y), result.first, n);
+    storePartial(dst2.row(y), result.second, n);
+}
+
+// `n` x `m` outputs at dst, whose windows begin in the `n` x `m` elements at src. Reads `n` + Kernel::columns - 1 by
+// `m` + Kernel::rows - 1 elements, in any order and more than once: destinations must not overlap the source.
+template <class Kernel, class S, class... D>
+RVK_INLINE void walk(size_t n, size_t m, Plane<const S> src, Kernel kernel, Plane<D>... dst)
+{
+    constexpr size_t step = Kernel::step, before = Kernel::rows - 1;
+    if (n < step) { // too narrow to load whole vectors: filter copies of the rows, with room behind them
+        S row[step + Kernel::columns - 1] = {};
+        for (size_t y = 0; y < m + before; ++y) {
+            __builtin_memcpy(row, src.row(y), (n + Kernel::columns - 1) * sizeof(S));
+            if (y < before)
+                prime(kernel, row);
+            else
+                putPartial(kernel.next(row), n, y - before, dst...);
+        }
         return;
-    alignas(kBytes) M sums[kStrip + 2 * radius];
-    for (size_t x = radius; x < width - radius; x += kStrip) {
-        const size_t n = width - radius - x < kStrip ? width - radius - x : kStrip;
-        for (size_t y = rows / 2; y + rows / 2 < height; ++y) {
-            struct {
-                const S* row[rows];
-            } window;
-            for (size_t k = 0; k < rows; ++k)
-                window.row[k] = src.row(y - rows / 2 + k) + x - radius;
-            windowRow<0>(n + 2 * radius, window.row, sums, vertical);
-            const M* const sumRow[1] = {sums + radius};
-            windowRow<radius>(n, sumRow, dst.row(y) + x, horizontal);
+    }
+    for (size_t top = 0; top < m; top += kBlockRows<Kernel>) {
+        const size_t bottom = m - top < kBlockRows<Kernel> ? m : top + kBlockRows<Kernel>;
+        for (size_t next = 0; next < n; next += step) {
+            const size_t x = next + step <= n ? next : n - step; // the last column may overlap the one before it
+            Kernel column = kernel;
+            size_t y = top;
+            for (; y < top + before; ++y)
+                prime(column, src.row(y) + x);
+            for (; y < bottom + before; ++y)
+                put(column.next(src.row(y) + x), x, y - before, dst...);
         }
     }
+}
+
+// The outputs whose window lies within the image, at their own positions; the window's centre is at its half, rounded
+// down.
+template <class Kernel, class S, class... D>
+RVK_INLINE void filterInterior(size_t width, size_t height, Plane<const S> src, Kernel kernel, Plane<D>... dst)
+{
+    if (width >= Kernel::columns && height >= Kernel::rows)
+        walk(width - Kernel::columns + 1, height - Kernel::rows + 1, src, kernel,
+             Plane<D>{dst.row(Kernel::rows / 2) + Kernel::columns / 2, dst.stride}...);
 }
 
 } // namespace

@@ -1,0 +1,287 @@
+// Weighted sums of neighbouring elements of a row, and how they become elements again.
+//
+// Sums are twice as wide as the elements and come in two vectors, in the order that the instruction set likes best: on
+// x86, which adds the products of pairs in one instruction, the sums of even and those of odd outputs; on Arm, of the
+// first and of the second half. Arithmetic between sum and narrowing, down columns for instance, does not see the
+// order.
+#pragma once
+
+#include "vecta/simd/simd.h"
+
+namespace rvk::vecta::RVK_ISA {
+namespace {
+
+// Sums of a step of outputs, in that order.
+template <class T>
+using Pairs = Vecs<T, 2>;
+
+template <class T, size_t count>
+RVK_INLINE Vecs<T, count> operator+(Vecs<T, count> a, const Vecs<T, count>& b)
+{
+    unrolled<count>([&](auto i) RVK_INLINE_LAMBDA { a[i] = a[i] + b[i]; });
+    return a;
+}
+
+template <class T, size_t count>
+RVK_INLINE Vecs<T, count> operator-(Vecs<T, count> a, const Vecs<T, count>& b)
+{
+    unrolled<count>([&](auto i) RVK_INLINE_LAMBDA { a[i] = a[i] - b[i]; });
+    return a;
+}
+
+// The weights of a window of a row; an odd number of them.
+template <int... weights>
+struct Weights
+{
+    static constexpr size_t count = sizeof...(weights);
+    static constexpr bool allOne = ((weights == 1) && ...);
+    static constexpr bool anyNegative = ((weights < 0) || ...);
+    static_assert(count % 2 == 1);
+
+    static constexpr int at(size_t i) // 0 outside
+    {
+        constexpr int list[] = {weights...};
+        return i < count ? list[i] : 0;
+    }
+};
+
+// Bytes have unsigned sums unless there are negative weights. Sums wrap.
+template <class T, class W>
+struct SumOf;
+template <class W>
+struct SumOf<int16_t, W>
+{
+    using Type = int32_t;
+};
+template <class W>
+requires(W::anyNegative) struct SumOf<uint8_t, W>
+{
+    using Type = int16_t;
+};
+template <class W>
+requires(!W::anyNegative) struct SumOf<uint8_t, W>
+{
+    using Type = uint16_t;
+};
+
+#if defined(__x86_64__)
+
+// a[2i] * even + a[2i + 1] * odd. Such a sum of bytes must fit 16 bits with a sign.
+template <class Sum, int even, int odd>
+RVK_INLINE Vec<Sum> weightedPairs(Vec<uint8_t> a)
+{
+    static_assert(255 * ((even < 0 ? -even : even) + (odd < 0 ? -odd : odd)) <= 32767);
+    if constexpr (even == 1 && odd == 0)
+        return bitCast<Sum>(a) & splat<Sum>(255);
+    else if constexpr (even == 0 && odd == 1)
+        return bitCast<Sum>(shiftRight(bitCast<uint16_t>(a), 8));
+    else
+        return vec<Sum>(
+            RVK_MM(maddubs_epi16)(reg(a), reg(splat(static_cast<int16_t>((odd & 255) << 8 | (even & 255))))));
+}
+
+template <class Sum, int even, int odd>
+RVK_INLINE Vec<Sum> weightedPairs(Vec<int16_t> a)
+{
+    const uint32_t both = static_cast<uint32_t>(odd & 65535) << 16 | static_cast<uint32_t>(even & 65535);
+    return dotPairs(a, bitCast<int16_t>(splat(both)));
+}
+
+// Loads once for two uses: g++ would rather load again than spend a register, but loads across cache lines are what row
+// sums wait for.
+template <class T>
+RVK_INLINE Vec<T> loadOnce(const T* p)
+{
+    Vec<T> v = load(p);
+    __asm__("" : "+v"(v.raw));
+    return v;
+}
+
+template <class W, class T>
+RVK_INLINE Pairs<typename SumOf<T, W>::Type> rowSumOfPairs(const T* p)
+{
+    using Sum = typename SumOf<T, W>::Type;
+    Pairs<Sum> sum = {};
+    unrolled<W::count / 2 + 1>([&](auto j) RVK_INLINE_LAMBDA {
+        const Vec<T> v = loadOnce(p + 2 * j);
+        const Vec<Sum> even = weightedPairs<Sum, W::at(2 * j), W::at(2 * j + 1)>(v);
+        const Vec<Sum> odd = weightedPairs<Sum, W::at(2 * j - 1), W::at(2 * j)>(v);
+        sum = j == 0 ? Pairs<Sum>{{even, odd}} : sum + Pairs<Sum>{{even, odd}};
+    });
+    return sum;
+}
+
+// Even and odd outputs share all pairs but their first and last.
+template <class W, size_t... j>
+RVK_INLINE Pairs<uint16_t> boxSumOfPairs(const uint8_t* p, Indices<j...>)
+{
+    const Vec<uint8_t> first = loadOnce(p), last = loadOnce(p + W::count - 1);
+    const Vec<uint16_t> common = (zero<uint16_t>() + ... + weightedPairs<uint16_t, 1, 1>(load(p + 2 * j + 2)));
+    return {{weightedPairs<uint16_t, 1, 1>(first) + weightedPairs<uint16_t, 1, 0>(last) + common,
+             weightedPairs<uint16_t, 0, 1>(first) + weightedPairs<uint16_t, 1, 1>(last) + common}};
+}
+
+// The weighted sums of the windows that start at p, p + 1, ...: as many as a vector of T has lanes. Reads no further
+// than to the end of the last window.
+template <class W, class T>
+RVK_INLINE Pairs<typename SumOf<T, W>::Type> rowSum(const T* p)
+{
+    if constexpr (W::allOne && sizeof(T) == 1)
+        return boxSumOfPairs<W>(p, typename CountTo<W::count / 2 - 1>::Type{});
+    else
+        return rowSumOfPairs<W>(p);
+}
+
+// Sums in the order of the outputs.
+template <class T>
+RVK_INLINE Vecs<T, 2> orderPairs(Pairs<T> v)
+{
+    return zip(v[0], v[1]);
+}
+
+// The sums, shifted right, as elements in the order of the outputs; the shifted sums must fit the element.
+template <unsigned shift>
+RVK_INLINE Vec<uint8_t> narrowPairs(Pairs<uint16_t> v)
+{
+    static_assert(shift <= 8);
+    const Vec<uint16_t> odd = shiftLeft(v[1], 8 - shift);
+    return bitCast<uint8_t>(shiftRight(v[0], shift) | (shift ? odd & splat<uint16_t>(0xff00) : odd));
+}
+
+template <unsigned shift>
+RVK_INLINE Vec<int16_t> narrowPairs(Pairs<int32_t> v)
+{
+    static_assert(shift <= 16);
+    const Vec<uint32_t> even = shiftRight(bitCast<uint32_t>(v[0]), shift) & splat<uint32_t>(0xffff);
+    const Vec<uint32_t> odd = shiftLeft(bitCast<uint32_t>(v[1]), 16 - shift) & splat<uint32_t>(0xffff0000);
+    return bitCast<int16_t>(even | odd);
+}
+
+#else
+
+template <int w>
+RVK_INLINE uint16x8_t addProduct(uint16x8_t sum, uint8x8_t v)
+{
+    if constexpr (w == 0)
+        return sum;
+    else if constexpr (w == 1)
+        return vaddw_u8(sum, v);
+    else if constexpr (w == -1)
+        return vsubw_u8(sum, v);
+    else if constexpr (w > 0)
+        return vmlal_u8(sum, v, vdup_n_u8(w));
+    else
+        return vmlsl_u8(sum, v, vdup_n_u8(-w));
+}
+
+template <int w>
+RVK_INLINE int32x4_t addProduct(int32x4_t sum, int16x4_t v)
+{
+    if constexpr (w == 0)
+        return sum;
+    else if constexpr (w == 1)
+        return vaddw_s16(sum, v);
+    else if constexpr (w == -1)
+        return vsubw_s16(sum, v);
+    else
+        return vmlal_n_s16(sum, v, w);
+}
+
+template <int w>
+RVK_INLINE uint16x8_t product(uint8x8_t v)
+{
+    return w == 1 ? vmovl_u8(v) : vmull_u8(v, vdup_n_u8(w));
+}
+template <int w>
+RVK_INLINE int32x4_t product(int16x4_t v)
+{
+    return w == 1 ? vmovl_s16(v) : vmull_n_s16(v, w);
+}
+
+RVK_INLINE uint16x8_t sumOf(uint8x8_t a, uint8x8_t b)
+{
+    return vaddl_u8(a, b);
+}
+RVK_INLINE int32x4_t sumOf(int16x4_t a, int16x4_t b)
+{
+    return vaddl_s16(a, b);
+}
+RVK_INLINE uint16x8_t differenceOf(uint8x8_t a, uint8x8_t b)
+{
+    return vsubl_u8(a, b);
+}
+RVK_INLINE int32x4_t differenceOf(int16x4_t a, int16x4_t b)
+{
+    return vsubl_s16(a, b);
+}
+
+// The products of the first and the last element of the windows, added.
+template <int first, int last, class Half>
+RVK_INLINE auto productsOfEnds(Half a, Half b)
+{
+    static_assert(first > 0 || last > 0);
+    if constexpr (first == 1 && last == 1)
+        return sumOf(a, b);
+    else if constexpr (first == -1 && last == 1)
+        return differenceOf(b, a);
+    else if constexpr (first == 1 && last == -1)
+        return differenceOf(a, b);
+    else if constexpr (first > 0)
+        return addProduct<last>(product<first>(a), b);
+    else
+        return addProduct<first>(product<last>(b), a);
+}
+
+template <class W, class T, size_t... j>
+RVK_INLINE Pairs<typename SumOf<T, W>::Type> rowSumOfTaps(const T* p, Indices<j...>)
+{
+    using Sum = typename SumOf<T, W>::Type;
+    constexpr size_t end = W::count - 1;
+    const Vec<T> first = load(p), last = load(p + end);
+    auto low = productsOfEnds<W::at(0), W::at(end)>(lowHalf(first), lowHalf(last));
+    auto high = productsOfEnds<W::at(0), W::at(end)>(highHalf(first), highHalf(last));
+    const auto add = [&]<int w>(Weights<w>, const T* tap) RVK_INLINE_LAMBDA {
+        if constexpr (w != 0) {
+            const Vec<T> v = load(tap);
+            low = addProduct<w>(low, lowHalf(v));
+            high = addProduct<w>(high, highHalf(v));
+        }
+    };
+    (add(Weights<W::at(j + 1)>{}, p + j + 1), ...);
+    return {{bitCast<Sum>(vec(low)), bitCast<Sum>(vec(high))}};
+}
+
+template <class W, class T>
+RVK_INLINE Pairs<typename SumOf<T, W>::Type> rowSum(const T* p)
+{
+    return rowSumOfTaps<W>(p, typename CountTo<W::count - 2>::Type{});
+}
+
+template <class T>
+RVK_INLINE Vecs<T, 2> orderPairs(Pairs<T> v)
+{
+    return v;
+}
+
+template <unsigned shift>
+RVK_INLINE Vec<uint8_t> narrowPairs(Pairs<uint16_t> v)
+{
+    if constexpr (shift == 0)
+        return narrow(v);
+    else
+        return join(vshrn_n_u16(reg(v[0]), shift), vshrn_n_u16(reg(v[1]), shift));
+}
+
+template <unsigned shift>
+RVK_INLINE Vec<int16_t> narrowPairs(Pairs<int32_t> v)
+{
+    if constexpr (shift == 0)
+        return narrow(v);
+    else
+        return join(vshrn_n_s32(reg(v[0]), shift), vshrn_n_s32(reg(v[1]), shift));
+}
+
+#endif
+
+} // namespace
+} // namespace rvk::vecta::RVK_ISA
