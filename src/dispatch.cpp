@@ -4,8 +4,6 @@
 namespace rvk {
 
 // The tables are filled by the loader, not by code: a function may be called from a static constructor.
-#define RVK_REFERENCE_YES(name) reinterpret_cast<Cell>(&name##C)
-#define RVK_REFERENCE_NO(name) nullptr
 #define RVK_ROW(reference)                                                                                                     \
     reference, reference, reference, reference, nullptr, nullptr, nullptr, // CPU, VECTA, NDSP, GPU; ADSP, CDSP, MDSP
 

@@ -17,6 +17,11 @@ namespace rvk {
 // A cell of a function table: any implementation, stored without its type. implementation() below is the only way back.
 using Cell = void (*)();
 
+// For the reference column of the lists: the reference of a row as a cell, or an empty cell. Unlike eraseType() the loader
+// can fill a table with it.
+#define RVK_REFERENCE_YES(name) reinterpret_cast<::rvk::Cell>(&name##C)
+#define RVK_REFERENCE_NO(name) nullptr
+
 template <class Function>
 Cell eraseType(Function* function)
 {

@@ -7,8 +7,6 @@
 
 namespace rvk {
 
-#define RVK_REFERENCE_YES(name) reinterpret_cast<Cell>(&name##C)
-#define RVK_REFERENCE_NO(name) nullptr
 #define RVK_KERNEL(name, reference, vecta) RVK_REFERENCE_##reference(name),
 
 Cell kernelCells[kKernels] = {

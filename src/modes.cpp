@@ -121,9 +121,6 @@ int assignTargets(rvkOperationMode mode)
 
 } // namespace
 
-#define RVK_REFERENCE_YES(name) reinterpret_cast<Cell>(&name##C)
-#define RVK_REFERENCE_NO(name) nullptr
-
 void uCTable(Cell* table, Cell* internalTable, uint32_t target)
 {
     static const Cell references[] = {
