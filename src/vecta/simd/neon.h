@@ -195,13 +195,34 @@ RVK_WIDEN(uint32_t, u32)
 RVK_WIDEN(int32_t, s32)
 #undef RVK_WIDEN
 
+// Half a register's worth of elements. (clang 14 moves 8 bytes of memory that may be unaligned through the stack.)
+#if defined(__clang__) && !defined(__aarch64__)
+#define RVK_LOAD_HALF(T, suffix)                                                                                       \
+    RVK_INLINE Neon<T>::Half loadHalf(const T* p)                                                                      \
+    {                                                                                                                  \
+        Neon<T>::Half half;                                                                                            \
+        __asm__("vld1.8 {%P0}, %1" : "=w"(half) : "Q"(*reinterpret_cast<const char(*)[8]>(p)));                        \
+        return half;                                                                                                   \
+    }
+#else
+#define RVK_LOAD_HALF(T, suffix)                                                                                       \
+    RVK_INLINE Neon<T>::Half loadHalf(const T* p) { return vld1_##suffix(p); }
+#endif
+RVK_LOAD_HALF(uint8_t, u8)
+RVK_LOAD_HALF(int8_t, s8)
+RVK_LOAD_HALF(uint16_t, u16)
+RVK_LOAD_HALF(int16_t, s16)
+RVK_LOAD_HALF(uint32_t, u32)
+RVK_LOAD_HALF(int32_t, s32)
+#undef RVK_LOAD_HALF
+
 // As many elements from p as a vector of To has lanes, each made two or four times as wide.
 #define RVK_LOAD_WIDEN(T, suffix)                                                                                      \
     template <class To>                                                                                                \
         requires(isSame<To, Wider<T>>)                                                                                 \
     RVK_INLINE Vec<To> loadWiden(const T* p)                                                                           \
     {                                                                                                                  \
-        return vec(vmovl_##suffix(vld1_##suffix(p)));                                                                  \
+        return vec(vmovl_##suffix(loadHalf(p)));                                                                       \
     }
 RVK_LOAD_WIDEN(uint8_t, u8)
 RVK_LOAD_WIDEN(int8_t, s8)
@@ -227,10 +248,24 @@ RVK_INLINE Vecs<Wider<T>, 2> widenInLanes(Vec<T> v)
     return widen(v);
 }
 
+// Two vectors narrowed into the halves of one. g++ for 32-bit Arm narrows into other registers and moves them, unless it
+// is told both instructions.
+#if defined(__arm__) && !defined(__clang__)
+#define RVK_NARROW_BOTH(To, operation, suffix, v)                                                                      \
+    uint8x16_t both;                                                                                                   \
+    __asm__(#operation "." #suffix " %e0, %q1\n\t" #operation "." #suffix " %f0, %q2"                                  \
+            : "=&w"(both)                                                                                              \
+            : "w"(reg(v[0])), "w"(reg(v[1])));                                                                         \
+    return bitCast<To>(vec(both));
+#else
+#define RVK_NARROW_BOTH(To, operation, suffix, v)                                                                      \
+    return join(operation##_##suffix(reg(v[0])), operation##_##suffix(reg(v[1])));
+#endif
+
 #define RVK_NARROW(T, suffix)                                                                                          \
     RVK_INLINE Vec<Narrower<T>> narrow(Vecs<T, 2> v)                                                                   \
     {                                                                                                                  \
-        return join(vmovn_##suffix(reg(v[0])), vmovn_##suffix(reg(v[1])));                                             \
+        RVK_NARROW_BOTH(Narrower<T>, vmovn, suffix, v)                                                                 \
     }
 RVK_NARROW(uint16_t, u16)
 RVK_NARROW(int16_t, s16)
@@ -250,17 +285,18 @@ RVK_INLINE Vec<Narrower<T>> narrowInLanes(Vecs<T, 2> v)
     RVK_INLINE Vec<To> narrowSat(Vecs<T, 2> v)                                                                         \
     {                                                                                                                  \
         static_assert(sizeof(To) * 2 == sizeof(T));                                                                    \
-        if constexpr (isSigned<To>)                                                                                    \
-            return join(vqmovn_##suffix(reg(v[0])), vqmovn_##suffix(reg(v[1])));                                       \
-        else                                                                                                           \
-            return join(vqmovun_##suffix(reg(v[0])), vqmovun_##suffix(reg(v[1])));                                     \
+        if constexpr (isSigned<To>) {                                                                                  \
+            RVK_NARROW_BOTH(To, vqmovn, suffix, v)                                                                     \
+        } else {                                                                                                       \
+            RVK_NARROW_BOTH(To, vqmovun, suffix, v)                                                                    \
+        }                                                                                                              \
     }
 #define RVK_NARROW_UNSIGNED(T, suffix)                                                                                 \
     template <class To>                                                                                                \
     RVK_INLINE Vec<To> narrowSat(Vecs<T, 2> v)                                                                         \
     {                                                                                                                  \
         static_assert(isSame<To, Narrower<T>>);                                                                        \
-        return join(vqmovn_##suffix(reg(v[0])), vqmovn_##suffix(reg(v[1])));                                           \
+        RVK_NARROW_BOTH(To, vqmovn, suffix, v)                                                                         \
     }
 RVK_NARROW_SIGNED(int16_t, s16)
 RVK_NARROW_SIGNED(int32_t, s32)
@@ -268,6 +304,7 @@ RVK_NARROW_UNSIGNED(uint16_t, u16)
 RVK_NARROW_UNSIGNED(uint32_t, u32)
 #undef RVK_NARROW_SIGNED
 #undef RVK_NARROW_UNSIGNED
+#undef RVK_NARROW_BOTH
 
 template <class To, class T>
 RVK_INLINE Vec<To> narrowSatInLanes(Vecs<T, 2> v)
