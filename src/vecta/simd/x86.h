@@ -710,7 +710,9 @@ RVK_INLINE Vecs<T, 4> load4(const T* p)
 template <size_t k, class T>
 RVK_INLINE Vec<T> ungroupChannels(Vec<T> v)
 {
-    return shuffle(v, v, [](size_t i) { return (i + k) % 4 * kBlock<T> + i / 4; });
+    Vec<T> pixels = shuffle(v, v, [](size_t i) { return (i + k) % 4 * kBlock<T> + i / 4; });
+    __asm__("" : "+v"(pixels.raw)); // clang replaces this shuffle by thirteen narrower ones if it sees the store behind it
+    return pixels;
 }
 
 template <class T>
