@@ -34,9 +34,9 @@ RVK_INLINE auto both(Vecs<T, 2> v, F f)
 }
 
 template <class T, class F>
-RVK_INLINE Vecs<T, 2> both(Vecs<T, 2> a, Vecs<T, 2> b, F f)
+RVK_INLINE auto both(Vecs<T, 2> a, Vecs<T, 2> b, F f)
 {
-    return {f(a[0], b[0]), f(a[1], b[1])};
+    return Vecs<typename decltype(f(a[0], b[0]))::Element, 2>{f(a[0], b[0]), f(a[1], b[1])};
 }
 
 // Exact sums and differences of bytes.
@@ -205,9 +205,20 @@ RVK_INLINE Vec<uint8_t> blend(Vec<uint8_t> a, Vec<uint8_t> b, int32_t weight1, i
 {
     const uint8x8_t factor1 = vdup_n_u8(static_cast<uint8_t>(weight1));
     const uint8x8_t factor2 = vdup_n_u8(static_cast<uint8_t>(weight2));
-    const auto half = [=](uint8x8_t v, uint8x8_t w)
-                          RVK_INLINE_LAMBDA { return vrshrn_n_u16(vmlal_u8(vmull_u8(v, factor1), w, factor2), 8); };
+#if defined(__arm__) && !defined(__clang__)
+    uint16x8_t low, high; // the same as below; g++ adds a move to every second instruction
+    __asm__("vmull.u8 %q0, %e2, %P4\n\tvmull.u8 %q1, %f2, %P4\n\t"
+            "vmlal.u8 %q0, %e3, %P5\n\tvmlal.u8 %q1, %f3, %P5\n\t"
+            "vrshrn.i16 %e0, %q0, #8\n\tvrshrn.i16 %f0, %q1, #8"
+            : "=&w"(low), "=&w"(high)
+            : "w"(reg(a)), "w"(reg(b)), "w"(factor1), "w"(factor2));
+    return bitCast<uint8_t>(vec(low));
+#else
+    const auto half = [=](uint8x8_t v, uint8x8_t w) RVK_INLINE_LAMBDA {
+        return vrshrn_n_u16(vmlal_u8(vmull_u8(v, factor1), w, factor2), 8);
+    };
     return join(half(lowHalf(a), lowHalf(b)), half(highHalf(a), highHalf(b)));
+#endif
 }
 
 RVK_INLINE bool canAddWeighted(int32_t)
@@ -223,10 +234,9 @@ RVK_INLINE Vec<uint8_t> addWeighted(Vec<uint8_t> a, Vec<uint8_t> b, int32_t weig
         return vqrshrun_n_s32(vmlal_s16(vmull_s16(v, factor1), w, factor2), 8);
     };
     const auto half = [=](Vec<int16_t> v, Vec<int16_t> w) RVK_INLINE_LAMBDA {
-        return vqmovn_u16(vcombine_u16(quarter(lowHalf(v), lowHalf(w)), quarter(highHalf(v), highHalf(w))));
+        return join(quarter(lowHalf(v), lowHalf(w)), quarter(highHalf(v), highHalf(w)));
     };
-    const Vecs<int16_t, 2> wideA = asSigned(widen(a)), wideB = asSigned(widen(b));
-    return join(half(wideA[0], wideB[0]), half(wideA[1], wideB[1]));
+    return narrowSat<uint8_t>(both(asSigned(widen(a)), asSigned(widen(b)), half));
 }
 
 #else

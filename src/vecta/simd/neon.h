@@ -248,8 +248,8 @@ RVK_INLINE Vecs<Wider<T>, 2> widenInLanes(Vec<T> v)
     return widen(v);
 }
 
-// Two vectors narrowed into the halves of one. g++ for 32-bit Arm narrows into other registers and moves them, unless it
-// is told both instructions.
+// Two vectors narrowed into the halves of one. g++ for 32-bit Arm narrows into other registers and moves them, unless
+// it is told both instructions.
 #if defined(__arm__) && !defined(__clang__)
 #define RVK_NARROW_BOTH(To, operation, suffix, v)                                                                      \
     uint8x16_t both;                                                                                                   \
