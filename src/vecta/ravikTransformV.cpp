@@ -14,8 +14,7 @@ RVK_INLINE size_t atMost(size_t a, size_t b)
     return a < b ? a : b;
 }
 
-// ---- registers of a chosen number of 16-byte blocks
-// --------------------------------------------------------------------
+// ---- registers of a chosen number of 16-byte blocks ---------------------------------------------------------------
 
 template <class T, size_t bytes>
 struct Reg {
@@ -97,8 +96,7 @@ RVK_INLINE void zipBlocks(Reg<T, bytes> a, Reg<T, bytes> b, Reg<T, bytes>& low, 
     high = shuffleReg(a, b, [](size_t i) { return i / n * n + n / 2 + i % n / 2 + i % 2 * Reg<T, bytes>::lanes; });
 }
 
-// ---- transposes
-// ---------------------------------------------------------------------------------------------------------
+// ---- transposes ---------------------------------------------------------------------------------------------------
 
 // A pixel in a register: three bytes travel in a lane of four.
 template <size_t pixel>
@@ -128,46 +126,74 @@ struct Tile {
     Reg<Lane, bytes> r[columns];
 };
 
-RVK_INLINE Reg<uint32_t, 16> loadFourRgb(const uint8_t* p)
+// Four pixels of three bytes in each block, one in a lane. A block reads 16 bytes from p - lead on; the pixels are the
+// 12 bytes from p on.
+template <size_t bytes, size_t lead>
+RVK_INLINE Reg<uint32_t, bytes> loadRgb(const uint8_t* p, ptrdiff_t step)
 {
-#if defined(__ARM_NEON)
-    const uint32x2_t last = vld1_lane_u32(reinterpret_cast<const uint32_t*>(p + 8), vdup_n_u32(0), 0);
-    const Reg<uint8_t, 16> packed = {(Reg<uint8_t, 16>::Raw)vcombine_u8(vld1_u8(p), vreinterpret_u8_u32(last))};
-#else
-    uint64_t first;
-    uint32_t last;
-    __builtin_memcpy(&first, p, 8);
-    __builtin_memcpy(&last, p + 8, 4);
-    const Reg<uint8_t, 16> packed = {(Reg<uint8_t, 16>::Raw)Reg<uint64_t, 16>::Raw{first, last}};
-#endif
-    return {(Reg<uint32_t, 16>::Raw)shuffleReg(packed, packed, [](size_t i) { return i / 4 * 3 + i % 4; }).raw};
+    const auto packed = loadBlocks<uint8_t, bytes>(p - lead, step);
+    const auto lanes =
+        shuffleReg(packed, packed, [](size_t i) { return i / 16 * 16 + (i % 16 / 4 * 3 + i % 4 + lead) % 16; });
+    return {(typename Reg<uint32_t, bytes>::Raw)lanes.raw};
 }
 
-RVK_INLINE void storeFourRgb(uint8_t* p, Reg<uint32_t, 16> r)
+template <size_t n, size_t bytes, size_t... i>
+RVK_INLINE void storeFirst(uint8_t* p, Reg<uint8_t, bytes> r, Indices<i...>);
+
+// Stores n bytes of a register: 8 or 12 bytes in the last block that counts.
+template <size_t n, size_t bytes>
+RVK_INLINE void storeFirst(uint8_t* p, Reg<uint8_t, bytes> r)
 {
-    const Reg<uint8_t, 16> lanes = {(Reg<uint8_t, 16>::Raw)r.raw};
-    const Reg<uint8_t, 16> packed = shuffleReg(lanes, lanes, [](size_t i) { return i < 12 ? i / 3 * 4 + i % 3 : i; });
-    const uint64_t first = ((Reg<uint64_t, 16>::Raw)packed.raw)[0];
-    const uint32_t last = ((Reg<uint32_t, 16>::Raw)packed.raw)[2];
-    __builtin_memcpy(p, &first, 8);
-    __builtin_memcpy(p + 8, &last, 4);
+    if constexpr (bytes > 16) {
+        storeFirst<n>(p, r, typename CountTo<bytes / 2>::Type{});
+    } else if constexpr (n == 16) {
+        storeReg(p, r);
+    } else {
+        const uint64_t first = ((Reg<uint64_t, 16>::Raw)r.raw)[0];
+        const uint32_t last = ((Reg<uint32_t, 16>::Raw)r.raw)[2];
+        __builtin_memcpy(p, &first, 8);
+        if constexpr (n == 12)
+            __builtin_memcpy(p + 8, &last, 4);
+    }
 }
 
-template <size_t pixel, size_t bytes>
+template <size_t n, size_t bytes, size_t... i>
+RVK_INLINE void storeFirst(uint8_t* p, Reg<uint8_t, bytes> r, Indices<i...>)
+{
+    constexpr size_t half = bytes / 2;
+    const Reg<uint8_t, half> low = {__builtin_shufflevector(r.raw, r.raw, i...)};
+    const Reg<uint8_t, half> high = {__builtin_shufflevector(r.raw, r.raw, (half + i)...)};
+    storeReg(p, low);
+    if constexpr (n > half)
+        storeFirst<n - half>(p + half, high);
+}
+
+template <size_t bytes>
+RVK_INLINE void storeRgb(uint8_t* p, Reg<uint32_t, bytes> r)
+{
+    const Reg<uint8_t, bytes> lanes = {(typename Reg<uint8_t, bytes>::Raw)r.raw};
+    const auto inBlocks =
+        shuffleReg(lanes, lanes, [](size_t i) { return i % 16 < 12 ? i / 16 * 16 + i % 16 / 3 * 4 + i % 16 % 3 : i; });
+    const Reg<uint32_t, bytes> triples = {(typename Reg<uint32_t, bytes>::Raw)inBlocks.raw};
+    constexpr size_t used = bytes / 16 * 3;
+    const auto packed = shuffleReg(triples, triples, [](size_t i) { return i < used ? i / 3 * 4 + i % 3 : i; });
+    storeFirst<4 * used>(p, Reg<uint8_t, bytes>{(typename Reg<uint8_t, bytes>::Raw)packed.raw});
+}
+
+template <size_t lead, size_t pixel, size_t bytes>
 RVK_INLINE void loadTile(Tile<pixel, bytes>& tile, const uint8_t* src, ptrdiff_t step)
 {
     using T = Tile<pixel, bytes>;
+    using Lane = typename T::Lane;
+    constexpr size_t rowsAtOnce = kBlock<Lane> / T::columns;
     unrolled<T::columns>([&](auto i) RVK_INLINE_LAMBDA {
-        if constexpr (pixel == 3) {
-            tile.r[i] = loadFourRgb(src);
-            src += step;
-        } else if constexpr (T::columns == kBlock<typename T::Lane>) {
-            tile.r[i] = loadBlocks<typename T::Lane, bytes>(src, static_cast<ptrdiff_t>(T::columns) * step);
-            src += step;
-        } else {
-            tile.r[i] = loadHalves<typename T::Lane>(src, step);
-            src += 2 * step;
-        }
+        if constexpr (rowsAtOnce == 2)
+            tile.r[i] = loadHalves<Lane>(src, step);
+        else if constexpr (pixel == 3)
+            tile.r[i] = loadRgb<bytes, lead>(src, static_cast<ptrdiff_t>(T::columns) * step);
+        else
+            tile.r[i] = loadBlocks<Lane, bytes>(src, static_cast<ptrdiff_t>(T::columns) * step);
+        src += static_cast<ptrdiff_t>(rowsAtOnce) * step;
     });
 }
 
@@ -188,16 +214,16 @@ RVK_INLINE void zipRounds(Tile<pixel, bytes>& tile)
     }
 }
 
-template <size_t pixel, size_t bytes>
+template <size_t lead, size_t pixel, size_t bytes>
 RVK_INLINE void transposeTile(const uint8_t* src, ptrdiff_t srcStep, uint8_t* dst, ptrdiff_t dstStep)
 {
     using T = Tile<pixel, bytes>;
     T tile;
-    loadTile(tile, src, srcStep);
+    loadTile<lead>(tile, src, srcStep);
     zipRounds<kBlock<typename T::Lane>>(tile);
     unrolled<T::columns>([&](auto i) RVK_INLINE_LAMBDA {
         if constexpr (pixel == 3)
-            storeFourRgb(dst, tile.r[i]);
+            storeRgb(dst, tile.r[i]);
         else
             storeReg(dst, tile.r[i]);
         dst += dstStep;
@@ -217,10 +243,18 @@ RVK_INLINE void transposeBand(const uint8_t* src, size_t width, size_t height, p
     using T = Tile<pixel, bytes>;
     for (size_t nextX = 0; nextX < width; nextX += T::columns) {
         const size_t x = atMost(nextX, width - T::columns);
+        // Loads take more than the tile where that is not a power of two; at the end of the row they start early for
+        // it.
+        constexpr size_t lead = 16 / kBlock<typename T::Lane> * T::columns - T::columns * pixel;
+        const bool atEnd = lead > 0 && (width - x) * pixel < T::columns * pixel + lead;
         for (size_t nextY = 0; nextY < height; nextY += T::rows) {
             const size_t y = atMost(nextY, height - T::rows);
-            transposeTile<pixel, bytes>(src + static_cast<ptrdiff_t>(y) * srcStep + x * pixel, srcStep,
-                                        dst + static_cast<ptrdiff_t>(x) * dstStep + y * pixel, dstStep);
+            const uint8_t* in = src + static_cast<ptrdiff_t>(y) * srcStep + x * pixel;
+            uint8_t* out = dst + static_cast<ptrdiff_t>(x) * dstStep + y * pixel;
+            if (atEnd)
+                transposeTile<lead, pixel, bytes>(in, srcStep, out, dstStep);
+            else
+                transposeTile<0, pixel, bytes>(in, srcStep, out, dstStep);
         }
     }
 }
@@ -272,10 +306,10 @@ template <size_t pixel>
 __attribute__((noinline)) void transpose(const uint8_t* src, size_t width, size_t height, ptrdiff_t srcStep,
                                          uint8_t* dst, ptrdiff_t dstStep)
 {
-    constexpr size_t most = pixel == 3 ? 16 : kBytes;
-    if (width >= Tile<pixel, most>::columns && height >= Tile<pixel, most>::rows) {
-        transposeByTiles<pixel, most>(src, width, height, srcStep, dst, dstStep);
-    } else if (width >= Tile<pixel, 16>::columns && height >= Tile<pixel, 16>::rows) {
+    constexpr size_t least = pixel == 3 ? 8 : Tile<pixel, 16>::columns;
+    if (width >= least && height >= Tile<pixel, kBytes>::rows) {
+        transposeByTiles<pixel, kBytes>(src, width, height, srcStep, dst, dstStep);
+    } else if (width >= least && height >= Tile<pixel, 16>::rows) {
         transposeByTiles<pixel, 16>(src, width, height, srcStep, dst, dstStep);
     } else {
         for (size_t y = 0; y < height; ++y)
@@ -285,96 +319,174 @@ __attribute__((noinline)) void transpose(const uint8_t* src, size_t width, size_
     }
 }
 
-// ---- flips
-// --------------------------------------------------------------------------------------------------------------
+// ---- flips: runs of pixels in registers ---------------------------------------------------------------------------
 
-// Takes n pixels upwards from leftIn and n downwards from rightIn, which is the end of the last of them; each goes to
-// the mirrored place in the other. The destinations may be the sources.
-template <size_t pixel>
-RVK_INLINE void exchangePixels(const uint8_t* leftIn, const uint8_t* rightIn, uint8_t* leftOut, uint8_t* rightOut,
-                               size_t n)
-{
-    for (; n > 0; --n, leftIn += pixel, leftOut += pixel) {
-        rightIn -= pixel;
-        rightOut -= pixel;
-        uint8_t left[pixel];
-        __builtin_memcpy(left, leftIn, pixel);
-        copyPixel<pixel>(rightIn, leftOut);
-        __builtin_memcpy(rightOut, left, pixel);
-    }
-}
-
+// As many pixels as registers hold, the other way round.
 template <class Lane, size_t bytes>
-RVK_INLINE Reg<Lane, bytes> reversed(Reg<Lane, bytes> r)
-{
-    return shuffleReg(r, r, [](size_t i) { return Reg<Lane, bytes>::lanes - 1 - i; });
-}
+struct PixelRun {
+    static constexpr size_t size = bytes;
+    Reg<Lane, bytes> r;
 
-// exchangePixels for n pixels that are at least a register; pixels of a lane. The last step overlaps the one before it
-// and its sources are read before anything is written.
-template <class Lane, size_t bytes>
-RVK_INLINE void exchangeRegs(const uint8_t* leftIn, const uint8_t* rightIn, uint8_t* leftOut, uint8_t* rightOut,
-                             size_t n)
-{
-    const size_t size = n * sizeof(Lane), tail = size - bytes;
-    const auto lastLeft = loadReg<Lane, bytes>(leftIn + tail);
-    const auto lastRight = loadReg<Lane, bytes>(rightIn - size);
-    for (size_t i = 0; i < tail; i += bytes) {
-        const auto left = loadReg<Lane, bytes>(leftIn + i);
-        const auto right = loadReg<Lane, bytes>(rightIn - i - bytes);
-        storeReg(leftOut + i, reversed(right));
-        storeReg(rightOut - i - bytes, reversed(left));
+    static RVK_INLINE PixelRun load(const uint8_t* p) { return {loadReg<Lane, bytes>(p)}; }
+    RVK_INLINE void storeReversed(uint8_t* p) const
+    {
+        storeReg(p, shuffleReg(r, r, [](size_t i) { return Reg<Lane, bytes>::lanes - 1 - i; }));
     }
-    storeReg(leftOut + tail, reversed(lastRight));
-    storeReg(rightOut - size, reversed(lastLeft));
-}
+};
 
-// exchangePixels for three bytes, five pixels at a time. A register has one byte more: it lies in a pixel whose turn
-// comes later, and there it may get what it had in the source.
-RVK_INLINE void exchangeRgb(const uint8_t* leftIn, const uint8_t* rightIn, uint8_t* leftOut, uint8_t* rightOut,
-                            size_t n)
+#if defined(__x86_64__) && !defined(__AVX512BW__)
+
+// Where byte i of 48 mirrored bytes comes from: an index into register `from`, or one that gives zero.
+constexpr uint8_t mirroredIndex(size_t from, size_t i)
 {
-    using R = Reg<uint8_t, 16>;
-    for (; n > 5; n -= 5, leftIn += 15, leftOut += 15) {
-        const R left = loadReg<uint8_t, 16>(leftIn);
-        const R right = loadReg<uint8_t, 16>(rightIn - 16);
-        storeReg(leftOut, shuffleReg(right, left, [](size_t i) { return i < 15 ? 13 - i / 3 * 3 + i % 3 : 16 + 15; }));
-        storeReg(rightOut - 16,
-                 shuffleReg(left, right, [](size_t i) { return i > 0 ? 12 - (i - 1) / 3 * 3 + (i - 1) % 3 : 16; }));
-        rightIn -= 15;
-        rightOut -= 15;
-    }
-    exchangePixels<3>(leftIn, rightIn, leftOut, rightOut, n);
+    const size_t source = 45 - i / 3 * 3 + i % 3;
+    return source / 16 == from ? static_cast<uint8_t>(source % 16) : 0x80;
 }
 
+struct RgbRun {
+    static constexpr size_t size = 48;
+    using Bytes = Reg<uint8_t, 16>;
+    Bytes r[3];
+
+    static RVK_INLINE RgbRun load(const uint8_t* p)
+    {
+        return {loadReg<uint8_t, 16>(p), loadReg<uint8_t, 16>(p + 16), loadReg<uint8_t, 16>(p + 32)};
+    }
+    RVK_INLINE void storeReversed(uint8_t* p) const
+    {
+        storeReg(p, Bytes{part<0, 1>(r[1]).raw | part<0, 2>(r[2]).raw});
+        storeReg(p + 16, Bytes{part<1, 0>(r[0]).raw | part<1, 1>(r[1]).raw | part<1, 2>(r[2]).raw});
+        storeReg(p + 32, Bytes{part<2, 0>(r[0]).raw | part<2, 1>(r[1]).raw});
+    }
+
+private:
+    // What register `to` of the mirrored ones takes from register `from`.
+    template <size_t to, size_t from>
+    static RVK_INLINE Bytes part(Bytes bytes)
+    {
+        return part<to, from>(bytes, CountTo<16>::Type{});
+    }
+    template <size_t to, size_t from, size_t... i>
+    static RVK_INLINE Bytes part(Bytes bytes, Indices<i...>)
+    {
+        const Bytes::Raw index = {mirroredIndex(from, 16 * to + i)...};
+        return {(Bytes::Raw)_mm_shuffle_epi8((__m128i)bytes.raw, (__m128i)index)};
+    }
+};
+
+#else
+
+struct RgbRun {
+    static constexpr size_t size = 3 * kBytes;
+    Vecs<uint8_t, 3> channels;
+
+    static RVK_INLINE RgbRun load(const uint8_t* p) { return {load3(p)}; }
+    RVK_INLINE void storeReversed(uint8_t* p) const
+    {
+        store3(p, Vecs<uint8_t, 3>{reverse(channels[0]), reverse(channels[1]), reverse(channels[2])});
+    }
+};
+
+#endif
+
+// The longest and the shortest runs of a kind of pixels.
 template <size_t pixel>
-RVK_INLINE void exchange(const uint8_t* leftIn, const uint8_t* rightIn, uint8_t* leftOut, uint8_t* rightOut, size_t n)
+struct Runs {
+    using Long = PixelRun<typename LaneOf<pixel>::Type, kBytes>;
+    using Short = PixelRun<typename LaneOf<pixel>::Type, 16>;
+};
+template <>
+struct Runs<3> {
+    using Long = RgbRun;
+    using Short = RgbRun;
+};
+
+// ---- flips from one image to another ------------------------------------------------------------------------------
+
+// Mirrors a row of `size` bytes that is at least a run. The last run overlaps the one before it.
+template <class Run>
+RVK_INLINE void mirrorRuns(const uint8_t* in, uint8_t* out, size_t size)
 {
-    using Lane = typename LaneOf<pixel>::Type;
-    if constexpr (pixel == 3)
-        exchangeRgb(leftIn, rightIn, leftOut, rightOut, n);
-    else if (n * pixel >= kBytes)
-        exchangeRegs<Lane, kBytes>(leftIn, rightIn, leftOut, rightOut, n);
-    else if (n * pixel >= 16)
-        exchangeRegs<Lane, 16>(leftIn, rightIn, leftOut, rightOut, n);
-    else
-        exchangePixels<pixel>(leftIn, rightIn, leftOut, rightOut, n);
+    const uint8_t* const end = in + size;
+    size_t i = 0;
+    for (; i + 2 * Run::size <= size; i += 2 * Run::size) {
+        const Run first = Run::load(end - i - Run::size);
+        const Run second = Run::load(end - i - 2 * Run::size);
+        first.storeReversed(out + i);
+        second.storeReversed(out + i + Run::size);
+    }
+    if (i + Run::size <= size)
+        Run::load(end - i - Run::size).storeReversed(out + i);
+    Run::load(in).storeReversed(out + size - Run::size);
 }
 
 template <size_t pixel>
 RVK_INLINE void mirrorRow(const uint8_t* in, uint8_t* out, size_t width)
 {
-    exchange<pixel>(in, in + width * pixel, out, out + width * pixel, width / 2);
-    if (width % 2)
-        copyPixel<pixel>(in + width / 2 * pixel, out + width / 2 * pixel);
+    const size_t size = width * pixel;
+    if (size >= Runs<pixel>::Long::size)
+        mirrorRuns<typename Runs<pixel>::Long>(in, out, size);
+    else if (size >= Runs<pixel>::Short::size)
+        mirrorRuns<typename Runs<pixel>::Short>(in, out, size);
+    else
+        for (size_t x = 0; x < width; ++x)
+            copyPixel<pixel>(in + (width - 1 - x) * pixel, out + x * pixel);
 }
 
 template <size_t pixel>
-RVK_INLINE void flipHorizontally(const uint8_t* src, size_t width, size_t height, size_t srcStride, uint8_t* dst,
-                                 size_t dstStride)
+RVK_INLINE void flipApart(const uint8_t* src, size_t width, size_t height, size_t srcStride, uint8_t* dst,
+                          size_t dstStride, uint32_t dir)
 {
-    for (size_t y = 0; y < height; ++y)
-        mirrorRow<pixel>(src + y * srcStride, dst + y * dstStride, width);
+    for (size_t y = 0; y < height; ++y) {
+        const uint8_t* in = src + (dir == RAVIK_FLIP_HORIZONTAL ? y : height - 1 - y) * srcStride;
+        if (dir == RAVIK_FLIP_VERTICAL)
+            mapRow(
+                width * pixel, dst + y * dstStride, [](auto bytes) RVK_INLINE_LAMBDA { return bytes; }, in);
+        else
+            mirrorRow<pixel>(in, dst + y * dstStride, width);
+    }
+}
+
+// ---- flips in place -----------------------------------------------------------------------------------------------
+
+// Exchanges `size` bytes of pixels from `left` upwards with as many below `right`, at least a run, each pixel for the
+// mirrored one. The last step overlaps the one before it; its pixels are read before anything is written.
+template <class Run>
+RVK_INLINE void exchangeRuns(uint8_t* left, uint8_t* right, size_t size)
+{
+    const size_t tail = size - Run::size;
+    const Run lastLeft = Run::load(left + tail);
+    const Run lastRight = Run::load(right - size);
+    for (size_t i = 0; i < tail; i += Run::size) {
+        const Run fromLeft = Run::load(left + i);
+        const Run fromRight = Run::load(right - i - Run::size);
+        fromRight.storeReversed(left + i);
+        fromLeft.storeReversed(right - i - Run::size);
+    }
+    lastRight.storeReversed(left + tail);
+    lastLeft.storeReversed(right - size);
+}
+
+template <size_t pixel>
+RVK_INLINE void exchange(uint8_t* left, uint8_t* right, size_t pixels)
+{
+    const size_t size = pixels * pixel;
+    if (size >= Runs<pixel>::Long::size)
+        return exchangeRuns<typename Runs<pixel>::Long>(left, right, size);
+    if (size >= Runs<pixel>::Short::size)
+        return exchangeRuns<typename Runs<pixel>::Short>(left, right, size);
+    for (size_t i = 0; i < size; i += pixel) {
+        uint8_t fromLeft[pixel];
+        __builtin_memcpy(fromLeft, left + i, pixel);
+        copyPixel<pixel>(right - i - pixel, left + i);
+        __builtin_memcpy(right - i - pixel, fromLeft, pixel);
+    }
+}
+
+template <size_t pixel>
+RVK_INLINE void mirrorRowInPlace(uint8_t* row, size_t width)
+{
+    exchange<pixel>(row, row + width * pixel, width / 2);
 }
 
 RVK_INLINE void swapRows(uint8_t* a, uint8_t* b, size_t bytes)
@@ -388,50 +500,41 @@ RVK_INLINE void swapRows(uint8_t* a, uint8_t* b, size_t bytes)
     }
 }
 
-RVK_INLINE void flipVertically(const uint8_t* src, size_t rowBytes, size_t height, size_t srcStride, uint8_t* dst,
-                               size_t dstStride)
-{
-    if (src == dst) {
-        for (size_t y = 0; y < height / 2; ++y)
-            swapRows(dst + y * dstStride, dst + (height - 1 - y) * dstStride, rowBytes);
-    } else {
-        for (size_t y = 0; y < height; ++y)
-            __builtin_memcpy(dst + (height - 1 - y) * dstStride, src + y * srcStride, rowBytes);
-    }
-}
-
-// Images without gaps between their rows are one long row to it.
 template <size_t pixel>
-RVK_INLINE void flipBoth(const uint8_t* src, size_t width, size_t height, size_t srcStride, uint8_t* dst,
-                         size_t dstStride)
+RVK_INLINE void flipInPlace(uint8_t* image, size_t width, size_t height, size_t stride, uint32_t dir)
 {
-    if (srcStride == width * pixel && dstStride == width * pixel) {
-        width *= height;
-        height = 1;
+    if (dir == RAVIK_FLIP_HORIZONTAL) {
+        for (size_t y = 0; y < height; ++y)
+            mirrorRowInPlace<pixel>(image + y * stride, width);
+        return;
     }
-    for (size_t top = 0; top < height / 2; ++top) {
-        const size_t bottom = height - 1 - top;
-        exchange<pixel>(src + top * srcStride, src + bottom * srcStride + width * pixel, dst + top * dstStride,
-                        dst + bottom * dstStride + width * pixel, width);
+    for (size_t y = 0; y < height / 2; ++y) {
+        uint8_t* top = image + y * stride;
+        uint8_t* bottom = image + (height - 1 - y) * stride;
+        if (dir == RAVIK_FLIP_VERTICAL)
+            swapRows(top, bottom, width * pixel);
+        else
+            exchange<pixel>(top, bottom + width * pixel, width);
     }
-    if (height % 2)
-        mirrorRow<pixel>(src + height / 2 * srcStride, dst + height / 2 * dstStride, width);
+    if (dir == RAVIK_FLIP_BOTH && height % 2)
+        mirrorRowInPlace<pixel>(image + height / 2 * stride, width);
 }
 
 template <size_t pixel>
 __attribute__((noinline)) void flip(const uint8_t* src, size_t width, size_t height, size_t srcStride, uint8_t* dst,
                                     size_t dstStride, uint32_t dir)
 {
-    if (dir == RAVIK_FLIP_HORIZONTAL)
-        flipHorizontally<pixel>(src, width, height, srcStride, dst, dstStride);
-    if (dir == RAVIK_FLIP_VERTICAL)
-        flipVertically(src, width * pixel, height, srcStride, dst, dstStride);
-    if (dir == RAVIK_FLIP_BOTH)
-        flipBoth<pixel>(src, width, height, srcStride, dst, dstStride);
+    if (dir == RAVIK_FLIP_BOTH && srcStride == width * pixel && dstStride == width * pixel) {
+        width *= height; // without gaps between the rows it mirrors one long row
+        height = 1;
+    }
+    if (src == dst)
+        flipInPlace<pixel>(dst, width, height, dstStride, dir);
+    else
+        flipApart<pixel>(src, width, height, srcStride, dst, dstStride, dir);
 }
 
-// ---- rotations: `flipName` is the flip of the same pixels
-// ---------------------------------------------------------------
+// ---- rotations: `flipName` is the flip of the same pixels ---------------------------------------------------------
 
 template <size_t pixel>
 RVK_INLINE rvkStatus rotate(const char* flipName, const uint8_t* src, uint32_t width, uint32_t height,
