@@ -38,7 +38,7 @@ report() # NAME PASSED FAILED SECONDS LOG: adds to the totals, and shows the log
 
 one() # NAME COMMAND...: one test, passed when the command succeeds
 {
-    local name=$1 log=$logs/${1//[ \/]/-}.log start=$SECONDS
+    local name=$1 log=$logs/${1//[: \/]/-}.log start=$SECONDS
     shift
     if "$@" >"$log" 2>&1; then
         report "$name" 1 0 $((SECONDS - start)) "$log"
@@ -119,7 +119,7 @@ tsan() { buildAndTest tsan; }
 
 fuzz()
 {
-    one "fuzz: build" build fuzz || return
+    one "fuzz: build" build fuzz fuzzers || return
     local source name found
     for source in tests/fuzz/*.cpp; do
         name=$(basename "$source" .cpp)
