@@ -533,4 +533,72 @@ TEST(Arithm, AverageEntries)
     EXPECT_EQ(logLines.size(), 9u);
 }
 
+// ---- what may run on the DSP ----
+
+// The target that a call logs while its function is on the DSP.
+template <class Call>
+std::string targetOnDsp(Slot slot, Call call)
+{
+    uint32_t& target = dispatchState.targets[static_cast<uint32_t>(slot)];
+    const uint32_t before = target;
+    target = RVK_IMPL_NDSP; // whose cell holds the reference as long as there is no companion library
+    dispatchState.runtimeLog = 1;
+    clearLog();
+    call();
+    dispatchState.runtimeLog = 0;
+    target = before;
+    const std::string head = std::string("6 ravik_runtime_log: ") + nameOf(slot) + "_";
+    return logLines.size() == 1 && logLines[0].starts_with(head) ? logLines[0].substr(head.size()) : "?";
+}
+
+// One function of each kind.
+TEST(Arithm, DspRunsLargeAlignedImages)
+{
+    alignas(8) static uint8_t u8s[3][160 * 160 + 1024];
+    const auto addBytes = [&](uint32_t width, uint32_t height, uint32_t stride, int misaligned = -1) {
+        uint32_t off[6] = {};
+        if (misaligned >= 0)
+            off[misaligned] = 4;
+        return targetOnDsp(Slot::rvkAddu8, [&] {
+            rvkAddu8(u8s[0] + off[0], width, height, stride + off[1], u8s[1] + off[2], stride + off[3], kWrap,
+                     u8s[2] + off[4], stride + off[5]);
+        });
+    };
+    EXPECT_EQ(addBytes(137, 185, 144), "NDSP"); // 25345 pixels
+    EXPECT_EQ(addBytes(144, 176, 144), "VECTA");
+    EXPECT_EQ(addBytes(31, 818, 32), "VECTA");
+    for (int misaligned = 0; misaligned < 6; ++misaligned)
+        EXPECT_EQ(addBytes(160, 160, 160, misaligned), "VECTA") << misaligned;
+    const auto averageBytes = [&](uint32_t width, uint32_t height, uint32_t stride) {
+        float average;
+        return targetOnDsp(Slot::rvkAverageu8, [&] { rvkAverageu8(u8s[0], width, height, stride, &average); });
+    };
+    EXPECT_EQ(averageBytes(160, 159, 160), "NDSP");
+    EXPECT_EQ(averageBytes(160, 158, 160), "VECTA");
+    EXPECT_EQ(averageBytes(156, 165, 160), "VECTA"); // the width counts, too
+
+    alignas(8) static int16_t s16s[25352];
+    const auto addShorts = [&](uint32_t width, uint32_t height, uint32_t stride) {
+        return targetOnDsp(Slot::rvkAdds16,
+                           [&] { rvkAdds16(s16s, width, height, stride, s16s, stride, s16s, stride); });
+    };
+    EXPECT_EQ(addShorts(25345, 1, 2 * 25352), "NDSP");
+    EXPECT_EQ(addShorts(25344, 1, 2 * 25352), "VECTA");
+    EXPECT_EQ(addShorts(8, 3169, 16), "NDSP"); // narrow is fine
+    EXPECT_EQ(addShorts(25345, 1, 2 * 25352 + 4), "VECTA");
+
+    static float f32s[6337];
+    const auto addFloats = [&](uint32_t width, uint32_t stride) {
+        return targetOnDsp(Slot::rvkAddf32, [&] { rvkAddf32(f32s, width, 1, 0, f32s, 0, f32s, stride); });
+    };
+    EXPECT_EQ(addFloats(3169, 0), "NDSP");
+    EXPECT_EQ(addFloats(3168, 0), "VECTA");
+    EXPECT_EQ(addFloats(3169, 4 * 3169 + 2), "VECTA");
+    const auto scaleFloats = [&](uint32_t width) {
+        return targetOnDsp(Slot::rvkMultiplyScalarf32, [&] { rvkMultiplyScalarf32(f32s, width, 1, 0, 2, f32s, 0); });
+    };
+    EXPECT_EQ(scaleFloats(6337), "NDSP");
+    EXPECT_EQ(scaleFloats(6336), "VECTA");
+}
+
 } // namespace
