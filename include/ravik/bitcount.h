@@ -1,11 +1,11 @@
 /* Ravik: numbers of set bits, and Hamming distances of binary descriptors (numbers of differing bits).
  *
  * Common to all functions of this header:
- *   Shapes     "32x1" and "64x1" work on one vector of 32 or 64 bytes (pair of vectors for a distance), "32x4" and "64x4" on
- *              four; the others on strings of any length. Length 0 gives 0.
+ *   Shapes     "32x1" and "64x1" work on one vector of 32 or 64 bytes (pair of vectors for a distance), "32x4" and
+ *              "64x4" on four; the others on strings of any length. Length 0 gives 0.
  *   Result     counts are exact; those of strings are modulo 2^32, which 512 MiB of ones reach first.
- *   Alignment  bytes may stand anywhere, 32-bit words are aligned to 4. The "a4" forms demand that every vector is 4-byte
- *              aligned; their results are those of the forms without.
+ *   Alignment  bytes may stand anywhere, 32-bit words are aligned to 4. The "a4" forms demand that every vector is
+ *              4-byte aligned; their results are those of the forms without.
  *   Overlap    the inputs may be the same memory or overlap; result arrays must not overlap them.
  *   Errors     on bad arguments "Assertion failed @<function>: <condition>" is logged, the result is 0, and no array is
  *              written. */

@@ -5,8 +5,7 @@
 namespace rvk::vecta::RVK_ISA {
 namespace {
 
-// What a driver takes at once: the pixels whose mask bytes fill a vector. Elements of 32 bits then come as four
-// vectors.
+// What a driver takes at once: the pixels whose mask bytes fill a vector. Elements of 32 bits then come as four.
 constexpr size_t kPixels = Vec<uint8_t>::lanes;
 template <class T>
 using Step = Vecs<T, kPixels / Vec<T>::lanes>;
@@ -24,8 +23,7 @@ RVK_INLINE Step<T> maskElements(Vec<uint8_t> mask)
     }
 }
 
-// ---- masked or
-// ----------------------------------------------------------------------------------------------------------
+// ---- masked or ------------------------------------------------------------------------------------------------------
 
 RVK_INLINE Vec<uint8_t> orSelected(Vec<uint8_t> a, Vec<uint8_t> b, Vec<uint8_t> mask)
 {
@@ -35,8 +33,8 @@ RVK_INLINE Vec<uint8_t> orSelected(Vec<uint8_t> a, Vec<uint8_t> b, Vec<uint8_t> 
 RVK_INLINE Step<int32_t> orSelected(Step<int32_t> a, Step<int32_t> b, Vec<uint8_t> mask)
 {
     const Step<int32_t> masks = maskElements<int32_t>(mask);
-    for (size_t i = 0; i < 4; ++i)
-        a[i] = select(equal(masks[i], zero<int32_t>()), masks[i], a[i] | b[i]);
+    unrolled<4>([&](auto i)
+                    RVK_INLINE_LAMBDA { a[i] = select(equal(masks[i], zero<int32_t>()), masks[i], a[i] | b[i]); });
     return a;
 }
 
@@ -53,8 +51,7 @@ RVK_INLINE void orImage(size_t width, size_t height, Plane<const T> src1, Plane<
             width, height, dst, [](auto a, auto b) RVK_INLINE_LAMBDA { return a | b; }, src1, src2);
 }
 
-// ---- fills
-// --------------------------------------------------------------------------------------------------------------
+// ---- fills ----------------------------------------------------------------------------------------------------------
 
 // One row without a mask; `width` in elements.
 template <class T, size_t channels>
@@ -78,31 +75,22 @@ RVK_INLINE Vec<T> repeatLanes(Vec<T> v)
     return shuffle(v, v, [](size_t i) { return (k * Vec<T>::lanes + i) / channels; });
 }
 
-// The pattern where the mask of the pixel is not 0, else what was there: the k-th vector and those that follow.
-template <size_t k, class T, size_t channels>
-RVK_INLINE void replaceSelected(Vecs<T, channels>& elements, Vec<T> masks, const Vecs<T, channels>& pattern)
-{
-    if constexpr (k < channels) {
-        const Vec<T> m = repeatLanes<channels, k>(masks);
-        elements[k] = select(equal(m, zero<T>()), elements[k], pattern[k]);
-        replaceSelected<k + 1>(elements, masks, pattern);
-    }
-}
-
+// The pattern where the mask of the pixel is not 0, else what was there.
 template <class T, size_t channels>
 RVK_INLINE void fillSelectedStep(T* dst, Vec<uint8_t> mask, const Vecs<T, channels>& pattern)
 {
     const Step<T> masks = maskElements<T>(mask);
-    for (const Vec<T>& m : masks.v) {
-        Vecs<T, channels> elements = loadVecs<channels>(dst);
-        replaceSelected<0>(elements, m, pattern);
-        store(dst, elements);
-        dst += channels * Vec<T>::lanes;
-    }
+    unrolled<kPixels / Vec<T>::lanes>([&](auto i) RVK_INLINE_LAMBDA {
+        unrolled<channels>([&](auto k) RVK_INLINE_LAMBDA {
+            const Vec<T> m = repeatLanes<channels, k>(masks[i]);
+            store(dst, select(equal(m, zero<T>()), load(dst), pattern[k]));
+            dst += Vec<T>::lanes;
+        });
+    });
 }
 
-// One row with a mask; `width` in pixels. The last step of a row overlaps the one before it: filling twice does no
-// harm.
+// One row with a mask; `width` in pixels. The last step of a row overlaps the one before it: filling twice does
+// no harm.
 template <class T, size_t channels>
 RVK_INLINE void fillSelectedRow(size_t width, T* dst, const uint8_t* mask, const Vecs<T, channels>& pattern)
 {

@@ -117,15 +117,41 @@ RVK_INLINE Vecs<T, count> loadTwoByTwo(const T*& p)
     return r;
 }
 
+// The step at p; moves p past it.
 template <size_t step, class T>
-RVK_INLINE auto loadPair(const T*& p)
+RVK_INLINE auto loadNext(const T*& p)
 {
     constexpr size_t count = step / Vec<T>::lanes;
     if constexpr (count == 1) {
+        const Vec<T> v = load(p);
+        p += step;
+        return v;
+    } else {
+        return loadTwoByTwo<count>(p);
+    }
+}
+
+template <class T>
+RVK_INLINE void storeNext(T*& p, Vec<T> v)
+{
+    store(p, v);
+    p += Vec<T>::lanes;
+}
+
+template <class T, size_t count>
+RVK_INLINE void storeNext(T*& p, const Vecs<T, count>& v)
+{
+    unrolled<count / 2>([&](auto i) RVK_INLINE_LAMBDA { storeTwo(p, v[2 * i], v[2 * i + 1]); });
+}
+
+template <size_t step, class T>
+RVK_INLINE auto loadPair(const T*& p)
+{
+    if constexpr (step == Vec<T>::lanes) {
         return loadTwo(p);
     } else {
-        const Vecs<T, count> first = loadTwoByTwo<count>(p);
-        return Pair<Vecs<T, count>>{first, loadTwoByTwo<count>(p)};
+        const auto first = loadNext<step>(p);
+        return Pair<Vecs<T, step / Vec<T>::lanes>>{first, loadNext<step>(p)};
     }
 }
 
@@ -138,9 +164,13 @@ RVK_INLINE void storePair(T*& p, Vec<T> first, Vec<T> second)
 template <class T, size_t count>
 RVK_INLINE void storePair(T*& p, const Vecs<T, count>& first, const Vecs<T, count>& second)
 {
-    unrolled<count / 2>([&](auto i) RVK_INLINE_LAMBDA { storeTwo(p, first[2 * i], first[2 * i + 1]); });
-    unrolled<count / 2>([&](auto i) RVK_INLINE_LAMBDA { storeTwo(p, second[2 * i], second[2 * i + 1]); });
+    storeNext(p, first);
+    storeNext(p, second);
 }
+
+// Two steps of all images fit the 16 registers that every instruction set has.
+template <size_t step, class... T>
+constexpr bool pairFitsRegisters = 2 * ((step / Vec<T>::lanes) + ...) <= 16;
 
 // One row of mapImage. The last step of a row overlaps the one before it. Its sources are read before anything is written,
 // so that the destination may be one of the sources.
@@ -155,11 +185,14 @@ RVK_INLINE void mapRow(size_t width, D* dst, Formula formula, const S*... src)
     const size_t tail = width - step;
     const auto last = formula(loadStep<step>(src + tail)...);
     D* const dstTail = dst + tail;
-    const auto mapPair = [&](auto... v) RVK_INLINE_LAMBDA { storePair(dst, formula(v.first...), formula(v.second...)); };
-    for (size_t pairs = width / (2 * step); pairs; --pairs)
-        mapPair(loadPair<step>(src)...);
-    if (dst < dstTail)
-        store(dst, formula(loadStep<step>(src)...));
+    if constexpr (pairFitsRegisters<step, D, S...>) {
+        const auto mapPair = [&](auto... v)
+                                 RVK_INLINE_LAMBDA { storePair(dst, formula(v.first...), formula(v.second...)); };
+        for (size_t pairs = width / (2 * step); pairs; --pairs)
+            mapPair(loadPair<step>(src)...);
+    }
+    while (dst < dstTail)
+        storeNext(dst, formula(loadNext<step>(src)...));
     store(dstTail, last);
 }
 
