@@ -6,7 +6,8 @@
 namespace rvk {
 namespace {
 
-struct BitsOfByte {
+struct BitsOfByte
+{
     uint8_t count[256] = {};
 
     constexpr BitsOfByte()
