@@ -66,23 +66,26 @@ RVK_INLINE Vec<T> loadRepeating(const T* p, size_t n)
     return v;
 }
 
-// What n elements, n > 0, make of the extremes so far. Two accumulators, because a step of one waits for the one
-// before.
+// What n elements, n > 0, make of the extremes so far. Two accumulators, because a step of one waits for the one before.
 template <class T, class Key>
 RVK_INLINE Extremes<Key> extremesOf(const T* p, size_t n, Extremes<Key> even)
 {
     constexpr size_t lanes = Vec<T>::lanes;
-    Extremes<Key> odd = even;
-    odd.take(n < lanes ? loadRepeating(p, n) : load(p + n - lanes));
-    size_t i = 0;
-    for (; i + 4 * lanes <= n; i += 4 * lanes) {
-        even.take(load(p + i));
-        odd.take(load(p + i + lanes));
-        even.take(load(p + i + 2 * lanes));
-        odd.take(load(p + i + 3 * lanes));
+    if (n < 2 * lanes) {
+        even.take(n < lanes ? loadRepeating(p, n) : load(p));
+        if (n > lanes)
+            even.take(load(p + n - lanes));
+        return even;
     }
-    for (; i + lanes <= n; i += lanes)
-        even.take(load(p + i));
+    Extremes<Key> odd = even;
+    even.take(load(p + n - 2 * lanes)); // with what the pairs leave over
+    odd.take(load(p + n - lanes));
+    size_t pairs = n / (2 * lanes);
+    do {
+        const Pair<Vec<T>> two = loadTwo(p);
+        even.take(two.first);
+        odd.take(two.second);
+    } while (--pairs > 0);
     return {min(even.low, odd.low), max(even.high, odd.high)};
 }
 
