@@ -1,5 +1,6 @@
 #include "dataFiles.h"
 
+#include "inputFile.h"
 #include "testLog.h"
 
 #include <bit>
@@ -20,34 +21,23 @@ constexpr uint64_t kLargestText = 16u << 20; // CSV and PGM files
 constexpr uint64_t kLargestBlock = 1u << 30; // decoded arrays
 constexpr size_t kMostLevels = 32;
 
-// An open regular file and its size.
-class InputFile
+// A regular file and its size; null otherwise.
+struct DataFile
 {
-public:
-    explicit InputFile(const std::string& path) : m_file(fopen(path.c_str(), "rb"))
+    explicit DataFile(const std::string& path) : file(openFile(path))
     {
         struct stat status;
-        m_isRegular = m_file && fstat(fileno(m_file), &status) == 0 && S_ISREG(status.st_mode);
-        m_size = m_isRegular ? static_cast<uint64_t>(status.st_size) : 0;
-        if (!m_isRegular)
-            testLog("Could not open %s...\n", path.c_str());
+        if (!file || fstat(fileno(file.get()), &status) != 0 || !S_ISREG(status.st_mode)) {
+            logCannotOpen(path);
+            file.reset();
+            return;
+        }
+        size = static_cast<uint64_t>(status.st_size);
     }
-    ~InputFile()
-    {
-        if (m_file)
-            fclose(m_file);
-    }
-    InputFile(const InputFile&) = delete;
-    InputFile& operator=(const InputFile&) = delete;
+    bool read(void* to, size_t bytes) const { return fread(to, 1, bytes, file.get()) == bytes; }
 
-    explicit operator bool() const { return m_isRegular; }
-    uint64_t size() const { return m_size; }
-    bool read(void* to, size_t bytes) const { return fread(to, 1, bytes, m_file) == bytes; }
-
-private:
-    FILE* m_file;
-    bool m_isRegular;
-    uint64_t m_size;
+    InputFile file;
+    uint64_t size = 0;
 };
 
 bool fail(const std::string& path, const char* why)
@@ -58,12 +48,12 @@ bool fail(const std::string& path, const char* why)
 
 bool readText(const std::string& path, std::string& text)
 {
-    const InputFile file(path);
-    if (!file)
+    const DataFile file(path);
+    if (!file.file)
         return false;
-    if (file.size() > kLargestText)
+    if (file.size > kLargestText)
         return fail(path, "absurd size");
-    text.resize(static_cast<size_t>(file.size()));
+    text.resize(static_cast<size_t>(file.size));
     return file.read(text.data(), text.size()) || fail(path, "cannot be read");
 }
 
@@ -101,15 +91,15 @@ std::optional<ImageSize> sizeInName(std::string_view stem)
 bool loadRaw(const std::string& path, std::string_view stem, Element element, rvkMemOption option,
              RAVIK_TEST_Buffer& buffer)
 {
-    const InputFile file(path);
-    if (!file)
+    const DataFile file(path);
+    if (!file.file)
         return false;
-    const ImageSize size = sizeInName(stem).value_or(ImageSize{file.size() / sizeOf(element), 1});
+    const ImageSize size = sizeInName(stem).value_or(ImageSize{file.size / sizeOf(element), 1});
     if (size.height == 0 || size.width > kLargestBlock / size.height ||
-        size.width * size.height * sizeOf(element) != file.size())
+        size.width * size.height * sizeOf(element) != file.size)
         return fail(path, "size and name differ");
     return (shapePacked(size.width, size.height, element, option, buffer) &&
-            file.read(buffer.block(), static_cast<size_t>(file.size()))) ||
+            file.read(buffer.block(), static_cast<size_t>(file.size))) ||
            fail(path, "cannot be loaded");
 }
 
@@ -349,8 +339,8 @@ bool loadContours(const std::string& path, TestContours& contours)
 
 bool loadStructure(const std::string& path, void* structure, size_t size)
 {
-    const InputFile file(path);
-    return file && ((file.size() == size && file.read(structure, size)) || fail(path, "wrong size of a structure"));
+    const DataFile file(path);
+    return file.file && ((file.size == size && file.read(structure, size)) || fail(path, "wrong size of a structure"));
 }
 
 bool loadPyramid(const std::string& directory, const std::string& name, uint32_t planes, TestPyramid& pyramid)

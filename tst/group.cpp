@@ -2,6 +2,7 @@
 
 #include "compareBuffers.h"
 #include "controlScript.h"
+#include "inputFile.h"
 #include "testLog.h"
 #include "testTable.h"
 
@@ -31,30 +32,6 @@ public:
     }
 };
 
-// A control script, open for as long as this lives.
-class Script
-{
-public:
-    Script(const std::string& path) : m_file(fopen(path.c_str(), "rb"))
-    {
-        if (!m_file)
-            testLog("Could not open %s...\n", path.c_str());
-    }
-    ~Script()
-    {
-        if (m_file)
-            fclose(m_file);
-    }
-    Script(const Script&) = delete;
-    Script& operator=(const Script&) = delete;
-
-    explicit operator bool() const { return m_file; }
-    FILE* file() const { return m_file; }
-
-private:
-    FILE* m_file;
-};
-
 // One function on one target.
 class FunctionRun
 {
@@ -78,6 +55,7 @@ private:
     bool expectReference(TestCase& testCase);
     int outOfMemory() const;
     void logVerdict(const char* kind, int failure) const;
+    InputFile openScript(RAVIK_TEST_TYPE type) const;
     std::string scriptPath(RAVIK_TEST_TYPE type) const
     {
         return std::string(m_dataDirectory) + "/" + m_group.scriptName(m_function, type);
@@ -114,7 +92,7 @@ int FunctionRun::exhaustiveTest()
 // Every line of a script; one without a line has nothing to show and fails.
 int FunctionRun::runVectors(RAVIK_TEST_TYPE type)
 {
-    const Script script(scriptPath(type));
+    const InputFile script = openScript(type);
     if (!script)
         return 1;
     const std::string directory = vectorDirectory(type);
@@ -123,7 +101,7 @@ int FunctionRun::runVectors(RAVIK_TEST_TYPE type)
 
     int failure = 0;
     for (unsigned line = 0;; line++) {
-        const ScriptResult result = testCase.read(script.file(), directory.c_str(), content);
+        const ScriptResult result = testCase.read(script.get(), directory.c_str(), content);
         if (result == ScriptResult::badLine) {
             m_lastFailure = 1;
             failure = 1;
@@ -205,13 +183,13 @@ int FunctionRun::runRandomCases()
 
 int FunctionRun::profile(int loops, RAVIK_TEST_Times& times)
 {
-    const Script script(scriptPath(RAVIK_TEST_PROFILING));
+    const InputFile script = openScript(RAVIK_TEST_PROFILING);
     if (!script)
         return 1;
     for (int line = 0; line < settings.resolution; line++)
-        RAVIK_TEST_SkipScriptLine(script.file());
+        RAVIK_TEST_SkipScriptLine(script.get());
     TestCase testCase(m_function, memoryOptionOf(m_targetIndex));
-    if (testCase.read(script.file(), vectorDirectory(RAVIK_TEST_PROFILING).c_str(),
+    if (testCase.read(script.get(), vectorDirectory(RAVIK_TEST_PROFILING).c_str(),
                       m_group.scriptContent(RAVIK_TEST_PROFILING)) != ScriptResult::line) {
         testLog("ERROR: no line %d in %s\n", settings.resolution, scriptPath(RAVIK_TEST_PROFILING).c_str());
         return 1;
@@ -232,6 +210,15 @@ int FunctionRun::profile(int loops, RAVIK_TEST_Times& times)
         recordSample(times, dspLoops);
     }
     return 0;
+}
+
+InputFile FunctionRun::openScript(RAVIK_TEST_TYPE type) const
+{
+    const std::string path = scriptPath(type);
+    InputFile script = openFile(path);
+    if (!script)
+        logCannotOpen(path);
+    return script;
 }
 
 int FunctionRun::outOfMemory() const

@@ -2,6 +2,7 @@
 
 #include "controlScript.h"
 #include "groups.h"
+#include "inputFile.h"
 #include "outputFiles.h"
 #include "testCase.h"
 #include "testTable.h"
@@ -213,11 +214,10 @@ private:
         ScriptFile script(path, scriptFields(testCase.function(), ScriptContent::sources));
         script.add(line);
         script.close();
-        FILE* const file = fopen(path.c_str(), "rb");
+        const InputFile file = openFile(path);
         const ScriptResult result =
-            file ? testCase.read(file, profilingDirectory().c_str(), ScriptContent::sources) : ScriptResult::noScript;
-        if (file)
-            fclose(file);
+            file ? testCase.read(file.get(), profilingDirectory().c_str(), ScriptContent::sources)
+                 : ScriptResult::noScript;
         std::filesystem::remove(path);
         if (result != ScriptResult::line)
             throw std::runtime_error(testCase.function().name + ": profiling sources cannot be read back");

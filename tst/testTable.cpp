@@ -1,6 +1,7 @@
 #include "testTable.h"
 
 #include "controlScript.h"
+#include "inputFile.h"
 #include "settings.h"
 #include "testLog.h"
 
@@ -63,19 +64,18 @@ int RAVIK_TEST_ReadTestTable(const char* dataDirectory)
 {
     char path[256];
     snprintf(path, sizeof path, "%s/RavikTestTable.csv", dataDirectory);
-    FILE* file = fopen(path, "rb");
+    const InputFile file = openFile(path);
 
     ScriptResult result = ScriptResult::noScript;
     if (file) {
         RAVIK_TEST_TableRecord record;
-        while ((result = readRecord(dataDirectory, file, record)) == ScriptResult::line ||
+        while ((result = readRecord(dataDirectory, file.get(), record)) == ScriptResult::line ||
                result == ScriptResult::badLine)
             if (result == ScriptResult::line)
                 storeRecord(dataDirectory, record);
-        fclose(file);
     }
     if (result == ScriptResult::noScript) {
-        testLog("Could not open %s...\n", path);
+        logCannotOpen(path);
         profilePrint("RAVIK_PROFILE, Could not open %s...\n\n", path);
         profilePrint("RAVIK_PROFILE, %s\n",
                      "Problem with the Ravik data : Check whether the Ravik data path is correct or not ...\n");

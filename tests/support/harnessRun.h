@@ -88,13 +88,27 @@ inline ProgramRun runProgram(const std::vector<std::string>& words, const std::f
     return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, readFile(out), readFile(err)};
 }
 
-// The test data, made once per process.
+// Test data, made once per process.
+inline const std::filesystem::path& madeData(const TemporaryDirectory& directory, size_t resolutions)
+{
+    writeTestData(directory.string(), resolutions);
+    return directory.path();
+}
+
+// Stored vectors alone.
 inline const std::filesystem::path& testData()
 {
     static const TemporaryDirectory directory;
-    static const bool made = (writeTestData(directory.string(), 2), true);
-    (void)made;
-    return directory.path();
+    static const std::filesystem::path& path = madeData(directory, 0);
+    return path;
+}
+
+// With profiling vectors of the first two resolutions.
+inline const std::filesystem::path& profilingData()
+{
+    static const TemporaryDirectory directory;
+    static const std::filesystem::path& path = madeData(directory, 2);
+    return path;
 }
 
 } // namespace test
