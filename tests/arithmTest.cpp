@@ -77,7 +77,7 @@ TEST(Arithm, ScaledProductsOfWorkedValues)
     EXPECT_EQ(pixel<int16_t>(rvkElementMultiplyu8s16C, uint8_t{255}, uint8_t{255}, kSaturate, 0), 32767);
     EXPECT_EQ(pixel<int16_t>(rvkElementMultiplyu8s16C, uint8_t{255}, uint8_t{255}, kWrap, 0), 65025 - 65536);
 
-    for (const int32_t scale : {32, 255, -32, -255, 32 + 512, -32 - 512})
+    for (const int32_t scale : {32, 128, 255, -32, -128, -255, 32 + 512, -32 - 512})
         EXPECT_EQ(shorts(rvkElementMultiplys16C, -300, 300, kSaturate, scale), 0) << scale;
     for (const int32_t scale : {256, -256, INT32_MIN, 0}) // the low 8 bits are 0
         EXPECT_EQ(shorts(rvkElementMultiplys16C, -30, 30, kSaturate, scale), -900) << scale;
@@ -245,12 +245,13 @@ constexpr auto drawPolicyAndScale = [](Trial& t, auto call) {
     const uint32_t policy = t.below(8) ? t.below(2) : 2;
     call(policy, drawScale(t));
 };
+// In 1/256: around the weights that need only 16 bits, around those that split into bytes, and far out.
+constexpr float kWeights[][2] = {{128, 128},  {64, 192},      {255, 1},         {256, 0},        {129, 128},
+                                 {384, -128}, {-1, 257},      {-64, 63},        {16319, -16448}, {16320, 0},
+                                 {0, -16449}, {32767, 25000}, {-32768, -12800}, {-32768, 32767}, {NAN, 7e9f}};
 constexpr auto drawWeights = [](Trial& t, auto call) {
-    static const float pairs[][2] = {{0.5f, 0.5f},   {0.25f, 0.75f},  {1.0f, 0.0f},     {0.996f, 0.004f},
-                                     {0.6f, 0.41f},  {1.0f, 1.0f},    {-0.5f, 1.5f},    {2.5f, -1.0f},
-                                     {127.5f, 99.f}, {-128.f, -50.f}, {-128.f, 127.9f}, {NAN, 300.0f}};
-    const auto& pair = pairs[t.below(12)];
-    call(pair[0], pair[1]);
+    const auto& pair = kWeights[t.below(std::size(kWeights))];
+    call(pair[0] / 256, pair[1] / 256);
 };
 
 template <Slot slot, class S1, class S2, class D, class Options>
@@ -335,31 +336,37 @@ TEST(Arithm, VectaProductsEqualReference)
     expectScalar<Slot::rvkMultiplyScalars16, int16_t>(drawOnlyScale);
 }
 
-// All products of bytes and all scales: random trials would miss single values at the limits.
-TEST(Arithm, VectaScalesEveryByteProduct)
+// All pairs of bytes, which random trials would not meet at the limits of the options.
+template <Slot slot, class D, class... Options>
+void expectSameForAllBytes(Options... options)
 {
-    std::vector<uint8_t> a(65536), b(65536), expected8(65536), actual8(65536);
-    std::vector<int16_t> expected16(65536), actual16(65536);
+    std::vector<uint8_t> a(65536), b(65536);
     for (uint32_t i = 0; i < 65536; ++i) {
         a[i] = static_cast<uint8_t>(i);
         b[i] = static_cast<uint8_t>(i >> 8);
     }
-    const auto run = [&](auto function, auto& d, uint32_t policy, int32_t scale) {
-        function(a.data(), 256, 256, 256, b.data(), 256, policy, scale, d.data(), 256 * sizeof d[0]);
+    const auto run = [&](auto function) {
+        std::vector<D> d(65536);
+        EXPECT_EQ(function(a.data(), 256, 256, 256, b.data(), 256, options..., d.data(), 256 * sizeof(D)),
+                  RAVIK_SUCCESS);
+        return d;
     };
+    const std::vector<D> expected = run(referenceOf<slot>());
+    forEachVecta<slot>([&](const char* variant, auto function) {
+        EXPECT_EQ(run(function), expected)
+            << nameOf(slot) << " on " << variant << ::testing::PrintToString(std::tuple(options...));
+    });
+}
+
+TEST(Arithm, VectaEqualsReferenceForAllBytes)
+{
     for (int32_t scale = -17; scale <= 18; ++scale)
         for (const uint32_t policy : {kWrap, kSaturate}) {
-            run(rvkElementMultiplyu8C, expected8, policy, scale);
-            forEachVecta<Slot::rvkElementMultiplyu8>([&](const char* variant, auto function) {
-                run(function, actual8, policy, scale);
-                EXPECT_EQ(actual8, expected8) << variant << ", scale " << scale << ", policy " << policy;
-            });
-            run(rvkElementMultiplyu8s16C, expected16, policy, scale);
-            forEachVecta<Slot::rvkElementMultiplyu8s16>([&](const char* variant, auto function) {
-                run(function, actual16, policy, scale);
-                EXPECT_EQ(actual16, expected16) << variant << ", scale " << scale << ", policy " << policy;
-            });
+            expectSameForAllBytes<Slot::rvkElementMultiplyu8, uint8_t>(policy, scale);
+            expectSameForAllBytes<Slot::rvkElementMultiplyu8s16, int16_t>(policy, scale);
         }
+    for (const auto& [alpha, beta] : kWeights)
+        expectSameForAllBytes<Slot::rvkAddWeightedu8, uint8_t>(alpha / 256, beta / 256);
 }
 
 // ---- entries ----
