@@ -12,26 +12,29 @@ void* getScratchUnaligned(uint32_t size);
 void releaseScratch(void* ptr);
 
 // `count` elements of scratch memory, aligned to 16 bytes unless told otherwise, released at the end of the scope. Test it
-// before use: it is null when the memory cannot be had.
+// before use: it is null when the memory cannot be had. (Always inline, because vector implementations may not leave shared
+// definitions behind.)
+#define RVK_ALWAYS_INLINE inline __attribute__((always_inline))
 template <class T>
 class Scratch {
 public:
-    explicit Scratch(size_t count, uint32_t alignment = 16)
+    RVK_ALWAYS_INLINE explicit Scratch(size_t count, uint32_t alignment = 16)
         : m_data(count <= (UINT32_MAX - 256) / sizeof(T)
                      ? static_cast<T*>(getScratchAligned(static_cast<uint32_t>(count * sizeof(T)), alignment))
                      : nullptr)
     {
     }
-    ~Scratch() { releaseScratch(m_data); }
+    RVK_ALWAYS_INLINE ~Scratch() { releaseScratch(m_data); }
     Scratch(const Scratch&) = delete;
     Scratch& operator=(const Scratch&) = delete;
 
-    explicit operator bool() const { return m_data != nullptr; }
-    T* get() const { return m_data; }
-    T& operator[](size_t i) const { return m_data[i]; }
+    RVK_ALWAYS_INLINE explicit operator bool() const { return m_data != nullptr; }
+    RVK_ALWAYS_INLINE T* get() const { return m_data; }
+    RVK_ALWAYS_INLINE T& operator[](size_t i) const { return m_data[i]; }
 
 private:
     T* m_data;
 };
+#undef RVK_ALWAYS_INLINE
 
 } // namespace rvk

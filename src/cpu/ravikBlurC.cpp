@@ -1,4 +1,5 @@
 // C references of the smoothing filters and of local normalisation.
+#include "cpu/ravikBlurC.h"
 #include "cpu/image.h"
 #include "functions.h"
 #include "log.h"
@@ -39,7 +40,8 @@ void filterInterior(const int (&weights)[size], size_t width, size_t height, Pla
     for (size_t y = radius; y + radius < height; ++y) {
         Wide columns[size] = {};
         for (size_t x = 0; x < width; ++x) {
-            std::copy(columns + 1, columns + size, columns);
+            for (size_t k = 0; k + 1 < size; ++k)
+                columns[k] = columns[k + 1];
             columns[size - 1] = columnSum<Wide>(weights, src, x, y - radius);
             if (x < size - 1)
                 continue;
@@ -64,20 +66,28 @@ void forRing(size_t radius, size_t width, size_t height, F f)
         }
 }
 
+// Which elements of a window around a position lie in the image, along a row or a column of `length`.
+struct Part
+{
+    size_t begin, end;
+};
+Part partInside(size_t position, size_t radius, size_t length)
+{
+    return {position < radius ? radius - position : 0, std::min(2 * radius + 1, length + radius - position)};
+}
+
 // The ring from the pixels that exist: their weighted sum divided by the sum of their weights, rounded towards zero.
 template <class Wide, class T, size_t size>
 void renormalisedRing(const int (&weights)[size], size_t width, size_t height, Plane<const T> src, Plane<T> dst)
 {
     constexpr size_t radius = size / 2;
     forRing(radius, width, height, [&](size_t x, size_t y) {
+        const Part rows = partInside(y, radius, height), columns = partInside(x, radius, width);
         Wide sum = 0, weightOfAll = 0;
-        for (size_t j = 0; j < size; ++j)
-            for (size_t i = 0; i < size; ++i) {
-                const size_t row = y + j - radius, column = x + i - radius; // wraps to huge above and left of the image
-                if (row >= height || column >= width)
-                    continue;
+        for (size_t j = rows.begin; j < rows.end; ++j)
+            for (size_t i = columns.begin; i < columns.end; ++i) {
                 const Wide weight = Wide{weights[j]} * weights[i];
-                sum += weight * src.row(row)[column];
+                sum += weight * src.row(y + j - radius)[x + i - radius];
                 weightOfAll += weight;
             }
         dst.row(y)[x] = static_cast<T>(sum / weightOfAll);
@@ -107,8 +117,7 @@ void paddedRing(const int (&weights)[size], size_t width, size_t height, Plane<c
     });
 }
 
-// ---- Gaussians
-// ----------------------------------------------------------------------------------------------------------
+// ---- Gaussians ----------------------------------------------------------------------------------
 
 // Rounds down; the shift of a negative sum is arithmetic.
 template <class T, unsigned shift>
@@ -192,6 +201,12 @@ void rvkFilterGaussian5x5s16_v2C(const int16_t* src, uint32_t srcWidth, uint32_t
     gaussian<int, 8>(kBinomial5, src, srcWidth, srcHeight, srcStride, dst, dstStride, blurBorder);
 }
 
+void gaussian5x5s32Ring(const int32_t* src, uint32_t width, uint32_t height, uint32_t srcStride, int32_t* dst,
+                        uint32_t dstStride)
+{
+    renormalisedRing<int64_t>(kBinomial5, width, height, Plane{src, srcStride}, Plane{dst, dstStride});
+}
+
 void rvkFilterGaussian5x5s32_v2C(const int32_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
                                  int32_t* dst, uint32_t dstStride, uint32_t blurBorder)
 {
@@ -205,8 +220,7 @@ void rvkFilterGaussian11x11u8_v2C(const uint8_t* src, uint32_t srcWidth, uint32_
     gaussian<int, 20>(kBinomial11, src, srcWidth, srcHeight, srcStride, dst, dstStride, blurBorder);
 }
 
-// ---- box filters
-// --------------------------------------------------------------------------------------------------------
+// ---- box filters --------------------------------------------------------------------------------
 
 namespace {
 
@@ -337,8 +351,7 @@ rvkStatus rvkBoxFilterNxNf32C(const float32_t* src, uint32_t srcWidth, uint32_t 
     return RAVIK_SUCCESS;
 }
 
-// ---- local normalisation
-// ------------------------------------------------------------------------------------------------
+// ---- local normalisation ------------------------------------------------------------------------
 
 namespace {
 
@@ -356,15 +369,14 @@ uint8_t normalised(int32_t pixel, uint32_t sum, uint32_t sumOfSquares, uint32_t 
     return saturate<uint8_t>(128 + static_cast<int>(std::nearbyint(32.0f * (above / deviation))));
 }
 
-// (value - mean) / deviation, by way of the square, which a double holds whatever the float.
+// (value - mean) / deviation of a window of `count` values, both times `count`; by way of the square, which a double
+// holds whatever the float. The floor is not 0 even where all values are.
 float normalised(float value, double sum, double sumOfSquares, double count)
 {
-    constexpr double floor = 0x1p-40; // of the squared mean
-    const double mean = sum / count;
-    const double variance = sumOfSquares / count - mean * mean;
-    const double above = value - mean;
-    const double square = above == 0 ? 0 : above * above / std::max(variance, floor * (mean * mean));
-    return std::copysign(std::sqrt(static_cast<float>(square)), static_cast<float>(above));
+    const double above = count * value - sum;
+    const double squaredSum = sum * sum;
+    const double spread = std::max(count * sumOfSquares - squaredSum, 0x1p-40 * squaredSum + 0x1p-600);
+    return std::copysign(std::sqrt(static_cast<float>(above * above / spread)), static_cast<float>(above));
 }
 
 } // namespace

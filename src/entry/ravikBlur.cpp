@@ -5,8 +5,7 @@ using namespace rvk;
 
 // The conditions between "clang-format off" and "on" are logged as they stand there.
 
-// ---- Gaussians. The forms without strides call the cell of their _v2 form.
-// ------------------------------------------------
+// ---- Gaussians. The forms without strides call the cell of their _v2 form -----------------------
 
 void rvkFilterGaussian3x3u8(const uint8_t* src, uint32_t width, uint32_t height, uint8_t* dst, uint32_t blurBorder)
 {
@@ -157,8 +156,7 @@ void rvkFilterGaussian11x11u8_v2(const uint8_t* src, uint32_t srcWidth, uint32_t
                                                               blurBorder);
 }
 
-// ---- box filters
-// --------------------------------------------------------------------------------------------------------
+// ---- box filters --------------------------------------------------------------------------------
 
 void rvkBoxFilter3x3u8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride, uint8_t* dst,
                        uint32_t dstStride)
@@ -234,8 +232,7 @@ rvkStatus rvkBoxFilterNxNf32(const float32_t* src, uint32_t srcWidth, uint32_t s
     return implementation<Slot::rvkBoxFilterNxNf32>(target)(src, srcWidth, srcHeight, srcStride, N, dst, dstStride);
 }
 
-// ---- local normalisation
-// ------------------------------------------------------------------------------------------------
+// ---- local normalisation ------------------------------------------------------------------------
 
 namespace {
 

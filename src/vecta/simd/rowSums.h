@@ -151,10 +151,10 @@ RVK_INLINE Vec<uint8_t> narrowPairs(Pairs<uint16_t> v)
 template <unsigned shift>
 RVK_INLINE Vec<int16_t> narrowPairs(Pairs<int32_t> v)
 {
-    static_assert(shift <= 16);
-    const Vec<uint32_t> even = shiftRight(bitCast<uint32_t>(v[0]), shift) & splat<uint32_t>(0xffff);
-    const Vec<uint32_t> odd = shiftLeft(bitCast<uint32_t>(v[1]), 16 - shift) & splat<uint32_t>(0xffff0000);
-    return bitCast<int16_t>(even | odd);
+    const Vec<uint32_t> low = bitCast<uint32_t>(v[0]), high = bitCast<uint32_t>(v[1]);
+    const Vec<uint32_t> even = shiftRight(low, shift) & splat<uint32_t>(0xffff);
+    const Vec<uint32_t> odd = shift <= 16 ? shiftLeft(high, 16 - shift) : shiftRight(high, shift - 16);
+    return bitCast<int16_t>(even | (odd & splat<uint32_t>(0xffff0000)));
 }
 
 #else
@@ -277,6 +277,8 @@ RVK_INLINE Vec<int16_t> narrowPairs(Pairs<int32_t> v)
 {
     if constexpr (shift == 0)
         return narrow(v);
+    else if constexpr (shift > 16)
+        return narrowPairs<16>(Pairs<int32_t>{{shiftRight(v[0], shift - 16), shiftRight(v[1], shift - 16)}});
     else
         return join(vshrn_n_s32(reg(v[0]), shift), vshrn_n_s32(reg(v[1]), shift));
 }
