@@ -10,6 +10,7 @@
 #include "diff.h"
 #include "frame.h"
 #include "minmax.h"
+#include "morphology.h"
 #include "transform.h"
 #include "types.h"
 
