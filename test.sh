@@ -49,10 +49,10 @@ one() # NAME COMMAND...: one test, passed when the command succeeds
     fi
 }
 
-unitTests() # PRESET: counts what ctest counts
+unitTests() # PRESET [CTEST ARGUMENTS...]: counts what ctest counts
 {
     local log=$logs/$1-tests.log start=$SECONDS counts
-    ctest --preset "$1" -j "$jobs" >"$log" 2>&1
+    ctest --preset "$@" -j "$jobs" >"$log" 2>&1
     counts=$(sed -n 's/.* tests passed, \([0-9]*\) tests failed out of \([0-9]*\).*/\1 \2/p' "$log")
     if [ -z "$counts" ]; then # not one test ran
         report "$1: unit tests" 0 1 $((SECONDS - start)) "$log"
@@ -115,7 +115,7 @@ arm()
 clang() { buildAndTest clang && ravikTests clang "$(instructionSets)" 1; }
 android() { one "android: compile check" build android-check androidCheck; }
 aarch64() { buildAndTest aarch64 && ravikTests aarch64 neon 1 qemu-aarch64 -L /usr/aarch64-linux-gnu; }
-tsan() { buildAndTest tsan; }
+tsan() { one "tsan: build" build tsan threadTests && unitTests tsan -L threads; }
 
 fuzz()
 {
