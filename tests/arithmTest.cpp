@@ -561,7 +561,7 @@ std::string targetOnDsp(Slot slot, Call call)
 // One function of each kind.
 TEST(Arithm, DspRunsLargeAlignedImages)
 {
-    alignas(8) static uint8_t u8s[3][160 * 160 + 1024];
+    alignas(8) static uint8_t u8s[3][28 * 1024];
     const auto addBytes = [&](uint32_t width, uint32_t height, uint32_t stride, int misaligned = -1) {
         uint32_t off[6] = {};
         if (misaligned >= 0)
