@@ -11,6 +11,7 @@
 #include "frame.h"
 #include "minmax.h"
 #include "morphology.h"
+#include "threshold.h"
 #include "transform.h"
 #include "types.h"
 

@@ -1,0 +1,57 @@
+/* Ravik: thresholds.
+ *
+ * Common to all functions of this header:
+ *   Shapes     widths and heights are in pixels and at least 1. Strides are in bytes; 0 means packed rows.
+ *   Alignment  none is needed. The work may run on the DSP only when pointers, strides and the width are multiples
+ * of 8. In place   `dst` may be `src` when the strides are equal. Otherwise images must not overlap. Errors functions
+ * without a result log "Assertion failed @<function>: <condition>" on bad arguments, the others return RAVIK_EBADPARAM;
+ * in either case nothing is written. Rows longer than their stride are refused. */
+#ifndef RAVIK_THRESHOLD_H
+#define RAVIK_THRESHOLD_H
+
+#include "types.h"
+
+RVK_EXTERN_C_BEGIN
+
+/* How a comparison becomes a picture. */
+#define RAVIK_THRESHOLD_BINARY 0u         /* the maximum value where the pixel passes, else 0 */
+#define RAVIK_THRESHOLD_BINARY_INVERSE 1u /* 0 where the pixel passes, else the maximum value */
+
+/* dst = 255 where src >= threshold, else 0. Thresholds above 255 count as 255, so that pixels of 255 always pass;
+ * those of 2^31 and above are refused. */
+RVK_API void rvkFilterThresholdu8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
+                                  uint8_t* dst, uint32_t dstStride, uint32_t threshold);
+
+/* The same; the strides must be equal. */
+RVK_API void rvkFilterThresholdu8_v2(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
+                                     uint8_t* dst, uint32_t dstStride, uint32_t threshold);
+
+/* dst = trueValue where src > threshold, else falseValue. Nothing exceeds a threshold of 255 or more. */
+RVK_API rvkStatus rvkFilterThresholdu8_v3(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
+                                          uint8_t* dst, uint32_t dstStride, uint32_t threshold, uint8_t trueValue,
+                                          uint8_t falseValue);
+
+/* dst = 255 where lowThreshold <= src <= highThreshold, else 0. A range whose low end is above its high end is empty.
+ */
+RVK_API rvkStatus rvkFilterThresholdRangeu8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight,
+                                            uint32_t srcStride, uint8_t* dst, uint32_t dstStride, uint32_t lowThreshold,
+                                            uint32_t highThreshold);
+
+/* dst = trueValue where lowThreshold <= src <= highThreshold, else falseValue. */
+RVK_API rvkStatus rvkFilterThresholdRangeu8_v2(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight,
+                                               uint32_t srcStride, uint8_t* dst, uint32_t dstStride,
+                                               uint32_t lowThreshold, uint32_t highThreshold, uint8_t trueValue,
+                                               uint8_t falseValue);
+
+/* dst = 255 where src >= T, else 0, with the threshold T that separates the picture's pixels best: the variance between
+ * the class below T and the class from T on is the largest (Otsu, "A Threshold Selection Method from Gray-Level
+ * Histograms", 1979); of several such T the smallest. A picture of one value has no two classes: T is 1. The largest T
+ * is 255. With a thresholdType of RAVIK_THRESHOLD_BINARY_INVERSE 255 and 0 change places; any other type is binary.
+ *
+ * The strides must be equal. Pictures have at most 2^31 - 1 pixels. */
+RVK_API void rvkFilterThresholdOtsuu8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
+                                      uint8_t* dst, uint32_t dstStride, uint32_t thresholdType);
+
+RVK_EXTERN_C_END
+
+#endif

@@ -1,0 +1,94 @@
+// Vector implementations of the thresholds.
+#include "cpu/ravikThresholdC.h"
+#include "vecta/simd/rows.h"
+#include "vecta/vecta.h"
+
+namespace rvk::vecta::RVK_ISA {
+namespace {
+
+// dst = inside where low <= src <= high, else outside. Of the ends of a range one comparison is left: the distance from
+// `low`, modulo 256, must not be above that of `high`.
+RVK_INLINE void range(size_t width, size_t height, Plane<const uint8_t> src, Plane<uint8_t> dst, uint32_t low,
+                      uint32_t high, uint8_t inside, uint8_t outside)
+{
+    if (low > high || low > 255)
+        low = high = 0, inside = outside;
+    if (high > 255)
+        high = 255;
+    const Vec<uint8_t> first = splat(static_cast<uint8_t>(low)), last = splat(static_cast<uint8_t>(high - low));
+    const Vec<uint8_t> within = splat(inside), beyond = splat(outside);
+    mapImage(
+        width, height, dst,
+        [=](Vec<uint8_t> v) RVK_INLINE_LAMBDA { return select(greater(v - first, last), beyond, within); }, src);
+}
+
+// Counts in several tables: an addition to a counter would wait for the one before it, were they of the same value.
+constexpr size_t kTables = 4;
+
+RVK_INLINE void count(const uint8_t* p, size_t n, uint32_t (&tables)[kTables][256])
+{
+    size_t x = 0;
+    for (; x + sizeof(uint64_t) <= n; x += sizeof(uint64_t)) {
+        uint64_t pixels;
+        __builtin_memcpy(&pixels, p + x, sizeof pixels);
+        unrolled<sizeof pixels>([&](auto i) RVK_INLINE_LAMBDA { ++tables[i % kTables][pixels >> 8 * i & 255]; });
+    }
+    for (; x < n; ++x)
+        ++tables[x % kTables][p[x]];
+}
+
+} // namespace
+
+void rvkFilterThresholdu8V(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride, uint8_t* dst,
+                           uint32_t dstStride, uint32_t threshold)
+{
+    range(srcWidth, srcHeight, {src, srcStride}, {dst, dstStride}, threshold < 255 ? threshold : 255, 255, 255, 0);
+}
+
+void rvkFilterThresholdu8_v2V(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
+                              uint8_t* dst, uint32_t dstStride, uint32_t threshold)
+{
+    rvkFilterThresholdu8V(src, srcWidth, srcHeight, srcStride, dst, dstStride, threshold);
+}
+
+rvkStatus rvkFilterThresholdu8_v3V(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
+                                   uint8_t* dst, uint32_t dstStride, uint32_t threshold, uint8_t trueValue,
+                                   uint8_t falseValue)
+{
+    range(srcWidth, srcHeight, {src, srcStride}, {dst, dstStride}, 0, threshold, falseValue, trueValue);
+    return RAVIK_SUCCESS;
+}
+
+rvkStatus rvkFilterThresholdRangeu8V(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
+                                     uint8_t* dst, uint32_t dstStride, uint32_t lowThreshold, uint32_t highThreshold)
+{
+    range(srcWidth, srcHeight, {src, srcStride}, {dst, dstStride}, lowThreshold, highThreshold, 255, 0);
+    return RAVIK_SUCCESS;
+}
+
+rvkStatus rvkFilterThresholdRangeu8_v2V(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
+                                        uint8_t* dst, uint32_t dstStride, uint32_t lowThreshold, uint32_t highThreshold,
+                                        uint8_t trueValue, uint8_t falseValue)
+{
+    range(srcWidth, srcHeight, {src, srcStride}, {dst, dstStride}, lowThreshold, highThreshold, trueValue, falseValue);
+    return RAVIK_SUCCESS;
+}
+
+void rvkFilterThresholdOtsuu8V(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
+                               uint8_t* dst, uint32_t dstStride, uint32_t thresholdType)
+{
+    const Plane<const uint8_t> source{src, srcStride};
+    uint32_t tables[kTables][256] = {};
+    for (size_t y = 0; y < srcHeight; ++y)
+        count(source.row(y), srcWidth, tables);
+    uint32_t histogram[256];
+    for (size_t i = 0; i < 256; ++i)
+        histogram[i] = tables[0][i] + tables[1][i] + tables[2][i] + tables[3][i];
+
+    const uint32_t threshold = otsuThreshold(histogram, srcWidth * srcHeight);
+    const bool isInverse = thresholdType == RAVIK_THRESHOLD_BINARY_INVERSE;
+    range(srcWidth, srcHeight, source, {dst, dstStride}, threshold < 255 ? threshold : 255, 255, isInverse ? 0 : 255,
+          isInverse ? 255 : 0);
+}
+
+} // namespace rvk::vecta::RVK_ISA
