@@ -192,4 +192,90 @@ TEST(Threshold, BadArgumentsAreRefusedAndWriteNothing)
     EXPECT_EQ(dst[63], 0);
 }
 
+// ---- adaptive ----
+
+TEST(Threshold, AdaptiveReferenceFollowsItsRule)
+{
+    constexpr uint32_t width = 13, height = 12;
+    Random random(5);
+    uint8_t src[width * height], means[width * height], dst[width * height];
+    for (uint8_t& pixel : src)
+        pixel = drawElement<uint8_t>(random, random.below(2) ? Content::extremes : Content::uniform);
+    const auto expectRule = [&](auto function) {
+        for (const int32_t value : {INT32_MIN, -256, -255, -254, -9, -1, 0, 1, 9, 254, 255, 256, INT32_MAX})
+            for (const uint32_t type : {RAVIK_THRESHOLD_BINARY, RAVIK_THRESHOLD_BINARY_INVERSE}) {
+                function(src, width, height, width, 99, type, value, dst, width);
+                for (size_t i = 0; i < sizeof src; ++i) {
+                    const bool passes = int64_t{src[i]} + value > means[i];
+                    ASSERT_EQ(dst[i], passes == (type == RAVIK_THRESHOLD_BINARY) ? 99 : 0) << value << ", pixel " << i;
+                }
+            }
+    };
+    rvkFilterGaussian3x3u8_v2C(src, width, height, width, means, width, 1);
+    expectRule(rvkAdaptiveThresholdGaussian3x3u8C);
+    rvkFilterGaussian5x5u8_v2C(src, width, height, width, means, width, 1);
+    expectRule(rvkAdaptiveThresholdGaussian5x5u8C);
+    rvkFilterGaussian11x11u8_v2C(src, width, height, width, means, width, 1);
+    expectRule(rvkAdaptiveThresholdGaussian11x11u8C);
+    rvkBoxFilter3x3u8C(src, width, height, width, means, width);
+    expectRule(rvkAdaptiveThresholdMean3x3u8C);
+    rvkBoxFilter5x5u8C(src, width, height, width, means, width);
+    expectRule(rvkAdaptiveThresholdMean5x5u8C);
+    rvkBoxFilter11x11u8C(src, width, height, width, means, width);
+    expectRule(rvkAdaptiveThresholdMean11x11u8C);
+
+    memset(dst, 5, sizeof dst);
+    rvkAdaptiveThresholdMean3x3u8C(src, 3, 3, 13, 99, 2, 0, dst, 4); // clears what lies behind the rows, too
+    EXPECT_EQ(std::count(dst, dst + 12, 0), 12);
+    EXPECT_EQ(dst[12], 5);
+}
+
+template <Slot slot, uint32_t leastSize>
+void expectAdaptive()
+{
+    expectVectaEqualsReference<slot>([](auto function, Trial& t) {
+        t.width = std::max(t.width, leastSize);
+        t.height = std::max(t.height, leastSize);
+        const uint32_t type = t.below(2);
+        const int32_t value = static_cast<int32_t>(t.below(t.below(2) ? 21 : 601)) - (t.below(2) ? 10 : 300);
+        const auto a = t.input<uint8_t>();
+        const auto d = t.output<uint8_t>();
+        function(a.data, t.width, t.height, a.stride, t.value<uint8_t>(), type, value, d.data, d.stride);
+    });
+}
+
+TEST(Threshold, AdaptiveVectaEqualsReference)
+{
+    expectAdaptive<Slot::rvkAdaptiveThresholdGaussian3x3u8, 2>();
+    expectAdaptive<Slot::rvkAdaptiveThresholdGaussian5x5u8, 5>();
+    expectAdaptive<Slot::rvkAdaptiveThresholdGaussian11x11u8, 11>();
+    expectAdaptive<Slot::rvkAdaptiveThresholdMean3x3u8, 3>();
+    expectAdaptive<Slot::rvkAdaptiveThresholdMean5x5u8, 5>();
+    expectAdaptive<Slot::rvkAdaptiveThresholdMean11x11u8, 11>();
+}
+
+TEST(Threshold, AdaptiveRefusesBadArguments)
+{
+    uint8_t src[144] = {9}, dst[144] = {77};
+    const auto isLogged = [](const std::string& what, auto call) {
+        clearLog();
+        call();
+        return logHas("6 ravik_lib_log: Assertion failed @rvkAdaptiveThreshold" + what + "\n");
+    };
+    const std::string five =
+        "Gaussian5x5u8: src && dst && srcWidth && srcHeight && (srcStride >= srcWidth) && dstStride && "
+        "srcHeight > 4 && srcWidth > 4";
+    EXPECT_TRUE(isLogged(five, [&] { rvkAdaptiveThresholdGaussian5x5u8(nullptr, 8, 8, 8, 9, 0, 0, dst, 8); }));
+    EXPECT_TRUE(isLogged(five, [&] { rvkAdaptiveThresholdGaussian5x5u8(src, 4, 8, 8, 9, 0, 0, dst, 8); }));
+    EXPECT_TRUE(isLogged(five, [&] { rvkAdaptiveThresholdGaussian5x5u8(src, 8, 8, 8, 9, 0, 0, dst, 7); }));
+    EXPECT_TRUE(isLogged(five, [&] { rvkAdaptiveThresholdGaussian5x5u8(src, 8, 8, 8, 9, 2, 0, dst, 0x20000000); }));
+    EXPECT_TRUE(isLogged("Mean3x3u8: src && dst && srcWidth && srcHeight && srcStride && dstStride && ( srcStride "
+                         ">=srcWidth ) && srcWidth > 2 && srcHeight > 2",
+                         [&] { rvkAdaptiveThresholdMean3x3u8(src, 8, 2, 8, 9, 0, 0, dst, 8); }));
+    EXPECT_TRUE(
+        isLogged("Mean11x11u8: src != dst", [&] { rvkAdaptiveThresholdMean11x11u8(src, 12, 12, 0, 9, 0, 0, src, 0); }));
+    EXPECT_EQ(src[0], 9);
+    EXPECT_EQ(dst[0], 77);
+}
+
 } // namespace

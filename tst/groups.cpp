@@ -12,6 +12,7 @@ std::span<const TestGroup> testGroups()
         {"BITWISEOP", 7, RAVIK_TEST_BITWISEOP_Test, bitwiseFunctions},
         {"IPP", 4, RAVIK_TEST_IPP_Test, flipFunctions},
         {"SET", 3, RAVIK_TEST_SET, fillFunctions},
+        {"ADAPTTHRESH", 12, RAVIK_TEST_ADAPTIVETHRESHOLD_Test, adaptiveThresholdFunctions},
         {"ABSDIFF", 7, RAVIK_TEST_ABSDIFF_Test, absDiffFunctions},
         {"AVERAGE", 7, RAVIK_TEST_AVERAGE_Test, averageFunctions},
         {"MINMAX", 6, RAVIK_TEST_MINMAX_Test, minMaxFunctions},

@@ -1,4 +1,4 @@
-// THRESH: thresholds, dilation and erosion.
+// THRESH and ADAPTTHRESH: thresholds, dilation and erosion.
 #include "groups.h"
 
 #include <ravik/morphology.h>
@@ -38,6 +38,26 @@ const FunctionGroup& thresholdFunctions()
                         stride, dst, stride),
             RVK_TEST(rvkFilterErode3x3u8_v3, src, width, height, stride, dst, stride, borderType, any),
             RVK_TEST(rvkFilterErodeNxNu8, src, width, height, stride, windowSize, dst, stride),
+        }};
+    return group;
+}
+
+const FunctionGroup& adaptiveThresholdFunctions()
+{
+    const Argument type = oneOf({RAVIK_THRESHOLD_BINARY, RAVIK_THRESHOLD_BINARY_INVERSE});
+    const Argument offset = oneOf({5, 0, -1, 1, -254, -255, 255, 256, -300, 20, -20});
+
+    static const FunctionGroup group{
+        "ravikadaptthresh",
+        "rvk",
+        false,
+        {
+            RVK_TEST(rvkAdaptiveThresholdGaussian3x3u8, src, width, height, stride, any, type, offset, dst, stride),
+            RVK_TEST(rvkAdaptiveThresholdGaussian5x5u8, src, width, height, stride, any, type, offset, dst, stride),
+            RVK_TEST(rvkAdaptiveThresholdGaussian11x11u8, src, width, height, stride, any, type, offset, dst, stride),
+            RVK_TEST(rvkAdaptiveThresholdMean3x3u8, src, width, height, stride, any, type, offset, dst, stride),
+            RVK_TEST(rvkAdaptiveThresholdMean5x5u8, src, width, height, stride, any, type, offset, dst, stride),
+            RVK_TEST(rvkAdaptiveThresholdMean11x11u8, src, width, height, stride, any, type, offset, dst, stride),
         }};
     return group;
 }

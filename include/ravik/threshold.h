@@ -52,6 +52,35 @@ RVK_API rvkStatus rvkFilterThresholdRangeu8_v2(const uint8_t* src, uint32_t srcW
 RVK_API void rvkFilterThresholdOtsuu8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
                                       uint8_t* dst, uint32_t dstStride, uint32_t thresholdType);
 
+/* Adaptive thresholds: a pixel passes when it is above the mean of its window less `value`, src > mean - value, in
+ * exact integers. RAVIK_THRESHOLD_BINARY gives `maxValue` where it passes, else 0, RAVIK_THRESHOLD_BINARY_INVERSE 0
+ * where it passes, else `maxValue`. With any other type all dstStride x srcHeight bytes of the destination become 0,
+ * those behind the rows, too. dst == src is refused, and so are destinations above 2^32 - 1 bytes.
+ *
+ * The mean is that of rvkFilterGaussian3x3u8 and so on with blurBorder 1: at the edges of the picture the mean of the
+ * pixels that exist. From 2x2, 5x5 and 11x11 pixels. */
+RVK_API void rvkAdaptiveThresholdGaussian3x3u8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight,
+                                               uint32_t srcStride, uint8_t maxValue, uint32_t thresholdType,
+                                               int32_t value, uint8_t* dst, uint32_t dstStride);
+RVK_API void rvkAdaptiveThresholdGaussian5x5u8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight,
+                                               uint32_t srcStride, uint8_t maxValue, uint32_t thresholdType,
+                                               int32_t value, uint8_t* dst, uint32_t dstStride);
+RVK_API void rvkAdaptiveThresholdGaussian11x11u8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight,
+                                                 uint32_t srcStride, uint8_t maxValue, uint32_t thresholdType,
+                                                 int32_t value, uint8_t* dst, uint32_t dstStride);
+
+/* The mean is that of rvkBoxFilter3x3u8 and so on: pixels outside the picture count as 0, so that at the edges more
+ * pixels pass. From 3x3, 5x5 and 11x11 pixels. */
+RVK_API void rvkAdaptiveThresholdMean3x3u8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight,
+                                           uint32_t srcStride, uint8_t maxValue, uint32_t thresholdType, int32_t value,
+                                           uint8_t* dst, uint32_t dstStride);
+RVK_API void rvkAdaptiveThresholdMean5x5u8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight,
+                                           uint32_t srcStride, uint8_t maxValue, uint32_t thresholdType, int32_t value,
+                                           uint8_t* dst, uint32_t dstStride);
+RVK_API void rvkAdaptiveThresholdMean11x11u8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight,
+                                             uint32_t srcStride, uint8_t maxValue, uint32_t thresholdType,
+                                             int32_t value, uint8_t* dst, uint32_t dstStride);
+
 RVK_EXTERN_C_END
 
 #endif

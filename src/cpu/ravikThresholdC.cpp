@@ -4,6 +4,7 @@
 #include "functions.h"
 
 #include <algorithm>
+#include <cstring>
 
 namespace rvk {
 
@@ -45,6 +46,23 @@ void range(uint32_t width, uint32_t height, Plane<const uint8_t> src, Plane<uint
 {
     mapElements(
         width, height, dst, [=](uint8_t pixel) { return low <= pixel && pixel <= high ? inside : outside; }, src);
+}
+
+// `filter` writes the picture of the means to the destination, where the comparison replaces it.
+template <class Filter>
+void adaptive(uint32_t width, uint32_t height, Plane<const uint8_t> src, Plane<uint8_t> dst, uint8_t maxValue,
+              uint32_t type, int64_t value, Filter filter)
+{
+    if (type != RAVIK_THRESHOLD_BINARY && type != RAVIK_THRESHOLD_BINARY_INVERSE) {
+        memset(dst.data, 0, size_t{dst.stride} * height);
+        return;
+    }
+    filter();
+    const bool isInverse = type == RAVIK_THRESHOLD_BINARY_INVERSE;
+    mapElements(
+        width, height, dst,
+        [=](uint8_t pixel, uint8_t mean) { return (pixel > mean - value) != isInverse ? maxValue : uint8_t{0}; }, src,
+        dst);
 }
 
 } // namespace
@@ -96,6 +114,54 @@ void rvkFilterThresholdOtsuu8C(const uint8_t* src, uint32_t srcWidth, uint32_t s
     const uint32_t threshold = std::min(otsuThreshold(histogram, srcWidth * srcHeight), 255u);
     const bool isInverse = thresholdType == RAVIK_THRESHOLD_BINARY_INVERSE;
     range(srcWidth, srcHeight, source, {dst, dstStride}, threshold, 255, isInverse ? 0 : 255, isInverse ? 255 : 0);
+}
+
+void rvkAdaptiveThresholdGaussian3x3u8C(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
+                                        uint8_t maxValue, uint32_t thresholdType, int32_t value, uint8_t* dst,
+                                        uint32_t dstStride)
+{
+    adaptive(srcWidth, srcHeight, {src, srcStride}, {dst, dstStride}, maxValue, thresholdType, value,
+             [=] { rvkFilterGaussian3x3u8_v2C(src, srcWidth, srcHeight, srcStride, dst, dstStride, 1); });
+}
+
+void rvkAdaptiveThresholdGaussian5x5u8C(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
+                                        uint8_t maxValue, uint32_t thresholdType, int32_t value, uint8_t* dst,
+                                        uint32_t dstStride)
+{
+    adaptive(srcWidth, srcHeight, {src, srcStride}, {dst, dstStride}, maxValue, thresholdType, value,
+             [=] { rvkFilterGaussian5x5u8_v2C(src, srcWidth, srcHeight, srcStride, dst, dstStride, 1); });
+}
+
+void rvkAdaptiveThresholdGaussian11x11u8C(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
+                                          uint8_t maxValue, uint32_t thresholdType, int32_t value, uint8_t* dst,
+                                          uint32_t dstStride)
+{
+    adaptive(srcWidth, srcHeight, {src, srcStride}, {dst, dstStride}, maxValue, thresholdType, value,
+             [=] { rvkFilterGaussian11x11u8_v2C(src, srcWidth, srcHeight, srcStride, dst, dstStride, 1); });
+}
+
+void rvkAdaptiveThresholdMean3x3u8C(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
+                                    uint8_t maxValue, uint32_t thresholdType, int32_t value, uint8_t* dst,
+                                    uint32_t dstStride)
+{
+    adaptive(srcWidth, srcHeight, {src, srcStride}, {dst, dstStride}, maxValue, thresholdType, value,
+             [=] { rvkBoxFilter3x3u8C(src, srcWidth, srcHeight, srcStride, dst, dstStride); });
+}
+
+void rvkAdaptiveThresholdMean5x5u8C(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
+                                    uint8_t maxValue, uint32_t thresholdType, int32_t value, uint8_t* dst,
+                                    uint32_t dstStride)
+{
+    adaptive(srcWidth, srcHeight, {src, srcStride}, {dst, dstStride}, maxValue, thresholdType, value,
+             [=] { rvkBoxFilter5x5u8C(src, srcWidth, srcHeight, srcStride, dst, dstStride); });
+}
+
+void rvkAdaptiveThresholdMean11x11u8C(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
+                                      uint8_t maxValue, uint32_t thresholdType, int32_t value, uint8_t* dst,
+                                      uint32_t dstStride)
+{
+    adaptive(srcWidth, srcHeight, {src, srcStride}, {dst, dstStride}, maxValue, thresholdType, value,
+             [=] { rvkBoxFilter11x11u8C(src, srcWidth, srcHeight, srcStride, dst, dstStride); });
 }
 
 } // namespace rvk

@@ -104,3 +104,124 @@ void rvkFilterThresholdOtsuu8(const uint8_t* src, uint32_t srcWidth, uint32_t sr
     implementation<Slot::rvkFilterThresholdOtsuu8>(target)(src, srcWidth, srcHeight, srcStride, dst, dstStride,
                                                            thresholdType);
 }
+
+// ---- adaptive
+// --------------------------------------------------------------------------------------------------------
+
+namespace {
+
+bool suitsDspAdaptive(const uint8_t* src, uint32_t width, uint32_t height, uint32_t srcStride, uint8_t* dst,
+                      uint32_t dstStride, uint32_t windowSize)
+{
+    return aligned(8, src, dst, srcStride, dstStride) && enoughWork(width, height) && height >= windowSize;
+}
+
+} // namespace
+
+void rvkAdaptiveThresholdGaussian3x3u8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
+                                       uint8_t maxValue, uint32_t thresholdType, int32_t value, uint8_t* dst,
+                                       uint32_t dstStride)
+{
+    srcStride = packedIfZero(srcStride, srcWidth);
+    dstStride = packedIfZero(dstStride, srcWidth);
+    const RVK_IMPL target = chooseTarget(Slot::rvkAdaptiveThresholdGaussian3x3u8, [&] {
+        return suitsDspAdaptive(src, srcWidth, srcHeight, srcStride, dst, dstStride, 3);
+    });
+    // clang-format off
+    RVK_CHECK_SIZED_ARGS(rowsFitStrides(srcWidth, srcHeight, srcStride, dstStride) && rowFits(dstStride, srcHeight),
+                         src && dst && (srcWidth > 1) && (srcHeight > 1) && (srcStride >= srcWidth) && (dstStride >= srcWidth));
+    // clang-format on
+    RVK_CHECK_ARGS(src != dst);
+    implementation<Slot::rvkAdaptiveThresholdGaussian3x3u8>(target)(src, srcWidth, srcHeight, srcStride, maxValue,
+                                                                    thresholdType, value, dst, dstStride);
+}
+
+void rvkAdaptiveThresholdGaussian5x5u8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
+                                       uint8_t maxValue, uint32_t thresholdType, int32_t value, uint8_t* dst,
+                                       uint32_t dstStride)
+{
+    srcStride = packedIfZero(srcStride, srcWidth);
+    dstStride = packedIfZero(dstStride, srcWidth);
+    const RVK_IMPL target = chooseTarget(Slot::rvkAdaptiveThresholdGaussian5x5u8, [&] {
+        return suitsDspAdaptive(src, srcWidth, srcHeight, srcStride, dst, dstStride, 5);
+    });
+    // clang-format off
+    RVK_CHECK_SIZED_ARGS(rowsFitStrides(srcWidth, srcHeight, srcStride, dstStride) && rowFits(dstStride, srcHeight),
+                         src && dst && srcWidth && srcHeight && (srcStride >= srcWidth) && dstStride && srcHeight > 4 && srcWidth > 4);
+    // clang-format on
+    RVK_CHECK_ARGS(src != dst);
+    implementation<Slot::rvkAdaptiveThresholdGaussian5x5u8>(target)(src, srcWidth, srcHeight, srcStride, maxValue,
+                                                                    thresholdType, value, dst, dstStride);
+}
+
+void rvkAdaptiveThresholdGaussian11x11u8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
+                                         uint8_t maxValue, uint32_t thresholdType, int32_t value, uint8_t* dst,
+                                         uint32_t dstStride)
+{
+    srcStride = packedIfZero(srcStride, srcWidth);
+    dstStride = packedIfZero(dstStride, srcWidth);
+    const RVK_IMPL target = chooseTarget(Slot::rvkAdaptiveThresholdGaussian11x11u8, [&] {
+        return suitsDspAdaptive(src, srcWidth, srcHeight, srcStride, dst, dstStride, 11);
+    });
+    // clang-format off
+    RVK_CHECK_SIZED_ARGS(rowsFitStrides(srcWidth, srcHeight, srcStride, dstStride) && rowFits(dstStride, srcHeight),
+                         src && dst && srcWidth > 10 && srcHeight && (srcStride >= srcWidth) && dstStride && srcHeight > 10);
+    // clang-format on
+    RVK_CHECK_ARGS(src != dst);
+    implementation<Slot::rvkAdaptiveThresholdGaussian11x11u8>(target)(src, srcWidth, srcHeight, srcStride, maxValue,
+                                                                      thresholdType, value, dst, dstStride);
+}
+
+void rvkAdaptiveThresholdMean3x3u8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
+                                   uint8_t maxValue, uint32_t thresholdType, int32_t value, uint8_t* dst,
+                                   uint32_t dstStride)
+{
+    srcStride = packedIfZero(srcStride, srcWidth);
+    dstStride = packedIfZero(dstStride, srcWidth);
+    const RVK_IMPL target = chooseTarget(Slot::rvkAdaptiveThresholdMean3x3u8, [&] {
+        return suitsDspAdaptive(src, srcWidth, srcHeight, srcStride, dst, dstStride, 3);
+    });
+    // clang-format off
+    RVK_CHECK_SIZED_ARGS(rowsFitStrides(srcWidth, srcHeight, srcStride, dstStride) && rowFits(dstStride, srcHeight),
+                         src && dst && srcWidth && srcHeight && srcStride && dstStride && ( srcStride >=srcWidth ) && srcWidth > 2 && srcHeight > 2);
+    // clang-format on
+    RVK_CHECK_ARGS(src != dst);
+    implementation<Slot::rvkAdaptiveThresholdMean3x3u8>(target)(src, srcWidth, srcHeight, srcStride, maxValue,
+                                                                thresholdType, value, dst, dstStride);
+}
+
+void rvkAdaptiveThresholdMean5x5u8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
+                                   uint8_t maxValue, uint32_t thresholdType, int32_t value, uint8_t* dst,
+                                   uint32_t dstStride)
+{
+    srcStride = packedIfZero(srcStride, srcWidth);
+    dstStride = packedIfZero(dstStride, srcWidth);
+    const RVK_IMPL target = chooseTarget(Slot::rvkAdaptiveThresholdMean5x5u8, [&] {
+        return suitsDspAdaptive(src, srcWidth, srcHeight, srcStride, dst, dstStride, 5);
+    });
+    // clang-format off
+    RVK_CHECK_SIZED_ARGS(rowsFitStrides(srcWidth, srcHeight, srcStride, dstStride) && rowFits(dstStride, srcHeight),
+                         src && dst && srcWidth && srcHeight && srcStride && dstStride && (srcStride >=srcWidth) && srcWidth > 4 && srcHeight > 4);
+    // clang-format on
+    RVK_CHECK_ARGS(src != dst);
+    implementation<Slot::rvkAdaptiveThresholdMean5x5u8>(target)(src, srcWidth, srcHeight, srcStride, maxValue,
+                                                                thresholdType, value, dst, dstStride);
+}
+
+void rvkAdaptiveThresholdMean11x11u8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
+                                     uint8_t maxValue, uint32_t thresholdType, int32_t value, uint8_t* dst,
+                                     uint32_t dstStride)
+{
+    srcStride = packedIfZero(srcStride, srcWidth);
+    dstStride = packedIfZero(dstStride, srcWidth);
+    const RVK_IMPL target = chooseTarget(Slot::rvkAdaptiveThresholdMean11x11u8, [&] {
+        return suitsDspAdaptive(src, srcWidth, srcHeight, srcStride, dst, dstStride, 11);
+    });
+    // clang-format off
+    RVK_CHECK_SIZED_ARGS(rowsFitStrides(srcWidth, srcHeight, srcStride, dstStride) && rowFits(dstStride, srcHeight),
+                         src && dst && srcWidth && srcHeight && srcStride && dstStride && ( srcStride >=srcWidth) && srcWidth > 10 && srcHeight > 10);
+    // clang-format on
+    RVK_CHECK_ARGS(src != dst);
+    implementation<Slot::rvkAdaptiveThresholdMean11x11u8>(target)(src, srcWidth, srcHeight, srcStride, maxValue,
+                                                                  thresholdType, value, dst, dstStride);
+}

@@ -37,6 +37,39 @@ RVK_INLINE void count(const uint8_t* p, size_t n, uint32_t (&tables)[kTables][25
         ++tables[x % kTables][p[x]];
 }
 
+// `filter` writes the picture of the means to the destination, where the comparison replaces it.
+template <class Filter>
+RVK_INLINE void adaptive(size_t width, size_t height, Plane<const uint8_t> src, Plane<uint8_t> dst, uint8_t maxValue,
+                         uint32_t type, int32_t value, Filter filter)
+{
+    if (type != RAVIK_THRESHOLD_BINARY && type != RAVIK_THRESHOLD_BINARY_INVERSE) {
+        __builtin_memset(dst.data, 0, size_t{dst.stride} * height);
+        return;
+    }
+    uint8_t passed = type == RAVIK_THRESHOLD_BINARY ? maxValue : 0, failed = static_cast<uint8_t>(maxValue - passed);
+    if (value > 255) // all pass
+        value = 255, failed = passed;
+    else if (value < -255) // none passes
+        value = -255, passed = failed;
+    filter();
+
+    const Plane<const uint8_t> means{dst.data, dst.stride};
+    const Vec<uint8_t> yes = splat(passed), no = splat(failed);
+    const Vec<uint8_t> distance = splat(static_cast<uint8_t>(value < 0 ? -value : value));
+    if (value > 0) // the mean is less than `value` above the pixel
+        mapImage(
+            width, height, dst,
+            [=](Vec<uint8_t> pixel, Vec<uint8_t> mean)
+                RVK_INLINE_LAMBDA { return select(greater(distance, subSat(mean, pixel)), yes, no); },
+            src, means);
+    else // the pixel is more than -`value` above the mean
+        mapImage(
+            width, height, dst,
+            [=](Vec<uint8_t> pixel, Vec<uint8_t> mean)
+                RVK_INLINE_LAMBDA { return select(greater(subSat(pixel, mean), distance), yes, no); },
+            src, means);
+}
+
 } // namespace
 
 void rvkFilterThresholdu8V(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride, uint8_t* dst,
@@ -89,6 +122,58 @@ void rvkFilterThresholdOtsuu8V(const uint8_t* src, uint32_t srcWidth, uint32_t s
     const bool isInverse = thresholdType == RAVIK_THRESHOLD_BINARY_INVERSE;
     range(srcWidth, srcHeight, source, {dst, dstStride}, threshold < 255 ? threshold : 255, 255, isInverse ? 0 : 255,
           isInverse ? 255 : 0);
+}
+
+void rvkAdaptiveThresholdGaussian3x3u8V(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
+                                        uint8_t maxValue, uint32_t thresholdType, int32_t value, uint8_t* dst,
+                                        uint32_t dstStride)
+{
+    adaptive(
+        srcWidth, srcHeight, {src, srcStride}, {dst, dstStride}, maxValue, thresholdType, value,
+        [=]() RVK_INLINE_LAMBDA { rvkFilterGaussian3x3u8_v2V(src, srcWidth, srcHeight, srcStride, dst, dstStride, 1); });
+}
+
+void rvkAdaptiveThresholdGaussian5x5u8V(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
+                                        uint8_t maxValue, uint32_t thresholdType, int32_t value, uint8_t* dst,
+                                        uint32_t dstStride)
+{
+    adaptive(
+        srcWidth, srcHeight, {src, srcStride}, {dst, dstStride}, maxValue, thresholdType, value,
+        [=]() RVK_INLINE_LAMBDA { rvkFilterGaussian5x5u8_v2V(src, srcWidth, srcHeight, srcStride, dst, dstStride, 1); });
+}
+
+void rvkAdaptiveThresholdGaussian11x11u8V(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
+                                          uint8_t maxValue, uint32_t thresholdType, int32_t value, uint8_t* dst,
+                                          uint32_t dstStride)
+{
+    adaptive(srcWidth, srcHeight, {src, srcStride}, {dst, dstStride}, maxValue, thresholdType, value,
+             [=]() RVK_INLINE_LAMBDA {
+                 rvkFilterGaussian11x11u8_v2V(src, srcWidth, srcHeight, srcStride, dst, dstStride, 1);
+             });
+}
+
+void rvkAdaptiveThresholdMean3x3u8V(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
+                                    uint8_t maxValue, uint32_t thresholdType, int32_t value, uint8_t* dst,
+                                    uint32_t dstStride)
+{
+    adaptive(srcWidth, srcHeight, {src, srcStride}, {dst, dstStride}, maxValue, thresholdType, value,
+             [=]() RVK_INLINE_LAMBDA { rvkBoxFilter3x3u8V(src, srcWidth, srcHeight, srcStride, dst, dstStride); });
+}
+
+void rvkAdaptiveThresholdMean5x5u8V(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
+                                    uint8_t maxValue, uint32_t thresholdType, int32_t value, uint8_t* dst,
+                                    uint32_t dstStride)
+{
+    adaptive(srcWidth, srcHeight, {src, srcStride}, {dst, dstStride}, maxValue, thresholdType, value,
+             [=]() RVK_INLINE_LAMBDA { rvkBoxFilter5x5u8V(src, srcWidth, srcHeight, srcStride, dst, dstStride); });
+}
+
+void rvkAdaptiveThresholdMean11x11u8V(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
+                                      uint8_t maxValue, uint32_t thresholdType, int32_t value, uint8_t* dst,
+                                      uint32_t dstStride)
+{
+    adaptive(srcWidth, srcHeight, {src, srcStride}, {dst, dstStride}, maxValue, thresholdType, value,
+             [=]() RVK_INLINE_LAMBDA { rvkBoxFilter11x11u8V(src, srcWidth, srcHeight, srcStride, dst, dstStride); });
 }
 
 } // namespace rvk::vecta::RVK_ISA
