@@ -187,6 +187,26 @@ RVK_INLINE int32x4_t addProduct(int32x4_t sum, int16x4_t v)
         return vmlal_n_s16(sum, v, w);
 }
 
+// The product with weight k of the window. Weights of 16 bits lie four in a register, of which one lane is used.
+template <class W, size_t k>
+RVK_INLINE uint16x8_t addTap(uint16x8_t sum, uint8x8_t v)
+{
+    return addProduct<W::at(k)>(sum, v);
+}
+
+template <class W, size_t k>
+RVK_INLINE int32x4_t addTap(int32x4_t sum, int16x4_t v)
+{
+    constexpr int w = W::at(k);
+    if constexpr (w >= -1 && w <= 1) {
+        return addProduct<w>(sum, v);
+    } else {
+        constexpr size_t first = k / 4 * 4;
+        static constexpr int16_t four[] = {W::at(first), W::at(first + 1), W::at(first + 2), W::at(first + 3)};
+        return vmlal_lane_s16(sum, v, vld1_s16(four), k % 4);
+    }
+}
+
 template <int w>
 RVK_INLINE uint16x8_t product(uint8x8_t v)
 {
@@ -232,29 +252,23 @@ RVK_INLINE auto productsOfEnds(Half a, Half b)
         return addProduct<first>(product<last>(b), a);
 }
 
-template <class W, class T, size_t... j>
-RVK_INLINE Pairs<typename SumOf<T, W>::Type> rowSumOfTaps(const T* p, Indices<j...>)
+template <class W, class T>
+RVK_INLINE Pairs<typename SumOf<T, W>::Type> rowSum(const T* p)
 {
     using Sum = typename SumOf<T, W>::Type;
     constexpr size_t end = W::count - 1;
     const Vec<T> first = load(p), last = load(p + end);
     auto low = productsOfEnds<W::at(0), W::at(end)>(lowHalf(first), lowHalf(last));
     auto high = productsOfEnds<W::at(0), W::at(end)>(highHalf(first), highHalf(last));
-    const auto add = [&]<int w>(Weights<w>, const T* tap) RVK_INLINE_LAMBDA {
-        if constexpr (w != 0) {
-            const Vec<T> v = load(tap);
-            low = addProduct<w>(low, lowHalf(v));
-            high = addProduct<w>(high, highHalf(v));
+    unrolled<end - 1>([&](auto j) RVK_INLINE_LAMBDA {
+        constexpr size_t k = j + 1;
+        if constexpr (W::at(k) != 0) {
+            const Vec<T> v = load(p + k);
+            low = addTap<W, k>(low, lowHalf(v));
+            high = addTap<W, k>(high, highHalf(v));
         }
-    };
-    (add(Weights<W::at(j + 1)>{}, p + j + 1), ...);
+    });
     return {{bitCast<Sum>(vec(low)), bitCast<Sum>(vec(high))}};
-}
-
-template <class W, class T>
-RVK_INLINE Pairs<typename SumOf<T, W>::Type> rowSum(const T* p)
-{
-    return rowSumOfTaps<W>(p, typename CountTo<W::count - 2>::Type{});
 }
 
 template <class T>
