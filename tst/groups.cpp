@@ -7,6 +7,7 @@ std::span<const TestGroup> testGroups()
         {"MEM", 3, TEST_MEM_Test, nullptr},
         {"IDIFF", 5, RAVIK_TEST_IDIFF_Test, imageDiffFunctions},
         {"TRNS", 4, RAVIK_TEST_TRNS_Test, transposeFunctions},
+        {"BLUR", 4, RAVIK_TEST_BLUR_Test, blurFunctions},
         {"THRESH", 6, RAVIK_TEST_THRESH_Test, thresholdFunctions},
         {"BITCNT", 6, RAVIK_TEST_BITCNT_Test, bitCountFunctions},
         {"BITWISEOP", 7, RAVIK_TEST_BITWISEOP_Test, bitwiseFunctions},

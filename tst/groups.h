@@ -39,6 +39,7 @@ int TEST_MEM_Test(int loops, const char* dataDirectory);
 
 RVK_TEST_GROUP(RAVIK_TEST_IDIFF_Test, imageDiffFunctions)
 RVK_TEST_GROUP(RAVIK_TEST_TRNS_Test, transposeFunctions)
+RVK_TEST_GROUP(RAVIK_TEST_BLUR_Test, blurFunctions)
 RVK_TEST_GROUP(RAVIK_TEST_THRESH_Test, thresholdFunctions)
 RVK_TEST_GROUP(RAVIK_TEST_BITCNT_Test, bitCountFunctions)
 RVK_TEST_GROUP(RAVIK_TEST_BITWISEOP_Test, bitwiseFunctions)
