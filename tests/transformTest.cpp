@@ -136,19 +136,24 @@ TEST(Transform, WorkedValues)
 
 // ---- VECTA: random sizes, strides and alignments; strides that are no multiple of the element ----
 
-// Now and then as many pixels in a row as make rows collide in caches.
-void draw(Trial& t, uint32_t wideRow)
+// A source image of t.width x t.height pixels. Now and then, `wideRow` pixels are from row to row: so many that rows
+// collide in caches.
+template <class T>
+Image<T> source(Trial& t, uint32_t channels, uint32_t wideRow)
 {
-    if (t.below(8) == 0)
-        t.width = wideRow;
+    if (t.below(8) != 0)
+        return t.inOut<T>(channels);
+    t.width = wideRow;
+    const Image<T> image = t.inOut<T>(channels);
+    t.width -= t.below(wideRow);
+    return image;
 }
 
 template <Slot slot, class T, uint32_t channels = 1>
 void expectTranspose(uint32_t wideRow)
 {
     expectVectaEqualsReference<slot>([&](auto function, Trial& t) {
-        draw(t, wideRow);
-        const auto src = t.input<T>(channels);
+        const auto src = source<T>(t, channels, wideRow);
         const auto dst = t.outputOf<T>(t.height * channels, t.width);
         const uint32_t srcExtra = t.below(sizeof(T)), dstExtra = t.below(sizeof(T));
         function(src.data, t.width, t.height, src.stride + srcExtra, dst.data, dst.stride + dstExtra);
@@ -173,9 +178,8 @@ void expectRotation(uint32_t wideRow)
 {
     expectVectaEqualsReference<slot>(
         [&](auto function, Trial& t) {
-            draw(t, wideRow);
             const uint32_t rotation = t.below(5), inPlace = t.below(2);
-            const auto src = t.inOut<uint8_t>(channels);
+            const auto src = source<uint8_t>(t, channels, wideRow);
             if (rotation == RAVIK_ROTATE_90 || rotation == RAVIK_ROTATE_270) {
                 const auto dst = t.outputOf<uint8_t>(t.height * channels, t.width);
                 t.result(function(src.data, t.width, t.height, src.stride, dst.data, dst.stride, rotation));

@@ -66,7 +66,8 @@ RVK_INLINE Vec<T> loadRepeating(const T* p, size_t n)
     return v;
 }
 
-// What n elements, n > 0, make of the extremes so far. Two accumulators, because a step of one waits for the one before.
+// What n elements, n > 0, make of the extremes so far. Two accumulators, because a step of one waits for the one
+// before.
 template <class T, class Key>
 RVK_INLINE Extremes<Key> extremesOf(const T* p, size_t n, Extremes<Key> even)
 {

@@ -96,165 +96,206 @@ RVK_INLINE void zipBlocks(Reg<T, bytes> a, Reg<T, bytes> b, Reg<T, bytes>& low, 
     high = shuffleReg(a, b, [](size_t i) { return i / n * n + n / 2 + i % n / 2 + i % 2 * Reg<T, bytes>::lanes; });
 }
 
+// Bytes first, first + 1, ... of a register, as a smaller one.
+template <size_t first, size_t bytes, size_t... i>
+RVK_INLINE Reg<uint8_t, sizeof...(i)> partOf(Reg<uint8_t, bytes> r, Indices<i...>)
+{
+    return {__builtin_shufflevector(r.raw, r.raw, (first + i)...)};
+}
+
+template <size_t bytes>
+RVK_INLINE void storeThreeQuarters(uint8_t* p, Reg<uint8_t, bytes> r)
+{
+    storeReg(p, partOf<0>(r, typename CountTo<bytes / 2>::Type{}));
+    storeReg(p + bytes / 2, partOf<bytes / 2>(r, typename CountTo<bytes / 4>::Type{}));
+}
+
 // ---- transposes ---------------------------------------------------------------------------------------------------
 
-// A pixel in a register: three bytes travel in a lane of four.
-template <size_t pixel>
-struct LaneOf {
-    using Type = uint32_t;
-};
-template <>
-struct LaneOf<1> {
-    using Type = uint8_t;
-};
-template <>
-struct LaneOf<2> {
-    using Type = uint16_t;
-};
+// Transposes the blocks of n registers. Write the numbers of a pixel's register and of its lane in the block as one string
+// of bits: a round of zips rotates it by one bit. A pixel is loaded where the string is (row, column); after as many
+// rounds as the number of a block's row has bits, it is (column, row).
+template <size_t blockRows, class T, size_t bytes, size_t n>
+RVK_INLINE void zipRounds(Reg<T, bytes> (&r)[n])
+{
+    if constexpr (blockRows > 1) {
+        Reg<T, bytes> zipped[n];
+        unrolled<n / 2>([&](auto i)
+                            RVK_INLINE_LAMBDA { zipBlocks(r[i], r[i + n / 2], zipped[2 * i], zipped[2 * i + 1]); });
+        unrolled<n>([&](auto i) RVK_INLINE_LAMBDA { r[i] = zipped[i]; });
+        zipRounds<blockRows / 2>(r);
+    }
+}
 
-// The part of an image that is transposed in registers. It is as many columns wide as there are registers: one for each
-// pixel of a block, or half as many where that is too many for the instruction set.
-template <size_t pixel, size_t bytes>
+// A tile is the part of an image that is transposed in registers: `columns` x `rows` pixels. A tile of 16-byte blocks
+// is as many columns wide as there are registers: one for each pixel of a block, or half as many where that is too many
+// for the instruction set.
+template <class Lane, size_t bytes>
 struct Tile {
-    using Lane = typename LaneOf<pixel>::Type;
 #if defined(__ARM_NEON) && !defined(__aarch64__)
-    static constexpr size_t columns = pixel == 1 ? 8 : kBlock<Lane>;
+    static constexpr size_t columns = kBlock<Lane> < 8 ? kBlock<Lane> : 8;
 #else
     static constexpr size_t columns = kBlock<Lane>;
 #endif
     static constexpr size_t rows = bytes / sizeof(Lane);
-    Reg<Lane, bytes> r[columns];
+    static constexpr size_t excess = 0; // what its loads read behind the tile's rows, in bytes
+
+    template <size_t>
+    static RVK_INLINE void transpose(const uint8_t* src, ptrdiff_t srcStep, uint8_t* dst, ptrdiff_t dstStep)
+    {
+        constexpr size_t rowsAtOnce = kBlock<Lane> / columns;
+        Reg<Lane, bytes> r[columns];
+        unrolled<columns>([&](auto i) RVK_INLINE_LAMBDA {
+            if constexpr (rowsAtOnce == 1)
+                r[i] = loadBlocks<Lane, bytes>(src, static_cast<ptrdiff_t>(columns) * srcStep);
+            else
+                r[i] = loadHalves<Lane>(src, srcStep);
+            src += static_cast<ptrdiff_t>(rowsAtOnce) * srcStep;
+        });
+        zipRounds<kBlock<Lane>>(r);
+        unrolled<columns>([&](auto i) RVK_INLINE_LAMBDA {
+            storeReg(dst, r[i]);
+            dst += dstStep;
+        });
+    }
 };
 
-// Four pixels of three bytes in each block, one in a lane. A block reads 16 bytes from p - lead on; the pixels are the
-// 12 bytes from p on.
-template <size_t bytes, size_t lead>
-RVK_INLINE Reg<uint32_t, bytes> loadRgb(const uint8_t* p, ptrdiff_t step)
+#if defined(__ARM_NEON)
+
+RVK_INLINE void transpose8x8(uint8x8_t (&r)[8])
 {
-    const auto packed = loadBlocks<uint8_t, bytes>(p - lead, step);
-    const auto lanes =
-        shuffleReg(packed, packed, [](size_t i) { return i / 16 * 16 + (i % 16 / 4 * 3 + i % 4 + lead) % 16; });
-    return {(typename Reg<uint32_t, bytes>::Raw)lanes.raw};
+    unrolled<4>([&](auto pair) RVK_INLINE_LAMBDA {
+        constexpr size_t i = 2 * pair;
+        const uint8x8x2_t t = vtrn_u8(r[i], r[i + 1]);
+        r[i] = t.val[0];
+        r[i + 1] = t.val[1];
+    });
+    unrolled<4>([&](auto pair) RVK_INLINE_LAMBDA {
+        constexpr size_t i = pair / 2 * 4 + pair % 2;
+        const uint16x4x2_t t = vtrn_u16(vreinterpret_u16_u8(r[i]), vreinterpret_u16_u8(r[i + 2]));
+        r[i] = vreinterpret_u8_u16(t.val[0]);
+        r[i + 2] = vreinterpret_u8_u16(t.val[1]);
+    });
+    unrolled<4>([&](auto i) RVK_INLINE_LAMBDA {
+        const uint32x2x2_t t = vtrn_u32(vreinterpret_u32_u8(r[i]), vreinterpret_u32_u8(r[i + 4]));
+        r[i] = vreinterpret_u8_u32(t.val[0]);
+        r[i + 4] = vreinterpret_u8_u32(t.val[1]);
+    });
 }
 
-template <size_t n, size_t bytes, size_t... i>
-RVK_INLINE void storeFirst(uint8_t* p, Reg<uint8_t, bytes> r, Indices<i...>);
-
-// Stores n bytes of a register: 8 or 12 bytes in the last block that counts.
-template <size_t n, size_t bytes>
-RVK_INLINE void storeFirst(uint8_t* p, Reg<uint8_t, bytes> r)
-{
-    if constexpr (bytes > 16) {
-        storeFirst<n>(p, r, typename CountTo<bytes / 2>::Type{});
-    } else if constexpr (n == 16) {
-        storeReg(p, r);
-    } else {
-        const uint64_t first = ((Reg<uint64_t, 16>::Raw)r.raw)[0];
-        const uint32_t last = ((Reg<uint32_t, 16>::Raw)r.raw)[2];
-        __builtin_memcpy(p, &first, 8);
-        if constexpr (n == 12)
-            __builtin_memcpy(p + 8, &last, 4);
-    }
-}
-
-template <size_t n, size_t bytes, size_t... i>
-RVK_INLINE void storeFirst(uint8_t* p, Reg<uint8_t, bytes> r, Indices<i...>)
-{
-    constexpr size_t half = bytes / 2;
-    const Reg<uint8_t, half> low = {__builtin_shufflevector(r.raw, r.raw, i...)};
-    const Reg<uint8_t, half> high = {__builtin_shufflevector(r.raw, r.raw, (half + i)...)};
-    storeReg(p, low);
-    if constexpr (n > half)
-        storeFirst<n - half>(p + half, high);
-}
-
+// Pixels of three bytes: each channel in registers of its own.
 template <size_t bytes>
-RVK_INLINE void storeRgb(uint8_t* p, Reg<uint32_t, bytes> r)
-{
-    const Reg<uint8_t, bytes> lanes = {(typename Reg<uint8_t, bytes>::Raw)r.raw};
-    const auto inBlocks =
-        shuffleReg(lanes, lanes, [](size_t i) { return i % 16 < 12 ? i / 16 * 16 + i % 16 / 3 * 4 + i % 16 % 3 : i; });
-    const Reg<uint32_t, bytes> triples = {(typename Reg<uint32_t, bytes>::Raw)inBlocks.raw};
-    constexpr size_t used = bytes / 16 * 3;
-    const auto packed = shuffleReg(triples, triples, [](size_t i) { return i < used ? i / 3 * 4 + i % 3 : i; });
-    storeFirst<4 * used>(p, Reg<uint8_t, bytes>{(typename Reg<uint8_t, bytes>::Raw)packed.raw});
-}
+struct RgbTile {
+    static constexpr size_t columns = 8;
+    static constexpr size_t rows = 8;
+    static constexpr size_t excess = 0;
 
-template <size_t lead, size_t pixel, size_t bytes>
-RVK_INLINE void loadTile(Tile<pixel, bytes>& tile, const uint8_t* src, ptrdiff_t step)
-{
-    using T = Tile<pixel, bytes>;
-    using Lane = typename T::Lane;
-    constexpr size_t rowsAtOnce = kBlock<Lane> / T::columns;
-    unrolled<T::columns>([&](auto i) RVK_INLINE_LAMBDA {
-        if constexpr (rowsAtOnce == 2)
-            tile.r[i] = loadHalves<Lane>(src, step);
-        else if constexpr (pixel == 3)
-            tile.r[i] = loadRgb<bytes, lead>(src, static_cast<ptrdiff_t>(T::columns) * step);
-        else
-            tile.r[i] = loadBlocks<Lane, bytes>(src, static_cast<ptrdiff_t>(T::columns) * step);
-        src += static_cast<ptrdiff_t>(rowsAtOnce) * step;
-    });
-}
-
-// Write the numbers of a pixel's register and of its lane in the block as one string of bits: a round of zips rotates
-// it by one bit. A pixel is loaded where the string is (row, column); after as many rounds as a block's rows have bits,
-// it is (column, row).
-template <size_t blockRows, size_t pixel, size_t bytes>
-RVK_INLINE void zipRounds(Tile<pixel, bytes>& tile)
-{
-    if constexpr (blockRows > 1) {
-        constexpr size_t half = Tile<pixel, bytes>::columns / 2;
-        Tile<pixel, bytes> zipped;
-        unrolled<half>([&](auto i) RVK_INLINE_LAMBDA {
-            zipBlocks(tile.r[i], tile.r[i + half], zipped.r[2 * i], zipped.r[2 * i + 1]);
+    template <size_t>
+    static RVK_INLINE void transpose(const uint8_t* src, ptrdiff_t srcStep, uint8_t* dst, ptrdiff_t dstStep)
+    {
+        uint8x8_t channel[3][8];
+        unrolled<8>([&](auto i) RVK_INLINE_LAMBDA {
+            const uint8x8x3_t row = vld3_u8(src);
+            unrolled<3>([&](auto c) RVK_INLINE_LAMBDA { channel[c][i] = row.val[c]; });
+            src += srcStep;
         });
-        tile = zipped;
-        zipRounds<blockRows / 2>(tile);
+        unrolled<3>([&](auto c) RVK_INLINE_LAMBDA { transpose8x8(channel[c]); });
+        unrolled<8>([&](auto i) RVK_INLINE_LAMBDA {
+            const uint8x8x3_t row = {{channel[0][i], channel[1][i], channel[2][i]}};
+            vst3_u8(dst, row);
+            dst += dstStep;
+        });
     }
-}
+};
 
-template <size_t lead, size_t pixel, size_t bytes>
-RVK_INLINE void transposeTile(const uint8_t* src, ptrdiff_t srcStep, uint8_t* dst, ptrdiff_t dstStep)
-{
-    using T = Tile<pixel, bytes>;
-    T tile;
-    loadTile<lead>(tile, src, srcStep);
-    zipRounds<kBlock<typename T::Lane>>(tile);
-    unrolled<T::columns>([&](auto i) RVK_INLINE_LAMBDA {
-        if constexpr (pixel == 3)
-            storeRgb(dst, tile.r[i]);
-        else
-            storeReg(dst, tile.r[i]);
-        dst += dstStep;
-    });
-}
+#else
+
+// Pixels of three bytes: in registers they take lanes of four. A load of a row takes 16 bytes for 4 pixels.
+template <size_t bytes>
+struct RgbTile {
+    static constexpr size_t columns = 4;
+    static constexpr size_t rows = bytes / 4;
+    static constexpr size_t excess = 4;
+
+    template <size_t lead>
+    static RVK_INLINE void transpose(const uint8_t* src, ptrdiff_t srcStep, uint8_t* dst, ptrdiff_t dstStep)
+    {
+        Reg<uint32_t, bytes> r[columns];
+        unrolled<columns>([&](auto i) RVK_INLINE_LAMBDA {
+            r[i] = spread<lead>(loadBlocks<uint8_t, bytes>(src - lead, static_cast<ptrdiff_t>(columns) * srcStep));
+            src += srcStep;
+        });
+        zipRounds<4>(r);
+        unrolled<columns>([&](auto i) RVK_INLINE_LAMBDA {
+            storeThreeQuarters(dst, pack(r[i]));
+            dst += dstStep;
+        });
+    }
+
+private:
+    using Bytes = Reg<uint8_t, bytes>;
+    using Lanes = Reg<uint32_t, bytes>;
+
+    // Four pixels in each block, from byte `lead` on, to one in each lane.
+    template <size_t lead>
+    static RVK_INLINE Lanes spread(Bytes v)
+    {
+        const Bytes r = shuffleReg(v, v, [](size_t i) { return i / 16 * 16 + (i % 16 / 4 * 3 + i % 4 + lead) % 16; });
+        return {(typename Lanes::Raw)r.raw};
+    }
+
+    // The reverse; the pixels of all blocks together.
+    static RVK_INLINE Bytes pack(Lanes v)
+    {
+        const Bytes loose = {(typename Bytes::Raw)v.raw};
+        const Bytes inBlocks = shuffleReg(
+            loose, loose, [](size_t i) { return i % 16 < 12 ? i / 16 * 16 + i % 16 / 3 * 4 + i % 16 % 3 : i; });
+        const Lanes triples = {(typename Lanes::Raw)inBlocks.raw};
+        const Lanes packed =
+            shuffleReg(triples, triples, [](size_t i) { return i < 3 * rows / 4 ? i / 3 * 4 + i % 3 : i; });
+        return {(typename Bytes::Raw)packed.raw};
+    }
+};
+
+#endif
+
+template <size_t pixel, size_t bytes>
+struct TileOf;
+template <size_t bytes>
+struct TileOf<1, bytes> : Tile<uint8_t, bytes> {
+};
+template <size_t bytes>
+struct TileOf<2, bytes> : Tile<uint16_t, bytes> {
+};
+template <size_t bytes>
+struct TileOf<3, bytes> : RgbTile<bytes> {
+};
+template <size_t bytes>
+struct TileOf<4, bytes> : Tile<uint32_t, bytes> {
+};
 
 // Images are transposed in bands of as many rows as a cache line of the destination takes, so that lines are written
 // whole.
 template <size_t pixel>
-constexpr size_t kBandRows = 64 / sizeof(typename LaneOf<pixel>::Type);
+constexpr size_t kBandRows = pixel == 3 ? 16 : 64 / pixel;
 
 // `width` x `height` are at least a tile. The last tiles overlap their neighbours.
 template <size_t pixel, size_t bytes>
 RVK_INLINE void transposeBand(const uint8_t* src, size_t width, size_t height, ptrdiff_t srcStep, uint8_t* dst,
                               ptrdiff_t dstStep)
 {
-    using T = Tile<pixel, bytes>;
+    using T = TileOf<pixel, bytes>;
     for (size_t nextX = 0; nextX < width; nextX += T::columns) {
         const size_t x = atMost(nextX, width - T::columns);
-        // Loads take more than the tile where that is not a power of two; at the end of the row they start early for
-        // it.
-        constexpr size_t lead = 16 / kBlock<typename T::Lane> * T::columns - T::columns * pixel;
-        const bool atEnd = lead > 0 && (width - x) * pixel < T::columns * pixel + lead;
+        const bool readsBehindRow = (width - x) * pixel < T::columns * pixel + T::excess;
         for (size_t nextY = 0; nextY < height; nextY += T::rows) {
             const size_t y = atMost(nextY, height - T::rows);
             const uint8_t* in = src + static_cast<ptrdiff_t>(y) * srcStep + x * pixel;
             uint8_t* out = dst + static_cast<ptrdiff_t>(x) * dstStep + y * pixel;
-            if (atEnd)
-                transposeTile<lead, pixel, bytes>(in, srcStep, out, dstStep);
+            if (T::excess > 0 && readsBehindRow)
+                T::template transpose<T::excess>(in, srcStep, out, dstStep); // starts earlier for it
             else
-                transposeTile<0, pixel, bytes>(in, srcStep, out, dstStep);
+                T::template transpose<0>(in, srcStep, out, dstStep);
         }
     }
 }
@@ -276,17 +317,23 @@ RVK_INLINE void transposeBandThroughBuffer(const uint8_t* src, size_t width, siz
     }
 }
 
+// Whether the rows of a band share so few sets of a cache of 4096 bytes a way that most evict each other.
+template <size_t pixel>
+RVK_INLINE bool rowsCollideInCache(ptrdiff_t step)
+{
+    return step % static_cast<ptrdiff_t>(65536 / kBandRows<pixel>) == 0;
+}
+
 template <size_t pixel, size_t bytes>
 RVK_INLINE void transposeByTiles(const uint8_t* src, size_t width, size_t height, ptrdiff_t srcStep, uint8_t* dst,
                                  ptrdiff_t dstStep)
 {
-    constexpr size_t tileRows = Tile<pixel, bytes>::rows;
-    const bool rowsCollideInCache = srcStep % static_cast<ptrdiff_t>(1024 * sizeof(typename LaneOf<pixel>::Type)) == 0;
+    const bool throughBuffer = rowsCollideInCache<pixel>(srcStep) && width >= kBandRows<pixel>;
     for (size_t nextY = 0; nextY < height; nextY += kBandRows<pixel>) {
-        const size_t y = atMost(nextY, height - tileRows);
+        const size_t y = atMost(nextY, height - TileOf<pixel, bytes>::rows);
         const size_t rows = atMost(height - y, kBandRows<pixel>);
         const uint8_t* in = src + static_cast<ptrdiff_t>(y) * srcStep;
-        if (rowsCollideInCache && width >= kBandRows<pixel>)
+        if (throughBuffer)
             transposeBandThroughBuffer<pixel, bytes>(in, width, rows, srcStep, dst + y * pixel, dstStep);
         else
             transposeBand<pixel, bytes>(in, width, rows, srcStep, dst + y * pixel, dstStep);
@@ -306,10 +353,10 @@ template <size_t pixel>
 __attribute__((noinline)) void transpose(const uint8_t* src, size_t width, size_t height, ptrdiff_t srcStep,
                                          uint8_t* dst, ptrdiff_t dstStep)
 {
-    constexpr size_t least = pixel == 3 ? 8 : Tile<pixel, 16>::columns;
-    if (width >= least && height >= Tile<pixel, kBytes>::rows) {
+    constexpr size_t leastWidth = pixel == 3 ? 8 : TileOf<pixel, 16>::columns;
+    if (width >= leastWidth && height >= TileOf<pixel, kBytes>::rows) {
         transposeByTiles<pixel, kBytes>(src, width, height, srcStep, dst, dstStep);
-    } else if (width >= least && height >= Tile<pixel, 16>::rows) {
+    } else if (width >= leastWidth && height >= TileOf<pixel, 16>::rows) {
         transposeByTiles<pixel, 16>(src, width, height, srcStep, dst, dstStep);
     } else {
         for (size_t y = 0; y < height; ++y)
@@ -391,9 +438,16 @@ struct RgbRun {
 
 // The longest and the shortest runs of a kind of pixels.
 template <size_t pixel>
-struct Runs {
-    using Long = PixelRun<typename LaneOf<pixel>::Type, kBytes>;
-    using Short = PixelRun<typename LaneOf<pixel>::Type, 16>;
+struct Runs;
+template <>
+struct Runs<1> {
+    using Long = PixelRun<uint8_t, kBytes>;
+    using Short = PixelRun<uint8_t, 16>;
+};
+template <>
+struct Runs<2> {
+    using Long = PixelRun<uint16_t, kBytes>;
+    using Short = PixelRun<uint16_t, 16>;
 };
 template <>
 struct Runs<3> {
