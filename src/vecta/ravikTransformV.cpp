@@ -381,12 +381,45 @@ struct PixelRun {
     }
 };
 
-#if defined(__x86_64__) && !defined(__AVX512BW__)
+#if defined(__x86_64__)
+
+// Where byte i of `size` mirrored bytes comes from.
+constexpr size_t mirroredRgb(size_t size, size_t i)
+{
+    return size - 3 - i / 3 * 3 + i % 3;
+}
+
+#endif
+#if defined(__AVX512VBMI__)
+
+// A shuffle takes any bytes of two registers; of the three, only the middle result needs a byte of each.
+struct RgbRun {
+    static constexpr size_t size = 192;
+    using Bytes = Reg<uint8_t, 64>;
+    Bytes r[3];
+
+    static RVK_INLINE RgbRun load(const uint8_t* p)
+    {
+        return {loadReg<uint8_t, 64>(p), loadReg<uint8_t, 64>(p + 64), loadReg<uint8_t, 64>(p + 128)};
+    }
+    RVK_INLINE void storeReversed(uint8_t* p) const
+    {
+        storeReg(p, shuffleReg(r[1], r[2], [](size_t i) { return mirroredRgb(size, i) - 64; }));
+        const Bytes most = shuffleReg(r[1], r[2], [](size_t i) { return (mirroredRgb(size, 64 + i) + 64) % 128; });
+        storeReg(p + 64, shuffleReg(most, r[0], [](size_t i) {
+            const size_t source = mirroredRgb(size, 64 + i);
+            return source < 64 ? 64 + source : i;
+        }));
+        storeReg(p + 128, shuffleReg(r[0], r[1], [](size_t i) { return mirroredRgb(size, 128 + i); }));
+    }
+};
+
+#elif defined(__x86_64__)
 
 // Where byte i of 48 mirrored bytes comes from: an index into register `from`, or one that gives zero.
 constexpr uint8_t mirroredIndex(size_t from, size_t i)
 {
-    const size_t source = 45 - i / 3 * 3 + i % 3;
+    const size_t source = mirroredRgb(48, i);
     return source / 16 == from ? static_cast<uint8_t>(source % 16) : 0x80;
 }
 
