@@ -8,6 +8,8 @@ std::span<const TestGroup> testGroups()
         {"IDIFF", 5, RAVIK_TEST_IDIFF_Test, imageDiffFunctions},
         {"TRNS", 4, RAVIK_TEST_TRNS_Test, transposeFunctions},
         {"BLUR", 4, RAVIK_TEST_BLUR_Test, blurFunctions},
+        {"EDGES", 6, RAVIK_TEST_EDGE_Sobel_Test, edgesFunctions},
+        {"SCHARR", 6, RAVIK_TEST_EDGE_Scharr_Test, scharrFunctions},
         {"THRESH", 6, RAVIK_TEST_THRESH_Test, thresholdFunctions},
         {"BITCNT", 6, RAVIK_TEST_BITCNT_Test, bitCountFunctions},
         {"BITWISEOP", 7, RAVIK_TEST_BITWISEOP_Test, bitwiseFunctions},

@@ -40,6 +40,8 @@ int TEST_MEM_Test(int loops, const char* dataDirectory);
 RVK_TEST_GROUP(RAVIK_TEST_IDIFF_Test, imageDiffFunctions)
 RVK_TEST_GROUP(RAVIK_TEST_TRNS_Test, transposeFunctions)
 RVK_TEST_GROUP(RAVIK_TEST_BLUR_Test, blurFunctions)
+RVK_TEST_GROUP(RAVIK_TEST_EDGE_Sobel_Test, edgesFunctions)
+RVK_TEST_GROUP(RAVIK_TEST_EDGE_Scharr_Test, scharrFunctions)
 RVK_TEST_GROUP(RAVIK_TEST_THRESH_Test, thresholdFunctions)
 RVK_TEST_GROUP(RAVIK_TEST_BITCNT_Test, bitCountFunctions)
 RVK_TEST_GROUP(RAVIK_TEST_BITWISEOP_Test, bitwiseFunctions)

@@ -9,6 +9,7 @@
 #include "buffer.h"
 #include "diff.h"
 #include "frame.h"
+#include "gradient.h"
 #include "minmax.h"
 #include "morphology.h"
 #include "threshold.h"
