@@ -7,6 +7,7 @@
 #include "bitwise.h"
 #include "blur.h"
 #include "buffer.h"
+#include "canny.h"
 #include "diff.h"
 #include "frame.h"
 #include "gradient.h"

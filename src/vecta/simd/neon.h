@@ -117,6 +117,16 @@ template <class T> RVK_INLINE size_t firstTrue(Mask<T> m)
     return static_cast<size_t>(__builtin_ctzll(nibbles(m))) / (4 * sizeof(T));
 }
 
+RVK_INLINE uint32_t laneBits(Mask<uint8_t> m)
+{
+    static constexpr uint8_t kBits[16] = {1, 2, 4, 8, 16, 32, 64, 128, 1, 2, 4, 8, 16, 32, 64, 128};
+    const uint8x16_t bits = vandq_u8(reg(m.bits), vld1q_u8(kBits));
+    uint8x8_t sums = vpadd_u8(vget_low_u8(bits), vget_high_u8(bits));
+    sums = vpadd_u8(sums, sums);
+    sums = vpadd_u8(sums, sums);
+    return vget_lane_u16(vreinterpret_u16_u8(sums), 0);
+}
+
 // b < a ? b : a, and a < b ? b : a: the first operand when the two are equal or one is not a number.
 RVK_INLINE Vec<float> min(Vec<float> a, Vec<float> b) { return select(less(b, a), b, a); }
 RVK_INLINE Vec<float> max(Vec<float> a, Vec<float> b) { return select(less(a, b), b, a); }

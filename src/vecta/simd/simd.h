@@ -23,6 +23,7 @@
 // Comparison  equal, greater, less -> Mask<T>, false for not-a-numbers; masks combine by & | ^ ~
 //             select(mask, a, b): a where true, else b; toVec(mask): all bits of true lanes set; any, all(mask);
 //             firstTrue(mask): the number of the first true lane, of which there must be one
+//             laneBits(mask): u8, bit i is lane i, in an integer of at least as many bits
 // Width       widen(v) -> Vecs<Wider, 2>; narrow(vs): drops the upper halves of the elements; narrowSat<To>(vs): s16 to
 //             u8 or s8, u16 to u8, s32 to s16 or u16, u32 to u16
 //             multiplyWide(a, b) -> Vecs<Wider, 2>: 8 and 16 bits; multiplyHigh: the upper halves of products, 16 bits

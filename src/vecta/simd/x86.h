@@ -277,6 +277,7 @@ RVK_INLINE Vec<float> toVec(Mask<float> m) { return bitCast<float>(vec<uint32_t>
 template <class T> RVK_INLINE bool any(Mask<T> m) { return m.bits != 0; }
 template <class T> RVK_INLINE bool all(Mask<T> m) { return static_cast<typename Mask<T>::Bits>(~m.bits) == 0; }
 template <class T> RVK_INLINE size_t firstTrue(Mask<T> m) { return static_cast<size_t>(__builtin_ctzll(m.bits)); }
+RVK_INLINE uint64_t laneBits(Mask<uint8_t> m) { return m.bits; }
 
 #else
 
@@ -317,6 +318,7 @@ template <class T> RVK_INLINE size_t firstTrue(Mask<T> m)
 {
     return static_cast<size_t>(__builtin_ctz(byteBits(m))) / sizeof(T);
 }
+RVK_INLINE uint32_t laneBits(Mask<uint8_t> m) { return byteBits(m); }
 
 #endif
 

@@ -1,0 +1,209 @@
+// C reference of the Canny edge detector.
+#include "cpu/ravikCannyC.h"
+
+#include "cpu/image.h"
+#include "functions.h"
+#include "scratch.h"
+
+#include <algorithm>
+#include <cstdlib>
+
+namespace rvk {
+
+CannyThresholds cannyThresholds(int32_t low, int32_t high, bool squared)
+{
+    const auto capped = [=](int64_t threshold) {
+        const auto size = static_cast<uint32_t>(std::min<int64_t>(std::abs(threshold), kLargestGradient));
+        return squared ? size * size : size;
+    };
+    const auto [least, most] = std::minmax({capped(low), capped(high)});
+    return {least, most};
+}
+
+namespace {
+
+// ---- the gradient --------------------------------------------------------------------------------------------------
+
+template <int radius>
+struct Sobel;
+template <>
+struct Sobel<1>
+{
+    static constexpr int smoothing[] = {1, 2, 1}, derivative[] = {-1, 0, 1};
+};
+template <>
+struct Sobel<2>
+{
+    static constexpr int smoothing[] = {1, 4, 6, 4, 1}, derivative[] = {-1, -2, 0, 2, 1};
+};
+template <>
+struct Sobel<3>
+{
+    static constexpr int smoothing[] = {1, 6, 15, 20, 15, 6, 1}, derivative[] = {-1, -4, -5, 0, 5, 4, 1};
+};
+
+template <int radius>
+void gradient(int64_t width, int64_t height, Plane<const uint8_t> src, Plane<int16_t> dx, Plane<int16_t> dy)
+{
+    using Kernel = Sobel<radius>;
+    for (int64_t y = 0; y < height; ++y)
+        for (int64_t x = 0; x < width; ++x) {
+            int sumX = 0, sumY = 0;
+            for (int v = -radius; v <= radius; ++v) {
+                const uint8_t* row = src.row(static_cast<size_t>(std::clamp<int64_t>(y + v, 0, height - 1)));
+                for (int u = -radius; u <= radius; ++u) {
+                    const int pixel = row[std::clamp<int64_t>(x + u, 0, width - 1)];
+                    sumX += pixel * Kernel::smoothing[v + radius] * Kernel::derivative[u + radius];
+                    sumY += pixel * Kernel::derivative[v + radius] * Kernel::smoothing[u + radius];
+                }
+            }
+            dx.row(static_cast<size_t>(y))[x] = saturate<int16_t>(sumX);
+            dy.row(static_cast<size_t>(y))[x] = saturate<int16_t>(sumY);
+        }
+}
+
+void gradient(uint32_t apertureSize, uint32_t width, uint32_t height, Plane<const uint8_t> src, Plane<int16_t> dx,
+              Plane<int16_t> dy)
+{
+    if (apertureSize == 3)
+        gradient<1>(width, height, src, dx, dy);
+    else if (apertureSize == 5)
+        gradient<2>(width, height, src, dx, dy);
+    else
+        gradient<3>(width, height, src, dx, dy);
+}
+
+int32_t sizeOf(int32_t derivative)
+{
+    return std::min(std::abs(derivative), kLargestGradient);
+}
+
+uint32_t magnitude(int32_t dx, int32_t dy, bool squared)
+{
+    const auto x = static_cast<uint32_t>(sizeOf(dx)), y = static_cast<uint32_t>(sizeOf(dy));
+    return squared ? x * x + y * y : x + y;
+}
+
+// ---- thinning ------------------------------------------------------------------------------------------------------
+
+// Whether the magnitude here[0] is the largest across the edge. The pointers are to the magnitudes at one column of
+// three rows.
+bool isRidge(const uint32_t* above, const uint32_t* here, const uint32_t* below, int32_t dx, int32_t dy)
+{
+    const int64_t x = sizeOf(dx), y = sizeOf(dy);
+    const uint32_t m = here[0];
+    if (y * 32768 <= x * kTan22)
+        return m > here[-1] && m >= here[1];
+    if (y * 32768 > x * (kTan22 + 65536))
+        return m > above[0] && m >= below[0];
+    const int side = (dx < 0) == (dy < 0) ? -1 : 1;
+    return m > above[side] && m > below[-side];
+}
+
+// ---- hysteresis ----------------------------------------------------------------------------------------------------
+
+// What the map says of a pixel. It has a ring of kNothing around the picture.
+enum : uint8_t { kNothing, kCandidate, kEdge };
+
+// Edges by their places in the map, whose neighbours have not been looked at yet. No pixel comes twice.
+struct Stack
+{
+    uint32_t* places;
+    size_t count = 0;
+
+    void markEdge(uint8_t* map, size_t place)
+    {
+        map[place] = kEdge;
+        places[count++] = static_cast<uint32_t>(place);
+    }
+};
+
+void track(uint8_t* map, size_t pitch, Stack& stack)
+{
+    while (stack.count > 0) {
+        const size_t place = stack.places[--stack.count];
+        for (const size_t row : {place - pitch, place, place + pitch})
+            for (size_t neighbour = row - 1; neighbour <= row + 1; ++neighbour)
+                if (map[neighbour] == kCandidate)
+                    stack.markEdge(map, neighbour);
+    }
+}
+
+rvkStatus canny(uint32_t apertureSize, uint32_t width, uint32_t height, Plane<const uint8_t> src,
+                CannyThresholds thresholds, bool squared, Plane<uint8_t> dst, Plane<int16_t> dx, Plane<int16_t> dy)
+{
+    const size_t pitch = size_t{width} + 2; // of magnitudes and map: the pixels of a row between two that are 0
+    const Scratch<uint32_t> magnitudes(3 * pitch), places(size_t{width} * height);
+    const Scratch<uint8_t> map(pitch * (size_t{height} + 2));
+    if (!magnitudes || !places || !map)
+        return RAVIK_ENORES;
+
+    gradient(apertureSize, width, height, src, dx, dy);
+    std::fill_n(magnitudes.get(), 3 * pitch, 0u);
+    std::fill_n(map.get(), pitch * (size_t{height} + 2), uint8_t{kNothing});
+    Stack stack{places.get()};
+    const auto magnitudeRow = [&](size_t y) { return magnitudes.get() + (y + 3) % 3 * pitch + 1; };
+    const auto computeMagnitudes = [&](size_t y) {
+        for (size_t x = 0; x < width; ++x)
+            magnitudeRow(y)[x] = y < height ? magnitude(dx.row(y)[x], dy.row(y)[x], squared) : 0;
+    };
+    computeMagnitudes(0);
+    for (size_t y = 0; y < height; ++y) {
+        computeMagnitudes(y + 1);
+        const uint32_t *above = magnitudeRow(y + 2), *here = magnitudeRow(y), *below = magnitudeRow(y + 1);
+        for (size_t x = 0; x < width; ++x) {
+            if (here[x] <= thresholds.low || !isRidge(above + x, here + x, below + x, dx.row(y)[x], dy.row(y)[x]))
+                continue;
+            const size_t place = (y + 1) * pitch + x + 1;
+            if (here[x] > thresholds.high)
+                stack.markEdge(map.get(), place);
+            else
+                map[place] = kCandidate;
+        }
+    }
+    track(map.get(), pitch, stack);
+    for (size_t y = 0; y < height; ++y)
+        for (size_t x = 0; x < width; ++x)
+            dst.row(y)[x] = map[(y + 1) * pitch + x + 1] == kEdge ? 255 : 0;
+    return RAVIK_SUCCESS;
+}
+
+} // namespace
+
+void rvkFilterCanny3x3u8C(const uint8_t* src, uint32_t width, uint32_t height, uint8_t* dst, int32_t lowThreshold,
+                          int32_t highThreshold)
+{
+    rvkFilterCanny3x3u8_v3C(src, width, height, width, dst, width, lowThreshold, highThreshold);
+}
+
+void rvkFilterCanny3x3u8_v2C(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
+                             uint8_t* dst, uint32_t dstStride, int32_t lowThreshold, int32_t highThreshold)
+{
+    rvkFilterCanny3x3u8_v3C(src, srcWidth, srcHeight, srcStride, dst, dstStride, lowThreshold, highThreshold);
+}
+
+rvkStatus rvkFilterCanny3x3u8_v3C(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
+                                  uint8_t* dst, uint32_t dstStride, int32_t lowThreshold, int32_t highThreshold)
+{
+    const size_t pixels = size_t{srcWidth} * srcHeight;
+    const Scratch<int16_t> dx(pixels), dy(pixels);
+    if (!dx || !dy)
+        return RAVIK_ENORES;
+    const uint32_t stride = srcWidth * 2;
+    return canny(3, srcWidth, srcHeight, {src, srcStride}, cannyThresholds(lowThreshold, highThreshold, false), false,
+                 {dst, dstStride}, {dx.get(), stride}, {dy.get(), stride});
+}
+
+rvkStatus rvkFilterCannyu8C(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
+                            uint32_t apertureSize, int32_t lowThreshold, int32_t highThreshold, uint32_t normType,
+                            uint8_t* dst, uint32_t dstStride, int16_t* dx, int16_t* dy, uint32_t dxyStride)
+{
+    if (apertureSize != 3 && apertureSize != 5 && apertureSize != 7)
+        return RAVIK_EBADPARAM;
+    const bool squared = normType == RAVIK_CANNY_NORM_L2;
+    return canny(apertureSize, srcWidth, srcHeight, {src, srcStride},
+                 cannyThresholds(lowThreshold, highThreshold, squared), squared, {dst, dstStride}, {dx, dxyStride},
+                 {dy, dxyStride});
+}
+
+} // namespace rvk

@@ -1,0 +1,435 @@
+// Vector implementation of the Canny edge detector.
+//
+// Row by row: the gradient and its magnitude, in rings of rows; one row behind, thinning, which leaves two bits of a
+// pixel. Then the edges grow through the candidates, a machine word of pixels at a time, and the bits become bytes.
+//
+// A step is kBytes pixels. All working rows have room for whole steps.
+#include "cpu/ravikCannyC.h"
+#include "scratch.h"
+#include "vecta/simd/rowSums.h"
+#include "vecta/simd/rows.h"
+#include "vecta/vecta.h"
+
+namespace rvk::vecta::RVK_ISA {
+namespace {
+
+RVK_INLINE size_t roundUp(size_t n, size_t step)
+{
+    return (n + step - 1) / step * step;
+}
+
+// Row y of a picture, while the next `count` - 1 rows have not taken its place.
+template <class T, size_t count>
+struct Ring
+{
+    T* data;
+    size_t pitch;
+
+    RVK_INLINE T* row(size_t y) const { return data + y % count * pitch; }
+};
+
+// ---- gradient ------------------------------------------------------------------------------------------------------
+
+template <int radius>
+struct Sobel;
+template <>
+struct Sobel<1>
+{
+    using Smoothing = Weights<1, 2, 1>;
+    using Derivative = Weights<-1, 0, 1>;
+    using Sum = int16_t;
+};
+template <>
+struct Sobel<2>
+{
+    using Smoothing = Weights<1, 4, 6, 4, 1>;
+    using Derivative = Weights<-1, -2, 0, 2, 1>;
+    using Sum = int16_t;
+};
+template <>
+struct Sobel<3>
+{
+    using Smoothing = Weights<1, 6, 15, 20, 15, 6, 1>;
+    using Derivative = Weights<-1, -4, -5, 0, 5, 4, 1>;
+    using Sum = int32_t;
+};
+
+// A step of row sums, in the order of Pairs, as wide as sums of them are.
+template <class Sum>
+RVK_INLINE auto loadSums(const int16_t* p)
+{
+    const Vecs<int16_t, 2> v = loadVecs<2>(p);
+    if constexpr (sizeof(Sum) == 2) {
+        return v;
+    } else {
+        const Vecs<int32_t, 2> a = widenInLanes(v[0]), b = widenInLanes(v[1]);
+        return Vecs<int32_t, 4>{a[0], a[1], b[0], b[1]};
+    }
+}
+
+RVK_INLINE Pairs<int16_t> saturated(const Vecs<int16_t, 2>& v)
+{
+    return v;
+}
+RVK_INLINE Pairs<int16_t> saturated(const Vecs<int32_t, 4>& v)
+{
+    return {narrowSatInLanes<int16_t>(Vecs<int32_t, 2>{v[0], v[1]}),
+            narrowSatInLanes<int16_t>(Vecs<int32_t, 2>{v[2], v[3]})};
+}
+
+// The weighted sums of a step of row sums down a column.
+template <class W, class Sum, size_t count>
+RVK_INLINE Vecs<int16_t, 2> columnSum(const int16_t* const (&rows)[count], size_t x)
+{
+    static_assert(W::at(count - 1) == 1);
+    auto sum = loadSums<Sum>(rows[count - 1] + x);
+    unrolled<count - 1>([&](auto k) RVK_INLINE_LAMBDA {
+        if constexpr (W::at(k) != 0) {
+            const auto v = loadSums<Sum>(rows[k] + x);
+            unrolled<sizeof v / kBytes>([&](auto i) RVK_INLINE_LAMBDA {
+                if constexpr (W::at(k) == -1)
+                    sum[i] = sum[i] - v[i];
+                else
+                    sum[i] = sum[i] + v[i] * splat(static_cast<Sum>(W::at(k)));
+            });
+        }
+    });
+    return orderPairs(saturated(sum));
+}
+
+template <int radius>
+struct Gradient
+{
+    static constexpr size_t count = 2 * radius + 1;
+    using Smoothing = typename Sobel<radius>::Smoothing;
+    using Derivative = typename Sobel<radius>::Derivative;
+    using Sum = typename Sobel<radius>::Sum;
+
+    size_t width, height;
+    uint8_t* line; // a row of the picture, continued by its ends
+    Ring<int16_t, count> smoothed, derived;
+
+    // Elements of `line`, and of the two rings together.
+    static RVK_INLINE size_t lineSize(size_t pitch) { return pitch + count - 1; }
+    static RVK_INLINE size_t sumsSize(size_t pitch) { return 2 * count * pitch; }
+
+    // The sums along row y of the picture.
+    RVK_INLINE void takeRow(size_t y, const uint8_t* row) const
+    {
+        __builtin_memset(line, row[0], radius);
+        __builtin_memcpy(line + radius, row, width);
+        __builtin_memset(line + radius + width, row[width - 1], radius);
+        int16_t *smooth = smoothed.row(y), *derivative = derived.row(y);
+        for (size_t x = 0; x < width; x += kBytes) {
+            const Pairs<uint16_t> sums = rowSum<Smoothing>(line + x);
+            store(smooth + x, Vecs<int16_t, 2>{bitCast<int16_t>(sums[0]), bitCast<int16_t>(sums[1])});
+            store(derivative + x, rowSum<Derivative>(line + x));
+        }
+    }
+
+    // The gradient of row y, once all rows of its windows have been taken.
+    RVK_INLINE void computeRow(size_t y, int16_t* dx, int16_t* dy) const
+    {
+        const int16_t *smooth[count], *derivative[count];
+        for (size_t k = 0; k < count; ++k) {
+            const size_t below = y + k, last = height - 1 + radius;
+            const size_t source = below < radius ? 0 : (below < last ? below : last) - radius;
+            smooth[k] = smoothed.row(source);
+            derivative[k] = derived.row(source);
+        }
+        for (size_t x = 0; x < width; x += kBytes) {
+            store(dx + x, columnSum<Smoothing, Sum>(derivative, x));
+            store(dy + x, columnSum<Derivative, Sum>(smooth, x));
+        }
+    }
+};
+
+// ---- magnitude and thinning, in 16 bits where magnitudes fit, otherwise in 32 --------------------------------------
+
+template <class M>
+RVK_INLINE Vec<M> loadGradient(const int16_t* p)
+{
+    if constexpr (sizeof(M) == 2)
+        return load(p);
+    else
+        return loadWiden<M>(p);
+}
+
+// Only gradients that may have saturated need more than 16 bits and the limit.
+RVK_INLINE Vec<int16_t> sizeOf(Vec<int16_t> v)
+{
+    return abs(v);
+}
+RVK_INLINE Vec<int32_t> sizeOf(Vec<int32_t> v)
+{
+    return min(abs(v), splat<int32_t>(kLargestGradient));
+}
+
+template <class M, bool squared>
+RVK_INLINE void computeMagnitudes(size_t width, const int16_t* dx, const int16_t* dy, M* magnitudes)
+{
+    for (size_t i = 0; i < width; i += Vec<M>::lanes) {
+        const Vec<M> x = sizeOf(loadGradient<M>(dx + i)), y = sizeOf(loadGradient<M>(dy + i));
+        store(magnitudes + i, squared ? x * x + y * y : x + y);
+    }
+}
+
+// v * kTan22 / 2^15, rounded down.
+RVK_INLINE Vec<int16_t> timesTan22(Vec<int16_t> v)
+{
+    return multiplyHigh(v, splat<int16_t>(2 * kTan22));
+}
+RVK_INLINE Vec<int32_t> timesTan22(Vec<int32_t> v)
+{
+    return shiftRight(v * splat<int32_t>(kTan22), 15);
+}
+
+// The magnitudes at one column of three rows.
+template <class M>
+struct Column
+{
+    const M *above, *here, *below;
+};
+
+// Below 0 in the lanes of candidates, below -1 in those of edges.
+template <class M>
+RVK_INLINE Vec<M> ridges(Column<M> at, Vec<M> dx, Vec<M> dy, Vec<M> low, Vec<M> high)
+{
+    const Vec<M> x = sizeOf(dx), y = sizeOf(dy), flat = timesTan22(x);
+    const Mask<M> horizontal = ~greater(y, flat), vertical = greater(y, flat + x + x);
+    const Mask<M> rising = less(dx ^ dy, zero<M>());
+    const Vec<M> before =
+        select(horizontal, load(at.here - 1),
+               select(vertical, load(at.above), select(rising, load(at.above + 1), load(at.above - 1))));
+    const Vec<M> after =
+        select(horizontal, load(at.here + 1),
+               select(vertical, load(at.below), select(rising, load(at.below - 1), load(at.below + 1))));
+    const Vec<M> m = load(at.here);
+    const Mask<M> largest = greater(m, before) & (greater(m, after) | (equal(m, after) & (horizontal | vertical)));
+    return toVec(largest & greater(m, low)) + toVec(largest & greater(m, high));
+}
+
+RVK_INLINE Vec<int8_t> toBytes(const Vecs<int16_t, 2>& v)
+{
+    return narrowSat<int8_t>(v);
+}
+RVK_INLINE Vec<int8_t> toBytes(const Vecs<int32_t, 4>& v)
+{
+    return toBytes(Vecs<int16_t, 2>{narrowSat<int16_t>(Vecs<int32_t, 2>{v[0], v[1]}),
+                                    narrowSat<int16_t>(Vecs<int32_t, 2>{v[2], v[3]})});
+}
+
+// Bit i of a row of bits is pixel i.
+RVK_INLINE void storeBits(uint8_t* bits, Mask<int8_t> mask)
+{
+    const auto lanes = laneBits(Mask<uint8_t>{mask.bits});
+    __builtin_memcpy(bits, &lanes, kBytes / 8);
+}
+
+template <class M>
+RVK_INLINE void thinRow(size_t width, Column<M> at, const int16_t* dx, const int16_t* dy, CannyThresholds thresholds,
+                        uint8_t* candidates, uint8_t* edges)
+{
+    const Vec<M> low = splat(static_cast<M>(thresholds.low)), high = splat(static_cast<M>(thresholds.high));
+    for (size_t x = 0; x < width; x += kBytes) {
+        Vecs<M, sizeof(M)> levels;
+        unrolled<sizeof(M)>([&](auto i) RVK_INLINE_LAMBDA {
+            const size_t j = x + i * Vec<M>::lanes;
+            levels[i] = ridges(Column<M>{at.above + j, at.here + j, at.below + j}, loadGradient<M>(dx + j),
+                               loadGradient<M>(dy + j), low, high);
+        });
+        const Vec<int8_t> bytes = toBytes(levels);
+        storeBits(candidates + x / 8, less(bytes, zero<int8_t>()));
+        storeBits(edges + x / 8, less(bytes, splat<int8_t>(-1)));
+    }
+}
+
+// ---- hysteresis ----------------------------------------------------------------------------------------------------
+
+using Word = size_t;
+constexpr size_t kWordBits = 8 * sizeof(Word);
+static_assert(kBytes <= kWordBits);
+
+// A bit for each pixel, in rows of words with at least one word of zeros around them on all sides.
+struct EdgeMap
+{
+    size_t words; // in all
+    size_t pitch; // of them from row to row
+    Word *candidates, *edges;
+    Word* followed;    // edges whose neighbours have been looked at
+    uint32_t* waiting; // words that have others; none comes twice
+    size_t waitingCount = 0;
+
+    static RVK_INLINE size_t pitchOf(size_t width) { return roundUp(width, kWordBits) / kWordBits + 1; }
+    static RVK_INLINE size_t wordsOf(size_t width, size_t height) { return pitchOf(width) * (height + 2) + 1; }
+
+    RVK_INLINE uint8_t* row(Word* bits, size_t y) const
+    {
+        return reinterpret_cast<uint8_t*>(bits + (y + 1) * pitch + 1);
+    }
+
+    // The pixels and all candidates that are connected with them within the word.
+    static RVK_INLINE Word connected(Word pixels, Word among)
+    {
+        for (Word grown;; pixels = grown) {
+            grown = (pixels | pixels << 1 | pixels >> 1) & among;
+            if (grown == pixels)
+                return pixels;
+        }
+    }
+
+    // Makes edges of the candidates among the pixels of a word.
+    RVK_INLINE void reach(size_t word, Word pixels)
+    {
+        const Word fresh = pixels & candidates[word] & ~edges[word];
+        if (!fresh)
+            return;
+        if (edges[word] == followed[word])
+            waiting[waitingCount++] = static_cast<uint32_t>(word);
+        edges[word] |= connected(fresh, candidates[word]);
+    }
+
+    RVK_INLINE void reachNeighbours(size_t word, Word pixels)
+    {
+        const Word beside = pixels | pixels << 1 | pixels >> 1;
+        const Word leaveLeft = pixels << (kWordBits - 1), leaveRight = pixels >> (kWordBits - 1);
+        for (size_t row = word - pitch;; row += pitch) {
+            reach(row - 1, leaveLeft);
+            reach(row, beside);
+            reach(row + 1, leaveRight);
+            if (row == word + pitch)
+                break;
+        }
+    }
+
+    RVK_INLINE void track()
+    {
+        for (size_t word = 0; word < words; ++word)
+            if (edges[word]) {
+                edges[word] = connected(edges[word], candidates[word]);
+                waiting[waitingCount++] = static_cast<uint32_t>(word);
+            }
+        while (waitingCount > 0) {
+            const size_t word = waiting[--waitingCount];
+            const Word fresh = edges[word] & ~followed[word];
+            followed[word] = edges[word];
+            reachNeighbours(word, fresh);
+        }
+    }
+};
+
+// 255 for each bit that is set, else 0. Reads 16 bytes where the row of bits has fewer.
+RVK_INLINE void expandBits(size_t width, const uint8_t* bits, uint8_t* dst)
+{
+    const Vec<uint8_t> byteOfLane = shiftRight(iota<uint8_t>(), 3);
+    Vec<uint8_t> bitOfLane;
+    for (size_t i = 0; i < kBytes; ++i)
+        bitOfLane.raw[i] = static_cast<uint8_t>(1u << i % 8);
+    for (size_t x = 0; x < width; x += kBytes) {
+        const Vec<uint8_t> own = lookup16(loadTable16(bits + x / 8), byteOfLane) & bitOfLane;
+        const Vec<uint8_t> result = toVec(equal(own, bitOfLane));
+        if (x + kBytes <= width)
+            store(dst + x, result);
+        else
+            storePartial(dst + x, result, width - x);
+    }
+}
+
+// ---- the detector --------------------------------------------------------------------------------------------------
+
+// dx and dy may have no data: then nobody wants them.
+template <int radius, class M, bool squared>
+rvkStatus detect(size_t width, size_t height, Plane<const uint8_t> src, CannyThresholds thresholds, Plane<uint8_t> dst,
+                 Plane<int16_t> dx, Plane<int16_t> dy)
+{
+    using Gradients = Gradient<radius>;
+    const size_t pitch = roundUp(width, kBytes);
+    const size_t magnitudePitch = pitch + 2 * kBytes; // with a vector of zeros at each end
+    const size_t words = EdgeMap::wordsOf(width, height);
+    const Scratch<uint8_t> line(Gradients::lineSize(pitch));
+    const Scratch<int16_t> sums(Gradients::sumsSize(pitch), kBytes), gradients(4 * pitch, kBytes);
+    const Scratch<M> magnitudes(3 * magnitudePitch, kBytes);
+    const Scratch<Word> bits(3 * words);
+    const Scratch<uint32_t> waiting(words);
+    if (!line || !sums || !gradients || !magnitudes || !bits || !waiting)
+        return RAVIK_ENORES;
+    __builtin_memset(line.get(), 0, Gradients::lineSize(pitch));
+    __builtin_memset(magnitudes.get(), 0, 3 * magnitudePitch * sizeof(M));
+    __builtin_memset(bits.get(), 0, 3 * words * sizeof(Word));
+
+    const Gradients gradient = {
+        width, height, line.get(), {sums.get(), pitch}, {sums.get() + Gradients::count * pitch, pitch}};
+    const Ring<int16_t, 2> dxRows = {gradients.get(), pitch}, dyRows = {gradients.get() + 2 * pitch, pitch};
+    const Ring<M, 3> magnitudeRows = {magnitudes.get() + kBytes, magnitudePitch};
+    EdgeMap map = {words,        EdgeMap::pitchOf(width), bits.get(), bits.get() + words, bits.get() + 2 * words,
+                   waiting.get()};
+
+    for (size_t y = 0, taken = 0; y <= height; ++y) {
+        M* const current = magnitudeRows.row(y);
+        if (y < height) {
+            for (; taken < height && taken <= y + radius; ++taken)
+                gradient.takeRow(taken, src.row(taken));
+            gradient.computeRow(y, dxRows.row(y), dyRows.row(y));
+            computeMagnitudes<M, squared>(width, dxRows.row(y), dyRows.row(y), current);
+            __builtin_memset(current + width, 0, (pitch - width) * sizeof(M));
+            if (dx.data) {
+                __builtin_memcpy(dx.row(y), dxRows.row(y), width * sizeof(int16_t));
+                __builtin_memcpy(dy.row(y), dyRows.row(y), width * sizeof(int16_t));
+            }
+        } else {
+            __builtin_memset(current, 0, width * sizeof(M));
+        }
+        if (y > 0)
+            thinRow<M>(width, {magnitudeRows.row(y + 1), magnitudeRows.row(y + 2), current}, dxRows.row(y + 1),
+                       dyRows.row(y + 1), thresholds, map.row(map.candidates, y - 1), map.row(map.edges, y - 1));
+    }
+    map.track();
+    for (size_t y = 0; y < height; ++y)
+        expandBits(width, map.row(map.edges, y), dst.row(y));
+    return RAVIK_SUCCESS;
+}
+
+} // namespace
+
+void rvkFilterCanny3x3u8V(const uint8_t* src, uint32_t width, uint32_t height, uint8_t* dst, int32_t lowThreshold,
+                          int32_t highThreshold)
+{
+    rvkFilterCanny3x3u8_v3V(src, width, height, width, dst, width, lowThreshold, highThreshold);
+}
+
+void rvkFilterCanny3x3u8_v2V(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
+                             uint8_t* dst, uint32_t dstStride, int32_t lowThreshold, int32_t highThreshold)
+{
+    rvkFilterCanny3x3u8_v3V(src, srcWidth, srcHeight, srcStride, dst, dstStride, lowThreshold, highThreshold);
+}
+
+rvkStatus rvkFilterCanny3x3u8_v3V(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
+                                  uint8_t* dst, uint32_t dstStride, int32_t lowThreshold, int32_t highThreshold)
+{
+    return detect<1, int16_t, false>(srcWidth, srcHeight, {src, srcStride},
+                                     cannyThresholds(lowThreshold, highThreshold, false), {dst, dstStride}, {}, {});
+}
+
+rvkStatus rvkFilterCannyu8V(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
+                            uint32_t apertureSize, int32_t lowThreshold, int32_t highThreshold, uint32_t normType,
+                            uint8_t* dst, uint32_t dstStride, int16_t* dx, int16_t* dy, uint32_t dxyStride)
+{
+    const bool squared = normType == RAVIK_CANNY_NORM_L2;
+    const auto run = [&](auto function) {
+        return function(srcWidth, srcHeight, Plane<const uint8_t>{src, srcStride},
+                        cannyThresholds(lowThreshold, highThreshold, squared), Plane<uint8_t>{dst, dstStride},
+                        Plane<int16_t>{dx, dxyStride}, Plane<int16_t>{dy, dxyStride});
+    };
+    switch (apertureSize) {
+    case 3:
+        return squared ? run(detect<1, int32_t, true>) : run(detect<1, int16_t, false>);
+    case 5:
+        return squared ? run(detect<2, int32_t, true>) : run(detect<2, int16_t, false>);
+    case 7:
+        return squared ? run(detect<3, int32_t, true>) : run(detect<3, int32_t, false>);
+    default:
+        return RAVIK_EBADPARAM;
+    }
+}
+
+} // namespace rvk::vecta::RVK_ISA
