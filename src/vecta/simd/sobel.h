@@ -1,4 +1,4 @@
-// Derivatives of 3x3 pixels: kernels of windows.h, and a function for one row.
+// Derivatives of 3x3 pixels, as kernels of windows.h.
 #pragma once
 
 #include "vecta/simd/windows.h"
@@ -96,35 +96,6 @@ struct TwoPlanes
         return Two<Vecs<int16_t, 2>, Vecs<int16_t, 2>>{orderPairs(d.dx), orderPairs(d.dy)};
     }
 };
-
-// The Sobel derivatives of `n` pixels of a row; the three rows of the picture begin one pixel before the first.
-RVK_INLINE void sobelRow(size_t n, const uint8_t* above, const uint8_t* row, const uint8_t* below, int16_t* dx,
-                         int16_t* dy)
-{
-    constexpr size_t step = Vec<uint8_t>::lanes;
-    const auto derivatives = [](const uint8_t* a, const uint8_t* b, const uint8_t* c) RVK_INLINE_LAMBDA {
-        DerivativeKernel<Sobel3x3, TwoPlanes> kernel;
-        kernel.next(a);
-        kernel.next(b);
-        return kernel.next(c);
-    };
-    if (n < step) {
-        uint8_t rows[3][step + 2] = {};
-        __builtin_memcpy(rows[0], above, n + 2);
-        __builtin_memcpy(rows[1], row, n + 2);
-        __builtin_memcpy(rows[2], below, n + 2);
-        const auto d = derivatives(rows[0], rows[1], rows[2]);
-        storePartial(dx, d.first, n);
-        storePartial(dy, d.second, n);
-        return;
-    }
-    for (size_t next = 0; next < n; next += step) {
-        const size_t x = next + step <= n ? next : n - step; // the last step may overlap the one before it
-        const auto d = derivatives(above + x, row + x, below + x);
-        store(dx + x, d.first);
-        store(dy + x, d.second);
-    }
-}
 
 } // namespace
 } // namespace rvk::vecta::RVK_ISA
