@@ -179,15 +179,25 @@ TEST_F(HarnessRun, ChoosesTargetsAndModes)
     EXPECT_FALSE(run({"-m", "none", "-t", "6"}).logged("Time taken for Initialization"));
 }
 
-TEST_F(HarnessRun, SetsUpThePoolAsToldAndReportsRunsWithoutAMode)
+TEST_F(HarnessRun, SetsUpThePoolAsTold)
 {
-    const ProgramRun result = run({"-psb", "1000", "-TWOp", "-m", "MEM"});
+    const ProgramRun result = run({"-psb", "1000", "-m", "MEM"});
     EXPECT_EQ(result.exitStatus, 0) << result.err;
     EXPECT_TRUE(result.printed("preAllocEnable, nPreAllocBytes 1000\n"));
-    EXPECT_TRUE(result.logged("Running ravik API without calling setOperationMode is pass\n"));
     const ProgramRun without = run({"-psb", "1000", "-nbp", "-m", "MEM"});
     EXPECT_EQ(without.exitStatus, 0) << without.err;
     EXPECT_FALSE(without.printed("preAllocEnable"));
+}
+
+TEST_F(HarnessRun, TestsFunctionsBeforeAModeIsSet)
+{
+    const ProgramRun result = runProgram({testData().string(), "-TWOp", "-m", "none"});
+    EXPECT_EQ(result.exitStatus, 0) << result.err;
+    EXPECT_TRUE(result.logged("RAVIK_TEST, rvkFilterMedian3x3u8_C =>PASS")) << result.err;
+    EXPECT_TRUE(result.logged("Running ravik API without calling setOperationMode is pass\n")) << result.err;
+    const ProgramRun withoutVectors = run({"-TWOp", "-m", "none"});
+    EXPECT_EQ(withoutVectors.exitStatus, 0) << "the verdict does not count";
+    EXPECT_TRUE(withoutVectors.logged("ERROR: Running ravik API without calling setOperationMode is fail\n"));
 }
 
 TEST_F(HarnessRun, StopsWithoutTheLibrariesOfTheDspWhenThePropertyAsks)

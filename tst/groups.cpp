@@ -27,5 +27,8 @@ std::span<const TestGroup> testGroups()
 
 std::span<const UnsetModeTest> unsetModeTests()
 {
-    return {}; // none of the functions that it is meant for exists
+    static constexpr UnsetModeTest tests[] = {
+        {"rvkFilterMedian3x3u8", RAVIK_TEST_UNSET_MODE_Median3x3u8},
+    };
+    return tests;
 }

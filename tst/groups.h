@@ -25,6 +25,7 @@ struct UnsetModeTest
     int (*run)(const char* dataDirectory);
 };
 std::span<const UnsetModeTest> unsetModeTests();
+int RAVIK_TEST_UNSET_MODE_Median3x3u8(const char* dataDirectory);
 
 int TEST_HW_Test(int loops, const char* dataDirectory);
 int TEST_MEM_Test(int loops, const char* dataDirectory);

@@ -1,7 +1,10 @@
-// BLUR: Gaussians, box filters and local normalisation.
+// BLUR: medians, Gaussians, box filters and local normalisation; the median filter before an operation mode is set.
 #include "groups.h"
 
 #include <ravik/blur.h>
+#include <ravik/median.h>
+
+#include <algorithm>
 
 using namespace arguments;
 
@@ -12,11 +15,18 @@ const FunctionGroup& blurFunctions()
     const Argument borderType = oneOf({RAVIK_BORDER_CONSTANT, RAVIK_BORDER_REPLICATE, 0});
     const Argument windowSize = oneOf({5, 3, 2, 7, 1}); // refused: 1
 
+    const Argument medianSize = oneOf({5, 3, 4, 7, 0}); // refused: 0
+
     static const FunctionGroup group{
         "ravikblur",
         "rvk",
         false,
         {
+            RVK_TEST(rvkFilterMedian3x3u8, src, width, height, dst),
+            RVK_TEST_AS("rvkFilterMedian3x3u8_v2", "rvkFilterMedian3x3u8", rvkFilterMedian3x3u8_v2, src, width, height,
+                        stride, dst, stride),
+            RVK_TEST(rvkFilterMedian3x3u8_v3, src, width, height, stride, dst, stride, borderType, any),
+            RVK_TEST(rvkFilterMedianMxNs16, src, width, height, stride, medianSize, medianSize, dst, stride),
             RVK_TEST(rvkFilterGaussian3x3u8, src, width, height, dst, ringKept),
             RVK_TEST_AS("rvkFilterGaussian3x3u8_BDR", "rvkFilterGaussian3x3u8_BDR", rvkFilterGaussian3x3u8, src, width,
                         height, dst, ringFilled),
@@ -53,4 +63,14 @@ const FunctionGroup& blurFunctions()
             RVK_TEST(rvkNormalizeLocalBoxf32, src, width, height, stride, windowSize, windowSize, dst, stride),
         }};
     return group;
+}
+
+// The stored vectors alone: random cases would set the mode of the reference.
+int RAVIK_TEST_UNSET_MODE_Median3x3u8(const char* dataDirectory)
+{
+    FunctionGroup stored = blurFunctions();
+    stored.isStored = true;
+    const auto function = std::find_if(stored.functions.begin(), stored.functions.end(),
+                                       [](const FunctionTest& f) { return f.name == "rvkFilterMedian3x3u8"; });
+    return unitTest(stored, *function, dataDirectory, kTargetC, 0, RAVIK_TEST_UNIT, 0, nullptr);
 }

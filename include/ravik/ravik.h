@@ -11,6 +11,7 @@
 #include "diff.h"
 #include "frame.h"
 #include "gradient.h"
+#include "median.h"
 #include "minmax.h"
 #include "morphology.h"
 #include "threshold.h"
