@@ -18,6 +18,7 @@ std::span<const TestGroup> testGroups()
         {"ADAPTTHRESH", 12, RAVIK_TEST_ADAPTIVETHRESHOLD_Test, adaptiveThresholdFunctions},
         {"ABSDIFF", 7, RAVIK_TEST_ABSDIFF_Test, absDiffFunctions},
         {"AVERAGE", 7, RAVIK_TEST_AVERAGE_Test, averageFunctions},
+        {"FIR", 3, RAVIK_TEST_FIR_Test, firFunctions},
         {"EDGE", 5, RAVIK_TEST_EDGE_Test, edgeFunctions},
         {"MINMAX", 6, RAVIK_TEST_MINMAX_Test, minMaxFunctions},
         {"ARITHM", 6, RAVIK_TEST_ARITHM_Test, arithmeticFunctions},

@@ -8,6 +8,7 @@
 #include "blur.h"
 #include "buffer.h"
 #include "canny.h"
+#include "correlation.h"
 #include "diff.h"
 #include "frame.h"
 #include "gradient.h"
