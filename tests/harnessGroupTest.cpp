@@ -101,7 +101,7 @@ void expectFailure(const ProgramRun& run, const std::string& function, const std
 
 TEST(HarnessGroups, PassOnEveryTargetInEveryPart)
 {
-    const ProgramRun run = runOn(profilingData(), {"-M", "15", "-l", "2", "-E", "-S", "1"});
+    const ProgramRun run = runOn(profilingData(), {"-M", "15", "-l", "1", "-E", "-S", "1"});
     EXPECT_EQ(run.exitStatus, 0) << run.err;
     EXPECT_TRUE(run.out.ends_with(kPass));
     EXPECT_FALSE(run.logged("FAIL"));
