@@ -24,53 +24,13 @@ namespace {
 
 // ---- the gradient --------------------------------------------------------------------------------------------------
 
-template <int radius>
-struct Sobel;
-template <>
-struct Sobel<1>
-{
-    static constexpr int smoothing[] = {1, 2, 1}, derivative[] = {-1, 0, 1};
-};
-template <>
-struct Sobel<2>
-{
-    static constexpr int smoothing[] = {1, 4, 6, 4, 1}, derivative[] = {-1, -2, 0, 2, 1};
-};
-template <>
-struct Sobel<3>
-{
-    static constexpr int smoothing[] = {1, 6, 15, 20, 15, 6, 1}, derivative[] = {-1, -4, -5, 0, 5, 4, 1};
-};
-
-template <int radius>
-void gradient(int64_t width, int64_t height, Plane<const uint8_t> src, Plane<int16_t> dx, Plane<int16_t> dy)
-{
-    using Kernel = Sobel<radius>;
-    for (int64_t y = 0; y < height; ++y)
-        for (int64_t x = 0; x < width; ++x) {
-            int sumX = 0, sumY = 0;
-            for (int v = -radius; v <= radius; ++v) {
-                const uint8_t* row = src.row(static_cast<size_t>(std::clamp<int64_t>(y + v, 0, height - 1)));
-                for (int u = -radius; u <= radius; ++u) {
-                    const int pixel = row[std::clamp<int64_t>(x + u, 0, width - 1)];
-                    sumX += pixel * Kernel::smoothing[v + radius] * Kernel::derivative[u + radius];
-                    sumY += pixel * Kernel::derivative[v + radius] * Kernel::smoothing[u + radius];
-                }
-            }
-            dx.row(static_cast<size_t>(y))[x] = saturate<int16_t>(sumX);
-            dy.row(static_cast<size_t>(y))[x] = saturate<int16_t>(sumY);
-        }
-}
-
 void gradient(uint32_t apertureSize, uint32_t width, uint32_t height, Plane<const uint8_t> src, Plane<int16_t> dx,
               Plane<int16_t> dy)
 {
-    if (apertureSize == 3)
-        gradient<1>(width, height, src, dx, dy);
-    else if (apertureSize == 5)
-        gradient<2>(width, height, src, dx, dy);
-    else
-        gradient<3>(width, height, src, dx, dy);
+    const auto sobel = apertureSize == 3   ? rvkFilterSobel3x3u8s16C
+                       : apertureSize == 5 ? rvkFilterSobel5x5u8s16C
+                                           : rvkFilterSobel7x7u8s16C;
+    sobel(src.data, width, height, src.stride, dx.data, dy.data, dx.stride, RAVIK_BORDER_REPLICATE, 0);
 }
 
 int32_t sizeOf(int32_t derivative)
