@@ -1,20 +1,21 @@
 #!/bin/sh
-# Usage: check.sh CMAKE BUILD_DIRECTORY SOURCE_DIRECTORY CC CXX
+# Usage: check.sh CMAKE GENERATOR BUILD_DIRECTORY SOURCE_DIRECTORY CC CXX
 #
 # Installs the library into a fresh place and uses it there as strangers do: through CMake, through pkg-config, in C and
 # in C++, and as the program that proves itself with the installed test data.
 set -eu
-cmake=$1 build=$2 source=$3 cc=$4 cxx=$5
+cmake=$1 generator=$2 build=$3 source=$4 cc=$5 cxx=$6
 place=$(mktemp -d)
 trap 'rm -rf "$place"' EXIT
 
-"$cmake" --install "$build" --prefix "$place/usr" >"$place/log"
+"$cmake" --install "$build" --prefix "$place/usr" >/dev/null
 expected='0 5 0 20
 0 0 0 175'
 
 echo "--- CMake"
-"$cmake" -S "$source/tests/consumer" -B "$place/consumer" -DCMAKE_PREFIX_PATH="$place/usr" -DEXAMPLES="$source/examples" \
-    -DCMAKE_C_COMPILER="$cc" -DCMAKE_CXX_COMPILER="$cxx" >>"$place/log" || { cat "$place/log"; exit 1; }
+"$cmake" -G "$generator" -S "$source/tests/consumer" -B "$place/consumer" -DCMAKE_PREFIX_PATH="$place/usr" \
+    -DEXAMPLES="$source/examples" -DCMAKE_C_COMPILER="$cc" -DCMAKE_CXX_COMPILER="$cxx" \
+    >"$place/log" || { cat "$place/log"; exit 1; }
 "$cmake" --build "$place/consumer"
 test "$("$place/consumer/inC")" = "$expected"
 "$place/consumer/inCpp"
