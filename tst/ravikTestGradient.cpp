@@ -1,7 +1,8 @@
-// EDGES and SCHARR: image derivatives.
+// EDGES and SCHARR: image derivatives; magnitude and direction of gradients, weights of edges.
 #include "groups.h"
 
 #include <ravik/gradient.h>
+#include <ravik/magnitude.h>
 
 using namespace arguments;
 
@@ -59,6 +60,9 @@ const FunctionGroup& edgesFunctions()
             RVK_TEST(rvkFilterSobel3x3u8s16, src, width, height, stride, dst, dst, stride, borderType, any),
             RVK_TEST(rvkFilterSobel5x5u8s16, src, width, height, stride, dst, dst, stride, borderType, any),
             RVK_TEST(rvkFilterSobel7x7u8s16, src, width, height, stride, dst, dst, stride, borderType, any),
+            RVK_TEST(rvkMagnitudes16, src, width, height, stride, src, stride, dst, stride),
+            RVK_TEST(rvkPhases16, src, width, height, stride, src, stride, dst, stride),
+            RVK_TEST(rvkEdgeWeightings16, src, width, height, stride, between(0, 300), any, any, dst, stride),
         }};
     return group;
 }

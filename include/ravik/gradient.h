@@ -1,4 +1,4 @@
-/* Ravik: image derivatives: central differences, Sobel and Scharr operators; magnitude and direction of gradients.
+/* Ravik: image derivatives: central differences, Sobel and Scharr operators.
  *
  * Common to all functions of this header:
  *   Shapes     widths and heights are in pixels. Strides are in bytes; 0 means packed rows. Strides of 16- and 32-bit

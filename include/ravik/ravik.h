@@ -12,6 +12,7 @@
 #include "diff.h"
 #include "frame.h"
 #include "gradient.h"
+#include "magnitude.h"
 #include "median.h"
 #include "minmax.h"
 #include "morphology.h"

@@ -1,0 +1,248 @@
+// Vector implementations of magnitude and direction of gradients, and of weights of edges. Floats only guess here,
+// integers decide: so the results are the same on all instruction sets, whatever their division and square root are
+// like.
+#include "vecta/simd/rows.h"
+#include "vecta/vecta.h"
+
+namespace rvk::vecta::RVK_ISA {
+namespace {
+
+// |v|; that of -32768 fits, too.
+RVK_INLINE Vec<uint16_t> sizeOf(Vec<int16_t> v)
+{
+    return bitCast<uint16_t>(abs(v));
+}
+
+// ---- magnitude ----------------------------------------------------------------------------------
+
+// dx^2 + dy^2 up to 2^31, in the order of narrowSatInLanes.
+RVK_INLINE Vecs<uint32_t, 2> sumsOfSquares(Vec<int16_t> dx, Vec<int16_t> dy)
+{
+#if defined(__x86_64__)
+    const Vecs<int16_t, 2> pairs = zipInLanes(dx, dy);
+    return {bitCast<uint32_t>(dotPairs(pairs[0], pairs[0])), bitCast<uint32_t>(dotPairs(pairs[1], pairs[1]))};
+#else
+    const auto sum = [](int16x4_t x, int16x4_t y)
+                         RVK_INLINE_LAMBDA { return bitCast<uint32_t>(vec(vmlal_s16(vmull_s16(x, x), y, y))); };
+    return {sum(lowHalf(dx), lowHalf(dy)), sum(highHalf(dx), highHalf(dy))};
+#endif
+}
+
+// The square root with a relative error below 2^-20.
+RVK_INLINE Vec<float> nearRoot(Vec<float> n)
+{
+#if defined(__arm__)
+    // An estimate of the reciprocal root, and two of Newton's steps. 0 becomes a not-a-number, which converts to 0.
+    float32x4_t r = vrsqrteq_f32(reg(n));
+    r = vmulq_f32(r, vrsqrtsq_f32(vmulq_f32(reg(n), r), r));
+    r = vmulq_f32(r, vrsqrtsq_f32(vmulq_f32(reg(n), r), r));
+    return vec(vmulq_f32(reg(n), r));
+#else
+    return squareRoot(n);
+#endif
+}
+
+// The square root, rounded to the nearest integer and at most 32767.
+RVK_INLINE Vec<int32_t> nearestRoot(Vec<uint32_t> sum)
+{
+    const Vec<int32_t> n = bitCast<int32_t>(min(sum, splat(32767u * 32767u)));
+    // The rounded root or one less: the error, below 0.04, neither lifts a root over the next integer nor takes more
+    // than the margin of 0.4 below one that would be rounded up.
+    const Vec<int32_t> root = truncateToInt(nearRoot(toFloat(n)) + splat(0.4f));
+    return root - toVec(greater(n, root * root + root)); // (root + 1/2)^2, rounded down
+}
+
+RVK_INLINE Vec<int16_t> magnitude(Vec<int16_t> dx, Vec<int16_t> dy)
+{
+    const Vecs<uint32_t, 2> sums = sumsOfSquares(dx, dy);
+    return narrowSatInLanes<int16_t>(Vecs<int32_t, 2>{nearestRoot(sums[0]), nearestRoot(sums[1])});
+}
+
+// ---- phase --------------------------------------------------------------------------------------
+
+// Within an eighth of a turn, with small <= large, the phase is the number of boundaries tan((k + 1/2) * pi / 128), k =
+// 0 to 31, that small / large exceeds. In place of a boundary stands the largest fraction rise / run below it whose
+// denominator is at most 32768: none that small / large can be lies between the two.
+constexpr uint16_t kRise[32] = {358,   1152,  361,  1855,  2543,  3643,  4577,  5674,  3119, 2481, 5424,
+                                6475,  7568,  6941, 11681, 7841,  10459, 10063, 9287,  9283, 8590, 16661,
+                                17775, 19186, 1567, 4245,  13133, 22705, 18317, 23687, 3831, 5996};
+constexpr uint16_t kRun[32] = {29171, 31277, 5876,  21541, 22931, 26823, 28446, 30475, 14733, 10447, 20579,
+                               22328, 23889, 20176, 31425, 19607, 24399, 21970, 19028, 17892, 15607, 28587,
+                               28847, 29491, 2284,  5873,  17261, 28369, 21769, 26788, 4124,  6145};
+
+// 32 numbers of 16 bits as tables of their lower and upper bytes.
+struct ByteTables
+{
+    uint8_t low[32], high[32];
+
+    constexpr explicit ByteTables(const uint16_t (&numbers)[32]) : low(), high()
+    {
+        for (size_t i = 0; i < 32; ++i) {
+            low[i] = static_cast<uint8_t>(numbers[i] & 255);
+            high[i] = static_cast<uint8_t>(numbers[i] >> 8);
+        }
+    }
+};
+constexpr ByteTables kRiseBytes(kRise), kRunBytes(kRun);
+
+#if defined(__x86_64__)
+
+struct Table32
+{
+    Vec<uint8_t> first, second;
+
+    explicit RVK_INLINE Table32(const uint8_t (&bytes)[32]) : first(loadTable16(bytes)), second(loadTable16(bytes + 16))
+    {
+    }
+    RVK_INLINE Vec<uint8_t> at(Vec<uint8_t> index) const
+    {
+        const Vec<uint8_t> inHalf = index & splat<uint8_t>(15);
+        const Mask<int8_t> isSecond = greater(bitCast<int8_t>(index), splat<int8_t>(15));
+        return bitCast<uint8_t>(
+            select(isSecond, bitCast<int8_t>(lookup16(second, inHalf)), bitCast<int8_t>(lookup16(first, inHalf))));
+    }
+};
+
+#elif defined(__aarch64__)
+
+struct Table32
+{
+    uint8x16x2_t table;
+
+    explicit RVK_INLINE Table32(const uint8_t (&bytes)[32]) : table{{vld1q_u8(bytes), vld1q_u8(bytes + 16)}} {}
+    RVK_INLINE Vec<uint8_t> at(Vec<uint8_t> index) const { return vec(vqtbl2q_u8(table, reg(index))); }
+};
+
+#else
+
+struct Table32
+{
+    uint8x8x4_t table;
+
+    explicit RVK_INLINE Table32(const uint8_t (&bytes)[32])
+        : table{{vld1_u8(bytes), vld1_u8(bytes + 8), vld1_u8(bytes + 16), vld1_u8(bytes + 24)}}
+    {
+    }
+    RVK_INLINE Vec<uint8_t> at(Vec<uint8_t> index) const
+    {
+        return join(vtbl4_u8(table, lowHalf(index)), vtbl4_u8(table, highHalf(index)));
+    }
+};
+
+#endif
+
+// Numbers by their indices, in the order of widenInLanes.
+struct Table32Of16
+{
+    Table32 low, high;
+
+    explicit RVK_INLINE Table32Of16(const ByteTables& bytes) : low(bytes.low), high(bytes.high) {}
+    RVK_INLINE Vecs<uint16_t, 2> at(Vec<uint8_t> index) const
+    {
+        const Vecs<uint8_t, 2> numbers = zipInLanes(low.at(index), high.at(index));
+        return {bitCast<uint16_t>(numbers[0]), bitCast<uint16_t>(numbers[1])};
+    }
+};
+
+// a / b with a relative error below 2^-7; b is not 0.
+RVK_INLINE Vec<float> roughQuotient(Vec<float> a, Vec<float> b)
+{
+#if defined(__arm__)
+    return a * vec(vrecpeq_f32(reg(b)));
+#else
+    return divide(a, b);
+#endif
+}
+
+// The phase within an eighth of a turn, rounded down, as good as a parabola knows it: wrong by less than 0.33, of which
+// the quotient makes 0.16.
+RVK_INLINE Vec<int32_t> guessedStep(Vec<uint32_t> small, Vec<uint32_t> large)
+{
+    const Vec<float> tangent = roughQuotient(toFloat(small), toFloat(large));
+    return truncateToInt(tangent * (splat(43.12f) - splat(11.12f) * tangent));
+}
+
+RVK_INLINE Vec<int16_t> guessedStep(Vec<uint16_t> small, Vec<uint16_t> large)
+{
+    const Vecs<uint32_t, 2> s = widenInLanes(small), l = widenInLanes(max(large, splat<uint16_t>(1)));
+    const Vec<int16_t> step =
+        narrowSatInLanes<int16_t>(Vecs<int32_t, 2>{guessedStep(s[0], l[0]), guessedStep(s[1], l[1])});
+    return min(step, splat<int16_t>(31));
+}
+
+// All bits set where a * b > c * d. Products are below 2^31.
+RVK_INLINE Vec<int16_t> exceeds(Vec<uint16_t> a, Vec<uint16_t> b, Vec<uint16_t> c, Vec<uint16_t> d)
+{
+    const Vecs<uint32_t, 2> ab = multiplyWideInLanes(a, b), cd = multiplyWideInLanes(c, d);
+    const auto isGreater = [](Vec<uint32_t> x, Vec<uint32_t> y)
+                               RVK_INLINE_LAMBDA { return toVec(greater(bitCast<int32_t>(x), bitCast<int32_t>(y))); };
+    return narrowSatInLanes<int16_t>(Vecs<int32_t, 2>{isGreater(ab[0], cd[0]), isGreater(ab[1], cd[1])});
+}
+
+// The boundary between a guessed step and the next decides between the two: the guess is never wrong by a half, which
+// is how far the boundaries of other steps are away.
+RVK_INLINE Vec<uint8_t> phase(const Table32Of16& rises, const Table32Of16& runs, Vecs<int16_t, 2> dx,
+                              Vecs<int16_t, 2> dy)
+{
+    Vecs<uint16_t, 2> small, large;
+    Vecs<int16_t, 2> step;
+    unrolled<2>([&](auto i) RVK_INLINE_LAMBDA {
+        const Vec<uint16_t> x = sizeOf(dx[i]), y = sizeOf(dy[i]);
+        small[i] = min(x, y);
+        large[i] = max(x, y);
+        step[i] = guessedStep(small[i], large[i]);
+    });
+    const Vec<uint8_t> index = narrowSatInLanes<uint8_t>(step);
+    const Vecs<uint16_t, 2> rise = rises.at(index), run = runs.at(index);
+    unrolled<2>([&](auto i) RVK_INLINE_LAMBDA {
+        const Vec<int16_t> eighth = step[i] - exceeds(small[i], run[i], large[i], rise[i]);
+        const Mask<int16_t> isFlat = equal(bitCast<int16_t>(large[i]), abs(dx[i])); // as is any that is diagonal
+        const Vec<int16_t> quarter = select(isFlat, eighth, splat<int16_t>(64) - eighth);
+        const Vec<int16_t> half = select(less(dx[i], zero<int16_t>()), splat<int16_t>(128) - quarter, quarter);
+        step[i] = select(less(dy[i], zero<int16_t>()), zero<int16_t>() - half, half);
+    });
+    return bitCast<uint8_t>(narrow(step));
+}
+
+} // namespace
+
+rvkStatus rvkMagnitudes16V(const int16_t* dx, uint32_t width, uint32_t height, uint32_t dxStride, const int16_t* dy,
+                           uint32_t dyStride, int16_t* dst, uint32_t dstStride)
+{
+    mapImage(
+        width, height, Plane{dst, dstStride},
+        [](Vec<int16_t> x, Vec<int16_t> y) RVK_INLINE_LAMBDA { return magnitude(x, y); }, Plane{dx, dxStride},
+        Plane{dy, dyStride});
+    return RAVIK_SUCCESS;
+}
+
+rvkStatus rvkPhases16V(const int16_t* dx, uint32_t width, uint32_t height, uint32_t dxStride, const int16_t* dy,
+                       uint32_t dyStride, uint8_t* dst, uint32_t dstStride)
+{
+    const Table32Of16 rises(kRiseBytes), runs(kRunBytes);
+    mapImage(
+        width, height, Plane{dst, dstStride},
+        [&](Vecs<int16_t, 2> x, Vecs<int16_t, 2> y) RVK_INLINE_LAMBDA { return phase(rises, runs, x, y); },
+        Plane{dx, dxStride}, Plane{dy, dyStride});
+    return RAVIK_SUCCESS;
+}
+
+rvkStatus rvkEdgeWeightings16V(const int16_t* src, uint32_t width, uint32_t height, uint32_t srcStride,
+                               uint16_t threshold, uint16_t weight, uint16_t limit, int16_t* dst, uint32_t dstStride)
+{
+    const Vec<uint16_t> thresholds = splat(threshold), weights = splat(weight);
+    const Vec<uint16_t> limits = min(splat(limit), splat<uint16_t>(INT16_MAX));
+    const auto weighted = [=](Vec<int16_t> edge) RVK_INLINE_LAMBDA {
+        const Vecs<uint32_t, 2> product = multiplyWideInLanes(subSat(sizeOf(edge), thresholds), weights);
+        const auto rounded = [](Vec<uint32_t> v)
+                                 RVK_INLINE_LAMBDA { return bitCast<int32_t>(shiftRight(v + splat(128u), 8)); };
+        const Vec<uint16_t> size =
+            min(narrowSatInLanes<uint16_t>(Vecs<int32_t, 2>{rounded(product[0]), rounded(product[1])}), limits);
+        const Vec<int16_t> sign = shiftRight(edge, 15);
+        return (bitCast<int16_t>(size) ^ sign) - sign;
+    };
+    mapImage(width, height, Plane{dst, dstStride}, weighted, Plane{src, srcStride});
+    return RAVIK_SUCCESS;
+}
+
+} // namespace rvk::vecta::RVK_ISA
