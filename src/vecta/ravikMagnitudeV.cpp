@@ -28,17 +28,17 @@ RVK_INLINE Vecs<uint32_t, 2> sumsOfSquares(Vec<int16_t> dx, Vec<int16_t> dy)
 #endif
 }
 
-// The square root with a relative error below 2^-20.
-RVK_INLINE Vec<float> nearRoot(Vec<float> n)
+// The square root of a positive number with a relative error below 2^-19.
+RVK_INLINE Vec<float> nearRoot(Vec<float> v)
 {
 #if defined(__arm__)
-    // An estimate of the reciprocal root, and two of Newton's steps. 0 becomes a not-a-number, which converts to 0.
-    float32x4_t r = vrsqrteq_f32(reg(n));
-    r = vmulq_f32(r, vrsqrtsq_f32(vmulq_f32(reg(n), r), r));
-    r = vmulq_f32(r, vrsqrtsq_f32(vmulq_f32(reg(n), r), r));
-    return vec(vmulq_f32(reg(n), r));
+    // An instruction's guess of the reciprocal root, good to 7 bits, and two of Newton's steps.
+    float32x4_t r = vrsqrteq_f32(reg(v));
+    r = vmulq_f32(r, vrsqrtsq_f32(vmulq_f32(reg(v), r), r));
+    r = vmulq_f32(r, vrsqrtsq_f32(vmulq_f32(reg(v), r), r));
+    return vec(vmulq_f32(reg(v), r));
 #else
-    return squareRoot(n);
+    return squareRoot(v);
 #endif
 }
 
@@ -46,9 +46,8 @@ RVK_INLINE Vec<float> nearRoot(Vec<float> n)
 RVK_INLINE Vec<int32_t> nearestRoot(Vec<uint32_t> sum)
 {
     const Vec<int32_t> n = bitCast<int32_t>(min(sum, splat(32767u * 32767u)));
-    // The rounded root or one less: the error, below 0.04, neither lifts a root over the next integer nor takes more
-    // than the margin of 0.4 below one that would be rounded up.
-    const Vec<int32_t> root = truncateToInt(nearRoot(toFloat(n)) + splat(0.4f));
+    // The result r or r - 1: n + 1/4 lies between (r - 1/2)^2 and (r + 1/2)^2, and the error of the root is below 0.07.
+    const Vec<int32_t> root = truncateToInt(nearRoot(toFloat(n) + splat(0.25f)) + splat(0.4f));
     return root - toVec(greater(n, root * root + root)); // (root + 1/2)^2, rounded down
 }
 
@@ -144,13 +143,15 @@ struct Table32Of16
     }
 };
 
-// a / b with a relative error below 2^-7; b is not 0.
-RVK_INLINE Vec<float> roughQuotient(Vec<float> a, Vec<float> b)
+// 1 / v of a positive number, as an instruction guesses it: with a relative error below 2^-7.
+RVK_INLINE Vec<float> guessedReciprocal(Vec<float> v)
 {
-#if defined(__arm__)
-    return a * vec(vrecpeq_f32(reg(b)));
+#if defined(__ARM_NEON)
+    return vec(vrecpeq_f32(reg(v)));
+#elif RVK_AVX512
+    return vec(_mm512_rcp14_ps(floatReg(v)));
 #else
-    return divide(a, b);
+    return vec(RVK_MM(rcp_ps)(floatReg(v)));
 #endif
 }
 
@@ -158,7 +159,7 @@ RVK_INLINE Vec<float> roughQuotient(Vec<float> a, Vec<float> b)
 // the quotient makes 0.16.
 RVK_INLINE Vec<int32_t> guessedStep(Vec<uint32_t> small, Vec<uint32_t> large)
 {
-    const Vec<float> tangent = roughQuotient(toFloat(small), toFloat(large));
+    const Vec<float> tangent = toFloat(small) * guessedReciprocal(toFloat(large));
     return truncateToInt(tangent * (splat(43.12f) - splat(11.12f) * tangent));
 }
 
@@ -204,6 +205,20 @@ RVK_INLINE Vec<uint8_t> phase(const Table32Of16& rises, const Table32Of16& runs,
     return bitCast<uint8_t>(narrow(step));
 }
 
+// ---- edge weighting -----------------------------------------------------------------------------
+
+// (v * weight + 128) / 256, saturated.
+RVK_INLINE Vec<uint16_t> timesWeight(Vec<uint16_t> v, Vec<uint16_t> weight)
+{
+#if defined(__ARM_NEON)
+    const Vecs<uint32_t, 2> product = multiplyWide(v, weight);
+    return join(vqrshrn_n_u32(reg(product[0]), 8), vqrshrn_n_u32(reg(product[1]), 8));
+#else
+    const Vec<uint16_t> low = average(shiftRight(v * weight, 7), zero<uint16_t>()); // rounds
+    return addSat(shiftLeft(min(multiplyHigh(v, weight), splat<uint16_t>(255)), 8), low);
+#endif
+}
+
 } // namespace
 
 rvkStatus rvkMagnitudes16V(const int16_t* dx, uint32_t width, uint32_t height, uint32_t dxStride, const int16_t* dy,
@@ -233,11 +248,7 @@ rvkStatus rvkEdgeWeightings16V(const int16_t* src, uint32_t width, uint32_t heig
     const Vec<uint16_t> thresholds = splat(threshold), weights = splat(weight);
     const Vec<uint16_t> limits = min(splat(limit), splat<uint16_t>(INT16_MAX));
     const auto weighted = [=](Vec<int16_t> edge) RVK_INLINE_LAMBDA {
-        const Vecs<uint32_t, 2> product = multiplyWideInLanes(subSat(sizeOf(edge), thresholds), weights);
-        const auto rounded = [](Vec<uint32_t> v)
-                                 RVK_INLINE_LAMBDA { return bitCast<int32_t>(shiftRight(v + splat(128u), 8)); };
-        const Vec<uint16_t> size =
-            min(narrowSatInLanes<uint16_t>(Vecs<int32_t, 2>{rounded(product[0]), rounded(product[1])}), limits);
+        const Vec<uint16_t> size = min(timesWeight(subSat(sizeOf(edge), thresholds), weights), limits);
         const Vec<int16_t> sign = shiftRight(edge, 15);
         return (bitCast<int16_t>(size) ^ sign) - sign;
     };
