@@ -97,6 +97,81 @@ RVK_INLINE uint8_t outsideValue(uint32_t borderType, uint8_t borderValue)
     return borderType == RAVIK_BORDER_CONSTANT ? borderValue : Extreme::neutral;
 }
 
+// ---- 5x5: rows and columns beside the picture repeat its edge, which every window that reaches there contains
+// -------------------------------------------------------------------------------------------------------------
+
+// Down a column: from the extremes of single rows to those of two, four and five.
+template <class Extreme>
+struct Window5Rows
+{
+    static constexpr size_t rows = 5;
+    Bytes last = zero<uint8_t>(), two = last, four = last; // of as many rows, up to the last one
+    Bytes twoBefore = last;                                // `two` one row ago
+
+    RVK_INLINE Bytes next(Bytes row)
+    {
+        const Bytes result = Extreme::of(four, row), lastAndThis = Extreme::of(last, row);
+        four = Extreme::of(twoBefore, lastAndThis);
+        twoBefore = two;
+        two = lastAndThis;
+        last = row;
+        return result;
+    }
+};
+
+// Along the row: a step of windows at the left edge, at the right edge and between them.
+template <class Extreme>
+RVK_INLINE Bytes leftWindows(const uint8_t* p)
+{
+    const Bytes row = load(p), neutral = splat(Extreme::neutral);
+    const Bytes before = Extreme::of(extract<Bytes::lanes - 1>(neutral, row), extract<Bytes::lanes - 2>(neutral, row));
+    return Extreme::of(Extreme::of(row, before), Extreme::of(load(p + 1), load(p + 2)));
+}
+
+template <class Extreme>
+RVK_INLINE Bytes rightWindows(const uint8_t* p)
+{
+    const Bytes row = load(p), neutral = splat(Extreme::neutral);
+    const Bytes behind = Extreme::of(extract<1>(row, neutral), extract<2>(row, neutral));
+    return Extreme::of(Extreme::of(row, behind), Extreme::of(load(p - 1), load(p - 2)));
+}
+
+template <class Extreme>
+RVK_INLINE Bytes innerWindows(const uint8_t* p)
+{
+    const Bytes outer = Extreme::of(load(p - 2), load(p + 2));
+    return Extreme::of(Extreme::of(load(p - 1), load(p + 1)), Extreme::of(load(p), outer));
+}
+
+// The step of outputs at column x of the rows from `top` on.
+template <class Extreme, class Windows>
+RVK_INLINE void filterStep5x5(size_t x, size_t top, size_t bottom, size_t height, Plane<const uint8_t> src,
+                              Plane<uint8_t> dst, Windows windows)
+{
+    Window5Rows<Extreme> column;
+    const auto twoAbove = [&](size_t y) RVK_INLINE_LAMBDA {
+        return windows(src.row(y < 2 ? 0 : y - 2 < height ? y - 2 : height - 1) + x);
+    };
+    for (size_t y = top; y < top + 4; ++y)
+        column.next(twoAbove(y));
+    for (size_t y = top; y < bottom; ++y)
+        store(dst.row(y) + x, column.next(twoAbove(y + 4)));
+}
+
+// The picture is two pixels wider than a vector or more.
+template <class Extreme>
+RVK_INLINE void filter5x5(size_t width, size_t height, Plane<const uint8_t> src, Plane<uint8_t> dst)
+{
+    constexpr size_t lanes = Bytes::lanes, blockRows = kBlockRows<Window5Rows<Extreme>>;
+    for (size_t top = 0; top < height; top += blockRows) {
+        const size_t bottom = height - top < blockRows ? height : top + blockRows;
+        filterStep5x5<Extreme>(0, top, bottom, height, src, dst, leftWindows<Extreme>);
+        for (size_t x = lanes; x + lanes + 2 <= width; x += lanes)
+            filterStep5x5<Extreme>(x, top, bottom, height, src, dst, innerWindows<Extreme>);
+        filterStep5x5<Extreme>(width - lanes, top, bottom, height, src, dst, rightWindows<Extreme>);
+    }
+}
+
 // ---- NxN: along the rows by doubling, down the columns in blocks of N rows
 // -------------------------------------------
 //
@@ -181,7 +256,7 @@ struct ColumnBlock
 };
 
 template <class Extreme>
-RVK_INLINE rvkStatus filterNxN(size_t width, size_t height, Plane<const uint8_t> src, size_t N, Plane<uint8_t> dst)
+RVK_INLINE rvkStatus filterInBlocks(size_t width, size_t height, Plane<const uint8_t> src, size_t N, Plane<uint8_t> dst)
 {
     const size_t before = N / 2, length = width + N - 1;
     const size_t pitch = roundUpToVectors(width), lineSize = roundUpToVectors(length) + roundUpToVectors(N);
@@ -208,6 +283,18 @@ RVK_INLINE rvkStatus filterNxN(size_t width, size_t height, Plane<const uint8_t>
             place = 0;
         }
     }
+    return RAVIK_SUCCESS;
+}
+
+template <class Extreme>
+RVK_INLINE rvkStatus filterNxN(size_t width, size_t height, Plane<const uint8_t> src, size_t N, Plane<uint8_t> dst)
+{
+    if (N == 3)
+        filter3x3<Extreme>(width, height, src, dst, Extreme::neutral);
+    else if (N == 5 && width >= Bytes::lanes + 2)
+        filter5x5<Extreme>(width, height, src, dst);
+    else
+        return filterInBlocks<Extreme>(width, height, src, N, dst);
     return RAVIK_SUCCESS;
 }
 
