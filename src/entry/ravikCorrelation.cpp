@@ -24,6 +24,23 @@ bool isKernelSize(uint32_t M, uint32_t N, uint32_t width, uint32_t height)
 
 constexpr uint32_t kShifts = 32; // that a sum has
 
+// Kernels of `size` each way; `slot` is that of the form with strides.
+template <Slot slot, uint32_t size>
+rvkStatus correlateSeparably(const int16_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
+                             const int16_t* kernelX, const int16_t* kernelY, uint32_t shiftX, uint32_t shiftY,
+                             int16_t* dst, uint32_t dstStride)
+{
+    srcStride = packedIfZero(srcStride, srcWidth, sizeof(int16_t));
+    dstStride = packedIfZero(dstStride, srcWidth, sizeof(int16_t));
+    const RVK_IMPL target = chooseTarget(slot, [&] {
+        return aligned(4, src, dst, srcStride, dstStride) && enoughWork(srcWidth, srcHeight) && srcHeight >= size;
+    });
+    RVK_CHECK_STATUS(areImages(src, srcWidth, srcHeight, srcStride, dst, srcWidth, dstStride) && kernelX && kernelY &&
+                     isKernelSize(size, size, srcWidth, srcHeight) && shiftX < kShifts && shiftY < kShifts);
+    return implementation<slot>(target)(src, srcWidth, srcHeight, srcStride, kernelX, kernelY, shiftX, shiftY, dst,
+                                        dstStride);
+}
+
 } // namespace
 
 // ---- kernels of two dimensions. The form without strides calls the cell of its _v2 form ---------
@@ -192,139 +209,74 @@ rvkStatus rvkFilterCorrSepNxNs16(const int16_t* src, uint32_t srcWidth, uint32_t
 rvkStatus rvkFilterCorrSep9x9s16(const int16_t* src, uint32_t srcWidth, uint32_t srcHeight, const int16_t* kernelX,
                                  const int16_t* kernelY, uint32_t shiftX, uint32_t shiftY, int16_t* dst)
 {
-    const uint32_t stride = packedIfZero(0, srcWidth, sizeof(int16_t));
-    const RVK_IMPL target = chooseTarget(Slot::rvkFilterCorrSep9x9s16_v2, [&] {
-        return aligned(4, src, dst, stride) && enoughWork(srcWidth, srcHeight) && srcHeight >= 9;
-    });
-    RVK_CHECK_STATUS(areImages(src, srcWidth, srcHeight, stride, dst, srcWidth, stride) && kernelX && kernelY &&
-                     isKernelSize(9, 9, srcWidth, srcHeight) && shiftX < kShifts && shiftY < kShifts);
-    return implementation<Slot::rvkFilterCorrSep9x9s16_v2>(target)(src, srcWidth, srcHeight, stride, kernelX, kernelY,
-                                                                   shiftX, shiftY, dst, stride);
+    return correlateSeparably<Slot::rvkFilterCorrSep9x9s16_v2, 9>(src, srcWidth, srcHeight, 0, kernelX, kernelY, shiftX,
+                                                                  shiftY, dst, 0);
 }
 
 rvkStatus rvkFilterCorrSep9x9s16_v2(const int16_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
                                     const int16_t* kernelX, const int16_t* kernelY, uint32_t shiftX, uint32_t shiftY,
                                     int16_t* dst, uint32_t dstStride)
 {
-    srcStride = packedIfZero(srcStride, srcWidth, sizeof(int16_t));
-    dstStride = packedIfZero(dstStride, srcWidth, sizeof(int16_t));
-    const RVK_IMPL target = chooseTarget(Slot::rvkFilterCorrSep9x9s16_v2, [&] {
-        return aligned(4, src, dst, srcStride, dstStride) && enoughWork(srcWidth, srcHeight) && srcHeight >= 9;
-    });
-    RVK_CHECK_STATUS(areImages(src, srcWidth, srcHeight, srcStride, dst, srcWidth, dstStride) && kernelX && kernelY &&
-                     isKernelSize(9, 9, srcWidth, srcHeight) && shiftX < kShifts && shiftY < kShifts);
-    return implementation<Slot::rvkFilterCorrSep9x9s16_v2>(target)(src, srcWidth, srcHeight, srcStride, kernelX,
-                                                                   kernelY, shiftX, shiftY, dst, dstStride);
+    return correlateSeparably<Slot::rvkFilterCorrSep9x9s16_v2, 9>(src, srcWidth, srcHeight, srcStride, kernelX, kernelY,
+                                                                  shiftX, shiftY, dst, dstStride);
 }
 
 rvkStatus rvkFilterCorrSep11x11s16(const int16_t* src, uint32_t srcWidth, uint32_t srcHeight, const int16_t* kernelX,
                                    const int16_t* kernelY, uint32_t shiftX, uint32_t shiftY, int16_t* dst)
 {
-    const uint32_t stride = packedIfZero(0, srcWidth, sizeof(int16_t));
-    const RVK_IMPL target = chooseTarget(Slot::rvkFilterCorrSep11x11s16_v2, [&] {
-        return aligned(4, src, dst, stride) && enoughWork(srcWidth, srcHeight) && srcHeight >= 11;
-    });
-    RVK_CHECK_STATUS(areImages(src, srcWidth, srcHeight, stride, dst, srcWidth, stride) && kernelX && kernelY &&
-                     isKernelSize(11, 11, srcWidth, srcHeight) && shiftX < kShifts && shiftY < kShifts);
-    return implementation<Slot::rvkFilterCorrSep11x11s16_v2>(target)(src, srcWidth, srcHeight, stride, kernelX, kernelY,
-                                                                     shiftX, shiftY, dst, stride);
+    return correlateSeparably<Slot::rvkFilterCorrSep11x11s16_v2, 11>(src, srcWidth, srcHeight, 0, kernelX, kernelY,
+                                                                     shiftX, shiftY, dst, 0);
 }
 
 rvkStatus rvkFilterCorrSep11x11s16_v2(const int16_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
                                       const int16_t* kernelX, const int16_t* kernelY, uint32_t shiftX, uint32_t shiftY,
                                       int16_t* dst, uint32_t dstStride)
 {
-    srcStride = packedIfZero(srcStride, srcWidth, sizeof(int16_t));
-    dstStride = packedIfZero(dstStride, srcWidth, sizeof(int16_t));
-    const RVK_IMPL target = chooseTarget(Slot::rvkFilterCorrSep11x11s16_v2, [&] {
-        return aligned(4, src, dst, srcStride, dstStride) && enoughWork(srcWidth, srcHeight) && srcHeight >= 11;
-    });
-    RVK_CHECK_STATUS(areImages(src, srcWidth, srcHeight, srcStride, dst, srcWidth, dstStride) && kernelX && kernelY &&
-                     isKernelSize(11, 11, srcWidth, srcHeight) && shiftX < kShifts && shiftY < kShifts);
-    return implementation<Slot::rvkFilterCorrSep11x11s16_v2>(target)(src, srcWidth, srcHeight, srcStride, kernelX,
+    return correlateSeparably<Slot::rvkFilterCorrSep11x11s16_v2, 11>(src, srcWidth, srcHeight, srcStride, kernelX,
                                                                      kernelY, shiftX, shiftY, dst, dstStride);
 }
 
 rvkStatus rvkFilterCorrSep13x13s16(const int16_t* src, uint32_t srcWidth, uint32_t srcHeight, const int16_t* kernelX,
                                    const int16_t* kernelY, uint32_t shiftX, uint32_t shiftY, int16_t* dst)
 {
-    const uint32_t stride = packedIfZero(0, srcWidth, sizeof(int16_t));
-    const RVK_IMPL target = chooseTarget(Slot::rvkFilterCorrSep13x13s16_v2, [&] {
-        return aligned(4, src, dst, stride) && enoughWork(srcWidth, srcHeight) && srcHeight >= 13;
-    });
-    RVK_CHECK_STATUS(areImages(src, srcWidth, srcHeight, stride, dst, srcWidth, stride) && kernelX && kernelY &&
-                     isKernelSize(13, 13, srcWidth, srcHeight) && shiftX < kShifts && shiftY < kShifts);
-    return implementation<Slot::rvkFilterCorrSep13x13s16_v2>(target)(src, srcWidth, srcHeight, stride, kernelX, kernelY,
-                                                                     shiftX, shiftY, dst, stride);
+    return correlateSeparably<Slot::rvkFilterCorrSep13x13s16_v2, 13>(src, srcWidth, srcHeight, 0, kernelX, kernelY,
+                                                                     shiftX, shiftY, dst, 0);
 }
 
 rvkStatus rvkFilterCorrSep13x13s16_v2(const int16_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
                                       const int16_t* kernelX, const int16_t* kernelY, uint32_t shiftX, uint32_t shiftY,
                                       int16_t* dst, uint32_t dstStride)
 {
-    srcStride = packedIfZero(srcStride, srcWidth, sizeof(int16_t));
-    dstStride = packedIfZero(dstStride, srcWidth, sizeof(int16_t));
-    const RVK_IMPL target = chooseTarget(Slot::rvkFilterCorrSep13x13s16_v2, [&] {
-        return aligned(4, src, dst, srcStride, dstStride) && enoughWork(srcWidth, srcHeight) && srcHeight >= 13;
-    });
-    RVK_CHECK_STATUS(areImages(src, srcWidth, srcHeight, srcStride, dst, srcWidth, dstStride) && kernelX && kernelY &&
-                     isKernelSize(13, 13, srcWidth, srcHeight) && shiftX < kShifts && shiftY < kShifts);
-    return implementation<Slot::rvkFilterCorrSep13x13s16_v2>(target)(src, srcWidth, srcHeight, srcStride, kernelX,
+    return correlateSeparably<Slot::rvkFilterCorrSep13x13s16_v2, 13>(src, srcWidth, srcHeight, srcStride, kernelX,
                                                                      kernelY, shiftX, shiftY, dst, dstStride);
 }
 
 rvkStatus rvkFilterCorrSep15x15s16(const int16_t* src, uint32_t srcWidth, uint32_t srcHeight, const int16_t* kernelX,
                                    const int16_t* kernelY, uint32_t shiftX, uint32_t shiftY, int16_t* dst)
 {
-    const uint32_t stride = packedIfZero(0, srcWidth, sizeof(int16_t));
-    const RVK_IMPL target = chooseTarget(Slot::rvkFilterCorrSep15x15s16_v2, [&] {
-        return aligned(4, src, dst, stride) && enoughWork(srcWidth, srcHeight) && srcHeight >= 15;
-    });
-    RVK_CHECK_STATUS(areImages(src, srcWidth, srcHeight, stride, dst, srcWidth, stride) && kernelX && kernelY &&
-                     isKernelSize(15, 15, srcWidth, srcHeight) && shiftX < kShifts && shiftY < kShifts);
-    return implementation<Slot::rvkFilterCorrSep15x15s16_v2>(target)(src, srcWidth, srcHeight, stride, kernelX, kernelY,
-                                                                     shiftX, shiftY, dst, stride);
+    return correlateSeparably<Slot::rvkFilterCorrSep15x15s16_v2, 15>(src, srcWidth, srcHeight, 0, kernelX, kernelY,
+                                                                     shiftX, shiftY, dst, 0);
 }
 
 rvkStatus rvkFilterCorrSep15x15s16_v2(const int16_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
                                       const int16_t* kernelX, const int16_t* kernelY, uint32_t shiftX, uint32_t shiftY,
                                       int16_t* dst, uint32_t dstStride)
 {
-    srcStride = packedIfZero(srcStride, srcWidth, sizeof(int16_t));
-    dstStride = packedIfZero(dstStride, srcWidth, sizeof(int16_t));
-    const RVK_IMPL target = chooseTarget(Slot::rvkFilterCorrSep15x15s16_v2, [&] {
-        return aligned(4, src, dst, srcStride, dstStride) && enoughWork(srcWidth, srcHeight) && srcHeight >= 15;
-    });
-    RVK_CHECK_STATUS(areImages(src, srcWidth, srcHeight, srcStride, dst, srcWidth, dstStride) && kernelX && kernelY &&
-                     isKernelSize(15, 15, srcWidth, srcHeight) && shiftX < kShifts && shiftY < kShifts);
-    return implementation<Slot::rvkFilterCorrSep15x15s16_v2>(target)(src, srcWidth, srcHeight, srcStride, kernelX,
+    return correlateSeparably<Slot::rvkFilterCorrSep15x15s16_v2, 15>(src, srcWidth, srcHeight, srcStride, kernelX,
                                                                      kernelY, shiftX, shiftY, dst, dstStride);
 }
 
 rvkStatus rvkFilterCorrSep17x17s16(const int16_t* src, uint32_t srcWidth, uint32_t srcHeight, const int16_t* kernelX,
                                    const int16_t* kernelY, uint32_t shiftX, uint32_t shiftY, int16_t* dst)
 {
-    const uint32_t stride = packedIfZero(0, srcWidth, sizeof(int16_t));
-    const RVK_IMPL target = chooseTarget(Slot::rvkFilterCorrSep17x17s16_v2, [&] {
-        return aligned(4, src, dst, stride) && enoughWork(srcWidth, srcHeight) && srcHeight >= 17;
-    });
-    RVK_CHECK_STATUS(areImages(src, srcWidth, srcHeight, stride, dst, srcWidth, stride) && kernelX && kernelY &&
-                     isKernelSize(17, 17, srcWidth, srcHeight) && shiftX < kShifts && shiftY < kShifts);
-    return implementation<Slot::rvkFilterCorrSep17x17s16_v2>(target)(src, srcWidth, srcHeight, stride, kernelX, kernelY,
-                                                                     shiftX, shiftY, dst, stride);
+    return correlateSeparably<Slot::rvkFilterCorrSep17x17s16_v2, 17>(src, srcWidth, srcHeight, 0, kernelX, kernelY,
+                                                                     shiftX, shiftY, dst, 0);
 }
 
 rvkStatus rvkFilterCorrSep17x17s16_v2(const int16_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
                                       const int16_t* kernelX, const int16_t* kernelY, uint32_t shiftX, uint32_t shiftY,
                                       int16_t* dst, uint32_t dstStride)
 {
-    srcStride = packedIfZero(srcStride, srcWidth, sizeof(int16_t));
-    dstStride = packedIfZero(dstStride, srcWidth, sizeof(int16_t));
-    const RVK_IMPL target = chooseTarget(Slot::rvkFilterCorrSep17x17s16_v2, [&] {
-        return aligned(4, src, dst, srcStride, dstStride) && enoughWork(srcWidth, srcHeight) && srcHeight >= 17;
-    });
-    RVK_CHECK_STATUS(areImages(src, srcWidth, srcHeight, srcStride, dst, srcWidth, dstStride) && kernelX && kernelY &&
-                     isKernelSize(17, 17, srcWidth, srcHeight) && shiftX < kShifts && shiftY < kShifts);
-    return implementation<Slot::rvkFilterCorrSep17x17s16_v2>(target)(src, srcWidth, srcHeight, srcStride, kernelX,
+    return correlateSeparably<Slot::rvkFilterCorrSep17x17s16_v2, 17>(src, srcWidth, srcHeight, srcStride, kernelX,
                                                                      kernelY, shiftX, shiftY, dst, dstStride);
 }

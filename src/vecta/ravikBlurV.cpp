@@ -214,8 +214,7 @@ RVK_INLINE void walkBinomial11(size_t n, size_t m, Plane<const uint8_t> src, Pla
     const Plane<int16_t> sums = {tile[0], sizeof tile[0]};
     for (size_t y = 0; y < m; y += tileRows)
         for (size_t x = 0; x < n; x += tileColumns) {
-            const size_t columns = n - x < tileColumns ? n - x : tileColumns,
-                         rows = m - y < tileRows ? m - y : tileRows;
+            const size_t columns = least(tileColumns, n - x), rows = least(tileRows, m - y);
             walk(columns + Wide::columns - 1, rows + Wide::rows - 1, Plane<const uint8_t>{src.row(y) + x, src.stride},
                  TallBinomial{}, sums);
             walk(columns, rows, Plane<const int16_t>{tile[0], sums.stride}, Wide{},
@@ -272,12 +271,11 @@ RVK_INLINE void filterRing(size_t width, size_t height, Plane<const T> src, Outs
     for (int end = 0; end < 2; ++end) {
         const size_t top = end == 0 ? 0 : height - radius;
         for (size_t x = 0; x < width; x += strip) {
-            const size_t n = width - x < strip ? width - x : strip;
+            const size_t n = least(strip, width - x);
             for (size_t k = 0; k < 3 * radius; ++k) {
-                const size_t y = top + k - radius; // huge above the image
-                if (y < height || outside.replicate) {
-                    const size_t nearest = y < height ? y : end == 0 ? 0 : height - 1;
-                    copyPadded<radius>(band[k], src.row(nearest), width, x, n, outside);
+                const size_t y = nearest(top + k, radius, height);
+                if (y + radius == top + k || outside.replicate) {
+                    copyPadded<radius>(band[k], src.row(y), width, x, n, outside);
                 } else {
                     for (size_t i = 0; i < n + 2 * radius; ++i)
                         band[k][i] = outside.value;
@@ -298,8 +296,7 @@ RVK_INLINE void filterRing(size_t width, size_t height, Plane<const T> src, Outs
     T sides[blockRows + 2 * radius][n + 2 * radius] = {};
     Value sideValues[blockRows][n];
     const auto rowsFrom = [&](size_t top) RVK_INLINE_LAMBDA {
-        const size_t left = top < height - radius ? height - radius - top : 0;
-        return left < blockRows ? left : blockRows;
+        return top < height - radius ? least(blockRows, height - radius - top) : 0;
     };
     for (size_t top = radius; top < height - radius; top += blocks * blockRows) {
         for (size_t i = 0; i < blocks && rowsFrom(top + i * blockRows); ++i)
@@ -389,10 +386,7 @@ RVK_INLINE void renormalisedRing(size_t width, size_t height, Plane<const T> src
 {
     static constexpr RingReciprocals<RowWeights, Sum> reciprocals;
     constexpr size_t radius = RowWeights::count / 2;
-    const auto distance = [](size_t x, size_t size) RVK_INLINE_LAMBDA {
-        const size_t least = x < size - 1 - x ? x : size - 1 - x;
-        return least < radius ? least : radius;
-    };
+    const auto distance = [](size_t x, size_t size) RVK_INLINE_LAMBDA { return least(radius, least(x, size - 1 - x)); };
     const auto finish = [&](size_t x, size_t y, size_t n, const Sum* values) RVK_INLINE_LAMBDA {
         const auto& row = reciprocals.of[distance(y, height)];
         T* out = dst.row(y) + x;
@@ -680,12 +674,6 @@ private:
     size_t m_next = 0;
 };
 
-// The row of the image that row y of the windows' rows is, which begin `before` rows above the image.
-RVK_INLINE size_t nearestRow(size_t y, size_t before, size_t height)
-{
-    return y < before ? 0 : y - before < height ? y - before : height - 1;
-}
-
 } // namespace
 
 rvkStatus rvkBoxFilterNxNf32V(const float32_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
@@ -696,7 +684,7 @@ rvkStatus rvkBoxFilterNxNf32V(const float32_t* src, uint32_t srcWidth, uint32_t 
         return RAVIK_ENORES;
     const Vec<float> pixels = splat(static_cast<float>(N) * static_cast<float>(N));
     for (size_t y = 0; y < size_t{srcHeight} + N - 1; ++y) {
-        __builtin_memcpy(sums.values(), Plane{src, srcStride}.row(nearestRow(y, N / 2, srcHeight)),
+        __builtin_memcpy(sums.values(), Plane{src, srcStride}.row(nearest(y, N / 2, srcHeight)),
                          srcWidth * sizeof(float));
         sums.add();
         if (y + 1 >= N)
@@ -816,15 +804,15 @@ rvkStatus rvkNormalizeLocalBoxu8V(const uint8_t* src, uint32_t srcWidth, uint32_
     for (size_t x = 0; x < 2 * size_t{srcWidth}; ++x)
         sums[x] = 0;
     for (size_t k = 0; k < windowHeight; ++k) { // of the row above the image
-        const uint8_t* row = in.row(nearestRow(k, radius + 1, srcHeight));
+        const uint8_t* row = in.row(nearest(k, radius + 1, srcHeight));
         for (size_t x = 0; x < srcWidth; ++x) {
             sums[x] += row[x];
             squares[x] += uint32_t{row[x]} * row[x];
         }
     }
     for (size_t y = 0; y < srcHeight; ++y) {
-        moveDown(srcWidth, in.row(nearestRow(y + radius, 0, srcHeight)), in.row(nearestRow(y, radius + 1, srcHeight)),
-                 sums, squares);
+        moveDown(srcWidth, in.row(nearest(y + radius, 0, srcHeight)), in.row(nearest(y, radius + 1, srcHeight)), sums,
+                 squares);
         copyContinued(continued, sums, srcWidth, windowWidth / 2);
         sumWindowsOfRow(continued, srcWidth, windowWidth, windowSums);
         copyContinued(continued, squares, srcWidth, windowWidth / 2);
@@ -845,7 +833,7 @@ rvkStatus rvkNormalizeLocalBoxf32V(const float32_t* src, uint32_t srcWidth, uint
     const size_t radius = windowHeight / 2;
     float *square = quotients.get(), *above = square + srcWidth;
     for (size_t y = 0; y < srcHeight + 2 * radius; ++y) {
-        const float* row = Plane{src, srcStride}.row(nearestRow(y, radius, srcHeight));
+        const float* row = Plane{src, srcStride}.row(nearest(y, radius, srcHeight));
         double *values = sums.values(), *valuesSquared = squares.values();
         for (size_t x = 0; x < srcWidth; ++x) {
             values[x] = row[x];

@@ -13,11 +13,6 @@
 namespace rvk::vecta::RVK_ISA {
 namespace {
 
-RVK_INLINE size_t roundUp(size_t n, size_t step)
-{
-    return (n + step - 1) / step * step;
-}
-
 // Row y of a picture, while the next `count` - 1 rows have not taken its place.
 template <class T, size_t count>
 struct Ring
@@ -132,8 +127,7 @@ struct Gradient
     {
         const int16_t *smooth[count], *derivative[count];
         for (size_t k = 0; k < count; ++k) {
-            const size_t below = y + k, last = height - 1 + radius;
-            const size_t source = below < radius ? 0 : (below < last ? below : last) - radius;
+            const size_t source = nearest(y + k, radius, height);
             smooth[k] = smoothed.row(source);
             derivative[k] = derived.row(source);
         }
@@ -260,7 +254,7 @@ struct EdgeMap
     uint32_t* waiting; // words that have others; none comes twice
     size_t waitingCount = 0;
 
-    static RVK_INLINE size_t pitchOf(size_t width) { return roundUp(width, kWordBits) / kWordBits + 1; }
+    static RVK_INLINE size_t pitchOf(size_t width) { return roundedUp(width, kWordBits) / kWordBits + 1; }
     static RVK_INLINE size_t wordsOf(size_t width, size_t height) { return pitchOf(width) * (height + 2) + 1; }
 
     RVK_INLINE uint8_t* row(Word* bits, size_t y) const
@@ -343,7 +337,7 @@ rvkStatus detect(size_t width, size_t height, Plane<const uint8_t> src, CannyThr
                  Plane<int16_t> dx, Plane<int16_t> dy)
 {
     using Gradients = Gradient<radius>;
-    const size_t pitch = roundUp(width, kBytes);
+    const size_t pitch = roundedUp(width, kBytes);
     const size_t magnitudePitch = pitch + 2 * kBytes; // with a vector of zeros at each end
     const size_t words = EdgeMap::wordsOf(width, height);
     const Scratch<uint8_t> line(Gradients::lineSize(pitch));

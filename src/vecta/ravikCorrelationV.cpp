@@ -21,16 +21,6 @@ constexpr size_t kLanes = Shorts::lanes;
 constexpr size_t kStep = 2 * kLanes; // outputs that are made at once in each of two rows
 constexpr size_t kStrip = 512;       // columns of a strip: the first-level cache holds the ring of a large kernel
 
-RVK_INLINE size_t least(size_t a, size_t b)
-{
-    return a < b ? a : b;
-}
-
-RVK_INLINE size_t roundedUp(size_t n, size_t step)
-{
-    return (n + step - 1) / step * step;
-}
-
 // ---- products -----------------------------------------------------------------------------------
 
 // The weights of two neighbours in one word, the first in its low half.
@@ -156,12 +146,6 @@ void pairWeights(const Taps<Weight>& kernel, size_t times, int32_t* words)
 }
 
 // ---- rows ---------------------------------------------------------------------------------------
-
-// Where position i lies when positions begin `before` ahead of the picture: on the nearest pixel inside.
-RVK_INLINE size_t nearest(size_t i, size_t before, size_t size)
-{
-    return i < before ? 0 : least(i - before, size - 1);
-}
 
 RVK_INLINE void convertElements(int16_t* dst, const int16_t* src, size_t n)
 {

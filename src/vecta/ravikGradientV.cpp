@@ -443,15 +443,14 @@ RVK_INLINE void sobelWithin(size_t left, size_t right, size_t top, size_t bottom
     uint8_t narrow[size][lanes] = {};
 
     for (size_t x = left; x < right; x += Strip::columns) {
-        const size_t n = right - x < Strip::columns ? right - x : Strip::columns;
-        const size_t begin = x < radius ? 0 : x - radius, end = x + n + radius < width ? x + n + radius : width;
+        const size_t n = least(Strip::columns, right - x);
+        const size_t begin = x < radius ? 0 : x - radius, end = least(x + n + radius, width);
         const size_t first = begin + radius - x; // of the strip's columns
         for (size_t y = top; y < bottom; ++y) {
             const uint8_t* rows[size];
             for (size_t k = 0; k < size; ++k) {
-                const size_t row = y + k - radius; // huge above the picture
-                const size_t nearest = row < height ? row : y + k < radius ? 0 : height - 1;
-                rows[k] = row == nearest || border.replicate ? src.row(nearest) + begin : outside;
+                const size_t row = nearest(y + k, radius, height);
+                rows[k] = row + radius == y + k || border.replicate ? src.row(row) + begin : outside;
                 if (end - begin < lanes) {
                     __builtin_memcpy(narrow[k], rows[k], end - begin);
                     rows[k] = narrow[k];
@@ -501,7 +500,7 @@ RVK_INLINE void sobel3x3(size_t width, size_t height, Plane<const uint8_t> src, 
     constexpr size_t blockRows = kBlockRows<DerivativeKernel<Sobel3x3, TwoPlanes>>;
     sobelWithin<3>(0, width, 0, 1, width, height, src, dx, dy, border);
     for (size_t top = 1; top < height - 1; top += blockRows) {
-        const size_t bottom = height - 1 - top < blockRows ? height - 1 : top + blockRows;
+        const size_t bottom = least(top + blockRows, height - 1);
         rvkImageGradientSobelPlanars16_v3V(
             src.row(top - 1), static_cast<uint32_t>(width), static_cast<uint32_t>(bottom - top + 2), src.stride,
             dx.data ? dx.row(top - 1) : nullptr, dy.data ? dy.row(top - 1) : nullptr, dx.stride);

@@ -132,8 +132,8 @@ RVK_INLINE void filterWithRing(const Ring& ring)
     if (width > 2)
         ring.filterRow(src.row(0), src.row(height > 1), dst.row(0));
     for (size_t top = 0; top < height; top += blockRows) {
-        const size_t bottom = height - top < blockRows ? height : top + blockRows;
-        const size_t first = top ? top : 1, last = bottom < height ? bottom : height - 1; // rows with two neighbours
+        const size_t bottom = least(top + blockRows, height);
+        const size_t first = top ? top : 1, last = least(bottom, height - 1); // rows with two neighbours
         if (width > 2 && first < last)
             walk(width - 2, last - first, Plane<const uint8_t>{src.row(first - 1), src.stride}, Median3x3<uint8_t>{},
                  Plane<uint8_t>{dst.row(first) + 1, dst.stride});

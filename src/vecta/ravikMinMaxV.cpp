@@ -130,7 +130,7 @@ RVK_INLINE void minMaxLoc(const T* src, uint32_t srcWidth, uint32_t srcHeight, u
     if (isNumber(*src)) {
         for (size_t y = 0; y < height; ++y) {
             for (size_t x = 0; x < width; x += chunk) {
-                const size_t n = width - x < chunk ? width - x : chunk;
+                const size_t n = least(chunk, width - x);
                 const Extremes<Key> e = extremesOf(image.row(y) + x, n, Extremes<Key>{smallest.key, largest.key});
                 if (any(less(e.low, smallest.key)))
                     smallest = {splat(reduceMin(e.low)), x, y};

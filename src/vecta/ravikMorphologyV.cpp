@@ -78,8 +78,8 @@ RVK_INLINE void filter3x3(size_t width, size_t height, Plane<const uint8_t> src,
     if (width > 2)
         filterEdgeRow<Extreme>(width, src.row(0), src.row(height > 1), dst.row(0), outside);
     for (size_t top = 0; top < height; top += blockRows) {
-        const size_t bottom = height - top < blockRows ? height : top + blockRows;
-        const size_t first = top ? top : 1, last = bottom < height ? bottom : height - 1; // rows with two neighbours
+        const size_t bottom = least(top + blockRows, height);
+        const size_t first = top ? top : 1, last = least(bottom, height - 1); // rows with two neighbours
         if (width > 2 && first < last)
             walk(width - 2, last - first, Plane<const uint8_t>{src.row(first - 1), src.stride}, Window3x3<Extreme>{},
                  Plane<uint8_t>{dst.row(first) + 1, dst.stride});
@@ -149,9 +149,7 @@ RVK_INLINE void filterStep5x5(size_t x, size_t top, size_t bottom, size_t height
                               Plane<uint8_t> dst, Windows windows)
 {
     Window5Rows<Extreme> column;
-    const auto twoAbove = [&](size_t y) RVK_INLINE_LAMBDA {
-        return windows(src.row(y < 2 ? 0 : y - 2 < height ? y - 2 : height - 1) + x);
-    };
+    const auto twoAbove = [&](size_t y) RVK_INLINE_LAMBDA { return windows(src.row(nearest(y, 2, height)) + x); };
     for (size_t y = top; y < top + 4; ++y)
         column.next(twoAbove(y));
     for (size_t y = top; y < bottom; ++y)
@@ -164,7 +162,7 @@ RVK_INLINE void filter5x5(size_t width, size_t height, Plane<const uint8_t> src,
 {
     constexpr size_t lanes = Bytes::lanes, blockRows = kBlockRows<Window5Rows<Extreme>>;
     for (size_t top = 0; top < height; top += blockRows) {
-        const size_t bottom = height - top < blockRows ? height : top + blockRows;
+        const size_t bottom = least(top + blockRows, height);
         filterStep5x5<Extreme>(0, top, bottom, height, src, dst, leftWindows<Extreme>);
         for (size_t x = lanes; x + lanes + 2 <= width; x += lanes)
             filterStep5x5<Extreme>(x, top, bottom, height, src, dst, innerWindows<Extreme>);
@@ -198,11 +196,6 @@ RVK_INLINE size_t doubleWindows(size_t length, size_t N, uint8_t* line)
         covered *= 2;
     }
     return covered;
-}
-
-RVK_INLINE size_t roundUpToVectors(size_t n)
-{
-    return (n + Bytes::lanes - 1) / Bytes::lanes * Bytes::lanes;
 }
 
 template <class Extreme>
@@ -259,7 +252,7 @@ template <class Extreme>
 RVK_INLINE rvkStatus filterInBlocks(size_t width, size_t height, Plane<const uint8_t> src, size_t N, Plane<uint8_t> dst)
 {
     const size_t before = N / 2, length = width + N - 1;
-    const size_t pitch = roundUpToVectors(width), lineSize = roundUpToVectors(length) + roundUpToVectors(N);
+    const size_t pitch = roundedUp(width, kBytes), lineSize = roundedUp(length, kBytes) + roundedUp(N, kBytes);
     const Scratch<uint8_t> scratch((N + 1) * pitch + lineSize, kBytes);
     if (!scratch)
         return RAVIK_ENORES;

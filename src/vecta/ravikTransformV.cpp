@@ -9,11 +9,6 @@
 namespace rvk::vecta::RVK_ISA {
 namespace {
 
-RVK_INLINE size_t atMost(size_t a, size_t b)
-{
-    return a < b ? a : b;
-}
-
 // ---- registers of a chosen number of 16-byte blocks ---------------------------------------------------------------
 
 template <class T, size_t bytes>
@@ -286,10 +281,10 @@ RVK_INLINE void transposeBand(const uint8_t* src, size_t width, size_t height, p
 {
     using T = TileOf<pixel, bytes>;
     for (size_t nextX = 0; nextX < width; nextX += T::columns) {
-        const size_t x = atMost(nextX, width - T::columns);
+        const size_t x = least(nextX, width - T::columns);
         const bool readsBehindRow = (width - x) * pixel < T::columns * pixel + T::excess;
         for (size_t nextY = 0; nextY < height; nextY += T::rows) {
-            const size_t y = atMost(nextY, height - T::rows);
+            const size_t y = least(nextY, height - T::rows);
             const uint8_t* in = src + static_cast<ptrdiff_t>(y) * srcStep + x * pixel;
             uint8_t* out = dst + static_cast<ptrdiff_t>(x) * dstStep + y * pixel;
             if (T::excess > 0 && readsBehindRow)
@@ -310,7 +305,7 @@ RVK_INLINE void transposeBandThroughBuffer(const uint8_t* src, size_t width, siz
     constexpr size_t rowBytes = side * pixel;
     alignas(64) uint8_t buffer[side * rowBytes];
     for (size_t nextX = 0; nextX < width; nextX += side) {
-        const size_t x = atMost(nextX, width - side);
+        const size_t x = least(nextX, width - side);
         for (size_t y = 0; y < height; ++y)
             __builtin_memcpy(buffer + y * rowBytes, src + static_cast<ptrdiff_t>(y) * srcStep + x * pixel, rowBytes);
         transposeBand<pixel, bytes>(buffer, side, height, rowBytes, dst + static_cast<ptrdiff_t>(x) * dstStep, dstStep);
@@ -330,8 +325,8 @@ RVK_INLINE void transposeByTiles(const uint8_t* src, size_t width, size_t height
 {
     const bool throughBuffer = rowsCollideInCache<pixel>(srcStep) && width >= kBandRows<pixel>;
     for (size_t nextY = 0; nextY < height; nextY += kBandRows<pixel>) {
-        const size_t y = atMost(nextY, height - TileOf<pixel, bytes>::rows);
-        const size_t rows = atMost(height - y, kBandRows<pixel>);
+        const size_t y = least(nextY, height - TileOf<pixel, bytes>::rows);
+        const size_t rows = least(height - y, kBandRows<pixel>);
         const uint8_t* in = src + static_cast<ptrdiff_t>(y) * srcStep;
         if (throughBuffer)
             transposeBandThroughBuffer<pixel, bytes>(in, width, rows, srcStep, dst + y * pixel, dstStep);
@@ -580,7 +575,7 @@ RVK_INLINE void swapRows(uint8_t* a, uint8_t* b, size_t bytes)
 {
     uint8_t piece[1024];
     for (size_t i = 0; i < bytes; i += sizeof piece) {
-        const size_t n = atMost(bytes - i, sizeof piece);
+        const size_t n = least(bytes - i, sizeof piece);
         __builtin_memcpy(piece, a + i, n);
         __builtin_memcpy(a + i, b + i, n);
         __builtin_memcpy(b + i, piece, n);

@@ -331,6 +331,15 @@ SimdGroup single()
             }),
 
         UNARY(uint8_t, countBits(a), __builtin_popcount(a)),
+        mapping<uint8_t, uint64_t, 2 * kLanes<uint8_t>, 1>(
+            "laneBits",
+            [](const uint8_t* in, uint64_t* out) { *out = laneBits(less(load(in), load(in + kLanes<uint8_t>))); },
+            [](const uint8_t* in, size_t) {
+                uint64_t bits = 0;
+                for (size_t i = 0; i < kLanes<uint8_t>; ++i)
+                    bits |= uint64_t{in[i] < in[kLanes<uint8_t> + i]} << i;
+                return bits;
+            }),
         mapping<uint8_t, uint8_t, 16 + kLanes<uint8_t>, kLanes<uint8_t>>(
             "lookup16",
             [](const uint8_t* in, uint8_t* out) {

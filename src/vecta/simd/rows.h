@@ -7,6 +7,22 @@
 namespace rvk::vecta::RVK_ISA {
 namespace {
 
+RVK_INLINE size_t least(size_t a, size_t b)
+{
+    return a < b ? a : b;
+}
+
+RVK_INLINE size_t roundedUp(size_t n, size_t step)
+{
+    return (n + step - 1) / step * step;
+}
+
+// Where position i lies when positions begin `before` ahead of the picture: on the nearest of the `size` pixels inside.
+RVK_INLINE size_t nearest(size_t i, size_t before, size_t size)
+{
+    return i < before ? 0 : least(i - before, size - 1);
+}
+
 // Rows of T, `stride` bytes apart; a stride that is not a multiple of the element size is rounded down to one.
 template <class T>
 struct Plane {

@@ -90,7 +90,7 @@ RVK_INLINE void walk(size_t n, size_t m, Plane<const S> src, Kernel kernel, Plan
         return;
     }
     for (size_t top = 0; top < m; top += kBlockRows<Kernel>) {
-        const size_t bottom = m - top < kBlockRows<Kernel> ? m : top + kBlockRows<Kernel>;
+        const size_t bottom = least(top + kBlockRows<Kernel>, m);
         for (size_t next = 0; next < n; next += step) {
             const size_t x = next + step <= n ? next : n - step; // the last column may overlap the one before it
             Kernel column = kernel;
