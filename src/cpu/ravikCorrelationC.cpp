@@ -22,7 +22,7 @@ struct Taps
     {
     }
 
-    Weight at(size_t column, size_t row) const { return first[static_cast<ptrdiff_t>(row * M + column) * step]; }
+    const Weight* row(size_t j) const { return first + static_cast<ptrdiff_t>(j * M) * step; }
 };
 
 // Where position i lies when positions begin `before` ahead of the picture: on the nearest pixel inside.
@@ -31,14 +31,31 @@ size_t nearest(size_t i, size_t before, size_t size)
     return i < before ? 0 : std::min(i - before, size - 1);
 }
 
-// The sum of value(i) * weight(i) for i below `count`, modulo 2^32.
+// The sum of value(i) times the i-th of `count` weights, `step` apart, modulo 2^32.
 template <class Value, class Weight>
-int32_t wrappingSum(size_t count, Value value, Weight weight)
+int32_t wrappingSum(size_t count, Value value, const Weight* weights, ptrdiff_t step)
 {
     uint32_t sum = 0;
-    for (size_t i = 0; i < count; ++i)
-        sum += static_cast<uint32_t>(int32_t{value(i)} * int32_t{weight(i)});
+    ptrdiff_t place = 0;
+    for (size_t i = 0; i < count; ++i) {
+        sum += static_cast<uint32_t>(int32_t{value(i)} * int32_t{weights[place]});
+        place += step;
+    }
     return static_cast<int32_t>(sum);
+}
+
+// Row j of the kernel on the pixels of `row` from position x on. Only at the ends of the row can they lie outside.
+template <class S, class Weight>
+int32_t sumAlong(const S* row, size_t width, size_t x, size_t before, const Taps<Weight>& kernel, size_t j)
+{
+    const bool isInside = x >= before && x - before + kernel.M <= width;
+    if (isInside) {
+        const S* const pixels = row + (x - before);
+        return wrappingSum(
+            kernel.M, [=](size_t i) { return pixels[i]; }, kernel.row(j), kernel.step);
+    }
+    return wrappingSum(
+        kernel.M, [=](size_t i) { return row[nearest(x + i, before, width)]; }, kernel.row(j), kernel.step);
 }
 
 // `width` x `height` outputs; the window of the first begins beforeX columns and beforeY rows outside the picture.
@@ -51,9 +68,7 @@ rvkStatus correlate(uint32_t srcWidth, uint32_t srcHeight, Plane<const S> src, T
             uint32_t sum = 0;
             for (size_t j = 0; j < kernel.N; ++j) {
                 const S* row = src.row(nearest(y + j, beforeY, srcHeight));
-                sum += static_cast<uint32_t>(wrappingSum(
-                    kernel.M, [&](size_t i) { return row[nearest(x + i, beforeX, srcWidth)]; },
-                    [&](size_t i) { return kernel.at(i, j); }));
+                sum += static_cast<uint32_t>(sumAlong(row, srcWidth, x, beforeX, kernel, j));
             }
             dst.row(y)[x] = saturate<D>(static_cast<int32_t>(sum) >> shift);
         }
@@ -79,19 +94,16 @@ rvkStatus correlateSeparably(uint32_t width, uint32_t height, Plane<const S> src
     for (size_t y = 0; y < height + N - 1; ++y) {
         const S* row = src.row(nearest(y, N / 2, height));
         for (size_t x = 0; x < width; ++x)
-            rowSums[y % N * width + x] =
-                saturate<int16_t>(wrappingSum(
-                                      M, [&](size_t i) { return row[nearest(x + i, M / 2, width)]; },
-                                      [&](size_t i) { return kernelX.at(i, 0); }) >>
-                                  shiftX);
+            rowSums[y % N * width + x] = saturate<int16_t>(sumAlong(row, width, x, M / 2, kernelX, 0) >> shiftX);
         if (y + 1 < N)
             continue;
-        const size_t top = y + 1 - N;
+        const size_t top = y + 1 - N, oldest = top % N;
+        const auto rowOf = [=](size_t j) { return oldest + j < N ? oldest + j : oldest + j - N; };
         for (size_t x = 0; x < width; ++x)
-            dst.row(top)[x] = saturate<D>(wrappingSum(
-                                              N, [&](size_t j) { return rowSums[(top + j) % N * width + x]; },
-                                              [&](size_t j) { return kernelY.at(0, j); }) >>
-                                          shiftY);
+            dst.row(top)[x] = saturate<D>(
+                wrappingSum(
+                    N, [&](size_t j) { return rowSums[rowOf(j) * width + x]; }, kernelY.first, kernelY.step) >>
+                shiftY);
     }
     return RAVIK_SUCCESS;
 }
