@@ -1,6 +1,7 @@
 // How the C references walk images: rows, columns, one formula.
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <limits>
@@ -18,6 +19,28 @@ struct Plane {
 };
 template <class T>
 Plane(T*, uint32_t) -> Plane<T>;
+
+// An image that goes on beyond its edges: each pixel outside has the value of the nearest one inside, or all the same value.
+template <class T>
+struct BorderedImage {
+    Plane<const T> image;
+    int64_t right, bottom; // the last column and row
+    bool replicates;
+    T outside;
+
+    BorderedImage(Plane<const T> inside, size_t width, size_t height, bool replicate, T value)
+        : image(inside), right(static_cast<int64_t>(width) - 1), bottom(static_cast<int64_t>(height) - 1),
+          replicates(replicate), outside(value)
+    {
+    }
+
+    T at(int64_t x, int64_t y) const
+    {
+        const int64_t nearestX = std::clamp<int64_t>(x, 0, right), nearestY = std::clamp<int64_t>(y, 0, bottom);
+        const bool exists = x == nearestX && y == nearestY;
+        return exists || replicates ? image.row(static_cast<size_t>(nearestY))[nearestX] : outside;
+    }
+};
 
 // The value clamped to the range of To.
 template <class To, class From>

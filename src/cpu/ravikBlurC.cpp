@@ -101,18 +101,13 @@ void paddedRing(const int (&weights)[size], size_t width, size_t height, Plane<c
                 bool replicate, uint8_t outside, Finish finish)
 {
     constexpr int64_t radius = size / 2;
-    const int64_t right = static_cast<int64_t>(width) - 1, bottom = static_cast<int64_t>(height) - 1;
-    const auto pixel = [&](int64_t x, int64_t y) {
-        const int64_t nearestX = std::clamp<int64_t>(x, 0, right), nearestY = std::clamp<int64_t>(y, 0, bottom);
-        const bool exists = x == nearestX && y == nearestY;
-        return exists || replicate ? src.row(static_cast<size_t>(nearestY))[nearestX] : outside;
-    };
+    const BorderedImage<uint8_t> bordered(src, width, height, replicate, outside);
     forRing(radius, width, height, [&](size_t x, size_t y) {
         int sum = 0;
         for (size_t j = 0; j < size; ++j)
             for (size_t i = 0; i < size; ++i)
                 sum += weights[j] * weights[i] *
-                       pixel(static_cast<int64_t>(x + i) - radius, static_cast<int64_t>(y + j) - radius);
+                       bordered.at(static_cast<int64_t>(x + i) - radius, static_cast<int64_t>(y + j) - radius);
         dst.row(y)[x] = finish(sum);
     });
 }

@@ -58,17 +58,14 @@ void median3x3Interior(size_t width, size_t height, Plane<const uint8_t> src, Pl
 void median3x3Ring(uint32_t width, uint32_t height, Plane<const uint8_t> src, Plane<uint8_t> dst, bool replicate,
                    uint8_t outside)
 {
-    const int64_t right = int64_t{width} - 1, bottom = int64_t{height} - 1;
-    const auto pixel = [&](int64_t x, int64_t y) {
-        const int64_t nearestX = std::clamp<int64_t>(x, 0, right), nearestY = std::clamp<int64_t>(y, 0, bottom);
-        const bool exists = x == nearestX && y == nearestY;
-        return exists || replicate ? src.row(static_cast<size_t>(nearestY))[nearestX] : outside;
-    };
-    for (int64_t y = 0; y <= bottom; ++y)
-        for (int64_t x = 0; x <= right; ++x) {
-            if (y > 0 && y < bottom && x > 0 && x < right)
+    const BorderedImage<uint8_t> bordered(src, width, height, replicate, outside);
+    for (int64_t y = 0; y <= bordered.bottom; ++y)
+        for (int64_t x = 0; x <= bordered.right; ++x) {
+            if (y > 0 && y < bordered.bottom && x > 0 && x < bordered.right)
                 continue;
-            const auto column = [&](int64_t u) { return sorted(pixel(u, y - 1), pixel(u, y), pixel(u, y + 1)); };
+            const auto column = [&](int64_t u) {
+                return sorted(bordered.at(u, y - 1), bordered.at(u, y), bordered.at(u, y + 1));
+            };
             dst.row(static_cast<size_t>(y))[x] = medianOf(column(x - 1), column(x), column(x + 1));
         }
 }

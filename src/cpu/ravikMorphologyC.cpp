@@ -26,14 +26,13 @@ struct Smallest
 template <class Extreme>
 void filter3x3(uint32_t width, uint32_t height, Plane<const uint8_t> src, Plane<uint8_t> dst, uint8_t outside)
 {
+    const BorderedImage<uint8_t> bordered(src, width, height, false, outside);
     for (int64_t y = 0; y < height; ++y)
         for (int64_t x = 0; x < width; ++x) {
             uint8_t extreme = Extreme::neutral;
             for (int64_t v = y - 1; v <= y + 1; ++v)
-                for (int64_t u = x - 1; u <= x + 1; ++u) {
-                    const bool inside = u >= 0 && u < width && v >= 0 && v < height;
-                    extreme = Extreme::of(extreme, inside ? src.row(static_cast<size_t>(v))[u] : outside);
-                }
+                for (int64_t u = x - 1; u <= x + 1; ++u)
+                    extreme = Extreme::of(extreme, bordered.at(u, v));
             dst.row(static_cast<size_t>(y))[x] = extreme;
         }
 }
