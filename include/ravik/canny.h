@@ -3,9 +3,9 @@
  *
  * Gradient: dx and dy are Sobel's derivatives, not scaled; dx is right minus left, dy lower minus upper. The kernels are
  * products of a smoothing and a derivative part: 1 2 1 and -1 0 1 (3x3), 1 4 6 4 1 and -1 -2 0 2 1 (5x5),
- * 1 6 15 20 15 6 1 and -1 -4 -5 0 5 4 1 (7x7). 7x7 sums saturate to 16 bits, from steps of some fifty grey levels on;
- * where both dx and dy do, their direction is lost. (-32768 then counts as -32767.) Pixels outside the picture have the
- * value of the nearest one inside.
+ * 1 6 15 20 15 6 1 and -1 -4 -5 0 5 4 1 (7x7). Pixels outside the picture have the value of the nearest one inside. 7x7
+ * sums, up to 163200, enter the detection as sixteenths, rounded to the nearest, halves to the even one; that is what
+ * "dx" and "dy" mean below.
  *
  * Magnitude: |dx| + |dy|, or dx^2 + dy^2 where the function has a choice of norm; 0 outside the picture.
  *
@@ -19,7 +19,9 @@
  * threshold that are connected to them, in eight directions, through pixels of their kind. Edges become 255, all other
  * pixels 0.
  *
- * Thresholds: their absolute values count, at most 32767. When the low one is above the high one, they change places.
+ * Thresholds: their absolute values count, at most 32767, and are compared with gradients that are not scaled: a
+ * magnitude of sixteenths is above a threshold when 16 times the one is above the other. When the low one is above the
+ * high one, they change places.
  *
  * Common to all functions of this header:
  *   Shapes     widths and heights are in pixels and at least 1, pictures have at most 2^30 - 1 pixels. Strides are in
@@ -56,7 +58,8 @@ RVK_API rvkStatus rvkFilterCanny3x3u8_v3(const uint8_t* src, uint32_t srcWidth, 
 
 /* With a choice of gradient and norm. apertureSize is 3, 5 or 7; RAVIK_EBADPARAM for any other. normType is a
  * RAVIK_CANNY_NORM_... dx and dy, srcWidth x srcHeight elements with one stride between them, receive the gradient of
- * all pixels. RAVIK_ENORES when scratch memory cannot be had. */
+ * all pixels, not scaled; 7x7 sums saturate there, as those of rvkFilterSobel7x7u8s16 do. RAVIK_ENORES when scratch
+ * memory cannot be had. */
 RVK_API rvkStatus rvkFilterCannyu8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
                                    uint32_t apertureSize, int32_t lowThreshold, int32_t highThreshold,
                                    uint32_t normType, uint8_t* dst, uint32_t dstStride, int16_t* dx, int16_t* dy,

@@ -1,7 +1,7 @@
 // C reference of the Canny edge detector.
 #include "cpu/ravikCannyC.h"
 
-#include "cpu/image.h"
+#include "cpu/ravikGradientC.h"
 #include "functions.h"
 #include "scratch.h"
 
@@ -10,11 +10,13 @@
 
 namespace rvk {
 
-CannyThresholds cannyThresholds(int32_t low, int32_t high, bool squared)
+CannyThresholds cannyThresholds(int32_t low, int32_t high, uint32_t apertureSize, bool squared)
 {
+    constexpr int64_t largest = 32767;
+    const uint32_t scale = apertureSize == 7 ? kScaleOf7x7 : 1;
     const auto capped = [=](int64_t threshold) {
-        const auto size = static_cast<uint32_t>(std::min<int64_t>(std::abs(threshold), kLargestGradient));
-        return squared ? size * size : size;
+        const auto size = static_cast<uint32_t>(std::min(std::abs(threshold), largest));
+        return squared ? size * size / (scale * scale) : size / scale;
     };
     const auto [least, most] = std::minmax({capped(low), capped(high)});
     return {least, most};
@@ -22,26 +24,9 @@ CannyThresholds cannyThresholds(int32_t low, int32_t high, bool squared)
 
 namespace {
 
-// ---- the gradient --------------------------------------------------------------------------------------------------
-
-void gradient(uint32_t apertureSize, uint32_t width, uint32_t height, Plane<const uint8_t> src, Plane<int16_t> dx,
-              Plane<int16_t> dy)
-{
-    const auto sobel = apertureSize == 3   ? rvkFilterSobel3x3u8s16C
-                       : apertureSize == 5 ? rvkFilterSobel5x5u8s16C
-                                           : rvkFilterSobel7x7u8s16C;
-    sobel(src.data, width, height, src.stride, dx.data, dy.data, dx.stride, RAVIK_BORDER_REPLICATE, 0);
-}
-
-int32_t sizeOf(int32_t derivative)
-{
-    return std::min(std::abs(derivative), kLargestGradient);
-}
-
 uint32_t magnitude(int32_t dx, int32_t dy, bool squared)
 {
-    const auto x = static_cast<uint32_t>(sizeOf(dx)), y = static_cast<uint32_t>(sizeOf(dy));
-    return squared ? x * x + y * y : x + y;
+    return static_cast<uint32_t>(squared ? dx * dx + dy * dy : std::abs(dx) + std::abs(dy));
 }
 
 // ---- thinning ------------------------------------------------------------------------------------------------------
@@ -50,7 +35,7 @@ uint32_t magnitude(int32_t dx, int32_t dy, bool squared)
 // three rows.
 bool isRidge(const uint32_t* above, const uint32_t* here, const uint32_t* below, int32_t dx, int32_t dy)
 {
-    const int64_t x = sizeOf(dx), y = sizeOf(dy);
+    const int32_t x = std::abs(dx), y = std::abs(dy); // below 2^14: products fit 32 bits
     const uint32_t m = here[0];
     if (y * 32768 <= x * kTan22)
         return m > here[-1] && m >= here[1];
@@ -89,8 +74,10 @@ void track(uint8_t* map, size_t pitch, Stack& stack)
     }
 }
 
-rvkStatus canny(uint32_t apertureSize, uint32_t width, uint32_t height, Plane<const uint8_t> src,
-                CannyThresholds thresholds, bool squared, Plane<uint8_t> dst, Plane<int16_t> dx, Plane<int16_t> dy)
+// `fillGradient` fills dx and dy, once there is memory for the rest.
+template <class FillGradient>
+rvkStatus canny(uint32_t width, uint32_t height, CannyThresholds thresholds, bool squared, Plane<uint8_t> dst,
+                Plane<int16_t> dx, Plane<int16_t> dy, FillGradient fillGradient)
 {
     const size_t pitch = size_t{width} + 2; // of magnitudes and map: the pixels of a row between two that are 0
     const Scratch<uint32_t> magnitudes(3 * pitch), places(size_t{width} * height);
@@ -98,7 +85,7 @@ rvkStatus canny(uint32_t apertureSize, uint32_t width, uint32_t height, Plane<co
     if (!magnitudes || !places || !map)
         return RAVIK_ENORES;
 
-    gradient(apertureSize, width, height, src, dx, dy);
+    fillGradient();
     std::fill_n(magnitudes.get(), 3 * pitch, 0u);
     std::fill_n(map.get(), pitch * (size_t{height} + 2), uint8_t{kNothing});
     Stack stack{places.get()};
@@ -149,9 +136,8 @@ rvkStatus rvkFilterCanny3x3u8_v3C(const uint8_t* src, uint32_t srcWidth, uint32_
     const Scratch<int16_t> dx(pixels), dy(pixels);
     if (!dx || !dy)
         return RAVIK_ENORES;
-    const uint32_t stride = srcWidth * 2;
-    return canny(3, srcWidth, srcHeight, {src, srcStride}, cannyThresholds(lowThreshold, highThreshold, false), false,
-                 {dst, dstStride}, {dx.get(), stride}, {dy.get(), stride});
+    return rvkFilterCannyu8C(src, srcWidth, srcHeight, srcStride, 3, lowThreshold, highThreshold, RAVIK_CANNY_NORM_L1,
+                             dst, dstStride, dx.get(), dy.get(), srcWidth * 2);
 }
 
 rvkStatus rvkFilterCannyu8C(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
@@ -161,9 +147,24 @@ rvkStatus rvkFilterCannyu8C(const uint8_t* src, uint32_t srcWidth, uint32_t srcH
     if (apertureSize != 3 && apertureSize != 5 && apertureSize != 7)
         return RAVIK_EBADPARAM;
     const bool squared = normType == RAVIK_CANNY_NORM_L2;
-    return canny(apertureSize, srcWidth, srcHeight, {src, srcStride},
-                 cannyThresholds(lowThreshold, highThreshold, squared), squared, {dst, dstStride}, {dx, dxyStride},
-                 {dy, dxyStride});
+    const CannyThresholds thresholds = cannyThresholds(lowThreshold, highThreshold, apertureSize, squared);
+    const Plane out = {dst, dstStride};
+    const auto fillGradient = [=](auto sobel) {
+        sobel(src, srcWidth, srcHeight, srcStride, dx, dy, dxyStride, RAVIK_BORDER_REPLICATE, 0);
+    };
+    if (apertureSize != 7)
+        return canny(srcWidth, srcHeight, thresholds, squared, out, {dx, dxyStride}, {dy, dxyStride},
+                     [=] { fillGradient(apertureSize == 3 ? rvkFilterSobel3x3u8s16C : rvkFilterSobel5x5u8s16C); });
+
+    const size_t pixels = size_t{srcWidth} * srcHeight;
+    const Scratch<int16_t> scaledDx(pixels), scaledDy(pixels);
+    if (!scaledDx || !scaledDy)
+        return RAVIK_ENORES;
+    const Plane planeDx = {scaledDx.get(), srcWidth * 2}, planeDy = {scaledDy.get(), srcWidth * 2};
+    return canny(srcWidth, srcHeight, thresholds, squared, out, planeDx, planeDy, [=] {
+        fillGradient(rvkFilterSobel7x7u8s16C);
+        sobel7x7Sixteenths(srcWidth, srcHeight, {src, srcStride}, planeDx, planeDy);
+    });
 }
 
 } // namespace rvk

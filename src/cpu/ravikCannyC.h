@@ -8,15 +8,15 @@ namespace rvk {
 // The slope whose angle is 22.5 degrees, in units of 2^-15. That of 67.5 degrees is 2 more.
 constexpr int32_t kTan22 = 13573;
 
-// A derivative that saturates below zero counts as one that does above.
-constexpr int32_t kLargestGradient = 32767;
+// Gradients of 7x7 pixels count in sixteenths, which fit 16 bits.
+constexpr uint32_t kScaleOf7x7 = 16;
 
 struct CannyThresholds
 {
-    uint32_t low, high; // of magnitudes
+    uint32_t low, high; // of magnitudes: what is above them is above those of the caller
 };
 
-// From the arguments of the functions; squares for squared magnitudes.
-CannyThresholds cannyThresholds(int32_t low, int32_t high, bool squared);
+// From the arguments of the functions; of squares for squared magnitudes.
+CannyThresholds cannyThresholds(int32_t low, int32_t high, uint32_t apertureSize, bool squared);
 
 } // namespace rvk

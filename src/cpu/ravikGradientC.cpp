@@ -1,10 +1,8 @@
 // C references of image derivatives.
 #include "cpu/ravikGradientC.h"
-#include "cpu/image.h"
 #include "functions.h"
 
-#include <algorithm>
-#include <type_traits>
+#include <cstdlib>
 
 namespace rvk {
 namespace {
@@ -180,29 +178,27 @@ int windowSum(const int (&columns)[size], const int (&rows)[size], Pixel pixel)
     return sum;
 }
 
-template <size_t size>
+// What store() makes of the sums of all pixels, or, without a border, of those whose window lies in the picture.
+template <size_t size, class Store>
 void separable(const int (&columns)[size], const int (&rows)[size], uint32_t width, uint32_t height,
-               Plane<const uint8_t> src, Plane<int16_t> dst, uint32_t borderType, uint8_t borderValue)
+               Plane<const uint8_t> src, Plane<int16_t> dst, uint32_t borderType, uint8_t borderValue, Store store)
 {
     constexpr int64_t radius = size / 2;
     const bool replicate = borderType == RAVIK_BORDER_REPLICATE;
     const bool isBordered = replicate || borderType == RAVIK_BORDER_CONSTANT;
-    const int64_t margin = isBordered ? 0 : radius, right = int64_t{width} - 1, bottom = int64_t{height} - 1;
+    const BorderedImage<uint8_t> bordered(src, width, height, replicate, borderValue);
+    const int64_t margin = isBordered ? 0 : radius, right = bordered.right, bottom = bordered.bottom;
     for (int64_t y = margin; y <= bottom - margin; ++y)
         for (int64_t x = margin; x <= right - margin; ++x) {
             const auto inside = [&](size_t i, size_t j) {
                 return src.row(static_cast<size_t>(y - radius) + j)[static_cast<size_t>(x - radius) + i];
             };
             const auto inOrOutside = [&](size_t i, size_t j) {
-                const int64_t column = x - radius + static_cast<int64_t>(i), row = y - radius + static_cast<int64_t>(j);
-                const int64_t nearestColumn = std::clamp<int64_t>(column, 0, right);
-                const int64_t nearestRow = std::clamp<int64_t>(row, 0, bottom);
-                const bool exists = column == nearestColumn && row == nearestRow;
-                return exists || replicate ? src.row(static_cast<size_t>(nearestRow))[nearestColumn] : borderValue;
+                return bordered.at(x - radius + static_cast<int64_t>(i), y - radius + static_cast<int64_t>(j));
             };
             const bool isInterior = x >= radius && x <= right - radius && y >= radius && y <= bottom - radius;
-            dst.row(static_cast<size_t>(y))[x] = saturate<int16_t>(isInterior ? windowSum(columns, rows, inside)
-                                                                              : windowSum(columns, rows, inOrOutside));
+            dst.row(static_cast<size_t>(y))[x] =
+                store(isInterior ? windowSum(columns, rows, inside) : windowSum(columns, rows, inOrOutside));
         }
 }
 
@@ -212,9 +208,9 @@ rvkStatus sobel(const int (&smooth)[size], const int (&difference)[size], uint32
                 uint8_t borderValue)
 {
     if (dx.data)
-        separable(difference, smooth, width, height, src, dx, borderType, borderValue);
+        separable(difference, smooth, width, height, src, dx, borderType, borderValue, saturate<int16_t, int>);
     if (dy.data)
-        separable(smooth, difference, width, height, src, dy, borderType, borderValue);
+        separable(smooth, difference, width, height, src, dy, borderType, borderValue, saturate<int16_t, int>);
     return dx.data || dy.data ? RAVIK_SUCCESS : RAVIK_EFAIL;
 }
 
@@ -242,6 +238,14 @@ rvkStatus rvkFilterSobel7x7u8s16C(const uint8_t* src, uint32_t srcWidth, uint32_
 {
     return sobel(kSmooth7, kDifference7, srcWidth, srcHeight, {src, srcStride}, {dx, dxyStride}, {dy, dxyStride},
                  borderType, borderValue);
+}
+
+void sobel7x7Sixteenths(uint32_t width, uint32_t height, Plane<const uint8_t> src, Plane<int16_t> dx, Plane<int16_t> dy)
+{
+    // 7 or 8 sixteenths more, rounded down: a half goes up from an odd number alone.
+    const auto sixteenth = [](int sum) { return static_cast<int16_t>((sum + 7 + (sum >> 4 & 1)) >> 4); };
+    separable(kDifference7, kSmooth7, width, height, src, dx, RAVIK_BORDER_REPLICATE, 0, sixteenth);
+    separable(kSmooth7, kDifference7, width, height, src, dy, RAVIK_BORDER_REPLICATE, 0, sixteenth);
 }
 
 } // namespace rvk

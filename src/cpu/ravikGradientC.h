@@ -1,6 +1,8 @@
 // The derivative operators, for the references of everything that is made of them.
 #pragma once
 
+#include "cpu/image.h"
+
 #include <cstddef>
 #include <cstdint>
 
@@ -25,5 +27,10 @@ inline Derivatives sobel3x3(const uint8_t* above, const uint8_t* row, const uint
 {
     return derivatives3x3<1, 2>(above, row, below, x);
 }
+
+// The 7x7 Sobel sums of a picture that is continued by its nearest pixels, divided by 16 and rounded to the nearest,
+// halves to the even one: -10200..10200.
+void sobel7x7Sixteenths(uint32_t width, uint32_t height, Plane<const uint8_t> src, Plane<int16_t> dx,
+                        Plane<int16_t> dy);
 
 } // namespace rvk

@@ -6,8 +6,7 @@
 // A step is kBytes pixels. All working rows have room for whole steps.
 #include "cpu/ravikCannyC.h"
 #include "scratch.h"
-#include "vecta/simd/rowSums.h"
-#include "vecta/simd/rows.h"
+#include "vecta/simd/sobel.h"
 #include "vecta/vecta.h"
 
 namespace rvk::vecta::RVK_ISA {
@@ -25,84 +24,90 @@ struct Ring
 
 // ---- gradient ------------------------------------------------------------------------------------------------------
 
-template <int radius>
-struct Sobel;
-template <>
-struct Sobel<1>
+// The derivatives of a step of pixels, each in order.
+struct Derivative
 {
-    using Smoothing = Weights<1, 2, 1>;
-    using Derivative = Weights<-1, 0, 1>;
-    using Sum = int16_t;
-};
-template <>
-struct Sobel<2>
-{
-    using Smoothing = Weights<1, 4, 6, 4, 1>;
-    using Derivative = Weights<-1, -2, 0, 2, 1>;
-    using Sum = int16_t;
-};
-template <>
-struct Sobel<3>
-{
-    using Smoothing = Weights<1, 6, 15, 20, 15, 6, 1>;
-    using Derivative = Weights<-1, -4, -5, 0, 5, 4, 1>;
-    using Sum = int32_t;
+    Vecs<int16_t, 2> exact;  // saturated
+    Vecs<int16_t, 2> scaled; // for the detection
 };
 
-// A step of row sums, in the order of Pairs, as wide as sums of them are.
-template <class Sum>
-RVK_INLINE auto loadSums(const int16_t* p)
-{
-    const Vecs<int16_t, 2> v = loadVecs<2>(p);
-    if constexpr (sizeof(Sum) == 2) {
-        return v;
-    } else {
-        const Vecs<int32_t, 2> a = widenInLanes(v[0]), b = widenInLanes(v[1]);
-        return Vecs<int32_t, 4>{a[0], a[1], b[0], b[1]};
-    }
-}
-
-RVK_INLINE Pairs<int16_t> saturated(const Vecs<int16_t, 2>& v)
-{
-    return v;
-}
-RVK_INLINE Pairs<int16_t> saturated(const Vecs<int32_t, 4>& v)
-{
-    return {narrowSatInLanes<int16_t>(Vecs<int32_t, 2>{v[0], v[1]}),
-            narrowSatInLanes<int16_t>(Vecs<int32_t, 2>{v[2], v[3]})};
-}
-
-// The weighted sums of a step of row sums down a column.
-template <class W, class Sum, size_t count>
-RVK_INLINE Vecs<int16_t, 2> columnSum(const int16_t* const (&rows)[count], size_t x)
+// The weighted sums of a step of row sums, which are in the order of Pairs, down a column. Those of 3 and 5 rows fit 16
+// bits.
+template <class W, size_t count>
+RVK_INLINE Derivative columnSum(const int16_t* const (&rows)[count], size_t x)
 {
     static_assert(W::at(count - 1) == 1);
-    auto sum = loadSums<Sum>(rows[count - 1] + x);
+    Vecs<int16_t, 2> sum = loadVecs<2>(rows[count - 1] + x);
     unrolled<count - 1>([&](auto k) RVK_INLINE_LAMBDA {
         if constexpr (W::at(k) != 0) {
-            const auto v = loadSums<Sum>(rows[k] + x);
-            unrolled<sizeof v / kBytes>([&](auto i) RVK_INLINE_LAMBDA {
-                if constexpr (W::at(k) == -1)
-                    sum[i] = sum[i] - v[i];
-                else
-                    sum[i] = sum[i] + v[i] * splat(static_cast<Sum>(W::at(k)));
-            });
+            const Vecs<int16_t, 2> v = loadVecs<2>(rows[k] + x);
+            if constexpr (W::at(k) == -1)
+                sum = sum - v;
+            else
+                sum = sum + int16_t{W::at(k)} * v;
         }
     });
-    return orderPairs(saturated(sum));
+    sum = orderPairs(sum);
+    return {sum, sum};
+}
+
+// Of the rows 0, 1, 2 and 3 away from the centre, those on both sides together, in the order of narrowSatInLanes.
+template <int w0, int w1, int w2, int w3>
+RVK_INLINE Vecs<int32_t, 2> weightedSum(Vec<int16_t> v0, Vec<int16_t> v1, Vec<int16_t> v2, Vec<int16_t> v3)
+{
+#if defined(__x86_64__)
+    const Vecs<int16_t, 2> a = zipInLanes(v0, v1), b = zipInLanes(v2, v3);
+    return {weightedPairs<int32_t, w0, w1>(a[0]) + weightedPairs<int32_t, w2, w3>(b[0]),
+            weightedPairs<int32_t, w0, w1>(a[1]) + weightedPairs<int32_t, w2, w3>(b[1])};
+#else
+    const auto sum = [](int16x4_t a, int16x4_t b, int16x4_t c, int16x4_t d) RVK_INLINE_LAMBDA {
+        int32x4_t r = vmlal_n_s16(vmlal_n_s16(vmull_n_s16(b, w1), c, w2), d, w3);
+        if constexpr (w0 != 0)
+            r = vmlal_n_s16(r, a, w0);
+        return vec(r);
+    };
+    return {sum(lowHalf(v0), lowHalf(v1), lowHalf(v2), lowHalf(v3)),
+            sum(highHalf(v0), highHalf(v1), highHalf(v2), highHalf(v3))};
+#endif
+}
+
+// v / 16, rounded to the nearest, halves to the even one: 7 or 8 sixteenths more, rounded down.
+RVK_INLINE Vec<int32_t> sixteenth(Vec<int32_t> v)
+{
+    const Vec<int32_t> isOdd = shiftRight(v, 4) & splat<int32_t>(1);
+    return shiftRight(v + splat<int32_t>(7) + isOdd, 4);
+}
+static_assert(kScaleOf7x7 == 16);
+
+template <class W>
+RVK_INLINE Derivative columnSum(const int16_t* const (&rows)[7], size_t x)
+{
+    Pairs<int16_t> exact, scaled;
+    unrolled<2>([&](auto i) RVK_INLINE_LAMBDA {
+        const auto bothSides = [&](size_t k) RVK_INLINE_LAMBDA {
+            const Vec<int16_t> a = load(rows[3 - k] + x + i * Vec<int16_t>::lanes);
+            const Vec<int16_t> b = load(rows[3 + k] + x + i * Vec<int16_t>::lanes);
+            return W::anyNegative ? b - a : b + a;
+        };
+        const Vecs<int32_t, 2> sum = weightedSum<W::at(3), W::at(4), W::at(5), W::at(6)>(
+            load(rows[3] + x + i * Vec<int16_t>::lanes), bothSides(1), bothSides(2), bothSides(3));
+        exact[i] = narrowSatInLanes<int16_t>(sum);
+        scaled[i] = narrowSatInLanes<int16_t>(Vecs<int32_t, 2>{sixteenth(sum[0]), sixteenth(sum[1])});
+    });
+    return {orderPairs(exact), orderPairs(scaled)};
 }
 
 template <int radius>
 struct Gradient
 {
     static constexpr size_t count = 2 * radius + 1;
-    using Smoothing = typename Sobel<radius>::Smoothing;
-    using Derivative = typename Sobel<radius>::Derivative;
-    using Sum = typename Sobel<radius>::Sum;
+    static constexpr bool isScaled = radius == 3;
+    using Smoothing = typename SobelWeights<count>::Smoothing;
+    using Difference = typename SobelWeights<count>::Difference;
 
     size_t width, height;
     uint8_t* line; // a row of the picture, continued by its ends
-    Ring<int16_t, count> smoothed, derived;
+    Ring<int16_t, count> smoothed, differences;
 
     // Elements of `line`, and of the two rings together.
     static RVK_INLINE size_t lineSize(size_t pitch) { return pitch + count - 1; }
@@ -114,26 +119,32 @@ struct Gradient
         __builtin_memset(line, row[0], radius);
         __builtin_memcpy(line + radius, row, width);
         __builtin_memset(line + radius + width, row[width - 1], radius);
-        int16_t *smooth = smoothed.row(y), *derivative = derived.row(y);
+        int16_t *smooth = smoothed.row(y), *difference = differences.row(y);
         for (size_t x = 0; x < width; x += kBytes) {
             const Pairs<uint16_t> sums = rowSum<Smoothing>(line + x);
             store(smooth + x, Vecs<int16_t, 2>{bitCast<int16_t>(sums[0]), bitCast<int16_t>(sums[1])});
-            store(derivative + x, rowSum<Derivative>(line + x));
+            store(difference + x, rowSum<Difference>(line + x));
         }
     }
 
-    // The gradient of row y, once all rows of its windows have been taken.
-    RVK_INLINE void computeRow(size_t y, int16_t* dx, int16_t* dy) const
+    // The gradient of row y, once all rows of its windows have been taken: for the detection and, where that is scaled,
+    // as it is.
+    RVK_INLINE void computeRow(size_t y, int16_t* dx, int16_t* dy, int16_t* exactDx, int16_t* exactDy) const
     {
-        const int16_t *smooth[count], *derivative[count];
+        const int16_t *smooth[count], *difference[count];
         for (size_t k = 0; k < count; ++k) {
             const size_t source = nearest(y + k, radius, height);
             smooth[k] = smoothed.row(source);
-            derivative[k] = derived.row(source);
+            difference[k] = differences.row(source);
         }
         for (size_t x = 0; x < width; x += kBytes) {
-            store(dx + x, columnSum<Smoothing, Sum>(derivative, x));
-            store(dy + x, columnSum<Derivative, Sum>(smooth, x));
+            const Derivative h = columnSum<Smoothing>(difference, x), v = columnSum<Difference>(smooth, x);
+            store(dx + x, h.scaled);
+            store(dy + x, v.scaled);
+            if constexpr (isScaled) {
+                store(exactDx + x, h.exact);
+                store(exactDy + x, v.exact);
+            }
         }
     }
 };
@@ -149,21 +160,11 @@ RVK_INLINE Vec<M> loadGradient(const int16_t* p)
         return loadWiden<M>(p);
 }
 
-// Only gradients that may have saturated need more than 16 bits and the limit.
-RVK_INLINE Vec<int16_t> sizeOf(Vec<int16_t> v)
-{
-    return abs(v);
-}
-RVK_INLINE Vec<int32_t> sizeOf(Vec<int32_t> v)
-{
-    return min(abs(v), splat<int32_t>(kLargestGradient));
-}
-
 template <class M, bool squared>
 RVK_INLINE void computeMagnitudes(size_t width, const int16_t* dx, const int16_t* dy, M* magnitudes)
 {
     for (size_t i = 0; i < width; i += Vec<M>::lanes) {
-        const Vec<M> x = sizeOf(loadGradient<M>(dx + i)), y = sizeOf(loadGradient<M>(dy + i));
+        const Vec<M> x = abs(loadGradient<M>(dx + i)), y = abs(loadGradient<M>(dy + i));
         store(magnitudes + i, squared ? x * x + y * y : x + y);
     }
 }
@@ -189,7 +190,7 @@ struct Column
 template <class M>
 RVK_INLINE Vec<M> ridges(Column<M> at, Vec<M> dx, Vec<M> dy, Vec<M> low, Vec<M> high)
 {
-    const Vec<M> x = sizeOf(dx), y = sizeOf(dy), flat = timesTan22(x);
+    const Vec<M> x = abs(dx), y = abs(dy), flat = timesTan22(x);
     const Mask<M> horizontal = ~greater(y, flat), vertical = greater(y, flat + x + x);
     const Mask<M> rising = less(dx ^ dy, zero<M>());
     const Vec<M> before =
@@ -341,7 +342,7 @@ rvkStatus detect(size_t width, size_t height, Plane<const uint8_t> src, CannyThr
     const size_t magnitudePitch = pitch + 2 * kBytes; // with a vector of zeros at each end
     const size_t words = EdgeMap::wordsOf(width, height);
     const Scratch<uint8_t> line(Gradients::lineSize(pitch));
-    const Scratch<int16_t> sums(Gradients::sumsSize(pitch), kBytes), gradients(4 * pitch, kBytes);
+    const Scratch<int16_t> sums(Gradients::sumsSize(pitch), kBytes), gradients(6 * pitch, kBytes);
     const Scratch<M> magnitudes(3 * magnitudePitch, kBytes);
     const Scratch<Word> bits(3 * words);
     const Scratch<uint32_t> waiting(words);
@@ -354,6 +355,7 @@ rvkStatus detect(size_t width, size_t height, Plane<const uint8_t> src, CannyThr
     const Gradients gradient = {
         width, height, line.get(), {sums.get(), pitch}, {sums.get() + Gradients::count * pitch, pitch}};
     const Ring<int16_t, 2> dxRows = {gradients.get(), pitch}, dyRows = {gradients.get() + 2 * pitch, pitch};
+    int16_t *const exactDx = gradients.get() + 4 * pitch, *const exactDy = exactDx + pitch; // where they are scaled
     const Ring<M, 3> magnitudeRows = {magnitudes.get() + kBytes, magnitudePitch};
     EdgeMap map = {words,        EdgeMap::pitchOf(width), bits.get(), bits.get() + words, bits.get() + 2 * words,
                    waiting.get()};
@@ -363,12 +365,12 @@ rvkStatus detect(size_t width, size_t height, Plane<const uint8_t> src, CannyThr
         if (y < height) {
             for (; taken < height && taken <= y + radius; ++taken)
                 gradient.takeRow(taken, src.row(taken));
-            gradient.computeRow(y, dxRows.row(y), dyRows.row(y));
+            gradient.computeRow(y, dxRows.row(y), dyRows.row(y), exactDx, exactDy);
             computeMagnitudes<M, squared>(width, dxRows.row(y), dyRows.row(y), current);
             __builtin_memset(current + width, 0, (pitch - width) * sizeof(M));
             if (dx.data) {
-                __builtin_memcpy(dx.row(y), dxRows.row(y), width * sizeof(int16_t));
-                __builtin_memcpy(dy.row(y), dyRows.row(y), width * sizeof(int16_t));
+                __builtin_memcpy(dx.row(y), Gradients::isScaled ? exactDx : dxRows.row(y), width * sizeof(int16_t));
+                __builtin_memcpy(dy.row(y), Gradients::isScaled ? exactDy : dyRows.row(y), width * sizeof(int16_t));
             }
         } else {
             __builtin_memset(current, 0, width * sizeof(M));
@@ -401,7 +403,7 @@ rvkStatus rvkFilterCanny3x3u8_v3V(const uint8_t* src, uint32_t srcWidth, uint32_
                                   uint8_t* dst, uint32_t dstStride, int32_t lowThreshold, int32_t highThreshold)
 {
     return detect<1, int16_t, false>(srcWidth, srcHeight, {src, srcStride},
-                                     cannyThresholds(lowThreshold, highThreshold, false), {dst, dstStride}, {}, {});
+                                     cannyThresholds(lowThreshold, highThreshold, 3, false), {dst, dstStride}, {}, {});
 }
 
 rvkStatus rvkFilterCannyu8V(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
@@ -411,8 +413,8 @@ rvkStatus rvkFilterCannyu8V(const uint8_t* src, uint32_t srcWidth, uint32_t srcH
     const bool squared = normType == RAVIK_CANNY_NORM_L2;
     const auto run = [&](auto function) {
         return function(srcWidth, srcHeight, Plane<const uint8_t>{src, srcStride},
-                        cannyThresholds(lowThreshold, highThreshold, squared), Plane<uint8_t>{dst, dstStride},
-                        Plane<int16_t>{dx, dxyStride}, Plane<int16_t>{dy, dxyStride});
+                        cannyThresholds(lowThreshold, highThreshold, apertureSize, squared),
+                        Plane<uint8_t>{dst, dstStride}, Plane<int16_t>{dx, dxyStride}, Plane<int16_t>{dy, dxyStride});
     };
     switch (apertureSize) {
     case 3:
@@ -420,7 +422,7 @@ rvkStatus rvkFilterCannyu8V(const uint8_t* src, uint32_t srcWidth, uint32_t srcH
     case 5:
         return squared ? run(detect<2, int32_t, true>) : run(detect<2, int16_t, false>);
     case 7:
-        return squared ? run(detect<3, int32_t, true>) : run(detect<3, int32_t, false>);
+        return squared ? run(detect<3, int32_t, true>) : run(detect<3, int16_t, false>);
     default:
         return RAVIK_EBADPARAM;
     }

@@ -291,26 +291,6 @@ void rvkFilterSobel3x3u8_v2V(const uint8_t* src, uint32_t srcWidth, uint32_t src
 
 namespace {
 
-// The weights of pixels beside the centre, by their distance. What is the same on both sides is added, or subtracted,
-// first.
-template <size_t size>
-struct SobelWeights;
-template <>
-struct SobelWeights<3>
-{
-    static constexpr int smooth[] = {2, 1}, difference[] = {0, 1};
-};
-template <>
-struct SobelWeights<5>
-{
-    static constexpr int smooth[] = {6, 4, 1}, difference[] = {0, 2, 1};
-};
-template <>
-struct SobelWeights<7>
-{
-    static constexpr int smooth[] = {20, 15, 6, 1}, difference[] = {0, 5, 4, 1};
-};
-
 using Words = Vec<int16_t>;
 
 template <int weight>
@@ -326,15 +306,17 @@ RVK_INLINE Words weighted(Words v)
         return splat<int16_t>(weight) * v;
 }
 
-// `at(k)` gives the pixels of the window from its first to its last.
+// `at(k)` gives the pixels of the window from its first to its last. What has the same weight on both sides is added,
+// or subtracted, first.
 template <size_t size, class At>
 RVK_INLINE Words smoothed(At at)
 {
     constexpr size_t radius = size / 2;
-    Words sum = weighted<SobelWeights<size>::smooth[0]>(at(radius));
+    using W = typename SobelWeights<size>::Smoothing;
+    Words sum = weighted<W::at(radius)>(at(radius));
     unrolled<radius>([&](auto i) RVK_INLINE_LAMBDA {
         constexpr size_t k = i + 1;
-        sum = sum + weighted<SobelWeights<size>::smooth[k]>(at(radius - k) + at(radius + k));
+        sum = sum + weighted<W::at(radius + k)>(at(radius - k) + at(radius + k));
     });
     return sum;
 }
@@ -343,10 +325,11 @@ template <size_t size, class At>
 RVK_INLINE Words differences(At at)
 {
     constexpr size_t radius = size / 2;
+    using W = typename SobelWeights<size>::Difference;
     Words sum = zero<int16_t>();
     unrolled<radius>([&](auto i) RVK_INLINE_LAMBDA {
         constexpr size_t k = i + 1;
-        const Words term = weighted<SobelWeights<size>::difference[k]>(at(radius + k) - at(radius - k));
+        const Words term = weighted<W::at(radius + k)>(at(radius + k) - at(radius - k));
         sum = i == 0 ? term : sum + term;
     });
     return sum;
@@ -366,7 +349,7 @@ template <size_t size>
 RVK_INLINE Words smoothedAlong(const int16_t* p)
 {
     if constexpr (size == 7)
-        return saturated(rowSum<Weights<1, 6, 15, 20, 15, 6, 1>>(p));
+        return saturated(rowSum<SobelWeights<7>::Smoothing>(p));
     else
         return smoothed<size>([=](size_t k) RVK_INLINE_LAMBDA { return load(p + k); });
 }
@@ -375,7 +358,7 @@ template <size_t size>
 RVK_INLINE Words differencesAlong(const int16_t* p)
 {
     if constexpr (size == 7)
-        return saturated(rowSum<Weights<-1, -4, -5, 0, 5, 4, 1>>(p));
+        return saturated(rowSum<SobelWeights<7>::Difference>(p));
     else
         return differences<size>([=](size_t k) RVK_INLINE_LAMBDA { return load(p + k); });
 }

@@ -1,10 +1,32 @@
-// Derivatives of 3x3 pixels, as kernels of windows.h.
+// The weights of Sobel's derivatives, and derivatives of 3x3 pixels as kernels of windows.h.
 #pragma once
 
 #include "vecta/simd/windows.h"
 
 namespace rvk::vecta::RVK_ISA {
 namespace {
+
+// Derivatives are differences along one axis of sums that are smoothed along the other.
+template <size_t size>
+struct SobelWeights;
+template <>
+struct SobelWeights<3>
+{
+    using Smoothing = Weights<1, 2, 1>;
+    using Difference = Weights<-1, 0, 1>;
+};
+template <>
+struct SobelWeights<5>
+{
+    using Smoothing = Weights<1, 4, 6, 4, 1>;
+    using Difference = Weights<-1, -2, 0, 2, 1>;
+};
+template <>
+struct SobelWeights<7>
+{
+    using Smoothing = Weights<1, 6, 15, 20, 15, 6, 1>;
+    using Difference = Weights<-1, -4, -5, 0, 5, 4, 1>;
+};
 
 // The derivatives of a step of pixels: as many as a vector has bytes.
 struct Derivatives
