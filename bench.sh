@@ -20,7 +20,8 @@ if [ "${1-}" = --arm ]; then
     qemu-arm -L /usr/arm-linux-gnueabihf -plugin "$plugin,count=$count" \
         "$root/build/arm-bench/bench/ravikBench" --arm "$count" "$@"
 else
-    need /usr/include/opencv4/opencv2/imgproc.hpp:libopencv-imgproc-dev /usr/include/libyuv.h:libyuv-dev
+    needOpenCv
+    need /usr/include/libyuv.h:libyuv-dev
     build release ravikBench || exit 1
     "$root/build/release/bench/ravikBench" "$@"
 fi

@@ -132,7 +132,8 @@ fuzz()
 needs() # STEP
 {
     case $1 in
-    host | asan | tsan) needBuildTools pkg-config:pkg-config /usr/src/googletest/CMakeLists.txt:googletest ;;
+    host) needBuildTools pkg-config:pkg-config /usr/src/googletest/CMakeLists.txt:googletest && needOpenCv ;;
+    asan | tsan) needBuildTools pkg-config:pkg-config /usr/src/googletest/CMakeLists.txt:googletest ;;
     arm) needBuildTools /usr/src/googletest/CMakeLists.txt:googletest && needArm ;;
     clang | fuzz)
         needBuildTools pkg-config:pkg-config /usr/src/googletest/CMakeLists.txt:googletest clang++-14:clang-14 \

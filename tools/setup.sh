@@ -55,6 +55,8 @@ needArm()
         /usr/arm-linux-gnueabihf/include/stdio.h:libc6-dev-armhf-cross qemu-arm:qemu-user
 }
 
+needOpenCv() { need /usr/include/opencv4/opencv2/imgproc.hpp:libopencv-imgproc-dev; }
+
 # build PRESET [TARGET...]: configures and builds; quiet unless something is wrong.
 build()
 {
