@@ -21,6 +21,7 @@ std::span<const TestGroup> testGroups()
         {"FIR", 3, RAVIK_TEST_FIR_Test, firFunctions},
         {"EDGE", 5, RAVIK_TEST_EDGE_Test, edgeFunctions},
         {"MINMAX", 6, RAVIK_TEST_MINMAX_Test, minMaxFunctions},
+        {"SMOOTH", 6, RAVIK_TEST_SMOOTH_Test, smoothFunctions},
         {"ARITHM", 6, RAVIK_TEST_ARITHM_Test, arithmeticFunctions},
     };
     return groups;

@@ -3,6 +3,7 @@
 #define RAVIK_RAVIK_H
 
 #include "arithm.h"
+#include "bilateral.h"
 #include "bitcount.h"
 #include "bitwise.h"
 #include "blur.h"

@@ -1,0 +1,127 @@
+// C references of the bilateral filters.
+#include "cpu/ravikBilateralC.h"
+
+#include "cpu/image.h"
+#include "functions.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+
+namespace rvk {
+
+// ---- windows: weights ---------------------------------------------------------------------------
+
+namespace {
+constexpr double kBend = 0.474; // the factor of u^2
+}
+
+int multiplyRounded(int a, int b)
+{
+    return (a * b + (1 << 14)) >> 15;
+}
+
+RangeScale rangeScale(float32_t sigmaColor)
+{
+    const double sigma = std::min<double>(sigmaColor, 2048);
+    const double step = 32768 * std::sqrt(std::sqrt(kBend)) / 8 / sigma; // of t, from one grey level to the next
+    const double limit = std::ceil(19500 / step);                        // weights are 0 from t = 19500 on
+    const double factor = std::floor(32767 / limit);
+    const double scale = std::min(std::nearbyint(step / factor * 32768), 32767.0);
+    return {static_cast<int16_t>(limit), static_cast<int16_t>(factor), static_cast<int16_t>(scale)};
+}
+
+int16_t weightAtDistance(int dx, int dy, float32_t sigmaSpace)
+{
+    const double sigma = sigmaSpace, u = (dx * dx + dy * dy) / (32 * sigma * sigma);
+    const double vertex = 32768 / (2 * std::sqrt(kBend)); // of the parabola that the weight begins as
+    return static_cast<int16_t>(std::nearbyint(std::max(vertex - 32768 * std::sqrt(kBend) * u, 0.0)));
+}
+
+// ---- windows ------------------------------------------------------------------------------------
+
+namespace {
+
+int weightOf(int atDistance, int difference, RangeScale scale)
+{
+    const int t = multiplyRounded(std::min<int>(difference, scale.limit) * scale.factor, scale.scale);
+    const int rest = std::max(atDistance - multiplyRounded(t, std::min(2 * t, 32767)), 0);
+    int weight = multiplyRounded(rest, rest) + kWeightFloor;
+    for (int i = 0; i < kWeightSquarings; ++i)
+        weight = multiplyRounded(weight, weight);
+    return weight;
+}
+
+// The weights of all neighbours and differences.
+template <int radius>
+struct Weights
+{
+    static constexpr int side = 2 * radius + 1;
+    int16_t values[side][side][256];
+
+    Weights(float32_t sigmaColor, float32_t sigmaSpace)
+    {
+        const RangeScale scale = rangeScale(sigmaColor);
+        for (int dy = -radius; dy <= radius; ++dy)
+            for (int dx = -radius; dx <= radius; ++dx)
+                for (int difference = 0; difference < 256; ++difference) {
+                    const int atDistance = weightAtDistance(dx, dy, sigmaSpace);
+                    values[dy + radius][dx + radius][difference] =
+                        static_cast<int16_t>(weightOf(atDistance, difference, scale));
+                }
+    }
+};
+
+struct Size
+{
+    int64_t width, height;
+};
+
+template <int radius>
+uint8_t meanOfWindow(Size size, Plane<const uint8_t> src, const Weights<radius>& weights, int64_t x, int64_t y)
+{
+    const int pixel = src.row(static_cast<size_t>(y))[x];
+    const int64_t left = std::max<int64_t>(x - radius, 0), right = std::min(x + radius, size.width - 1);
+    const int64_t top = std::max<int64_t>(y - radius, 0), bottom = std::min(y + radius, size.height - 1);
+    int sum = 0, total = 0;
+    for (int64_t v = top; v <= bottom; ++v)
+        for (int64_t u = left; u <= right; ++u) {
+            const int difference = src.row(static_cast<size_t>(v))[u] - pixel;
+            const int weight = weights.values[v - y + radius][u - x + radius][std::abs(difference)];
+            sum += weight * difference;
+            total += weight;
+        }
+    const float mean = std::nearbyint(static_cast<float>(sum) / static_cast<float>(total));
+    return static_cast<uint8_t>(pixel + static_cast<int>(mean));
+}
+
+template <int radius>
+void filterWindows(Size size, Plane<const uint8_t> src, Plane<uint8_t> dst, float32_t sigmaColor, float32_t sigmaSpace)
+{
+    const Weights<radius> weights(sigmaColor, sigmaSpace);
+    for (int64_t y = 0; y < size.height; ++y)
+        for (int64_t x = 0; x < size.width; ++x)
+            dst.row(static_cast<size_t>(y))[x] = meanOfWindow(size, src, weights, x, y);
+}
+
+} // namespace
+
+#define RVK_BILATERAL_FILTER(name, radius)                                                                            \
+    rvkStatus name##_v2C(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride, uint8_t* dst, \
+                         uint32_t dstStride, float32_t sigmaColor, float32_t sigmaSpace)                              \
+    {                                                                                                                 \
+        filterWindows<radius>({srcWidth, srcHeight}, {src, srcStride}, {dst, dstStride}, sigmaColor, sigmaSpace);     \
+        return RAVIK_SUCCESS;                                                                                         \
+    }                                                                                                                 \
+    void name##C(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride, uint8_t* dst,         \
+                 uint32_t dstStride)                                                                                  \
+    {                                                                                                                 \
+        name##_v2C(src, srcWidth, srcHeight, srcStride, dst, dstStride, kBilateralSigmaColor,                         \
+                   bilateralSigmaSpace(radius));                                                                      \
+    }
+RVK_BILATERAL_FILTER(rvkBilateralFilter5x5u8, 2)
+RVK_BILATERAL_FILTER(rvkBilateralFilter7x7u8, 3)
+RVK_BILATERAL_FILTER(rvkBilateralFilter9x9u8, 4)
+#undef RVK_BILATERAL_FILTER
+
+} // namespace rvk

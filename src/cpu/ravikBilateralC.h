@@ -1,0 +1,34 @@
+// The weights of the bilateral filters, for the references and the vector implementations. <ravik/bilateral.h> has the
+// formulas.
+#pragma once
+
+#include <ravik/types.h>
+
+namespace rvk {
+
+// ---- windows: numbers of 15 bits ----------------------------------------------------------------
+
+constexpr float32_t kBilateralSigmaColor = 25;
+constexpr float32_t bilateralSigmaSpace(int radius)
+{
+    return static_cast<float32_t>(radius) / 2;
+}
+
+// a . b
+int multiplyRounded(int a, int b);
+
+// What makes t of a difference of grey levels.
+struct RangeScale
+{
+    int16_t limit, factor, scale;
+};
+RangeScale rangeScale(float32_t sigmaColor);
+
+// What t . 2t is subtracted from for a neighbour at this distance.
+int16_t weightAtDistance(int dx, int dy, float32_t sigmaSpace);
+
+constexpr int16_t kWeightFloor = 15485;
+constexpr int kWeightSquarings = 4;
+constexpr int16_t kOwnWeight = 32752; // of the pixel itself
+
+} // namespace rvk

@@ -1,0 +1,220 @@
+#include "support/logCapture.h"
+#include "support/trial.h"
+
+#include <algorithm>
+#include <cmath>
+
+using namespace test;
+
+namespace {
+
+// ---- the references ----
+
+struct Picture
+{
+    int width, height;
+    std::vector<uint8_t> pixels;
+
+    int at(int x, int y) const { return pixels[static_cast<size_t>(y * width + x)]; }
+};
+
+Picture randomPicture(Random& random, uint32_t width, uint32_t height)
+{
+    const auto content = static_cast<Content>(random.below(static_cast<uint32_t>(Content::count)));
+    Picture picture{static_cast<int>(width), static_cast<int>(height), {}};
+    for (uint32_t i = 0; i < width * height; ++i)
+        picture.pixels.push_back(drawElement<uint8_t>(random, content));
+    return picture;
+}
+
+// Regions with noise, single outliers and an edge: what the filter is for.
+Picture noisyRegions(Random& random, uint32_t width, uint32_t height, uint32_t noise)
+{
+    Picture picture{static_cast<int>(width), static_cast<int>(height), {}};
+    for (uint32_t y = 0; y < height; ++y)
+        for (uint32_t x = 0; x < width; ++x) {
+            const uint32_t region = x < width / 2 ? 60 : y < height / 2 ? 110 : 190;
+            const uint32_t pixel = random.below(50) ? region + random.below(noise + 1) - noise / 2 : random.below(256);
+            picture.pixels.push_back(static_cast<uint8_t>(pixel));
+        }
+    return picture;
+}
+
+using Filter = decltype(rvkBilateralFilter5x5u8_v2);
+
+std::vector<uint8_t> filtered(Filter* filter, const Picture& src, float sigmaColor, float sigmaSpace)
+{
+    std::vector<uint8_t> dst(src.pixels.size(), 77);
+    EXPECT_EQ(filter(src.pixels.data(), static_cast<uint32_t>(src.width), static_cast<uint32_t>(src.height),
+                     static_cast<uint32_t>(src.width), dst.data(), static_cast<uint32_t>(src.width), sigmaColor,
+                     sigmaSpace),
+              RAVIK_SUCCESS);
+    return dst;
+}
+
+// The mean with the true weights.
+double trueMean(const Picture& src, int radius, double sigmaColor, double sigmaSpace, int x, int y)
+{
+    double sum = 0, total = 0;
+    for (int v = y - radius; v <= y + radius; ++v)
+        for (int u = x - radius; u <= x + radius; ++u) {
+            if (u < 0 || u >= src.width || v < 0 || v >= src.height)
+                continue;
+            const double far = std::hypot(u - x, v - y) / sigmaSpace;
+            const double different = (src.at(u, v) - src.at(x, y)) / sigmaColor;
+            const double weight = std::exp(-(far * far + different * different) / 2);
+            sum += weight * src.at(u, v);
+            total += weight;
+        }
+    return sum / total;
+}
+
+void expectTrueMeans(Filter* filter, int radius, const Picture& src, float sigmaColor, float sigmaSpace)
+{
+    const std::vector<uint8_t> dst = filtered(filter, src, sigmaColor, sigmaSpace);
+    for (int y = 0; y < src.height; ++y)
+        for (int x = 0; x < src.width; ++x)
+            ASSERT_NEAR(dst[static_cast<size_t>(y * src.width + x)],
+                        std::round(trueMean(src, radius, sigmaColor, sigmaSpace, x, y)), 1)
+                << "radius " << radius << ", sigmas " << sigmaColor << " and " << sigmaSpace << ", at " << x << ", "
+                << y << " of " << src.width << "x" << src.height;
+}
+
+TEST(Bilateral, ReferenceIsTheMeanWithGaussianWeights)
+{
+    Random random(7);
+    for (int trial = 0; trial < 60; ++trial) {
+        const uint32_t width = 9 + random.below(20), height = 9 + random.below(20);
+        const Picture src =
+            trial % 2 ? randomPicture(random, width, height) : noisyRegions(random, width, height, random.below(60));
+        // From sigmas that keep everything to such that nearly make it a mean.
+        const float sigmaColor = std::exp2(static_cast<float>(random.below(90)) / 10 - 1);
+        const float sigmaSpace = std::exp2(static_cast<float>(random.below(60)) / 10 - 1);
+        expectTrueMeans(rvkBilateralFilter5x5u8_v2C, 2, src, sigmaColor, sigmaSpace);
+        expectTrueMeans(rvkBilateralFilter7x7u8_v2C, 3, src, sigmaColor, sigmaSpace);
+        expectTrueMeans(rvkBilateralFilter9x9u8_v2C, 4, src, sigmaColor, sigmaSpace);
+        if (HasFatalFailure())
+            return;
+    }
+}
+
+// One pixel among equal ones: with few differences the weight alone decides.
+TEST(Bilateral, WeightsAreGaussian)
+{
+    constexpr int rows = 5, columns = 5;
+    for (const float sigmaColor : {0.3f, 1.0f, 2.5f, 7.0f, 25.0f, 80.0f, 300.0f, 2048.0f})
+        for (int difference = 0; difference < 256; ++difference) {
+            Picture src{columns, rows, std::vector<uint8_t>(rows * columns, static_cast<uint8_t>(difference))};
+            src.pixels[12] = 0;
+            const double weight = std::exp(-difference * difference / (2.0 * sigmaColor * sigmaColor));
+            const double expected = difference * 24 * weight / (1 + 24 * weight);
+            const uint8_t pixel = filtered(rvkBilateralFilter5x5u8_v2C, src, sigmaColor, 1e6f)[12];
+            // A weight that is off by 0.001 moves the mean by this much; half a level is rounding.
+            const double slack = 0.5 + difference * 24 * 0.001 / std::pow(1 + 24 * weight, 2);
+            ASSERT_NEAR(pixel, expected, slack) << "difference " << difference << ", sigma " << sigmaColor;
+        }
+}
+
+TEST(Bilateral, KeepsEdgesAndSmoothsWithinThem)
+{
+    Random random(8);
+    Picture src{32, 16, {}};
+    for (int i = 0; i < 32 * 16; ++i)
+        src.pixels.push_back(static_cast<uint8_t>((i % 32 < 16 ? 40 : 200) + random.below(9)));
+    const std::vector<uint8_t> dst = filtered(rvkBilateralFilter9x9u8_v2C, src, 20, 3);
+    for (int i = 0; i < 32 * 16; ++i)
+        EXPECT_NEAR(dst[static_cast<size_t>(i)], i % 32 < 16 ? 44 : 204, 2) << "pixel " << i;
+    const Picture flat{9, 9, std::vector<uint8_t>(81, 255)};
+    EXPECT_EQ(filtered(rvkBilateralFilter9x9u8_v2C, flat, 5000, 1e30f), flat.pixels);
+}
+
+TEST(Bilateral, TinySigmasChangeNothing)
+{
+    Random random(9);
+    const Picture src = randomPicture(random, 12, 10);
+    for (const float tiny : {1e-45f, 1e-30f, 0.05f}) {
+        EXPECT_EQ(filtered(rvkBilateralFilter5x5u8_v2C, src, tiny, 2), src.pixels);
+        EXPECT_EQ(filtered(rvkBilateralFilter5x5u8_v2C, src, 50, tiny), src.pixels);
+    }
+}
+
+TEST(Bilateral, FormsWithoutSigmasHaveTheDocumentedOnes)
+{
+    Random random(10);
+    const Picture src = noisyRegions(random, 30, 20, 40);
+    const auto expectSigmas = [&](auto filter, Filter* withSigmas, float sigmaSpace) {
+        std::vector<uint8_t> dst(src.pixels.size());
+        filter(src.pixels.data(), 30, 20, 0, dst.data(), 0); // packed rows
+        EXPECT_EQ(dst, filtered(withSigmas, src, 25, sigmaSpace));
+        EXPECT_NE(dst, filtered(withSigmas, src, 26, sigmaSpace));
+    };
+    expectSigmas(rvkBilateralFilter5x5u8, rvkBilateralFilter5x5u8_v2, 1);
+    expectSigmas(rvkBilateralFilter7x7u8, rvkBilateralFilter7x7u8_v2, 1.5f);
+    expectSigmas(rvkBilateralFilter9x9u8, rvkBilateralFilter9x9u8_v2, 2);
+}
+
+// ---- VECTA ----
+
+template <Slot slot>
+void expectWindowedEqual(uint32_t side)
+{
+    expectVectaEqualsReference<slot>([=](auto function, Trial& t) {
+        static constexpr float colors[] = {25, 1e-30f, 0.5f, 3, 60, 250, 5000, 3e38f};
+        static constexpr float spaces[] = {1, 1e-30f, 0.4f, 2.5f, 10, 3e38f};
+        const float sigmaColor = colors[t.below(8)], sigmaSpace = spaces[t.below(6)];
+        t.width = std::max(t.width, side);
+        t.height = std::max(t.height, side);
+        const auto a = t.input<uint8_t>();
+        const auto d = t.output<uint8_t>();
+        t.result(function(a.data, t.width, t.height, a.stride, d.data, d.stride, sigmaColor, sigmaSpace));
+    });
+}
+
+TEST(Bilateral, VectaEqualsReference)
+{
+    expectWindowedEqual<Slot::rvkBilateralFilter5x5u8_v2>(5);
+    expectWindowedEqual<Slot::rvkBilateralFilter7x7u8_v2>(7);
+    expectWindowedEqual<Slot::rvkBilateralFilter9x9u8_v2>(9);
+}
+
+// ---- entries ----
+
+TEST(Bilateral, BadArgumentsAreRefusedAndWriteNothing)
+{
+    uint8_t src[100] = {9}, dst[100];
+    memset(dst, 77, sizeof dst);
+    const std::string sizes[] = {"srcWidth > 4 && srcHeight > 4", "srcWidth > 6 && srcHeight > 6",
+                                 "srcWidth > 8 && srcHeight > 8"};
+    const std::string names[] = {"rvkBilateralFilter5x5u8", "rvkBilateralFilter7x7u8", "rvkBilateralFilter9x9u8"};
+    const auto plain = {rvkBilateralFilter5x5u8, rvkBilateralFilter7x7u8, rvkBilateralFilter9x9u8};
+    const auto withSigmas = {rvkBilateralFilter5x5u8_v2, rvkBilateralFilter7x7u8_v2, rvkBilateralFilter9x9u8_v2};
+    for (uint32_t i = 0; i < 3; ++i) {
+        const std::string condition =
+            "src && dst && srcWidth && srcHeight && (srcStride >=srcWidth) && (dstStride >=srcWidth) && " + sizes[i];
+        const auto expectRefused = [&](const std::string& quoted, const uint8_t* in, uint32_t width, uint32_t height,
+                                       uint32_t srcStride, uint8_t* out, uint32_t dstStride) {
+            clearLog();
+            plain.begin()[i](in, width, height, srcStride, out, dstStride);
+            EXPECT_TRUE(logHas("6 ravik_lib_log: Assertion failed @" + names[i] + ": " + quoted + "\n"));
+            clearLog();
+            EXPECT_EQ(withSigmas.begin()[i](in, width, height, srcStride, out, dstStride, 25, 2), RAVIK_EBADPARAM);
+            EXPECT_TRUE(logHas("6 ravik_lib_log: Assertion failed @" + names[i] + "_v2: " + quoted + "\n"));
+        };
+        const uint32_t least = 5 + 2 * i;
+        expectRefused(condition, nullptr, 10, 10, 10, dst, 10);
+        expectRefused(condition, src, 10, 10, 10, nullptr, 10);
+        expectRefused(condition, src, least - 1, 10, 10, dst, 10);
+        expectRefused(condition, src, 10, least - 1, 10, dst, 10);
+        expectRefused(condition, src, 10, 10, 9, dst, 10);
+        expectRefused(condition, src, 10, 10, 10, dst, 9);
+        expectRefused("src != dst", src, 10, 10, 10, src, 10);
+        for (const float bad : {0.0f, -1.0f, INFINITY, -INFINITY, NAN}) {
+            EXPECT_EQ(withSigmas.begin()[i](src, 10, 10, 10, dst, 10, bad, 2), RAVIK_EBADPARAM);
+            EXPECT_EQ(withSigmas.begin()[i](src, 10, 10, 10, dst, 10, 25, bad), RAVIK_EBADPARAM);
+        }
+    }
+    EXPECT_EQ(src[0], 9);
+    EXPECT_TRUE(std::all_of(dst, dst + 100, [](uint8_t d) { return d == 77; }));
+}
+
+} // namespace
