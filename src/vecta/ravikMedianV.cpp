@@ -122,27 +122,13 @@ struct Ring
     }
 };
 
-// In blocks of rows, so that the columns at the edges are filtered while the cache has them.
 RVK_INLINE void filterWithRing(const Ring& ring)
 {
-    constexpr size_t blockRows = kBlockRows<Median3x3<uint8_t>>;
-    const size_t width = ring.width, height = ring.height;
-    const Plane<const uint8_t> src = ring.src;
-    const Plane<uint8_t> dst = ring.dst;
-    if (width > 2)
-        ring.filterRow(src.row(0), src.row(height > 1), dst.row(0));
-    for (size_t top = 0; top < height; top += blockRows) {
-        const size_t bottom = least(top + blockRows, height);
-        const size_t first = top ? top : 1, last = least(bottom, height - 1); // rows with two neighbours
-        if (width > 2 && first < last)
-            walk(width - 2, last - first, Plane<const uint8_t>{src.row(first - 1), src.stride}, Median3x3<uint8_t>{},
-                 Plane<uint8_t>{dst.row(first) + 1, dst.stride});
-        ring.filterColumn(0, top, bottom);
-        if (width > 1)
-            ring.filterColumn(width - 1, top, bottom);
-    }
-    if (width > 2 && height > 1)
-        ring.filterRow(src.row(height - 1), src.row(height - 2), dst.row(height - 1));
+    filterWhole3x3(
+        ring.width, ring.height, ring.src, ring.dst, Median3x3<uint8_t>{},
+        [&](const uint8_t* row, const uint8_t* neighbour, uint8_t* to)
+            RVK_INLINE_LAMBDA { ring.filterRow(row, neighbour, to); },
+        [&](size_t x, size_t top, size_t bottom) RVK_INLINE_LAMBDA { ring.filterColumn(x, top, bottom); });
 }
 
 // ---- 5x5 -----------------------------------------------------------------------------------------------------------

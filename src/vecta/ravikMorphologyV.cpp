@@ -70,25 +70,16 @@ RVK_INLINE void filterEdgeColumn(size_t x, size_t inner, size_t top, size_t bott
     }
 }
 
-// In blocks of rows, so that the columns at the edges are filtered while the cache has them.
 template <class Extreme>
 RVK_INLINE void filter3x3(size_t width, size_t height, Plane<const uint8_t> src, Plane<uint8_t> dst, uint8_t outside)
 {
-    constexpr size_t blockRows = kBlockRows<Window3x3<Extreme>>;
-    if (width > 2)
-        filterEdgeRow<Extreme>(width, src.row(0), src.row(height > 1), dst.row(0), outside);
-    for (size_t top = 0; top < height; top += blockRows) {
-        const size_t bottom = least(top + blockRows, height);
-        const size_t first = top ? top : 1, last = least(bottom, height - 1); // rows with two neighbours
-        if (width > 2 && first < last)
-            walk(width - 2, last - first, Plane<const uint8_t>{src.row(first - 1), src.stride}, Window3x3<Extreme>{},
-                 Plane<uint8_t>{dst.row(first) + 1, dst.stride});
-        filterEdgeColumn<Extreme>(0, width > 1, top, bottom, height, src, dst, outside);
-        if (width > 1)
-            filterEdgeColumn<Extreme>(width - 1, width - 2, top, bottom, height, src, dst, outside);
-    }
-    if (width > 2 && height > 1)
-        filterEdgeRow<Extreme>(width, src.row(height - 1), src.row(height - 2), dst.row(height - 1), outside);
+    filterWhole3x3(
+        width, height, src, dst, Window3x3<Extreme>{},
+        [=](const uint8_t* row, const uint8_t* neighbour, uint8_t* to)
+            RVK_INLINE_LAMBDA { filterEdgeRow<Extreme>(width, row, neighbour, to, outside); },
+        [=](size_t x, size_t top, size_t bottom) RVK_INLINE_LAMBDA {
+            filterEdgeColumn<Extreme>(x, x ? x - 1 : width > 1, top, bottom, height, src, dst, outside);
+        });
 }
 
 template <class Extreme>

@@ -113,5 +113,31 @@ RVK_INLINE void filterInterior(size_t width, size_t height, Plane<const S> src, 
              Plane<D>{dst.row(Kernel::rows / 2) + Kernel::columns / 2, dst.stride}...);
 }
 
+// The whole picture by a 3x3 kernel and functions for its edges: edgeRow(row, neighbour, to) gives the first or the
+// last row but for its ends, edgeColumn(x, top, bottom) rows `top` to `bottom` of the first or the last column. A row
+// that is the only one is its own neighbour. In blocks of rows, so that the columns at the edges are filtered while the
+// cache has them.
+template <class Kernel, class S, class D, class EdgeRow, class EdgeColumn>
+RVK_INLINE void filterWhole3x3(size_t width, size_t height, Plane<const S> src, Plane<D> dst, Kernel kernel,
+                               EdgeRow edgeRow, EdgeColumn edgeColumn)
+{
+    static_assert(Kernel::rows == 3 && Kernel::columns == 3);
+    constexpr size_t blockRows = kBlockRows<Kernel>;
+    if (width > 2)
+        edgeRow(src.row(0), src.row(height > 1), dst.row(0));
+    for (size_t top = 0; top < height; top += blockRows) {
+        const size_t bottom = least(top + blockRows, height);
+        const size_t first = top ? top : 1, last = least(bottom, height - 1); // rows with two neighbours
+        if (width > 2 && first < last)
+            walk(width - 2, last - first, Plane<const S>{src.row(first - 1), src.stride}, kernel,
+                 Plane<D>{dst.row(first) + 1, dst.stride});
+        edgeColumn(0, top, bottom);
+        if (width > 1)
+            edgeColumn(width - 1, top, bottom);
+    }
+    if (width > 2 && height > 1)
+        edgeRow(src.row(height - 1), src.row(height - 2), dst.row(height - 1));
+}
+
 } // namespace
 } // namespace rvk::vecta::RVK_ISA
