@@ -20,8 +20,7 @@ struct Smallest
     static uint8_t of(uint8_t a, uint8_t b) { return std::min(a, b); }
 };
 
-// ---- 3x3: every pixel outside the picture counts as `outside`
-// --------------------------------------------------------
+// ---- 3x3: every pixel outside the picture counts as `outside` -----------------------------------
 
 template <class Extreme>
 void filter3x3(uint32_t width, uint32_t height, Plane<const uint8_t> src, Plane<uint8_t> dst, uint8_t outside)
@@ -43,8 +42,7 @@ uint8_t outsideValue(uint32_t borderType, uint8_t borderValue)
     return borderType == RAVIK_BORDER_CONSTANT ? borderValue : Extreme::neutral;
 }
 
-// ---- NxN: columns, then rows
-// -----------------------------------------------------------------------------------------
+// ---- NxN: columns, then rows --------------------------------------------------------------------
 
 // result[i] = the extreme of line[i], ... line[i + N - 1], for i < `count`. `line` has count + N - 1 elements in blocks
 // of N. A window covers the end of one block and the beginning of the next: the extremes of the ends go into

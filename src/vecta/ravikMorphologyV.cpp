@@ -22,8 +22,7 @@ struct Smallest
     static RVK_INLINE uint8_t of(uint8_t a, uint8_t b) { return a < b ? a : b; }
 };
 
-// ---- 3x3: every pixel outside the picture counts as `outside`
-// --------------------------------------------------------
+// ---- 3x3: every pixel outside the picture counts as `outside` -----------------------------------
 
 template <class Extreme>
 struct Window3x3
@@ -89,7 +88,6 @@ RVK_INLINE uint8_t outsideValue(uint32_t borderType, uint8_t borderValue)
 }
 
 // ---- 5x5: rows and columns beside the picture repeat its edge, which every window that reaches there contains
-// -------------------------------------------------------------------------------------------------------------
 
 // Down a column: from the extremes of single rows to those of two, four and five.
 template <class Extreme>
@@ -161,8 +159,7 @@ RVK_INLINE void filter5x5(size_t width, size_t height, Plane<const uint8_t> src,
     }
 }
 
-// ---- NxN: along the rows by doubling, down the columns in blocks of N rows
-// -------------------------------------------
+// ---- NxN: along the rows by doubling, down the columns in blocks of N rows ----------------------
 //
 // The picture gets N / 2 neutral rows before it and the other N - 1 - N / 2 behind it. Its rows, each filtered along
 // itself, come in blocks of N. A window covers the end of one block and the beginning of the next: when a block is
