@@ -27,6 +27,8 @@ constexpr Row kRows[] = {
     {"rvkBilateralFilter9x9u8_v2", nullptr, traffic(1, 1),
      RAVIK(rvkBilateralFilter9x9u8_v2(p.in<u8>(), p.width, p.height, 0, p.out<u8>(), 0, 50, 2)),
      OPENCV(cv::bilateralFilter(p.matIn<u8>(), p.matOut<u8>(), 9, 50, 2))},
+    {"rvkBilateralFilterRecursiveu8", nullptr, traffic(1, 1),
+     RAVIK(rvkBilateralFilterRecursiveu8(p.in<u8>(), p.width, p.height, 0, p.out<u8>(), 0, 0.1f, 0.03f))},
 };
 const Rows registered(kRows);
 

@@ -1,3 +1,4 @@
+#include "memory.h"
 #include "support/logCapture.h"
 #include "support/trial.h"
 
@@ -153,6 +154,91 @@ TEST(Bilateral, FormsWithoutSigmasHaveTheDocumentedOnes)
     expectSigmas(rvkBilateralFilter9x9u8, rvkBilateralFilter9x9u8_v2, 2);
 }
 
+// ---- the recursive filter ----
+
+// e(x) of the header.
+float fastExp(float x)
+{
+    const auto bits = static_cast<uint32_t>((std::fmax(x * 1.442695f, -126.0f) + 126.942696f) * 8388608.0f);
+    float result;
+    memcpy(&result, &bits, sizeof result);
+    return result;
+}
+
+// One way along a line, in double precision but for the weights.
+std::vector<double> oneWay(const std::vector<double>& values, const std::vector<int>& pixels, double space, float sigma)
+{
+    std::vector<double> y{values[0]};
+    for (size_t i = 1; i < values.size(); ++i) {
+        const auto difference = static_cast<float>(std::abs(pixels[i] - pixels[i - 1]));
+        const double w = space * static_cast<double>(fastExp(-difference / (sigma * 255)));
+        y.push_back(w * y.back() + (1 - w) * values[i]);
+    }
+    return y;
+}
+
+std::vector<double> bothWays(std::vector<double> values, std::vector<int> pixels, float sigmaColor, float sigmaSpace)
+{
+    const double space = static_cast<double>(fastExp(-1.4142f / (static_cast<float>(values.size()) * sigmaSpace)));
+    std::vector<double> result = oneWay(values, pixels, space, sigmaColor);
+    std::reverse(values.begin(), values.end());
+    std::reverse(pixels.begin(), pixels.end());
+    const std::vector<double> back = oneWay(values, pixels, space, sigmaColor);
+    for (size_t i = 0; i < result.size(); ++i)
+        result[i] = (result[i] + back[result.size() - 1 - i]) / 2;
+    return result;
+}
+
+TEST(Bilateral, RecursiveReferenceFollowsItsFormula)
+{
+    Random random(11);
+    for (int trial = 0; trial < 60; ++trial) {
+        const uint32_t width = 1 + random.below(30), height = 1 + random.below(30);
+        const Picture src = trial % 2 ? randomPicture(random, width, height) : noisyRegions(random, width, height, 30);
+        const float sigmaColor = std::exp2(static_cast<float>(random.below(80)) / 10 - 7);
+        const float sigmaSpace = std::exp2(static_cast<float>(random.below(80)) / 10 - 7);
+        std::vector<std::vector<double>> rows;
+        for (int y = 0; y < src.height; ++y) {
+            const auto begin = src.pixels.begin() + y * src.width;
+            rows.push_back(bothWays({begin, begin + src.width}, {begin, begin + src.width}, sigmaColor, sigmaSpace));
+        }
+        const std::vector<uint8_t> dst = filtered(rvkBilateralFilterRecursiveu8C, src, sigmaColor, sigmaSpace);
+        for (int x = 0; x < src.width; ++x) {
+            std::vector<double> values;
+            std::vector<int> pixels;
+            for (int y = 0; y < src.height; ++y) {
+                values.push_back(rows[static_cast<size_t>(y)][static_cast<size_t>(x)]);
+                pixels.push_back(src.at(x, y));
+            }
+            values = bothWays(values, pixels, sigmaColor, sigmaSpace);
+            for (int y = 0; y < src.height; ++y)
+                ASSERT_NEAR(dst[static_cast<size_t>(y * src.width + x)], values[static_cast<size_t>(y)], 0.501)
+                    << width << "x" << height << " at " << x << ", " << y;
+        }
+    }
+}
+
+TEST(Bilateral, RecursiveReportsMissingScratchMemory)
+{
+    const uint8_t src[64] = {9};
+    const SystemAllocator system = systemAllocator;
+    const auto expectFailure = [&](auto function) {
+        for (int granted = 0; granted < 3; ++granted) {
+            static int left;
+            left = granted;
+            static SystemAllocator real;
+            real = system;
+            uint8_t dst[64] = {};
+            systemAllocator.allocate = [](size_t size) -> void* { return left-- > 0 ? real.allocate(size) : nullptr; };
+            EXPECT_EQ(function(src, 8, 8, 8, dst, 8, 0.1f, 0.1f), RAVIK_ENORES);
+            systemAllocator = system;
+            EXPECT_EQ(dst[0], 0) << "wrote";
+        }
+    };
+    expectFailure(referenceOf<Slot::rvkBilateralFilterRecursiveu8>());
+    forEachVecta<Slot::rvkBilateralFilterRecursiveu8>([&](const char*, auto function) { expectFailure(function); });
+}
+
 // ---- VECTA ----
 
 template <Slot slot>
@@ -175,6 +261,13 @@ TEST(Bilateral, VectaEqualsReference)
     expectWindowedEqual<Slot::rvkBilateralFilter5x5u8_v2>(5);
     expectWindowedEqual<Slot::rvkBilateralFilter7x7u8_v2>(7);
     expectWindowedEqual<Slot::rvkBilateralFilter9x9u8_v2>(9);
+    expectVectaEqualsReference<Slot::rvkBilateralFilterRecursiveu8>([](auto function, Trial& t) {
+        static constexpr float sigmas[] = {0.1f, 1e-30f, 0.01f, 0.5f, 20, 3e38f};
+        const float sigmaColor = sigmas[t.below(6)], sigmaSpace = sigmas[t.below(6)];
+        const auto a = t.input<uint8_t>();
+        const auto d = t.output<uint8_t>();
+        t.result(function(a.data, t.width, t.height, a.stride, d.data, d.stride, sigmaColor, sigmaSpace));
+    });
 }
 
 // ---- entries ----
@@ -213,6 +306,19 @@ TEST(Bilateral, BadArgumentsAreRefusedAndWriteNothing)
             EXPECT_EQ(withSigmas.begin()[i](src, 10, 10, 10, dst, 10, 25, bad), RAVIK_EBADPARAM);
         }
     }
+    const auto recursive = [](const uint8_t* in, uint32_t width, uint32_t height, uint32_t srcStride, uint8_t* out,
+                              uint32_t dstStride, float sigma) {
+        return rvkBilateralFilterRecursiveu8(in, width, height, srcStride, out, dstStride, sigma, 0.1f);
+    };
+    EXPECT_EQ(recursive(nullptr, 10, 10, 10, dst, 10, 0.1f), RAVIK_EBADPARAM);
+    EXPECT_EQ(recursive(src, 10, 10, 10, nullptr, 10, 0.1f), RAVIK_EBADPARAM);
+    EXPECT_EQ(recursive(src, 10, 10, 10, src, 10, 0.1f), RAVIK_EBADPARAM);
+    EXPECT_EQ(recursive(src, 0, 10, 10, dst, 10, 0.1f), RAVIK_EBADPARAM);
+    EXPECT_EQ(recursive(src, 10, 0, 10, dst, 10, 0.1f), RAVIK_EBADPARAM);
+    EXPECT_EQ(recursive(src, 10, 10, 9, dst, 10, 0.1f), RAVIK_EBADPARAM);
+    EXPECT_EQ(recursive(src, 10, 10, 10, dst, 9, 0.1f), RAVIK_EBADPARAM);
+    EXPECT_EQ(recursive(src, 0x8000, 0x8000, 0, dst, 0, 0.1f), RAVIK_EBADPARAM); // 2^32 bytes of floats
+    EXPECT_EQ(recursive(src, 10, 10, 10, dst, 10, NAN), RAVIK_EBADPARAM);
     EXPECT_EQ(src[0], 9);
     EXPECT_TRUE(std::all_of(dst, dst + 100, [](uint8_t d) { return d == 77; }));
 }

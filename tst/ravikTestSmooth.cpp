@@ -21,6 +21,8 @@ const FunctionGroup& smoothFunctions()
             RVK_TEST(rvkBilateralFilter5x5u8_v2, src, width, height, stride, dst, stride, sigmaColor, sigmaSpace),
             RVK_TEST(rvkBilateralFilter7x7u8_v2, src, width, height, stride, dst, stride, sigmaColor, sigmaSpace),
             RVK_TEST(rvkBilateralFilter9x9u8_v2, src, width, height, stride, dst, stride, sigmaColor, sigmaSpace),
+            RVK_TEST(rvkBilateralFilterRecursiveu8, src, width, height, stride, dst, stride, oneOf({0.1, 0.02, 1, -1}),
+                     oneOf({0.03, 0.2, 4})),
         }};
     return group;
 }

@@ -5,9 +5,9 @@
  *   Shapes     widths and heights are in pixels. Strides are in bytes, at least the width; 0 means packed rows.
  *   Alignment  none is needed. The work may run on the DSP only when pointers and strides are multiples of 8.
  *   In place   not possible: images must not overlap, and dst == src is refused.
- *   Sigmas     sigmaColor is in grey levels, sigmaSpace in pixels; both are positive and finite, or the function
- * returns RAVIK_EBADPARAM. Errors     all functions log "Assertion failed @<function>: <condition>" on bad arguments;
- * those with a result return RAVIK_EBADPARAM. Nothing is written then. */
+ *   Sigmas     of windows sigmaColor is in grey levels and sigmaSpace in pixels. Both are positive and finite, or the
+ * function returns RAVIK_EBADPARAM. Errors     all functions log "Assertion failed @<function>: <condition>" on bad
+ * arguments; those with a result return RAVIK_EBADPARAM. Nothing is written then. */
 #ifndef RAVIK_BILATERAL_H
 #define RAVIK_BILATERAL_H
 
@@ -61,6 +61,28 @@ RVK_API rvkStatus rvkBilateralFilter7x7u8_v2(const uint8_t* src, uint32_t srcWid
 RVK_API rvkStatus rvkBilateralFilter9x9u8_v2(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight,
                                              uint32_t srcStride, uint8_t* dst, uint32_t dstStride, float32_t sigmaColor,
                                              float32_t sigmaSpace);
+
+/* ---- recursive -----------------------------------------------------------------------------------------------------
+ *
+ * After Yang, "Recursive Bilateral Filtering", 2012: its cost does not depend on the sigmas. Pictures have any size of
+ * at most 2^30 - 1 pixels.
+ *
+ * Along each row a recursive filter runs to the right and another one to the left, and the result is their mean:
+ *
+ *     y[0] = x[0], y[i] = w y[i - 1] + (1 - w) x[i] with w = space * range[|x[i] - x[i - 1]|]
+ *
+ * and likewise from the other end. The same down and up the columns of that, with w by the differences of the source.
+ *
+ *     range[d] = e(-d / (sigmaColor * 255)): sigmaColor is a fraction of the range of grey levels
+ *     space = e(-1.4142 / (size * sigmaSpace)), size being the width for rows and the height for columns, on purpose:
+ *     sigmaSpace is a fraction of the picture, too
+ *     e(x) is the float with the bits of (max(x * 1.442695, -126) + 126.942696) * 2^23, truncated: exp(x) within 6 %
+ *
+ * All in floats, each operation rounded; results are rounded to the nearest integer, halves up. Needs scratch memory
+ * for two pictures of floats and some rows: RAVIK_ENORES, and nothing written, when it cannot be had. */
+RVK_API rvkStatus rvkBilateralFilterRecursiveu8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight,
+                                                uint32_t srcStride, uint8_t* dst, uint32_t dstStride,
+                                                float32_t sigmaColor, float32_t sigmaSpace);
 
 RVK_EXTERN_C_END
 

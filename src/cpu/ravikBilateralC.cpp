@@ -3,8 +3,10 @@
 
 #include "cpu/image.h"
 #include "functions.h"
+#include "scratch.h"
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
 #include <cstdlib>
 
@@ -123,5 +125,80 @@ RVK_BILATERAL_FILTER(rvkBilateralFilter5x5u8, 2)
 RVK_BILATERAL_FILTER(rvkBilateralFilter7x7u8, 3)
 RVK_BILATERAL_FILTER(rvkBilateralFilter9x9u8, 4)
 #undef RVK_BILATERAL_FILTER
+
+// ---- recursive ----------------------------------------------------------------------------------
+
+namespace {
+
+float fastExp(float x)
+{
+    return std::bit_cast<float>(static_cast<uint32_t>((std::max(x * 1.442695f, -126.0f) + 126.942696f) * 8388608.0f));
+}
+
+float blend(float weight, float before, float value)
+{
+    return weight * before + (1 - weight) * value;
+}
+
+// Both ways over `count` values that are `step` elements apart in `values` and in `result`. The weights follow the
+// differences in `pixels`.
+struct Line
+{
+    const uint8_t* pixels;
+    size_t pixelStep, count, step;
+
+    float weight(const float (&weights)[256], size_t i) const // between i - 1 and i
+    {
+        return weights[std::abs(pixels[i * pixelStep] - pixels[(i - 1) * pixelStep])];
+    }
+};
+
+void filterLine(const Line& line, const float (&weights)[256], const float* values, float* result)
+{
+    const size_t step = line.step, last = line.count - 1;
+    result[0] = values[0];
+    for (size_t i = 1; i <= last; ++i)
+        result[i * step] = blend(line.weight(weights, i), result[(i - 1) * step], values[i * step]);
+    float back = values[last * step];
+    result[last * step] = (result[last * step] + back) * 0.5f;
+    for (size_t i = last; i > 0; --i) {
+        back = blend(line.weight(weights, i), back, values[(i - 1) * step]);
+        result[(i - 1) * step] = (result[(i - 1) * step] + back) * 0.5f;
+    }
+}
+
+} // namespace
+
+void recursiveWeights(float32_t (&weights)[256], float32_t sigmaColor, float32_t sigmaSpace, uint32_t size)
+{
+    const float space = fastExp(-1.4142f / (static_cast<float>(size) * sigmaSpace));
+    for (int difference = 0; difference < 256; ++difference)
+        weights[difference] = space * fastExp(static_cast<float>(-difference) / (sigmaColor * 255));
+}
+
+rvkStatus rvkBilateralFilterRecursiveu8C(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
+                                         uint8_t* dst, uint32_t dstStride, float32_t sigmaColor, float32_t sigmaSpace)
+{
+    const size_t width = srcWidth, height = srcHeight;
+    const Plane in = {src, srcStride};
+    const Plane out = {dst, dstStride};
+    const Scratch<float> rows(width * height), columns(width * height), row(width);
+    if (!rows || !columns || !row)
+        return RAVIK_ENORES;
+
+    float weights[256];
+    recursiveWeights(weights, sigmaColor, sigmaSpace, srcWidth);
+    for (size_t y = 0; y < height; ++y) {
+        std::copy_n(in.row(y), width, row.get());
+        filterLine({in.row(y), 1, width, 1}, weights, row.get(), rows.get() + y * width);
+    }
+    recursiveWeights(weights, sigmaColor, sigmaSpace, srcHeight);
+    for (size_t x = 0; x < width; ++x)
+        filterLine({src + x, srcStride, height, width}, weights, rows.get() + x, columns.get() + x);
+    for (size_t y = 0; y < height; ++y)
+        for (size_t x = 0; x < width; ++x)
+            out.row(y)[x] = static_cast<uint8_t>(columns[y * width + x] + 0.5f);
+    return RAVIK_SUCCESS;
+}
 
 } // namespace rvk

@@ -31,4 +31,9 @@ constexpr int16_t kWeightFloor = 15485;
 constexpr int kWeightSquarings = 4;
 constexpr int16_t kOwnWeight = 32752; // of the pixel itself
 
+// ---- recursive ----------------------------------------------------------------------------------
+
+// Of a difference of grey levels between neighbours in rows (or columns) of `size` pixels.
+void recursiveWeights(float32_t (&weights)[256], float32_t sigmaColor, float32_t sigmaSpace, uint32_t size);
+
 } // namespace rvk

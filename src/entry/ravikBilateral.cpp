@@ -108,3 +108,18 @@ rvkStatus rvkBilateralFilter9x9u8_v2(const uint8_t* src, uint32_t srcWidth, uint
     return implementation<Slot::rvkBilateralFilter9x9u8_v2>(target)(src, srcWidth, srcHeight, srcStride, dst, dstStride,
                                                                     sigmaColor, sigmaSpace);
 }
+
+rvkStatus rvkBilateralFilterRecursiveu8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
+                                        uint8_t* dst, uint32_t dstStride, float32_t sigmaColor, float32_t sigmaSpace)
+{
+    srcStride = packedIfZero(srcStride, srcWidth);
+    dstStride = packedIfZero(dstStride, srcWidth);
+    const RVK_IMPL target = chooseTarget(Slot::rvkBilateralFilterRecursiveu8, [&] {
+        return aligned(8, src, dst, srcStride, dstStride) && enoughWork(srcWidth, srcHeight);
+    });
+    RVK_CHECK_STATUS(src && dst && srcWidth && srcHeight && srcStride >= srcWidth && dstStride >= srcWidth &&
+                     src != dst && uint64_t{srcWidth} * srcHeight <= UINT32_MAX / sizeof(float32_t));
+    RVK_CHECK_STATUS(isPositiveAndFinite(sigmaColor) && isPositiveAndFinite(sigmaSpace));
+    return implementation<Slot::rvkBilateralFilterRecursiveu8>(target)(src, srcWidth, srcHeight, srcStride, dst,
+                                                                       dstStride, sigmaColor, sigmaSpace);
+}

@@ -1,6 +1,7 @@
 // Vector implementations of the bilateral filters.
 #include "cpu/ravikBilateralC.h"
 
+#include "scratch.h"
 #include "vecta/simd/rows.h"
 #include "vecta/vecta.h"
 
@@ -277,6 +278,95 @@ RVK_INLINE void filterWindows(size_t width, size_t height, Plane<const uint8_t> 
         strip.filter(x, width - x < columns ? width - x : columns, width, height, src, dst);
 }
 
+// ---- recursive: rows -----------------------------------------------------------------------------------------------
+
+using Floats = Vec<float>;
+
+RVK_INLINE Floats blend(Floats weight, Floats before, Floats value)
+{
+    return weight * before + (splat(1.0f) - weight) * value;
+}
+
+RVK_INLINE Floats meanOf(Floats a, Floats b)
+{
+    return (a + b) * splat(0.5f);
+}
+
+// As many rows side by side as a vector has lanes.
+struct RowBlock
+{
+    float* values;  // of all rows' first pixels, second pixels, ...
+    float* weights; // between those and the pixels before them
+    size_t width;
+
+    // Row `lane` of the block.
+    RVK_INLINE void take(const uint8_t* row, size_t lane, const float (&weightOf)[256]) const
+    {
+        for (size_t x = 0; x < width; ++x) {
+            values[x * Floats::lanes + lane] = row[x];
+            const int difference = x ? row[x] - row[x - 1] : 0;
+            weights[x * Floats::lanes + lane] = weightOf[difference < 0 ? -difference : difference];
+        }
+    }
+
+    RVK_INLINE void give(float* row, size_t lane, const float* results) const
+    {
+        for (size_t x = 0; x < width; ++x)
+            row[x] = results[x * Floats::lanes + lane];
+    }
+
+    RVK_INLINE void filter(float* results) const
+    {
+        constexpr size_t lanes = Floats::lanes;
+        Floats right = load(values);
+        store(results, right);
+        for (size_t x = 1; x < width; ++x) {
+            right = blend(load(weights + x * lanes), right, load(values + x * lanes));
+            store(results + x * lanes, right);
+        }
+        const size_t last = width - 1;
+        Floats left = load(values + last * lanes);
+        store(results + last * lanes, meanOf(right, left));
+        for (size_t x = last; x > 0; --x) {
+            left = blend(load(weights + x * lanes), left, load(values + (x - 1) * lanes));
+            store(results + (x - 1) * lanes, meanOf(load(results + (x - 1) * lanes), left));
+        }
+    }
+};
+
+// ---- recursive: columns --------------------------------------------------------------------------------------------
+
+// Between the pixels of two rows.
+RVK_INLINE void weighRows(size_t width, const uint8_t* a, const uint8_t* b, const float (&weightOf)[256],
+                          float* weights)
+{
+    for (size_t x = 0; x < width; ++x) {
+        const int difference = a[x] - b[x];
+        weights[x] = weightOf[difference < 0 ? -difference : difference];
+    }
+}
+
+RVK_INLINE void blendRows(size_t width, const float* weights, const float* before, const float* values, float* to)
+{
+    mapRow(
+        width, to, [](Floats weight, Floats b, Floats value) RVK_INLINE_LAMBDA { return blend(weight, b, value); },
+        weights, before, values);
+}
+
+// Halves up.
+RVK_INLINE void roundMeans(size_t width, const float* a, const float* b, uint8_t* to)
+{
+    const auto rounded = [](Floats x, Floats y) RVK_INLINE_LAMBDA { return truncateToInt(meanOf(x, y) + splat(0.5f)); };
+    mapRow(
+        width, to,
+        [=](Vecs<float, 4> x, Vecs<float, 4> y) RVK_INLINE_LAMBDA {
+            const auto low = narrowSat<int16_t>(Vecs<int32_t, 2>{rounded(x[0], y[0]), rounded(x[1], y[1])});
+            const auto high = narrowSat<int16_t>(Vecs<int32_t, 2>{rounded(x[2], y[2]), rounded(x[3], y[3])});
+            return narrowSat<uint8_t>(Vecs<int16_t, 2>{low, high});
+        },
+        a, b);
+}
+
 } // namespace
 
 #define RVK_BILATERAL_FILTER(name, radius)                                                                            \
@@ -296,5 +386,47 @@ RVK_BILATERAL_FILTER(rvkBilateralFilter5x5u8, 2)
 RVK_BILATERAL_FILTER(rvkBilateralFilter7x7u8, 3)
 RVK_BILATERAL_FILTER(rvkBilateralFilter9x9u8, 4)
 #undef RVK_BILATERAL_FILTER
+
+rvkStatus rvkBilateralFilterRecursiveu8V(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
+                                         uint8_t* dst, uint32_t dstStride, float32_t sigmaColor, float32_t sigmaSpace)
+{
+    constexpr size_t lanes = Floats::lanes;
+    const size_t width = srcWidth, height = srcHeight;
+    const Plane<const uint8_t> in = {src, srcStride};
+    const Plane<uint8_t> out = {dst, dstStride};
+    const Scratch<float> rows(width * height), down(width * height), block(3 * lanes * width);
+    if (!rows || !down || !block)
+        return RAVIK_ENORES;
+
+    float weightOf[256];
+    recursiveWeights(weightOf, sigmaColor, sigmaSpace, srcWidth);
+    const RowBlock rowBlock = {block.get(), block.get() + lanes * width, width};
+    float* const results = block.get() + 2 * lanes * width;
+    for (size_t top = 0; top < height; top += lanes) {
+        const size_t count = height - top < lanes ? height - top : lanes;
+        for (size_t lane = 0; lane < lanes; ++lane)
+            rowBlock.take(in.row(top + (lane < count ? lane : 0)), lane, weightOf);
+        rowBlock.filter(results);
+        for (size_t lane = 0; lane < count; ++lane)
+            rowBlock.give(rows.get() + (top + lane) * width, lane, results);
+    }
+
+    recursiveWeights(weightOf, sigmaColor, sigmaSpace, srcHeight);
+    float* const weights = block.get();
+    float* const up = weights + width;
+    __builtin_memcpy(down.get(), rows.get(), width * sizeof(float));
+    for (size_t y = 1; y < height; ++y) {
+        weighRows(width, in.row(y), in.row(y - 1), weightOf, weights);
+        blendRows(width, weights, down.get() + (y - 1) * width, rows.get() + y * width, down.get() + y * width);
+    }
+    __builtin_memcpy(up, rows.get() + (height - 1) * width, width * sizeof(float));
+    for (size_t y = height - 1;; --y) {
+        roundMeans(width, down.get() + y * width, up, out.row(y));
+        if (y == 0)
+            return RAVIK_SUCCESS;
+        weighRows(width, in.row(y), in.row(y - 1), weightOf, weights);
+        blendRows(width, weights, up, rows.get() + (y - 1) * width, up);
+    }
+}
 
 } // namespace rvk::vecta::RVK_ISA
