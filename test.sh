@@ -2,8 +2,8 @@
 # The tests.
 #
 #   ./test.sh          host, sanitizers, 32-bit Arm under emulation
-#   ./test.sh --all    also clang, the Android compile check, AArch64, the thread sanitizer, bounded fuzzing
-#   ./test.sh STEP...  only these: host asan arm clang android aarch64 tsan fuzz
+#   ./test.sh --all    also the format, clang, the Android compile check, AArch64, the thread sanitizer, bounded fuzzing
+#   ./test.sh STEP...  only these: host asan arm format clang android aarch64 tsan fuzz
 #
 # The last line says how many tests passed and failed; what a failed one printed is above it and in build/logs.
 set -u
@@ -18,7 +18,7 @@ cd "$root" || exit 1
 fuzzSeconds=60
 seeds="1 2 3 4 5"
 usual="host asan arm"
-extra="clang android aarch64 tsan fuzz"
+extra="format clang android aarch64 tsan fuzz"
 
 passed=0
 failed=0
@@ -111,6 +111,11 @@ arm()
     one "arm: test data" sameTestData $emulator
     ravikTests arm neon "$seeds" $emulator
 }
+wellFormatted()
+{
+    find bench data examples include src tests tst -name '*.h' -o -name '*.cpp' | xargs clang-format-14 --dry-run -Werror
+}
+format() { one "format" wellFormatted; }
 clang() { buildAndTest clang && ravikTests clang "$(instructionSets)" 1; }
 android() { one "android: compile check" build android-check androidCheck; }
 aarch64() { buildAndTest aarch64 && ravikTests aarch64 neon 1 qemu-aarch64 -L /usr/aarch64-linux-gnu; }
@@ -134,6 +139,7 @@ needs() # STEP
     case $1 in
     host) needBuildTools pkg-config:pkg-config /usr/src/googletest/CMakeLists.txt:googletest && needOpenCv ;;
     asan | tsan) needBuildTools pkg-config:pkg-config /usr/src/googletest/CMakeLists.txt:googletest ;;
+    format) need clang-format-14:clang-format-14 ;;
     arm) needBuildTools /usr/src/googletest/CMakeLists.txt:googletest && needArm ;;
     clang | fuzz)
         needBuildTools pkg-config:pkg-config /usr/src/googletest/CMakeLists.txt:googletest clang++-14:clang-14 \

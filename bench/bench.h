@@ -26,7 +26,8 @@ using s16 = int16_t;
 using s32 = int32_t;
 using f32 = float;
 
-// The largest picture (counting instructions needs none larger than VGA), and how many values of an element type each buffer holds: four channels of it and some slack.
+// The largest picture (counting instructions needs none larger than VGA), and how many values of an element type each
+// buffer holds: four channels of it and some slack.
 inline constexpr size_t kMostPixels = sizeof(void*) == 8 ? 1920 * 1080 : 640 * 480;
 inline constexpr size_t kBufferValues = 4 * kMostPixels + 4096;
 inline constexpr unsigned kBuffers = 6;
@@ -58,14 +59,21 @@ T* buffer(unsigned index)
 }
 
 // What a row works on: a size, and packed inputs and outputs of any element type. A 64-byte boundary starts each.
-struct Picture {
+struct Picture
+{
     uint32_t width;
     uint32_t height;
 
     template <class T>
-    const T* in(unsigned index = 0) const { return buffer<T, Role::input>(index); }
+    const T* in(unsigned index = 0) const
+    {
+        return buffer<T, Role::input>(index);
+    }
     template <class T>
-    T* out(unsigned index = 0) const { return buffer<T, Role::output>(index); }
+    T* out(unsigned index = 0) const
+    {
+        return buffer<T, Role::output>(index);
+    }
 
 #if RVK_BENCH_OPENCV
     template <class T>
@@ -74,41 +82,57 @@ struct Picture {
         return mat(const_cast<T*>(in<T>(index)), height, width, channels);
     }
     template <class T>
-    cv::Mat matOut(unsigned index = 0, int channels = 1) const { return mat(out<T>(index), height, width, channels); }
+    cv::Mat matOut(unsigned index = 0, int channels = 1) const
+    {
+        return mat(out<T>(index), height, width, channels);
+    }
     template <class T>
-    cv::Mat matOutTurned(unsigned index = 0, int channels = 1) const { return mat(out<T>(index), width, height, channels); }
+    cv::Mat matOutTurned(unsigned index = 0, int channels = 1) const
+    {
+        return mat(out<T>(index), width, height, channels);
+    }
 
 private:
     template <class T>
     static cv::Mat mat(T* data, uint32_t rows, uint32_t columns, int channels)
     {
-        return cv::Mat(static_cast<int>(rows), static_cast<int>(columns), CV_MAKETYPE(cv::DataType<T>::depth, channels), data);
+        return cv::Mat(static_cast<int>(rows), static_cast<int>(columns), CV_MAKETYPE(cv::DataType<T>::depth, channels),
+                       data);
     }
 #endif
 };
 
 // Compulsory bytes of a pixel: every input once, every output once.
-struct Traffic {
+struct Traffic
+{
     double bytesPerPixel;
     bool streaming; // element by element: memcpy speed is the goal, and 0.6 instructions a pixel of u8 on 32-bit Arm
 };
-constexpr Traffic streaming(double reads, double writes) { return {reads + writes, true}; }
-constexpr Traffic traffic(double reads, double writes) { return {reads + writes, false}; }
+constexpr Traffic streaming(double reads, double writes)
+{
+    return {reads + writes, true};
+}
+constexpr Traffic traffic(double reads, double writes)
+{
+    return {reads + writes, false};
+}
 
 using Work = void (*)(const Picture&);
 
-struct Row {
-    const char* function;         // rvkAbsDiffu8
-    const char* best;             // its name in best.inc, or null
-    Traffic bytes;                // per pixel
-    Work ravik;                   // run as C reference and as VECTA
-    Work opencv = nullptr;        // null: none, or not built in
+struct Row
+{
+    const char* function;  // rvkAbsDiffu8
+    const char* best;      // its name in best.inc, or null
+    Traffic bytes;         // per pixel
+    Work ravik;            // run as C reference and as VECTA
+    Work opencv = nullptr; // null: none, or not built in
     Work libyuv = nullptr;
-    Picture shape = {0, 0};       // for rows that are not about pictures: items and 1
+    Picture shape = {0, 0}; // for rows that are not about pictures: items and 1
 };
 
 // A unit's rows register themselves: const bench::Rows registered(rows);
-struct Rows {
+struct Rows
+{
     explicit Rows(std::span<const Row> rows);
 };
 

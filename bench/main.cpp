@@ -1,7 +1,7 @@
 // ravikBench [--arm COUNTFILE] [FILTER]
 //
-// Without --arm: how long every row takes, as C reference, as VECTA and in the other libraries, in times of a memcpy of the
-// same compulsory bytes. With --arm: executed instructions per pixel, counted by the emulator's plugin.
+// Without --arm: how long every row takes, as C reference, as VECTA and in the other libraries, in times of a memcpy of
+// the same compulsory bytes. With --arm: executed instructions per pixel, counted by the emulator's plugin.
 #include "bench.h"
 #include "instructionCount.h"
 
@@ -24,7 +24,8 @@ std::vector<Row>& allRows()
     return rows;
 }
 
-struct Best {
+struct Best
+{
     const char* name;
     double timesMemcpy;
 };
@@ -47,7 +48,7 @@ double bestOf(const Row& row)
 
 // ---- time -----------------------------------------------------------------------------------------------------------
 
-constexpr double kSampleSeconds = 20e-6; // long against the clock, short against a disturbance
+constexpr double kSampleSeconds = 20e-6;  // long against the clock, short against a disturbance
 constexpr int kSamplesPerBatch = 6;       // the first ones of large pictures find others' data in the caches
 constexpr double kContenderSeconds = 0.1; // then a contender has had its share
 constexpr int kFewestBatches = 2;
@@ -60,7 +61,8 @@ double seconds()
     return duration<double>(steady_clock::now().time_since_epoch()).count();
 }
 
-struct Contender {
+struct Contender
+{
     Work work;
     rvkOperationMode mode;
     int callsPerSample = 1;
@@ -68,7 +70,10 @@ struct Contender {
     double spent = 0;
     double best = 1e9; // seconds a call, the least of all samples
 
-    bool finished() const { return batches >= kMostBatches || (batches >= kFewestBatches && spent >= kContenderSeconds); }
+    bool finished() const
+    {
+        return batches >= kMostBatches || (batches >= kFewestBatches && spent >= kContenderSeconds);
+    }
 };
 
 constexpr auto kModeC = static_cast<rvkOperationMode>(RAVIK_OP_EXPERT | RAVIK_UNIT_ARM);
@@ -120,7 +125,8 @@ void race(std::span<Contender> contenders, const Picture& picture)
     }
 }
 
-struct Totals {
+struct Totals
+{
     int rows = 0;
     int marked = 0;
 };
@@ -174,8 +180,8 @@ void printDispatchCost()
             least[way] = std::min(least[way], (seconds() - start) / calls);
         }
     const double nanoseconds = (least[1] - least[0]) * 1e9;
-    printf("dispatch: %.1f ns a call more than calling the implementation (%.1f and %.1f ns for 32 pixels)%s\n", nanoseconds,
-           least[1] * 1e9, least[0] * 1e9, nanoseconds > 10 ? "  > 10 ns" : "");
+    printf("dispatch: %.1f ns a call more than calling the implementation (%.1f and %.1f ns for 32 pixels)%s\n",
+           nanoseconds, least[1] * 1e9, least[0] * 1e9, nanoseconds > 10 ? "  > 10 ns" : "");
 }
 
 int printAllTimes(std::string_view filter)
@@ -183,7 +189,8 @@ int printAllTimes(std::string_view filter)
     const rvk::vecta::Variant* variant = rvk::vecta::chosenVariant();
     printf("Times of a memcpy of the same bytes; VECTA is %s; last column: ns a pixel of VECTA.\n",
            variant ? variant->name : "absent");
-    printf("%-34s %-10s %8s %8s %8s %8s %8s %9s\n", "function", "size", "C", "VECTA", "OpenCV", "libyuv", "best", "ns/pixel");
+    printf("%-34s %-10s %8s %8s %8s %8s %8s %9s\n", "function", "size", "C", "VECTA", "OpenCV", "libyuv", "best",
+           "ns/pixel");
     Totals totals;
     for (const Row& row : allRows()) {
         if (std::string_view(row.function).find(filter) == std::string_view::npos)
@@ -195,14 +202,16 @@ int printAllTimes(std::string_view filter)
                 printTimes(row, picture, totals);
     }
     printDispatchCost();
-    printf("%d rows, %d marked: VECTA above best (1 where streaming rows have none) by more than 10 %%, or above OpenCV\n",
-           totals.rows, totals.marked);
+    printf(
+        "%d rows, %d marked: VECTA above best (1 where streaming rows have none) by more than 10 %%, or above OpenCV\n",
+        totals.rows, totals.marked);
     return totals.rows ? 0 : 1;
 }
 
 // ---- instructions ---------------------------------------------------------------------------------------------------
 
-struct Call {
+struct Call
+{
     Work work;
     Picture picture;
 };
@@ -235,8 +244,8 @@ int printAllInstructions(std::string_view filter)
         const bool aboveGoal = row.bytes.streaming && row.bytes.bytesPerPixel <= 3 && vecta > streamingGoal;
         char size[24];
         snprintf(size, sizeof size, "%ux%u", picture.width, picture.height);
-        printf("%-34s %-10s %10.2f %10.2f%s%s\n", row.function, size, reference, vecta, vecta >= reference ? "  not below C" : "",
-               aboveGoal ? "  > 0.6" : "");
+        printf("%-34s %-10s %10.2f %10.2f%s%s\n", row.function, size, reference, vecta,
+               vecta >= reference ? "  not below C" : "", aboveGoal ? "  > 0.6" : "");
         fflush(stdout);
         totals.rows++;
         totals.marked += vecta >= reference || aboveGoal;
@@ -283,7 +292,8 @@ int main(int argc, char** argv)
 #endif
     if (argc > 2 && std::string_view(argv[1]) == "--arm") {
         if (!bench::openInstructionCount(argv[2])) {
-            fprintf(stderr, "ravikBench: %s has no count; run this under the emulator with the counting plugin\n", argv[2]);
+            fprintf(stderr, "ravikBench: %s has no count; run this under the emulator with the counting plugin\n",
+                    argv[2]);
             return 1;
         }
         return bench::printAllInstructions(argc > 3 ? argv[3] : "");

@@ -46,7 +46,8 @@ bool needsBlock(rvkBuffer& buffer, unsigned int size, rvkMemOption option, bool 
 bool allocateShared(rvkBuffer& buffer, unsigned int size, unsigned int offset)
 {
     const uint64_t bytes = (uint64_t{offset} + size) * 2;
-    void* handle = bytes <= INT_MAX ? allocateSharedMemory(kSharedHeap, kSharedFlags, static_cast<int>(bytes)) : nullptr;
+    void* handle =
+        bytes <= INT_MAX ? allocateSharedMemory(kSharedHeap, kSharedFlags, static_cast<int>(bytes)) : nullptr;
     if (!handle) {
         printf("Failed to Allocate ION Memory !!!");
         return false;

@@ -10,11 +10,9 @@ namespace rvk {
 
 constinit CompanionSession companionSession = {};
 
-// Function table, hooks and callers may keep addresses from the library after the last reference to it is dropped, hence
-// RTLD_NODELETE.
-Companion::Companion() : m_handle(dlopen("libravikopt.so", RTLD_NOW | RTLD_NODELETE))
-{
-}
+// Function table, hooks and callers may keep addresses from the library after the last reference to it is dropped,
+// hence RTLD_NODELETE.
+Companion::Companion() : m_handle(dlopen("libravikopt.so", RTLD_NOW | RTLD_NODELETE)) {}
 
 Companion::~Companion()
 {

@@ -6,7 +6,8 @@
 namespace rvk {
 
 // One reference to the loaded companion library; false where the library is absent.
-class Companion {
+class Companion
+{
 public:
     Companion();
     ~Companion();
@@ -44,7 +45,8 @@ private:
 };
 
 // The session with the companion library is open while it offers a DSP or a GPU.
-struct CompanionSession {
+struct CompanionSession
+{
     std::atomic<bool> gpu;
     std::atomic<bool> dsp;
     std::atomic<void*> library; // reference held from the first look-up to rvkCleanUp

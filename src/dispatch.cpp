@@ -4,23 +4,25 @@
 namespace rvk {
 
 // The tables are filled by the loader, not by code: a function may be called from a static constructor.
-#define RVK_ROW(reference)                                                                                                     \
+#define RVK_ROW(reference) \
     reference, reference, reference, reference, nullptr, nullptr, nullptr, // CPU, VECTA, NDSP, GPU; ADSP, CDSP, MDSP
 
 DispatchState dispatchState = {
     .targets = {},
     .modeMarks = {},
     .internalTargets = {},
-    .table = {
+    .table =
+        {
 #define RVK_FUNCTION(name, reference, vecta, remote) RVK_ROW(RVK_REFERENCE_##reference(name))
 #include "functionList.inc"
 #undef RVK_FUNCTION
-    },
-    .internalTable = {
+        },
+    .internalTable =
+        {
 #define RVK_INTERNAL_FUNCTION(name, reference, vecta, remote) RVK_ROW(RVK_REFERENCE_##reference(name))
 #include "internalFunctionList.inc"
 #undef RVK_INTERNAL_FUNCTION
-    },
+        },
     .tablesInitialised = 0,
     .offloadForced = 0,
     .runtimeLog = 0,

@@ -1,7 +1,8 @@
 // How a public function reaches its implementation. Every entry is the same few steps:
 //
 //     srcStride = packedIfZero(srcStride, srcWidth);
-//     const RVK_IMPL target = chooseTarget(Slot::rvkX, [&] { return aligned(8, src, dst, srcStride) && enoughWork(...); });
+//     const RVK_IMPL target = chooseTarget(Slot::rvkX, [&] { return aligned(8, src, dst, srcStride) && enoughWork(...);
+// });
 //     RVK_CHECK_ARGS(src && dst && srcWidth && srcHeight && (srcStride >= srcWidth));
 //     implementation<Slot::rvkX>(target)(src, srcWidth, srcHeight, srcStride, dst, dstStride);
 #pragma once
@@ -17,8 +18,8 @@ namespace rvk {
 // A cell of a function table: any implementation, stored without its type. implementation() below is the only way back.
 using Cell = void (*)();
 
-// For the reference column of the lists: the reference of a row as a cell, or an empty cell. Unlike eraseType() the loader
-// can fill a table with it.
+// For the reference column of the lists: the reference of a row as a cell, or an empty cell. Unlike eraseType() the
+// loader can fill a table with it.
 #define RVK_REFERENCE_YES(name) reinterpret_cast<::rvk::Cell>(&name##C)
 #define RVK_REFERENCE_NO(name) nullptr
 
@@ -29,16 +30,18 @@ Cell eraseType(Function* function)
 }
 
 // Everything that a dispatch reads. rvkSetOperationMode writes it; dispatch only reads, without locks.
-struct DispatchState {
+struct DispatchState
+{
     uint32_t targets[kPublicFunctions];   // RVK_IMPL that each public function uses now
     uint32_t modeMarks[kPublicFunctions]; // bit 0 once a mode has been set; the frame itself does not read it
     uint32_t internalTargets[kInternalFunctions];
-    Cell table[kPublicFunctions * kTargets];     // entry: slot * kTargets + target
+    Cell table[kPublicFunctions * kTargets]; // entry: slot * kTargets + target
     Cell internalTable[kInternalFunctions * kTargets];
     uint8_t tablesInitialised;
-    uint8_t offloadForced;           // skips the rules that keep small or misaligned work off the DSP
-    std::atomic<uint8_t> runtimeLog; // every dispatch logs its target; rvkAvailableHardware sets it during dispatch, too
-    uint8_t noAccelerator;           // the device is known to have neither a usable DSP nor GPU
+    uint8_t offloadForced; // skips the rules that keep small or misaligned work off the DSP
+    std::atomic<uint8_t>
+        runtimeLog;        // every dispatch logs its target; rvkAvailableHardware sets it during dispatch, too
+    uint8_t noAccelerator; // the device is known to have neither a usable DSP nor GPU
 };
 extern DispatchState dispatchState;
 
@@ -55,7 +58,8 @@ inline uint32_t checkedTarget(uint32_t target)
 
 inline bool isDspTarget(uint32_t target)
 {
-    constexpr uint32_t dspTargets = 1u << RVK_IMPL_NDSP | 1u << RVK_IMPL_ADSP | 1u << RVK_IMPL_CDSP | 1u << RVK_IMPL_MDSP;
+    constexpr uint32_t dspTargets =
+        1u << RVK_IMPL_NDSP | 1u << RVK_IMPL_ADSP | 1u << RVK_IMPL_CDSP | 1u << RVK_IMPL_MDSP;
     return (dspTargets >> target) & 1u;
 }
 
@@ -110,8 +114,8 @@ inline uint32_t packedIfZero(uint32_t stride, uint32_t width, uint32_t pixelSize
     return stride ? stride : width * pixelSize;
 }
 
-// Whether a row of `width` pixels of `pixelSize` bytes has a size that 32 bits hold. Conditions that multiply a width test
-// this first, because their products wrap.
+// Whether a row of `width` pixels of `pixelSize` bytes has a size that 32 bits hold. Conditions that multiply a width
+// test this first, because their products wrap.
 inline bool rowFits(uint32_t width, uint32_t pixelSize)
 {
     return width <= UINT32_MAX / pixelSize;
@@ -142,8 +146,8 @@ inline bool enoughWork(uint32_t width, uint32_t height, uint32_t elementsPerPixe
 
 } // namespace rvk
 
-// Argument checks of the entries. The log quotes the condition as it is written, and names the function: the one in which the
-// check stands, or, in a body that several functions share, the one that the forms ..._OF are told.
+// Argument checks of the entries. The log quotes the condition as it is written, and names the function: the one in
+// which the check stands, or, in a body that several functions share, the one that the forms ..._OF are told.
 #define RVK_CHECK_ARGS(...) RVK_CHECK_ARGS_OR(, __VA_ARGS__)
 #define RVK_CHECK_ARGS_OR(result, ...) RVK_CHECK_OF_OR(__func__, result, true, __VA_ARGS__)
 #define RVK_CHECK_ARGS_OF(function, ...) RVK_CHECK_OF_OR(function, , true, __VA_ARGS__)
@@ -153,17 +157,17 @@ inline bool enoughWork(uint32_t width, uint32_t height, uint32_t elementsPerPixe
 #define RVK_CHECK_SIZED_ARGS_OR(result, fits, ...) RVK_CHECK_OF_OR(__func__, result, fits, __VA_ARGS__)
 #define RVK_CHECK_SIZED_ARGS_OF(function, fits, ...) RVK_CHECK_OF_OR(function, , fits, __VA_ARGS__)
 
-#define RVK_CHECK_OF_OR(function, result, fits, ...)                                                                           \
-    do {                                                                                                                       \
-        if (!((fits) && (__VA_ARGS__))) {                                                                                      \
-            ::rvk::logArgumentAssertion(function, #__VA_ARGS__);                                                               \
-            return result;                                                                                                     \
-        }                                                                                                                      \
+#define RVK_CHECK_OF_OR(function, result, fits, ...)             \
+    do {                                                         \
+        if (!((fits) && (__VA_ARGS__))) {                        \
+            ::rvk::logArgumentAssertion(function, #__VA_ARGS__); \
+            return result;                                       \
+        }                                                        \
     } while (0)
 
 // Status functions that do not log: a failed condition is RAVIK_EBADPARAM.
-#define RVK_CHECK_STATUS(...)                                                                                                  \
-    do {                                                                                                                       \
-        if (!(__VA_ARGS__))                                                                                                    \
-            return RAVIK_EBADPARAM;                                                                                            \
+#define RVK_CHECK_STATUS(...)       \
+    do {                            \
+        if (!(__VA_ARGS__))         \
+            return RAVIK_EBADPARAM; \
     } while (0)

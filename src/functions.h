@@ -41,28 +41,29 @@ enum class Kernel : uint32_t {
 };
 inline constexpr uint32_t kKernels = static_cast<uint32_t>(Kernel::count);
 
-// Every reference has the signature of its public function (of its own declaration in offload.h for internal operations);
-// a definition that deviates does not link.
+// Every reference has the signature of its public function (of its own declaration in offload.h for internal
+// operations); a definition that deviates does not link.
 #define RVK_FUNCTION(name, reference, vecta, remote) RVK_WHEN_##reference(decltype(::name) name##C;)
 #include "functionList.inc"
 #undef RVK_FUNCTION
 #define RVK_INTERNAL_FUNCTION(name, reference, vecta, remote) RVK_WHEN_##reference(decltype(rvk::name) name##C;)
 #include "internalFunctionList.inc"
 #undef RVK_INTERNAL_FUNCTION
-// The references of the inner kernels: one declaration here for each row of kernelList.inc whose reference column says YES.
+// The references of the inner kernels: one declaration here for each row of kernelList.inc whose reference column says
+// YES.
 
 template <auto slot>
 struct SignatureOf; // Type: pointer to the functions that fill the slot's row; absent while the row has no reference
 
-#define RVK_FUNCTION(name, reference, vecta, remote)                                                                           \
+#define RVK_FUNCTION(name, reference, vecta, remote) \
     RVK_WHEN_##reference(template <> struct SignatureOf<Slot::name> { using Type = decltype(&name##C); };)
 #include "functionList.inc"
 #undef RVK_FUNCTION
-#define RVK_INTERNAL_FUNCTION(name, reference, vecta, remote)                                                                  \
+#define RVK_INTERNAL_FUNCTION(name, reference, vecta, remote) \
     RVK_WHEN_##reference(template <> struct SignatureOf<InternalSlot::name> { using Type = decltype(&name##C); };)
 #include "internalFunctionList.inc"
 #undef RVK_INTERNAL_FUNCTION
-#define RVK_KERNEL(name, reference, vecta)                                                                                     \
+#define RVK_KERNEL(name, reference, vecta) \
     RVK_WHEN_##reference(template <> struct SignatureOf<Kernel::name> { using Type = decltype(&name##C); };)
 #include "kernelList.inc"
 #undef RVK_KERNEL

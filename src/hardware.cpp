@@ -28,7 +28,8 @@ namespace {
 constexpr char kVersion[] = "1.7.1";
 constexpr uint32_t kSameMajorVersion = 4096;
 
-struct FreeText {
+struct FreeText
+{
     void operator()(char* text) const { free(text); }
 };
 using Text = std::unique_ptr<char, FreeText>;

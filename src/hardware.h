@@ -12,7 +12,8 @@ inline constexpr uint32_t kCpuArmV7 = 1;
 inline constexpr uint32_t kCpuVfp = 2;
 inline constexpr uint32_t kCpuVector = 4;
 
-struct CpuFacts {
+struct CpuFacts
+{
     bool detected;
     uint32_t features;
     uint32_t implementer; // code of the CPU's maker
@@ -30,7 +31,8 @@ void detectCpuOnce();
 // zero-terminated copy for the caller to free, or null when there is none or memory is exhausted.
 char* extract_cpuinfo_field(const char* buffer, size_t length, const char* field);
 
-// Modes that never touch the companion library: RAVIK_OP_CPU_PERFORMANCE, and the expert modes of units 1, ARM and VECTA.
+// Modes that never touch the companion library: RAVIK_OP_CPU_PERFORMANCE, and the expert modes of units 1, ARM and
+// VECTA.
 bool isCpuOnly(rvkOperationMode mode);
 
 // An expert mode has bit 31 set; the rest is the unit.

@@ -19,8 +19,8 @@ void readRuntimeLogProperty();
 void logArgumentAssertion(const char* function, const char* condition);
 
 // "%s@%d: %s Assertion failed\n", then the process exits with status 1: an implementation met what must not be.
-// `unit` is the source unit without extension, such as "src/cpu/ravikArithmC"; `line` a constant that stays as it is when
-// the source moves.
+// `unit` is the source unit without extension, such as "src/cpu/ravikArithmC"; `line` a constant that stays as it is
+// when the source moves.
 [[noreturn]] void failInternalAssertion(const char* unit, int line, const char* condition);
 
 } // namespace rvk

@@ -3,7 +3,8 @@
 
 #include "dispatch.h"
 
-struct RVK_FUNC_MANAGER {
+struct RVK_FUNC_MANAGER
+{
     uint32_t* publicTargets;
     uint32_t publicFunctions;
     rvk::Cell* publicTable;

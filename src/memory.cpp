@@ -63,18 +63,10 @@ void rvkMemFree(void* ptr)
         rvk::releaseAligned(ptr);
 }
 
-void rvkHeapStatsInit(void)
-{
-}
+void rvkHeapStatsInit(void) {}
 
-void rvkHeapStats(void)
-{
-}
+void rvkHeapStats(void) {}
 
-void rvkHeapStatsMalloc(void*, uint32_t)
-{
-}
+void rvkHeapStatsMalloc(void*, uint32_t) {}
 
-void rvkHeapStatsFree(void*)
-{
-}
+void rvkHeapStatsFree(void*) {}

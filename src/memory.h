@@ -1,4 +1,5 @@
-// The allocator behind everything that the library takes from the system, and the companion library's shared-memory hooks.
+// The allocator behind everything that the library takes from the system, and the companion library's shared-memory
+// hooks.
 #pragma once
 
 #include <atomic>
@@ -8,7 +9,8 @@
 namespace rvk {
 
 // Tests replace it to count allocations and to make them fail.
-struct SystemAllocator {
+struct SystemAllocator
+{
     void* (*allocate)(size_t size); // null on failure
     void (*release)(void* block);   // accepts null
 };

@@ -32,7 +32,8 @@ constexpr bool hasInternalVector[] = {
 };
 
 // Where one remote implementation goes.
-struct RemoteSymbol {
+struct RemoteSymbol
+{
     const char* name;
     bool internal;
     uint32_t row;
@@ -45,8 +46,8 @@ constexpr RemoteSymbol remoteSymbols[] = {
 #undef RVK_FUNCTION
     // The companion library is asked for these two a second time.
     RVK_REMOTE(rvkCornerFast10InMaskScoreu8) RVK_REMOTE(rvkCornerFast10Scoreu8)
-#define RVK_INTERNAL_FUNCTION(name, reference, vecta, remote)                                                                  \
-    RVK_WHEN_##remote({#name "R_", true, static_cast<uint32_t>(InternalSlot::name)},)
+#define RVK_INTERNAL_FUNCTION(name, reference, vecta, remote) \
+    RVK_WHEN_##remote({#name "R_", true, static_cast<uint32_t>(InternalSlot::name)}, )
 #include "internalFunctionList.inc"
 #undef RVK_INTERNAL_FUNCTION
 };
@@ -68,8 +69,8 @@ void buildTables(rvkOperationMode mode)
             uCTable(table, internalTable, target);
         for (const uint32_t target : {RVK_IMPL_VECTA, RVK_IMPL_NDSP, RVK_IMPL_GPU})
             uVTable(table, internalTable, target);
-        manager = {dispatchState.targets, kPublicFunctions, table, dispatchState.internalTargets, kInternalFunctions,
-                   internalTable, kTargets};
+        manager = {dispatchState.targets, kPublicFunctions, table,   dispatchState.internalTargets,
+                   kInternalFunctions,    internalTable,    kTargets};
     } else {
         uVTable(table, internalTable, RVK_IMPL_NDSP); // undoes what the companion library installed for the last mode
     }
@@ -175,7 +176,8 @@ void uR(rvkOperationMode mode, RVK_FUNC_MANAGER* tables, uint32_t target)
         if (!implementation)
             continue;
         (symbol.internal ? tables->internalTargets : tables->publicTargets)[symbol.row] = target;
-        (symbol.internal ? tables->internalTable : tables->publicTable)[symbol.row * kTargets + target] = implementation;
+        (symbol.internal ? tables->internalTable : tables->publicTable)[symbol.row * kTargets + target] =
+            implementation;
     }
     companion.keepIn(companionSession.library);
 }

@@ -7,7 +7,8 @@
 
 namespace rvk {
 
-// Write every C reference, or every vector implementation and the C reference where there is none, into column `target`.
+// Write every C reference, or every vector implementation and the C reference where there is none, into column
+// `target`.
 void uCTable(Cell* table, Cell* internalTable, uint32_t target);
 void uVTable(Cell* table, Cell* internalTable, uint32_t target);
 

@@ -18,7 +18,8 @@ namespace rvk {
 namespace {
 
 // Stands just before every buffer that is handed out.
-struct Header {
+struct Header
+{
     uint32_t tag;
     uintptr_t word; // pool buffer: its slot; other buffer: the block to free
 };
@@ -26,17 +27,19 @@ static_assert(sizeof(Header) == 2 * sizeof(void*));
 constexpr uint32_t kPoolTag = 0xCDCDCDCD;
 constexpr uint32_t kHeapTag = 0xABABABAB;
 
-struct Block {
+struct Block
+{
     void* raw;
     size_t rawSize;
     void* user;        // what is handed out
     uint32_t capacity; // the largest request that the block can serve
 };
 
-struct Slot {
+struct Slot
+{
     Block block;
-    // Also the slot's lock, taken with a single try and held while the buffer is out. A pthread mutex could be given back
-    // only by the thread that took it; a scratch buffer may travel.
+    // Also the slot's lock, taken with a single try and held while the buffer is out. A pthread mutex could be given
+    // back only by the thread that took it; a scratch buffer may travel.
     std::atomic<uint32_t> inUse;
 };
 
@@ -104,8 +107,8 @@ void freeBlockIfIdle(Slot& slot)
     slot.inUse.store(0);
 }
 
-// The pool may have been torn down while the buffer was out. Tear-down clears poolReady and then tries every slot; here the
-// slot is unlocked before poolReady is read. So one of the two finds the slot idle and frees its block.
+// The pool may have been torn down while the buffer was out. Tear-down clears poolReady and then tries every slot; here
+// the slot is unlocked before poolReady is read. So one of the two finds the slot idle and frees its block.
 void unlock(Slot& slot)
 {
     slot.inUse.store(0);

@@ -11,12 +11,13 @@ void* getScratchAligned(uint32_t size, uint32_t alignment);
 void* getScratchUnaligned(uint32_t size);
 void releaseScratch(void* ptr);
 
-// `count` elements of scratch memory, aligned to 16 bytes unless told otherwise, released at the end of the scope. Test it
-// before use: it is null when the memory cannot be had. (Always inline, because vector implementations may not leave shared
-// definitions behind.)
+// `count` elements of scratch memory, aligned to 16 bytes unless told otherwise, released at the end of the scope. Test
+// it before use: it is null when the memory cannot be had. (Always inline, because vector implementations may not leave
+// shared definitions behind.)
 #define RVK_ALWAYS_INLINE inline __attribute__((always_inline))
 template <class T>
-class Scratch {
+class Scratch
+{
 public:
     RVK_ALWAYS_INLINE explicit Scratch(size_t count, uint32_t alignment = 16)
         : m_data(count <= (UINT32_MAX - 256) / sizeof(T)

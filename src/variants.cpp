@@ -12,13 +12,16 @@
 
 namespace rvk::vecta {
 
-#define RVK_DECLARE_VARIANT(isa)                                                                                               \
-    namespace isa {                                                                                                            \
-    extern const Entry column[];                                                                                               \
-    extern const Entry internalColumn[];                                                                                       \
-    extern const Entry kernels[];                                                                                              \
+#define RVK_DECLARE_VARIANT(isa)         \
+    namespace isa {                      \
+    extern const Entry column[];         \
+    extern const Entry internalColumn[]; \
+    extern const Entry kernels[];        \
     }
-#define RVK_VARIANT(isa, runs) {#isa, isa::column, isa::internalColumn, isa::kernels, (runs)}
+#define RVK_VARIANT(isa, runs)                                       \
+    {                                                                \
+#isa, isa::column, isa::internalColumn, isa::kernels, (runs) \
+    }
 
 // The features asked for are those of the compiler flags in cmake/RavikVecta.cmake.
 #if defined(__x86_64__)

@@ -13,7 +13,8 @@
 
 namespace {
 
-struct SharedRequest {
+struct SharedRequest
+{
     int heap;
     uint32_t flags;
     int size;
@@ -46,7 +47,8 @@ void* refuse(size_t)
     return nullptr;
 }
 
-class FrameBuffer : public testing::Test {
+class FrameBuffer : public testing::Test
+{
 protected:
     FrameBuffer()
     {

@@ -1,5 +1,5 @@
-// The frame and the companion library, against the fake libraries of tests/fake*. What the frame does once per process makes
-// every test a process of its own.
+// The frame and the companion library, against the fake libraries of tests/fake*. What the frame does once per process
+// makes every test a process of its own.
 #include "dispatch.h"
 #include "fakeCompanion/fakeCompanion.h"
 #include "hardware.h"
@@ -75,11 +75,13 @@ TEST(FrameCompanion, IsAskedInOrder)
     withCompanion("fakeCompanion", [] {
         fake->hardware = RAVIK_UNIT_NDSP | RAVIK_UNIT_GPU;
         EXPECT_EQ(rvkSetOperationMode(RAVIK_OP_PERFORMANCE), 0);
-        EXPECT_EQ(takeEvents(), kQuery + "1\n" + kQuery + "1\nrvkInitializeMasterFuncManager\nuQTable 2\nuGTable 3\n"
-                                "rvkInitRemoteLib 1\n");
+        EXPECT_EQ(takeEvents(), kQuery + "1\n" + kQuery +
+                                    "1\nrvkInitializeMasterFuncManager\nuQTable 2\nuGTable 3\n"
+                                    "rvkInitRemoteLib 1\n");
         EXPECT_EQ(rvkSetOperationMode(kExpertGpu), 0);
-        EXPECT_EQ(takeEvents(), kQuery + "80000020\n" + kQuery + "80000020\nrvkInitializeMasterFuncManager\nuQTable 2\n"
-                                "uGTable 3\nrvkInitRemoteLib 80000020\n");
+        EXPECT_EQ(takeEvents(), kQuery + "80000020\n" + kQuery +
+                                    "80000020\nrvkInitializeMasterFuncManager\nuQTable 2\n"
+                                    "uGTable 3\nrvkInitRemoteLib 80000020\n");
 
         const RVK_FUNC_MANAGER* manager = fake->manager;
         EXPECT_EQ(manager->publicTargets, dispatchState.targets);
@@ -90,7 +92,8 @@ TEST(FrameCompanion, IsAskedInOrder)
         EXPECT_EQ(manager->internalTable, dispatchState.internalTable);
         EXPECT_EQ(manager->targetsPerRow, 7u);
 
-        // Which columns it fills follows the units that it reports; a mode that stays on the C reference installs nothing.
+        // Which columns it fills follows the units that it reports; a mode that stays on the C reference installs
+        // nothing.
         fake->hardware = RAVIK_UNIT_GPU;
         word("rvkAbsDiffu8R_") = [] {};
         EXPECT_EQ(rvkSetOperationMode(7), 0);
@@ -107,8 +110,8 @@ TEST(FrameCompanion, IsNotTouchedByCpuModes)
 {
     withCompanion("fakeCompanion", [] {
         fake->hardware = RAVIK_UNIT_NDSP | RAVIK_UNIT_GPU;
-        for (const uint32_t mode : {uint32_t{RAVIK_OP_CPU_PERFORMANCE}, RAVIK_OP_EXPERT | 1, RAVIK_OP_EXPERT | RAVIK_UNIT_ARM,
-                                    RAVIK_OP_EXPERT | RAVIK_UNIT_VECTA})
+        for (const uint32_t mode : {uint32_t{RAVIK_OP_CPU_PERFORMANCE}, RAVIK_OP_EXPERT | 1,
+                                    RAVIK_OP_EXPERT | RAVIK_UNIT_ARM, RAVIK_OP_EXPERT | RAVIK_UNIT_VECTA})
             EXPECT_EQ(rvkSetOperationMode(static_cast<rvkOperationMode>(mode)), 0) << mode;
         rvkMemInit();
         rvkMemDeInit();
@@ -128,8 +131,10 @@ TEST(FrameCompanion, DeviceWithoutAcceleratorStaysOnTheCpu)
         EXPECT_EQ(rvkSetOperationMode(static_cast<rvkOperationMode>(RAVIK_OP_EXPERT | RAVIK_UNIT_ARM)), 0);
         EXPECT_TRUE(logLines.empty());
         EXPECT_EQ(targetOf(Slot::rvkAbsDiffu8), RVK_IMPL_CPU);
-        EXPECT_EQ(rvkSetOperationMode(static_cast<rvkOperationMode>(RAVIK_OP_EXPERT | 3)), 0); // not -1: mode 3 in its place
-        EXPECT_TRUE(logHas("6 ravik_lib_log: DSP and GPU not present. Setting RAVIK mode to RAVIK_OP_CPU_PERFORMANCE.\n"));
+        EXPECT_EQ(rvkSetOperationMode(static_cast<rvkOperationMode>(RAVIK_OP_EXPERT | 3)),
+                  0); // not -1: mode 3 in its place
+        EXPECT_TRUE(
+            logHas("6 ravik_lib_log: DSP and GPU not present. Setting RAVIK mode to RAVIK_OP_CPU_PERFORMANCE.\n"));
         EXPECT_EQ(targetOf(Slot::rvkAbsDiffu8), RVK_IMPL_VECTA);
         EXPECT_EQ(takeEvents(), "");
         unlink(path);
@@ -178,8 +183,12 @@ TEST(FrameCompanion, UnitsVersionAndClock)
     withCompanion("fakeCompanion", [] {
         const uint32_t cpu = rvkAvailableHardware(RAVIK_OP_CPU_PERFORMANCE);
         fake->hardware = RAVIK_UNIT_C2D;
-        for (const auto& [version, bit] : {std::pair{"1.9.0", 4096u}, {"1.0.0-rc", 4096u}, {"2.7.1", 0u}, {"1.7", 0u},
-                                           {"", 0u}, {"one.two.three", 0u}}) {
+        for (const auto& [version, bit] : {std::pair{"1.9.0", 4096u},
+                                           {"1.0.0-rc", 4096u},
+                                           {"2.7.1", 0u},
+                                           {"1.7", 0u},
+                                           {"", 0u},
+                                           {"one.two.three", 0u}}) {
             strcpy(fake->version, version);
             EXPECT_EQ(rvkAvailableHardware(RAVIK_OP_LOW_POWER), cpu | RAVIK_UNIT_C2D | bit) << version;
         }
@@ -243,7 +252,9 @@ TEST(FrameCompanion, RemoteCellsComeAndGoWithTheMode)
         const Cell reference = cellOf(Slot::rvkAbsDiffu8, RVK_IMPL_CPU);
         const Cell vector = cellOf(Slot::rvkAbsDiffu8, RVK_IMPL_VECTA);
         const Cell remote = eraseType(remoteAbsDiff);
-        const auto probe = [](x6ProfileCommand command, uint32_t argument) -> uint64_t { return command * 1000u + argument; };
+        const auto probe = [](x6ProfileCommand command, uint32_t argument) -> uint64_t {
+            return command * 1000u + argument;
+        };
         EXPECT_EQ(cellOf(Slot::rvkAbsDiffu8, RVK_IMPL_NDSP), vector);
 
         word("rvkAbsDiffu8R_") = remote;
@@ -275,7 +286,8 @@ TEST(FrameCompanion, RemoteCellsComeAndGoWithTheMode)
 }
 
 // Sizes of rvkAbsDiffu8 calls on images that are aligned to 16 bytes. `offset` moves one of the pointers.
-struct Call {
+struct Call
+{
     uint32_t width, height, srcStride, dstStride;
     int offset1, offset2, offsetDst;
     bool remote;
@@ -284,19 +296,14 @@ struct Call {
 TEST(FrameCompanion, SmallOrMisalignedWorkFallsBack)
 {
     const Call calls[] = {
-        {160, 160, 0, 0, 0, 0, 0, true},
-        {160, 158, 0, 0, 0, 0, 0, false},    // 25280 elements
-        {32, 792, 0, 0, 0, 0, 0, false},     // 25344: the largest that falls back
-        {37, 685, 40, 40, 0, 0, 0, true},    // 25345: the smallest that does not
-        {37, 685, 0, 40, 0, 0, 0, false},    // packed rows of 37 bytes
-        {37, 685, 40, 0, 0, 0, 0, false},
-        {37, 685, 44, 40, 0, 0, 0, false},   // stride a multiple of 4 only
-        {37, 685, 40, 44, 0, 0, 0, false},
-        {160, 160, 0, 0, 4, 0, 0, false},
-        {160, 160, 0, 0, 0, 4, 0, false},
-        {160, 160, 0, 0, 0, 0, 4, false},
-        {160, 160, 0, 0, 8, 8, 8, true},
-        {31, 1000, 32, 32, 0, 0, 0, false},  // too narrow
+        {160, 160, 0, 0, 0, 0, 0, true},   {160, 158, 0, 0, 0, 0, 0, false},  // 25280 elements
+        {32, 792, 0, 0, 0, 0, 0, false},                                      // 25344: the largest that falls back
+        {37, 685, 40, 40, 0, 0, 0, true},                                     // 25345: the smallest that does not
+        {37, 685, 0, 40, 0, 0, 0, false},                                     // packed rows of 37 bytes
+        {37, 685, 40, 0, 0, 0, 0, false},  {37, 685, 44, 40, 0, 0, 0, false}, // stride a multiple of 4 only
+        {37, 685, 40, 44, 0, 0, 0, false}, {160, 160, 0, 0, 4, 0, 0, false},
+        {160, 160, 0, 0, 0, 4, 0, false},  {160, 160, 0, 0, 0, 0, 4, false},
+        {160, 160, 0, 0, 8, 8, 8, true},   {31, 1000, 32, 32, 0, 0, 0, false}, // too narrow
         {32, 1000, 32, 32, 0, 0, 0, true},
     };
     withCompanion("fakeCompanion", [&] {
@@ -327,8 +334,9 @@ TEST(FrameCompanion, SmallOrMisalignedWorkFallsBack)
         rvkAbsDiffu8(base, nullptr, 160, 160, 0, base + 120000, 0);
         rvkAbsDiffu8(base, base, 160, 160, 159, base + 120000, 0);
         EXPECT_EQ(remoteCalls, 0u);
-        EXPECT_TRUE(logHas("6 ravik_lib_log: Assertion failed @rvkAbsDiffu8: src1 && src2 && dst && srcWidth && srcHeight && "
-                           "(srcStride >= srcWidth) && dstStride\n"));
+        EXPECT_TRUE(
+            logHas("6 ravik_lib_log: Assertion failed @rvkAbsDiffu8: src1 && src2 && dst && srcWidth && srcHeight && "
+                   "(srcStride >= srcWidth) && dstStride\n"));
     });
 }
 
@@ -387,8 +395,9 @@ TEST(FrameCompanion, ScratchMemoryIsTakenOver)
         rvkMemDeInit();
         rvkMemDeInit();
         releaseScratch(getScratchUnaligned(30)); // valid although every reference to the library is gone
-        EXPECT_EQ(takeEvents(), "rvkMemDeInit\nrvkMemInit\nrvkMemInit\nrvkMemDeInit\nrvkMemDeInit\ngetScratchUnaligned 30\n"
-                                "releaseScratch 1\n");
+        EXPECT_EQ(takeEvents(),
+                  "rvkMemDeInit\nrvkMemInit\nrvkMemInit\nrvkMemDeInit\nrvkMemDeInit\ngetScratchUnaligned 30\n"
+                  "releaseScratch 1\n");
     });
 }
 

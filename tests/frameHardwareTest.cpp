@@ -45,35 +45,35 @@ const std::string kArm64 =
     "CPU revision\t: 14\n";
 
 // The same kernel as 32-bit programs see it: the names of both worlds.
-const std::string kArm64Compat =
-    "Processor\t: AArch64 Processor rev 2 (aarch64)\n"
-    "processor\t: 0\n"
-    "Features\t: fp asimd half thumb fastmult vfp edsp neon vfpv3\n"
-    "CPU implementer\t: 0x41\n"
-    "CPU architecture: AArch64\n";
+const std::string kArm64Compat = "Processor\t: AArch64 Processor rev 2 (aarch64)\n"
+                                 "processor\t: 0\n"
+                                 "Features\t: fp asimd half thumb fastmult vfp edsp neon vfpv3\n"
+                                 "CPU implementer\t: 0x41\n"
+                                 "CPU architecture: AArch64\n";
 
-const std::string kX86 =
-    "processor\t: 0\n"
-    "vendor_id\t: GenuineIntel\n"
-    "cpu family\t: 6\n"
-    "model\t\t: 85\n"
-    "model name\t: Intel(R) Xeon(R) Processor @ 2.90GHz\n"
-    "cache size\t: 39424 KB\n"
-    "fpu\t\t: yes\n"
-    "flags\t\t: fpu vme de pse tsc msr pae mce cx8 apic sep mtrr pge mca cmov pat clflush mmx fxsr sse sse2 ss ht syscall "
-    "nx lm constant_tsc rep_good nopl pni pclmulqdq ssse3 fma cx16 sse4_1 sse4_2 x2apic movbe popcnt aes xsave avx f16c\n"
-    "bugs\t\t:\n"
-    "power management:\n";
+const std::string kX86 = "processor\t: 0\n"
+                         "vendor_id\t: GenuineIntel\n"
+                         "cpu family\t: 6\n"
+                         "model\t\t: 85\n"
+                         "model name\t: Intel(R) Xeon(R) Processor @ 2.90GHz\n"
+                         "cache size\t: 39424 KB\n"
+                         "fpu\t\t: yes\n"
+                         "flags\t\t: fpu vme de pse tsc msr pae mce cx8 apic sep mtrr pge mca cmov pat clflush mmx "
+                         "fxsr sse sse2 ss ht syscall "
+                         "nx lm constant_tsc rep_good nopl pni pclmulqdq ssse3 fma cx16 sse4_1 sse4_2 x2apic movbe "
+                         "popcnt aes xsave avx f16c\n"
+                         "bugs\t\t:\n"
+                         "power management:\n";
 
 // An ARMv6 board: VFP, no vectors.
-const std::string kArmV6 =
-    "Processor\t: ARMv6-compatible processor rev 7 (v6l)\n"
-    "Features\t: swp half thumb fastmult vfp edsp java tls\n"
-    "CPU implementer\t: 0x41\n"
-    "CPU architecture: 6TEJ\n"
-    "Hardware\t: BCM2835\n";
+const std::string kArmV6 = "Processor\t: ARMv6-compatible processor rev 7 (v6l)\n"
+                           "Features\t: swp half thumb fastmult vfp edsp java tls\n"
+                           "CPU implementer\t: 0x41\n"
+                           "CPU architecture: 6TEJ\n"
+                           "Hardware\t: BCM2835\n";
 
-class TextFile {
+class TextFile
+{
 public:
     explicit TextFile(const std::string& text)
     {
@@ -147,7 +147,8 @@ TEST(FrameHardware, TruncatedAndHostileTexts)
     EXPECT_EQ(featuresOf(std::string("Features\t: half\0neon\n", 21)), 0u);
     EXPECT_EQ(featuresOf(std::string("\0Features\t: neon\n", 17)), 0u); // the name does not begin the line
     EXPECT_EQ(featuresOf("Features\t: " + std::string(3000, 'x') + " neon\n"), kCpuVector);
-    EXPECT_EQ(featuresOf("Features\t: " + std::string(100000, 'x') + " neon\n"), 0u); // beyond the 4096 bytes that are read
+    EXPECT_EQ(featuresOf("Features\t: " + std::string(100000, 'x') + " neon\n"),
+              0u); // beyond the 4096 bytes that are read
     const std::string upToTheLimit = "Features\t: " + std::string(4096 - 11 - 5, 'x') + " neon";
     EXPECT_EQ(featuresOf(upToTheLimit), kCpuVector);
     EXPECT_EQ(featuresOf("y" + upToTheLimit.substr(1)), 0u);

@@ -35,7 +35,8 @@ void countedRelease(void* block)
     free(block);
 }
 
-class FrameMemory : public testing::Test {
+class FrameMemory : public testing::Test
+{
 protected:
     FrameMemory()
     {
@@ -55,7 +56,8 @@ protected:
 constexpr size_t kHeader = 2 * sizeof(void*);
 
 // The pool for the length of a scope.
-struct Pool {
+struct Pool
+{
     Pool() { rvkMemInit(); }
     ~Pool() { rvkMemDeInit(); }
 };
@@ -88,7 +90,10 @@ void* released;
 TEST_F(FrameMemory, AlignedBlocksLieInsideTheirAllocation)
 {
     // A system allocator that returns every residue.
-    systemAllocator = {[](size_t size) -> void* { lastSize = size; return arena + arenaOffset; },
+    systemAllocator = {[](size_t size) -> void* {
+                           lastSize = size;
+                           return arena + arenaOffset;
+                       },
                        [](void* block) { released = block; }};
     for (uint32_t alignment = 1; alignment <= 128; alignment *= 2) {
         for (arenaOffset = 0; arenaOffset < 256; arenaOffset++) {
@@ -373,7 +378,8 @@ TEST_F(FrameMemory, ThreadsNeverShareABuffer)
             Random random(number);
             for (int i = 0; i < 2000; i++) {
                 const uint32_t size = 1 + random.below(3000);
-                if (void* data = random.below(2) ? getScratchAligned(size, 1u << random.below(8)) : getScratchUnaligned(size)) {
+                if (void* data =
+                        random.below(2) ? getScratchAligned(size, 1u << random.below(8)) : getScratchUnaligned(size)) {
                     fillAndCheck(data, size, static_cast<uint8_t>(number));
                     releaseScratch(data);
                 }
@@ -398,9 +404,7 @@ TEST_F(FrameMemory, BufferMayBeReleasedByAnotherThread)
     const Pool pool;
     void* data = getScratchUnaligned(100);
     std::thread([data] { releaseScratch(data); }).join();
-    std::thread([data] {
-        EXPECT_EQ(getScratchUnaligned(100), data);
-    }).join();
+    std::thread([data] { EXPECT_EQ(getScratchUnaligned(100), data); }).join();
     releaseScratch(data);
 }
 

@@ -26,7 +26,8 @@ uint32_t& targetOf(Slot slot)
 // ---- before any mode is set ----
 
 // Runs before the constructors of ordinary static objects, the library's included.
-struct EarlyCaller {
+struct EarlyCaller
+{
     EarlyCaller()
     {
         const uint8_t a = 7;
@@ -72,23 +73,38 @@ TEST(Frame, ModesAssignTargets)
     const uint32_t expert = RAVIK_OP_EXPERT;
     const std::pair<uint32_t, Expect> modes[] = {
         {3, Expect::vector}, // the first one, which builds the tables
-        {0, Expect::vector}, {1, Expect::vector}, {2, Expect::vector}, {4, Expect::reference}, {7, Expect::reference},
-        {INT_MAX, Expect::reference}, {expert + 8, Expect::forcedVector}, {expert + 2, Expect::reference},
-        {expert + 1, Expect::vector}, {expert + 4, Expect::vector}, {expert + 1024, Expect::forcedVector},
-        {expert + 32, Expect::vector}, {expert, Expect::refusal}, {expert + 3, Expect::refusal},
-        {expert + 5, Expect::refusal}, {expert + 9, Expect::refusal}, {expert + 16, Expect::refusal},
-        {expert + 31, Expect::refusal}, {expert + 64, Expect::refusal}, {expert + INT_MAX, Expect::refusal},
+        {0, Expect::vector},
+        {1, Expect::vector},
+        {2, Expect::vector},
+        {4, Expect::reference},
+        {7, Expect::reference},
+        {INT_MAX, Expect::reference},
+        {expert + 8, Expect::forcedVector},
+        {expert + 2, Expect::reference},
+        {expert + 1, Expect::vector},
+        {expert + 4, Expect::vector},
+        {expert + 1024, Expect::forcedVector},
+        {expert + 32, Expect::vector},
+        {expert, Expect::refusal},
+        {expert + 3, Expect::refusal},
+        {expert + 5, Expect::refusal},
+        {expert + 9, Expect::refusal},
+        {expert + 16, Expect::refusal},
+        {expert + 31, Expect::refusal},
+        {expert + 64, Expect::refusal},
+        {expert + INT_MAX, Expect::refusal},
     };
     inOwnProcess([&] {
         for (const auto& [mode, expect] : modes) {
-            EXPECT_EQ(rvkSetOperationMode(static_cast<rvkOperationMode>(mode)), expect == Expect::refusal ? -1 : 0) << mode;
+            EXPECT_EQ(rvkSetOperationMode(static_cast<rvkOperationMode>(mode)), expect == Expect::refusal ? -1 : 0)
+                << mode;
             EXPECT_EQ(dispatchState.offloadForced, expect == Expect::forcedVector) << mode;
             const bool reference = expect == Expect::reference;
             const char* wrongRow = nullptr;
 #define RVK_VECTA_TARGET_YES 1u
 #define RVK_VECTA_TARGET_NO 0u
-#define RVK_FUNCTION(name, hasReference, vecta, remote)                                                                        \
-    if (targetOf(Slot::name) != (reference ? 0u : RVK_VECTA_TARGET_##vecta))                                                   \
+#define RVK_FUNCTION(name, hasReference, vecta, remote)                      \
+    if (targetOf(Slot::name) != (reference ? 0u : RVK_VECTA_TARGET_##vecta)) \
         wrongRow = #name;
 #include "functionList.inc"
 #undef RVK_FUNCTION
@@ -133,7 +149,8 @@ TEST(Frame, FallbackRules)
     const auto choose = [](uint32_t target, bool forced, bool dspCanRun, bool gpuCanRun) {
         targetOf(kTestSlot) = target;
         dispatchState.offloadForced = forced;
-        const RVK_IMPL chosen = chooseTarget(kTestSlot, [&] { return dspCanRun; }, [&] { return gpuCanRun; });
+        const RVK_IMPL chosen = chooseTarget(
+            kTestSlot, [&] { return dspCanRun; }, [&] { return gpuCanRun; });
         targetOf(kTestSlot) = 0;
         dispatchState.offloadForced = 0;
         return chosen;
@@ -192,7 +209,8 @@ TEST(Frame, RuntimeLogNamesEachChoice)
         EXPECT_EQ(logOfCall("0"), nothing);
         EXPECT_EQ(logOfCall("on"), nothing);
         EXPECT_EQ(logOfCall("0x1"), nothing); // decimal: 0
-        const std::vector<std::string> chosen = {"6 ravik_runtime_log: rvkAbsDiffu8_CPU", "6 ravik_runtime_log: probeX6Time_CPU"};
+        const std::vector<std::string> chosen = {"6 ravik_runtime_log: rvkAbsDiffu8_CPU",
+                                                 "6 ravik_runtime_log: probeX6Time_CPU"};
         EXPECT_EQ(logOfCall("1"), chosen);
         EXPECT_EQ(logOfCall("-3"), chosen);
 

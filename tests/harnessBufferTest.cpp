@@ -16,7 +16,8 @@ using namespace test;
 
 namespace {
 
-class Harness : public testing::Test {
+class Harness : public testing::Test
+{
 protected:
     Harness()
     {
@@ -59,8 +60,9 @@ TEST_F(TestBuffer, IsShapedZeroedAndCleared)
 TEST_F(TestBuffer, RefusesAbsurdShapes)
 {
     RAVIK_TEST_Buffer buffer;
-    for (const MemShape_ shape : {MemShape_::packed(0, 4, 1), MemShape_::packed(-1, -4, 1), MemShape_::packed(4, 4, 0),
-                                  MemShape_::packed(65536, 65536, 1), MemShape_::packed(INT32_MAX, INT32_MAX, INT32_MAX)})
+    for (const MemShape_ shape :
+         {MemShape_::packed(0, 4, 1), MemShape_::packed(-1, -4, 1), MemShape_::packed(4, 4, 0),
+          MemShape_::packed(65536, 65536, 1), MemShape_::packed(INT32_MAX, INT32_MAX, INT32_MAX)})
         EXPECT_FALSE(buffer.Shape(shape, RAVIK_MEM_SYSTEM, false));
     EXPECT_FALSE(buffer.Shape(MemShape_::packed(4, 4, 1), static_cast<rvkMemOption>(3), false));
 }
@@ -166,7 +168,8 @@ TEST_F(Comparison, TakesDefaults)
     EXPECT_EQ(compare<int32_t>(ref, tst, {3, 2, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1}, 0), 0);
     tst[5] = 7;
     EXPECT_EQ(compare<int32_t>(ref, tst, {3, 2, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1}, 0), 1);
-    EXPECT_EQ(compare<int32_t>(ref, tst, {3, 2, -1, 2, -1, -1, -1, -1, -1, -1, -1, -1}, 0), 0) << "the reference's width";
+    EXPECT_EQ(compare<int32_t>(ref, tst, {3, 2, -1, 2, -1, -1, -1, -1, -1, -1, -1, -1}, 0), 0)
+        << "the reference's width";
 }
 
 TEST_F(Comparison, RefusesWindowsThatDifferOrLeaveTheirBlocks)
@@ -202,7 +205,8 @@ TEST_F(Comparison, OfFloats)
 {
     RAVIK_TEST_Buffer ref, tst;
     const auto set = [](RAVIK_TEST_Buffer& buffer, std::initializer_list<float> values) {
-        ASSERT_TRUE(buffer.Shape(MemShape_::packed(static_cast<int32_t>(values.size()), 1, 4), RAVIK_MEM_SYSTEM, false));
+        ASSERT_TRUE(
+            buffer.Shape(MemShape_::packed(static_cast<int32_t>(values.size()), 1, 4), RAVIK_MEM_SYSTEM, false));
         std::copy(values.begin(), values.end(), buffer.window<float>());
     };
     set(ref, {1, 2, 3, 4});

@@ -52,14 +52,16 @@ __attribute__((noinline)) void operator delete(void* memory, size_t) noexcept
 
 namespace {
 
-ProgramRun runOn(const fs::path& directory, std::vector<std::string> options, const std::function<void()>& prepare = [] {})
+ProgramRun runOn(
+    const fs::path& directory, std::vector<std::string> options, const std::function<void()>& prepare = [] {})
 {
     options.insert(options.begin(), directory.string());
     return runProgram(options, prepare);
 }
 
 // A copy of one group's test data, to be damaged.
-class DamagedData {
+class DamagedData
+{
 public:
     explicit DamagedData(const std::string& group) : m_group(m_directory.path() / group)
     {
@@ -117,8 +119,9 @@ TEST(HarnessGroups, PassOnEveryTargetInEveryPart)
     const size_t line = run.out.find("RAVIK_PROFILE, rvkAbsDiffVc4f32 :: PASS");
     ASSERT_NE(line, std::string::npos);
     unsigned long long times[9] = {};
-    ASSERT_EQ(sscanf(run.out.c_str() + line, "RAVIK_PROFILE, rvkAbsDiffVc4f32 :: PASS, %llu, %llu, %llu, %llu, %llu, "
-                                             "%llu, %llu, %llu, %llu\n",
+    ASSERT_EQ(sscanf(run.out.c_str() + line,
+                     "RAVIK_PROFILE, rvkAbsDiffVc4f32 :: PASS, %llu, %llu, %llu, %llu, %llu, "
+                     "%llu, %llu, %llu, %llu\n",
                      times, times + 1, times + 2, times + 3, times + 4, times + 5, times + 6, times + 7, times + 8),
               9);
     for (int i = 0; i < 9; i++)
@@ -166,7 +169,7 @@ TEST(HarnessGroups, CoverEveryFunction)
                 tested.insert(function.name);
                 EXPECT_NE(parseFunctionName(function.tableName.c_str()), 0u) << function.name;
             }
-#define RVK_FUNCTION(name, reference, vecta, remote)                                                                   \
+#define RVK_FUNCTION(name, reference, vecta, remote) \
     RVK_WHEN_##reference(EXPECT_TRUE(tested.count(#name)) << #name " has no entry in a test group";)
 #include "functionList.inc"
 #undef RVK_FUNCTION
@@ -257,9 +260,8 @@ ProgramRun runOnDsp(const char* group, const char* name, Function* function, std
 {
     options.insert(options.end(), {"-m", group, "-t", "1024"});
     const bool onlyUnitTests = options.front() == "-U";
-    return runOn(onlyUnitTests ? testData() : profilingData(), options, [=] {
-        remoteWord((std::string(name) + "R_").c_str()) = reinterpret_cast<Word>(function);
-    });
+    return runOn(onlyUnitTests ? testData() : profilingData(), options,
+                 [=] { remoteWord((std::string(name) + "R_").c_str()) = reinterpret_cast<Word>(function); });
 }
 
 void addRight(const uint8_t* src1, uint32_t width, uint32_t height, uint32_t src1Stride, const uint8_t* src2,
@@ -272,8 +274,8 @@ void addRight(const uint8_t* src1, uint32_t width, uint32_t height, uint32_t src
         }
 }
 
-#define ADD_PARAMETERS                                                                                                 \
-    const uint8_t *src1, uint32_t width, uint32_t height, uint32_t src1Stride, const uint8_t *src2,                    \
+#define ADD_PARAMETERS                                                                              \
+    const uint8_t *src1, uint32_t width, uint32_t height, uint32_t src1Stride, const uint8_t *src2, \
         uint32_t src2Stride, uint32_t policy, uint8_t *dst, uint32_t dstStride
 #define ADD_ARGUMENTS src1, width, height, src1Stride, src2, src2Stride, policy, dst, dstStride
 
@@ -321,7 +323,8 @@ rvkStatus addWithoutMemory(ADD_PARAMETERS)
 TEST(HarnessGroups, FailWhenAFunctionIsWrong)
 {
     EXPECT_EQ(runOnDsp("ARITHM", "rvkAddu8", add).exitStatus, 0);
-    expectFailure(runOnDsp("ARITHM", "rvkAddu8", addWithWrongStatus), "rvkAddu8", "ref status = 3, count = 0, tst status = 1");
+    expectFailure(runOnDsp("ARITHM", "rvkAddu8", addWithWrongStatus), "rvkAddu8",
+                  "ref status = 3, count = 0, tst status = 1");
     expectFailure(runOnDsp("ARITHM", "rvkAddu8", addBeyondTheRow), "rvkAddu8", "rvkAddu8_Q (");
     expectFailure(runOnDsp("ARITHM", "rvkAddu8", addWithoutStrides), "rvkAddu8", "rvkAddu8_Q (");
     const ProgramRun large = runOnDsp("ARITHM", "rvkAddu8", addWrongOnLargeImages);
@@ -368,11 +371,11 @@ void absDiffInAMillisecond(const uint8_t*, const uint8_t*, uint32_t, uint32_t, u
 
 TEST(HarnessGroups, KeepOneRemoteCallInProfiles)
 {
-    const ProgramRun run = runOn(profilingData(), {"-P", "-m", "ABSDIFF", "-f", "rvkAbsDiffu8", "-t", "1024", "-l", "3", "-L", "4"},
-                                 [] {
-                                     remoteWord("rvkAbsDiffu8R_") = reinterpret_cast<Word>(absDiffInAMillisecond);
-                                     remoteWord("probeX6TimeR_") = reinterpret_cast<Word>(probe);
-                                 });
+    const ProgramRun run =
+        runOn(profilingData(), {"-P", "-m", "ABSDIFF", "-f", "rvkAbsDiffu8", "-t", "1024", "-l", "3", "-L", "4"}, [] {
+            remoteWord("rvkAbsDiffu8R_") = reinterpret_cast<Word>(absDiffInAMillisecond);
+            remoteWord("probeX6TimeR_") = reinterpret_cast<Word>(probe);
+        });
     unsigned long long all = 0, onDsp = 0;
     const size_t line = run.out.find("rvkAbsDiffu8 :: PASS");
     ASSERT_NE(line, std::string::npos) << run.out;
@@ -387,10 +390,11 @@ TEST(HarnessGroups, EndWithAVerdictWhenMemoryRunsOut)
 {
     int failures = 0;
     for (const long count : {0L, 1L, 7L, 40L, 200L, 777L, 1500L, 4000L}) {
-        const ProgramRun run = runOn(profilingData(), {"-m", "ABSDIFF", "-f", "rvkAbsDiffVc3u8", "-l", "2", "-E"}, [count] {
-            rvk::systemAllocator.allocate = failingMalloc;
-            allocationsLeft = count;
-        });
+        const ProgramRun run =
+            runOn(profilingData(), {"-m", "ABSDIFF", "-f", "rvkAbsDiffVc3u8", "-l", "2", "-E"}, [count] {
+                rvk::systemAllocator.allocate = failingMalloc;
+                allocationsLeft = count;
+            });
         EXPECT_TRUE(run.exitStatus == 0 || run.exitStatus == 1) << count << " " << run.exitStatus << run.err;
         failures += run.exitStatus;
         EXPECT_TRUE(run.exitStatus == 0 || run.logged("memory") || run.printed(kFail)) << count << run.err;
@@ -400,7 +404,8 @@ TEST(HarnessGroups, EndWithAVerdictWhenMemoryRunsOut)
 
 // ---- cases ----
 
-struct Drawn {
+struct Drawn
+{
     const int16_t *src1, *src2;
     int16_t* dst;
     uint32_t width, height, srcStride, dstStride;
@@ -420,7 +425,8 @@ void remember(const int16_t* src1, const int16_t* src2, uint32_t width, uint32_t
         }
 }
 
-class CountingRandom : public RandomBits {
+class CountingRandom : public RandomBits
+{
 public:
     uint32_t next() override { return m_state = m_state * 1664525 + 1013904223; }
 
@@ -431,8 +437,8 @@ private:
 TEST(TestCases, AreDrawnInAllLayouts)
 {
     using namespace arguments;
-    const FunctionTest function = describe("remember", "rvkAddu8", remember,
-                                           {src, src, width, height, stride, between(-3, 3), dst, stride});
+    const FunctionTest function =
+        describe("remember", "rvkAddu8", remember, {src, src, width, height, stride, between(-3, 3), dst, stride});
     CountingRandom random;
     std::set<int> scalars;
     int unaligned = 0, padded = 0;

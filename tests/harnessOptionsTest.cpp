@@ -8,14 +8,16 @@ using namespace test;
 namespace {
 
 // A data directory whose table knows no function: groups that test functions pass at once.
-class HarnessRun : public testing::Test {
+class HarnessRun : public testing::Test
+{
 protected:
     HarnessRun()
     {
         const std::string scalars = ",int,int,int,int,int,float,float,float,float,float,float,float,float\n";
         writeFile(m_directory.path() / "RavikTestTable.csv", "char*" + scalars);
     }
-    ProgramRun run(std::vector<std::string> options, const std::function<void()>& prepare = [] {}) const
+    ProgramRun run(
+        std::vector<std::string> options, const std::function<void()>& prepare = [] {}) const
     {
         options.insert(options.begin(), m_directory.string());
         return runProgram(options, prepare);
@@ -24,7 +26,8 @@ protected:
     const TemporaryDirectory m_directory;
 };
 
-struct Parsed {
+struct Parsed
+{
     Options options;
     const char* error;
 };
@@ -120,9 +123,9 @@ TEST_F(HarnessRun, RefusesBadCommandLines)
 TEST_F(HarnessRun, TellsItsModulesFunctionsAndValues)
 {
     const ProgramRun usage = runProgram({});
-    for (const char* text : {"    ABSDIFF\n", "    rvkAbsDiffVc4f32\n", "    RAVIK_UNIT_NDSP_TEST = 1024\n",
-                             "    2 = [default] maximum\n", "    Skip operation mode test = 0  \n",
-                             "Resolution for profiling.. Deafult is VGA\n"})
+    for (const char* text :
+         {"    ABSDIFF\n", "    rvkAbsDiffVc4f32\n", "    RAVIK_UNIT_NDSP_TEST = 1024\n", "    2 = [default] maximum\n",
+          "    Skip operation mode test = 0  \n", "Resolution for profiling.. Deafult is VGA\n"})
         EXPECT_TRUE(usage.logged(text)) << text;
 }
 
@@ -139,8 +142,8 @@ TEST_F(HarnessRun, TakesFourteenWordsAndEndsWithItsVerdict)
 
 TEST_F(HarnessRun, ChoosesGroupsByTheirCompareLengths)
 {
-    const std::vector<std::string> all = {"HW", "MEM", "IDIFF", "BITCNT", "BITWISEOP", "SET", "ABSDIFF", "AVERAGE",
-                                          "MINMAX", "ARITHM"};
+    const std::vector<std::string> all = {"HW",  "MEM",     "IDIFF",   "BITCNT", "BITWISEOP",
+                                          "SET", "ABSDIFF", "AVERAGE", "MINMAX", "ARITHM"};
     const auto groupsOf = [&](const char* module) {
         const ProgramRun result = module ? run({"-m", module}) : run({});
         std::string groups;

@@ -42,7 +42,8 @@ extern "C" int pclose(FILE* file)
 
 namespace {
 
-class Report : public testing::Test {
+class Report : public testing::Test
+{
 protected:
     Report()
     {
@@ -71,7 +72,8 @@ protected:
         return printedBy([&] { GENERATE_PERF_LOG("rvkName", 0, m_times, loops, stat, scale); });
     }
 
-    void sample(int target, uint64_t start, uint64_t end, uint64_t dspStart = 0, uint64_t dspEnd = 0, uint32_t loops = 0)
+    void sample(int target, uint64_t start, uint64_t end, uint64_t dspStart = 0, uint64_t dspEnd = 0,
+                uint32_t loops = 0)
     {
         RAVIK_TEST_Times& times = m_times[target];
         times.start = start;
@@ -179,7 +181,8 @@ TEST_F(Device, ClocksAreReportedOrNotAvailable)
     answers["cat /sys/kernel/debug/clk/bimc_clk/measure 2>&1"] = "777\n";
     std::string printed = printedBy(rvktest_dump_clocks);
     EXPECT_EQ(printed.rfind("RAVIK_PROFILE, CLOCKS: ARM cpu0: 1800000, cpu1: NA, cpu2: NA, cpu3: NA\n"
-                            "RAVIK_PROFILE,             cpu4: NA, cpu5: NA, cpu6: NA, cpu7: NA\n", 0),
+                            "RAVIK_PROFILE,             cpu4: NA, cpu5: NA, cpu6: NA, cpu7: NA\n",
+                            0),
               0u)
         << printed;
     EXPECT_EQ(printed.find("NDSP clk"), std::string::npos);

@@ -25,7 +25,8 @@ bool logMentions(const std::string& text)
 
 const std::string kTableTypes = "char*,bool,bool,bool,bool,int,float,float,float,float,float,float,float,float\n";
 
-class TestTable : public testing::Test {
+class TestTable : public testing::Test
+{
 protected:
     int read(const std::string& text)
     {
@@ -96,7 +97,8 @@ TEST_F(TestTable, SkipsWhatItCannotUse)
 
 // ---- control scripts ----
 
-class Script : public testing::Test {
+class Script : public testing::Test
+{
 protected:
     ~Script() override { close(); }
 
@@ -135,18 +137,24 @@ protected:
 
 TEST_F(Script, ConvertsEveryScalarTypeWithinItsRange)
 {
-    struct Case {
+    struct Case
+    {
         const char* type;
         const char* low;
         const char* high;
         const char* outside;
     };
     const Case cases[] = {
-        {"char", "-128", "127", "128"},           {"unsignedchar", "0", "255", "256"},
-        {"unsigned_char", "0", "255", "-1"},      {"short", "-32768", "32767", "32768"},
-        {"unsignedshort", "0", "65535", "65536"}, {"unsigned_short", "0", "65535", "-1"},
-        {"int", "-2147483648", "2147483647", "2147483648"}, {"long", "-2147483648", "2147483647", "x"},
-        {"unsignedint", "0", "4294967295", "4294967296"},   {"unsigned_int", "0", "4294967295", "1.5"},
+        {"char", "-128", "127", "128"},
+        {"unsignedchar", "0", "255", "256"},
+        {"unsigned_char", "0", "255", "-1"},
+        {"short", "-32768", "32767", "32768"},
+        {"unsignedshort", "0", "65535", "65536"},
+        {"unsigned_short", "0", "65535", "-1"},
+        {"int", "-2147483648", "2147483647", "2147483648"},
+        {"long", "-2147483648", "2147483647", "x"},
+        {"unsignedint", "0", "4294967295", "4294967296"},
+        {"unsigned_int", "0", "4294967295", "1.5"},
         {"unsignedlong", "0", "4294967295", "-1"},
         {"bool", "0", "1", "2"},
     };
@@ -232,7 +240,8 @@ TEST_F(Script, NeedsAHeaderThatFits)
 
 // ---- data files ----
 
-class DataFile : public Script {
+class DataFile : public Script
+{
 protected:
     bool loadImage(const char* type, const std::string& name, const std::string& contents)
     {
@@ -325,7 +334,8 @@ TEST_F(DataFile, RectsCorrespondencesAndContours)
 
 TEST_F(DataFile, StructuresAndPyramids)
 {
-    struct {
+    struct
+    {
         int32_t a, b;
     } structure = {};
     EXPECT_TRUE(loadContents("struct", "s.bin", std::string("\1\0\0\0\2\0\0\0", 8),
@@ -342,23 +352,25 @@ TEST_F(DataFile, StructuresAndPyramids)
     EXPECT_EQ(*pyramid.images[1]->window<char>(), 'e');
     EXPECT_TRUE(loadContents("pyr3", "p.csv", "l0_2x2.data,l0_2x2.data,l0_2x2.data\n", pyramid));
     EXPECT_EQ(pyramid.planes, 3u);
-    for (const std::string& bad : {std::string("l0_2x2.data,l0_2x2.data\n"), std::string("missing_1x1.data\n"),
-                                   std::string("\n"), [] {
-                                       std::string many;
-                                       for (int i = 0; i < 100; i++)
-                                           many += "l1_1x1.data\n";
-                                       return many;
-                                   }()})
+    for (const std::string& bad :
+         {std::string("l0_2x2.data,l0_2x2.data\n"), std::string("missing_1x1.data\n"), std::string("\n"), [] {
+              std::string many;
+              for (int i = 0; i < 100; i++)
+                  many += "l1_1x1.data\n";
+              return many;
+          }()})
         EXPECT_FALSE(loadContents("rvkPyramidLevel_v2", "p.csv", bad, pyramid));
 }
 
 TEST_F(DataFile, MemoryThatCannotBeHadIsAFailure)
 {
     // A sparse file of the largest size that is not absurd: twice that is asked of the shared memory.
-    std::filesystem::resize_file([&] {
-        writeFile(m_directory.path() / "a_1073741824x1.data", "");
-        return m_directory.path() / "a_1073741824x1.data";
-    }(), 1u << 30);
+    std::filesystem::resize_file(
+        [&] {
+            writeFile(m_directory.path() / "a_1073741824x1.data", "");
+            return m_directory.path() / "a_1073741824x1.data";
+        }(),
+        1u << 30);
     EXPECT_FALSE(load("unsignedchar[]", "a_1073741824x1.data", ScriptColumn::array(m_buffer, RAVIK_MEM_SHARED)));
     EXPECT_TRUE(logMentions("cannot be loaded"));
 }

@@ -5,13 +5,15 @@ using namespace test;
 
 namespace {
 
-struct Place {
+struct Place
+{
     uint32_t x, y;
     bool operator==(const Place&) const = default;
 };
 
 template <class T>
-struct Found {
+struct Found
+{
     T low, high;
     Place lowAt, highAt;
 };

@@ -9,7 +9,8 @@ using namespace test;
 
 namespace {
 
-struct Size {
+struct Size
+{
     uint32_t width, height;
 };
 
@@ -23,7 +24,8 @@ Size same(Size s)
 }
 
 // Where the pixel (x, y) of the source goes.
-struct Place {
+struct Place
+{
     uint32_t x, y;
 };
 Place transposed(Place p, Size)
@@ -238,7 +240,8 @@ TEST(Transform, InPlaceWithTwoStridesIsRefused)
 }
 
 // Calls of a logging function that must each log `condition` and write nothing.
-class Refusals {
+class Refusals
+{
 public:
     explicit Refusals(const std::string& condition) : m_line("6 ravik_lib_log: Assertion failed @" + condition + "\n")
     {

@@ -9,7 +9,7 @@ const FunctionGroup& firFunctions()
 {
     const Argument size = oneOf({5, 3, 7, 1, 4}); // refused: 4
     const Argument square = src.ofSize(7 * 7), row = src.ofSize(7), column = src.ofSize(7);
-    const Argument weights = src.ofSize(17); // for the largest of the fixed sizes
+    const Argument weights = src.ofSize(17);          // for the largest of the fixed sizes
     const Argument shift = oneOf({14, 0, 8, 31, 32}); // refused: 32
 
     static const FunctionGroup group{

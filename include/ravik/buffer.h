@@ -9,9 +9,10 @@
 /* Owns one block of memory of a chosen kind and frees it when it ends. Every function returns true on success.
  *
  * `keep` reuses the block when it is large enough and of the wanted kind: only the size changes. Otherwise the block is
- * released and a new one allocated; its contents are not carried over. Kinds other than RAVIK_MEM_SYSTEM, RAVIK_MEM_SHARED
- * and RAVIK_MEM_LIBRARY fail after the old block is released. */
-class RVK_API rvkBuffer {
+ * released and a new one allocated; its contents are not carried over. Kinds other than RAVIK_MEM_SYSTEM,
+ * RAVIK_MEM_SHARED and RAVIK_MEM_LIBRARY fail after the old block is released. */
+class RVK_API rvkBuffer
+{
 public:
     rvkBuffer() = default;
     ~rvkBuffer();
@@ -39,8 +40,8 @@ public:
     void* data = nullptr;                   /* where the data begins: a multiple of 16, of 128 in library memory */
     rvkMemOption option = RAVIK_MEM_SYSTEM; /* kind of the block */
     uint32_t reserved = 0;
-    void* sharedHandle = nullptr;           /* shared memory: what dspmem_alloc returned */
-    uint32_t sharedSize = 0;                /* shared memory: bytes asked of dspmem_alloc */
+    void* sharedHandle = nullptr; /* shared memory: what dspmem_alloc returned */
+    uint32_t sharedSize = 0;      /* shared memory: bytes asked of dspmem_alloc */
 };
 
 #endif

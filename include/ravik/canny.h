@@ -1,8 +1,8 @@
 /* Ravik: edges after Canny, "A Computational Approach to Edge Detection", 1986, without its smoothing, which is the
  * caller's choice (rvkFilterGaussian5x5u8, for instance).
  *
- * Gradient: dx and dy are Sobel's derivatives, not scaled; dx is right minus left, dy lower minus upper. The kernels are
- * products of a smoothing and a derivative part: 1 2 1 and -1 0 1 (3x3), 1 4 6 4 1 and -1 -2 0 2 1 (5x5),
+ * Gradient: dx and dy are Sobel's derivatives, not scaled; dx is right minus left, dy lower minus upper. The kernels
+ * are products of a smoothing and a derivative part: 1 2 1 and -1 0 1 (3x3), 1 4 6 4 1 and -1 -2 0 2 1 (5x5),
  * 1 6 15 20 15 6 1 and -1 -4 -5 0 5 4 1 (7x7). Pixels outside the picture have the value of the nearest one inside. 7x7
  * sums, up to 163200, enter the detection as sixteenths, rounded to the nearest, halves to the even one; that is what
  * "dx" and "dy" mean below.

@@ -6,9 +6,10 @@
  *   Gradients  a plane dx and a plane dy, as the planar functions of gradient.h write them, each with its own stride.
  *              All values are allowed, -32768 too.
  *   Alignment  pointers are aligned to their element type; nothing more is needed. The work may run on the DSP only
- * when pointers and strides are multiples of 8. In place   16-bit results may replace a source whose stride they share;
- * another stride is refused. Otherwise images must not overlap. Errors     RAVIK_EBADPARAM on bad arguments; nothing is
- * written then. */
+ *              when pointers and strides are multiples of 8.
+ *   In place   16-bit results may replace a source whose stride they share; another stride is refused. Otherwise images
+ *              must not overlap.
+ *   Errors     RAVIK_EBADPARAM on bad arguments; nothing is written then. */
 #ifndef RAVIK_MAGNITUDE_H
 #define RAVIK_MAGNITUDE_H
 

@@ -1,14 +1,14 @@
 /* Ravik: smallest and largest element of an image, with their places.
  *
  * Common to all functions of this header:
- *   Result     `*minVal` is the smallest element and (`*minLocX`, `*minLocY`) its column and row; `*maxVal`, `*maxLocX` and
- *              `*maxLocY` tell the same of the largest. Of equal elements the first in row-major order counts.
- *   Shapes     width and height are in elements and at least 1. The stride is in bytes; 0 means packed rows. Strides of 16-
- *              and 32-bit images are rounded down to a multiple of the element size.
+ *   Result     `*minVal` is the smallest element and (`*minLocX`, `*minLocY`) its column and row; `*maxVal`, `*maxLocX`
+ *              and `*maxLocY` tell the same of the largest. Of equal elements the first in row-major order counts.
+ *   Shapes     width and height are in elements and at least 1. The stride is in bytes; 0 means packed rows. Strides of
+ *              16- and 32-bit images are rounded down to a multiple of the element size.
  *   Alignment  pointers are aligned to their element type; nothing more is needed.
- *   Floats     an element counts only when the comparison with the best so far is true: a NaN replaces nothing, a NaN as
- *              the first element of the image is replaced by nothing (both values are that NaN, both places (0, 0)), and
- *              -0 equals +0. Infinities and subnormal numbers are ordinary values, on every target.
+ *   Floats     an element counts only when the comparison with the best so far is true: a NaN replaces nothing, a NaN
+ *              as the first element of the image is replaced by nothing (both values are that NaN, both places (0, 0)),
+ *              and -0 equals +0. Infinities and subnormal numbers are ordinary values, on every target.
  *   Errors     all six results are required. On bad arguments nothing is written; the first forms log
  *              "Assertion failed @<function>: <condition>", the _v2 forms return RAVIK_EBADPARAM without a log line. */
 #ifndef RAVIK_MINMAX_H

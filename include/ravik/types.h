@@ -44,8 +44,8 @@ typedef enum rvkStatus {
 #define RAVIK_UNIT_DMA 512u
 #define RAVIK_UNIT_NDSP_TEST 1024u
 
-/* Operation mode of rvkSetOperationMode: one of the values below, or RAVIK_OP_EXPERT | RAVIK_UNIT_x to run everything on
- * one processing unit. */
+/* Operation mode of rvkSetOperationMode: one of the values below, or RAVIK_OP_EXPERT | RAVIK_UNIT_x to run everything
+ * on one processing unit. */
 typedef int32_t rvkOperationMode;
 #define RAVIK_OP_LOW_POWER 0
 #define RAVIK_OP_PERFORMANCE 1
@@ -66,9 +66,9 @@ typedef enum RVK_IMPL {
 
 /* Kind of memory behind an rvkBuffer. */
 typedef enum rvkMemOption {
-    RAVIK_MEM_SYSTEM = 0,  /* ordinary heap */
-    RAVIK_MEM_SHARED = 1,  /* shared with the DSP */
-    RAVIK_MEM_LIBRARY = 2  /* rvkMemAlloc */
+    RAVIK_MEM_SYSTEM = 0, /* ordinary heap */
+    RAVIK_MEM_SHARED = 1, /* shared with the DSP */
+    RAVIK_MEM_LIBRARY = 2 /* rvkMemAlloc */
 } rvkMemOption;
 
 /* Conversion policy of the add, subtract and multiply families. */

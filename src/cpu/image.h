@@ -8,10 +8,11 @@
 
 namespace rvk {
 
-// An image, or the sources and destinations of one: rows of T, `stride` bytes apart. A stride that is not a multiple of the
-// element size is rounded down to one.
+// An image, or the sources and destinations of one: rows of T, `stride` bytes apart. A stride that is not a multiple of
+// the element size is rounded down to one.
 template <class T>
-struct Plane {
+struct Plane
+{
     T* data;
     uint32_t stride;
 
@@ -20,9 +21,11 @@ struct Plane {
 template <class T>
 Plane(T*, uint32_t) -> Plane<T>;
 
-// An image that goes on beyond its edges: each pixel outside has the value of the nearest one inside, or all the same value.
+// An image that goes on beyond its edges: each pixel outside has the value of the nearest one inside, or all the same
+// value.
 template <class T>
-struct BorderedImage {
+struct BorderedImage
+{
     Plane<const T> image;
     int64_t right, bottom; // the last column and row
     bool replicates;

@@ -26,16 +26,18 @@ float absoluteDifference(float a, float b)
 }
 
 template <class T>
-void absDiff(const T* src1, const T* src2, uint32_t width, uint32_t height, uint32_t srcStride, T* dst, uint32_t dstStride)
+void absDiff(const T* src1, const T* src2, uint32_t width, uint32_t height, uint32_t srcStride, T* dst,
+             uint32_t dstStride)
 {
-    mapElements(width, height, Plane{dst, dstStride}, [](T a, T b) { return absoluteDifference(a, b); },
-                Plane{src1, srcStride}, Plane{src2, srcStride});
+    mapElements(
+        width, height, Plane{dst, dstStride}, [](T a, T b) { return absoluteDifference(a, b); }, Plane{src1, srcStride},
+        Plane{src2, srcStride});
 }
 
 // Interleaved channels, one value for each.
 template <class T, size_t channels>
-void absDiffValues(const T* src, uint32_t width, uint32_t height, uint32_t srcStride, const T (&values)[channels], T* dst,
-                   uint32_t dstStride)
+void absDiffValues(const T* src, uint32_t width, uint32_t height, uint32_t srcStride, const T (&values)[channels],
+                   T* dst, uint32_t dstStride)
 {
     for (size_t y = 0; y < height; ++y) {
         const T* in = Plane{src, srcStride}.row(y);
@@ -60,14 +62,14 @@ void rvkAbsDiffs32C(const int32_t* src1, const int32_t* src2, uint32_t srcWidth,
     absDiff(src1, src2, srcWidth, srcHeight, srcStride, dst, dstStride);
 }
 
-void rvkAbsDifff32C(const float32_t* src1, const float32_t* src2, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
-                    float32_t* dst, uint32_t dstStride)
+void rvkAbsDifff32C(const float32_t* src1, const float32_t* src2, uint32_t srcWidth, uint32_t srcHeight,
+                    uint32_t srcStride, float32_t* dst, uint32_t dstStride)
 {
     absDiff(src1, src2, srcWidth, srcHeight, srcStride, dst, dstStride);
 }
 
-void rvkAbsDiffVu8C(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride, uint8_t value, uint8_t* dst,
-                    uint32_t dstStride)
+void rvkAbsDiffVu8C(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride, uint8_t value,
+                    uint8_t* dst, uint32_t dstStride)
 {
     absDiffValues(src, srcWidth, srcHeight, srcStride, {value}, dst, dstStride);
 }
@@ -96,8 +98,8 @@ void rvkAbsDiffVc3s32C(const int32_t* src, uint32_t srcWidth, uint32_t srcHeight
     absDiffValues(src, srcWidth, srcHeight, srcStride, {value1, value2, value3}, dst, dstStride);
 }
 
-void rvkAbsDiffVc3f32C(const float32_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride, float32_t value1,
-                       float32_t value2, float32_t value3, float32_t* dst, uint32_t dstStride)
+void rvkAbsDiffVc3f32C(const float32_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
+                       float32_t value1, float32_t value2, float32_t value3, float32_t* dst, uint32_t dstStride)
 {
     absDiffValues(src, srcWidth, srcHeight, srcStride, {value1, value2, value3}, dst, dstStride);
 }
@@ -114,48 +116,54 @@ void rvkAbsDiffVc4s32C(const int32_t* src, uint32_t srcWidth, uint32_t srcHeight
     absDiffValues(src, srcWidth, srcHeight, srcStride, {value1, value2, value3, value4}, dst, dstStride);
 }
 
-void rvkAbsDiffVc4f32C(const float32_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride, float32_t value1,
-                       float32_t value2, float32_t value3, float32_t value4, float32_t* dst, uint32_t dstStride)
+void rvkAbsDiffVc4f32C(const float32_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
+                       float32_t value1, float32_t value2, float32_t value3, float32_t value4, float32_t* dst,
+                       uint32_t dstStride)
 {
     absDiffValues(src, srcWidth, srcHeight, srcStride, {value1, value2, value3, value4}, dst, dstStride);
 }
 
-void rvkImageDiffu8_v2C(const uint8_t* src1, const uint8_t* src2, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
-                        uint8_t* dst, uint32_t dstStride)
+void rvkImageDiffu8_v2C(const uint8_t* src1, const uint8_t* src2, uint32_t srcWidth, uint32_t srcHeight,
+                        uint32_t srcStride, uint8_t* dst, uint32_t dstStride)
 {
-    mapElements(srcWidth, srcHeight, Plane{dst, dstStride},
-                [](int a, int b) { return static_cast<uint8_t>(a > b ? a - b : 0); }, Plane{src1, srcStride},
-                Plane{src2, srcStride});
+    mapElements(
+        srcWidth, srcHeight, Plane{dst, dstStride},
+        [](int a, int b) { return static_cast<uint8_t>(a > b ? a - b : 0); }, Plane{src1, srcStride},
+        Plane{src2, srcStride});
 }
 
-void rvkImageDiffs16C(const int16_t* src1, const int16_t* src2, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
-                      int16_t* dst, uint32_t dstStride)
+void rvkImageDiffs16C(const int16_t* src1, const int16_t* src2, uint32_t srcWidth, uint32_t srcHeight,
+                      uint32_t srcStride, int16_t* dst, uint32_t dstStride)
 {
-    mapElements(srcWidth, srcHeight, Plane{dst, dstStride}, [](int a, int b) { return saturate<int16_t>(a - b); },
-                Plane{src1, srcStride}, Plane{src2, srcStride});
+    mapElements(
+        srcWidth, srcHeight, Plane{dst, dstStride}, [](int a, int b) { return saturate<int16_t>(a - b); },
+        Plane{src1, srcStride}, Plane{src2, srcStride});
 }
 
-void rvkImageDifff32C(const float32_t* src1, const float32_t* src2, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
-                      float32_t* dst, uint32_t dstStride)
+void rvkImageDifff32C(const float32_t* src1, const float32_t* src2, uint32_t srcWidth, uint32_t srcHeight,
+                      uint32_t srcStride, float32_t* dst, uint32_t dstStride)
 {
-    mapElements(srcWidth, srcHeight, Plane{dst, dstStride}, [](float a, float b) { return a - b; }, Plane{src1, srcStride},
-                Plane{src2, srcStride});
+    mapElements(
+        srcWidth, srcHeight, Plane{dst, dstStride}, [](float a, float b) { return a - b; }, Plane{src1, srcStride},
+        Plane{src2, srcStride});
 }
 
-void rvkImageDiffu8f32C(const uint8_t* src1, const uint8_t* src2, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
-                        float32_t* dst, uint32_t dstStride)
+void rvkImageDiffu8f32C(const uint8_t* src1, const uint8_t* src2, uint32_t srcWidth, uint32_t srcHeight,
+                        uint32_t srcStride, float32_t* dst, uint32_t dstStride)
 {
-    mapElements(srcWidth, srcHeight, Plane{dst, dstStride},
-                [](uint8_t a, uint8_t b) { return static_cast<float>(a) - static_cast<float>(b); }, Plane{src1, srcStride},
-                Plane{src2, srcStride});
+    mapElements(
+        srcWidth, srcHeight, Plane{dst, dstStride},
+        [](uint8_t a, uint8_t b) { return static_cast<float>(a) - static_cast<float>(b); }, Plane{src1, srcStride},
+        Plane{src2, srcStride});
 }
 
-void rvkImageDiffu8s8C(const uint8_t* src1, const uint8_t* src2, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
-                       int8_t* dst, uint32_t dstStride)
+void rvkImageDiffu8s8C(const uint8_t* src1, const uint8_t* src2, uint32_t srcWidth, uint32_t srcHeight,
+                       uint32_t srcStride, int8_t* dst, uint32_t dstStride)
 {
-    mapElements(srcWidth, srcHeight, Plane{dst, dstStride},
-                [](int a, int b) { return static_cast<int8_t>((a >> 1) - (b >> 1)); }, Plane{src1, srcStride},
-                Plane{src2, srcStride});
+    mapElements(
+        srcWidth, srcHeight, Plane{dst, dstStride},
+        [](int a, int b) { return static_cast<int8_t>((a >> 1) - (b >> 1)); }, Plane{src1, srcStride},
+        Plane{src2, srcStride});
 }
 
 } // namespace rvk

@@ -20,7 +20,8 @@ void minMaxLoc(const T* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t src
             "src/cpu/ravikArithmC", kArgumentLine,
             "src && srcWidth && srcHeight && (srcStride >= srcWidth) && minVal && maxVal && minLocX && "
             "minLocY && maxLocX && maxLocY");
-    struct Element {
+    struct Element
+    {
         T value;
         uint32_t x, y;
     };

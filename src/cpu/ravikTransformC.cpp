@@ -12,13 +12,15 @@ constexpr int kArgumentLine = 733; // where the log says that the arguments are 
 
 // A pixel of several bytes, at any address.
 template <size_t bytes>
-struct Pixel {
+struct Pixel
+{
     uint8_t byte[bytes];
 };
 
 // Rows of pixels, `stride` bytes apart. A stride that does not keep the rows aligned is rounded down.
 template <class P, class Byte>
-struct PixelRows {
+struct PixelRows
+{
     Byte* data;
     uint32_t stride;
 

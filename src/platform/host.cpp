@@ -18,8 +18,8 @@ RVK_WEAK int __android_log_print(int priority, const char* tag, const char* form
 
     char line[4096];
     constexpr size_t room = sizeof line - 1; // for the line feed
-    size_t length = static_cast<size_t>(
-        snprintf(line, room, "%c/%.64s: ", known ? letters[priority] : '?', tag ? tag : ""));
+    size_t length =
+        static_cast<size_t>(snprintf(line, room, "%c/%.64s: ", known ? letters[priority] : '?', tag ? tag : ""));
     va_list args;
     va_start(args, format);
     const int wanted = vsnprintf(line + length, room - length, format, args);
@@ -50,7 +50,8 @@ RVK_WEAK int __system_property_get(const char* name, char* value)
 RVK_WEAK void* dspmem_alloc(int, uint32_t, int size)
 {
     void* address = nullptr;
-    if (size <= 0 || posix_memalign(&address, static_cast<size_t>(sysconf(_SC_PAGESIZE)), static_cast<size_t>(size)) != 0)
+    if (size <= 0 ||
+        posix_memalign(&address, static_cast<size_t>(sysconf(_SC_PAGESIZE)), static_cast<size_t>(size)) != 0)
         return nullptr;
     return address;
 }

@@ -1,5 +1,6 @@
-// The platform's own interfaces that the library uses: Android's headers where they exist, the same declarations elsewhere.
-// On Android liblog, libc and libcdspcall.so define the functions; on other hosts src/platform/host.cpp does.
+// The platform's own interfaces that the library uses: Android's headers where they exist, the same declarations
+// elsewhere. On Android liblog, libc and libcdspcall.so define the functions; on other hosts src/platform/host.cpp
+// does.
 #pragma once
 
 #include <cstdint>

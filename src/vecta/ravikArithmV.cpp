@@ -214,9 +214,8 @@ RVK_INLINE Vec<uint8_t> blend(Vec<uint8_t> a, Vec<uint8_t> b, int32_t weight1, i
             : "w"(reg(a)), "w"(reg(b)), "w"(factor1), "w"(factor2));
     return bitCast<uint8_t>(vec(low));
 #else
-    const auto half = [=](uint8x8_t v, uint8x8_t w) RVK_INLINE_LAMBDA {
-        return vrshrn_n_u16(vmlal_u8(vmull_u8(v, factor1), w, factor2), 8);
-    };
+    const auto half = [=](uint8x8_t v, uint8x8_t w)
+                          RVK_INLINE_LAMBDA { return vrshrn_n_u16(vmlal_u8(vmull_u8(v, factor1), w, factor2), 8); };
     return join(half(lowHalf(a), lowHalf(b)), half(highHalf(a), highHalf(b)));
 #endif
 }

@@ -94,22 +94,25 @@ void rvkAbsDiffVc4f32V(const float32_t* src, uint32_t srcWidth, uint32_t srcHeig
 void rvkImageDiffu8_v2V(const uint8_t* src1, const uint8_t* src2, uint32_t srcWidth, uint32_t srcHeight,
                         uint32_t srcStride, uint8_t* dst, uint32_t dstStride)
 {
-    mapImage(srcWidth, srcHeight, Plane{dst, dstStride}, [](auto a, auto b) RVK_INLINE_LAMBDA { return subSat(a, b); },
-             Plane{src1, srcStride}, Plane{src2, srcStride});
+    mapImage(
+        srcWidth, srcHeight, Plane{dst, dstStride}, [](auto a, auto b) RVK_INLINE_LAMBDA { return subSat(a, b); },
+        Plane{src1, srcStride}, Plane{src2, srcStride});
 }
 
 void rvkImageDiffs16V(const int16_t* src1, const int16_t* src2, uint32_t srcWidth, uint32_t srcHeight,
                       uint32_t srcStride, int16_t* dst, uint32_t dstStride)
 {
-    mapImage(srcWidth, srcHeight, Plane{dst, dstStride}, [](auto a, auto b) RVK_INLINE_LAMBDA { return subSat(a, b); },
-             Plane{src1, srcStride}, Plane{src2, srcStride});
+    mapImage(
+        srcWidth, srcHeight, Plane{dst, dstStride}, [](auto a, auto b) RVK_INLINE_LAMBDA { return subSat(a, b); },
+        Plane{src1, srcStride}, Plane{src2, srcStride});
 }
 
 void rvkImageDifff32V(const float32_t* src1, const float32_t* src2, uint32_t srcWidth, uint32_t srcHeight,
                       uint32_t srcStride, float32_t* dst, uint32_t dstStride)
 {
-    mapImage(srcWidth, srcHeight, Plane{dst, dstStride}, [](auto a, auto b) RVK_INLINE_LAMBDA { return a - b; },
-             Plane{src1, srcStride}, Plane{src2, srcStride});
+    mapImage(
+        srcWidth, srcHeight, Plane{dst, dstStride}, [](auto a, auto b) RVK_INLINE_LAMBDA { return a - b; },
+        Plane{src1, srcStride}, Plane{src2, srcStride});
 }
 
 void rvkImageDiffu8f32V(const uint8_t* src1, const uint8_t* src2, uint32_t srcWidth, uint32_t srcHeight,
@@ -128,9 +131,8 @@ void rvkImageDiffu8f32V(const uint8_t* src1, const uint8_t* src2, uint32_t srcWi
 void rvkImageDiffu8s8V(const uint8_t* src1, const uint8_t* src2, uint32_t srcWidth, uint32_t srcHeight,
                        uint32_t srcStride, int8_t* dst, uint32_t dstStride)
 {
-    const auto formula = [](auto a, auto b) RVK_INLINE_LAMBDA {
-        return bitCast<int8_t>(shiftRight(a, 1) - shiftRight(b, 1));
-    };
+    const auto formula = [](auto a, auto b)
+                             RVK_INLINE_LAMBDA { return bitCast<int8_t>(shiftRight(a, 1) - shiftRight(b, 1)); };
     mapImage(srcWidth, srcHeight, Plane{dst, dstStride}, formula, Plane{src1, srcStride}, Plane{src2, srcStride});
 }
 

@@ -11,7 +11,8 @@ namespace {
 
 // Elements are compared by keys, as a rule themselves.
 template <class T>
-struct Order {
+struct Order
+{
     using Key = T;
     static RVK_INLINE Vec<T> minKeys(Vec<T> v) { return v; }
     static RVK_INLINE Vec<T> maxKeys(Vec<T> v) { return v; }
@@ -22,7 +23,8 @@ struct Order {
 // of the same order, both zeros 0. What is not a number lies beyond both infinities, at either end; an offset that
 // wraps it around makes it lose every comparison.
 template <>
-struct Order<float> {
+struct Order<float>
+{
     using Key = int32_t;
     static RVK_INLINE Vec<Key> keys(Vec<float> v)
     {
@@ -46,7 +48,8 @@ RVK_INLINE bool isNumber(T x)
 
 // The extreme keys so far, lane by lane. A lane starts with a number; the floats that are none never replace it.
 template <class Key>
-struct Extremes {
+struct Extremes
+{
     Vec<Key> low, high;
 
     template <class T>
@@ -108,7 +111,8 @@ RVK_INLINE size_t findFirst(const T* p, size_t n, Wanted wanted)
 
 // The best key so far, in all lanes, and the chunk where it stands first.
 template <class Key>
-struct Best {
+struct Best
+{
     Vec<Key> key;
     size_t x = 0, y = 0;
 };

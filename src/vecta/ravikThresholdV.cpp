@@ -141,18 +141,20 @@ void rvkAdaptiveThresholdGaussian3x3u8V(const uint8_t* src, uint32_t srcWidth, u
                                         uint8_t maxValue, uint32_t thresholdType, int32_t value, uint8_t* dst,
                                         uint32_t dstStride)
 {
-    adaptive(
-        srcWidth, srcHeight, {src, srcStride}, {dst, dstStride}, maxValue, thresholdType, value,
-        [=]() RVK_INLINE_LAMBDA { rvkFilterGaussian3x3u8_v2V(src, srcWidth, srcHeight, srcStride, dst, dstStride, 1); });
+    adaptive(srcWidth, srcHeight, {src, srcStride}, {dst, dstStride}, maxValue, thresholdType, value,
+             [=]() RVK_INLINE_LAMBDA {
+                 rvkFilterGaussian3x3u8_v2V(src, srcWidth, srcHeight, srcStride, dst, dstStride, 1);
+             });
 }
 
 void rvkAdaptiveThresholdGaussian5x5u8V(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
                                         uint8_t maxValue, uint32_t thresholdType, int32_t value, uint8_t* dst,
                                         uint32_t dstStride)
 {
-    adaptive(
-        srcWidth, srcHeight, {src, srcStride}, {dst, dstStride}, maxValue, thresholdType, value,
-        [=]() RVK_INLINE_LAMBDA { rvkFilterGaussian5x5u8_v2V(src, srcWidth, srcHeight, srcStride, dst, dstStride, 1); });
+    adaptive(srcWidth, srcHeight, {src, srcStride}, {dst, dstStride}, maxValue, thresholdType, value,
+             [=]() RVK_INLINE_LAMBDA {
+                 rvkFilterGaussian5x5u8_v2V(src, srcWidth, srcHeight, srcStride, dst, dstStride, 1);
+             });
 }
 
 void rvkAdaptiveThresholdGaussian11x11u8V(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,

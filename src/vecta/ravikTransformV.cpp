@@ -12,7 +12,8 @@ namespace {
 // ---- registers of a chosen number of 16-byte blocks ---------------------------------------------------------------
 
 template <class T, size_t bytes>
-struct Reg {
+struct Reg
+{
     using Raw __attribute__((vector_size(bytes))) = T;
     using InMemory __attribute__((vector_size(bytes), aligned(1), may_alias)) = T;
     static constexpr size_t lanes = bytes / sizeof(T);
@@ -107,9 +108,9 @@ RVK_INLINE void storeThreeQuarters(uint8_t* p, Reg<uint8_t, bytes> r)
 
 // ---- transposes ---------------------------------------------------------------------------------------------------
 
-// Transposes the blocks of n registers. Write the numbers of a pixel's register and of its lane in the block as one string
-// of bits: a round of zips rotates it by one bit. A pixel is loaded where the string is (row, column); after as many
-// rounds as the number of a block's row has bits, it is (column, row).
+// Transposes the blocks of n registers. Write the numbers of a pixel's register and of its lane in the block as one
+// string of bits: a round of zips rotates it by one bit. A pixel is loaded where the string is (row, column); after as
+// many rounds as the number of a block's row has bits, it is (column, row).
 template <size_t blockRows, class T, size_t bytes, size_t n>
 RVK_INLINE void zipRounds(Reg<T, bytes> (&r)[n])
 {
@@ -126,7 +127,8 @@ RVK_INLINE void zipRounds(Reg<T, bytes> (&r)[n])
 // is as many columns wide as there are registers: one for each pixel of a block, or half as many where that is too many
 // for the instruction set.
 template <class Lane, size_t bytes>
-struct Tile {
+struct Tile
+{
 #if defined(__ARM_NEON) && !defined(__aarch64__)
     static constexpr size_t columns = kBlock<Lane> < 8 ? kBlock<Lane> : 8;
 #else
@@ -180,7 +182,8 @@ RVK_INLINE void transpose8x8(uint8x8_t (&r)[8])
 
 // Pixels of three bytes: each channel in registers of its own.
 template <size_t bytes>
-struct RgbTile {
+struct RgbTile
+{
     static constexpr size_t columns = 8;
     static constexpr size_t rows = 8;
     static constexpr size_t excess = 0;
@@ -207,7 +210,8 @@ struct RgbTile {
 
 // Pixels of three bytes: in registers they take lanes of four. A load of a row takes 16 bytes for 4 pixels.
 template <size_t bytes>
-struct RgbTile {
+struct RgbTile
+{
     static constexpr size_t columns = 4;
     static constexpr size_t rows = bytes / 4;
     static constexpr size_t excess = 4;
@@ -257,16 +261,20 @@ private:
 template <size_t pixel, size_t bytes>
 struct TileOf;
 template <size_t bytes>
-struct TileOf<1, bytes> : Tile<uint8_t, bytes> {
+struct TileOf<1, bytes> : Tile<uint8_t, bytes>
+{
 };
 template <size_t bytes>
-struct TileOf<2, bytes> : Tile<uint16_t, bytes> {
+struct TileOf<2, bytes> : Tile<uint16_t, bytes>
+{
 };
 template <size_t bytes>
-struct TileOf<3, bytes> : RgbTile<bytes> {
+struct TileOf<3, bytes> : RgbTile<bytes>
+{
 };
 template <size_t bytes>
-struct TileOf<4, bytes> : Tile<uint32_t, bytes> {
+struct TileOf<4, bytes> : Tile<uint32_t, bytes>
+{
 };
 
 // Images are transposed in bands of as many rows as a cache line of the destination takes, so that lines are written
@@ -365,7 +373,8 @@ __attribute__((noinline)) void transpose(const uint8_t* src, size_t width, size_
 
 // As many pixels as registers hold, the other way round.
 template <class Lane, size_t bytes>
-struct PixelRun {
+struct PixelRun
+{
     static constexpr size_t size = bytes;
     Reg<Lane, bytes> r;
 
@@ -388,7 +397,8 @@ constexpr size_t mirroredRgb(size_t size, size_t i)
 #if defined(__AVX512VBMI__)
 
 // A shuffle takes any bytes of two registers; of the three, only the middle result needs a byte of each.
-struct RgbRun {
+struct RgbRun
+{
     static constexpr size_t size = 192;
     using Bytes = Reg<uint8_t, 64>;
     Bytes r[3];
@@ -402,9 +412,9 @@ struct RgbRun {
         storeReg(p, shuffleReg(r[1], r[2], [](size_t i) { return mirroredRgb(size, i) - 64; }));
         const Bytes most = shuffleReg(r[1], r[2], [](size_t i) { return (mirroredRgb(size, 64 + i) + 64) % 128; });
         storeReg(p + 64, shuffleReg(most, r[0], [](size_t i) {
-            const size_t source = mirroredRgb(size, 64 + i);
-            return source < 64 ? 64 + source : i;
-        }));
+                     const size_t source = mirroredRgb(size, 64 + i);
+                     return source < 64 ? 64 + source : i;
+                 }));
         storeReg(p + 128, shuffleReg(r[0], r[1], [](size_t i) { return mirroredRgb(size, 128 + i); }));
     }
 };
@@ -418,7 +428,8 @@ constexpr uint8_t mirroredIndex(size_t from, size_t i)
     return source / 16 == from ? static_cast<uint8_t>(source % 16) : 0x80;
 }
 
-struct RgbRun {
+struct RgbRun
+{
     static constexpr size_t size = 48;
     using Bytes = Reg<uint8_t, 16>;
     Bytes r[3];
@@ -451,7 +462,8 @@ private:
 
 #else
 
-struct RgbRun {
+struct RgbRun
+{
     static constexpr size_t size = 3 * kBytes;
     Vecs<uint8_t, 3> channels;
 
@@ -468,17 +480,20 @@ struct RgbRun {
 template <size_t pixel>
 struct Runs;
 template <>
-struct Runs<1> {
+struct Runs<1>
+{
     using Long = PixelRun<uint8_t, kBytes>;
     using Short = PixelRun<uint8_t, 16>;
 };
 template <>
-struct Runs<2> {
+struct Runs<2>
+{
     using Long = PixelRun<uint16_t, kBytes>;
     using Short = PixelRun<uint16_t, 16>;
 };
 template <>
-struct Runs<3> {
+struct Runs<3>
+{
     using Long = RgbRun;
     using Short = RgbRun;
 };

@@ -1,5 +1,6 @@
-// The vector implementations of one instruction set, in a namespace of its own: each unit of this folder is compiled once
-// per instruction set, with RVK_ISA set to its name. A definition whose signature deviates from the reference does not link.
+// The vector implementations of one instruction set, in a namespace of its own: each unit of this folder is compiled
+// once per instruction set, with RVK_ISA set to its name. A definition whose signature deviates from the reference does
+// not link.
 #pragma once
 
 #include "functions.h"

@@ -1,5 +1,5 @@
-// What the complete fake companion library records, and what a test tells it to answer. A test finds the one object by the
-// symbol "fakeCompanion".
+// What the complete fake companion library records, and what a test tells it to answer. A test finds the one object by
+// the symbol "fakeCompanion".
 #pragma once
 
 #include "manager.h"
@@ -8,7 +8,8 @@
 #include <cstdio>
 #include <cstring>
 
-struct FakeCompanion {
+struct FakeCompanion
+{
     char events[4096]; // one line per call: name and arguments
     uint32_t hardware; // answer of rvkAvailableHWComponent
     char version[40];

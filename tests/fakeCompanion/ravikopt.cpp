@@ -1,5 +1,5 @@
-// A companion library that exports everything the library asks for. The words that hold addresses are exported as 0, those
-// of the memory hooks excepted; a test fills what it needs.
+// A companion library that exports everything the library asks for. The words that hold addresses are exported as 0,
+// those of the memory hooks excepted; a test fills what it needs.
 #include "fakeCompanion.h"
 
 #include <cstdlib>

@@ -1,4 +1,2 @@
 // A companion library that exports nothing that the library knows.
-extern "C" void nothing()
-{
-}
+extern "C" void nothing() {}

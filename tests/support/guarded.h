@@ -9,7 +9,8 @@
 
 namespace test {
 
-class GuardedMemory {
+class GuardedMemory
+{
 public:
     enum class Flush { toEnd, toStart }; // which guard page the bytes touch
 
@@ -18,8 +19,10 @@ public:
         const size_t page = static_cast<size_t>(sysconf(_SC_PAGESIZE));
         const size_t body = (bytes + page - 1) / page * page;
         m_size = body + 2 * page;
-        m_base = static_cast<uint8_t*>(mmap(nullptr, m_size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0));
-        if (m_base == MAP_FAILED || mprotect(m_base, page, PROT_NONE) || mprotect(m_base + page + body, page, PROT_NONE))
+        m_base =
+            static_cast<uint8_t*>(mmap(nullptr, m_size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0));
+        if (m_base == MAP_FAILED || mprotect(m_base, page, PROT_NONE) ||
+            mprotect(m_base + page + body, page, PROT_NONE))
             abort();
         m_data = m_base + page + (flush == Flush::toEnd ? body - bytes : 0);
     }

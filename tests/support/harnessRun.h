@@ -33,7 +33,8 @@ inline void writeFile(const std::filesystem::path& path, const std::string& text
 }
 
 // A directory of its own that is gone after the test.
-class TemporaryDirectory {
+class TemporaryDirectory
+{
 public:
     TemporaryDirectory()
     {
@@ -53,7 +54,8 @@ private:
     std::filesystem::path m_path;
 };
 
-struct ProgramRun {
+struct ProgramRun
+{
     int exitStatus; // -1 when a signal ended the program
     std::string out;
     std::string err; // messages and log lines
@@ -63,7 +65,8 @@ struct ProgramRun {
 };
 
 // Runs "ravikTest <words>". `prepare` is called in the child process before.
-inline ProgramRun runProgram(const std::vector<std::string>& words, const std::function<void()>& prepare = [] {})
+inline ProgramRun runProgram(
+    const std::vector<std::string>& words, const std::function<void()>& prepare = [] {})
 {
     const TemporaryDirectory directory;
     const std::string out = directory.string() + "/out", err = directory.string() + "/err";

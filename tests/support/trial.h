@@ -34,7 +34,8 @@ namespace test {
 using namespace rvk;
 
 // Small, fast, the same everywhere.
-class Random {
+class Random
+{
 public:
     explicit Random(uint64_t seed) : m_state(seed * 0x9E3779B97F4A7C15u + 1) {}
 
@@ -61,8 +62,10 @@ T drawElement(Random& random, Content content)
     if constexpr (std::is_floating_point_v<T>) {
         static const T special[] = {0.0f, -0.0f, 1.0f, -1.0f, INFINITY, -INFINITY, NAN, FLT_MAX, -FLT_MAX, FLT_MIN};
         switch (content) {
-        case Content::extremes: return special[random.below(10)];
-        case Content::small: return static_cast<T>(static_cast<int>(random.below(17)) - 8);
+        case Content::extremes:
+            return special[random.below(10)];
+        case Content::small:
+            return static_cast<T>(static_cast<int>(random.below(17)) - 8);
         default: { // any exponent between 2^-30 and 2^30: no overflow, no subnormals in sums and products
             const float mantissa = static_cast<float>(static_cast<int32_t>(random.next() >> 32)) / 2147483648.0f;
             return std::ldexp(mantissa, static_cast<int>(random.below(61)) - 30);
@@ -70,24 +73,35 @@ T drawElement(Random& random, Content content)
         }
     } else {
         using Limits = std::numeric_limits<T>;
-        static const T special[] = {Limits::min(), Limits::max(), 0, 1, static_cast<T>(-1), Limits::max() - 1,
-                                    static_cast<T>(Limits::min() + 1), Limits::max() / 2};
+        static const T special[] = {Limits::min(),
+                                    Limits::max(),
+                                    0,
+                                    1,
+                                    static_cast<T>(-1),
+                                    Limits::max() - 1,
+                                    static_cast<T>(Limits::min() + 1),
+                                    Limits::max() / 2};
         switch (content) {
-        case Content::extremes: return special[random.below(8)];
-        case Content::small: return static_cast<T>(random.below(9)) - static_cast<T>(std::is_signed_v<T> ? 4 : 0);
-        default: return static_cast<T>(random.next() >> 20);
+        case Content::extremes:
+            return special[random.below(8)];
+        case Content::small:
+            return static_cast<T>(random.below(9)) - static_cast<T>(std::is_signed_v<T> ? 4 : 0);
+        default:
+            return static_cast<T>(random.next() >> 20);
         }
     }
 }
 
 template <class T>
-struct Image {
+struct Image
+{
     T* data;
     uint32_t stride; // bytes
 };
 
 // One set of sizes, strides, alignments and contents; see the head of this file.
-class Trial {
+class Trial
+{
 public:
     uint32_t width = 1, height = 1;
 
@@ -139,7 +153,8 @@ public:
     {
         const uint8_t* bytes = reinterpret_cast<const uint8_t*>(&value);
         if constexpr (std::is_floating_point_v<T>)
-            m_results.push_back(std::isnan(value) ? "NaN" : std::to_string(value) + std::string(bytes, bytes + sizeof value));
+            m_results.push_back(std::isnan(value) ? "NaN"
+                                                  : std::to_string(value) + std::string(bytes, bytes + sizeof value));
         else
             m_results.push_back(std::to_string(value));
     }
@@ -147,7 +162,8 @@ public:
     // ---- for expectVectaEqualsReference ----
     explicit Trial(uint64_t seed) : m_random(seed)
     {
-        static const uint32_t widths[] = {1, 2, 3, 7, 8, 15, 16, 17, 31, 32, 33, 63, 64, 65, 127, 128, 129, 191, 192, 193, 260};
+        static const uint32_t widths[] = {1,  2,  3,  7,   8,   15,  16,  17,  31,  32, 33,
+                                          63, 64, 65, 127, 128, 129, 191, 192, 193, 260};
         width = m_random.below(2) ? widths[m_random.below(21)] : 1 + m_random.below(300);
         height = m_random.below(3) ? 1 + m_random.below(5) : 1 + m_random.below(70);
         m_content = static_cast<Content>(m_random.below(static_cast<uint32_t>(Content::count)));
@@ -166,7 +182,8 @@ public:
     friend ::testing::AssertionResult sameOutcome(const Trial& expected, const Trial& actual);
 
 private:
-    struct Block {
+    struct Block
+    {
         std::shared_ptr<GuardedMemory> memory;
         const char* role; // empty for inputs
         uint32_t rowBytes, rows, stride;
@@ -225,11 +242,12 @@ inline ::testing::AssertionResult sameOutcome(const Trial& expected, const Trial
                     memcpy(&actualFloat, a + x, 4);
                 }
                 if (block.isFloat ? !sameFloat(expectedFloat, actualFloat) : e[x] != a[x])
-                    return ::testing::AssertionFailure()
-                           << block.role << " image " << i << ", row " << y << ", byte " << x << ": expected "
-                           << (block.isFloat ? expectedFloat : e[x]) << ", got " << (block.isFloat ? actualFloat : a[x]);
+                    return ::testing::AssertionFailure() << block.role << " image " << i << ", row " << y << ", byte "
+                                                         << x << ": expected " << (block.isFloat ? expectedFloat : e[x])
+                                                         << ", got " << (block.isFloat ? actualFloat : a[x]);
             }
-            if (y + 1 < block.rows && memcmp(e + block.rowBytes, a + block.rowBytes, block.stride - block.rowBytes) != 0)
+            if (y + 1 < block.rows &&
+                memcmp(e + block.rowBytes, a + block.rowBytes, block.stride - block.rowBytes) != 0)
                 return ::testing::AssertionFailure() << "image " << i << ": wrote between the rows, after row " << y;
         }
     }
@@ -254,7 +272,8 @@ void forEachVecta(Body body)
 template <Slot slot>
 typename SignatureOf<slot>::Type referenceOf()
 {
-    return reinterpret_cast<typename SignatureOf<slot>::Type>(dispatchState.table[static_cast<uint32_t>(slot) * kTargets]);
+    return reinterpret_cast<typename SignatureOf<slot>::Type>(
+        dispatchState.table[static_cast<uint32_t>(slot) * kTargets]);
 }
 
 template <Slot slot, class Call>

@@ -25,7 +25,8 @@ RVK_INLINE size_t nearest(size_t i, size_t before, size_t size)
 
 // Rows of T, `stride` bytes apart; a stride that is not a multiple of the element size is rounded down to one.
 template <class T>
-struct Plane {
+struct Plane
+{
     T* data;
     uint32_t stride;
 
@@ -41,8 +42,8 @@ constexpr size_t largestLanes(size_t n)
     return Vec<T>::lanes > n ? Vec<T>::lanes : n;
 }
 
-// Elements that one step of a formula on these types takes: as many as the narrowest type has in a vector. The wider types
-// then come as several vectors.
+// Elements that one step of a formula on these types takes: as many as the narrowest type has in a vector. The wider
+// types then come as several vectors.
 template <class... T>
 constexpr size_t stepOf()
 {
@@ -72,7 +73,8 @@ RVK_INLINE auto loadStepPartial(const T* p, size_t n)
 
 // Two steps that follow each other in memory. loadPair and storePair move the pointer past them.
 template <class V>
-struct Pair {
+struct Pair
+{
     V first, second;
 };
 
@@ -100,8 +102,8 @@ template <class T>
 RVK_INLINE Pair<Vec<T>> loadTwo(const T*& p)
 {
 #if defined(__AVX512BW__)
-    // Where the caches miss, 64 bytes in one load come later than one byte and then the rest (Zen 4: a tenth of the time of
-    // a sum of two large images).
+    // Where the caches miss, 64 bytes in one load come later than one byte and then the rest (Zen 4: a tenth of the
+    // time of a sum of two large images).
     const auto touch = [](const volatile T* line) RVK_INLINE_LAMBDA { static_cast<void>(*line); };
     touch(p);
     touch(p + Vec<T>::lanes);
@@ -188,8 +190,8 @@ RVK_INLINE void storePair(T*& p, const Vecs<T, count>& first, const Vecs<T, coun
 template <size_t step, class... T>
 constexpr bool pairFitsRegisters = 2 * ((step / Vec<T>::lanes) + ...) <= 16;
 
-// One row of mapImage. The last step of a row overlaps the one before it. Its sources are read before anything is written,
-// so that the destination may be one of the sources.
+// One row of mapImage. The last step of a row overlaps the one before it. Its sources are read before anything is
+// written, so that the destination may be one of the sources.
 template <class D, class Formula, class... S>
 RVK_INLINE void mapRow(size_t width, D* dst, Formula formula, const S*... src)
 {
@@ -225,7 +227,8 @@ RVK_INLINE void mapImage(size_t width, size_t height, Plane<D> dst, Formula form
         mapRow(width, dst.row(y), formula, sources.row(y)...);
 }
 
-// The numbers one after the other, again and again: as many vectors as it takes for the first number to come first again.
+// The numbers one after the other, again and again: as many vectors as it takes for the first number to come first
+// again.
 template <class T, size_t channels>
 RVK_INLINE Vecs<T, channels> patternOf(const T (&values)[channels])
 {
@@ -236,8 +239,8 @@ RVK_INLINE Vecs<T, channels> patternOf(const T (&values)[channels])
     return pattern;
 }
 
-// As mapImage on pixels of `channels` interleaved elements, against one number per channel: the formula takes a vector of
-// source elements and the vector of the numbers that belong to them.
+// As mapImage on pixels of `channels` interleaved elements, against one number per channel: the formula takes a vector
+// of source elements and the vector of the numbers that belong to them.
 template <class D, size_t channels, class Formula>
 RVK_INLINE void mapImageWithValues(size_t width, size_t height, Plane<D> dst, Plane<const D> src,
                                    const D (&values)[channels], Formula formula)
