@@ -5,6 +5,10 @@
 #include <algorithm>
 #include <cmath>
 
+#if RVK_TEST_OPENCV
+#include <opencv2/imgproc.hpp>
+#endif
+
 using namespace test;
 
 namespace {
@@ -59,7 +63,7 @@ double trueMean(const Picture& src, int radius, double sigmaColor, double sigmaS
     double sum = 0, total = 0;
     for (int v = y - radius; v <= y + radius; ++v)
         for (int u = x - radius; u <= x + radius; ++u) {
-            if (u < 0 || u >= src.width || v < 0 || v >= src.height)
+            if (u < 0 || u >= src.width || v < 0 || v >= src.height || std::hypot(u - x, v - y) > radius)
                 continue;
             const double far = std::hypot(u - x, v - y) / sigmaSpace;
             const double different = (src.at(u, v) - src.at(x, y)) / sigmaColor;
@@ -108,13 +112,38 @@ TEST(Bilateral, WeightsAreGaussian)
             Picture src{columns, rows, std::vector<uint8_t>(rows * columns, static_cast<uint8_t>(difference))};
             src.pixels[12] = 0;
             const double weight = std::exp(-difference * difference / (2.0 * sigmaColor * sigmaColor));
-            const double expected = difference * 24 * weight / (1 + 24 * weight);
+            const double expected = difference * 12 * weight / (1 + 12 * weight);
             const uint8_t pixel = filtered(rvkBilateralFilter5x5u8_v2C, src, sigmaColor, 1e6f)[12];
             // A weight that is off by 0.001 moves the mean by this much; half a level is rounding.
-            const double slack = 0.5 + difference * 24 * 0.001 / std::pow(1 + 24 * weight, 2);
+            const double slack = 0.5 + difference * 12 * 0.001 / std::pow(1 + 12 * weight, 2);
             ASSERT_NEAR(pixel, expected, slack) << "difference " << difference << ", sigma " << sigmaColor;
         }
 }
+
+#if RVK_TEST_OPENCV
+// Inside the picture: outside it OpenCV continues the picture.
+TEST(Bilateral, AgreesWithOpenCv)
+{
+    Random random(12);
+    const auto expectAgreement = [](Filter* filter, int radius, Picture src, float sigmaColor, float sigmaSpace) {
+        const std::vector<uint8_t> ours = filtered(filter, src, sigmaColor, sigmaSpace);
+        cv::Mat theirs;
+        cv::bilateralFilter(cv::Mat(src.height, src.width, CV_8U, src.pixels.data()), theirs, 2 * radius + 1,
+                            static_cast<double>(sigmaColor), static_cast<double>(sigmaSpace));
+        for (int y = radius; y < src.height - radius; ++y)
+            for (int x = radius; x < src.width - radius; ++x)
+                ASSERT_NEAR(ours[static_cast<size_t>(y * src.width + x)], theirs.at<uint8_t>(y, x), 1)
+                    << "radius " << radius << ", sigmas " << sigmaColor << " and " << sigmaSpace;
+    };
+    for (const float sigmaColor : {5.0f, 25.0f, 100.0f})
+        for (const float sigmaSpace : {0.7f, 2.0f, 50.0f}) {
+            const Picture src = noisyRegions(random, 120, 80, 50);
+            expectAgreement(rvkBilateralFilter5x5u8_v2, 2, src, sigmaColor, sigmaSpace);
+            expectAgreement(rvkBilateralFilter7x7u8_v2, 3, src, sigmaColor, sigmaSpace);
+            expectAgreement(rvkBilateralFilter9x9u8_v2, 4, src, sigmaColor, sigmaSpace);
+        }
+}
+#endif
 
 TEST(Bilateral, KeepsEdgesAndSmoothsWithinThem)
 {

@@ -5,9 +5,9 @@
  *   Shapes     widths and heights are in pixels. Strides are in bytes, at least the width; 0 means packed rows.
  *   Alignment  none is needed. The work may run on the DSP only when pointers and strides are multiples of 8.
  *   In place   not possible: images must not overlap, and dst == src is refused.
- *   Sigmas     of windows sigmaColor is in grey levels and sigmaSpace in pixels. Both are positive and finite, or the
- * function returns RAVIK_EBADPARAM. Errors     all functions log "Assertion failed @<function>: <condition>" on bad
- * arguments; those with a result return RAVIK_EBADPARAM. Nothing is written then. */
+ *   Sigmas     positive and finite, or the function returns RAVIK_EBADPARAM.
+ *   Errors     on bad arguments nothing is written. Functions with windows log "Assertion failed @<function>:
+ *              <condition>"; functions with a result return RAVIK_EBADPARAM. */
 #ifndef RAVIK_BILATERAL_H
 #define RAVIK_BILATERAL_H
 
@@ -18,12 +18,13 @@ RVK_EXTERN_C_BEGIN
 /* ---- windows -------------------------------------------------------------------------------------------------------
  *
  * After Tomasi and Manduchi, "Bilateral Filtering for Gray and Color Images", 1998. Each pixel becomes the mean of its
- * window with the weights
+ * window. That is, as is usual, the disc that the square of the name encloses: the 13, 29 or 49 pixels at most 2, 3 or
+ * 4 away, so that all directions are smoothed alike. The weights are
  *
  *     exp(-(distance^2) / (2 sigmaSpace^2)) * exp(-(difference of grey levels)^2 / (2 sigmaColor^2))
  *
- * Pixels outside the picture do not take part: at the edges the mean is that of fewer pixels. Pictures are at least as
- * wide and as high as the window.
+ * with sigmaSpace in pixels and sigmaColor in grey levels. Pixels outside the picture do not take part: at the edges
+ * the mean is that of fewer pixels. Pictures are at least as wide and as high as the window.
  *
  * Arithmetic. All numbers have 15 bits; a . b is their product, (a * b + 2^14) >> 15. The weight begins as a parabola,
  *

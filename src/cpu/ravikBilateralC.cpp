@@ -54,45 +54,57 @@ int weightOf(int atDistance, int difference, RangeScale scale)
     return weight;
 }
 
-// The weights of all neighbours and differences.
-template <int radius>
-struct Weights
+struct Neighbour
 {
-    static constexpr int side = 2 * radius + 1;
-    int16_t values[side][side][256];
+    int dx, dy;
+    int16_t weights[256]; // by the difference of grey levels
+};
 
-    Weights(float32_t sigmaColor, float32_t sigmaSpace)
+// The pixel itself is one of its neighbours.
+template <int radius>
+struct Window
+{
+    Neighbour neighbours[(2 * radius + 1) * (2 * radius + 1)];
+    size_t count = 0;
+
+    Window(float32_t sigmaColor, float32_t sigmaSpace)
     {
         const RangeScale scale = rangeScale(sigmaColor);
         for (int dy = -radius; dy <= radius; ++dy)
-            for (int dx = -radius; dx <= radius; ++dx)
-                for (int difference = 0; difference < 256; ++difference) {
-                    const int atDistance = weightAtDistance(dx, dy, sigmaSpace);
-                    values[dy + radius][dx + radius][difference] =
-                        static_cast<int16_t>(weightOf(atDistance, difference, scale));
-                }
+            for (int dx = -radius; dx <= radius; ++dx) {
+                if (!isInWindow(dx, dy, radius))
+                    continue;
+                Neighbour& neighbour = neighbours[count++];
+                neighbour.dx = dx;
+                neighbour.dy = dy;
+                const int atDistance = weightAtDistance(dx, dy, sigmaSpace);
+                for (int difference = 0; difference < 256; ++difference)
+                    neighbour.weights[difference] = static_cast<int16_t>(weightOf(atDistance, difference, scale));
+            }
     }
 };
 
 struct Size
 {
-    int64_t width, height;
+    size_t width, height;
 };
 
 template <int radius>
-uint8_t meanOfWindow(Size size, Plane<const uint8_t> src, const Weights<radius>& weights, int64_t x, int64_t y)
+uint8_t meanOfWindow(Size size, Plane<const uint8_t> src, const Window<radius>& window, size_t x, size_t y)
 {
-    const int pixel = src.row(static_cast<size_t>(y))[x];
-    const int64_t left = std::max<int64_t>(x - radius, 0), right = std::min(x + radius, size.width - 1);
-    const int64_t top = std::max<int64_t>(y - radius, 0), bottom = std::min(y + radius, size.height - 1);
+    const int pixel = src.row(y)[x];
     int sum = 0, total = 0;
-    for (int64_t v = top; v <= bottom; ++v)
-        for (int64_t u = left; u <= right; ++u) {
-            const int difference = src.row(static_cast<size_t>(v))[u] - pixel;
-            const int weight = weights.values[v - y + radius][u - x + radius][std::abs(difference)];
-            sum += weight * difference;
-            total += weight;
-        }
+    for (size_t i = 0; i < window.count; ++i) {
+        const Neighbour& neighbour = window.neighbours[i];
+        // Left of the picture and above it are huge numbers.
+        const size_t u = x + static_cast<size_t>(neighbour.dx), v = y + static_cast<size_t>(neighbour.dy);
+        if (u >= size.width || v >= size.height)
+            continue;
+        const int difference = src.row(v)[u] - pixel;
+        const int weight = neighbour.weights[std::abs(difference)];
+        sum += weight * difference;
+        total += weight;
+    }
     const float mean = std::nearbyint(static_cast<float>(sum) / static_cast<float>(total));
     return static_cast<uint8_t>(pixel + static_cast<int>(mean));
 }
@@ -100,10 +112,10 @@ uint8_t meanOfWindow(Size size, Plane<const uint8_t> src, const Weights<radius>&
 template <int radius>
 void filterWindows(Size size, Plane<const uint8_t> src, Plane<uint8_t> dst, float32_t sigmaColor, float32_t sigmaSpace)
 {
-    const Weights<radius> weights(sigmaColor, sigmaSpace);
-    for (int64_t y = 0; y < size.height; ++y)
-        for (int64_t x = 0; x < size.width; ++x)
-            dst.row(static_cast<size_t>(y))[x] = meanOfWindow(size, src, weights, x, y);
+    const Window<radius> window(sigmaColor, sigmaSpace);
+    for (size_t y = 0; y < size.height; ++y)
+        for (size_t x = 0; x < size.width; ++x)
+            dst.row(y)[x] = meanOfWindow(size, src, window, x, y);
 }
 
 } // namespace

@@ -14,6 +14,12 @@ constexpr float32_t bilateralSigmaSpace(int radius)
     return static_cast<float32_t>(radius) / 2;
 }
 
+// Windows are discs: directions are alike.
+constexpr bool isInWindow(int dx, int dy, int radius)
+{
+    return dx * dx + dy * dy <= radius * radius;
+}
+
 // a . b
 int multiplyRounded(int a, int b);
 

@@ -92,19 +92,35 @@ struct RangeVectors
 // In the place of pixels that do not exist: so far from all others that the weight is 0.
 constexpr int16_t kOutside = -32512;
 
+struct Neighbour
+{
+    int dx, dy;
+};
+
 // The neighbours after a pixel, in the order of the picture. Each has the same weight for the pixel as the pixel for
 // it.
 template <int radius>
-struct Neighbour
+struct Neighbours
 {
-    static constexpr int side = 2 * radius + 1;
-    static constexpr size_t count = side * side / 2;
-    int dx, dy;
-
-    static constexpr Neighbour at(size_t i)
+    static consteval size_t countThem()
     {
-        const int place = static_cast<int>(i) + side * radius + radius + 1; // in the window
-        return {place % side - radius, place / side - radius};
+        size_t inWindow = 0;
+        for (int dy = -radius; dy <= radius; ++dy)
+            for (int dx = -radius; dx <= radius; ++dx)
+                inWindow += isInWindow(dx, dy, radius);
+        return inWindow / 2;
+    }
+    static constexpr size_t count = countThem();
+
+    Neighbour at[count] = {};
+
+    consteval Neighbours()
+    {
+        size_t n = 0;
+        for (int dy = 0; dy <= radius; ++dy)
+            for (int dx = dy == 0 ? 1 : -radius; dx <= radius; ++dx)
+                if (isInWindow(dx, dy, radius))
+                    at[n++] = {dx, dy};
     }
 };
 
@@ -118,13 +134,14 @@ struct Sigmas
 template <int radius>
 class Strip
 {
-    using Neighbours = Neighbour<radius>;
-    static constexpr size_t side = Neighbours::side;
+    static constexpr Neighbours<radius> neighbours = {};
+    static constexpr size_t kNeighbours = Neighbours<radius>::count;
+    static constexpr size_t side = 2 * radius + 1;
     static constexpr size_t kStep = Vec<uint8_t>::lanes;
     static constexpr size_t kSize = radius == 2 ? 256 : 128; // of a row
     static constexpr size_t kMargin = Shorts::lanes;         // before and after a row; keeps it aligned
-    static constexpr size_t kTogether = 4;                   // neighbours that are weighed at a time
-    static_assert(kSize % kStep == 0 && kMargin >= radius && Neighbours::count % kTogether == 0);
+    static constexpr size_t kTogether = radius == 2 ? 6 : radius == 3 ? 2 : 4; // neighbours that are weighed at a time
+    static_assert(kSize % kStep == 0 && kMargin >= radius && kNeighbours % kTogether == 0);
 
 public:
     static constexpr size_t columns = kSize - 2 * radius; // at most
@@ -133,8 +150,8 @@ public:
     {
         const RangeScale scale = rangeScale(sigmas.color);
         m_range = {splat(scale.limit), splat(scale.factor), splat(scale.scale)};
-        for (size_t i = 0; i < Neighbours::count; ++i)
-            m_atDistance[i] = splat(weightAtDistance(Neighbours::at(i).dx, Neighbours::at(i).dy, sigmas.space));
+        for (size_t i = 0; i < kNeighbours; ++i)
+            m_atDistance[i] = splat(weightAtDistance(neighbours.at[i].dx, neighbours.at[i].dy, sigmas.space));
     }
 
     // Columns x to x + count - 1.
@@ -146,7 +163,7 @@ public:
         for (size_t i = 0; i < side; ++i)
             m_pixelRows[i] = m_pixels[i] + kMargin;
         for (size_t i = 0; i <= radius; ++i)
-            m_weightRows[i] = m_weights + kMargin + i * Neighbours::count * kSize;
+            m_weightRows[i] = m_weights + kMargin + i * kNeighbours * kSize;
         for (size_t i = 0; i < side - 1; ++i)
             takeRow(i < radius ? nullptr : src.row(i - radius), x, width);
         for (size_t y = 0; y < height; ++y) {
@@ -160,16 +177,16 @@ public:
 
 private:
     RangeVectors m_range;
-    Shorts m_atDistance[Neighbours::count];
+    Shorts m_atDistance[kNeighbours];
     size_t m_size; // of the rows, as far as this strip needs them
     // The last rows, the oldest first.
     int16_t* m_pixelRows[side];
     int16_t* m_weightRows[radius + 1]; // one after the other for each neighbour
-    const int16_t* m_following[Neighbours::count];
-    const int16_t* m_preceding[Neighbours::count];
-    const int16_t* m_precedingWeights[Neighbours::count];
+    const int16_t* m_following[kNeighbours];
+    const int16_t* m_preceding[kNeighbours];
+    const int16_t* m_precedingWeights[kNeighbours];
     alignas(kBytes) int16_t m_pixels[side][kMargin + kSize + kMargin];
-    alignas(kBytes) int16_t m_weights[kMargin + (radius + 1) * Neighbours::count * kSize + kMargin];
+    alignas(kBytes) int16_t m_weights[kMargin + (radius + 1) * kNeighbours * kSize + kMargin];
     // Of the current row.
     alignas(kBytes) int32_t m_sums[kSize], m_totals[kSize];
     alignas(kBytes) uint8_t m_means[kSize];
@@ -214,8 +231,8 @@ private:
     // For the pixels of the middle row.
     RVK_INLINE void pointAtNeighbours()
     {
-        for (size_t n = 0; n < Neighbours::count; ++n) {
-            const Neighbours to = Neighbours::at(n);
+        for (size_t n = 0; n < kNeighbours; ++n) {
+            const Neighbour to = neighbours.at[n];
             m_following[n] = m_pixelRows[radius + to.dy] + to.dx;
             m_preceding[n] = m_pixelRows[radius - to.dy] - to.dx;
             m_precedingWeights[n] = m_weightRows[radius - to.dy] + n * kSize - to.dx;
@@ -231,7 +248,7 @@ private:
             const Shorts pixels = load(m_pixelRows[radius] + i);
             Sums sum = {zero<int32_t>(), zero<int32_t>()};
             Sums total = {splat<int32_t>(kOwnWeight), splat<int32_t>(kOwnWeight)};
-            for (size_t n = 0; n < Neighbours::count; n += kTogether) {
+            for (size_t n = 0; n < kNeighbours; n += kTogether) {
                 Vecs<int16_t, kTogether> d, w;
                 unrolled<kTogether>([&](auto k) RVK_INLINE_LAMBDA {
                     const Shorts others = load(m_following[n + k] + i);
@@ -261,7 +278,7 @@ private:
     {
         const Shorts pixels = load(m_pixelRows[radius] + i);
         Sums sum = loadVecs<2>(m_sums + i), total = loadVecs<2>(m_totals + i);
-        for (size_t n = 0; n < Neighbours::count; n += 2)
+        for (size_t n = 0; n < kNeighbours; n += 2)
             addNeighbours(sum, total, {load(m_precedingWeights[n] + i), load(m_precedingWeights[n + 1] + i)},
                           {load(m_preceding[n] + i) - pixels, load(m_preceding[n + 1] + i) - pixels});
         return pixels + narrowSatInLanes<int16_t>(Sums{roundToInt(divide(toFloat(sum[0]), toFloat(total[0]))),
