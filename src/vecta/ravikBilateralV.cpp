@@ -97,21 +97,22 @@ struct Neighbour
     int dx, dy;
 };
 
+template <int radius>
+consteval size_t pixelsInWindow()
+{
+    size_t count = 0;
+    for (int dy = -radius; dy <= radius; ++dy)
+        for (int dx = -radius; dx <= radius; ++dx)
+            count += isInWindow(dx, dy, radius);
+    return count;
+}
+
 // The neighbours after a pixel, in the order of the picture. Each has the same weight for the pixel as the pixel for
 // it.
 template <int radius>
 struct Neighbours
 {
-    static consteval size_t countThem()
-    {
-        size_t inWindow = 0;
-        for (int dy = -radius; dy <= radius; ++dy)
-            for (int dx = -radius; dx <= radius; ++dx)
-                inWindow += isInWindow(dx, dy, radius);
-        return inWindow / 2;
-    }
-    static constexpr size_t count = countThem();
-
+    static constexpr size_t count = pixelsInWindow<radius>() / 2;
     Neighbour at[count] = {};
 
     consteval Neighbours()
