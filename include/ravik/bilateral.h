@@ -80,7 +80,8 @@ RVK_API rvkStatus rvkBilateralFilter9x9u8_v2(const uint8_t* src, uint32_t srcWid
  *     e(x) is the float with the bits of (max(x * 1.442695, -126) + 126.942696) * 2^23, truncated: exp(x) within 6 %
  *
  * All in floats, each operation rounded; results are rounded to the nearest integer, halves up. Needs scratch memory
- * for two pictures of floats and some rows: RAVIK_ENORES, and nothing written, when it cannot be had. */
+ * for two pictures of floats (C) or for one and up to 48 rows and 128 columns (VECTA): RAVIK_ENORES, and nothing
+ * written, when it cannot be had. */
 RVK_API rvkStatus rvkBilateralFilterRecursiveu8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight,
                                                 uint32_t srcStride, uint8_t* dst, uint32_t dstStride,
                                                 float32_t sigmaColor, float32_t sigmaSpace);

@@ -181,9 +181,14 @@ void filterLine(const Line& line, const float (&weights)[256], const float* valu
 
 } // namespace
 
+float32_t recursiveSpace(float32_t sigmaSpace, uint32_t size)
+{
+    return fastExp(-1.4142f / (static_cast<float>(size) * sigmaSpace));
+}
+
 void recursiveWeights(float32_t (&weights)[256], float32_t sigmaColor, float32_t sigmaSpace, uint32_t size)
 {
-    const float space = fastExp(-1.4142f / (static_cast<float>(size) * sigmaSpace));
+    const float space = recursiveSpace(sigmaSpace, size);
     for (int difference = 0; difference < 256; ++difference)
         weights[difference] = space * fastExp(static_cast<float>(-difference) / (sigmaColor * 255));
 }

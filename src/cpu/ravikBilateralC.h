@@ -39,7 +39,9 @@ constexpr int16_t kOwnWeight = 32752; // of the pixel itself
 
 // ---- recursive ----------------------------------------------------------------------------------
 
-// Of a difference of grey levels between neighbours in rows (or columns) of `size` pixels.
+// The part of the weights that all neighbours in rows (or columns) of `size` pixels share, ...
+float32_t recursiveSpace(float32_t sigmaSpace, uint32_t size);
+// ... and the weights of all differences of grey levels.
 void recursiveWeights(float32_t (&weights)[256], float32_t sigmaColor, float32_t sigmaSpace, uint32_t size);
 
 } // namespace rvk

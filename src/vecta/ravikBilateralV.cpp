@@ -296,9 +296,91 @@ RVK_INLINE void filterWindows(size_t width, size_t height, Plane<const uint8_t> 
         strip.filter(x, width - x < columns ? width - x : columns, width, height, src, dst);
 }
 
-// ---- recursive: rows -----------------------------------------------------------------------------------------------
+// ---- recursive: weights --------------------------------------------------------------------------------------------
 
+using Bytes = Vec<uint8_t>;
 using Floats = Vec<float>;
+// As many pixels as a vector has bytes.
+using Quad = Vecs<float, 4>;
+
+RVK_INLINE Quad toFloats(Bytes v)
+{
+    const Vecs<uint16_t, 2> wide = widen(v);
+    const Vecs<uint32_t, 2> low = widen(wide[0]), high = widen(wide[1]);
+    return {toFloat(low[0]), toFloat(low[1]), toFloat(high[0]), toFloat(high[1])};
+}
+
+#if defined(__arm__)
+
+// Looked up, because there is no division of vectors.
+class RecursiveWeights
+{
+public:
+    RVK_INLINE RecursiveWeights(float32_t sigmaColor, float32_t sigmaSpace, uint32_t size)
+    {
+        recursiveWeights(m_weights, sigmaColor, sigmaSpace, size);
+    }
+
+    RVK_INLINE Quad of(Bytes differences) const
+    {
+        alignas(kBytes) uint8_t d[Bytes::lanes];
+        store(d, differences);
+        __asm__("" : "+m"(d)); // or g++ would take the bytes out of the vector one by one
+        Quad weights;
+        unrolled<4>([&](auto i) RVK_INLINE_LAMBDA { weights[i] = lookup(d + i * Floats::lanes); });
+        return weights;
+    }
+
+private:
+    float m_weights[256];
+
+    // The compilers would have the four meet in memory.
+    RVK_INLINE Floats lookup(const uint8_t* d) const
+    {
+        float32x4_t four;
+        __asm__("vmov %e0, %1, %2\n\tvmov %f0, %3, %4"
+                : "=w"(four)
+                : "r"(bits(d[0])), "r"(bits(d[1])), "r"(bits(d[2])), "r"(bits(d[3])));
+        return vec(four);
+    }
+
+    RVK_INLINE uint32_t bits(uint8_t difference) const
+    {
+        uint32_t bits;
+        __builtin_memcpy(&bits, m_weights + difference, sizeof bits);
+        return bits;
+    }
+};
+
+#else
+
+// Computed by the operations of the reference, but for signs.
+class RecursiveWeights
+{
+public:
+    RVK_INLINE RecursiveWeights(float32_t sigmaColor, float32_t sigmaSpace, uint32_t size)
+        : m_range(splat(sigmaColor * 255)), m_space(splat(recursiveSpace(sigmaSpace, size)))
+    {
+    }
+
+    RVK_INLINE Quad of(Bytes differences) const
+    {
+        Quad weights = toFloats(differences);
+        unrolled<4>([&](auto i) RVK_INLINE_LAMBDA { weights[i] = m_space * expOfMinus(divide(weights[i], m_range)); });
+        return weights;
+    }
+
+private:
+    Floats m_range, m_space;
+
+    static RVK_INLINE Floats expOfMinus(Floats x)
+    {
+        const Floats exponent = splat(126.942696f) - min(x * splat(1.442695f), splat(126.0f));
+        return bitCast<float>(truncateToInt(exponent * splat(8388608.0f)));
+    }
+};
+
+#endif
 
 RVK_INLINE Floats blend(Floats weight, Floats before, Floats value)
 {
@@ -310,79 +392,254 @@ RVK_INLINE Floats meanOf(Floats a, Floats b)
     return (a + b) * splat(0.5f);
 }
 
-// As many rows side by side as a vector has lanes.
-struct RowBlock
+// ---- recursive: strips ---------------------------------------------------------------------------------------------
+
+// The results of the rows, for the columns: one strip of the picture after the other, each from top to bottom, so that
+// columns run through memory without gaps.
+struct Strips
 {
-    float* values;  // of all rows' first pixels, second pixels, ...
-    float* weights; // between those and the pixels before them
-    size_t width;
+    static constexpr size_t columns = Bytes::lanes;
+    float* data;
+    size_t width, height;
 
-    // Row `lane` of the block.
-    RVK_INLINE void take(const uint8_t* row, size_t lane, const float (&weightOf)[256]) const
+    // Of the strip that begins with column x, which is one of `columns` or, at the end, fewer.
+    RVK_INLINE size_t columnsAt(size_t x) const { return least(columns, width - x); }
+    RVK_INLINE float* at(size_t x, size_t y) const { return data + x * height + y * columnsAt(x); }
+    // What is written and read behind the last strip, whose rows are shorter than vectors.
+    static constexpr uint64_t sizeOf(uint64_t width, uint64_t height) { return width * height + columns; }
+};
+
+// ---- recursive: rows -----------------------------------------------------------------------------------------------
+
+// One of the 16-byte blocks of v.
+template <class T>
+RVK_INLINE void storeBlock(T* p, Vec<T> v, [[maybe_unused]] size_t block)
+{
+    if constexpr (kBytes == 16)
+        store(p, v);
+    else
+        __builtin_memcpy(p, reinterpret_cast<const char*>(&v) + 16 * block, 16);
+}
+
+// In each block: the first elements of all n vectors, the second elements, ... n is a power of two.
+template <class T, size_t n>
+RVK_INLINE void interleaveInLanes(Vec<T> (&v)[n])
+{
+    constexpr size_t rounds = __builtin_ctz(n);
+    unrolled<rounds>([&](auto) RVK_INLINE_LAMBDA {
+        Vec<T> zipped[n];
+        unrolled<n / 2>([&](auto i) RVK_INLINE_LAMBDA {
+            const Vecs<T, 2> z = zipInLanes(v[i], v[i + n / 2]);
+            zipped[2 * i] = z[0];
+            zipped[2 * i + 1] = z[1];
+        });
+        unrolled<n>([&](auto i) RVK_INLINE_LAMBDA { v[i] = zipped[i]; });
+    });
+}
+
+// As many rows side by side as a vector has lanes: all rows' first pixels, second pixels, ... Weights at the edges of the
+// picture are 0, and so the filters begin with the first pixel inside.
+class RowBlock
+{
+    static constexpr size_t kRows = Floats::lanes;
+    static constexpr size_t kBlocks = kBytes / 16;
+    static constexpr size_t kStep = 4; // columns that are filtered at a time: as many as a block has floats
+
+public:
+    // In floats: two for each pixel, whose bytes fit in a third one.
+    static constexpr uint64_t sizeOf(uint64_t width) { return 3 * (width + Bytes::lanes) * kRows; }
+
+    RVK_INLINE RowBlock(float* memory, size_t width)
+        : m_width(width), m_columns(roundedUp(width, kStep)), m_weights(memory),
+          m_right(m_weights + (m_columns + 1) * kRows),
+          m_pixels(reinterpret_cast<uint8_t*>(m_right + m_columns * kRows) + kRows)
     {
-        for (size_t x = 0; x < width; ++x) {
-            values[x * Floats::lanes + lane] = row[x];
-            const int difference = x ? row[x] - row[x - 1] : 0;
-            weights[x * Floats::lanes + lane] = weightOf[difference < 0 ? -difference : difference];
+        for (size_t i = 0; i < kRows; ++i)
+            m_pixels[i - kRows] = 0; // left of the picture
+    }
+
+    // Rows top to top + count - 1. The others of the block repeat the first one.
+    RVK_INLINE void take(Plane<const uint8_t> src, size_t top, size_t count) const
+    {
+        const uint8_t* rows[kRows];
+        for (size_t i = 0; i < kRows; ++i)
+            rows[i] = src.row(top + (i < count ? i : 0));
+        size_t x = 0;
+        for (; x + Bytes::lanes <= m_width; x += Bytes::lanes)
+            takeColumns(x, [&](size_t i) RVK_INLINE_LAMBDA { return load(rows[i] + x); });
+        if (x < m_width)
+            takeColumns(x, [&](size_t i) RVK_INLINE_LAMBDA { return loadPartial(rows[i] + x, m_width - x); });
+    }
+
+    RVK_INLINE void weigh(const RecursiveWeights& weights) const
+    {
+        for (size_t i = 0; i < m_columns * kRows; i += Bytes::lanes)
+            store(m_weights + i, weights.of(absDiff(load(m_pixels + i), load(m_pixels + i - kRows))));
+        const size_t edges[] = {0, m_width, m_columns};
+        for (const size_t x : edges)
+            store(m_weights + x * kRows, zero<float>());
+    }
+
+    RVK_INLINE void filterToTheRight() const
+    {
+        Floats right = zero<float>();
+        for (size_t i = 0; i < m_columns * kRows; i += Bytes::lanes) {
+            Quad values = toFloats(load(m_pixels + i));
+            const Quad weights = loadVecs<4>(m_weights + i);
+            unrolled<kStep>([&](auto k) RVK_INLINE_LAMBDA {
+                right = blend(weights[k], right, values[k]);
+                values[k] = right;
+            });
+            store(m_right + i, values);
         }
     }
 
-    RVK_INLINE void give(float* row, size_t lane, const float* results) const
+    // And gives the means of both ways for the first `count` rows.
+    RVK_INLINE void filterToTheLeft(Strips results, size_t top, size_t count) const
     {
-        for (size_t x = 0; x < width; ++x)
-            row[x] = results[x * Floats::lanes + lane];
+        Floats left = zero<float>();
+        for (size_t x = m_columns; x > 0;) {
+            const size_t begin = (x - 1) / Strips::columns * Strips::columns;
+            while (x > begin) {
+                x -= kStep;
+                const Quad values = toFloats(load(m_pixels + x * kRows)), right = loadVecs<4>(m_right + x * kRows);
+                const Quad weights = loadVecs<4>(m_weights + (x + 1) * kRows);
+                Floats means[kStep];
+                unrolled<kStep>([&](auto i) RVK_INLINE_LAMBDA {
+                    constexpr size_t k = kStep - 1 - i;
+                    left = blend(weights[k], left, values[k]);
+                    means[k] = meanOf(right[k], left);
+                });
+                interleaveInLanes(means);
+                give(means, results.at(begin, top) + (x - begin), results.columnsAt(begin), count);
+            }
+        }
     }
 
-    RVK_INLINE void filter(float* results) const
+private:
+    size_t m_width, m_columns;
+    float* m_weights; // of each column for the one before it
+    float* m_right;
+    uint8_t* m_pixels;
+
+    template <class Load>
+    RVK_INLINE void takeColumns(size_t x, Load loadRow) const
     {
-        constexpr size_t lanes = Floats::lanes;
-        Floats right = load(values);
-        store(results, right);
-        for (size_t x = 1; x < width; ++x) {
-            right = blend(load(weights + x * lanes), right, load(values + x * lanes));
-            store(results + x * lanes, right);
-        }
-        const size_t last = width - 1;
-        Floats left = load(values + last * lanes);
-        store(results + last * lanes, meanOf(right, left));
-        for (size_t x = last; x > 0; --x) {
-            left = blend(load(weights + x * lanes), left, load(values + (x - 1) * lanes));
-            store(results + (x - 1) * lanes, meanOf(load(results + (x - 1) * lanes), left));
-        }
+        Bytes v[kRows];
+        unrolled<kRows>([&](auto i) RVK_INLINE_LAMBDA { v[i] = loadRow(i); });
+        interleaveInLanes(v);
+        unrolled<kRows>([&](auto i) RVK_INLINE_LAMBDA {
+            for (size_t block = 0; block < kBlocks; ++block)
+                storeBlock(m_pixels + (x + 16 * block) * kRows + 16 * i, v[i], block);
+        });
+    }
+
+    // Rows of four columns. Where the picture has fewer, the rest is overwritten by the next row.
+    static RVK_INLINE void give(const Floats (&rows)[kStep], float* to, size_t step, size_t count)
+    {
+        unrolled<kBlocks>([&](auto block) RVK_INLINE_LAMBDA {
+            unrolled<kStep>([&](auto i) RVK_INLINE_LAMBDA {
+                constexpr size_t row = block * kStep + i;
+                if (row < count)
+                    storeBlock(to + row * step, rows[i], block);
+            });
+        });
     }
 };
 
 // ---- recursive: columns --------------------------------------------------------------------------------------------
 
-// Between the pixels of two rows.
-RVK_INLINE void weighRows(size_t width, const uint8_t* a, const uint8_t* b, const float (&weightOf)[256],
-                          float* weights)
+RVK_INLINE Quad blend(const Quad& weights, const Quad& before, const Quad& values)
 {
-    for (size_t x = 0; x < width; ++x) {
-        const int difference = a[x] - b[x];
-        weights[x] = weightOf[difference < 0 ? -difference : difference];
-    }
-}
-
-RVK_INLINE void blendRows(size_t width, const float* weights, const float* before, const float* values, float* to)
-{
-    mapRow(
-        width, to, [](Floats weight, Floats b, Floats value) RVK_INLINE_LAMBDA { return blend(weight, b, value); },
-        weights, before, values);
+    return {blend(weights[0], before[0], values[0]), blend(weights[1], before[1], values[1]),
+            blend(weights[2], before[2], values[2]), blend(weights[3], before[3], values[3])};
 }
 
 // Halves up.
-RVK_INLINE void roundMeans(size_t width, const float* a, const float* b, uint8_t* to)
+RVK_INLINE Bytes roundedMeans(const Quad& a, const Quad& b)
 {
-    const auto rounded = [](Floats x, Floats y) RVK_INLINE_LAMBDA { return truncateToInt(meanOf(x, y) + splat(0.5f)); };
-    mapRow(
-        width, to,
-        [=](Vecs<float, 4> x, Vecs<float, 4> y) RVK_INLINE_LAMBDA {
-            const auto low = narrowSat<int16_t>(Vecs<int32_t, 2>{rounded(x[0], y[0]), rounded(x[1], y[1])});
-            const auto high = narrowSat<int16_t>(Vecs<int32_t, 2>{rounded(x[2], y[2]), rounded(x[3], y[3])});
-            return narrowSat<uint8_t>(Vecs<int16_t, 2>{low, high});
-        },
-        a, b);
+    Vecs<int32_t, 4> r;
+    unrolled<4>([&](auto i) RVK_INLINE_LAMBDA { r[i] = truncateToInt(meanOf(a[i], b[i]) + splat(0.5f)); });
+    return narrowSat<uint8_t>(Vecs<int16_t, 2>{narrowSat<int16_t>(Vecs<int32_t, 2>{r[0], r[1]}),
+                                               narrowSat<int16_t>(Vecs<int32_t, 2>{r[2], r[3]})});
+}
+
+// The columns of a strip.
+class ColumnBlock
+{
+    static constexpr size_t kColumns = Strips::columns;
+
+public:
+    static constexpr uint64_t sizeOf(uint64_t height) { return 2 * height * kColumns; }
+
+    RVK_INLINE ColumnBlock(float* memory, size_t height)
+        : m_height(height), m_down(memory), m_weights(m_down + height * kColumns)
+    {
+    }
+
+    template <class Load>
+    RVK_INLINE void filterDown(const float* rows, size_t step, const RecursiveWeights& weights, Load loadPixels) const
+    {
+        Bytes above = loadPixels(0);
+        Quad down = loadVecs<4>(rows);
+        store(m_down, down);
+        for (size_t y = 1; y < m_height; ++y) {
+            const Bytes pixels = loadPixels(y);
+            const Quad w = weights.of(absDiff(pixels, above));
+            above = pixels;
+            down = blend(w, down, loadVecs<4>(rows + y * step));
+            store(m_weights + y * kColumns, w);
+            store(m_down + y * kColumns, down);
+        }
+    }
+
+    template <class Store>
+    RVK_INLINE void filterUp(const float* rows, size_t step, Store storeMeans) const
+    {
+        size_t y = m_height - 1;
+        Quad up = loadVecs<4>(rows + y * step);
+        storeMeans(y, roundedMeans(loadVecs<4>(m_down + y * kColumns), up));
+        for (; y > 0; --y) {
+            up = blend(loadVecs<4>(m_weights + y * kColumns), up, loadVecs<4>(rows + (y - 1) * step));
+            storeMeans(y - 1, roundedMeans(loadVecs<4>(m_down + (y - 1) * kColumns), up));
+        }
+    }
+
+private:
+    size_t m_height;
+    float* m_down;
+    float* m_weights; // of each row for the one above it
+};
+
+RVK_INLINE void filterRows(Plane<const uint8_t> src, Strips results, float* memory, const RecursiveWeights& weights)
+{
+    const RowBlock block(memory, results.width);
+    for (size_t top = 0; top < results.height; top += Floats::lanes) {
+        const size_t count = least(Floats::lanes, results.height - top);
+        block.take(src, top, count);
+        block.weigh(weights);
+        block.filterToTheRight();
+        block.filterToTheLeft(results, top, count);
+    }
+}
+
+RVK_INLINE void filterColumns(Plane<const uint8_t> src, Strips rows, Plane<uint8_t> dst, float* memory,
+                              const RecursiveWeights& weights)
+{
+    const ColumnBlock block(memory, rows.height);
+    size_t x = 0;
+    for (; x + Strips::columns <= rows.width; x += Strips::columns) {
+        block.filterDown(rows.at(x, 0), Strips::columns, weights,
+                         [=](size_t y) RVK_INLINE_LAMBDA { return load(src.row(y) + x); });
+        block.filterUp(rows.at(x, 0), Strips::columns,
+                       [=](size_t y, Bytes means) RVK_INLINE_LAMBDA { store(dst.row(y) + x, means); });
+    }
+    if (const size_t count = rows.width - x) {
+        block.filterDown(rows.at(x, 0), count, weights,
+                         [=](size_t y) RVK_INLINE_LAMBDA { return loadPartial(src.row(y) + x, count); });
+        block.filterUp(rows.at(x, 0), count,
+                       [=](size_t y, Bytes means) RVK_INLINE_LAMBDA { storePartial(dst.row(y) + x, means, count); });
+    }
 }
 
 } // namespace
@@ -408,43 +665,19 @@ RVK_BILATERAL_FILTER(rvkBilateralFilter9x9u8, 4)
 rvkStatus rvkBilateralFilterRecursiveu8V(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
                                          uint8_t* dst, uint32_t dstStride, float32_t sigmaColor, float32_t sigmaSpace)
 {
-    constexpr size_t lanes = Floats::lanes;
     const size_t width = srcWidth, height = srcHeight;
     const Plane<const uint8_t> in = {src, srcStride};
-    const Plane<uint8_t> out = {dst, dstStride};
-    const Scratch<float> rows(width * height), down(width * height), block(3 * lanes * width);
-    if (!rows || !down || !block)
+    // On 32 bits a size may be more than size_t holds; there is no memory for it, either.
+    const auto count = [](uint64_t n) RVK_INLINE_LAMBDA { return n < SIZE_MAX ? static_cast<size_t>(n) : SIZE_MAX; };
+    const Scratch<float> rows(count(Strips::sizeOf(width, height)));
+    const Scratch<float> rowBlock(count(RowBlock::sizeOf(width))), columnBlock(count(ColumnBlock::sizeOf(height)));
+    if (!rows || !rowBlock || !columnBlock)
         return RAVIK_ENORES;
 
-    float weightOf[256];
-    recursiveWeights(weightOf, sigmaColor, sigmaSpace, srcWidth);
-    const RowBlock rowBlock = {block.get(), block.get() + lanes * width, width};
-    float* const results = block.get() + 2 * lanes * width;
-    for (size_t top = 0; top < height; top += lanes) {
-        const size_t count = height - top < lanes ? height - top : lanes;
-        for (size_t lane = 0; lane < lanes; ++lane)
-            rowBlock.take(in.row(top + (lane < count ? lane : 0)), lane, weightOf);
-        rowBlock.filter(results);
-        for (size_t lane = 0; lane < count; ++lane)
-            rowBlock.give(rows.get() + (top + lane) * width, lane, results);
-    }
-
-    recursiveWeights(weightOf, sigmaColor, sigmaSpace, srcHeight);
-    float* const weights = block.get();
-    float* const up = weights + width;
-    __builtin_memcpy(down.get(), rows.get(), width * sizeof(float));
-    for (size_t y = 1; y < height; ++y) {
-        weighRows(width, in.row(y), in.row(y - 1), weightOf, weights);
-        blendRows(width, weights, down.get() + (y - 1) * width, rows.get() + y * width, down.get() + y * width);
-    }
-    __builtin_memcpy(up, rows.get() + (height - 1) * width, width * sizeof(float));
-    for (size_t y = height - 1;; --y) {
-        roundMeans(width, down.get() + y * width, up, out.row(y));
-        if (y == 0)
-            return RAVIK_SUCCESS;
-        weighRows(width, in.row(y), in.row(y - 1), weightOf, weights);
-        blendRows(width, weights, up, rows.get() + (y - 1) * width, up);
-    }
+    const Strips strips = {rows.get(), width, height};
+    filterRows(in, strips, rowBlock.get(), {sigmaColor, sigmaSpace, srcWidth});
+    filterColumns(in, strips, {dst, dstStride}, columnBlock.get(), {sigmaColor, sigmaSpace, srcHeight});
+    return RAVIK_SUCCESS;
 }
 
 } // namespace rvk::vecta::RVK_ISA
