@@ -153,8 +153,8 @@ RVK_INLINE void filter5x5(size_t width, size_t height, Plane<const uint8_t> src,
     for (size_t top = 0; top < height; top += blockRows) {
         const size_t bottom = least(top + blockRows, height);
         filterStep5x5<Extreme>(0, top, bottom, height, src, dst, leftWindows<Extreme>);
-        for (size_t x = lanes; x + lanes + 2 <= width; x += lanes)
-            filterStep5x5<Extreme>(x, top, bottom, height, src, dst, innerWindows<Extreme>);
+        for (size_t x = lanes; x < width - lanes; x += lanes)
+            filterStep5x5<Extreme>(least(x, width - lanes - 2), top, bottom, height, src, dst, innerWindows<Extreme>);
         filterStep5x5<Extreme>(width - lanes, top, bottom, height, src, dst, rightWindows<Extreme>);
     }
 }
