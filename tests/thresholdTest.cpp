@@ -1,3 +1,4 @@
+#include "memory.h"
 #include "support/logCapture.h"
 #include "support/trial.h"
 
@@ -145,6 +146,36 @@ TEST(Threshold, VectaEqualsReference)
         return std::tuple(low, high, t.value<uint8_t>(), t.value<uint8_t>());
     });
     expectThreshold<Slot::rvkFilterThresholdOtsuu8>([](Trial& t) { return std::tuple(t.below(3)); });
+}
+
+// Pictures of sizes at which pixels are counted in pairs: counters fill up, and the memory for them may be missing.
+TEST(Threshold, OtsuOfLargePicturesEqualsReference)
+{
+    constexpr uint32_t width = 515, height = 700, stride = 520;
+    Random random(4);
+    const auto expectEqual = [&](auto pixelAt) {
+        std::vector<uint8_t> src(stride * height), expected(stride * height, 1);
+        for (uint32_t i = 0; i < stride * height; ++i)
+            src[i] = static_cast<uint8_t>(pixelAt(i));
+        rvkFilterThresholdOtsuu8C(src.data(), width, height, stride, expected.data(), stride, 0);
+        forEachVecta<Slot::rvkFilterThresholdOtsuu8>([&](const char* variant, auto function) {
+            static const SystemAllocator system = systemAllocator;
+            for (const bool hasMemory : {true, false}) {
+                std::vector<uint8_t> actual(stride * height, 1);
+                if (!hasMemory)
+                    systemAllocator.allocate = [](size_t) -> void* { return nullptr; };
+                function(src.data(), width, height, stride, actual.data(), stride, 0);
+                systemAllocator = system;
+                EXPECT_EQ(actual, expected) << variant << (hasMemory ? "" : ", without memory");
+            }
+        });
+    };
+    expectEqual([&](uint32_t) { return random.next(); });
+    expectEqual([&](uint32_t i) { return i / stride < 450 ? 200 : 20 + random.below(9); });
+    for (int trial = 0; trial < 10; ++trial) { // three values: the counts decide between which of them the threshold is
+        const uint32_t first = random.below(height), second = first + random.below(height - first);
+        expectEqual([=](uint32_t i) { return i / stride < first ? 0 : i / stride < second ? 128 : 255; });
+    }
 }
 
 // ---- entries ----

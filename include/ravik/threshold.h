@@ -48,7 +48,8 @@ RVK_API rvkStatus rvkFilterThresholdRangeu8_v2(const uint8_t* src, uint32_t srcW
  * Histograms", 1979); of several such T the smallest. A picture of one value has no two classes: T is 1. The largest T
  * is 255. With a thresholdType of RAVIK_THRESHOLD_BINARY_INVERSE 255 and 0 change places; any other type is binary.
  *
- * The strides must be equal. Pictures have at most 2^31 - 1 pixels. */
+ * The strides must be equal. Pictures have at most 2^31 - 1 pixels. Large ones are faster with 128 KiB of scratch
+ * memory; without it the result is the same. */
 RVK_API void rvkFilterThresholdOtsuu8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
                                       uint8_t* dst, uint32_t dstStride, uint32_t thresholdType);
 

@@ -1,5 +1,6 @@
 // Vector implementations of the thresholds.
 #include "cpu/ravikThresholdC.h"
+#include "vecta/simd/histogram.h"
 #include "vecta/simd/rows.h"
 #include "vecta/vecta.h"
 
@@ -20,32 +21,6 @@ RVK_INLINE void range(size_t width, size_t height, Plane<const uint8_t> src, Pla
     mapImage(
         width, height, dst,
         [=](Vec<uint8_t> v) RVK_INLINE_LAMBDA { return select(greater(v - first, last), beyond, within); }, src);
-}
-
-// Counts in several tables: an addition to a counter would wait for the one before it, were they of the same value. Two
-// pixels are counted abreast for the same reason. What is left is the least that counting one by one takes: on Arm the
-// load of the pixel and the load, addition and store of its counter; on x86-64 one store per cycle.
-constexpr size_t kTables = 4;
-
-RVK_INLINE void count(const uint8_t* p, size_t n, uint32_t (&tables)[kTables][256])
-{
-    uint32_t* table[kTables];
-    for (size_t k = 0; k < kTables; ++k) {
-        table[k] = tables[k];
-        __asm__("" : "+r"(table[k])); // a register each, or the place in the first table would be formed for each pixel
-    }
-    constexpr size_t step = 16;
-    size_t x = 0;
-    for (; x + step <= n; x += step)
-        unrolled<step / 2>([&](auto i) RVK_INLINE_LAMBDA {
-            uint32_t& first = table[2 * i % kTables][p[x + 2 * i]];
-            uint32_t& second = table[2 * i % kTables + 1][p[x + 2 * i + 1]];
-            const uint32_t firstCount = first, secondCount = second;
-            first = firstCount + 1;
-            second = secondCount + 1;
-        });
-    for (; x < n; ++x)
-        ++table[0][p[x]];
 }
 
 // `filter` writes the picture of the means to the destination, where the comparison replaces it.
@@ -122,13 +97,8 @@ void rvkFilterThresholdOtsuu8V(const uint8_t* src, uint32_t srcWidth, uint32_t s
                                uint8_t* dst, uint32_t dstStride, uint32_t thresholdType)
 {
     const Plane<const uint8_t> source{src, srcStride};
-    uint32_t tables[kTables][256] = {};
-    for (size_t y = 0; y < srcHeight; ++y)
-        count(source.row(y), srcWidth, tables);
     uint32_t histogram[256];
-    for (size_t i = 0; i < 256; ++i)
-        histogram[i] = tables[0][i] + tables[1][i] + tables[2][i] + tables[3][i];
-
+    countBytes(srcWidth, srcHeight, source, histogram);
     const uint32_t threshold = otsuThreshold(histogram, srcWidth * srcHeight); // 1 or more
     const Vec<uint8_t> last = splat(static_cast<uint8_t>(threshold < 255 ? threshold - 1 : 254));
     const Vec<uint8_t> below = splat<uint8_t>(thresholdType == RAVIK_THRESHOLD_BINARY_INVERSE ? 255 : 0);
