@@ -6,7 +6,8 @@
 // that runs on a plain CPU.
 #pragma once
 
-// clang-format off: operations stand in columns here, a line each
+// Operations stand in columns here, a line each.
+// clang-format off
 
 #include <cstddef>
 #include <cstdint>
@@ -44,8 +45,7 @@ constexpr size_t kBytes = 16;
 #endif
 
 template <class T>
-struct Vec
-{
+struct Vec {
     using Element = T;
     using Raw __attribute__((vector_size(kBytes))) = T;
     static constexpr size_t lanes = kBytes / sizeof(T);
@@ -54,8 +54,7 @@ struct Vec
 
 // Two, three or four vectors that belong together: a wider copy of one vector, or the channels of pixels.
 template <class T, size_t count>
-struct Vecs
-{
+struct Vecs {
     using Element = T;
     Vec<T> v[count];
     RVK_INLINE Vec<T>& operator[](size_t i) { return v[i]; }
@@ -63,135 +62,50 @@ struct Vecs
 };
 
 // The element types twice and half as wide.
-template <class T>
-struct WiderOf;
-template <>
-struct WiderOf<uint8_t>
-{
-    using Type = uint16_t;
-};
-template <>
-struct WiderOf<int8_t>
-{
-    using Type = int16_t;
-};
-template <>
-struct WiderOf<uint16_t>
-{
-    using Type = uint32_t;
-};
-template <>
-struct WiderOf<int16_t>
-{
-    using Type = int32_t;
-};
-template <>
-struct WiderOf<uint32_t>
-{
-    using Type = uint64_t;
-};
-template <>
-struct WiderOf<int32_t>
-{
-    using Type = int64_t;
-};
-template <class T>
-using Wider = typename WiderOf<T>::Type;
+template <class T> struct WiderOf;
+template <> struct WiderOf<uint8_t> { using Type = uint16_t; };
+template <> struct WiderOf<int8_t> { using Type = int16_t; };
+template <> struct WiderOf<uint16_t> { using Type = uint32_t; };
+template <> struct WiderOf<int16_t> { using Type = int32_t; };
+template <> struct WiderOf<uint32_t> { using Type = uint64_t; };
+template <> struct WiderOf<int32_t> { using Type = int64_t; };
+template <class T> using Wider = typename WiderOf<T>::Type;
 
-template <class T>
-struct NarrowerOf;
-template <>
-struct NarrowerOf<uint16_t>
-{
-    using Type = uint8_t;
-};
-template <>
-struct NarrowerOf<int16_t>
-{
-    using Type = int8_t;
-};
-template <>
-struct NarrowerOf<uint32_t>
-{
-    using Type = uint16_t;
-};
-template <>
-struct NarrowerOf<int32_t>
-{
-    using Type = int16_t;
-};
-template <class T>
-using Narrower = typename NarrowerOf<T>::Type;
+template <class T> struct NarrowerOf;
+template <> struct NarrowerOf<uint16_t> { using Type = uint8_t; };
+template <> struct NarrowerOf<int16_t> { using Type = int8_t; };
+template <> struct NarrowerOf<uint32_t> { using Type = uint16_t; };
+template <> struct NarrowerOf<int32_t> { using Type = int16_t; };
+template <class T> using Narrower = typename NarrowerOf<T>::Type;
 
-template <class T>
-struct UnsignedOf
-{
-    using Type = T;
-};
-template <>
-struct UnsignedOf<int8_t>
-{
-    using Type = uint8_t;
-};
-template <>
-struct UnsignedOf<int16_t>
-{
-    using Type = uint16_t;
-};
-template <>
-struct UnsignedOf<int32_t>
-{
-    using Type = uint32_t;
-};
-template <>
-struct UnsignedOf<int64_t>
-{
-    using Type = uint64_t;
-};
-template <>
-struct UnsignedOf<float>
-{
-    using Type = uint32_t;
-};
-template <class T>
-using Unsigned = typename UnsignedOf<T>::Type;
+template <class T> struct UnsignedOf { using Type = T; };
+template <> struct UnsignedOf<int8_t> { using Type = uint8_t; };
+template <> struct UnsignedOf<int16_t> { using Type = uint16_t; };
+template <> struct UnsignedOf<int32_t> { using Type = uint32_t; };
+template <> struct UnsignedOf<int64_t> { using Type = uint64_t; };
+template <> struct UnsignedOf<float> { using Type = uint32_t; };
+template <class T> using Unsigned = typename UnsignedOf<T>::Type;
 
-template <class A, class B>
-constexpr bool isSame = false;
-template <class A>
-constexpr bool isSame<A, A> = true;
-template <class T>
-constexpr bool isSigned = T(-1) < T(0);
+template <class A, class B> constexpr bool isSame = false;
+template <class A> constexpr bool isSame<A, A> = true;
+template <class T> constexpr bool isSigned = T(-1) < T(0);
 
 // ---- lists of numbers -----------------------------------------------------------------------------------------------
 
 template <size_t... i>
-struct Indices
-{
+struct Indices {
 };
-template <class List, size_t next>
-struct AppendIndex;
-template <size_t... i, size_t next>
-struct AppendIndex<Indices<i...>, next>
-{
-    using Type = Indices<i..., next>;
-};
-template <size_t count>
-struct CountTo
-{
+template <class List, size_t next> struct AppendIndex;
+template <size_t... i, size_t next> struct AppendIndex<Indices<i...>, next> { using Type = Indices<i..., next>; };
+template <size_t count> struct CountTo {
     using Type = typename AppendIndex<typename CountTo<count - 1>::Type, count - 1>::Type;
 };
-template <>
-struct CountTo<0>
-{
-    using Type = Indices<>;
-};
+template <> struct CountTo<0> { using Type = Indices<>; };
 
 // f(0), f(1), ... f(count - 1), each with its number as a constant. (g++ keeps an array that a loop walks in memory,
 // and moves it there word by word.)
 template <size_t i>
-struct Constant
-{
+struct Constant {
     constexpr operator size_t() const { return i; }
 };
 
@@ -220,8 +134,7 @@ RVK_INLINE Vec<To> bitCast(Vec<From> v)
 // A register's worth of elements anywhere in memory. (Loads and stores go through this type: a memcpy of 32 or 64 bytes
 // would have g++ move it in pieces through the stack.)
 template <class T>
-struct InMemory
-{
+struct InMemory {
     using Raw __attribute__((vector_size(kBytes), aligned(1), may_alias)) = T;
 };
 
@@ -329,12 +242,12 @@ RVK_INLINE Vec<T> iota()
 #define RVK_GENERIC_FLOAT 1
 #endif
 
-#define RVK_ARITHMETIC(op)                                                 \
-    template <class T>                                                     \
-    RVK_INLINE Vec<T> operator op(Vec<T> a, Vec<T> b)                      \
-    {                                                                      \
-        using U = Unsigned<T>;                                             \
-        return bitCast<T>(Vec<U>{bitCast<U>(a).raw op bitCast<U>(b).raw}); \
+#define RVK_ARITHMETIC(op)                                                                                             \
+    template <class T>                                                                                                 \
+    RVK_INLINE Vec<T> operator op(Vec<T> a, Vec<T> b)                                                                  \
+    {                                                                                                                  \
+        using U = Unsigned<T>;                                                                                         \
+        return bitCast<T>(Vec<U>{bitCast<U>(a).raw op bitCast<U>(b).raw});                                             \
     }
 RVK_ARITHMETIC(+)
 RVK_ARITHMETIC(-)
@@ -345,27 +258,15 @@ RVK_ARITHMETIC(^)
 #undef RVK_ARITHMETIC
 
 #if RVK_GENERIC_FLOAT
-template <>
-RVK_INLINE Vec<float> operator+(Vec<float> a, Vec<float> b)
-{
-    return {a.raw + b.raw};
-}
-template <>
-RVK_INLINE Vec<float> operator-(Vec<float> a, Vec<float> b)
-{
-    return {a.raw - b.raw};
-}
-template <>
-RVK_INLINE Vec<float> operator*(Vec<float> a, Vec<float> b)
-{
-    return {a.raw * b.raw};
-}
+template <> RVK_INLINE Vec<float> operator+(Vec<float> a, Vec<float> b) { return {a.raw + b.raw}; }
+template <> RVK_INLINE Vec<float> operator-(Vec<float> a, Vec<float> b) { return {a.raw - b.raw}; }
+template <> RVK_INLINE Vec<float> operator*(Vec<float> a, Vec<float> b) { return {a.raw * b.raw}; }
 #else
-#define RVK_FLOAT_ARITHMETIC(op, intrinsic)                                          \
-    template <>                                                                      \
-    RVK_INLINE Vec<float> operator op(Vec<float> a, Vec<float> b)                    \
-    {                                                                                \
-        return {(Vec<float>::Raw)intrinsic((float32x4_t)a.raw, (float32x4_t)b.raw)}; \
+#define RVK_FLOAT_ARITHMETIC(op, intrinsic)                                                                            \
+    template <>                                                                                                        \
+    RVK_INLINE Vec<float> operator op(Vec<float> a, Vec<float> b)                                                      \
+    {                                                                                                                  \
+        return {(Vec<float>::Raw)intrinsic((float32x4_t)a.raw, (float32x4_t)b.raw)};                                   \
     }
 RVK_FLOAT_ARITHMETIC(+, vaddq_f32)
 RVK_FLOAT_ARITHMETIC(-, vsubq_f32)
@@ -455,8 +356,7 @@ RVK_INLINE Vec<T> unzipOdd(Vec<T> a, Vec<T> b)
 // "InLanes": the same within each 16-byte block of the registers, which is what x86 does in one instruction. Registers
 // of 16 bytes are one block. What an ...InLanes function takes apart, its counterpart puts together again; element-wise
 // work in between does not see the order.
-template <class T>
-constexpr size_t kBlock = 16 / sizeof(T);
+template <class T> constexpr size_t kBlock = 16 / sizeof(T);
 
 template <class T>
 RVK_INLINE Vecs<T, 2> zipInLanes(Vec<T> a, Vec<T> b)
@@ -485,31 +385,14 @@ RVK_INLINE Vecs<T, 2> zip(Vec<T> a, Vec<T> b)
 #if !defined(__AVX512BW__)
 // The result of a comparison: a truth value per lane. Masks combine with & | ^ ~.
 template <class T>
-struct Mask
-{
+struct Mask {
     Vec<Unsigned<T>> bits; // all bits of a true lane are set
 };
 
-template <class T>
-RVK_INLINE Mask<T> operator&(Mask<T> a, Mask<T> b)
-{
-    return {a.bits & b.bits};
-}
-template <class T>
-RVK_INLINE Mask<T> operator|(Mask<T> a, Mask<T> b)
-{
-    return {a.bits | b.bits};
-}
-template <class T>
-RVK_INLINE Mask<T> operator^(Mask<T> a, Mask<T> b)
-{
-    return {a.bits ^ b.bits};
-}
-template <class T>
-RVK_INLINE Mask<T> operator~(Mask<T> a)
-{
-    return {~a.bits};
-}
+template <class T> RVK_INLINE Mask<T> operator&(Mask<T> a, Mask<T> b) { return {a.bits & b.bits}; }
+template <class T> RVK_INLINE Mask<T> operator|(Mask<T> a, Mask<T> b) { return {a.bits | b.bits}; }
+template <class T> RVK_INLINE Mask<T> operator^(Mask<T> a, Mask<T> b) { return {a.bits ^ b.bits}; }
+template <class T> RVK_INLINE Mask<T> operator~(Mask<T> a) { return {~a.bits}; }
 
 // All bits of the true lanes set, the others zero.
 template <class T>

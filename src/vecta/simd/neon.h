@@ -4,7 +4,8 @@
 // here, except divide and squareRoot, which NEON lacks there and the scalar unit does, lane by lane.
 #pragma once
 
-// clang-format off: operations stand in columns here, a line each
+// Operations stand in columns here, a line each.
+// clang-format off
 
 #include "vecta/simd/core.h"
 
@@ -12,23 +13,11 @@ namespace rvk::vecta::RVK_ISA {
 namespace {
 
 // The intrinsics' own type of a vector, and of half of one.
-template <class T>
-struct Neon;
-#define RVK_NEON_TYPE(T, full, half) \
-    template <>                      \
-    struct Neon<T>                   \
-    {                                \
-        using Full = full;           \
-        using Half = half;           \
-    };                               \
-    RVK_INLINE full reg(Vec<T> v)    \
-    {                                \
-        return (full)v.raw;          \
-    }                                \
-    RVK_INLINE Vec<T> vec(full r)    \
-    {                                \
-        return {(Vec<T>::Raw)r};     \
-    }
+template <class T> struct Neon;
+#define RVK_NEON_TYPE(T, full, half)                                                                                   \
+    template <> struct Neon<T> { using Full = full; using Half = half; };                                              \
+    RVK_INLINE full reg(Vec<T> v) { return (full)v.raw; }                                                              \
+    RVK_INLINE Vec<T> vec(full r) { return {(Vec<T>::Raw)r}; }
 RVK_NEON_TYPE(uint8_t, uint8x16_t, uint8x8_t)
 RVK_NEON_TYPE(int8_t, int8x16_t, int8x8_t)
 RVK_NEON_TYPE(uint16_t, uint16x8_t, uint16x4_t)
@@ -42,24 +31,18 @@ RVK_NEON_TYPE(float, float32x4_t, float32x2_t)
 
 // ---- element-wise operations ----------------------------------------------------------------------------------------
 
-#define RVK_UNARY(name, T, intrinsic)  \
-    RVK_INLINE Vec<T> name(Vec<T> a)   \
-    {                                  \
-        return vec(intrinsic(reg(a))); \
-    }
-#define RVK_BINARY(name, T, intrinsic)         \
-    RVK_INLINE Vec<T> name(Vec<T> a, Vec<T> b) \
-    {                                          \
-        return vec(intrinsic(reg(a), reg(b))); \
-    }
-#define RVK_BINARY_8_16(name, intrinsic)        \
-    RVK_BINARY(name, uint8_t, intrinsic##_u8)   \
-    RVK_BINARY(name, int8_t, intrinsic##_s8)    \
-    RVK_BINARY(name, uint16_t, intrinsic##_u16) \
+#define RVK_UNARY(name, T, intrinsic)                                                                                  \
+    RVK_INLINE Vec<T> name(Vec<T> a) { return vec(intrinsic(reg(a))); }
+#define RVK_BINARY(name, T, intrinsic)                                                                                 \
+    RVK_INLINE Vec<T> name(Vec<T> a, Vec<T> b) { return vec(intrinsic(reg(a), reg(b))); }
+#define RVK_BINARY_8_16(name, intrinsic)                                                                               \
+    RVK_BINARY(name, uint8_t, intrinsic##_u8)                                                                          \
+    RVK_BINARY(name, int8_t, intrinsic##_s8)                                                                           \
+    RVK_BINARY(name, uint16_t, intrinsic##_u16)                                                                        \
     RVK_BINARY(name, int16_t, intrinsic##_s16)
-#define RVK_BINARY_8_16_32(name, intrinsic)     \
-    RVK_BINARY_8_16(name, intrinsic)            \
-    RVK_BINARY(name, uint32_t, intrinsic##_u32) \
+#define RVK_BINARY_8_16_32(name, intrinsic)                                                                            \
+    RVK_BINARY_8_16(name, intrinsic)                                                                                   \
+    RVK_BINARY(name, uint32_t, intrinsic##_u32)                                                                        \
     RVK_BINARY(name, int32_t, intrinsic##_s32)
 
 RVK_BINARY_8_16_32(min, vminq)
@@ -93,14 +76,8 @@ RVK_INLINE Mask<T> greater(Vec<T> a, Vec<T> b)
 }
 
 #if defined(__aarch64__) || defined(__clang__)
-RVK_INLINE Mask<float> equal(Vec<float> a, Vec<float> b)
-{
-    return {vec(vceqq_f32(reg(a), reg(b)))};
-}
-RVK_INLINE Mask<float> greater(Vec<float> a, Vec<float> b)
-{
-    return {vec(vcgtq_f32(reg(a), reg(b)))};
-}
+RVK_INLINE Mask<float> equal(Vec<float> a, Vec<float> b) { return {vec(vceqq_f32(reg(a), reg(b)))}; }
+RVK_INLINE Mask<float> greater(Vec<float> a, Vec<float> b) { return {vec(vcgtq_f32(reg(a), reg(b)))}; }
 #else // g++ takes these intrinsics for plain comparisons, and does those lane by lane to keep subnormals
 RVK_INLINE Mask<float> equal(Vec<float> a, Vec<float> b)
 {
@@ -136,18 +113,9 @@ RVK_INLINE uint64_t nibbles(Mask<T> m)
     return vget_lane_u64(vreinterpret_u64_u8(vshrn_n_u16(reg(bitCast<uint16_t>(m.bits)), 4)), 0);
 }
 
-template <class T>
-RVK_INLINE bool any(Mask<T> m)
-{
-    return nibbles(m) != 0;
-}
-template <class T>
-RVK_INLINE bool all(Mask<T> m)
-{
-    return nibbles(m) == UINT64_MAX;
-}
-template <class T>
-RVK_INLINE size_t firstTrue(Mask<T> m)
+template <class T> RVK_INLINE bool any(Mask<T> m) { return nibbles(m) != 0; }
+template <class T> RVK_INLINE bool all(Mask<T> m) { return nibbles(m) == UINT64_MAX; }
+template <class T> RVK_INLINE size_t firstTrue(Mask<T> m)
 {
     return static_cast<size_t>(__builtin_ctzll(nibbles(m))) / (4 * sizeof(T));
 }
@@ -163,38 +131,20 @@ RVK_INLINE uint32_t laneBits(Mask<uint8_t> m)
 }
 
 // b < a ? b : a, and a < b ? b : a: the first operand when the two are equal or one is not a number.
-RVK_INLINE Vec<float> min(Vec<float> a, Vec<float> b)
-{
-    return select(less(b, a), b, a);
-}
-RVK_INLINE Vec<float> max(Vec<float> a, Vec<float> b)
-{
-    return select(less(a, b), b, a);
-}
+RVK_INLINE Vec<float> min(Vec<float> a, Vec<float> b) { return select(less(b, a), b, a); }
+RVK_INLINE Vec<float> max(Vec<float> a, Vec<float> b) { return select(less(a, b), b, a); }
 
 // ---- floats ---------------------------------------------------------------------------------------------------------
 
-RVK_INLINE Vec<float> toFloat(Vec<int32_t> v)
-{
-    return vec(vcvtq_f32_s32(reg(v)));
-}
-RVK_INLINE Vec<float> toFloat(Vec<uint32_t> v)
-{
-    return toFloat(bitCast<int32_t>(v));
-}
-RVK_INLINE Vec<int32_t> truncateToInt(Vec<float> v)
-{
-    return vec(vcvtq_s32_f32(reg(v)));
-}
+RVK_INLINE Vec<float> toFloat(Vec<int32_t> v) { return vec(vcvtq_f32_s32(reg(v))); }
+RVK_INLINE Vec<float> toFloat(Vec<uint32_t> v) { return toFloat(bitCast<int32_t>(v)); }
+RVK_INLINE Vec<int32_t> truncateToInt(Vec<float> v) { return vec(vcvtq_s32_f32(reg(v))); }
 
 #if defined(__aarch64__)
 
 RVK_BINARY(divide, float, vdivq_f32)
 RVK_UNARY(squareRoot, float, vsqrtq_f32)
-RVK_INLINE Vec<int32_t> roundToInt(Vec<float> v)
-{
-    return vec(vcvtnq_s32_f32(reg(v)));
-}
+RVK_INLINE Vec<int32_t> roundToInt(Vec<float> v) { return vec(vcvtnq_s32_f32(reg(v))); }
 
 #else
 
@@ -232,19 +182,10 @@ RVK_INLINE Vec<int32_t> roundToInt(Vec<float> v)
 
 // ---- wider and narrower elements ------------------------------------------------------------------------------------
 
-#define RVK_HALVES(T, suffix)                                     \
-    RVK_INLINE Neon<T>::Half lowHalf(Vec<T> v)                    \
-    {                                                             \
-        return vget_low_##suffix(reg(v));                         \
-    }                                                             \
-    RVK_INLINE Neon<T>::Half highHalf(Vec<T> v)                   \
-    {                                                             \
-        return vget_high_##suffix(reg(v));                        \
-    }                                                             \
-    RVK_INLINE Vec<T> join(Neon<T>::Half low, Neon<T>::Half high) \
-    {                                                             \
-        return vec(vcombine_##suffix(low, high));                 \
-    }
+#define RVK_HALVES(T, suffix)                                                                                          \
+    RVK_INLINE Neon<T>::Half lowHalf(Vec<T> v) { return vget_low_##suffix(reg(v)); }                                   \
+    RVK_INLINE Neon<T>::Half highHalf(Vec<T> v) { return vget_high_##suffix(reg(v)); }                                 \
+    RVK_INLINE Vec<T> join(Neon<T>::Half low, Neon<T>::Half high) { return vec(vcombine_##suffix(low, high)); }
 RVK_HALVES(uint8_t, u8)
 RVK_HALVES(int8_t, s8)
 RVK_HALVES(uint16_t, u16)
@@ -254,10 +195,10 @@ RVK_HALVES(int32_t, s32)
 RVK_HALVES(float, f32)
 #undef RVK_HALVES
 
-#define RVK_WIDEN(T, suffix)                                                        \
-    RVK_INLINE Vecs<Wider<T>, 2> widen(Vec<T> v)                                    \
-    {                                                                               \
-        return {vec(vmovl_##suffix(lowHalf(v))), vec(vmovl_##suffix(highHalf(v)))}; \
+#define RVK_WIDEN(T, suffix)                                                                                           \
+    RVK_INLINE Vecs<Wider<T>, 2> widen(Vec<T> v)                                                                       \
+    {                                                                                                                  \
+        return {vec(vmovl_##suffix(lowHalf(v))), vec(vmovl_##suffix(highHalf(v)))};                                    \
     }
 RVK_WIDEN(uint8_t, u8)
 RVK_WIDEN(int8_t, s8)
@@ -269,19 +210,16 @@ RVK_WIDEN(int32_t, s32)
 
 // Half a register's worth of elements. (clang 14 moves 8 bytes of memory that may be unaligned through the stack.)
 #if defined(__clang__) && !defined(__aarch64__)
-#define RVK_LOAD_HALF(T, suffix)                                                                \
-    RVK_INLINE Neon<T>::Half loadHalf(const T* p)                                               \
-    {                                                                                           \
-        Neon<T>::Half half;                                                                     \
-        __asm__("vld1.8 {%P0}, %1" : "=w"(half) : "Q"(*reinterpret_cast<const char(*)[8]>(p))); \
-        return half;                                                                            \
+#define RVK_LOAD_HALF(T, suffix)                                                                                       \
+    RVK_INLINE Neon<T>::Half loadHalf(const T* p)                                                                      \
+    {                                                                                                                  \
+        Neon<T>::Half half;                                                                                            \
+        __asm__("vld1.8 {%P0}, %1" : "=w"(half) : "Q"(*reinterpret_cast<const char(*)[8]>(p)));                        \
+        return half;                                                                                                   \
     }
 #else
-#define RVK_LOAD_HALF(T, suffix)                  \
-    RVK_INLINE Neon<T>::Half loadHalf(const T* p) \
-    {                                             \
-        return vld1_##suffix(p);                  \
-    }
+#define RVK_LOAD_HALF(T, suffix)                                                                                       \
+    RVK_INLINE Neon<T>::Half loadHalf(const T* p) { return vld1_##suffix(p); }
 #endif
 RVK_LOAD_HALF(uint8_t, u8)
 RVK_LOAD_HALF(int8_t, s8)
@@ -292,11 +230,12 @@ RVK_LOAD_HALF(int32_t, s32)
 #undef RVK_LOAD_HALF
 
 // As many elements from p as a vector of To has lanes, each made two or four times as wide.
-#define RVK_LOAD_WIDEN(T, suffix)                                           \
-    template <class To>                                                     \
-    requires(isSame<To, Wider<T>>) RVK_INLINE Vec<To> loadWiden(const T* p) \
-    {                                                                       \
-        return vec(vmovl_##suffix(loadHalf(p)));                            \
+#define RVK_LOAD_WIDEN(T, suffix)                                                                                      \
+    template <class To>                                                                                                \
+        requires(isSame<To, Wider<T>>)                                                                                 \
+    RVK_INLINE Vec<To> loadWiden(const T* p)                                                                           \
+    {                                                                                                                  \
+        return vec(vmovl_##suffix(loadHalf(p)));                                                                       \
     }
 RVK_LOAD_WIDEN(uint8_t, u8)
 RVK_LOAD_WIDEN(int8_t, s8)
@@ -307,7 +246,8 @@ RVK_LOAD_WIDEN(int32_t, s32)
 #undef RVK_LOAD_WIDEN
 
 template <class To, class T>
-requires(sizeof(To) == 4 && sizeof(T) == 1 && isSigned<To> == isSigned<T>) RVK_INLINE Vec<To> loadWiden(const T* p)
+    requires(sizeof(To) == 4 && sizeof(T) == 1 && isSigned<To> == isSigned<T>)
+RVK_INLINE Vec<To> loadWiden(const T* p)
 {
     uint32_t four;
     __builtin_memcpy(&four, p, sizeof four);
@@ -324,21 +264,21 @@ RVK_INLINE Vecs<Wider<T>, 2> widenInLanes(Vec<T> v)
 // Two vectors narrowed into the halves of one. g++ for 32-bit Arm narrows into other registers and moves them, unless
 // it is told both instructions.
 #if defined(__arm__) && !defined(__clang__)
-#define RVK_NARROW_BOTH(To, operation, suffix, v)                                     \
-    uint8x16_t both;                                                                  \
-    __asm__(#operation "." #suffix " %e0, %q1\n\t" #operation "." #suffix " %f0, %q2" \
-            : "=&w"(both)                                                             \
-            : "w"(reg(v[0])), "w"(reg(v[1])));                                        \
+#define RVK_NARROW_BOTH(To, operation, suffix, v)                                                                      \
+    uint8x16_t both;                                                                                                   \
+    __asm__(#operation "." #suffix " %e0, %q1\n\t" #operation "." #suffix " %f0, %q2"                                  \
+            : "=&w"(both)                                                                                              \
+            : "w"(reg(v[0])), "w"(reg(v[1])));                                                                         \
     return bitCast<To>(vec(both));
 #else
-#define RVK_NARROW_BOTH(To, operation, suffix, v) \
+#define RVK_NARROW_BOTH(To, operation, suffix, v)                                                                      \
     return join(operation##_##suffix(reg(v[0])), operation##_##suffix(reg(v[1])));
 #endif
 
-#define RVK_NARROW(T, suffix)                          \
-    RVK_INLINE Vec<Narrower<T>> narrow(Vecs<T, 2> v)   \
-    {                                                  \
-        RVK_NARROW_BOTH(Narrower<T>, vmovn, suffix, v) \
+#define RVK_NARROW(T, suffix)                                                                                          \
+    RVK_INLINE Vec<Narrower<T>> narrow(Vecs<T, 2> v)                                                                   \
+    {                                                                                                                  \
+        RVK_NARROW_BOTH(Narrower<T>, vmovn, suffix, v)                                                                 \
     }
 RVK_NARROW(uint16_t, u16)
 RVK_NARROW(int16_t, s16)
@@ -353,23 +293,23 @@ RVK_INLINE Vec<Narrower<T>> narrowInLanes(Vecs<T, 2> v)
 }
 
 // Saturates the lanes of two vectors: s16 -> u8 and s8, u16 -> u8, s32 -> s16 and u16, u32 -> u16.
-#define RVK_NARROW_SIGNED(T, suffix)                \
-    template <class To>                             \
-    RVK_INLINE Vec<To> narrowSat(Vecs<T, 2> v)      \
-    {                                               \
-        static_assert(sizeof(To) * 2 == sizeof(T)); \
-        if constexpr (isSigned<To>) {               \
-            RVK_NARROW_BOTH(To, vqmovn, suffix, v)  \
-        } else {                                    \
-            RVK_NARROW_BOTH(To, vqmovun, suffix, v) \
-        }                                           \
+#define RVK_NARROW_SIGNED(T, suffix)                                                                                   \
+    template <class To>                                                                                                \
+    RVK_INLINE Vec<To> narrowSat(Vecs<T, 2> v)                                                                         \
+    {                                                                                                                  \
+        static_assert(sizeof(To) * 2 == sizeof(T));                                                                    \
+        if constexpr (isSigned<To>) {                                                                                  \
+            RVK_NARROW_BOTH(To, vqmovn, suffix, v)                                                                     \
+        } else {                                                                                                       \
+            RVK_NARROW_BOTH(To, vqmovun, suffix, v)                                                                    \
+        }                                                                                                              \
     }
-#define RVK_NARROW_UNSIGNED(T, suffix)          \
-    template <class To>                         \
-    RVK_INLINE Vec<To> narrowSat(Vecs<T, 2> v)  \
-    {                                           \
-        static_assert(isSame<To, Narrower<T>>); \
-        RVK_NARROW_BOTH(To, vqmovn, suffix, v)  \
+#define RVK_NARROW_UNSIGNED(T, suffix)                                                                                 \
+    template <class To>                                                                                                \
+    RVK_INLINE Vec<To> narrowSat(Vecs<T, 2> v)                                                                         \
+    {                                                                                                                  \
+        static_assert(isSame<To, Narrower<T>>);                                                                        \
+        RVK_NARROW_BOTH(To, vqmovn, suffix, v)                                                                         \
     }
 RVK_NARROW_SIGNED(int16_t, s16)
 RVK_NARROW_SIGNED(int32_t, s32)
@@ -387,15 +327,12 @@ RVK_INLINE Vec<To> narrowSatInLanes(Vecs<T, 2> v)
 
 // ---- products -------------------------------------------------------------------------------------------------------
 
-#define RVK_MULTIPLY_WIDE(T, suffix)                                                                         \
-    RVK_INLINE Vecs<Wider<T>, 2> multiplyWide(Vec<T> a, Vec<T> b)                                            \
-    {                                                                                                        \
-        return {vec(vmull_##suffix(lowHalf(a), lowHalf(b))), vec(vmull_##suffix(highHalf(a), highHalf(b)))}; \
-    }                                                                                                        \
-    RVK_INLINE Vecs<Wider<T>, 2> multiplyWideInLanes(Vec<T> a, Vec<T> b)                                     \
-    {                                                                                                        \
-        return multiplyWide(a, b);                                                                           \
-    }
+#define RVK_MULTIPLY_WIDE(T, suffix)                                                                                   \
+    RVK_INLINE Vecs<Wider<T>, 2> multiplyWide(Vec<T> a, Vec<T> b)                                                      \
+    {                                                                                                                  \
+        return {vec(vmull_##suffix(lowHalf(a), lowHalf(b))), vec(vmull_##suffix(highHalf(a), highHalf(b)))};           \
+    }                                                                                                                  \
+    RVK_INLINE Vecs<Wider<T>, 2> multiplyWideInLanes(Vec<T> a, Vec<T> b) { return multiplyWide(a, b); }
 RVK_MULTIPLY_WIDE(uint8_t, u8)
 RVK_MULTIPLY_WIDE(int8_t, s8)
 RVK_MULTIPLY_WIDE(uint16_t, u16)
@@ -446,8 +383,7 @@ RVK_INLINE Vec<uint8_t> lookup16(Vec<uint8_t> table, Vec<uint8_t> index)
 
 #if defined(__aarch64__)
 
-struct Table256
-{
+struct Table256 {
     uint8x16x4_t quarter[4];
 };
 
@@ -473,8 +409,7 @@ RVK_INLINE Vec<uint8_t> lookup(const Table256& table, Vec<uint8_t> index)
 
 #else
 
-struct Table256
-{
+struct Table256 {
     const uint8_t* table; // 256 bytes are all registers there are, so each look-up loads them again
 };
 
@@ -524,48 +459,30 @@ RVK_INLINE Vec<uint32_t> addBytesTo(Vec<uint32_t> acc, Vec<uint8_t> v)
     return vec(vpadalq_u16(reg(acc), vpaddlq_u8(reg(v))));
 }
 
-RVK_INLINE Vec<uint32_t> addTo(Vec<uint32_t> acc, Vec<uint16_t> v)
-{
-    return vec(vpadalq_u16(reg(acc), reg(v)));
-}
-RVK_INLINE Vec<int32_t> addTo(Vec<int32_t> acc, Vec<int16_t> v)
-{
-    return vec(vpadalq_s16(reg(acc), reg(v)));
-}
-RVK_INLINE Vec<uint64_t> addTo(Vec<uint64_t> acc, Vec<uint32_t> v)
-{
-    return vec(vpadalq_u32(reg(acc), reg(v)));
-}
-RVK_INLINE Vec<int64_t> addTo(Vec<int64_t> acc, Vec<int32_t> v)
-{
-    return vec(vpadalq_s32(reg(acc), reg(v)));
-}
+RVK_INLINE Vec<uint32_t> addTo(Vec<uint32_t> acc, Vec<uint16_t> v) { return vec(vpadalq_u16(reg(acc), reg(v))); }
+RVK_INLINE Vec<int32_t> addTo(Vec<int32_t> acc, Vec<int16_t> v) { return vec(vpadalq_s16(reg(acc), reg(v))); }
+RVK_INLINE Vec<uint64_t> addTo(Vec<uint64_t> acc, Vec<uint32_t> v) { return vec(vpadalq_u32(reg(acc), reg(v))); }
+RVK_INLINE Vec<int64_t> addTo(Vec<int64_t> acc, Vec<int32_t> v) { return vec(vpadalq_s32(reg(acc), reg(v))); }
 
 // The least, the largest and the sum of all lanes; sums of 32-bit elements wrap.
 #if defined(__aarch64__)
-#define RVK_REDUCE(T, suffix, steps)    \
-    RVK_INLINE T reduceMin(Vec<T> v)    \
-    {                                   \
-        return vminvq_##suffix(reg(v)); \
-    }                                   \
-    RVK_INLINE T reduceMax(Vec<T> v)    \
-    {                                   \
-        return vmaxvq_##suffix(reg(v)); \
-    }
+#define RVK_REDUCE(T, suffix, steps)                                                                                   \
+    RVK_INLINE T reduceMin(Vec<T> v) { return vminvq_##suffix(reg(v)); }                                               \
+    RVK_INLINE T reduceMax(Vec<T> v) { return vmaxvq_##suffix(reg(v)); }
 #else
 // A pairwise operation halves the number of different lanes.
-#define RVK_REDUCE(T, suffix, steps)                                                \
-    RVK_INLINE T reduceMin(Vec<T> v)                                                \
-    {                                                                               \
-        auto r = vmin_##suffix(lowHalf(v), highHalf(v));                            \
-        unrolled<steps>([&](auto) RVK_INLINE_LAMBDA { r = vpmin_##suffix(r, r); }); \
-        return vget_lane_##suffix(r, 0);                                            \
-    }                                                                               \
-    RVK_INLINE T reduceMax(Vec<T> v)                                                \
-    {                                                                               \
-        auto r = vmax_##suffix(lowHalf(v), highHalf(v));                            \
-        unrolled<steps>([&](auto) RVK_INLINE_LAMBDA { r = vpmax_##suffix(r, r); }); \
-        return vget_lane_##suffix(r, 0);                                            \
+#define RVK_REDUCE(T, suffix, steps)                                                                                   \
+    RVK_INLINE T reduceMin(Vec<T> v)                                                                                   \
+    {                                                                                                                  \
+        auto r = vmin_##suffix(lowHalf(v), highHalf(v));                                                               \
+        unrolled<steps>([&](auto) RVK_INLINE_LAMBDA { r = vpmin_##suffix(r, r); });                                    \
+        return vget_lane_##suffix(r, 0);                                                                               \
+    }                                                                                                                  \
+    RVK_INLINE T reduceMax(Vec<T> v)                                                                                   \
+    {                                                                                                                  \
+        auto r = vmax_##suffix(lowHalf(v), highHalf(v));                                                               \
+        unrolled<steps>([&](auto) RVK_INLINE_LAMBDA { r = vpmax_##suffix(r, r); });                                    \
+        return vget_lane_##suffix(r, 0);                                                                               \
     }
 #endif
 RVK_REDUCE(uint8_t, u8, 3)
@@ -576,14 +493,8 @@ RVK_REDUCE(uint32_t, u32, 1)
 RVK_REDUCE(int32_t, s32, 1)
 #undef RVK_REDUCE
 
-RVK_INLINE uint64_t reduceAdd(Vec<uint64_t> v)
-{
-    return vgetq_lane_u64(reg(v), 0) + vgetq_lane_u64(reg(v), 1);
-}
-RVK_INLINE int64_t reduceAdd(Vec<int64_t> v)
-{
-    return static_cast<int64_t>(reduceAdd(bitCast<uint64_t>(v)));
-}
+RVK_INLINE uint64_t reduceAdd(Vec<uint64_t> v) { return vgetq_lane_u64(reg(v), 0) + vgetq_lane_u64(reg(v), 1); }
+RVK_INLINE int64_t reduceAdd(Vec<int64_t> v) { return static_cast<int64_t>(reduceAdd(bitCast<uint64_t>(v))); }
 
 RVK_INLINE uint32_t reduceAdd(Vec<uint32_t> v)
 {
@@ -595,30 +506,27 @@ RVK_INLINE uint32_t reduceAdd(Vec<uint32_t> v)
 #endif
 }
 
-RVK_INLINE int32_t reduceAdd(Vec<int32_t> v)
-{
-    return static_cast<int32_t>(reduceAdd(bitCast<uint32_t>(v)));
-}
+RVK_INLINE int32_t reduceAdd(Vec<int32_t> v) { return static_cast<int32_t>(reduceAdd(bitCast<uint32_t>(v))); }
 
 // ---- interleaved memory ---------------------------------------------------------------------------------------------
 
-#define RVK_INTERLEAVED(n, T, suffix)                                         \
-    RVK_INLINE Vecs<T, n> load##n(const T* p)                                 \
-    {                                                                         \
-        const auto m = vld##n##q_##suffix(p);                                 \
-        Vecs<T, n> r;                                                         \
-        unrolled<n>([&](auto i) RVK_INLINE_LAMBDA { r[i] = vec(m.val[i]); }); \
-        return r;                                                             \
-    }                                                                         \
-    RVK_INLINE void store##n(T* p, const Vecs<T, n>& v)                       \
-    {                                                                         \
-        decltype(vld##n##q_##suffix(p)) m;                                    \
-        unrolled<n>([&](auto i) RVK_INLINE_LAMBDA { m.val[i] = reg(v[i]); }); \
-        vst##n##q_##suffix(p, m);                                             \
+#define RVK_INTERLEAVED(n, T, suffix)                                                                                  \
+    RVK_INLINE Vecs<T, n> load##n(const T* p)                                                                          \
+    {                                                                                                                  \
+        const auto m = vld##n##q_##suffix(p);                                                                          \
+        Vecs<T, n> r;                                                                                                  \
+        unrolled<n>([&](auto i) RVK_INLINE_LAMBDA { r[i] = vec(m.val[i]); });                                          \
+        return r;                                                                                                      \
+    }                                                                                                                  \
+    RVK_INLINE void store##n(T* p, const Vecs<T, n>& v)                                                                \
+    {                                                                                                                  \
+        decltype(vld##n##q_##suffix(p)) m;                                                                             \
+        unrolled<n>([&](auto i) RVK_INLINE_LAMBDA { m.val[i] = reg(v[i]); });                                          \
+        vst##n##q_##suffix(p, m);                                                                                      \
     }
-#define RVK_INTERLEAVED_ALL(T, suffix) \
-    RVK_INTERLEAVED(2, T, suffix)      \
-    RVK_INTERLEAVED(3, T, suffix)      \
+#define RVK_INTERLEAVED_ALL(T, suffix)                                                                                 \
+    RVK_INTERLEAVED(2, T, suffix)                                                                                      \
+    RVK_INTERLEAVED(3, T, suffix)                                                                                      \
     RVK_INTERLEAVED(4, T, suffix)
 RVK_INTERLEAVED_ALL(uint8_t, u8)
 RVK_INTERLEAVED_ALL(int8_t, s8)

@@ -41,7 +41,8 @@
 //             reduceMin, reduceMax(v): 8, 16, 32 bits, and floats without not-a-numbers
 #pragma once
 
-// clang-format off: operations stand in columns here, a line each
+// Operations stand in columns here, a line each.
+// clang-format off
 
 #include "vecta/simd/core.h"
 #if defined(__x86_64__)
@@ -63,31 +64,16 @@ RVK_INLINE Vec<float> abs(Vec<float> a)
     return bitCast<float>(bitCast<uint32_t>(a) & splat(0x7fffffffu));
 }
 
-RVK_INLINE Vec<float> absDiff(Vec<float> a, Vec<float> b)
-{
-    return abs(a - b);
-}
+RVK_INLINE Vec<float> absDiff(Vec<float> a, Vec<float> b) { return abs(a - b); }
 
 // The wrapped difference without its sign.
-RVK_INLINE Vec<int32_t> absDiff(Vec<int32_t> a, Vec<int32_t> b)
-{
-    return abs(a - b);
-}
+RVK_INLINE Vec<int32_t> absDiff(Vec<int32_t> a, Vec<int32_t> b) { return abs(a - b); }
 
 #if defined(__x86_64__)
 // The exact difference without its sign; it wraps where the element is too narrow for it.
-RVK_INLINE Vec<int8_t> absDiff(Vec<int8_t> a, Vec<int8_t> b)
-{
-    return max(a, b) - min(a, b);
-}
-RVK_INLINE Vec<int16_t> absDiff(Vec<int16_t> a, Vec<int16_t> b)
-{
-    return max(a, b) - min(a, b);
-}
-RVK_INLINE Vec<uint32_t> absDiff(Vec<uint32_t> a, Vec<uint32_t> b)
-{
-    return max(a, b) - min(a, b);
-}
+RVK_INLINE Vec<int8_t> absDiff(Vec<int8_t> a, Vec<int8_t> b) { return max(a, b) - min(a, b); }
+RVK_INLINE Vec<int16_t> absDiff(Vec<int16_t> a, Vec<int16_t> b) { return max(a, b) - min(a, b); }
+RVK_INLINE Vec<uint32_t> absDiff(Vec<uint32_t> a, Vec<uint32_t> b) { return max(a, b) - min(a, b); }
 #endif
 
 // op over all lanes, for an operation whose order does not matter.
@@ -101,14 +87,12 @@ RVK_INLINE T reduceFrom(Vec<T> v, Op op)
 }
 
 // The least and the largest lane. Of floats: any of the zeros when zeros are the least; no lane may be a not-a-number.
-template <class T>
-RVK_INLINE T reduceMin(Vec<T> v)
+template <class T> RVK_INLINE T reduceMin(Vec<T> v)
 {
     return reduceFrom<Vec<T>::lanes / 2>(v, [](Vec<T> a, Vec<T> b) RVK_INLINE_LAMBDA { return min(a, b); });
 }
 
-template <class T>
-RVK_INLINE T reduceMax(Vec<T> v)
+template <class T> RVK_INLINE T reduceMax(Vec<T> v)
 {
     return reduceFrom<Vec<T>::lanes / 2>(v, [](Vec<T> a, Vec<T> b) RVK_INLINE_LAMBDA { return max(a, b); });
 }
@@ -116,25 +100,17 @@ RVK_INLINE T reduceMax(Vec<T> v)
 // The sum of all lanes, which wraps for 32 and 64-bit elements, ...
 #if defined(__x86_64__)
 template <class T>
-requires(sizeof(T) >= 4 && !isSame<T, float>) RVK_INLINE T reduceAdd(Vec<T> v)
+    requires(sizeof(T) >= 4 && !isSame<T, float>)
+RVK_INLINE T reduceAdd(Vec<T> v)
 {
     return reduceFrom<Vec<T>::lanes / 2>(v, [](Vec<T> a, Vec<T> b) RVK_INLINE_LAMBDA { return a + b; });
 }
 #endif
 
 // ... and is exact for narrower ones.
-RVK_INLINE uint32_t reduceAdd(Vec<uint8_t> v)
-{
-    return reduceAdd(addBytesTo(zero<uint32_t>(), v));
-}
-RVK_INLINE uint32_t reduceAdd(Vec<uint16_t> v)
-{
-    return reduceAdd(addTo(zero<uint32_t>(), v));
-}
-RVK_INLINE int32_t reduceAdd(Vec<int16_t> v)
-{
-    return reduceAdd(addTo(zero<int32_t>(), v));
-}
+RVK_INLINE uint32_t reduceAdd(Vec<uint8_t> v) { return reduceAdd(addBytesTo(zero<uint32_t>(), v)); }
+RVK_INLINE uint32_t reduceAdd(Vec<uint16_t> v) { return reduceAdd(addTo(zero<uint32_t>(), v)); }
+RVK_INLINE int32_t reduceAdd(Vec<int16_t> v) { return reduceAdd(addTo(zero<int32_t>(), v)); }
 
 } // namespace
 } // namespace rvk::vecta::RVK_ISA

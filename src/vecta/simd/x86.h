@@ -3,7 +3,8 @@
 // differs where comparisons give mask registers and where bytes move freely across the register.
 #pragma once
 
-// clang-format off: operations stand in columns here, a line each
+// Operations stand in columns here, a line each.
+// clang-format off
 
 #include "vecta/simd/core.h"
 
@@ -58,32 +59,14 @@ RVK_INLINE Vec<float> vec(FloatRegister r)
 }
 
 #if RVK_AVX512
-RVK_INLINE HalfRegister lowHalf(Register r)
-{
-    return _mm512_castsi512_si256(r);
-}
-RVK_INLINE HalfRegister highHalf(Register r)
-{
-    return _mm512_extracti64x4_epi64(r, 1);
-}
+RVK_INLINE HalfRegister lowHalf(Register r) { return _mm512_castsi512_si256(r); }
+RVK_INLINE HalfRegister highHalf(Register r) { return _mm512_extracti64x4_epi64(r, 1); }
 #elif defined(__AVX2__)
-RVK_INLINE HalfRegister lowHalf(Register r)
-{
-    return _mm256_castsi256_si128(r);
-}
-RVK_INLINE HalfRegister highHalf(Register r)
-{
-    return _mm256_extracti128_si256(r, 1);
-}
+RVK_INLINE HalfRegister lowHalf(Register r) { return _mm256_castsi256_si128(r); }
+RVK_INLINE HalfRegister highHalf(Register r) { return _mm256_extracti128_si256(r, 1); }
 #else
-RVK_INLINE HalfRegister lowHalf(Register r)
-{
-    return r;
-}
-RVK_INLINE HalfRegister highHalf(Register r)
-{
-    return _mm_unpackhi_epi64(r, r);
-}
+RVK_INLINE HalfRegister lowHalf(Register r) { return r; }
+RVK_INLINE HalfRegister highHalf(Register r) { return _mm_unpackhi_epi64(r, r); }
 #endif
 
 // ---- partial memory -------------------------------------------------------------------------------------------------
@@ -164,16 +147,10 @@ RVK_INLINE void storePartial(T* p, const Vecs<T, count>& v, size_t n)
 
 // ---- element-wise operations ----------------------------------------------------------------------------------------
 
-#define RVK_UNARY(name, T, intrinsic)             \
-    RVK_INLINE Vec<T> name(Vec<T> a)              \
-    {                                             \
-        return vec<T>(RVK_MM(intrinsic)(reg(a))); \
-    }
-#define RVK_BINARY(name, T, intrinsic)                    \
-    RVK_INLINE Vec<T> name(Vec<T> a, Vec<T> b)            \
-    {                                                     \
-        return vec<T>(RVK_MM(intrinsic)(reg(a), reg(b))); \
-    }
+#define RVK_UNARY(name, T, intrinsic)                                                                                  \
+    RVK_INLINE Vec<T> name(Vec<T> a) { return vec<T>(RVK_MM(intrinsic)(reg(a))); }
+#define RVK_BINARY(name, T, intrinsic)                                                                                 \
+    RVK_INLINE Vec<T> name(Vec<T> a, Vec<T> b) { return vec<T>(RVK_MM(intrinsic)(reg(a), reg(b))); }
 
 RVK_BINARY(min, uint8_t, min_epu8)
 RVK_BINARY(min, int8_t, min_epi8)
@@ -189,14 +166,8 @@ RVK_BINARY(max, uint32_t, max_epu32)
 RVK_BINARY(max, int32_t, max_epi32)
 
 // b < a ? b : a, and a < b ? b : a: the first operand when the two are equal or one is not a number.
-RVK_INLINE Vec<float> min(Vec<float> a, Vec<float> b)
-{
-    return vec(RVK_MM(min_ps)(floatReg(b), floatReg(a)));
-}
-RVK_INLINE Vec<float> max(Vec<float> a, Vec<float> b)
-{
-    return vec(RVK_MM(max_ps)(floatReg(b), floatReg(a)));
-}
+RVK_INLINE Vec<float> min(Vec<float> a, Vec<float> b) { return vec(RVK_MM(min_ps)(floatReg(b), floatReg(a))); }
+RVK_INLINE Vec<float> max(Vec<float> a, Vec<float> b) { return vec(RVK_MM(max_ps)(floatReg(b), floatReg(a))); }
 
 RVK_BINARY(addSat, uint8_t, adds_epu8)
 RVK_BINARY(addSat, int8_t, adds_epi8)
@@ -220,14 +191,8 @@ RVK_UNARY(abs, int32_t, abs_epi32)
 #undef RVK_UNARY
 #undef RVK_BINARY
 
-RVK_INLINE Vec<uint8_t> absDiff(Vec<uint8_t> a, Vec<uint8_t> b)
-{
-    return subSat(a, b) | subSat(b, a);
-}
-RVK_INLINE Vec<uint16_t> absDiff(Vec<uint16_t> a, Vec<uint16_t> b)
-{
-    return subSat(a, b) | subSat(b, a);
-}
+RVK_INLINE Vec<uint8_t> absDiff(Vec<uint8_t> a, Vec<uint8_t> b) { return subSat(a, b) | subSat(b, a); }
+RVK_INLINE Vec<uint16_t> absDiff(Vec<uint16_t> a, Vec<uint16_t> b) { return subSat(a, b) | subSat(b, a); }
 
 // Products of neighbours, added: lane i is a[2i] * b[2i] + a[2i + 1] * b[2i + 1]; four times -32768 wraps.
 RVK_INLINE Vec<int32_t> dotPairs(Vec<int16_t> a, Vec<int16_t> b)
@@ -235,72 +200,36 @@ RVK_INLINE Vec<int32_t> dotPairs(Vec<int16_t> a, Vec<int16_t> b)
     return vec<int32_t>(RVK_MM(madd_epi16)(reg(a), reg(b)));
 }
 
-RVK_INLINE Vec<float> divide(Vec<float> a, Vec<float> b)
-{
-    return {a.raw / b.raw};
-}
-RVK_INLINE Vec<float> squareRoot(Vec<float> a)
-{
-    return vec(RVK_MM(sqrt_ps)(floatReg(a)));
-}
+RVK_INLINE Vec<float> divide(Vec<float> a, Vec<float> b) { return {a.raw / b.raw}; }
+RVK_INLINE Vec<float> squareRoot(Vec<float> a) { return vec(RVK_MM(sqrt_ps)(floatReg(a))); }
 
-RVK_INLINE Vec<float> toFloat(Vec<int32_t> v)
-{
-    return vec(RVK_MM(cvtepi32_ps)(reg(v)));
-}
-RVK_INLINE Vec<float> toFloat(Vec<uint32_t> v)
-{
-    return toFloat(bitCast<int32_t>(v));
-}
-RVK_INLINE Vec<int32_t> truncateToInt(Vec<float> v)
-{
-    return vec<int32_t>(RVK_MM(cvttps_epi32)(floatReg(v)));
-}
-RVK_INLINE Vec<int32_t> roundToInt(Vec<float> v)
-{
-    return vec<int32_t>(RVK_MM(cvtps_epi32)(floatReg(v)));
-}
+RVK_INLINE Vec<float> toFloat(Vec<int32_t> v) { return vec(RVK_MM(cvtepi32_ps)(reg(v))); }
+RVK_INLINE Vec<float> toFloat(Vec<uint32_t> v) { return toFloat(bitCast<int32_t>(v)); }
+RVK_INLINE Vec<int32_t> truncateToInt(Vec<float> v) { return vec<int32_t>(RVK_MM(cvttps_epi32)(floatReg(v))); }
+RVK_INLINE Vec<int32_t> roundToInt(Vec<float> v) { return vec<int32_t>(RVK_MM(cvtps_epi32)(floatReg(v))); }
 
 // ---- comparison and selection ---------------------------------------------------------------------------------------
 
 #if RVK_AVX512
 
-template <size_t lanes>
-struct MaskBits;
-template <>
-struct MaskBits<64>
-{
-    using Type = __mmask64;
-};
-template <>
-struct MaskBits<32>
-{
-    using Type = __mmask32;
-};
-template <>
-struct MaskBits<16>
-{
-    using Type = __mmask16;
-};
-template <>
-struct MaskBits<8>
-{
-    using Type = __mmask8;
-};
+template <size_t lanes> struct MaskBits;
+template <> struct MaskBits<64> { using Type = __mmask64; };
+template <> struct MaskBits<32> { using Type = __mmask32; };
+template <> struct MaskBits<16> { using Type = __mmask16; };
+template <> struct MaskBits<8> { using Type = __mmask8; };
 
 // The result of a comparison: a truth value per lane. Masks combine with & | ^ ~.
 template <class T>
-struct Mask
-{
+struct Mask {
     using Bits = typename MaskBits<Vec<T>::lanes>::Type;
     Bits bits;
 };
 
-#define RVK_MASK_OPERATOR(op)                                           \
-    template <class T>                                                  \
-    RVK_INLINE Mask<T> operator op(Mask<T> a, Mask<T> b)                \
-    {                                                                   \
-        return {static_cast<typename Mask<T>::Bits>(a.bits op b.bits)}; \
+#define RVK_MASK_OPERATOR(op)                                                                                          \
+    template <class T>                                                                                                 \
+    RVK_INLINE Mask<T> operator op(Mask<T> a, Mask<T> b)                                                               \
+    {                                                                                                                  \
+        return {static_cast<typename Mask<T>::Bits>(a.bits op b.bits)};                                                \
     }
 RVK_MASK_OPERATOR(&)
 RVK_MASK_OPERATOR(|)
@@ -313,27 +242,15 @@ RVK_INLINE Mask<T> operator~(Mask<T> a)
     return {static_cast<typename Mask<T>::Bits>(~a.bits)};
 }
 
-#define RVK_COMPARISONS(T, suffix, vectorSuffix)                                 \
-    RVK_INLINE Mask<T> equal(Vec<T> a, Vec<T> b)                                 \
-    {                                                                            \
-        return {_mm512_cmpeq_##suffix##_mask(reg(a), reg(b))};                   \
-    }                                                                            \
-    RVK_INLINE Mask<T> greater(Vec<T> a, Vec<T> b)                               \
-    {                                                                            \
-        return {_mm512_cmpgt_##suffix##_mask(reg(a), reg(b))};                   \
-    }                                                                            \
-    RVK_INLINE Mask<T> less(Vec<T> a, Vec<T> b)                                  \
-    {                                                                            \
-        return {_mm512_cmplt_##suffix##_mask(reg(a), reg(b))};                   \
-    }                                                                            \
-    RVK_INLINE Vec<T> select(Mask<T> m, Vec<T> a, Vec<T> b)                      \
-    {                                                                            \
-        return vec<T>(_mm512_mask_blend_##vectorSuffix(m.bits, reg(b), reg(a))); \
-    }                                                                            \
-    RVK_INLINE Vec<T> toVec(Mask<T> m)                                           \
-    {                                                                            \
-        return vec<T>(_mm512_movm_##vectorSuffix(m.bits));                       \
-    }
+#define RVK_COMPARISONS(T, suffix, vectorSuffix)                                                                       \
+    RVK_INLINE Mask<T> equal(Vec<T> a, Vec<T> b) { return {_mm512_cmpeq_##suffix##_mask(reg(a), reg(b))}; }            \
+    RVK_INLINE Mask<T> greater(Vec<T> a, Vec<T> b) { return {_mm512_cmpgt_##suffix##_mask(reg(a), reg(b))}; }          \
+    RVK_INLINE Mask<T> less(Vec<T> a, Vec<T> b) { return {_mm512_cmplt_##suffix##_mask(reg(a), reg(b))}; }             \
+    RVK_INLINE Vec<T> select(Mask<T> m, Vec<T> a, Vec<T> b)                                                            \
+    {                                                                                                                  \
+        return vec<T>(_mm512_mask_blend_##vectorSuffix(m.bits, reg(b), reg(a)));                                       \
+    }                                                                                                                  \
+    RVK_INLINE Vec<T> toVec(Mask<T> m) { return vec<T>(_mm512_movm_##vectorSuffix(m.bits)); }
 RVK_COMPARISONS(uint8_t, epu8, epi8)
 RVK_COMPARISONS(int8_t, epi8, epi8)
 RVK_COMPARISONS(uint16_t, epu16, epi16)
@@ -344,10 +261,10 @@ RVK_COMPARISONS(uint64_t, epu64, epi64)
 RVK_COMPARISONS(int64_t, epi64, epi64)
 #undef RVK_COMPARISONS
 
-#define RVK_FLOAT_COMPARISON(name, predicate)                             \
-    RVK_INLINE Mask<float> name(Vec<float> a, Vec<float> b)               \
-    {                                                                     \
-        return {_mm512_cmp_ps_mask(floatReg(a), floatReg(b), predicate)}; \
+#define RVK_FLOAT_COMPARISON(name, predicate)                                                                          \
+    RVK_INLINE Mask<float> name(Vec<float> a, Vec<float> b)                                                            \
+    {                                                                                                                  \
+        return {_mm512_cmp_ps_mask(floatReg(a), floatReg(b), predicate)};                                              \
     }
 RVK_FLOAT_COMPARISON(equal, _CMP_EQ_OQ)
 RVK_FLOAT_COMPARISON(greater, _CMP_GT_OQ)
@@ -358,30 +275,12 @@ RVK_INLINE Vec<float> select(Mask<float> m, Vec<float> a, Vec<float> b)
 {
     return vec(_mm512_mask_blend_ps(m.bits, floatReg(b), floatReg(a)));
 }
-RVK_INLINE Vec<float> toVec(Mask<float> m)
-{
-    return bitCast<float>(vec<uint32_t>(_mm512_movm_epi32(m.bits)));
-}
+RVK_INLINE Vec<float> toVec(Mask<float> m) { return bitCast<float>(vec<uint32_t>(_mm512_movm_epi32(m.bits))); }
 
-template <class T>
-RVK_INLINE bool any(Mask<T> m)
-{
-    return m.bits != 0;
-}
-template <class T>
-RVK_INLINE bool all(Mask<T> m)
-{
-    return static_cast<typename Mask<T>::Bits>(~m.bits) == 0;
-}
-template <class T>
-RVK_INLINE size_t firstTrue(Mask<T> m)
-{
-    return static_cast<size_t>(__builtin_ctzll(m.bits));
-}
-RVK_INLINE uint64_t laneBits(Mask<uint8_t> m)
-{
-    return m.bits;
-}
+template <class T> RVK_INLINE bool any(Mask<T> m) { return m.bits != 0; }
+template <class T> RVK_INLINE bool all(Mask<T> m) { return static_cast<typename Mask<T>::Bits>(~m.bits) == 0; }
+template <class T> RVK_INLINE size_t firstTrue(Mask<T> m) { return static_cast<size_t>(__builtin_ctzll(m.bits)); }
+RVK_INLINE uint64_t laneBits(Mask<uint8_t> m) { return m.bits; }
 
 #else
 
@@ -416,35 +315,22 @@ RVK_INLINE uint32_t byteBits(Mask<T> m)
     return static_cast<uint32_t>(RVK_MM(movemask_epi8)(reg(m.bits)));
 }
 
-template <class T>
-RVK_INLINE bool any(Mask<T> m)
-{
-    return byteBits(m) != 0;
-}
-template <class T>
-RVK_INLINE bool all(Mask<T> m)
-{
-    return byteBits(m) == (kBytes == 32 ? 0xffffffffu : 0xffffu);
-}
-template <class T>
-RVK_INLINE size_t firstTrue(Mask<T> m)
+template <class T> RVK_INLINE bool any(Mask<T> m) { return byteBits(m) != 0; }
+template <class T> RVK_INLINE bool all(Mask<T> m) { return byteBits(m) == (kBytes == 32 ? 0xffffffffu : 0xffffu); }
+template <class T> RVK_INLINE size_t firstTrue(Mask<T> m)
 {
     return static_cast<size_t>(__builtin_ctz(byteBits(m))) / sizeof(T);
 }
-RVK_INLINE uint32_t laneBits(Mask<uint8_t> m)
-{
-    return byteBits(m);
-}
+RVK_INLINE uint32_t laneBits(Mask<uint8_t> m) { return byteBits(m); }
 
 #endif
 
 // ---- wider and narrower elements ------------------------------------------------------------------------------------
 
-#define RVK_WIDEN(T, intrinsic)                                      \
-    RVK_INLINE Vecs<Wider<T>, 2> widen(Vec<T> v)                     \
-    {                                                                \
-        return {vec<Wider<T>>(RVK_MM(intrinsic)(lowHalf(reg(v)))),   \
-                vec<Wider<T>>(RVK_MM(intrinsic)(highHalf(reg(v))))}; \
+#define RVK_WIDEN(T, intrinsic)                                                                                        \
+    RVK_INLINE Vecs<Wider<T>, 2> widen(Vec<T> v)                                                                       \
+    {                                                                                                                  \
+        return {vec<Wider<T>>(RVK_MM(intrinsic)(lowHalf(reg(v)))), vec<Wider<T>>(RVK_MM(intrinsic)(highHalf(reg(v))))};\
     }
 RVK_WIDEN(uint8_t, cvtepu8_epi16)
 RVK_WIDEN(int8_t, cvtepi8_epi16)
@@ -477,11 +363,12 @@ RVK_INLINE auto loadFraction(const void* p)
 }
 
 // As many elements from p as a vector of To has lanes, each made two or four times as wide.
-#define RVK_LOAD_WIDEN(From, ratio, To, intrinsic)                           \
-    template <class Result>                                                  \
-    requires(isSame<Result, To>) RVK_INLINE Vec<To> loadWiden(const From* p) \
-    {                                                                        \
-        return vec<To>(RVK_MM(intrinsic)(loadFraction<ratio>(p)));           \
+#define RVK_LOAD_WIDEN(From, ratio, To, intrinsic)                                                                     \
+    template <class Result>                                                                                            \
+        requires(isSame<Result, To>)                                                                                   \
+    RVK_INLINE Vec<To> loadWiden(const From* p)                                                                        \
+    {                                                                                                                  \
+        return vec<To>(RVK_MM(intrinsic)(loadFraction<ratio>(p)));                                                     \
     }
 RVK_LOAD_WIDEN(uint8_t, 2, uint16_t, cvtepu8_epi16)
 RVK_LOAD_WIDEN(int8_t, 2, int16_t, cvtepi8_epi16)
@@ -597,31 +484,31 @@ RVK_INLINE Vec<Narrower<T>> narrow(Vecs<T, 2> v)
 
 // All products of two vectors, twice as wide.
 template <class T>
-requires(sizeof(T) == 1) RVK_INLINE Vecs < Wider<T>,
-2 > multiplyWide(Vec<T> a, Vec<T> b)
+    requires(sizeof(T) == 1)
+RVK_INLINE Vecs<Wider<T>, 2> multiplyWide(Vec<T> a, Vec<T> b)
 {
     const Vecs<Wider<T>, 2> x = widen(a), y = widen(b);
     return {x[0] * y[0], x[1] * y[1]};
 }
 
 template <class T>
-requires(sizeof(T) == 1) RVK_INLINE Vecs < Wider<T>,
-2 > multiplyWideInLanes(Vec<T> a, Vec<T> b)
+    requires(sizeof(T) == 1)
+RVK_INLINE Vecs<Wider<T>, 2> multiplyWideInLanes(Vec<T> a, Vec<T> b)
 {
     const Vecs<Wider<T>, 2> x = widenInLanes(a), y = widenInLanes(b);
     return {x[0] * y[0], x[1] * y[1]};
 }
 
-#define RVK_MULTIPLY_WIDE(T)                                             \
-    RVK_INLINE Vecs<Wider<T>, 2> multiplyWide(Vec<T> a, Vec<T> b)        \
-    {                                                                    \
-        const Vecs<T, 2> z = zip(a * b, multiplyHigh(a, b));             \
-        return {bitCast<Wider<T>>(z[0]), bitCast<Wider<T>>(z[1])};       \
-    }                                                                    \
-    RVK_INLINE Vecs<Wider<T>, 2> multiplyWideInLanes(Vec<T> a, Vec<T> b) \
-    {                                                                    \
-        const Vecs<T, 2> z = zipInLanes(a * b, multiplyHigh(a, b));      \
-        return {bitCast<Wider<T>>(z[0]), bitCast<Wider<T>>(z[1])};       \
+#define RVK_MULTIPLY_WIDE(T)                                                                                           \
+    RVK_INLINE Vecs<Wider<T>, 2> multiplyWide(Vec<T> a, Vec<T> b)                                                      \
+    {                                                                                                                  \
+        const Vecs<T, 2> z = zip(a * b, multiplyHigh(a, b));                                                           \
+        return {bitCast<Wider<T>>(z[0]), bitCast<Wider<T>>(z[1])};                                                     \
+    }                                                                                                                  \
+    RVK_INLINE Vecs<Wider<T>, 2> multiplyWideInLanes(Vec<T> a, Vec<T> b)                                               \
+    {                                                                                                                  \
+        const Vecs<T, 2> z = zipInLanes(a * b, multiplyHigh(a, b));                                                    \
+        return {bitCast<Wider<T>>(z[0]), bitCast<Wider<T>>(z[1])};                                                     \
     }
 RVK_MULTIPLY_WIDE(int16_t)
 RVK_MULTIPLY_WIDE(uint16_t)
@@ -649,8 +536,7 @@ RVK_INLINE Vec<uint8_t> lookup16(Vec<uint8_t> table, Vec<uint8_t> index)
 
 #if RVK_AVX512
 
-struct Table256
-{
+struct Table256 {
     Vec<uint8_t> quarter[4];
 };
 
@@ -672,8 +558,7 @@ RVK_INLINE Vec<uint8_t> lookup(const Table256& table, Vec<uint8_t> index)
 // Byte shuffles look up 16 entries at a time and give 0 for an index with the top bit set. So each 16 entries are kept
 // as their difference to the 16 before: an index that is reduced by 16 per step meets all rows up to its own before it
 // turns negative, and the differences add up to the entry. The upper half of the table is a second one of that kind.
-struct Table256
-{
+struct Table256 {
     alignas(16) uint8_t row[16][16];
 };
 
@@ -831,8 +716,8 @@ template <size_t k, class T>
 RVK_INLINE Vec<T> ungroupChannels(Vec<T> v)
 {
     Vec<T> pixels = shuffle(v, v, [](size_t i) { return (i + k) % 4 * kBlock<T> + i / 4; });
-    __asm__(""
-            : "+v"(pixels.raw)); // clang replaces this shuffle by thirteen narrower ones if it sees the store behind it
+    // clang replaces this shuffle by thirteen narrower ones if it sees the store behind it.
+    __asm__("" : "+v"(pixels.raw));
     return pixels;
 }
 
@@ -931,8 +816,8 @@ template <class T>
 RVK_INLINE Vec<uint32_t> groupChannels(Vec<T> v)
 {
     constexpr size_t n = 4 / sizeof(T);
-    return bitCast<uint32_t>(
-        shuffle(v, v, [](size_t i) { return i / kBlock<T> * kBlock<T> + i % n * 4 + i % kBlock<T> / n; }));
+    return bitCast<uint32_t>(shuffle(v, v, [](size_t i) {
+        return i / kBlock<T> * kBlock<T> + i % n * 4 + i % kBlock<T> / n; }));
 }
 
 template <class T>
@@ -959,8 +844,7 @@ RVK_INLINE void store4(T* p, const Vecs<T, 4>& v)
 #endif
 
 // The lanes among which one shuffle moves elements freely.
-template <class T>
-constexpr size_t kReach = RVK_AVX512 ? Vec<T>::lanes : kBlock<T>;
+template <class T> constexpr size_t kReach = RVK_AVX512 ? Vec<T>::lanes : kBlock<T>;
 
 // a, but b in the lanes i for which (i + offset) % 3 == c, counted among those lanes.
 template <size_t offset, size_t c, class T>
@@ -999,8 +883,7 @@ RVK_INLINE Vec<T> spreadChannel(Vec<T> v)
         size_t pixel = 0;
         while ((pixel * 3 + c) % n != i % n)
             ++pixel;
-        return i / n * n + pixel;
-    });
+        return i / n * n + pixel; });
 }
 
 template <size_t k, class T>
