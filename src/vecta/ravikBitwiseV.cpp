@@ -109,8 +109,8 @@ RVK_INLINE void fillSelectedRow(size_t width, T* dst, const uint8_t* mask, const
 }
 
 template <class T, size_t channels>
-__attribute__((noinline)) void fillBits(size_t width, size_t height, Plane<T> dst, const T (&values)[channels],
-                                        Plane<const uint8_t> mask)
+RVK_NOINLINE void fillBits(size_t width, size_t height, Plane<T> dst, const T (&values)[channels],
+                           Plane<const uint8_t> mask)
 {
     const Vecs<T, channels> pattern = patternOf(values);
     if (dst.packed(width * channels) && (!mask.data || mask.packed(width))) {

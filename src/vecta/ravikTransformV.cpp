@@ -353,8 +353,8 @@ RVK_INLINE void copyPixel(const uint8_t* from, uint8_t* to)
 
 // dst(y, x) = src(x, y). The steps from row to row may be negative.
 template <size_t pixel>
-__attribute__((noinline)) void transpose(const uint8_t* src, size_t width, size_t height, ptrdiff_t srcStep,
-                                         uint8_t* dst, ptrdiff_t dstStep)
+RVK_NOINLINE void transpose(const uint8_t* src, size_t width, size_t height, ptrdiff_t srcStep, uint8_t* dst,
+                            ptrdiff_t dstStep)
 {
     constexpr size_t leastWidth = pixel == 3 ? 8 : TileOf<pixel, 16>::columns;
     if (width >= leastWidth && height >= TileOf<pixel, kBytes>::rows) {
@@ -618,8 +618,8 @@ RVK_INLINE void flipInPlace(uint8_t* image, size_t width, size_t height, size_t 
 }
 
 template <size_t pixel>
-__attribute__((noinline)) void flip(const uint8_t* src, size_t width, size_t height, size_t srcStride, uint8_t* dst,
-                                    size_t dstStride, uint32_t dir)
+RVK_NOINLINE void flip(const uint8_t* src, size_t width, size_t height, size_t srcStride, uint8_t* dst,
+                       size_t dstStride, uint32_t dir)
 {
     if (dir == RAVIK_FLIP_BOTH && srcStride == width * pixel && dstStride == width * pixel) {
         width *= height; // without gaps between the rows it mirrors one long row

@@ -32,6 +32,7 @@
 
 #define RVK_INLINE inline __attribute__((always_inline))
 #define RVK_INLINE_LAMBDA __attribute__((always_inline))
+#define RVK_NOINLINE __attribute__((noinline)) // for what has several callers and is large: it stands once for all of them
 
 namespace rvk::vecta::RVK_ISA {
 namespace {
