@@ -108,17 +108,26 @@ typename SignatureOf<slot>::Type internalImplementation()
     return reinterpret_cast<typename SignatureOf<slot>::Type>(dispatchState.internalTable[row * kTargets + target]);
 }
 
-// A stride of 0 means packed rows: `width` pixels of `pixelSize` bytes.
-inline uint32_t packedIfZero(uint32_t stride, uint32_t width, uint32_t pixelSize = 1)
+// The bytes of `width` pixels. Sizes are multiplied here, because products of uint32_t wrap, and so do those of size_t
+// on a 32-bit target.
+inline uint64_t rowSize(uint32_t width, uint32_t pixelSize)
 {
-    return stride ? stride : width * pixelSize;
+    return uint64_t{width} * pixelSize;
 }
 
-// Whether a row of `width` pixels of `pixelSize` bytes has a size that 32 bits hold. Conditions that multiply a width
-// test this first, because their products wrap.
+// Whether a row has a size that 32 bits hold.
 inline bool rowFits(uint32_t width, uint32_t pixelSize)
 {
-    return width <= UINT32_MAX / pixelSize;
+    return rowSize(width, pixelSize) <= UINT32_MAX;
+}
+
+// A stride of 0 means packed rows: `width` pixels of `pixelSize` bytes. A size that does not fit becomes one that is too
+// short for its row, and so the check of the stride refuses it.
+inline uint32_t packedIfZero(uint32_t stride, uint32_t width, uint32_t pixelSize = 1)
+{
+    if (stride != 0)
+        return stride;
+    return rowFits(width, pixelSize) ? static_cast<uint32_t>(rowSize(width, pixelSize)) : UINT32_MAX;
 }
 
 // Fallback rule terms: every pointer and size is a multiple of `alignment`, a power of two.

@@ -258,6 +258,15 @@ void releaseScratch(void* ptr)
     release.load()(ptr);
 }
 
+void* getScratchRows(uint64_t rows, uint64_t columns, uint32_t elementSize)
+{
+    constexpr uint32_t cacheLine = 64;
+    const uint64_t most = (UINT32_MAX - 256) / elementSize; // its square fits 64 bits
+    if (rows > most || columns > most || rows * columns > most)
+        return nullptr;
+    return getScratchAligned(static_cast<uint32_t>(rows * columns) * elementSize, cacheLine);
+}
+
 } // namespace rvk
 
 void rvkMemInit(void)

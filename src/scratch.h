@@ -11,18 +11,20 @@ void* getScratchAligned(uint32_t size, uint32_t alignment);
 void* getScratchUnaligned(uint32_t size);
 void releaseScratch(void* ptr);
 
-// `count` elements of scratch memory, aligned to 16 bytes unless told otherwise, released at the end of the scope. Test
-// it before use: it is null when the memory cannot be had. (Always inline, because vector implementations may not leave
-// shared definitions behind.)
+// A buffer of rows * columns elements, aligned to a cache line; null, too, when 32 bits do not hold its size.
+void* getScratchRows(uint64_t rows, uint64_t columns, uint32_t elementSize);
+
+// Scratch memory for rows * columns elements, aligned to a cache line, released at the end of the scope. Test it before
+// use: it is null when the memory cannot be had or its size does not fit. Sizes of pictures are multiplied here only:
+// size_t holds no such product on a 32-bit target. (Always inline, because vector implementations may not leave shared
+// definitions behind.)
 #define RVK_ALWAYS_INLINE inline __attribute__((always_inline))
 template <class T>
 class Scratch
 {
 public:
-    RVK_ALWAYS_INLINE explicit Scratch(size_t count, uint32_t alignment = 16)
-        : m_data(count <= (UINT32_MAX - 256) / sizeof(T)
-                     ? static_cast<T*>(getScratchAligned(static_cast<uint32_t>(count * sizeof(T)), alignment))
-                     : nullptr)
+    RVK_ALWAYS_INLINE explicit Scratch(uint64_t rows, uint64_t columns = 1)
+        : m_data(static_cast<T*>(getScratchRows(rows, columns, sizeof(T))))
     {
     }
     RVK_ALWAYS_INLINE ~Scratch() { releaseScratch(m_data); }

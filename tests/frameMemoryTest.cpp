@@ -237,6 +237,23 @@ TEST_F(FrameMemory, ThirtyTwoTakers)
         releaseScratch(buffer);
 }
 
+TEST_F(FrameMemory, ScratchOfASizeThatDoesNotFitIsNull)
+{
+    const uint32_t half = 1u << 16; // its square is 0 in 32 bits
+    EXPECT_FALSE(Scratch<uint8_t>(half, half));
+    EXPECT_FALSE(Scratch<uint8_t>(UINT32_MAX));
+    EXPECT_FALSE(Scratch<uint32_t>(half, half / 4));
+    EXPECT_FALSE(Scratch<uint32_t>(UINT64_MAX, 2));
+    EXPECT_FALSE(Scratch<uint32_t>(UINT64_MAX / 4 + 2));
+    EXPECT_EQ(allocations, 0);
+
+    const Scratch<uint32_t> fits(half / 4, 3);
+    ASSERT_TRUE(fits);
+    EXPECT_GE(lastSize, half * 3);
+    EXPECT_EQ(reinterpret_cast<uintptr_t>(fits.get()) % 64, 0u);
+    fits[half / 4 * 3 - 1] = 1;
+}
+
 TEST_F(FrameMemory, FailedAllocationLeavesTheSlotUsable)
 {
     const Pool pool;
@@ -309,7 +326,7 @@ TEST_F(FrameMemory, PoolIsBuiltAndTornDownManyTimes)
         rvkMemInit();
         EXPECT_TRUE(poolExists());
         const Scratch<float> a(100);
-        const Scratch<float> b(50, 64);
+        const Scratch<float> b(5, 10);
         ASSERT_TRUE(a && b);
         rvkMemDeInit(); // both are out: they free their blocks when they come back
         EXPECT_FALSE(poolExists());

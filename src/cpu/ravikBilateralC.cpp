@@ -199,7 +199,7 @@ rvkStatus rvkBilateralFilterRecursiveu8C(const uint8_t* src, uint32_t srcWidth, 
     const size_t width = srcWidth, height = srcHeight;
     const Plane in = {src, srcStride};
     const Plane out = {dst, dstStride};
-    const Scratch<float> rows(width * height), columns(width * height), row(width);
+    const Scratch<float> rows(height, width), columns(height, width), row(width);
     if (!rows || !columns || !row)
         return RAVIK_ENORES;
 

@@ -285,7 +285,7 @@ class WindowSums
 public:
     WindowSums(size_t width, size_t windowWidth, size_t windowHeight)
         : m_width(width), m_windowWidth(windowWidth), m_windowHeight(windowHeight), m_padded(width + windowWidth - 1),
-          m_ring(width * windowHeight)
+          m_ring(windowHeight, width)
     {
     }
 

@@ -80,8 +80,8 @@ rvkStatus canny(uint32_t width, uint32_t height, CannyThresholds thresholds, boo
                 Plane<int16_t> dx, Plane<int16_t> dy, FillGradient fillGradient)
 {
     const size_t pitch = size_t{width} + 2; // of magnitudes and map: the pixels of a row between two that are 0
-    const Scratch<uint32_t> magnitudes(3 * pitch), places(size_t{width} * height);
-    const Scratch<uint8_t> map(pitch * (size_t{height} + 2));
+    const Scratch<uint32_t> magnitudes(3, pitch), places(height, width);
+    const Scratch<uint8_t> map(uint64_t{height} + 2, pitch);
     if (!magnitudes || !places || !map)
         return RAVIK_ENORES;
 
@@ -132,8 +132,7 @@ void rvkFilterCanny3x3u8_v2C(const uint8_t* src, uint32_t srcWidth, uint32_t src
 rvkStatus rvkFilterCanny3x3u8_v3C(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
                                   uint8_t* dst, uint32_t dstStride, int32_t lowThreshold, int32_t highThreshold)
 {
-    const size_t pixels = size_t{srcWidth} * srcHeight;
-    const Scratch<int16_t> dx(pixels), dy(pixels);
+    const Scratch<int16_t> dx(srcHeight, srcWidth), dy(srcHeight, srcWidth);
     if (!dx || !dy)
         return RAVIK_ENORES;
     return rvkFilterCannyu8C(src, srcWidth, srcHeight, srcStride, 3, lowThreshold, highThreshold, RAVIK_CANNY_NORM_L1,
@@ -156,8 +155,7 @@ rvkStatus rvkFilterCannyu8C(const uint8_t* src, uint32_t srcWidth, uint32_t srcH
         return canny(srcWidth, srcHeight, thresholds, squared, out, {dx, dxyStride}, {dy, dxyStride},
                      [=] { fillGradient(apertureSize == 3 ? rvkFilterSobel3x3u8s16C : rvkFilterSobel5x5u8s16C); });
 
-    const size_t pixels = size_t{srcWidth} * srcHeight;
-    const Scratch<int16_t> scaledDx(pixels), scaledDy(pixels);
+    const Scratch<int16_t> scaledDx(srcHeight, srcWidth), scaledDy(srcHeight, srcWidth);
     if (!scaledDx || !scaledDy)
         return RAVIK_ENORES;
     const Plane planeDx = {scaledDx.get(), srcWidth * 2}, planeDy = {scaledDy.get(), srcWidth * 2};

@@ -88,7 +88,7 @@ rvkStatus correlateSeparably(uint32_t width, uint32_t height, Plane<const S> src
                              Taps<int16_t> kernelY, uint32_t shiftX, uint32_t shiftY, Plane<D> dst)
 {
     const size_t M = kernelX.M, N = kernelY.N;
-    const Scratch<int16_t> rowSums(width * N); // of the rows of a window; row k of the window's rows lies at k modulo N
+    const Scratch<int16_t> rowSums(N, width); // of the rows of a window; row k of the window's rows lies at k modulo N
     if (!rowSums)
         return RAVIK_ENORES;
     for (size_t y = 0; y < height + N - 1; ++y) {

@@ -131,7 +131,7 @@ rvkStatus rvkFilterMedianMxNs16C(const int16_t* src, uint32_t srcWidth, uint32_t
     const Plane in = {src, srcStride};
     const Plane out = {dst, dstStride};
     const size_t size = size_t{M} * N, left = M / 2, top = N / 2;
-    const Scratch<int16_t> window(size);
+    const Scratch<int16_t> window(N, M);
     if (!window)
         return RAVIK_ENORES;
 

@@ -67,7 +67,7 @@ template <class Extreme>
 rvkStatus filterNxN(uint32_t width, uint32_t height, Plane<const uint8_t> src, size_t N, Plane<uint8_t> dst)
 {
     const size_t longestLine = std::max(width, height) + N - 1, before = N / 2;
-    const Scratch<uint8_t> columns(size_t{width} * height), line(longestLine), backward(longestLine);
+    const Scratch<uint8_t> columns(width, height), line(longestLine), backward(longestLine);
     if (!columns || !line || !backward)
         return RAVIK_ENORES;
 

@@ -667,10 +667,8 @@ rvkStatus rvkBilateralFilterRecursiveu8V(const uint8_t* src, uint32_t srcWidth, 
 {
     const size_t width = srcWidth, height = srcHeight;
     const Plane<const uint8_t> in = {src, srcStride};
-    // On 32 bits a size may be more than size_t holds; there is no memory for it, either.
-    const auto count = [](uint64_t n) RVK_INLINE_LAMBDA { return n < SIZE_MAX ? static_cast<size_t>(n) : SIZE_MAX; };
-    const Scratch<float> rows(count(Strips::sizeOf(width, height)));
-    const Scratch<float> rowBlock(count(RowBlock::sizeOf(width))), columnBlock(count(ColumnBlock::sizeOf(height)));
+    const Scratch<float> rows(Strips::sizeOf(width, height));
+    const Scratch<float> rowBlock(RowBlock::sizeOf(width)), columnBlock(ColumnBlock::sizeOf(height));
     if (!rows || !rowBlock || !columnBlock)
         return RAVIK_ENORES;
 

@@ -625,7 +625,7 @@ class WindowSums
 public:
     RVK_INLINE WindowSums(size_t width, size_t windowWidth, size_t windowHeight)
         : m_width(width), m_windowWidth(windowWidth), m_windowHeight(windowHeight), m_values(width + windowWidth - 1),
-          m_ring(width * windowHeight), m_newer(width), m_sums(width)
+          m_ring(windowHeight, width), m_newer(width), m_sums(width)
     {
     }
 
@@ -789,8 +789,7 @@ RVK_INLINE void normalisedSquares(size_t n, const float* values, const double* s
 rvkStatus rvkNormalizeLocalBoxu8V(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
                                   uint32_t windowWidth, uint32_t windowHeight, uint8_t* dst, uint32_t dstStride)
 {
-    const size_t padded = size_t{srcWidth} + windowWidth - 1;
-    const Scratch<uint32_t> scratch(4 * size_t{srcWidth} + padded);
+    const Scratch<uint32_t> scratch(uint64_t{5} * srcWidth + windowWidth - 1);
     if (!scratch)
         return RAVIK_ENORES;
     uint32_t *sums = scratch.get(), *squares = sums + srcWidth; // of the columns
@@ -826,7 +825,7 @@ rvkStatus rvkNormalizeLocalBoxf32V(const float32_t* src, uint32_t srcWidth, uint
                                    uint32_t windowWidth, uint32_t windowHeight, float32_t* dst, uint32_t dstStride)
 {
     WindowSums<double> sums(srcWidth, windowWidth, windowHeight), squares(srcWidth, windowWidth, windowHeight);
-    const Scratch<float> quotients(2 * size_t{srcWidth});
+    const Scratch<float> quotients(2, srcWidth);
     if (!sums || !squares || !quotients)
         return RAVIK_ENORES;
     const double count = static_cast<double>(windowWidth) * windowHeight;

@@ -109,9 +109,8 @@ struct Gradient
     uint8_t* line; // a row of the picture, continued by its ends
     Ring<int16_t, count> smoothed, differences;
 
-    // Elements of `line`, and of the two rings together.
+    // Elements of `line`.
     static RVK_INLINE size_t lineSize(size_t pitch) { return pitch + count - 1; }
-    static RVK_INLINE size_t sumsSize(size_t pitch) { return 2 * count * pitch; }
 
     // The sums along row y of the picture.
     RVK_INLINE void takeRow(size_t y, const uint8_t* row) const
@@ -342,9 +341,9 @@ rvkStatus detect(size_t width, size_t height, Plane<const uint8_t> src, CannyThr
     const size_t magnitudePitch = pitch + 2 * kBytes; // with a vector of zeros at each end
     const size_t words = EdgeMap::wordsOf(width, height);
     const Scratch<uint8_t> line(Gradients::lineSize(pitch));
-    const Scratch<int16_t> sums(Gradients::sumsSize(pitch), kBytes), gradients(6 * pitch, kBytes);
-    const Scratch<M> magnitudes(3 * magnitudePitch, kBytes);
-    const Scratch<Word> bits(3 * words);
+    const Scratch<int16_t> sums(2 * Gradients::count, pitch), gradients(6, pitch);
+    const Scratch<M> magnitudes(3, magnitudePitch);
+    const Scratch<Word> bits(3, words);
     const Scratch<uint32_t> waiting(words);
     if (!line || !sums || !gradients || !magnitudes || !bits || !waiting)
         return RAVIK_ENORES;

@@ -295,8 +295,8 @@ rvkStatus correlate(const Source<S>& src, Taps<Weight> kernel, unsigned shift, P
     const size_t M = kernel.M, slots = pairsOf(kernel.N);
     const size_t strip = roundedUp(least(src.outputColumns, kStrip), kStep);
     const size_t size = roundedUp(strip + M, kLanes); // of a row in the ring
-    const Scratch<int16_t> rows((slots + 1) * 2 * size, 64);
-    const Scratch<int32_t> words(2 * slots * M * 2);
+    const Scratch<int16_t> rows((slots + 1) * 2, size);
+    const Scratch<int32_t> words(2 * slots, M * 2);
     if (!rows || !words)
         return RAVIK_ENORES;
     pairWeights(kernel, 2, words.get());
@@ -366,7 +366,7 @@ rvkStatus correlateSeparably(const Source<S>& src, Taps<int16_t> kernelX, Taps<i
     const size_t slots = pairsOf(src.N), wordsX = pairsOf(src.M);
     const size_t strip = roundedUp(least(src.width, kStrip), kStep);
     const size_t size = roundedUp(strip + src.M, kLanes);
-    const Scratch<int16_t> rows((slots + 1) * 2 * size, 64);
+    const Scratch<int16_t> rows((slots + 1) * 2, size);
     const Scratch<int32_t> words(2 * wordsX + 4 * slots);
     if (!rows || !words)
         return RAVIK_ENORES;
@@ -460,7 +460,7 @@ rvkStatus rvkFilterCorrNxNu8f32V(const uint8_t* src, uint32_t srcWidth, uint32_t
 {
     constexpr size_t step = 4 * Vec<float>::lanes;
     const size_t strip = roundedUp(least(srcWidth, kStrip), step), size = strip + roundedUp(N, Vec<float>::lanes);
-    const Scratch<float> ring(N * size, 64);
+    const Scratch<float> ring(N, size);
     if (!ring)
         return RAVIK_ENORES;
     for (size_t x = 0; x < srcWidth; x += strip) {

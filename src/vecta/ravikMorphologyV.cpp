@@ -241,7 +241,7 @@ RVK_INLINE rvkStatus filterInBlocks(size_t width, size_t height, Plane<const uin
 {
     const size_t before = N / 2, length = width + N - 1;
     const size_t pitch = roundedUp(width, kBytes), lineSize = roundedUp(length, kBytes) + roundedUp(N, kBytes);
-    const Scratch<uint8_t> scratch((N + 1) * pitch + lineSize, kBytes);
+    const Scratch<uint8_t> scratch(uint64_t{N + 1} * pitch + lineSize);
     if (!scratch)
         return RAVIK_ENORES;
     const ColumnBlock<Extreme> block = {width, pitch, N, scratch.get(), scratch.get() + N * pitch};

@@ -143,7 +143,7 @@ RVK_INLINE void countOneByOne(size_t width, size_t height, Plane<const uint8_t> 
 // False, with nothing done, when there is no memory for the counters.
 RVK_INLINE bool countInPairs(size_t width, size_t height, Plane<const uint8_t> src, uint32_t (&histogram)[256])
 {
-    const Scratch<uint16_t> counters(PairCounts::counters, 64);
+    const Scratch<uint16_t> counters(PairCounts::counters);
     if (!counters)
         return false;
     __builtin_memset(counters.get(), 0, PairCounts::counters * sizeof(uint16_t));
