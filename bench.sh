@@ -1,27 +1,44 @@
 #!/usr/bin/env bash
 # Speed beside the other libraries.
 #
-#   ./bench.sh [FILTER]        every function whose name contains FILTER, in times of a memcpy of the same bytes
-#   ./bench.sh --arm [FILTER]  executed instructions per pixel on 32-bit Arm, counted under emulation
+#   ./bench.sh [FILTER]            every function whose name contains FILTER, in times of a memcpy of the same bytes
+#   ./bench.sh --arm [FILTER]      executed instructions per pixel on 32-bit Arm, counted under emulation
+#   ./bench.sh --aarch64 [FILTER]  the same on AArch64
 #
 # VENDOR_RUNTIME_RAVIK_VECTA=sse42|avx2|avx512 caps the instruction set.
 set -u
 . "$(dirname "$0")/tools/setup.sh"
 
+countInstructions() # PRESET EMULATOR LIBRARIES [FILTER]
+{
+    local preset=$1 emulator=$2 libraries=$3 plugin=$root/build/countInstructions.so count status
+    shift 3
+    build "$preset" ravikBench || return
+    gcc -shared -fPIC -fvisibility=hidden -O2 -Wall -Wextra -o "$plugin" "$root/tools/countInstructions.c" || return
+    count=$(mktemp) || return
+    "$emulator" -L "$libraries" -plugin "$plugin,count=$count" \
+        "$root/build/$preset/bench/ravikBench" --count "$count" "$@"
+    status=$?
+    rm -f "$count"
+    return $status
+}
+
 needBuildTools
-if [ "${1-}" = --arm ]; then
+case ${1-} in
+--arm)
     shift
     needArm
-    build arm-bench ravikBench || exit 1
-    plugin=$root/build/countInstructions.so
-    gcc -shared -fPIC -fvisibility=hidden -O2 -Wall -Wextra -o "$plugin" "$root/tools/countInstructions.c" || exit 1
-    count=$(mktemp) || exit 1
-    trap 'rm -f "$count"' EXIT
-    qemu-arm -L /usr/arm-linux-gnueabihf -plugin "$plugin,count=$count" \
-        "$root/build/arm-bench/bench/ravikBench" --arm "$count" "$@"
-else
+    countInstructions arm-bench qemu-arm /usr/arm-linux-gnueabihf "$@"
+    ;;
+--aarch64)
+    shift
+    needAarch64
+    countInstructions aarch64-bench qemu-aarch64 /usr/aarch64-linux-gnu "$@"
+    ;;
+*)
     needOpenCv
     need /usr/include/libyuv.h:libyuv-dev
     build release ravikBench || exit 1
     "$root/build/release/bench/ravikBench" "$@"
-fi
+    ;;
+esac

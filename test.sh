@@ -146,11 +146,7 @@ needs() # STEP
             '/usr/lib/llvm-14/lib/clang/14*/lib/linux/libclang_rt.fuzzer-*.a:libclang-rt-14-dev'
         ;;
     android) needBuildTools clang++-14:clang-14 && needArm ;;
-    aarch64)
-        needBuildTools /usr/src/googletest/CMakeLists.txt:googletest aarch64-linux-gnu-g++:g++-aarch64-linux-gnu \
-            aarch64-linux-gnu-gcc:gcc-aarch64-linux-gnu qemu-aarch64:qemu-user \
-            /usr/aarch64-linux-gnu/include/stdio.h:libc6-dev-arm64-cross
-        ;;
+    aarch64) needBuildTools /usr/src/googletest/CMakeLists.txt:googletest && needAarch64 ;;
     esac
 }
 

@@ -1,12 +1,9 @@
 // Side-by-side benchmarks. A function is one row beside its peers; bench/README.md shows how to add one.
 #pragma once
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
-#include <memory>
 #include <span>
-#include <type_traits>
 
 #if RVK_BENCH_OPENCV
 #include <opencv2/core.hpp>
@@ -26,53 +23,40 @@ using s16 = int16_t;
 using s32 = int32_t;
 using f32 = float;
 
+// What the inputs of a row contain: values of the full range without any order, or a picture like a photograph.
+enum class Content : uint8_t { random, natural };
+
 // The largest picture (counting instructions needs none larger than VGA), and how many values of an element type each
 // buffer holds: four channels of it and some slack.
 inline constexpr size_t kMostPixels = sizeof(void*) == 8 ? 1920 * 1080 : 640 * 480;
 inline constexpr size_t kBufferValues = 4 * kMostPixels + 4096;
 inline constexpr unsigned kBuffers = 6;
 
-// Fills with repeatable random values: integers of the full range, floats in [0, 256).
-void fillRandom(u8* data, size_t bytes);
-void fillRandom(f32* data, size_t values);
-
-// The buffer `index` of element type T; inputs are random, outputs zero. Made at the first use.
-enum class Role { input, output };
-template <class T, Role role>
-T* buffer(unsigned index)
-{
-    static std::array<std::unique_ptr<T[]>, kBuffers> blocks;
-    // Buffers start at different offsets within a page: with equal ones a store would delay the loads it resembles.
-    const unsigned lead = (128 * (index + (role == Role::output ? kBuffers : 0)) + 64) / sizeof(T);
-    std::unique_ptr<T[]>& block = blocks[index];
-    if (!block) {
-        block = std::make_unique<T[]>(kBufferValues + 4096 / sizeof(T));
-        if constexpr (role == Role::input) {
-            if constexpr (std::is_same_v<T, f32>)
-                fillRandom(block.get(), kBufferValues);
-            else
-                fillRandom(reinterpret_cast<u8*>(block.get()), kBufferValues * sizeof(T));
-        }
-    }
-    const uintptr_t address = (reinterpret_cast<uintptr_t>(block.get()) + 63) / 64 * 64;
-    return reinterpret_cast<T*>(address) + lead;
-}
+// The inputs and outputs `index` of element type T, made at the first use; outputs are zero. Natural pictures have one
+// channel; integers wider than a byte hold 12 bits of it, as cameras give.
+template <class T>
+const T* randomInput(unsigned index);
+template <class T>
+const T* naturalInput(unsigned index, uint32_t width, uint32_t height);
+template <class T>
+T* output(unsigned index);
 
 // What a row works on: a size, and packed inputs and outputs of any element type. A 64-byte boundary starts each.
 struct Picture
 {
     uint32_t width;
     uint32_t height;
+    Content content = Content::random;
 
     template <class T>
     const T* in(unsigned index = 0) const
     {
-        return buffer<T, Role::input>(index);
+        return content == Content::natural ? naturalInput<T>(index, width, height) : randomInput<T>(index);
     }
     template <class T>
     T* out(unsigned index = 0) const
     {
-        return buffer<T, Role::output>(index);
+        return output<T>(index);
     }
 
 #if RVK_BENCH_OPENCV
@@ -106,15 +90,20 @@ private:
 struct Traffic
 {
     double bytesPerPixel;
-    bool streaming; // element by element: memcpy speed is the goal, and 0.6 instructions a pixel of u8 on 32-bit Arm
+    bool streaming = false; // element by element: memcpy speed is the goal, and 0.6 instructions a pixel of u8 on Arm
+    bool byContent = false; // the work depends on the content: the row runs on a natural picture, too
 };
 constexpr Traffic streaming(double reads, double writes)
 {
-    return {reads + writes, true};
+    return {.bytesPerPixel = reads + writes, .streaming = true};
 }
 constexpr Traffic traffic(double reads, double writes)
 {
-    return {reads + writes, false};
+    return {.bytesPerPixel = reads + writes};
+}
+constexpr Traffic trafficByContent(double reads, double writes)
+{
+    return {.bytesPerPixel = reads + writes, .byContent = true};
 }
 
 using Work = void (*)(const Picture&);
@@ -122,7 +111,7 @@ using Work = void (*)(const Picture&);
 struct Row
 {
     const char* function;  // rvkAbsDiffu8
-    const char* best;      // its name in best.inc, or null
+    const char* best;      // its name in best.inc and bestInstructions.inc, or null
     Traffic bytes;         // per pixel
     Work ravik;            // run as C reference and as VECTA
     Work opencv = nullptr; // null: none, or not built in

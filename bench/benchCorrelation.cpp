@@ -28,6 +28,17 @@ struct Weights
 };
 constexpr Weights kLine(40), kSquare(8); // for separable kernels, and for those of two dimensions
 
+// Weights of a Gaussian with the deviation that OpenCV chooses for the size; their sum is 2^12.
+constexpr s16 kGaussian7[] = {128, 448, 896, 1152, 896, 448, 128};
+constexpr s16 kGaussian15[] = {17, 44, 99, 193, 324, 469, 586, 632, 586, 469, 324, 193, 99, 44, 17};
+
+void gaussian(const Picture& p, u32 size)
+{
+    const s16* const weights = size == 7 ? kGaussian7 : kGaussian15;
+    rvkFilterCorrSepMxNu8(p.in<u8>(), p.width, p.height, 0, weights, size, weights, size, kShift, kShift, p.out<u8>(),
+                          0);
+}
+
 #if RVK_BENCH_OPENCV
 template <class S, class D>
 void correlate(const Picture& p, int size)
@@ -49,7 +60,7 @@ constexpr Row kRows[] = {
     {"rvkConvValids16, 5x5", nullptr, traffic(2, 2),
      RAVIK(rvkConvValids16(p.in<s16>(), p.width, p.height, 0, kSquare.shorts, 5, 5, kShift, p.out<s16>(), 0)),
      OPENCV(correlate<s16, s16>(p, 5))},
-    {"rvkFilterConvSepMxNs16, 5x5", nullptr, traffic(2, 2),
+    {"rvkFilterConvSepMxNs16, 5x5", "separable filter 5x5 16-bit", traffic(2, 2),
      RAVIK(rvkFilterConvSepMxNs16(p.in<s16>(), p.width, p.height, 0, kLine.shorts, 5, kLine.shorts, 5, kShift, kShift,
                                   p.out<s16>(), 0)),
      OPENCV(correlateSeparably<s16>(p, 5))},
@@ -97,11 +108,15 @@ constexpr Row kRows[] = {
      RAVIK(rvkFilterCorrSep17x17s16_v2(p.in<s16>(), p.width, p.height, 0, kLine.shorts, kLine.shorts, kShift, kShift,
                                        p.out<s16>(), 0)),
      OPENCV(correlateSeparably<s16>(p, 17))},
-    {"rvkFilterCorrSepMxNu8, 5x5", nullptr, traffic(1, 1),
+    {"rvkFilterCorrSepMxNu8, 5x5", "separable filter 5x5 u8", traffic(1, 1),
      RAVIK(rvkFilterCorrSepMxNu8(p.in<u8>(), p.width, p.height, 0, kLine.shorts, 5, kLine.shorts, 5, kShift, kShift,
                                  p.out<u8>(), 0)),
      OPENCV(correlateSeparably<u8>(p, 5))},
-    {"rvkFilterCorrSepNxNs16, 5x5", nullptr, traffic(2, 2),
+    {"rvkFilterCorrSepMxNu8, Gaussian 7x7", "Gaussian 7x7 u8", traffic(1, 1), RAVIK(gaussian(p, 7)),
+     OPENCV(cv::GaussianBlur(p.matIn<u8>(), p.matOut<u8>(), {7, 7}, 0, 0, cv::BORDER_REPLICATE))},
+    {"rvkFilterCorrSepMxNu8, Gaussian 15x15", "Gaussian 15x15 u8", traffic(1, 1), RAVIK(gaussian(p, 15)),
+     OPENCV(cv::GaussianBlur(p.matIn<u8>(), p.matOut<u8>(), {15, 15}, 0, 0, cv::BORDER_REPLICATE))},
+    {"rvkFilterCorrSepNxNs16, 5x5", "separable filter 5x5 16-bit", traffic(2, 2),
      RAVIK(rvkFilterCorrSepNxNs16(p.in<s16>(), p.width, p.height, 0, kLine.shorts, kLine.shorts, 5, kShift, kShift,
                                   p.out<s16>(), 0)),
      OPENCV(correlateSeparably<s16>(p, 5))},

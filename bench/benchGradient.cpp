@@ -71,7 +71,7 @@ constexpr Row kRows[] = {
     {"rvkImageGradientPlanars16_v2", nullptr, traffic(1, 4),
      RAVIK(rvkImageGradientPlanars16_v2(p.in<u8>(), p.width, p.height, 0, p.out<s16>(0), p.out<s16>(1), 0)),
      OPENCV(sobel(p, 1, CV_16S))},
-    {"rvkImageGradientScharrInterleaveds16", nullptr, traffic(1, 4),
+    {"rvkImageGradientScharrInterleaveds16", "Scharr dx dy s16", traffic(1, 4),
      RAVIK(rvkImageGradientScharrInterleaveds16(p.in<u8>(), p.width, p.height, 0, p.out<s16>(), 0)), OPENCV(scharr(p))},
     {"rvkImageGradientSobelInterleavedf32_v2", nullptr, traffic(1, 8),
      RAVIK(rvkImageGradientSobelInterleavedf32_v2(p.in<u8>(), p.width, p.height, 0, p.out<f32>(), 0)),
@@ -97,6 +97,9 @@ constexpr Row kRows[] = {
     {"rvkImageGradientSobelPlanars16_v3, dx", "Sobel dx 3x3 s16", traffic(1, 2),
      RAVIK(rvkImageGradientSobelPlanars16_v3(p.in<u8>(), p.width, p.height, 0, p.out<s16>(0), nullptr, 0)),
      OPENCV(cv::Sobel(p.matIn<u8>(), p.matOut<s16>(0), CV_16S, 1, 0, 3, 1, 0, cv::BORDER_REPLICATE))},
+    {"rvkImageGradientSobelPlanars16_v3, dy", "Sobel dy 3x3 s16", traffic(1, 2),
+     RAVIK(rvkImageGradientSobelPlanars16_v3(p.in<u8>(), p.width, p.height, 0, nullptr, p.out<s16>(0), 0)),
+     OPENCV(cv::Sobel(p.matIn<u8>(), p.matOut<s16>(0), CV_16S, 0, 1, 3, 1, 0, cv::BORDER_REPLICATE))},
     {"rvkImageGradientSobelPlanars8_v2", nullptr, traffic(1, 2),
      RAVIK(rvkImageGradientSobelPlanars8_v2(p.in<u8>(), p.width, p.height, 0, p.out<s8>(0), p.out<s8>(1), 0))},
 };

@@ -28,18 +28,19 @@ void searchOpencv(const Picture& p)
 #endif
 
 constexpr Row kRows[] = {
-    {"rvkMinMaxLocu8", "min max with location u8", traffic(1, 0), search<u8, rvkMinMaxLocu8>, OPENCV_SEARCH(u8)},
-    {"rvkMinMaxLocu16", nullptr, traffic(2, 0), search<u16, rvkMinMaxLocu16>, OPENCV_SEARCH(u16)},
-    {"rvkMinMaxLocs16", nullptr, traffic(2, 0), search<s16, rvkMinMaxLocs16>, OPENCV_SEARCH(s16)},
-    {"rvkMinMaxLocu32", nullptr, traffic(4, 0), search<u32, rvkMinMaxLocu32>},
-    {"rvkMinMaxLocs32", nullptr, traffic(4, 0), search<s32, rvkMinMaxLocs32>, OPENCV_SEARCH(s32)},
-    {"rvkMinMaxLocf32", nullptr, traffic(4, 0), search<f32, rvkMinMaxLocf32>, OPENCV_SEARCH(f32)},
-    {"rvkMinMaxLocu8_v2", nullptr, traffic(1, 0), search<u8, rvkMinMaxLocu8_v2>, OPENCV_SEARCH(u8)},
-    {"rvkMinMaxLocu16_v2", nullptr, traffic(2, 0), search<u16, rvkMinMaxLocu16_v2>, OPENCV_SEARCH(u16)},
-    {"rvkMinMaxLocs16_v2", nullptr, traffic(2, 0), search<s16, rvkMinMaxLocs16_v2>, OPENCV_SEARCH(s16)},
-    {"rvkMinMaxLocu32_v2", nullptr, traffic(4, 0), search<u32, rvkMinMaxLocu32_v2>},
-    {"rvkMinMaxLocs32_v2", nullptr, traffic(4, 0), search<s32, rvkMinMaxLocs32_v2>, OPENCV_SEARCH(s32)},
-    {"rvkMinMaxLocf32_v2", nullptr, traffic(4, 0), search<f32, rvkMinMaxLocf32_v2>, OPENCV_SEARCH(f32)},
+    {"rvkMinMaxLocu8", "min max with location u8", trafficByContent(1, 0), search<u8, rvkMinMaxLocu8>,
+     OPENCV_SEARCH(u8)},
+    {"rvkMinMaxLocu16", nullptr, trafficByContent(2, 0), search<u16, rvkMinMaxLocu16>, OPENCV_SEARCH(u16)},
+    {"rvkMinMaxLocs16", "min/max s16", trafficByContent(2, 0), search<s16, rvkMinMaxLocs16>, OPENCV_SEARCH(s16)},
+    {"rvkMinMaxLocu32", nullptr, trafficByContent(4, 0), search<u32, rvkMinMaxLocu32>},
+    {"rvkMinMaxLocs32", nullptr, trafficByContent(4, 0), search<s32, rvkMinMaxLocs32>, OPENCV_SEARCH(s32)},
+    {"rvkMinMaxLocf32", "min/max f32", trafficByContent(4, 0), search<f32, rvkMinMaxLocf32>, OPENCV_SEARCH(f32)},
+    {"rvkMinMaxLocu8_v2", "min/max u8", trafficByContent(1, 0), search<u8, rvkMinMaxLocu8_v2>, OPENCV_SEARCH(u8)},
+    {"rvkMinMaxLocu16_v2", nullptr, trafficByContent(2, 0), search<u16, rvkMinMaxLocu16_v2>, OPENCV_SEARCH(u16)},
+    {"rvkMinMaxLocs16_v2", "min/max s16", trafficByContent(2, 0), search<s16, rvkMinMaxLocs16_v2>, OPENCV_SEARCH(s16)},
+    {"rvkMinMaxLocu32_v2", nullptr, trafficByContent(4, 0), search<u32, rvkMinMaxLocu32_v2>},
+    {"rvkMinMaxLocs32_v2", nullptr, trafficByContent(4, 0), search<s32, rvkMinMaxLocs32_v2>, OPENCV_SEARCH(s32)},
+    {"rvkMinMaxLocf32_v2", "min/max f32", trafficByContent(4, 0), search<f32, rvkMinMaxLocf32_v2>, OPENCV_SEARCH(f32)},
 };
 const Rows registered(kRows);
 

@@ -12,10 +12,10 @@ void flip(const Picture& p)
     function(p.in<T>(), p.width, p.height, 0, p.out<T>(), 0, dir);
 }
 
-template <auto function, u32 pixel, u32 rotation>
+template <auto function, u32 rotation>
 void rotate(const Picture& p)
 {
-    function(p.in<u8>(), p.width / pixel, p.height, 0, p.out<u8>(), 0, rotation);
+    function(p.in<u8>(), p.width, p.height, 0, p.out<u8>(), 0, rotation);
 }
 
 #if RVK_BENCH_OPENCV
@@ -31,11 +31,11 @@ void flipOpencv(const Picture& p)
     cv::Mat flipped = p.matOut<T>(0, channels);
     cv::flip(p.matIn<T>(0, channels), flipped, code);
 }
-template <class T, int code>
+template <class T, int code, int channels = 1>
 void rotateOpencv(const Picture& p)
 {
-    cv::Mat rotated = code == cv::ROTATE_180 ? p.matOut<T>() : p.matOutTurned<T>();
-    cv::rotate(p.matIn<T>(), rotated, code);
+    cv::Mat rotated = code == cv::ROTATE_180 ? p.matOut<T>(0, channels) : p.matOutTurned<T>(0, channels);
+    cv::rotate(p.matIn<T>(0, channels), rotated, code);
 }
 #define OPENCV_WORK(...) __VA_ARGS__
 #else
@@ -56,11 +56,11 @@ constexpr Row kRows[] = {
     {"rvkTransposeu8", "transpose u8", traffic(1, 1),
      RAVIK(rvkTransposeu8(p.in<u8>(), p.width, p.height, 0, p.out<u8>(), 0)), OPENCV_WORK(transposeOpencv<u8>),
      LIBYUV(libyuv::TransposePlane(p.in<u8>(), int(p.width), p.out<u8>(), int(p.height), int(p.width), int(p.height)))},
-    {"rvkTransposeu16", nullptr, traffic(2, 2),
+    {"rvkTransposeu16", "transpose u16", traffic(2, 2),
      RAVIK(rvkTransposeu16(p.in<u16>(), p.width, p.height, 0, p.out<u16>(), 0)), OPENCV_WORK(transposeOpencv<u16>)},
-    {"rvkTransposef32", nullptr, traffic(4, 4),
+    {"rvkTransposef32", "transpose f32", traffic(4, 4),
      RAVIK(rvkTransposef32(p.in<f32>(), p.width, p.height, 0, p.out<f32>(), 0)), OPENCV_WORK(transposeOpencv<f32>)},
-    {"rvkTransposeRGB888u8", nullptr, traffic(3, 3),
+    {"rvkTransposeRGB888u8", "transpose RGB888", traffic(3, 3),
      RAVIK(rvkTransposeRGB888u8(p.in<u8>(), p.width, p.height, 0, p.out<u8>(), 0)),
      OPENCV_WORK(transposeOpencv<u8, 3>)},
     {"rvkFlipu8 horizontal", "flip horizontal u8", streaming(1, 1), flip<u8, rvkFlipu8, 1>,
@@ -74,13 +74,14 @@ constexpr Row kRows[] = {
      OPENCV_WORK(flipOpencv<u8, 1, 3>),
      LIBYUV(libyuv::RGB24Mirror(p.in<u8>(), 3 * int(p.width), p.out<u8>(), 3 * int(p.width), int(p.width),
                                 int(p.height)))},
-    {"rvkRotateImageu8 90", "rotate 90 clockwise u8", traffic(1, 1), rotate<rvkRotateImageu8, 1, 1>,
+    {"rvkRotateImageu8 90", "rotate 90 clockwise u8", traffic(1, 1), rotate<rvkRotateImageu8, 1>,
      OPENCV_WORK(rotateOpencv<u8, cv::ROTATE_90_CLOCKWISE>), LIBYUV(rotateLibyuv<libyuv::kRotate90>(p))},
-    {"rvkRotateImageu8 180", nullptr, traffic(1, 1), rotate<rvkRotateImageu8, 1, 2>,
+    {"rvkRotateImageu8 180", nullptr, traffic(1, 1), rotate<rvkRotateImageu8, 2>,
      OPENCV_WORK(rotateOpencv<u8, cv::ROTATE_180>), LIBYUV(rotateLibyuv<libyuv::kRotate180>(p))},
-    {"rvkRotateImageu8 270", nullptr, traffic(1, 1), rotate<rvkRotateImageu8, 1, 3>,
+    {"rvkRotateImageu8 270", "rotate 270 u8", traffic(1, 1), rotate<rvkRotateImageu8, 3>,
      OPENCV_WORK(rotateOpencv<u8, cv::ROTATE_90_COUNTERCLOCKWISE>), LIBYUV(rotateLibyuv<libyuv::kRotate270>(p))},
-    {"rvkRotateImageInterleavedu8 90", nullptr, traffic(1, 1), rotate<rvkRotateImageInterleavedu8, 2, 1>},
+    {"rvkRotateImageInterleavedu8 90", "rotate 90 pairs of u8", traffic(2, 2), rotate<rvkRotateImageInterleavedu8, 1>,
+     OPENCV_WORK(rotateOpencv<u8, cv::ROTATE_90_CLOCKWISE, 2>)},
 };
 const Rows registered(kRows);
 

@@ -54,6 +54,11 @@ needArm()
     need arm-linux-gnueabihf-g++:g++-arm-linux-gnueabihf arm-linux-gnueabihf-gcc:gcc-arm-linux-gnueabihf \
         /usr/arm-linux-gnueabihf/include/stdio.h:libc6-dev-armhf-cross qemu-arm:qemu-user
 }
+needAarch64()
+{
+    need aarch64-linux-gnu-g++:g++-aarch64-linux-gnu aarch64-linux-gnu-gcc:gcc-aarch64-linux-gnu \
+        /usr/aarch64-linux-gnu/include/stdio.h:libc6-dev-arm64-cross qemu-aarch64:qemu-user
+}
 
 needOpenCv() { need /usr/include/opencv4/opencv2/imgproc.hpp:libopencv-imgproc-dev; }
 
