@@ -438,13 +438,13 @@ TEST(TestCases, AreDrawnInAllLayouts)
 {
     using namespace arguments;
     const FunctionTest function =
-        describe("remember", "rvkAddu8", remember, {src, src, width, height, stride, between(-3, 3), dst, stride});
+        describe("remember", "remember", "rvkAddu8", remember, {src, src, width, height, stride, between(-3, 3), dst, stride});
     CountingRandom random;
     std::set<int> scalars;
     int unaligned = 0, padded = 0;
     for (uint32_t i = 1; i <= 60; i++) {
         TestCase testCase(function, RAVIK_MEM_SYSTEM);
-        ASSERT_TRUE(testCase.draw(i, 1 + i % 7, i % 10 == 0, random));
+        ASSERT_TRUE(testCase.draw({i, 1 + i % 7}, Wanted::computes, i % 10 == 0, random));
         ASSERT_TRUE(testCase.prepareOutputs());
         ASSERT_TRUE(testCase.expectThisOutput(testCase.call()));
         ASSERT_TRUE(testCase.addStride(i));
@@ -476,7 +476,7 @@ uint32_t countAndAverage(const uint8_t*, uint32_t, float* average)
 TEST(TestCases, CompareCountsAndValues)
 {
     using namespace arguments;
-    const FunctionTest function = describe("count", "rvkAddu8", countAndAverage, {src, area, value});
+    const FunctionTest function = describe("count", "count", "rvkAddu8", countAndAverage, {src, area, value});
     CountingRandom random;
     TestCase testCase(function, RAVIK_MEM_SYSTEM);
     const auto callGiving = [&](uint32_t count, float average) {
@@ -484,7 +484,7 @@ TEST(TestCases, CompareCountsAndValues)
         nextAverage = average;
         return testCase.call();
     };
-    ASSERT_TRUE(testCase.draw(5, 3, false, random) && testCase.prepareOutputs());
+    ASSERT_TRUE(testCase.draw({5, 3}, Wanted::computes, false, random) && testCase.prepareOutputs());
     ASSERT_TRUE(testCase.expectThisOutput(callGiving(4, 1)));
     EXPECT_EQ(testCase.compare(callGiving(4, 1), 0), 0);
     EXPECT_EQ(testCase.compare(callGiving(4, 2), 1), 0);

@@ -1,12 +1,12 @@
 #include "functionTest.h"
 
-#include "testCase.h"
+#include <algorithm>
 
 std::vector<size_t> FunctionTest::imagesOfStride(size_t index) const
 {
     std::vector<size_t> images;
     for (size_t i = index; i-- > 0 && arguments[i].role != Argument::Role::stride;)
-        if (arguments[i].role == Argument::Role::alias || (arguments[i].isImage() && arguments[i].fixedSize == 0))
+        if (arguments[i].role == Argument::Role::alias || (arguments[i].isPicture()))
             images.push_back(i);
     return images;
 }
@@ -21,12 +21,35 @@ size_t FunctionTest::strideOfImage(size_t index) const
     return npos;
 }
 
-void* argumentPointer(const TestCase& testCase, size_t index)
+CaseSize FunctionTest::windowOf(const std::vector<double>& numbers) const
 {
-    return testCase.pointer(index);
+    CaseSize size{contract.window, contract.window};
+    for (size_t i = 0; i < arguments.size(); i++) {
+        if (arguments[i].isWindowWidth)
+            size.width = static_cast<uint32_t>(numbers[i]);
+        if (arguments[i].isWindowHeight)
+            size.height = static_cast<uint32_t>(numbers[i]);
+    }
+    return size;
 }
 
-double argumentNumber(const TestCase& testCase, size_t index)
+static CaseSize larger(CaseSize a, CaseSize b)
 {
-    return testCase.number(index);
+    return {std::max(a.width, b.width), std::max(a.height, b.height)};
+}
+
+CaseSize FunctionTest::leastAccepted(const std::vector<double>& numbers) const
+{
+    return contract.window == 1 ? larger(contract.least, windowOf(numbers)) : contract.least;
+}
+
+CaseSize FunctionTest::leastEffective(const std::vector<double>& numbers) const
+{
+    return larger(contract.least, windowOf(numbers));
+}
+
+bool FunctionTest::canRefuse() const
+{
+    return contract.least.width > 1 || contract.least.height > 1 ||
+           std::any_of(arguments.begin(), arguments.end(), [](const Argument& a) { return !a.refused.empty(); });
 }

@@ -1,10 +1,11 @@
-// What a test needs to know about a function: its name and, argument by argument, what to pass. A function costs one
-// entry:
+// What the tests need to know about a function: its name and, argument by argument, what to pass, and what it promises.
+// A function costs one entry:
 //
-//     RVK_TEST(rvkAbsDiffu8, src, src, width, height, stride, dst, stride)
+//     RVK_TEST(rvkAbsDiffu8, src, src, width, height, stride, dst, stride).keeps(twoBytes)
 //
 // Element types come from the function's own declaration. From the entry follow the columns of its control scripts, the
-// vectors that the data generator makes, random cases, profiling and the comparison.
+// vectors that the data generator makes, random cases, profiling and the comparison. With its contract they tell
+// tests/contractTest.cpp all that it must prove, and docs/functions.md all that it says.
 #pragma once
 
 #include "element.h"
@@ -14,13 +15,12 @@
 #include <cstdlib>
 #include <functional>
 #include <limits>
+#include <optional>
 #include <string>
 #include <tuple>
 #include <type_traits>
 #include <utility>
 #include <vector>
-
-class TestCase;
 
 // What a call gave back: the status of a status function and the number of a counting one.
 struct Outcome
@@ -43,7 +43,7 @@ struct Argument
         null,        // a null pointer
         width,       // of the case
         height,
-        area,   // width x height
+        area,   // width x height; may be 0
         stride, // in bytes, of the images listed since the previous stride
         scalar
     };
@@ -56,8 +56,14 @@ struct Argument
     uint32_t alignment = 0; // bytes that the address must be a multiple of; 0: of an element
     bool isMask = false;    // half of the elements are 0
     size_t aliasOf = 0;
+    bool isInterior = false; // of the result: the pixels alone whose whole window lies in the picture
+    bool mayBeNull = false;
+    bool mayOverlap = false;       // a stride that may be less than a row
     double low = 0, high = 0;      // of a scalar
     std::vector<double> choices{}; // of a scalar, instead of a range
+    std::vector<double> refused{}; // values of a scalar that the function refuses
+    bool isWindowWidth = false;    // the picture is at least as wide, or high, as the scalar says
+    bool isWindowHeight = false;
 
     Argument ofChannels(uint32_t count) const
     {
@@ -76,12 +82,27 @@ struct Argument
         return changed([=](Argument& a) { a.alignment = bytes; });
     }
 
+    Argument interior() const
+    {
+        return changed([](Argument& a) { a.isInterior = true; });
+    }
+    Argument orNull() const
+    {
+        return changed([](Argument& a) { a.mayBeNull = true; });
+    }
+    Argument refusing(std::vector<double> numbers) const
+    {
+        return changed([&](Argument& a) { a.refused = std::move(numbers); });
+    }
+
     bool isImage() const
     {
         return role == Role::source || role == Role::destination || role == Role::updated || role == Role::value;
     }
     bool isInput() const { return role == Role::source || role == Role::updated || role == Role::scalar; }
     bool isOutput() const { return role == Role::destination || role == Role::updated || role == Role::value; }
+    bool isPicture() const { return isImage() && fixedSize == 0; } // as large as the case
+    uint32_t pixelSize() const { return channels * sizeOf(element); }
 
 private:
     template <class Change>
@@ -105,6 +126,8 @@ inline const Argument width{.role = Argument::Role::width};
 inline const Argument height{.role = Argument::Role::height};
 inline const Argument area{.role = Argument::Role::area};
 inline const Argument stride{.role = Argument::Role::stride};
+// Less than a row is as good: rows overlap then.
+inline const Argument overlappingStride{.role = Argument::Role::stride, .mayOverlap = true};
 inline Argument between(double low, double high)
 {
     return {.role = Argument::Role::scalar, .low = low, .high = high};
@@ -119,21 +142,147 @@ inline Argument sameAs(size_t argument)
 {
     return {.role = Argument::Role::alias, .aliasOf = argument};
 }
-// What policy arguments take; the last is refused by the function.
-inline const Argument policy = oneOf({RAVIK_POLICY_SATURATE, RAVIK_POLICY_WRAP, 2});
+inline const Argument policy = oneOf({RAVIK_POLICY_SATURATE, RAVIK_POLICY_WRAP}).refusing({2, UINT32_MAX});
+// Sizes of a window, which the picture holds.
+inline Argument windowWidth(std::vector<double> sizes)
+{
+    return {.role = Argument::Role::scalar, .choices = std::move(sizes), .isWindowWidth = true};
+}
+inline Argument windowHeight(std::vector<double> sizes)
+{
+    return {.role = Argument::Role::scalar, .choices = std::move(sizes), .isWindowHeight = true};
+}
+inline Argument windowSize(std::vector<double> sizes)
+{
+    return {.role = Argument::Role::scalar, .choices = std::move(sizes), .isWindowWidth = true, .isWindowHeight = true};
+}
 } // namespace arguments
+
+// When a call may run on a remote unit: all conditions hold, or it falls back to VECTA.
+struct OffloadRule
+{
+    uint32_t alignment = 1;       // of pictures, their strides and packed rows, in bytes
+    uint32_t outputAlignment = 0; // of the outputs, whose strides are free; 0: as all pictures
+    uint32_t widthMultiple = 1;   // of the picture
+    uint32_t heightMultiple = 1;
+    uint32_t leastWidth = 1;
+    uint32_t leastHeight = 1;      // and that of the window
+    uint32_t elementsPerPixel = 1; // of which a remote call takes no less than kLeastElements
+    static constexpr uint32_t kLeastElements = 25345;
+};
+
+// What a filter does where its window reaches beyond the picture.
+enum class Border : uint8_t {
+    none,       // has no window
+    kept,       // leaves these pixels of the destination as they are
+    copied,     // takes the source's
+    present,    // leaves out what does not exist
+    zero,       // takes 0 for it
+    replicated, // takes the nearest pixel
+    unwritten,  // has no such pixels in the destination
+    chosen      // by an argument
+};
+
+// Whether the destination may be a source of the same elements and stride.
+enum class InPlace : uint8_t { undefined, refused, allowed };
+
+struct CaseSize
+{
+    uint32_t width, height;
+};
+
+// What a function promises, besides what its arguments say. Functions of a kind share one: each word below makes another
+// contract from it.
+struct Contract
+{
+    CaseSize least{1, 1}; // that the function accepts, besides windows that are arguments
+    uint32_t window = 1;  // width and height, where they are no arguments
+    Border atBorder = Border::none;
+    InPlace dstIsSrc = InPlace::undefined;
+    uint64_t mostPixels = UINT64_MAX; // of a picture
+    bool logs = false;                // refusals, although it has a status; functions without one always do
+    bool writesNothing = false;       // whatever the picture
+    std::optional<OffloadRule> dspRule{}, gpuRule{};
+
+    Contract atLeast(uint32_t width, uint32_t height) const
+    {
+        return changed([=](Contract& c) { c.least = {width, height}; });
+    }
+    // Takes windows of size x size pixels, of pictures of any size.
+    Contract windows(uint32_t size) const
+    {
+        return changed([=](Contract& c) { c.window = size; });
+    }
+    // Refuses pictures that are smaller than the window.
+    Contract wholeWindows(uint32_t size) const { return windows(size).atLeast(size, size); }
+    Contract border(Border what) const
+    {
+        return changed([=](Contract& c) { c.atBorder = what; });
+    }
+    Contract inPlace() const
+    {
+        return changed([](Contract& c) { c.dstIsSrc = InPlace::allowed; });
+    }
+    Contract refusingInPlace() const
+    {
+        return changed([](Contract& c) { c.dstIsSrc = InPlace::refused; });
+    }
+    Contract upToPixels(uint64_t count) const
+    {
+        return changed([=](Contract& c) { c.mostPixels = count; });
+    }
+    Contract logging() const
+    {
+        return changed([](Contract& c) { c.logs = true; });
+    }
+    Contract writingNothing() const
+    {
+        return changed([](Contract& c) { c.writesNothing = true; });
+    }
+    Contract onDsp(const OffloadRule& rule) const
+    {
+        return changed([=](Contract& c) { c.dspRule = rule; });
+    }
+    Contract onGpu(const OffloadRule& rule) const
+    {
+        return changed([=](Contract& c) { c.gpuRule = rule; });
+    }
+
+private:
+    template <class Change>
+    Contract changed(Change change) const
+    {
+        Contract copy = *this;
+        change(copy);
+        return copy;
+    }
+};
+
+// A function without its type.
+using AnyFunction = void (*)();
+
+// What a call passes, by the index of the argument.
+struct CallValues
+{
+    std::vector<void*> pointers; // of images, aliases and null pointers
+    std::vector<double> numbers; // of all others
+};
 
 struct FunctionTest
 {
     std::string name;      // of the test: the function's, or that of one of its variants
+    std::string function;  // the function's
     std::string tableName; // the function's name in the test table
     std::vector<Argument> arguments;
     bool hasStatus = false;
     bool hasCount = false;
     float tolerance = 0;         // that the test table gets
     uint32_t loopMultiplier = 1; // calls per profiling sample, for functions that the clock cannot see
-    // The call of the function with a case's arguments, ready to be made and timed.
-    std::function<std::function<Outcome()>(const TestCase&)> bind;
+    Contract contract{};
+    AnyFunction entry = nullptr; // the public function
+    // The call of a function of the same type with these values, ready to be made and timed.
+    std::function<std::function<Outcome()>(AnyFunction, const CallValues&)> bindTo;
+    std::function<Outcome()> bind(const CallValues& values) const { return bindTo(entry, values); }
 
     // The images whose stride the argument at `index` gives.
     std::vector<size_t> imagesOfStride(size_t index) const;
@@ -141,24 +290,34 @@ struct FunctionTest
     size_t strideOfImage(size_t index) const;
     static constexpr size_t npos = static_cast<size_t>(-1);
 
+    // The window for these scalars.
+    CaseSize windowOf(const std::vector<double>& numbers) const;
+    // The least pictures that the function accepts, and that it does more with than keep the ring, for these scalars.
+    CaseSize leastAccepted(const std::vector<double>& numbers) const;
+    CaseSize leastEffective(const std::vector<double>& numbers) const;
+    // Whether numbers or the size of a picture can be wrong.
+    bool canRefuse() const;
+
+    // ---- for entries ----
     FunctionTest repeated(uint32_t calls) &&
     {
         loopMultiplier = calls;
         return std::move(*this);
     }
+    FunctionTest keeps(const Contract& promised) &&
+    {
+        contract = promised;
+        return std::move(*this);
+    }
 };
 
-// The value of an argument for the call, and the type of a case's memory.
-void* argumentPointer(const TestCase& testCase, size_t index);
-double argumentNumber(const TestCase& testCase, size_t index);
-
 template <class Parameter>
-Parameter argumentAs(const TestCase& testCase, size_t index)
+Parameter argumentAs(const CallValues& values, size_t index)
 {
     if constexpr (std::is_pointer_v<Parameter>)
-        return static_cast<Parameter>(argumentPointer(testCase, index));
+        return static_cast<Parameter>(values.pointers[index]);
     else
-        return static_cast<Parameter>(argumentNumber(testCase, index));
+        return static_cast<Parameter>(values.numbers[index]);
 }
 
 // Completes an argument by the type of its parameter. Ends the program when the two do not go together.
@@ -190,19 +349,22 @@ Argument completed(Argument argument)
 }
 
 template <class Result, class... Parameters>
-FunctionTest describe(const char* name, const char* tableName, Result (*function)(Parameters...),
-                      const Argument (&given)[sizeof...(Parameters)])
+FunctionTest describe(const char* name, const char* functionName, const char* tableName,
+                      Result (*function)(Parameters...), const Argument (&given)[sizeof...(Parameters)])
 {
     return [&]<size_t... I>(std::index_sequence<I...>)
     {
         FunctionTest test{.name = name,
+                          .function = functionName,
                           .tableName = tableName,
                           .arguments = {completed<Parameters>(given[I])...},
                           .hasStatus = std::is_same_v<Result, rvkStatus>,
                           .hasCount = std::is_same_v<Result, uint32_t>,
-                          .bind = {}};
-        test.bind = [function](const TestCase& testCase) -> std::function<Outcome()> {
-            return [function, values = std::tuple(argumentAs<Parameters>(testCase, I)...)] {
+                          .entry = reinterpret_cast<AnyFunction>(function),
+                          .bindTo = {}};
+        test.bindTo = [](AnyFunction any, const CallValues& callValues) -> std::function<Outcome()> {
+            return [function = reinterpret_cast<Result (*)(Parameters...)>(any),
+                    values = std::tuple(argumentAs<Parameters>(callValues, I)...)] {
                 Outcome outcome;
                 if constexpr (std::is_void_v<Result>)
                     std::apply(function, values);
@@ -218,6 +380,6 @@ FunctionTest describe(const char* name, const char* tableName, Result (*function
     (std::index_sequence_for<Parameters...>());
 }
 
-#define RVK_TEST(function, ...) describe(#function, #function, function, {__VA_ARGS__})
+#define RVK_TEST(function, ...) describe(#function, #function, #function, function, {__VA_ARGS__})
 // A variant of a function: tested under a name of its own, by the function's line of the test table.
-#define RVK_TEST_AS(name, tableName, function, ...) describe(name, tableName, function, {__VA_ARGS__})
+#define RVK_TEST_AS(name, tableName, function, ...) describe(name, #function, tableName, function, {__VA_ARGS__})

@@ -161,11 +161,15 @@ int FunctionRun::runRandomCases()
     for (int i = 0; i < kRandomCases; i++) {
         const auto& testCase =
             cases.emplace_back(std::make_unique<TestCase>(m_function, memoryOptionOf(m_targetIndex)));
-        // The first is large and regular enough for a DSP.
+        // The first is large and regular enough for a DSP, the second is refused.
         const bool large = i == 0;
-        const auto width = static_cast<uint32_t>(large ? 176 : random.between(1, 80));
-        const auto height = static_cast<uint32_t>(large ? 152 : random.between(1, 12));
-        if (!testCase->draw(width, height, large, random))
+        const CaseSize size = large ? CaseSize{176, 152}
+                                    : CaseSize{static_cast<uint32_t>(random.between(1, 80)),
+                                               static_cast<uint32_t>(random.between(1, 12))};
+        const Wanted wanted = i == 1 && m_function.canRefuse() ? Wanted::refuses
+                              : i % 2 == 0                     ? Wanted::accepts
+                                                               : Wanted::computes;
+        if (!testCase->draw(size, wanted, large, random))
             return outOfMemory();
     }
 

@@ -23,35 +23,50 @@ const FunctionGroup& transposeFunctions()
 
 const FunctionGroup& flipFunctions()
 {
-    const Argument direction = oneOf({RAVIK_FLIP_HORIZONTAL, RAVIK_FLIP_VERTICAL, RAVIK_FLIP_BOTH});
-    const Argument pairs = src.ofChannels(2), turnedPairs = dst.ofChannels(2).transposed();
+    const Argument direction = oneOf({RAVIK_FLIP_HORIZONTAL, RAVIK_FLIP_VERTICAL, RAVIK_FLIP_BOTH}).refusing({0, 4});
+    const Argument pairs = src.ofChannels(2), turnedDst = dst.ofChannels(2).transposed();
     const Argument right = oneOf({RAVIK_ROTATE_90}), around = oneOf({RAVIK_ROTATE_180}),
                    left = oneOf({RAVIK_ROTATE_270});
+
+    const Contract turned = Contract().refusingInPlace().onDsp({.alignment = 8, .widthMultiple = 8});
+    const Contract turnedPairs = Contract().refusingInPlace().onDsp({.alignment = 8, .elementsPerPixel = 2});
+    const Contract flippedBytes = turned.inPlace(), flippedPairs = turnedPairs.inPlace();
+    const Contract flippedShorts = Contract().inPlace().onDsp({.alignment = 8});
+    const Contract flippedColours = Contract().inPlace().onDsp({.alignment = 8, .elementsPerPixel = 3});
 
     static const FunctionGroup group{
         "ravikipp",
         "rvk",
         false,
         {
-            RVK_TEST(rvkFlipu8, src, width, height, stride, dst, stride, direction),
+            RVK_TEST(rvkFlipu8, src, width, height, stride, dst, stride, direction).keeps(flippedBytes),
             RVK_TEST_AS("rvkFlipu8_in_place", "rvkFlipu8", rvkFlipu8, sameAs(4), width, height, stride, updated, stride,
-                        direction),
-            RVK_TEST(rvkFlipu16, src, width, height, stride, dst, stride, direction),
+                        direction)
+                .keeps(flippedBytes),
+            RVK_TEST(rvkFlipu16, src, width, height, stride, dst, stride, direction).keeps(flippedShorts),
             RVK_TEST_AS("rvkFlipu16_in_place", "rvkFlipu16", rvkFlipu16, sameAs(4), width, height, stride, updated,
-                        stride, direction),
-            RVK_TEST(rvkFlipRGB888u8, src.ofChannels(3), width, height, stride, dst.ofChannels(3), stride, direction),
+                        stride, direction)
+                .keeps(flippedShorts),
+            RVK_TEST(rvkFlipRGB888u8, src.ofChannels(3), width, height, stride, dst.ofChannels(3), stride, direction)
+                .keeps(flippedColours),
             RVK_TEST_AS("rvkFlipRGB888u8_in_place", "rvkFlipRGB888u8", rvkFlipRGB888u8, sameAs(4), width, height,
-                        stride, updated.ofChannels(3), stride, direction),
-            RVK_TEST(rvkRotateImageu8, src, width, height, stride, dst.transposed(), stride, right),
+                        stride, updated.ofChannels(3), stride, direction)
+                .keeps(flippedColours),
+            RVK_TEST(rvkRotateImageu8, src, width, height, stride, dst.transposed(), stride, right).keeps(turned),
             RVK_TEST_AS("rvkRotateImageu8_180", "rvkRotateImageu8", rvkRotateImageu8, src, width, height, stride, dst,
-                        stride, around),
+                        stride, around)
+                .keeps(flippedBytes),
             RVK_TEST_AS("rvkRotateImageu8_270", "rvkRotateImageu8", rvkRotateImageu8, src, width, height, stride,
-                        dst.transposed(), stride, left),
-            RVK_TEST(rvkRotateImageInterleavedu8, pairs, width, height, stride, turnedPairs, stride, right),
+                        dst.transposed(), stride, left)
+                .keeps(turned),
+            RVK_TEST(rvkRotateImageInterleavedu8, pairs, width, height, stride, turnedDst, stride, right)
+                .keeps(turnedPairs),
             RVK_TEST_AS("rvkRotateImageInterleavedu8_180", "rvkRotateImageInterleavedu8", rvkRotateImageInterleavedu8,
-                        pairs, width, height, stride, dst.ofChannels(2), stride, around),
+                        pairs, width, height, stride, dst.ofChannels(2), stride, around)
+                .keeps(flippedPairs),
             RVK_TEST_AS("rvkRotateImageInterleavedu8_270", "rvkRotateImageInterleavedu8", rvkRotateImageInterleavedu8,
-                        pairs, width, height, stride, turnedPairs, stride, left),
+                        pairs, width, height, stride, turnedDst, stride, left)
+                .keeps(turnedPairs),
         }};
     return group;
 }

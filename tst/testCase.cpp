@@ -326,15 +326,18 @@ void TestCase::layOut(bool packed, RandomBits& random)
     }
 }
 
-bool TestCase::draw(uint32_t width, uint32_t height, bool packed, RandomBits& random)
+bool TestCase::draw(CaseSize size, Wanted wanted, bool packed, RandomBits& random)
 {
-    m_width = width;
-    m_height = height;
+    drawNumbers(random);
+    const CaseSize least =
+        wanted == Wanted::accepts ? m_function.leastAccepted(numbers()) : m_function.leastEffective(numbers());
+    m_width = size.width + least.width - 1;
+    m_height = size.height + least.height - 1;
+    if (wanted == Wanted::refuses)
+        drawFault(random);
     layOut(packed, random);
     for (size_t i = 0; i < m_data.size(); i++) {
         const Argument& a = argument(i);
-        if (a.role == Role::scalar)
-            m_data[i].number = drawScalar(a, random);
         if (!a.isImage() || !a.isInput())
             continue;
         RAVIK_TEST_Buffer& image = inputBuffer(i);
@@ -343,6 +346,44 @@ bool TestCase::draw(uint32_t width, uint32_t height, bool packed, RandomBits& ra
         fillImage(image, a, random);
     }
     return true;
+}
+
+void TestCase::drawNumbers(RandomBits& random)
+{
+    for (size_t i = 0; i < m_data.size(); i++)
+        if (argument(i).role == Role::scalar)
+            m_data[i].number = drawScalar(argument(i), random);
+}
+
+// Makes one number wrong, or the picture too small.
+void TestCase::drawFault(RandomBits& random)
+{
+    const CaseSize least = m_function.leastAccepted(numbers());
+    std::vector<std::function<void()>> faults;
+    if (least.width > 1)
+        faults.push_back([&] { m_width = least.width - 1; });
+    if (least.height > 1)
+        faults.push_back([&] { m_height = least.height - 1; });
+    for (size_t i = 0; i < m_data.size(); i++)
+        for (const double number : argument(i).refused)
+            faults.push_back([this, i, number] { m_data[i].number = number; });
+    faults.at(static_cast<size_t>(random.between(0, static_cast<int64_t>(faults.size()) - 1)))();
+}
+
+std::vector<double> TestCase::numbers() const
+{
+    std::vector<double> all;
+    for (size_t i = 0; i < m_data.size(); i++)
+        all.push_back(number(i));
+    return all;
+}
+
+std::function<Outcome()> TestCase::bind() const
+{
+    CallValues values{.pointers = {}, .numbers = numbers()};
+    for (size_t i = 0; i < m_data.size(); i++)
+        values.pointers.push_back(pointer(i));
+    return m_function.bind(values);
 }
 
 bool TestCase::addStride(uint32_t elements)
@@ -421,6 +462,8 @@ void* TestCase::pointer(size_t index) const
         return nullptr;
     if (argument(index).role == Role::alias)
         return pointer(argument(index).aliasOf);
+    if (!argument(index).isImage())
+        return nullptr;
     return m_data[index].buffer.window<void>();
 }
 

@@ -28,6 +28,13 @@ public:
 // A value for a scalar argument.
 double drawScalar(const Argument& argument, RandomBits& random);
 
+// What the reference makes of a case.
+enum class Wanted {
+    accepts, // it accepts the arguments, but the picture may be too small for a whole window
+    computes,
+    refuses // one argument, or the size, is wrong; for functions that can refuse
+};
+
 // What a control script says about its cases.
 enum class ScriptContent { sources, sourcesAndResults };
 
@@ -52,16 +59,17 @@ public:
     // Takes a line of a control script. With ScriptContent::sources the results are left to expectThisOutput().
     ScriptResult read(FILE* script, const char* dataDirectory, ScriptContent content);
 
-    // Draws a case of the size. Unless it is `packed`, its images begin anywhere in rows that are wider than they need
-    // to be. False when memory is short, here and below.
-    bool draw(uint32_t width, uint32_t height, bool packed, RandomBits& random);
+    // Draws a case of the size, which grows by as much as the function needs more than a pixel for what is `wanted`.
+    // Unless it is `packed`, its images begin anywhere in rows that are wider than they need to be. False when memory is
+    // short, here and below.
+    bool draw(CaseSize size, Wanted wanted, bool packed, RandomBits& random);
 
     // Widens the rows of all images that have a stride by `elements`.
     bool addStride(uint32_t elements);
 
     // Makes the outputs ready for a call.
     bool prepareOutputs();
-    std::function<Outcome()> bind() const { return m_function.bind(*this); }
+    std::function<Outcome()> bind() const;
     Outcome call() const { return bind()(); }
 
     // Makes what the last call gave the result that the next ones should give.
@@ -77,10 +85,6 @@ public:
     const RAVIK_TEST_Buffer& image(const ScriptField& field) const;
     double scalar(const ScriptField& field) const;
 
-    // What the call passes for an argument.
-    void* pointer(size_t argument) const;
-    double number(size_t argument) const;
-
 private:
     struct ArgumentData
     {
@@ -94,6 +98,12 @@ private:
     const Argument& argument(size_t index) const { return m_function.arguments[index]; }
     RAVIK_TEST_Buffer& inputBuffer(size_t index);
     MemShape_ packedShape(size_t index) const;
+    // What the call passes for an argument.
+    void* pointer(size_t index) const;
+    double number(size_t index) const;
+    void drawNumbers(RandomBits& random);
+    void drawFault(RandomBits& random);
+    std::vector<double> numbers() const;
     void layOut(bool packed, RandomBits& random);
     bool takeInputs();
     bool takeResults(const std::vector<double>& numbers);

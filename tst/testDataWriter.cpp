@@ -18,19 +18,19 @@
 
 namespace {
 
-struct Size
-{
-    uint32_t width, height;
-};
-
 // From VGA upward: the indices of ravikTest's option -S.
-constexpr Size kResolutions[] = {{640, 480}, {720, 480},  {800, 480},  {720, 576},
-                                 {800, 600}, {1024, 768}, {1280, 720}, {1920, 1080}};
+constexpr CaseSize kResolutions[] = {{640, 480}, {720, 480},  {800, 480},  {720, 576},
+                                     {800, 600}, {1024, 768}, {1280, 720}, {1920, 1080}};
 
-// Vectors: single pixels, odd widths, full vector registers and what is left over.
-constexpr Size kVectorSizes[] = {{1, 1}, {3, 2}, {7, 5}, {16, 4}, {17, 9}, {33, 3}, {64, 6}, {100, 7}};
+// Vectors: single pixels or windows, odd widths, full vector registers and what is left over. Functions that can refuse
+// are asked to by two of them.
+constexpr CaseSize kVectorSizes[] = {{1, 1}, {3, 2}, {7, 5}, {16, 4}, {17, 9}, {33, 3}, {64, 6}, {100, 7}};
+constexpr bool isRefusal(size_t vector)
+{
+    return vector == 1 || vector == 5;
+}
 // Large and regular enough for a DSP.
-constexpr Size kDspSize = {176, 152};
+constexpr CaseSize kDspSize = {176, 152};
 
 // splitmix64, seeded by a name.
 class NamedRandom : public RandomBits
@@ -119,14 +119,15 @@ private:
     {
         const auto fields = scriptFields(function, group.scriptContent(RAVIK_TEST_UNIT));
         ScriptFile script(m_directory + "/" + group.scriptName(function, RAVIK_TEST_UNIT), fields);
-        std::vector<Size> sizes(std::begin(kVectorSizes), std::end(kVectorSizes));
+        std::vector<CaseSize> sizes(std::begin(kVectorSizes), std::end(kVectorSizes));
         if (group.isStored)
             sizes.push_back(kDspSize);
 
         NamedRandom random(function.name);
         for (size_t i = 0; i < sizes.size(); i++) {
             TestCase testCase(function, RAVIK_MEM_SYSTEM);
-            require(testCase.draw(sizes[i].width, sizes[i].height, true, random));
+            const Wanted wanted = isRefusal(i) && function.canRefuse() ? Wanted::refuses : Wanted::computes;
+            require(testCase.draw(sizes[i], wanted, true, random));
             runReference(testCase);
             const std::string name = function.name.substr(group.prefix.size()) + "_" + std::to_string(i) + "_";
             script.add(texts(fields, testCase, [&](const ScriptField& field, const RAVIK_TEST_Buffer& image) {
@@ -164,7 +165,7 @@ private:
     }
 
     // The inputs of a profiling line. Their files are shared by all functions that take such a shape.
-    std::vector<std::string> profilingSources(const FunctionTest& function, Size size)
+    std::vector<std::string> profilingSources(const FunctionTest& function, CaseSize size)
     {
         NamedRandom random(function.name + " profiling");
         std::vector<std::string> line;

@@ -1,0 +1,690 @@
+// What every function promises, proved for each function that a test group names, from its descriptor alone: bad
+// arguments are refused and nothing is written, strides of 0 are packed rows, calls that do not suit a remote unit fall
+// back, vector implementations equal the reference and stay within their images. A function needs no line here.
+#include "dispatch.h"
+#include "groups.h"
+#include "support/functionCall.h"
+#include "support/logCapture.h"
+#include "vecta/column.h"
+
+#include <csignal>
+
+using namespace test;
+
+namespace {
+
+using Role = Argument::Role;
+
+// ---- functions and their cells --------------------------------------------------------------------------------------
+
+void forEachFunction(const std::function<void(const FunctionTest&)>& action)
+{
+    for (const TestGroup& group : testGroups())
+        if (group.functions)
+            for (const FunctionTest& function : group.functions().functions)
+                action(function);
+}
+
+constexpr uint32_t kNoSlot = kPublicFunctions;
+
+uint32_t slotNamed(const std::string& name)
+{
+    for (uint32_t slot = 0; slot < kPublicFunctions; slot++)
+        if (name == nameOf(static_cast<Slot>(slot)))
+            return slot;
+    return kNoSlot;
+}
+
+// The slot of a function, or of the form that it calls.
+uint32_t slotOf(const FunctionTest& function)
+{
+    const uint32_t slot = slotNamed(function.function);
+    return slot == kNoSlot ? slotNamed(function.function + "_v2") : slot;
+}
+
+Cell referenceOf(uint32_t slot)
+{
+    return dispatchState.table[slot * kTargets];
+}
+
+// ---- faults that end the process ------------------------------------------------------------------------------------
+
+char currentCall[256];
+
+void sayWhere(int signal)
+{
+    const char head[] = "fault in: ";
+    if (write(STDERR_FILENO, head, sizeof head - 1) < 0 || write(STDERR_FILENO, currentCall, strlen(currentCall)) < 0 ||
+        write(STDERR_FILENO, "\n", 1) < 0)
+        _exit(1);
+    ::signal(signal, SIG_DFL);
+}
+
+void setCurrent(const FunctionTest& function, const std::string& what)
+{
+    for (const int signal : {SIGSEGV, SIGBUS, SIGABRT})
+        ::signal(signal, sayWhere);
+    snprintf(currentCall, sizeof currentCall, "%s: %s", function.name.c_str(), what.c_str());
+}
+
+// ---- arguments ------------------------------------------------------------------------------------------------------
+
+uint32_t number(const FunctionCall& call, size_t argument)
+{
+    return static_cast<uint32_t>(call.values.numbers[argument]);
+}
+
+// A picture somewhat larger than the least, all of its rows packed.
+FunctionCall plainCall(const FunctionTest& function, SeededBits& bits, CaseSize more = {12, 5})
+{
+    FunctionCall call(function, bits);
+    const CaseSize least = function.leastAccepted(call.values.numbers);
+    call.draw({least.width + more.width, least.height + more.height}, {});
+    return call;
+}
+
+struct Fault
+{
+    std::string what;
+    CallValues values;
+};
+
+// Every way to make the call wrong that the descriptor knows.
+class Faults
+{
+public:
+    Faults(const FunctionTest& function, const FunctionCall& call) : m_function(function), m_call(call)
+    {
+        for (size_t i = 0; i < function.arguments.size(); i++)
+            addForArgument(i, function.arguments[i]);
+        addNoOutputAtAll();
+        addSizesThatWrap();
+        addTooManyPixels();
+        addSharedMemory();
+    }
+    std::vector<Fault> take() { return std::move(m_all); }
+
+private:
+    template <class Change>
+    void add(std::string what, Change change)
+    {
+        m_all.push_back({std::move(what), m_call.values});
+        change(m_all.back().values);
+    }
+    void addNumber(std::string what, size_t argument, double number)
+    {
+        add(what + " " + std::to_string(argument) + " is " + std::to_string(number),
+            [=](CallValues& v) { v.numbers[argument] = number; });
+    }
+    void addForArgument(size_t i, const Argument& a)
+    {
+        const CaseSize least = m_function.leastAccepted(m_call.values.numbers);
+        for (const double number : a.refused)
+            addNumber("argument", i, number);
+        if (a.isImage() && !a.mayBeNull)
+            add("argument " + std::to_string(i) + " is null", [=](CallValues& v) { v.pointers[i] = nullptr; });
+        if (a.alignment > sizeOf(a.element))
+            add("argument " + std::to_string(i) + " is misaligned",
+                [=](CallValues& v) { v.pointers[i] = static_cast<uint8_t*>(v.pointers[i]) + a.alignment / 2; });
+        if (a.role == Role::width || a.role == Role::height) {
+            addNumber("size", i, 0);
+            const uint32_t smallest = a.role == Role::width ? least.width : least.height;
+            if (smallest > 1)
+                addNumber("size", i, smallest - 1);
+        }
+        if (a.role == Role::stride && !a.mayOverlap && number(m_call, i) > 0)
+            addNumber("stride", i, number(m_call, i) - 1); // rows are packed
+    }
+    void addNoOutputAtAll()
+    {
+        add("all outputs are null", [&](CallValues& v) {
+            for (size_t i = 0; i < m_function.arguments.size(); i++)
+                if (m_function.arguments[i].isOutput())
+                    v.pointers[i] = nullptr;
+        });
+        if (m_function.hasCount && std::none_of(m_function.arguments.begin(), m_function.arguments.end(),
+                                                [](const Argument& a) { return a.isOutput(); }))
+            m_all.pop_back();
+    }
+    bool has(Role role) const
+    {
+        return std::any_of(m_function.arguments.begin(), m_function.arguments.end(),
+                           [=](const Argument& a) { return a.role == role; });
+    }
+    // A row of few bytes more than 2^32, with strides that hold what is left of it in 32 bits, or seem to hold it all.
+    void addSizesThatWrap()
+    {
+        for (size_t i = 0; i < m_function.arguments.size(); i++) {
+            const Argument& a = m_function.arguments[i];
+            const Role wrong = a.isTransposed ? Role::height : Role::width;
+            if (!a.isPicture() || a.pixelSize() == 1 || !has(wrong))
+                continue;
+            const uint32_t beyond = a.isInterior ? m_function.windowOf(m_call.values.numbers).width - 1 : 0;
+            const double size = UINT32_MAX / a.pixelSize() + 2 + beyond;
+            for (const double stride : {0.0, double{1} * UINT32_MAX, double{64}})
+                add("rows of argument " + std::to_string(i) + " wrap, strides are " + std::to_string(stride),
+                    [&](CallValues& v) { setSizes(v, wrong, size, stride); });
+        }
+    }
+    void setSizes(CallValues& v, Role role, double size, double stride) const
+    {
+        for (size_t i = 0; i < m_function.arguments.size(); i++) {
+            if (m_function.arguments[i].role == role)
+                v.numbers[i] = size;
+            if (m_function.arguments[i].role == Role::stride)
+                v.numbers[i] = stride;
+        }
+    }
+    void addTooManyPixels()
+    {
+        const uint64_t most = m_function.contract.mostPixels;
+        if (most == UINT64_MAX)
+            return;
+        add("too many pixels", [&](CallValues& v) {
+            setSizes(v, Role::width, 65536, 0);
+            setSizes(v, Role::height, static_cast<double>(most / 65536 + 1), 0);
+        });
+    }
+    // Two outputs at the same place; an output in the place of a source, where that is refused.
+    void addSharedMemory()
+    {
+        const auto& arguments = m_function.arguments;
+        bool isFirst = true;
+        for (size_t out = 0; out < arguments.size(); out++) {
+            if (arguments[out].role != Role::destination || !arguments[out].isPicture())
+                continue;
+            for (size_t other = 0; other < arguments.size(); other++) {
+                const Argument& a = arguments[other];
+                const bool isSource = a.role == Role::source && !a.isMask &&
+                                      m_function.contract.dstIsSrc == InPlace::refused &&
+                                      (isFirst || a.element == arguments[out].element);
+                const bool isOutput = a.role == Role::destination && other > out && a.element == arguments[out].element;
+                if (a.isPicture() && (isSource || isOutput))
+                    add("argument " + std::to_string(out) + " is argument " + std::to_string(other),
+                        [=](CallValues& v) { v.pointers[out] = v.pointers[other]; });
+            }
+            isFirst = false;
+        }
+    }
+
+    const FunctionTest& m_function;
+    const FunctionCall& m_call;
+    std::vector<Fault> m_all;
+};
+
+size_t countRefusals(const FunctionTest& function)
+{
+    const std::string head = "6 ravik_lib_log: Assertion failed @" + function.function + ": ";
+    return static_cast<size_t>(std::count_if(logLines.begin(), logLines.end(),
+                                             [&](const std::string& line) { return line.starts_with(head); }));
+}
+
+bool isAccepted(const FunctionTest& function, const FunctionCall& call)
+{
+    clearLog();
+    const Outcome outcome = call.call(function.entry);
+    return outcome.status == RAVIK_SUCCESS && logLines.empty();
+}
+
+TEST(Contract, RefusesEveryBadArgumentAndWritesNothing)
+{
+    forEachFunction([](const FunctionTest& function) {
+        SCOPED_TRACE(function.name);
+        SeededBits bits(1);
+        FunctionCall call = plainCall(function, bits);
+        setCurrent(function, "good arguments");
+        EXPECT_TRUE(isAccepted(function, call));
+        for (const Fault& fault : Faults(function, call).take()) {
+            setCurrent(function, fault.what);
+            call.values = fault.values;
+            clearLog();
+            const Outcome outcome = call.call(function.entry);
+            EXPECT_TRUE(call.isUnchanged()) << fault.what << ": something was written";
+            EXPECT_EQ(outcome.status == RAVIK_SUCCESS, !function.hasStatus) << fault.what;
+            EXPECT_EQ(outcome.count, 0u) << fault.what;
+            const size_t lines = !function.hasStatus || function.contract.logs;
+            EXPECT_EQ(countRefusals(function), lines) << fault.what;
+            EXPECT_EQ(logLines.size(), lines) << fault.what << (logLines.empty() ? "" : ": " + logLines.back());
+        }
+    });
+}
+
+// ---- what is accepted -----------------------------------------------------------------------------------------------
+
+TEST(Contract, AcceptsTheLeastPicture)
+{
+    forEachFunction([](const FunctionTest& function) {
+        SeededBits bits(2);
+        for (int i = 0; i < 4; i++) { // with several windows
+            const FunctionCall call = plainCall(function, bits, {0, 0});
+            setCurrent(function, "the least picture");
+            EXPECT_TRUE(isAccepted(function, call)) << function.name << (logLines.empty() ? "" : logLines[0]);
+        }
+    });
+}
+
+TEST(Contract, LeavesOutWhatMayBeNull)
+{
+    forEachFunction([](const FunctionTest& function) {
+        for (size_t i = 0; i < function.arguments.size(); i++) {
+            if (!function.arguments[i].mayBeNull)
+                continue;
+            SeededBits bits(3);
+            FunctionCall call = plainCall(function, bits);
+            call.values.pointers[i] = nullptr;
+            setCurrent(function, "argument " + std::to_string(i) + " is null");
+            EXPECT_TRUE(isAccepted(function, call)) << currentCall;
+        }
+    });
+}
+
+TEST(Contract, OverlappingRowsStayWithinThem)
+{
+    forEachFunction([](const FunctionTest& function) {
+        for (size_t i = 0; i < function.arguments.size(); i++) {
+            if (!function.arguments[i].mayOverlap)
+                continue;
+            SeededBits bits(4);
+            FunctionCall call = plainCall(function, bits);
+            const uint32_t stride = call.values.numbers[i] > 3 ? number(call, i) - 3 : 1;
+            call.values.numbers[i] = stride;
+            setCurrent(function, "overlapping rows");
+            EXPECT_TRUE(isAccepted(function, call)) << currentCall;
+            for (const FunctionCall::Block& block : call.blocks()) {
+                if (function.strideOfImage(block.argument) != i)
+                    continue;
+                const size_t used = size_t{stride} * (block.rows - 1) + block.rowBytes;
+                EXPECT_TRUE(std::equal(block.before.begin() + static_cast<ptrdiff_t>(used), block.before.end(),
+                                       block.data + used))
+                    << currentCall;
+            }
+        }
+    });
+}
+
+std::vector<uint8_t> contents(const FunctionCall& call)
+{
+    std::vector<uint8_t> all;
+    for (const FunctionCall::Block& block : call.blocks())
+        all.insert(all.end(), block.data, block.data + block.bytes());
+    return all;
+}
+
+TEST(Contract, TakesAStrideOf0AsPackedRows)
+{
+    forEachFunction([](const FunctionTest& function) {
+        SeededBits bits(5);
+        FunctionCall call = plainCall(function, bits);
+        setCurrent(function, "packed rows");
+        const Outcome outcome = call.call(function.entry);
+        const std::vector<uint8_t> expected = contents(call);
+        for (size_t i = 0; i < function.arguments.size(); i++)
+            if (function.arguments[i].role == Role::stride)
+                call.values.numbers[i] = 0;
+        EXPECT_TRUE(call.call(function.entry) == outcome && contents(call) == expected) << function.name;
+    });
+}
+
+// What `function` is called with, for its form that has strides.
+CallValues withStrides(const FunctionTest& function, const FunctionCall& call, const FunctionTest& strided)
+{
+    CallValues values{std::vector<void*>(strided.arguments.size()), std::vector<double>(strided.arguments.size())};
+    size_t from = 0;
+    const auto isStride = [](const FunctionTest& f, size_t i) { return f.arguments[i].role == Role::stride; };
+    for (size_t i = 0; i < strided.arguments.size(); i++) {
+        if (isStride(strided, i) && (from == function.arguments.size() || !isStride(function, from))) {
+            values.numbers[i] = call.size().width * strided.arguments[strided.imagesOfStride(i)[0]].pixelSize();
+            continue;
+        }
+        values.pointers[i] = call.values.pointers[from];
+        values.numbers[i] = call.values.numbers[from++];
+    }
+    return values;
+}
+
+const FunctionTest& testNamed(const std::string& name)
+{
+    for (const TestGroup& group : testGroups())
+        if (group.functions)
+            for (const FunctionTest& function : group.functions().functions)
+                if (function.name == name)
+                    return function;
+    ADD_FAILURE() << "no test of " << name;
+    abort();
+}
+
+// Each argument reaches the implementation, in its place.
+TEST(Contract, EntriesPassOnTheirArguments)
+{
+    forEachFunction([](const FunctionTest& function) {
+        SeededBits bits(6);
+        for (int i = 0; i < 4; i++) {
+            FunctionCall call(function, bits);
+            const CaseSize least = function.leastEffective(call.values.numbers);
+            call.draw({least.width + 6, least.height + 4}, {.mostPadding = 7});
+            setCurrent(function, "an entry");
+            ASSERT_TRUE(isAccepted(function, call)) << function.name;
+            const std::vector<uint8_t> actual = contents(call);
+            call.restore();
+            if (slotNamed(function.function) != kNoSlot) {
+                call.call(referenceOf(slotOf(function)));
+            } else {
+                const FunctionTest& strided = testNamed(function.function + "_v2");
+                strided.bindTo(referenceOf(slotOf(strided)), withStrides(function, call, strided))();
+            }
+            EXPECT_TRUE(contents(call) == actual) << function.name;
+        }
+    });
+}
+
+// ---- remote units ---------------------------------------------------------------------------------------------------
+
+// All functions on a unit, whose cells hold references as long as there is no companion library.
+class AllOnUnit
+{
+public:
+    explicit AllOnUnit(RVK_IMPL unit)
+    {
+        std::fill(std::begin(dispatchState.targets), std::end(dispatchState.targets), unit);
+        dispatchState.runtimeLog = 1;
+    }
+    ~AllOnUnit()
+    {
+        std::fill(std::begin(dispatchState.targets), std::end(dispatchState.targets), RVK_IMPL_CPU);
+        dispatchState.runtimeLog = 0;
+    }
+};
+
+// A call that ends when its unit has been chosen: all sources and outputs that must not be null are, but for the one
+// whose address matters. So pictures of any size need no memory.
+class UnitChoice
+{
+public:
+    UnitChoice(const FunctionTest& function, CaseSize size) : m_function(function), m_size(size)
+    {
+        const size_t count = function.arguments.size();
+        m_values = {std::vector<void*>(count), std::vector<double>(count)};
+        for (size_t i = 0; i < count; i++) {
+            const Argument& a = function.arguments[i];
+            if (a.role == Role::scalar)
+                m_values.numbers[i] = a.choices.empty() ? a.low : a.choices[0];
+            if (a.role == Role::width)
+                m_values.numbers[i] = size.width;
+            if (a.role == Role::height)
+                m_values.numbers[i] = size.height;
+            if (a.role == Role::stride)
+                m_values.numbers[i] = strideOf(i);
+            if (a.role == Role::source && a.mayBeNull)
+                m_values.pointers[i] = reinterpret_cast<void*>(uintptr_t{4096});
+        }
+    }
+    UnitChoice& misalign(size_t argument, uint32_t bytes)
+    {
+        if (m_function.arguments[argument].role == Role::stride)
+            m_values.numbers[argument] += bytes;
+        else
+            m_values.pointers[argument] = reinterpret_cast<void*>(uintptr_t{4096} + bytes);
+        return *this;
+    }
+    // The name of the unit that the function chose.
+    std::string unit() const
+    {
+        clearLog();
+        m_function.bind(m_values)();
+        const std::string head = "6 ravik_runtime_log: " + m_function.function;
+        for (const std::string& line : logLines)
+            if (line.starts_with(head))
+                return line.substr(line.rfind('_') + 1);
+        return "none";
+    }
+
+private:
+    double strideOf(size_t argument) const
+    {
+        uint32_t row = 0;
+        for (const size_t image : m_function.imagesOfStride(argument)) {
+            const Argument& a = m_function.arguments[image];
+            row = std::max(row, (a.isTransposed ? m_size.height : m_size.width) * a.pixelSize());
+        }
+        return (row + 63) / 64 * 64;
+    }
+
+    const FunctionTest& m_function;
+    CaseSize m_size;
+    CallValues m_values;
+};
+
+// A rule at its limits; `unit` is the name of the unit that it is for.
+class RuleTest
+{
+public:
+    RuleTest(const FunctionTest& function, const OffloadRule& rule, const char* unit)
+        : m_function(function), m_rule(rule), m_unit(unit)
+    {
+        std::vector<double> numbers;
+        m_widthStep = rule.widthMultiple;
+        for (size_t i = 0; i < function.arguments.size(); i++) {
+            const Argument& a = function.arguments[i];
+            numbers.push_back(a.choices.empty() ? 0 : a.choices[0]);
+            if (a.isPicture() && function.strideOfImage(i) == FunctionTest::npos) // the row counts as the stride
+                m_widthStep = std::max(m_widthStep, rule.alignment / a.pixelSize());
+        }
+        m_leastHeight = std::max(rule.leastHeight, function.windowOf(numbers).height);
+        m_leastHeight = roundedUp(m_leastHeight, rule.heightMultiple);
+    }
+
+    void run() const
+    {
+        // As low as may be, and as wide as the work asks for.
+        const uint32_t elements = quotient(OffloadRule::kLeastElements, m_rule.elementsPerPixel);
+        const uint32_t width = roundedUp(quotient(elements, m_leastHeight), m_widthStep);
+        const CaseSize least{width, m_leastHeight};
+        expect(true, least, "the least work");
+        expect(false, {width - m_widthStep, m_leastHeight}, "too little work");
+        if (m_leastHeight > 1)
+            expect(false, {2 * width, m_leastHeight - m_rule.heightMultiple}, "too low");
+        if (m_rule.heightMultiple > 1)
+            expect(false, {2 * width, m_leastHeight + 1}, "a wrong height");
+        if (m_widthStep > 1)
+            expect(false, {width + m_widthStep / 2, m_leastHeight}, "a wrong width");
+        if (m_rule.leastWidth > 1) {
+            const uint32_t narrow = roundedUp(m_rule.leastWidth, m_widthStep);
+            const uint32_t height = quotient(elements, narrow) * 2;
+            expect(true, {narrow, height}, "the least width");
+            expect(false, {narrow - m_widthStep, height}, "too narrow");
+        }
+        for (size_t i = 0; i < m_function.arguments.size(); i++)
+            runMisaligned(least, i);
+    }
+
+private:
+    static uint32_t quotient(uint32_t a, uint32_t b) { return (a + b - 1) / b; }
+    static uint32_t roundedUp(uint32_t a, uint32_t unit) { return quotient(a, unit) * unit; }
+
+    void runMisaligned(CaseSize size, size_t i) const
+    {
+        const Argument& a = m_function.arguments[i];
+        uint32_t alignment = m_rule.alignment;
+        if (a.isOutput() && m_rule.outputAlignment)
+            alignment = m_rule.outputAlignment;
+        bool matters = a.isPicture();
+        if (a.role == Role::stride) {
+            const std::vector<size_t> images = m_function.imagesOfStride(i);
+            matters = !images.empty() && !(m_function.arguments[images[0]].isOutput() && m_rule.outputAlignment);
+        }
+        if ((a.isPicture() || a.role == Role::stride) && alignment > 1) {
+            EXPECT_EQ(UnitChoice(m_function, size).misalign(i, alignment / 2).unit(), matters ? "VECTA" : m_unit)
+                << m_function.name << ", argument " << i << " is misaligned";
+        }
+    }
+    void expect(bool suits, CaseSize size, const char* what) const
+    {
+        setCurrent(m_function, what);
+        EXPECT_EQ(UnitChoice(m_function, size).unit(), suits ? m_unit : "VECTA")
+            << m_function.name << ", " << what << ": " << size.width << " x " << size.height;
+    }
+
+    const FunctionTest& m_function;
+    const OffloadRule& m_rule;
+    const char* m_unit;
+    uint32_t m_widthStep, m_leastHeight;
+};
+
+void expectRules(RVK_IMPL unit, const char* name, std::optional<OffloadRule> Contract::*rule)
+{
+    const AllOnUnit all(unit);
+    forEachFunction([&](const FunctionTest& function) {
+        if (const auto& its = function.contract.*rule)
+            RuleTest(function, *its, name).run();
+        else
+            EXPECT_EQ(UnitChoice(function, {1, 1}).unit(), name) << function.name << " has no rule";
+    });
+}
+
+TEST(Contract, CallsThatDoNotSuitTheDspFallBack)
+{
+    expectRules(RVK_IMPL_NDSP, "NDSP", &Contract::dspRule);
+}
+
+TEST(Contract, CallsThatDoNotSuitTheGpuFallBack)
+{
+    expectRules(RVK_IMPL_GPU, "GPU", &Contract::gpuRule);
+}
+
+TEST(Contract, ForcedOffloadLeavesOutTheRulesOfTheDsp)
+{
+    const AllOnUnit all(RVK_IMPL_NDSP);
+    dispatchState.offloadForced = 1;
+    forEachFunction([](const FunctionTest& function) {
+        EXPECT_EQ(UnitChoice(function, {1, 1}).unit(), "NDSP") << function.name;
+    });
+    dispatchState.offloadForced = 0;
+}
+
+// ---- vector implementations -----------------------------------------------------------------------------------------
+
+// Around the multiples of each vector size, and all small ones.
+std::vector<uint32_t> widths()
+{
+#if defined(__x86_64__)
+    constexpr uint32_t kVectorBytes = 64, kAll = 68;
+#else
+    constexpr uint32_t kVectorBytes = 16, kAll = 20;
+#endif
+    std::vector<uint32_t> all;
+    for (uint32_t width = 1; width <= kAll; width++)
+        all.push_back(width);
+    for (uint32_t multiple = 2 * kVectorBytes; multiple <= 4 * kVectorBytes; multiple += kVectorBytes)
+        for (uint32_t width = multiple - 1; width <= multiple + 1; width++)
+            all.push_back(width);
+    all.push_back(300);
+    return all;
+}
+
+struct VectaCell
+{
+    const char* variant;
+    AnyFunction function;
+};
+
+std::vector<VectaCell> vectaCells(uint32_t slot)
+{
+    std::vector<VectaCell> cells;
+    uint32_t count = 0;
+    const vecta::Variant* variants = vecta::variants(count);
+    for (uint32_t i = 0; i < count; i++)
+        for (const vecta::Entry* e = variants[i].column; variants[i].runsHere && e->implementation; e++)
+            if (e->slot == slot)
+                cells.push_back({variants[i].name, e->implementation});
+    return cells;
+}
+
+// Where memory differs from what the reference made of it; empty when it does not.
+std::string difference(const FunctionCall& call, const std::vector<uint8_t>& expected, float tolerance)
+{
+    const uint8_t* e = expected.data();
+    for (const FunctionCall::Block& block : call.blocks()) {
+        const bool isFloat = block.element == Element::f32;
+        const uint32_t step = isFloat ? 4 : 1;
+        for (size_t i = 0; i < block.bytes(); i += step, e += step) {
+            const size_t column = i % block.stride;
+            const auto place = [&] {
+                return "argument " + std::to_string(block.argument) + ", row " + std::to_string(i / block.stride) +
+                       (column < block.rowBytes ? ", byte " : ", outside of the row, byte ") + std::to_string(column);
+            };
+            float wanted = e[0], got = block.data[i];
+            if (isFloat) {
+                memcpy(&wanted, e, 4);
+                memcpy(&got, block.data + i, 4);
+            }
+            const bool same = isFloat ? sameFloat(wanted, got) || std::fabs(wanted - got) <= tolerance : wanted == got;
+            if (!same)
+                return place() + ": expected " + std::to_string(wanted) + ", got " + std::to_string(got);
+        }
+    }
+    return "";
+}
+
+void expectVectaEqualsReference(const FunctionTest& function, const std::vector<VectaCell>& cells,
+                                AnyFunction reference)
+{
+    uint32_t seed = 0;
+    for (const uint32_t width : widths()) {
+        SeededBits bits(++seed);
+        FunctionCall call(function, bits);
+        const CaseSize least = function.leastAccepted(call.values.numbers);
+        const uint32_t rows = bits.below(8) ? 1 + bits.below(6) : 1 + bits.below(70);
+        const FunctionCall::Layout layout{
+            .mostPadding = bits.below(3) ? 0 : bits.below(40),
+            .inPlace = bits.below(3) == 0,
+            .flush = bits.below(2) ? GuardedMemory::Flush::toEnd : GuardedMemory::Flush::toStart,
+            .content = static_cast<Content>(bits.below(static_cast<uint32_t>(Content::count)))};
+        call.draw({least.width - 1 + width, least.height - 1 + rows}, layout);
+        const auto describe = [&](const char* where) {
+            return std::string(where) + ", " + std::to_string(call.size().width) + "x" +
+                   std::to_string(call.size().height) + ", content " +
+                   std::to_string(static_cast<int>(layout.content)) + (layout.inPlace ? ", in place" : "");
+        };
+        setCurrent(function, describe("reference"));
+        const Outcome expectedOutcome = call.call(reference);
+        const std::vector<uint8_t> expected = contents(call);
+        for (const VectaCell& cell : cells) {
+            setCurrent(function, describe(cell.variant));
+            const Outcome outcome = call.call(cell.function);
+            ASSERT_TRUE(outcome == expectedOutcome) << currentCall;
+            if (contents(call) != expected) {
+                ASSERT_EQ(difference(call, expected, function.tolerance), "") << currentCall;
+            }
+        }
+    }
+}
+
+class VectaContract : public testing::TestWithParam<const TestGroup*>
+{
+};
+
+TEST_P(VectaContract, EqualsReference)
+{
+    for (const FunctionTest& function : GetParam()->functions().functions) {
+        const uint32_t slot = slotNamed(function.function);
+        if (slot == kNoSlot)
+            continue; // the form that it calls is tested
+        const std::vector<VectaCell> cells = vectaCells(slot);
+        EXPECT_FALSE(cells.empty()) << function.name << " has no vector implementation here";
+        expectVectaEqualsReference(function, cells, referenceOf(slot));
+    }
+}
+
+std::vector<const TestGroup*> functionGroups()
+{
+    std::vector<const TestGroup*> groups;
+    for (const TestGroup& group : testGroups())
+        if (group.functions)
+            groups.push_back(&group);
+    return groups;
+}
+
+INSTANTIATE_TEST_SUITE_P(Groups, VectaContract, testing::ValuesIn(functionGroups()),
+                         [](const auto& group) { return std::string(group.param->keyword); });
+
+} // namespace

@@ -1,0 +1,241 @@
+// A call of a function as its descriptor says: pictures in memory between guard pages, numbers for all other arguments.
+#pragma once
+
+#include "functionTest.h"
+#include "testCase.h"
+#include "trial.h"
+
+#include <algorithm>
+#include <map>
+
+namespace test {
+
+class SeededBits : public RandomBits
+{
+public:
+    explicit SeededBits(uint64_t seed) : m_random(seed) {}
+    uint32_t next() override { return static_cast<uint32_t>(m_random.next() >> 32); }
+    uint32_t below(uint32_t bound) { return m_random.below(bound); }
+
+private:
+    Random m_random;
+};
+
+// Elements of a type and content: rows are copied from them, because drawing each anew takes longer than the functions.
+template <class T>
+const T* drawnElements(Content content, SeededBits& bits, size_t count)
+{
+    constexpr size_t kElements = 1 << 14;
+    static std::map<Content, std::vector<T>> pools;
+    std::vector<T>& pool = pools[content];
+    Random random(7 + static_cast<uint64_t>(content));
+    while (pool.size() < kElements)
+        pool.push_back(drawElement<T>(random, content));
+    return pool.data() + bits.below(static_cast<uint32_t>(kElements - count));
+}
+
+class FunctionCall
+{
+public:
+    struct Layout
+    {
+        uint32_t mostPadding = 0; // elements between rows, where there is a stride
+        bool inPlace = false;     // where the contract allows it
+        GuardedMemory::Flush flush = GuardedMemory::Flush::toEnd;
+        Content content = Content::uniform;
+    };
+    // The memory of an image.
+    struct Block
+    {
+        size_t argument;
+        Element element;
+        uint32_t rowBytes, rows, stride;
+        uint8_t* data;
+        std::vector<uint8_t> before;
+
+        size_t bytes() const { return rows && rowBytes ? size_t{stride} * (rows - 1) + rowBytes : 0; }
+    };
+
+    CallValues values;
+
+    // Draws numbers that the function accepts.
+    FunctionCall(const FunctionTest& function, SeededBits& bits)
+        : values{std::vector<void*>(function.arguments.size()), std::vector<double>(function.arguments.size())},
+          m_function(function), m_bits(bits)
+    {
+        for (size_t i = 0; i < function.arguments.size(); i++)
+            if (function.arguments[i].role == Role::scalar)
+                values.numbers[i] = drawScalar(function.arguments[i], bits);
+    }
+
+    // Lays out and fills the images of a case. A stride is drawn for each argument that gives one.
+    void draw(CaseSize size, const Layout& layout);
+
+    // Makes all memory what it was before the call.
+    void restore() const
+    {
+        for (const Block& block : m_blocks)
+            std::copy(block.before.begin(), block.before.end(), block.data);
+    }
+    bool isUnchanged() const
+    {
+        return std::all_of(m_blocks.begin(), m_blocks.end(), [](const Block& block) {
+            return std::equal(block.before.begin(), block.before.end(), block.data);
+        });
+    }
+    Outcome call(AnyFunction function) const
+    {
+        restore();
+        return m_function.bindTo(function, values)();
+    }
+
+    const std::vector<Block>& blocks() const { return m_blocks; }
+    CaseSize size() const { return m_size; }
+    // Bytes of a row of an image, and its rows.
+    uint32_t rowBytes(size_t argument) const { return columns(argument) * of(argument).pixelSize(); }
+    uint32_t rows(size_t argument) const;
+
+private:
+    using Role = Argument::Role;
+
+    const Argument& of(size_t argument) const { return m_function.arguments[argument]; }
+    uint32_t columns(size_t argument) const;
+    uint32_t drawStride(size_t strideArgument, uint32_t mostPadding);
+    void place(size_t argument, uint32_t stride, const Layout& layout);
+    void fill(const Block& block, Content content);
+    void shareSource();
+
+    const FunctionTest& m_function;
+    SeededBits& m_bits;
+    CaseSize m_size{1, 1};
+    std::vector<Block> m_blocks;
+};
+
+inline uint32_t FunctionCall::columns(size_t argument) const
+{
+    const Argument& a = of(argument);
+    if (a.fixedSize)
+        return a.fixedSize;
+    const uint32_t beyond = a.isInterior ? m_function.windowOf(values.numbers).width - 1 : 0;
+    const uint32_t whole = a.isTransposed ? m_size.height : m_size.width;
+    return whole - std::min(whole, beyond);
+}
+
+inline uint32_t FunctionCall::rows(size_t argument) const
+{
+    const Argument& a = of(argument);
+    if (a.fixedSize)
+        return 1;
+    const uint32_t beyond = a.isInterior ? m_function.windowOf(values.numbers).height - 1 : 0;
+    const uint32_t whole = a.isTransposed ? m_size.width : m_size.height;
+    return whole - std::min(whole, beyond);
+}
+
+inline void FunctionCall::draw(CaseSize size, const Layout& layout)
+{
+    m_size = size;
+    m_blocks.clear();
+    std::vector<uint32_t> strides(m_function.arguments.size());
+    for (size_t i = 0; i < m_function.arguments.size(); i++) {
+        if (of(i).role == Role::width)
+            values.numbers[i] = size.width;
+        else if (of(i).role == Role::height)
+            values.numbers[i] = size.height;
+        else if (of(i).role == Role::area)
+            values.numbers[i] = double{1} * size.width * size.height;
+        else if (of(i).role == Role::stride)
+            strides[i] = drawStride(i, layout.mostPadding);
+    }
+    for (size_t i = 0; i < m_function.arguments.size(); i++)
+        if (of(i).isImage()) {
+            const size_t stride = m_function.strideOfImage(i);
+            place(i, stride == FunctionTest::npos ? rowBytes(i) : strides[stride], layout);
+        }
+    for (size_t i = 0; i < m_function.arguments.size(); i++)
+        if (of(i).role == Role::alias) {
+            values.pointers[i] = values.pointers[of(i).aliasOf];
+            values.numbers[m_function.strideOfImage(i)] = values.numbers[m_function.strideOfImage(of(i).aliasOf)];
+        }
+    if (layout.inPlace && m_function.contract.dstIsSrc == InPlace::allowed)
+        shareSource();
+}
+
+// What is left of a stride beyond whole elements does not count; at times there is such a rest.
+inline uint32_t FunctionCall::drawStride(size_t strideArgument, uint32_t mostPadding)
+{
+    uint32_t widest = 0, largestElement = 1;
+    for (const size_t image : m_function.imagesOfStride(strideArgument)) {
+        if (!of(image).isImage())
+            continue;
+        widest = std::max(widest, rowBytes(image));
+        largestElement = std::max(largestElement, sizeOf(of(image).element));
+    }
+    const uint32_t stride = widest + m_bits.below(mostPadding + 1) * largestElement;
+    values.numbers[strideArgument] = stride + (mostPadding ? m_bits.below(largestElement) : 0);
+    return stride;
+}
+
+inline void FunctionCall::place(size_t argument, uint32_t stride, const Layout& layout)
+{
+    // One for each argument, for all calls.
+    constexpr size_t kMostBytes = 1 << 20;
+    static std::vector<GuardedMemory> regions;
+    while (regions.size() <= argument)
+        regions.emplace_back(kMostBytes, GuardedMemory::Flush::toEnd);
+
+    Block block{argument, of(argument).element, rowBytes(argument), rows(argument), stride, nullptr, {}};
+    if (block.bytes() > kMostBytes)
+        abort();
+    block.data =
+        regions[argument].data() + (layout.flush == GuardedMemory::Flush::toEnd ? kMostBytes - block.bytes() : 0);
+    std::fill_n(block.data, block.bytes(), uint8_t{0xA5});
+    if (of(argument).isInput())
+        fill(block, layout.content);
+    block.before.assign(block.data, block.data + block.bytes());
+    values.pointers[argument] = block.data;
+    m_blocks.push_back(std::move(block));
+}
+
+inline void FunctionCall::fill(const Block& block, Content content)
+{
+    visitElement(block.element, [&](auto zero) {
+        using T = decltype(zero);
+        const size_t elements = block.rowBytes / sizeof(T);
+        const T constant = *drawnElements<T>(Content::uniform, m_bits, 1);
+        for (uint32_t y = 0; y < block.rows; y++) {
+            T* const row = reinterpret_cast<T*>(block.data + size_t{y} * block.stride);
+            const T* const drawn = drawnElements<T>(content, m_bits, elements);
+            if (content == Content::constant)
+                std::fill_n(row, elements, constant);
+            else
+                std::copy_n(drawn, elements, row);
+            if (of(block.argument).isMask)
+                for (size_t x = 0; x < elements; x++)
+                    row[x] = drawn[elements - 1 - x] > T{100} ? row[x] : T{0};
+        }
+    });
+}
+
+// Lets the destination take the place of one of the sources with the same pixels.
+inline void FunctionCall::shareSource()
+{
+    const auto isPlain = [&](size_t i) { return of(i).isPicture() && !of(i).isMask && !of(i).isTransposed; };
+    for (size_t dst = 0; dst < m_function.arguments.size(); dst++) {
+        if (of(dst).role != Role::destination || !isPlain(dst))
+            continue;
+        std::vector<size_t> sources;
+        for (size_t src = 0; src < m_function.arguments.size(); src++)
+            if (of(src).role == Role::source && isPlain(src) && of(src).pixelSize() == of(dst).pixelSize())
+                sources.push_back(src);
+        if (sources.empty())
+            continue;
+        const size_t src = sources[m_bits.below(static_cast<uint32_t>(sources.size()))];
+        std::erase_if(m_blocks, [&](const Block& block) { return block.argument == dst; });
+        values.pointers[dst] = values.pointers[src];
+        const size_t from = m_function.strideOfImage(src), to = m_function.strideOfImage(dst);
+        if (to != FunctionTest::npos)
+            values.numbers[to] = from == FunctionTest::npos ? rowBytes(src) : values.numbers[from];
+    }
+}
+
+} // namespace test
