@@ -15,52 +15,13 @@ using Shorts = Vec<int16_t>;
 // Sums of as many pixels as a vector of 16-bit elements has, in the order that is cheapest.
 using Sums = Vecs<int32_t, 2>;
 
-#if defined(__x86_64__)
-
-// (a * b + 2^14) >> 15
-RVK_INLINE Shorts multiplyRounded(Shorts a, Shorts b)
-{
-    return vec<int16_t>(RVK_MM(mulhrs_epi16)(reg(a), reg(b)));
-}
-
-RVK_INLINE Shorts distance(Shorts a, Shorts b)
-{
-    return abs(a - b);
-}
-
 // Weights and differences of two neighbours.
-RVK_INLINE void addNeighbours(Sums& sum, Sums& total, Vecs<int16_t, 2> weights, Vecs<int16_t, 2> differences)
+RVK_INLINE void addNeighbours(Sums& sum, Sums& total, const Vecs<int16_t, 2>& weights,
+                              const Vecs<int16_t, 2>& differences)
 {
-    const Vecs<int16_t, 2> w = zipInLanes(weights[0], weights[1]), d = zipInLanes(differences[0], differences[1]);
-    const Shorts one = splat<int16_t>(1);
-    sum = {sum[0] + dotPairs(w[0], d[0]), sum[1] + dotPairs(w[1], d[1])};
-    total = {total[0] + dotPairs(w[0], one), total[1] + dotPairs(w[1], one)};
+    sum = addDotInLanes(sum, weights, differences);
+    total = addBothInLanes(total, weights);
 }
-
-#else
-
-RVK_INLINE Shorts multiplyRounded(Shorts a, Shorts b)
-{
-    return vec(vqrdmulhq_s16(reg(a), reg(b)));
-}
-
-RVK_INLINE Shorts distance(Shorts a, Shorts b)
-{
-    return absDiff(a, b);
-}
-
-RVK_INLINE void addNeighbours(Sums& sum, Sums& total, Vecs<int16_t, 2> weights, Vecs<int16_t, 2> differences)
-{
-    for (size_t i = 0; i < 2; ++i)
-        sum = {vec(vmlal_s16(reg(sum[0]), lowHalf(weights[i]), lowHalf(differences[i]))),
-               vec(vmlal_s16(reg(sum[1]), highHalf(weights[i]), highHalf(differences[i])))};
-    const auto both = bitCast<uint16_t>(weights[0] + weights[1]); // below 2^16
-    const Vecs<uint32_t, 2> t = {bitCast<uint32_t>(total[0]), bitCast<uint32_t>(total[1])};
-    total = {bitCast<int32_t>(vec(vaddw_u16(reg(t[0]), lowHalf(both)))),
-             bitCast<int32_t>(vec(vaddw_u16(reg(t[1]), highHalf(both))))};
-}
-
-#endif
 
 struct RangeVectors
 {
@@ -220,11 +181,7 @@ private:
         const size_t inside = width - first < size - before ? width - first : size - before;
         fill(to, before);
         mapRow(
-            inside, to + before,
-            [](Vec<uint8_t> v) RVK_INLINE_LAMBDA {
-                const Vecs<uint16_t, 2> wide = widen(v);
-                return Vecs<int16_t, 2>{bitCast<int16_t>(wide[0]), bitCast<int16_t>(wide[1])};
-            },
+            inside, to + before, [](Vec<uint8_t> v) RVK_INLINE_LAMBDA { return bitCast<int16_t>(widen(v)); },
             row + first);
         fill(to + before + inside, size - before - inside);
     }

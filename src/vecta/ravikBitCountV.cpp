@@ -26,16 +26,6 @@ RVK_INLINE Word loadWord(const uint8_t* p)
     return word;
 }
 
-// Set bits of a machine word. 32-bit Arm has no instruction for it outside the vector unit.
-RVK_INLINE uint32_t countWord(uint64_t word)
-{
-#if defined(__ARM_NEON) && !defined(__aarch64__)
-    return static_cast<uint32_t>(vget_lane_u64(vpaddl_u32(vpaddl_u16(vpaddl_u8(vcnt_u8(vcreate_u8(word))))), 0));
-#else
-    return static_cast<uint32_t>(__builtin_popcountll(word));
-#endif
-}
-
 // Word by word, the rest by halves.
 template <class... Source>
 RVK_INLINE uint32_t countByWords(size_t length, const Source*... src)
@@ -43,23 +33,23 @@ RVK_INLINE uint32_t countByWords(size_t length, const Source*... src)
     uint32_t count = 0;
     for (; length >= 32; length -= 32) {
         for (size_t i = 0; i < 32; i += 8)
-            count += countWord(bitsOf(loadWord<uint64_t>(src + i)...));
+            count += countBits(bitsOf(loadWord<uint64_t>(src + i)...));
         ((src += 32), ...);
     }
     for (; length >= 8; length -= 8) {
-        count += countWord(bitsOf(loadWord<uint64_t>(src)...));
+        count += countBits(bitsOf(loadWord<uint64_t>(src)...));
         ((src += 8), ...);
     }
     if (length & 4) {
-        count += countWord(bitsOf(loadWord<uint32_t>(src)...));
+        count += countBits(bitsOf(loadWord<uint32_t>(src)...));
         ((src += 4), ...);
     }
     if (length & 2) {
-        count += countWord(bitsOf(loadWord<uint16_t>(src)...));
+        count += countBits(bitsOf(loadWord<uint16_t>(src)...));
         ((src += 2), ...);
     }
     if (length & 1)
-        count += countWord(bitsOf(*src...));
+        count += countBits(bitsOf(*src...));
     return count;
 }
 
@@ -90,19 +80,10 @@ RVK_INLINE uint32_t countByVectors(size_t length, const Source*... src)
     return reduceAdd(total) + countByWords(length, src...);
 }
 
-// From how many bytes on vectors are faster than words. Without AVX they never are.
-#if defined(__AVX2__)
-constexpr size_t kBytesForVectors = 64;
-#elif defined(__x86_64__)
-constexpr size_t kBytesForVectors = SIZE_MAX;
-#else
-constexpr size_t kBytesForVectors = kBytes;
-#endif
-
 template <class... Source>
 RVK_INLINE uint32_t countString(size_t length, const Source*... src)
 {
-    if (length < kBytesForVectors)
+    if (length < kCountBitsInVectorsFrom)
         return countByWords(length, src...);
     return countByVectors(length, src...);
 }

@@ -120,9 +120,8 @@ void rvkImageDiffu8f32V(const uint8_t* src1, const uint8_t* src2, uint32_t srcWi
 {
     // The difference fits 9 bits, so it is formed in 16-bit integers and converted once.
     const auto formula = [](Vec<uint8_t> a, Vec<uint8_t> b) RVK_INLINE_LAMBDA {
-        const Vecs<uint16_t, 2> wideA = widen(a), wideB = widen(b);
-        const Vecs<int32_t, 2> low = widen(bitCast<int16_t>(wideA[0] - wideB[0]));
-        const Vecs<int32_t, 2> high = widen(bitCast<int16_t>(wideA[1] - wideB[1]));
+        const Vecs<int16_t, 2> difference = subtractWide(a, b);
+        const Vecs<int32_t, 2> low = widen(difference[0]), high = widen(difference[1]);
         return Vecs<float, 4>{toFloat(low[0]), toFloat(low[1]), toFloat(high[0]), toFloat(high[1])};
     };
     mapImage(srcWidth, srcHeight, Plane{dst, dstStride}, formula, Plane{src1, srcStride}, Plane{src2, srcStride});

@@ -84,82 +84,27 @@ struct ByteTables
 };
 constexpr ByteTables kRiseBytes(kRise), kRunBytes(kRun);
 
-#if defined(__x86_64__)
-
-struct Table32
-{
-    Vec<uint8_t> first, second;
-
-    explicit RVK_INLINE Table32(const uint8_t (&bytes)[32]) : first(loadTable16(bytes)), second(loadTable16(bytes + 16))
-    {
-    }
-    RVK_INLINE Vec<uint8_t> at(Vec<uint8_t> index) const
-    {
-        const Vec<uint8_t> inHalf = index & splat<uint8_t>(15);
-        const Mask<int8_t> isSecond = greater(bitCast<int8_t>(index), splat<int8_t>(15));
-        return bitCast<uint8_t>(
-            select(isSecond, bitCast<int8_t>(lookup16(second, inHalf)), bitCast<int8_t>(lookup16(first, inHalf))));
-    }
-};
-
-#elif defined(__aarch64__)
-
-struct Table32
-{
-    uint8x16x2_t table;
-
-    explicit RVK_INLINE Table32(const uint8_t (&bytes)[32]) : table{{vld1q_u8(bytes), vld1q_u8(bytes + 16)}} {}
-    RVK_INLINE Vec<uint8_t> at(Vec<uint8_t> index) const { return vec(vqtbl2q_u8(table, reg(index))); }
-};
-
-#else
-
-struct Table32
-{
-    uint8x8x4_t table;
-
-    explicit RVK_INLINE Table32(const uint8_t (&bytes)[32])
-        : table{{vld1_u8(bytes), vld1_u8(bytes + 8), vld1_u8(bytes + 16), vld1_u8(bytes + 24)}}
-    {
-    }
-    RVK_INLINE Vec<uint8_t> at(Vec<uint8_t> index) const
-    {
-        return join(vtbl4_u8(table, lowHalf(index)), vtbl4_u8(table, highHalf(index)));
-    }
-};
-
-#endif
-
 // Numbers by their indices, in the order of widenInLanes.
 struct Table32Of16
 {
     Table32 low, high;
 
-    explicit RVK_INLINE Table32Of16(const ByteTables& bytes) : low(bytes.low), high(bytes.high) {}
+    explicit RVK_INLINE Table32Of16(const ByteTables& bytes)
+        : low(loadTable32(bytes.low)), high(loadTable32(bytes.high))
+    {
+    }
     RVK_INLINE Vecs<uint16_t, 2> at(Vec<uint8_t> index) const
     {
-        const Vecs<uint8_t, 2> numbers = zipInLanes(low.at(index), high.at(index));
+        const Vecs<uint8_t, 2> numbers = zipInLanes(lookup32(low, index), lookup32(high, index));
         return {bitCast<uint16_t>(numbers[0]), bitCast<uint16_t>(numbers[1])};
     }
 };
-
-// 1 / v of a positive number, as an instruction guesses it: with a relative error below 2^-7.
-RVK_INLINE Vec<float> guessedReciprocal(Vec<float> v)
-{
-#if defined(__ARM_NEON)
-    return vec(vrecpeq_f32(reg(v)));
-#elif RVK_AVX512
-    return vec(_mm512_rcp14_ps(floatReg(v)));
-#else
-    return vec(RVK_MM(rcp_ps)(floatReg(v)));
-#endif
-}
 
 // The phase within an eighth of a turn, rounded down, as good as a parabola knows it: wrong by less than 0.33, of which
 // the quotient makes 0.16.
 RVK_INLINE Vec<int32_t> guessedStep(Vec<uint32_t> small, Vec<uint32_t> large)
 {
-    const Vec<float> tangent = toFloat(small) * guessedReciprocal(toFloat(large));
+    const Vec<float> tangent = toFloat(small) * guessReciprocal(toFloat(large));
     return truncateToInt(tangent * (splat(43.12f) - splat(11.12f) * tangent));
 }
 

@@ -320,6 +320,8 @@ SimdGroup single()
         UNARY(int32_t, abs(a), a < 0 ? 0 - uint32_t(a) : uint32_t(a)),
         BINARY(uint8_t, average(a, b), (a + b + 1) >> 1),
         BINARY(uint16_t, average(a, b), (a + b + 1) >> 1),
+        BINARY(int16_t, distance(shiftRight(a, 1), shiftRight(b, 1)),
+               (a >> 1) < (b >> 1) ? (b >> 1) - (a >> 1) : (a >> 1) - (b >> 1)),
         BINARY(int16_t, multiplyHigh(a, b), (int32_t(a) * b) >> 16),
         BINARY(uint16_t, multiplyHigh(a, b), (uint32_t(a) * b) >> 16),
         mapping<int16_t, int32_t, 2 * kLanes<int16_t>, kLanes<int32_t>>(
@@ -331,6 +333,10 @@ SimdGroup single()
             }),
 
         UNARY(uint8_t, countBits(a), __builtin_popcount(a)),
+        mapping<uint32_t, uint32_t, 2, 1>(
+            "countBits of a word",
+            [](const uint32_t* in, uint32_t* out) { *out = countBits(uint64_t{in[1]} << 32 | in[0]); },
+            [](const uint32_t* in, size_t) { return __builtin_popcount(in[0]) + __builtin_popcount(in[1]); }),
         mapping<uint8_t, uint64_t, 2 * kLanes<uint8_t>, 1>(
             "laneBits",
             [](const uint8_t* in, uint64_t* out) { *out = laneBits(less(load(in), load(in + kLanes<uint8_t>))); },
@@ -346,6 +352,12 @@ SimdGroup single()
                 store(out, lookup16(loadTable16(in), load(in + 16) & splat<uint8_t>(15)));
             },
             [](const uint8_t* in, size_t i) { return in[in[16 + i] % 16]; }),
+        mapping<uint8_t, uint8_t, 32 + kLanes<uint8_t>, kLanes<uint8_t>>(
+            "lookup32",
+            [](const uint8_t* in, uint8_t* out) {
+                store(out, lookup32(loadTable32(in), load(in + 32) & splat<uint8_t>(31)));
+            },
+            [](const uint8_t* in, size_t i) { return in[in[32 + i] % 32]; }),
         mapping<uint8_t, uint8_t, 256 + kLanes<uint8_t>, kLanes<uint8_t>>(
             "lookup",
             [](const uint8_t* in, uint8_t* out) {
@@ -398,6 +410,23 @@ SimdGroup widerInLanes()
     return group(list);
 }
 
+// Exact results that need the wider type.
+template <class T>
+SimdGroup wideSums()
+{
+    constexpr size_t n = kLanes<T>;
+    using W = Wider<T>;
+    static constexpr SimdOperation list[] = {
+        mapping<T, W, 2 * n, n>(
+            "addWide", [](const T* in, W* out) { store(out, addWide(load(in), load(in + n))); },
+            [](const T* in, size_t i) { return int32_t(in[i]) + in[n + i]; }),
+        mapping<T, Signed<W>, 2 * n, n>(
+            "subtractWide", [](const T* in, Signed<W>* out) { store(out, subtractWide(load(in), load(in + n))); },
+            [](const T* in, size_t i) { return int32_t(in[i]) - in[n + i]; }),
+    };
+    return group(list);
+}
+
 template <class T>
 SimdGroup wideProducts()
 {
@@ -425,7 +454,17 @@ SimdGroup narrowing()
     return group(list);
 }
 
-// zipInLanes of halves orders elements like the narrowing functions expect them, so the one undoes the other.
+// Two vectors in the order of ...InLanes: zipInLanes of the lower and upper halves of the elements.
+template <class T>
+Vecs<T, 2> loadInLanes(const T* in)
+{
+    using U = Unsigned<T>;
+    constexpr unsigned half = sizeof(T) * 4;
+    const Vecs<U, 2> v = bitCast<U>(loadVecs<2>(in));
+    const auto z = zipInLanes(narrow(v), narrow(Vecs<U, 2>{shiftRight(v[0], half), shiftRight(v[1], half)}));
+    return {bitCast<T>(z[0]), bitCast<T>(z[1])};
+}
+
 template <class T, class To>
 SimdGroup narrowingWithSaturation()
 {
@@ -435,17 +474,183 @@ SimdGroup narrowingWithSaturation()
             "narrowSat", [](const T* in, To* out) { store(out, narrowSat<To>(loadVecs<2>(in))); },
             [](const T* in, size_t i) { return saturate<To>(in[i]); }),
         mapping<T, To, n, n>(
-            "narrowSatInLanes",
-            [](const T* in, To* out) {
-                using N = Narrower<Unsigned<T>>; // the elements as low and high halves, wide again after the zip
-                const Vecs<Unsigned<T>, 2> v = {bitCast<Unsigned<T>>(load(in)), bitCast<Unsigned<T>>(load(in + n / 2))};
-                const Vec<N> low = narrow(v);
-                const Vec<N> high =
-                    narrow(Vecs<Unsigned<T>, 2>{shiftRight(v[0], sizeof(N) * 8), shiftRight(v[1], sizeof(N) * 8)});
-                const Vecs<N, 2> z = zipInLanes(low, high);
-                store(out, narrowSatInLanes<To>(Vecs<T, 2>{bitCast<T>(z[0]), bitCast<T>(z[1])}));
-            },
+            "narrowSatInLanes", [](const T* in, To* out) { store(out, narrowSatInLanes<To>(loadInLanes(in))); },
             [](const T* in, size_t i) { return saturate<To>(in[i]); }),
+    };
+    return group(list);
+}
+
+template <class T, class To>
+SimdGroup narrowingWithRounding()
+{
+    constexpr size_t n = 2 * kLanes<T>;
+    constexpr unsigned spare = sizeof(T) == 4; // 32 bits leave room for the rounding term
+    static constexpr SimdOperation list[] = {
+        mapping<T, To, n, n>(
+            "narrowRoundedInLanes by 1",
+            [](const T* in, To* out) {
+                const Vecs<T, 2> v = loadInLanes(in);
+                store(out, narrowRoundedInLanes<To, 1>(Vecs<T, 2>{shiftRight(v[0], spare), shiftRight(v[1], spare)}));
+            },
+            [](const T* in, size_t i) { return saturate<To>((int64_t{in[i] >> spare} + 1) >> 1); }),
+        mapping<T, To, n, n>(
+            "narrowRoundedInLanes by half",
+            [](const T* in, To* out) {
+                const Vecs<T, 2> v = loadInLanes(in);
+                store(out, narrowRoundedInLanes<To, sizeof(To) * 8>(
+                               Vecs<T, 2>{shiftRight(v[0], spare), shiftRight(v[1], spare)}));
+            },
+            [](const T* in, size_t i) {
+                constexpr int half = 1 << (sizeof(To) * 8 - 1);
+                return saturate<To>((int64_t{in[i] >> spare} + half) >> (sizeof(To) * 8));
+            }),
+    };
+    return group(list);
+}
+
+// ---- products and rounding ------------------------------------------------------------------------------------------
+
+// In lane order from the order of ...InLanes: the lower halves of the elements, then the upper ones.
+void storeHalves(int16_t* out, const Vecs<int32_t, 2>& v)
+{
+    store(out, narrowInLanes(v));
+    store(out + kLanes<int16_t>, narrowInLanes(Vecs<int32_t, 2>{shiftRight(v[0], 16), shiftRight(v[1], 16)}));
+}
+
+int32_t halfOf(int64_t wide, size_t i)
+{
+    return static_cast<int32_t>(i < kLanes<int16_t> ? wide : static_cast<int32_t>(wrapping(wide)) >> 16);
+}
+
+int64_t dotOf(const int16_t* in, size_t i)
+{
+    constexpr size_t n = kLanes<int16_t>;
+    i %= n;
+    return int64_t{in[i]} * in[2 * n + i] + int64_t{in[n + i]} * in[3 * n + i];
+}
+
+int64_t roundedShift(int64_t v, unsigned count)
+{
+    return (v + (int64_t{1} << (count - 1))) >> count;
+}
+
+SimdGroup shortProducts()
+{
+    constexpr size_t n = kLanes<int16_t>;
+    static constexpr SimdOperation list[] = {
+        mapping<int16_t, int16_t, 4 * n, 2 * n>(
+            "dotInLanes",
+            [](const int16_t* in, int16_t* out) {
+                storeHalves(out, dotInLanes(loadVecs<2>(in), loadVecs<2>(in + 2 * n)));
+            },
+            [](const int16_t* in, size_t i) { return halfOf(dotOf(in, i), i); }),
+        mapping<int16_t, int16_t, 5 * n, 2 * n>(
+            "addDotInLanes",
+            [](const int16_t* in, int16_t* out) {
+                storeHalves(out,
+                            addDotInLanes(widenInLanes(load(in + 4 * n)), loadVecs<2>(in), loadVecs<2>(in + 2 * n)));
+            },
+            [](const int16_t* in, size_t i) { return halfOf(dotOf(in, i) + in[4 * n + i % n], i); }),
+        mapping<int16_t, int16_t, 3 * n, 2 * n>(
+            "addBothInLanes",
+            [](const int16_t* in, int16_t* out) {
+                const Vec<int16_t> positive = splat<int16_t>(INT16_MAX);
+                storeHalves(out, addBothInLanes(widenInLanes(load(in + 2 * n)),
+                                                {load(in) & positive, load(in + n) & positive}));
+            },
+            [](const int16_t* in, size_t i) {
+                return halfOf((in[i % n] & INT16_MAX) + (in[n + i % n] & INT16_MAX) + in[2 * n + i % n], i);
+            }),
+        mapping<int16_t, int16_t, n + 2, 2 * n>(
+            "multiplyAndShiftInLanes",
+            [](const int16_t* in, int16_t* out) {
+                storeHalves(out, multiplyAndShiftInLanes(load(in), in[n], 1 + static_cast<uint16_t>(in[n + 1]) % 29));
+            },
+            [](const int16_t* in, size_t i) {
+                return halfOf(roundedShift(int64_t{in[i % n]} * in[n], 1 + static_cast<uint16_t>(in[n + 1]) % 29), i);
+            }),
+        BINARY(int16_t, multiplyRounded(a, max(b, splat<int16_t>(-INT16_MAX))),
+               roundedShift(int64_t{a} * (b < -INT16_MAX ? -INT16_MAX : b), 15)),
+    };
+    return group(list);
+}
+
+// Shifts by a count from 1 on that is not a constant.
+template <class T>
+SimdGroup roundedShifts()
+{
+    constexpr size_t n = kLanes<T>;
+    constexpr unsigned counts = sizeof(T) * 8 - 1;
+    constexpr unsigned spare = sizeof(T) == 4; // 32 bits leave room for the rounding term
+    static constexpr SimdOperation list[] = {
+        mapping<T, T, n + 1, n>(
+            "shiftRightRounded",
+            [](const T* in, T* out) {
+                store(out, shiftRightRounded(shiftRight(load(in), spare), 1 + Unsigned<T>(in[n]) % (counts - spare)));
+            },
+            [](const T* in, size_t i) {
+                return roundedShift(in[i] >> spare, 1 + Unsigned<T>(in[n]) % (counts - spare));
+            }),
+    };
+    return group(list);
+}
+
+template <class T>
+SimdGroup saturatedShifts()
+{
+    constexpr size_t n = kLanes<T>;
+    static constexpr SimdOperation list[] = {
+        mapping<T, T, n + 1, n>(
+            "shiftLeftSat", [](const T* in, T* out) { store(out, shiftLeftSat(load(in), Unsigned<T>(in[n]) % 16u)); },
+            [](const T* in, size_t i) { return saturate<T>(int64_t{in[i]} * (1 << Unsigned<T>(in[n]) % 16u)); }),
+    };
+    return group(list);
+}
+
+// From two weights that follow the pixels.
+struct PairOfWeights
+{
+    int32_t first, second;
+};
+
+PairOfWeights meanWeights(const uint8_t* in)
+{
+    return {in[0], in[1] * (256 - in[0]) >> 8};
+}
+
+PairOfWeights sumWeights(const uint8_t* in)
+{
+    const auto weight = [](int low, int high) {
+        const int32_t w = static_cast<int16_t>(low | high << 8) >> 1;
+        return w > 16319 ? 16319 : w;
+    };
+    return {weight(in[0], in[1]), weight(in[2], in[3])};
+}
+
+int32_t weighted(const uint8_t* in, size_t i, PairOfWeights w)
+{
+    return (in[i] * w.first + in[kLanes<uint8_t> + i] * w.second + 128) >> 8;
+}
+
+SimdGroup weightedBytes()
+{
+    constexpr size_t n = kLanes<uint8_t>;
+    static constexpr SimdOperation list[] = {
+        mapping<uint8_t, uint8_t, 2 * n + 2, n>(
+            "weightedMean",
+            [](const uint8_t* in, uint8_t* out) {
+                const PairOfWeights w = meanWeights(in + 2 * n);
+                store(out, weightedMean(load(in), load(in + n), w.first, w.second));
+            },
+            [](const uint8_t* in, size_t i) { return weighted(in, i, meanWeights(in + 2 * n)); }),
+        mapping<uint8_t, uint8_t, 2 * n + 4, n>(
+            "weightedSum",
+            [](const uint8_t* in, uint8_t* out) {
+                const PairOfWeights w = sumWeights(in + 2 * n);
+                if (isWeightOfSums(w.first) && isWeightOfSums(w.second))
+                    store(out, weightedSum(load(in), load(in + n), w.first, w.second));
+            },
+            [](const uint8_t* in, size_t i) { return saturate<uint8_t>(weighted(in, i, sumWeights(in + 2 * n))); }),
     };
     return group(list);
 }
@@ -474,6 +679,32 @@ SimdGroup sums()
             [](const T* in, size_t) {
                 return sizeof(T) == 2 ? static_cast<W>(sumOf(in, n)) : static_cast<W>(static_cast<T>(sumOf(in, n)));
             }),
+    };
+    return group(list);
+}
+
+SimdGroup totals()
+{
+    constexpr size_t bytes = kLanes<uint8_t>, words = kLanes<int32_t>;
+    static constexpr SimdOperation list[] = {
+        mapping<uint8_t, uint32_t, 2 * bytes, 1>(
+            "Total",
+            [](const uint8_t* in, uint32_t* out) {
+                Total<uint8_t> total;
+                total.add(load(in));
+                total.add(load(in + bytes));
+                *out = total.value();
+            },
+            [](const uint8_t* in, size_t) { return sumOf(in, 2 * bytes); }),
+        mapping<int32_t, int64_t, 2 * words, 1>(
+            "Total",
+            [](const int32_t* in, int64_t* out) {
+                Total<int32_t> total;
+                total.add(load(in));
+                total.add(load(in + words));
+                *out = total.value();
+            },
+            [](const int32_t* in, size_t) { return sumOf(in, 2 * words); }),
     };
     return group(list);
 }
@@ -523,6 +754,44 @@ SimdGroup floats()
                 mapping<float, int32_t, kLanes<float>, kLanes<float>>(
                     "roundToInt", [](const float* in, int32_t* out) { store(out, roundToInt(load(in))); },
                     [](const float* in, size_t i) { return __builtin_nearbyintf(in[i]); })),
+    };
+    return group(list);
+}
+
+// Numbers in the order of floats, around 0 for the finite ones.
+int32_t orderKey(float x)
+{
+    const int32_t magnitude = static_cast<int32_t>(bitsOf(x) & 0x7fffffff);
+    return bitsOf(x) >> 31 ? -magnitude : magnitude;
+}
+
+// Positive numbers to guess from.
+Vec<float> positive(const uint32_t* in)
+{
+    return toFloat(shiftRight(load(in), 1) | splat<uint32_t>(1));
+}
+
+SimdGroup floatBits()
+{
+    constexpr size_t n = kLanes<float>;
+    static constexpr SimdOperation list[] = {
+        drawing(Draw::floats, mapping<float, int32_t, n, n>(
+                                  "orderKeys", [](const float* in, int32_t* out) { store(out, orderKeys(load(in))); },
+                                  [](const float* in, size_t i) { return orderKey(in[i]); })),
+        mapping<uint32_t, uint32_t, n, 1>(
+            "guessReciprocal",
+            [](const uint32_t* in, uint32_t* out) {
+                const Vec<float> v = positive(in);
+                *out = all(less(absDiff(guessReciprocal(v) * v, splat(1.0f)), splat(0x1p-7f)));
+            },
+            [](const uint32_t*, size_t) { return 1; }),
+        mapping<uint32_t, uint32_t, n, 1>(
+            "guessSquareRoot",
+            [](const uint32_t* in, uint32_t* out) {
+                const Vec<float> v = positive(in), root = squareRoot(v);
+                *out = all(less(absDiff(guessSquareRoot(v), root), root * splat(0x1p-19f)));
+            },
+            [](const uint32_t*, size_t) { return 1; }),
     };
     return group(list);
 }
@@ -595,6 +864,10 @@ SimdGroup (*const kGroups[])() = {
     widerInLanes<int8_t>,
     widerInLanes<uint16_t>,
     widerInLanes<int16_t>,
+    wideSums<uint8_t>,
+    wideSums<int8_t>,
+    wideSums<uint16_t>,
+    wideSums<int16_t>,
     wideProducts<uint8_t>,
     wideProducts<int8_t>,
     wideProducts<uint16_t>,
@@ -609,12 +882,25 @@ SimdGroup (*const kGroups[])() = {
     narrowingWithSaturation<int32_t, int16_t>,
     narrowingWithSaturation<int32_t, uint16_t>,
     narrowingWithSaturation<uint32_t, uint16_t>,
+    narrowingWithRounding<uint16_t, uint8_t>,
+    narrowingWithRounding<int16_t, uint8_t>,
+    narrowingWithRounding<int32_t, int16_t>,
+    narrowingWithRounding<int32_t, uint16_t>,
+    shortProducts,
+    roundedShifts<uint16_t>,
+    roundedShifts<int16_t>,
+    roundedShifts<int32_t>,
+    saturatedShifts<uint16_t>,
+    saturatedShifts<int16_t>,
+    weightedBytes,
     sums<uint16_t>,
     sums<int16_t>,
     sums<uint32_t>,
     sums<int32_t>,
     byteSums,
+    totals,
     floats,
+    floatBits,
 };
 
 } // namespace

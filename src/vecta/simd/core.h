@@ -32,7 +32,7 @@
 
 #define RVK_INLINE inline __attribute__((always_inline))
 #define RVK_INLINE_LAMBDA __attribute__((always_inline))
-#define RVK_NOINLINE __attribute__((noinline)) // for what has several callers and is large: it stands once for all of them
+#define RVK_NOINLINE __attribute__((noinline)) // for what is large and has several callers: it stands once for all
 
 namespace rvk::vecta::RVK_ISA {
 namespace {
@@ -87,6 +87,13 @@ template <> struct UnsignedOf<int64_t> { using Type = uint64_t; };
 template <> struct UnsignedOf<float> { using Type = uint32_t; };
 template <class T> using Unsigned = typename UnsignedOf<T>::Type;
 
+template <class T> struct SignedOf { using Type = T; };
+template <> struct SignedOf<uint8_t> { using Type = int8_t; };
+template <> struct SignedOf<uint16_t> { using Type = int16_t; };
+template <> struct SignedOf<uint32_t> { using Type = int32_t; };
+template <> struct SignedOf<uint64_t> { using Type = int64_t; };
+template <class T> using Signed = typename SignedOf<T>::Type;
+
 template <class A, class B> constexpr bool isSame = false;
 template <class A> constexpr bool isSame<A, A> = true;
 template <class T> constexpr bool isSigned = T(-1) < T(0);
@@ -128,6 +135,27 @@ template <class To, class From>
 RVK_INLINE Vec<To> bitCast(Vec<From> v)
 {
     return {(typename Vec<To>::Raw)v.raw};
+}
+
+template <class To, class From, size_t count>
+RVK_INLINE Vecs<To, count> bitCast(const Vecs<From, count>& v)
+{
+    Vecs<To, count> r;
+    unrolled<count>([&](auto i) RVK_INLINE_LAMBDA { r.v[i] = bitCast<To>(v.v[i]); });
+    return r;
+}
+
+// f on both halves of widened vectors.
+template <class T, class F>
+RVK_INLINE auto both(const Vecs<T, 2>& v, F f)
+{
+    return Vecs<typename decltype(f(v[0]))::Element, 2>{f(v[0]), f(v[1])};
+}
+
+template <class A, class B, class F>
+RVK_INLINE auto both(const Vecs<A, 2>& a, const Vecs<B, 2>& b, F f)
+{
+    return Vecs<typename decltype(f(a[0], b[0]))::Element, 2>{f(a[0], b[0]), f(a[1], b[1])};
 }
 
 // ---- memory ---------------------------------------------------------------------------------------------------------

@@ -61,6 +61,9 @@ RVK_UNARY(abs, int16_t, vabsq_s16)
 RVK_UNARY(abs, int32_t, vabsq_s32)
 RVK_UNARY(countBits, uint8_t, vcntq_u8)
 
+// |a - b| where a - b fits 16 bits.
+RVK_INLINE Vec<int16_t> distance(Vec<int16_t> a, Vec<int16_t> b) { return absDiff(a, b); }
+
 // ---- comparison and selection ---------------------------------------------------------------------------------------
 
 template <class T>
@@ -140,13 +143,27 @@ RVK_INLINE Vec<float> toFloat(Vec<int32_t> v) { return vec(vcvtq_f32_s32(reg(v))
 RVK_INLINE Vec<float> toFloat(Vec<uint32_t> v) { return toFloat(bitCast<int32_t>(v)); }
 RVK_INLINE Vec<int32_t> truncateToInt(Vec<float> v) { return vec(vcvtq_s32_f32(reg(v))); }
 
+// 1 / v of a positive number with a relative error below 2^-7, and its root with one below 2^-19: each instruction set
+// gives bits of its own.
+RVK_INLINE Vec<float> guessReciprocal(Vec<float> v) { return vec(vrecpeq_f32(reg(v))); }
+
 #if defined(__aarch64__)
 
+RVK_INLINE Vec<float> guessSquareRoot(Vec<float> v) { return vec(vsqrtq_f32(reg(v))); }
 RVK_BINARY(divide, float, vdivq_f32)
 RVK_UNARY(squareRoot, float, vsqrtq_f32)
 RVK_INLINE Vec<int32_t> roundToInt(Vec<float> v) { return vec(vcvtnq_s32_f32(reg(v))); }
 
 #else
+
+// An instruction's guess of the reciprocal root, good to 7 bits, and two of Newton's steps.
+RVK_INLINE Vec<float> guessSquareRoot(Vec<float> v)
+{
+    float32x4_t r = vrsqrteq_f32(reg(v));
+    r = vmulq_f32(r, vrsqrtsq_f32(vmulq_f32(reg(v), r), r));
+    r = vmulq_f32(r, vrsqrtsq_f32(vmulq_f32(reg(v), r), r));
+    return vec(vmulq_f32(reg(v), r));
+}
 
 RVK_INLINE Vec<float> divide(Vec<float> a, Vec<float> b)
 {
@@ -261,6 +278,23 @@ RVK_INLINE Vecs<Wider<T>, 2> widenInLanes(Vec<T> v)
     return widen(v);
 }
 
+// Exact sums and differences, twice as wide; differences have a sign.
+#define RVK_ADD_WIDE(T, suffix)                                                                                        \
+    RVK_INLINE Vecs<Wider<T>, 2> addWide(Vec<T> a, Vec<T> b)                                                           \
+    {                                                                                                                  \
+        return {vec(vaddl_##suffix(lowHalf(a), lowHalf(b))), vec(vaddl_##suffix(highHalf(a), highHalf(b)))};           \
+    }                                                                                                                  \
+    RVK_INLINE Vecs<Signed<Wider<T>>, 2> subtractWide(Vec<T> a, Vec<T> b)                                              \
+    {                                                                                                                  \
+        return {bitCast<Signed<Wider<T>>>(vec(vsubl_##suffix(lowHalf(a), lowHalf(b)))),                                \
+                bitCast<Signed<Wider<T>>>(vec(vsubl_##suffix(highHalf(a), highHalf(b))))};                             \
+    }
+RVK_ADD_WIDE(uint8_t, u8)
+RVK_ADD_WIDE(int8_t, s8)
+RVK_ADD_WIDE(uint16_t, u16)
+RVK_ADD_WIDE(int16_t, s16)
+#undef RVK_ADD_WIDE
+
 // Two vectors narrowed into the halves of one. g++ for 32-bit Arm narrows into other registers and moves them, unless
 // it is told both instructions.
 #if defined(__arm__) && !defined(__clang__)
@@ -362,6 +396,112 @@ RVK_INLINE Vec<int32_t> dotPairs(Vec<int16_t> a, Vec<int16_t> b)
 #endif
 }
 
+// a[0] * b[0] + a[1] * b[1], element by element, and that added to acc; sums wrap.
+RVK_INLINE Vecs<int32_t, 2> addDotInLanes(Vecs<int32_t, 2> acc, const Vecs<int16_t, 2>& a, const Vecs<int16_t, 2>& b)
+{
+    unrolled<2>([&](auto i) RVK_INLINE_LAMBDA {
+        acc = {vec(vmlal_s16(reg(acc[0]), lowHalf(a[i]), lowHalf(b[i]))),
+               vec(vmlal_s16(reg(acc[1]), highHalf(a[i]), highHalf(b[i])))};
+    });
+    return acc;
+}
+RVK_INLINE Vecs<int32_t, 2> dotInLanes(const Vecs<int16_t, 2>& a, const Vecs<int16_t, 2>& b)
+{
+    const Vecs<int32_t, 2> p = multiplyWide(a[0], b[0]);
+    return {vec(vmlal_s16(reg(p[0]), lowHalf(a[1]), lowHalf(b[1]))),
+            vec(vmlal_s16(reg(p[1]), highHalf(a[1]), highHalf(b[1])))};
+}
+
+// acc + v[0] + v[1], element by element, of elements that are not negative.
+RVK_INLINE Vecs<int32_t, 2> addBothInLanes(const Vecs<int32_t, 2>& acc, const Vecs<int16_t, 2>& v)
+{
+    const Vec<uint16_t> sum = bitCast<uint16_t>(v[0] + v[1]);
+    const Vecs<uint32_t, 2> a = bitCast<uint32_t>(acc);
+    return bitCast<int32_t>(Vecs<uint32_t, 2>{vec(vaddw_u16(reg(a[0]), lowHalf(sum))),
+                                              vec(vaddw_u16(reg(a[1]), highHalf(sum)))});
+}
+
+// ---- rounding -------------------------------------------------------------------------------------------------------
+
+// (a * b + 2^14) >> 15; not of -32768 twice.
+RVK_BINARY(multiplyRounded, int16_t, vqrdmulhq_s16)
+
+// (v + 2^(count - 1)) >> count, without overflow; the count is at least 1.
+// v << count, or the end of the range beyond which that lies.
+#define RVK_SHIFT_BY(name, T, intrinsic, splatCount, sign)                                                             \
+    RVK_INLINE Vec<T> name(Vec<T> v, unsigned count)                                                                   \
+    {                                                                                                                  \
+        return vec(intrinsic(reg(v), splatCount(static_cast<Signed<T>>(sign static_cast<int>(count)))));               \
+    }
+RVK_SHIFT_BY(shiftRightRounded, uint16_t, vrshlq_u16, vdupq_n_s16, -)
+RVK_SHIFT_BY(shiftRightRounded, int16_t, vrshlq_s16, vdupq_n_s16, -)
+RVK_SHIFT_BY(shiftRightRounded, int32_t, vrshlq_s32, vdupq_n_s32, -)
+RVK_SHIFT_BY(shiftLeftSat, uint16_t, vqshlq_u16, vdupq_n_s16, +)
+RVK_SHIFT_BY(shiftLeftSat, int16_t, vqshlq_s16, vdupq_n_s16, +)
+#undef RVK_SHIFT_BY
+
+// narrowSatInLanes of shiftRightRounded.
+#define RVK_NARROW_ROUNDED(To, T, intrinsic)                                                                           \
+    template <class Result, unsigned count>                                                                            \
+        requires(isSame<Result, To>)                                                                                   \
+    RVK_INLINE Vec<To> narrowRoundedInLanes(const Vecs<T, 2>& v)                                                       \
+    {                                                                                                                  \
+        return join(intrinsic(reg(v[0]), count), intrinsic(reg(v[1]), count));                                         \
+    }
+RVK_NARROW_ROUNDED(uint8_t, uint16_t, vqrshrn_n_u16)
+RVK_NARROW_ROUNDED(uint8_t, int16_t, vqrshrun_n_s16)
+RVK_NARROW_ROUNDED(int16_t, int32_t, vqrshrn_n_s32)
+RVK_NARROW_ROUNDED(uint16_t, int32_t, vqrshrun_n_s32)
+#undef RVK_NARROW_ROUNDED
+
+// shiftRightRounded of the products with a number, for counts from 1 to 29.
+RVK_INLINE Vecs<int32_t, 2> multiplyAndShiftInLanes(Vec<int16_t> v, int16_t factor, unsigned count)
+{
+    return both(multiplyWideInLanes(v, splat(factor)),
+                [=](auto half) RVK_INLINE_LAMBDA { return shiftRightRounded(half, count); });
+}
+
+// ---- weights: two numbers for all elements --------------------------------------------------------------------------
+
+// (a * weight1 + b * weight2 + 128) >> 8 for weights from 0 to 255 that make 256 at most.
+RVK_INLINE Vec<uint8_t> weightedMean(Vec<uint8_t> a, Vec<uint8_t> b, int32_t weight1, int32_t weight2)
+{
+    const uint8x8_t factor1 = vdup_n_u8(static_cast<uint8_t>(weight1));
+    const uint8x8_t factor2 = vdup_n_u8(static_cast<uint8_t>(weight2));
+#if defined(__arm__) && !defined(__clang__)
+    uint16x8_t low, high; // the same as below; g++ adds a move to every second instruction
+    __asm__("vmull.u8 %q0, %e2, %P4\n\tvmull.u8 %q1, %f2, %P4\n\t"
+            "vmlal.u8 %q0, %e3, %P5\n\tvmlal.u8 %q1, %f3, %P5\n\t"
+            "vrshrn.i16 %e0, %q0, #8\n\tvrshrn.i16 %f0, %q1, #8"
+            : "=&w"(low), "=&w"(high)
+            : "w"(reg(a)), "w"(reg(b)), "w"(factor1), "w"(factor2));
+    return bitCast<uint8_t>(vec(low));
+#else
+    const auto half = [=](uint8x8_t v, uint8x8_t w)
+                          RVK_INLINE_LAMBDA { return vrshrn_n_u16(vmlal_u8(vmull_u8(v, factor1), w, factor2), 8); };
+    return join(half(lowHalf(a), lowHalf(b)), half(highHalf(a), highHalf(b)));
+#endif
+}
+
+// The same, clamped, for weights of 16 bits.
+RVK_INLINE bool isWeightOfSums(int32_t)
+{
+    return true;
+}
+
+RVK_INLINE Vec<uint8_t> weightedSum(Vec<uint8_t> a, Vec<uint8_t> b, int32_t weight1, int32_t weight2)
+{
+    const int16x4_t factor1 = vdup_n_s16(static_cast<int16_t>(weight1));
+    const int16x4_t factor2 = vdup_n_s16(static_cast<int16_t>(weight2));
+    const auto quarter = [=](int16x4_t v, int16x4_t w) RVK_INLINE_LAMBDA {
+        return vqrshrun_n_s32(vmlal_s16(vmull_s16(v, factor1), w, factor2), 8);
+    };
+    const auto half = [=](Vec<int16_t> v, Vec<int16_t> w) RVK_INLINE_LAMBDA {
+        return join(quarter(lowHalf(v), lowHalf(w)), quarter(highHalf(v), highHalf(w)));
+    };
+    return narrowSat<uint8_t>(both(bitCast<int16_t>(widen(a)), bitCast<int16_t>(widen(b)), half));
+}
+
 // ---- tables ---------------------------------------------------------------------------------------------------------
 
 // A table of 16 bytes, repeated in every block of the register.
@@ -382,6 +522,19 @@ RVK_INLINE Vec<uint8_t> lookup16(Vec<uint8_t> table, Vec<uint8_t> index)
 }
 
 #if defined(__aarch64__)
+
+using Table32 = uint8x16x2_t;
+
+RVK_INLINE Table32 loadTable32(const uint8_t* table)
+{
+    return {{vld1q_u8(table), vld1q_u8(table + 16)}};
+}
+
+// table[index]; every index is below 32.
+RVK_INLINE Vec<uint8_t> lookup32(const Table32& table, Vec<uint8_t> index)
+{
+    return vec(vqtbl2q_u8(table, reg(index)));
+}
 
 struct Table256 {
     uint8x16x4_t quarter[4];
@@ -408,6 +561,19 @@ RVK_INLINE Vec<uint8_t> lookup(const Table256& table, Vec<uint8_t> index)
 }
 
 #else
+
+using Table32 = uint8x8x4_t;
+
+RVK_INLINE Table32 loadTable32(const uint8_t* table)
+{
+    return {{vld1_u8(table), vld1_u8(table + 8), vld1_u8(table + 16), vld1_u8(table + 24)}};
+}
+
+// table[index]; every index is below 32.
+RVK_INLINE Vec<uint8_t> lookup32(const Table32& table, Vec<uint8_t> index)
+{
+    return join(vtbl4_u8(table, lowHalf(index)), vtbl4_u8(table, highHalf(index)));
+}
 
 struct Table256 {
     const uint8_t* table; // 256 bytes are all registers there are, so each look-up loads them again
@@ -450,6 +616,18 @@ RVK_INLINE Vec<uint8_t> lookup(const Table256& table, Vec<uint8_t> index)
 }
 
 #endif
+
+// Set bits of a machine word, for which 32-bit Arm has no instruction outside the vector unit, and from how many bytes
+// on those of vectors are counted faster.
+RVK_INLINE uint32_t countBits(uint64_t word)
+{
+#if defined(__aarch64__)
+    return static_cast<uint32_t>(__builtin_popcountll(word));
+#else
+    return static_cast<uint32_t>(vget_lane_u64(vpaddl_u32(vpaddl_u16(vpaddl_u8(vcnt_u8(vcreate_u8(word))))), 0));
+#endif
+}
+constexpr size_t kCountBitsInVectorsFrom = kBytes;
 
 // ---- sums -----------------------------------------------------------------------------------------------------------
 
@@ -507,6 +685,17 @@ RVK_INLINE uint32_t reduceAdd(Vec<uint32_t> v)
 }
 
 RVK_INLINE int32_t reduceAdd(Vec<int32_t> v) { return static_cast<int32_t>(reduceAdd(bitCast<uint32_t>(v))); }
+
+// The sum of elements modulo 2^64.
+template <class T> struct Total;
+
+template <>
+struct Total<int32_t> {
+    Vec<int64_t> sums = {};
+
+    RVK_INLINE void add(Vec<int32_t> v) { sums = addTo(sums, v); }
+    RVK_INLINE int64_t value() const { return reduceAdd(sums); }
+};
 
 // ---- interleaved memory ---------------------------------------------------------------------------------------------
 

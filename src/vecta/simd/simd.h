@@ -17,27 +17,43 @@
 //             addSat, subSat: 8 and 16 bits; average: (a + b + 1) >> 1, u8 and u16
 //             abs: s8, s16, s32 (the least value stays), float (clears the sign bit)
 //             absDiff: exact modulo the width; but s32: abs of the wrapped difference; float: abs(a - b)
-//             countBits: u8, of each byte
+//             distance: s16, |a - b| where a - b fits
+//             countBits: u8, of each byte; of a machine word; kCountBitsInVectorsFrom: as many bytes, and vectors pay
+// Rounding    shiftRightRounded(v, count): (v + 2^(count - 1)) >> count, count > 0; u16, s16, s32 (where the sum fits)
+//             shiftLeftSat(v, count): u16, s16
+//             multiplyRounded(a, b): s16, (a * b + 2^14) >> 15, not of -32768 twice
+//             narrowRoundedInLanes<To, count>(vs): narrowSatInLanes<To> of the rounded shift, but not of u32
+//             multiplyAndShiftInLanes(v, factor, count): s16, s32: the rounded shift of the products, count < 30
+// Weights     weightedMean(a, b, weight1, weight2): u8, (a * weight1 + b * weight2 + 128) >> 8, weights from 0 to 255
+//             that make 256 at most; weightedSum: clamped, for any weights of which isWeightOfSums(weight) is true
 // Floats      divide, squareRoot: IEEE everywhere; nothing is contracted, a * b + c rounds twice
 //             toFloat: s32, and u32 below 2^31; truncateToInt, roundToInt (halves to even): the value must fit int32_t
+//             guessReciprocal, guessSquareRoot: of positive numbers, good to 7 and 19 bits; their bits differ
+//             orderKeys(v): s32 in the order of the floats, not-a-numbers at the ends, both zeros 0
 // Comparison  equal, greater, less -> Mask<T>, false for not-a-numbers; masks combine by & | ^ ~
 //             select(mask, a, b): a where true, else b; toVec(mask): all bits of true lanes set; any, all(mask);
 //             firstTrue(mask): the number of the first true lane, of which there must be one
 //             laneBits(mask): u8, bit i is lane i, in an integer of at least as many bits
 // Width       widen(v) -> Vecs<Wider, 2>; narrow(vs): drops the upper halves of the elements; narrowSat<To>(vs): s16 to
 //             u8 or s8, u16 to u8, s32 to s16 or u16, u32 to u16
+//             addWide, subtractWide(a, b) -> Vecs<Wider, 2>: exact, 8 and 16 bits; differences have a sign
 //             multiplyWide(a, b) -> Vecs<Wider, 2>: 8 and 16 bits; multiplyHigh: the upper halves of products, 16 bits
 //             dotPairs(a, b): s16 -> s32, a[2i] * b[2i] + a[2i + 1] * b[2i + 1]
+//             both(vs, f), both(vs, ws, f): f on both halves
 //  ..InLanes  widenInLanes, narrowInLanes, narrowSatInLanes<To>, multiplyWideInLanes, zipInLanes: the same, with the
 //             lanes of the wide vectors in the order that is cheapest. What one takes apart, another puts together
+//             dotInLanes(a, b): two vectors of s16 each -> s32, a[0] * b[0] + a[1] * b[1]; addDotInLanes(acc, a, b)
+//             addBothInLanes(acc, vs): s32 + s16, acc + vs[0] + vs[1] of elements that are not negative
 // Lanes       reverse(v); extract<n>(a, b): lanes n, n + 1, ... of a followed by b; zipLow, zipHigh, zip(a, b):
 //             a0 b0 a1 b1 ...; unzipEven, unzipOdd(a, b): every second lane of a followed by b
 //             shuffle(a, b, [](size_t i) { ... }): lane i is that lane of a followed by b; costs what it costs
-//             bitCast<To>(v): the same bits as other elements
-// Tables      lookup16(loadTable16(p), indices below 16), lookup(prepare(table of 256 bytes), any indices): u8. The
-//             table must stay where it is while the prepared one is in use
+//             bitCast<To>(v or vs): the same bits as other elements
+// Tables      lookup16(loadTable16(p), indices below 16), lookup32(loadTable32(p), indices below 32),
+//             lookup(prepare(table of 256 bytes), any indices): u8. The table must stay where it is while the prepared
+//             one is in use
 // Sums        addBytesTo(acc u32, u8), addTo(acc, v) for u16 to u32, s16 to s32, u32 to u64, s32 to s64: each element
 //             of v is added to some lane of acc; reduceAdd(v): exact for u8, u16 and s16, wrapping for 32 and 64 bits
+//             Total<T>: add(v), value(): of many; u8 modulo 2^32, s32 modulo 2^64
 //             reduceMin, reduceMax(v): 8, 16, 32 bits, and floats without not-a-numbers
 #pragma once
 
@@ -107,10 +123,39 @@ RVK_INLINE T reduceAdd(Vec<T> v)
 }
 #endif
 
+#if defined(__x86_64__)
+RVK_INLINE int64_t Total<int32_t>::value() const
+{
+    const uint64_t high = reduceAdd(highs);
+    const uint64_t low = reduceAdd(pairs) - (high << 32);
+    return static_cast<int64_t>(low + high - (vectors * Vec<int32_t>::lanes << 31));
+}
+#endif
+
 // ... and is exact for narrower ones.
 RVK_INLINE uint32_t reduceAdd(Vec<uint8_t> v) { return reduceAdd(addBytesTo(zero<uint32_t>(), v)); }
 RVK_INLINE uint32_t reduceAdd(Vec<uint16_t> v) { return reduceAdd(addTo(zero<uint32_t>(), v)); }
 RVK_INLINE int32_t reduceAdd(Vec<int16_t> v) { return reduceAdd(addTo(zero<int32_t>(), v)); }
+
+// The sum of bytes modulo 2^32.
+template <>
+struct Total<uint8_t> {
+    Vec<uint32_t> sums = {};
+
+    RVK_INLINE void add(Vec<uint8_t> v) { sums = addBytesTo(sums, v); }
+    RVK_INLINE uint32_t value() const { return reduceAdd(sums); }
+};
+
+// ---- floats in their order ------------------------------------------------------------------------------------------
+
+// Two's complement numbers in the order of the floats, both zeros 0, subnormals as they are. What is not a number lies
+// beyond both infinities, at either end.
+RVK_INLINE Vec<int32_t> orderKeys(Vec<float> v)
+{
+    const Vec<int32_t> bits = bitCast<int32_t>(v);
+    const Vec<int32_t> sign = shiftRight(bits, 31);
+    return ((bits & splat<int32_t>(INT32_MAX)) ^ sign) - sign;
+}
 
 } // namespace
 } // namespace rvk::vecta::RVK_ISA

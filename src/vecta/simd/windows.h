@@ -8,9 +8,8 @@
 //         static constexpr size_t step = Vec<uint8_t>::lanes;  // outputs side by side
 //         Vec<uint8_t> above = zero<uint8_t>(), twoAbove = above;
 //
-//         // Takes the next row of the image, at the left end of the first output's window, and gives the outputs of
-//         the
-//         // windows that end in that row. It may load `step` + `columns` - 1 elements.
+//         // Takes the next row of the image, at the left end of the first output's window, and gives the outputs
+//         // of the windows that end in that row. It may load `step` + `columns` - 1 elements.
 //         RVK_INLINE Vec<uint8_t> next(const uint8_t* p) { ... }
 //     };
 //

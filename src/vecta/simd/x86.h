@@ -200,8 +200,23 @@ RVK_INLINE Vec<int32_t> dotPairs(Vec<int16_t> a, Vec<int16_t> b)
     return vec<int32_t>(RVK_MM(madd_epi16)(reg(a), reg(b)));
 }
 
+// |a - b| where a - b fits 16 bits.
+RVK_INLINE Vec<int16_t> distance(Vec<int16_t> a, Vec<int16_t> b) { return abs(a - b); }
+
 RVK_INLINE Vec<float> divide(Vec<float> a, Vec<float> b) { return {a.raw / b.raw}; }
 RVK_INLINE Vec<float> squareRoot(Vec<float> a) { return vec(RVK_MM(sqrt_ps)(floatReg(a))); }
+
+// 1 / v of a positive number with a relative error below 2^-7, and its root with one below 2^-19: each instruction set
+// gives bits of its own.
+RVK_INLINE Vec<float> guessReciprocal(Vec<float> v)
+{
+#if RVK_AVX512
+    return vec(_mm512_rcp14_ps(floatReg(v)));
+#else
+    return vec(RVK_MM(rcp_ps)(floatReg(v)));
+#endif
+}
+RVK_INLINE Vec<float> guessSquareRoot(Vec<float> v) { return squareRoot(v); }
 
 RVK_INLINE Vec<float> toFloat(Vec<int32_t> v) { return vec(RVK_MM(cvtepi32_ps)(reg(v))); }
 RVK_INLINE Vec<float> toFloat(Vec<uint32_t> v) { return toFloat(bitCast<int32_t>(v)); }
@@ -514,6 +529,138 @@ RVK_MULTIPLY_WIDE(int16_t)
 RVK_MULTIPLY_WIDE(uint16_t)
 #undef RVK_MULTIPLY_WIDE
 
+// Exact sums and differences, twice as wide; differences have a sign.
+template <class T> RVK_INLINE Vecs<Wider<T>, 2> addWide(Vec<T> a, Vec<T> b)
+{
+    return both(widen(a), widen(b), [](auto x, auto y) RVK_INLINE_LAMBDA { return x + y; });
+}
+template <class T> RVK_INLINE Vecs<Signed<Wider<T>>, 2> subtractWide(Vec<T> a, Vec<T> b)
+{
+    return bitCast<Signed<Wider<T>>>(both(widen(a), widen(b), [](auto x, auto y) RVK_INLINE_LAMBDA { return x - y; }));
+}
+
+// a[0] * b[0] + a[1] * b[1], element by element, and that added to acc; sums wrap.
+RVK_INLINE Vecs<int32_t, 2> dotInLanes(const Vecs<int16_t, 2>& a, const Vecs<int16_t, 2>& b)
+{
+    return both(zipInLanes(a[0], a[1]), zipInLanes(b[0], b[1]),
+                [](auto x, auto y) RVK_INLINE_LAMBDA { return dotPairs(x, y); });
+}
+RVK_INLINE Vecs<int32_t, 2> addDotInLanes(const Vecs<int32_t, 2>& acc, const Vecs<int16_t, 2>& a,
+                                          const Vecs<int16_t, 2>& b)
+{
+    return both(acc, dotInLanes(a, b), [](auto x, auto y) RVK_INLINE_LAMBDA { return x + y; });
+}
+
+// acc + v[0] + v[1], element by element, of elements that are not negative.
+RVK_INLINE Vecs<int32_t, 2> addBothInLanes(const Vecs<int32_t, 2>& acc, const Vecs<int16_t, 2>& v)
+{
+    const Vec<int16_t> one = splat<int16_t>(1);
+    return addDotInLanes(acc, v, {one, one});
+}
+
+// ---- rounding -------------------------------------------------------------------------------------------------------
+
+// (a * b + 2^14) >> 15; not of -32768 twice.
+RVK_INLINE Vec<int16_t> multiplyRounded(Vec<int16_t> a, Vec<int16_t> b)
+{
+    return vec<int16_t>(RVK_MM(mulhrs_epi16)(reg(a), reg(b)));
+}
+
+// (v + 2^(count - 1)) >> count, without overflow but of int32_t; the count is at least 1.
+RVK_INLINE Vec<uint16_t> shiftRightRounded(Vec<uint16_t> v, unsigned count)
+{
+    return average(shiftRight(v, count - 1), zero<uint16_t>());
+}
+RVK_INLINE Vec<int16_t> shiftRightRounded(Vec<int16_t> v, unsigned count)
+{
+    return multiplyRounded(v, splat(static_cast<int16_t>(1 << (15 - count))));
+}
+RVK_INLINE Vec<int32_t> shiftRightRounded(Vec<int32_t> v, unsigned count)
+{
+    return shiftRight(v + splat(1 << (count - 1)), count);
+}
+
+// narrowSatInLanes of shiftRightRounded.
+template <class To, unsigned count, class T> RVK_INLINE Vec<To> narrowRoundedInLanes(const Vecs<T, 2>& v)
+{
+    return narrowSatInLanes<To>(both(v, [](auto half) RVK_INLINE_LAMBDA { return shiftRightRounded(half, count); }));
+}
+
+// shiftRightRounded of the products with a number, for counts from 1 to 29. The rounding term is a product as well, so
+// that one instruction forms the sum of both.
+RVK_INLINE Vecs<int32_t, 2> multiplyAndShiftInLanes(Vec<int16_t> v, int16_t factor, unsigned count)
+{
+    const unsigned half = count < 15 ? count - 1 : 14;
+    const uint32_t factors = static_cast<uint16_t>(factor) | (1u << (count - 1 - half)) << 16;
+    return both(zipInLanes(v, splat(static_cast<int16_t>(1 << half))), [=](auto pairs) RVK_INLINE_LAMBDA {
+        return shiftRight(dotPairs(pairs, bitCast<int16_t>(splat(factors))), count);
+    });
+}
+
+// v << count, or the end of the range beyond which that lies.
+RVK_INLINE Vec<uint16_t> shiftLeftSat(Vec<uint16_t> v, unsigned count)
+{
+    const Vec<uint16_t> largest = splat(static_cast<uint16_t>(UINT16_MAX >> count));
+    return select(greater(v, largest), splat<uint16_t>(UINT16_MAX), shiftLeft(v, count));
+}
+RVK_INLINE Vec<int16_t> shiftLeftSat(Vec<int16_t> v, unsigned count)
+{
+    const Vec<int16_t> shifted = shiftLeft(v, count), end = shiftRight(v, 15) ^ splat<int16_t>(INT16_MAX);
+    return select(equal(shiftRight(shifted, count), v), shifted, end);
+}
+
+// ---- weights: two numbers for all elements --------------------------------------------------------------------------
+
+// Products of bytes with signed bytes, neighbours added, saturated.
+RVK_INLINE Vec<int16_t> dotPairs(Vec<uint8_t> a, Vec<int8_t> b)
+{
+    return vec<int16_t>(RVK_MM(maddubs_epi16)(reg(a), reg(b)));
+}
+
+// Pairs of bytes in memory order.
+RVK_INLINE Vec<uint8_t> splatPair(int32_t first, int32_t second)
+{
+    return bitCast<uint8_t>(splat(static_cast<uint16_t>((first & 255) | (second & 255) << 8)));
+}
+
+// (a * weight1 + b * weight2 + 128) >> 8 for weights from 0 to 255 that make 256 at most. The pixels are the signed
+// bytes here, moved by -128. What the sum lacks for that comes with the rounding term.
+RVK_INLINE Vec<uint8_t> weightedMean(Vec<uint8_t> a, Vec<uint8_t> b, int32_t weight1, int32_t weight2)
+{
+    const Vec<uint8_t> offset = splat<uint8_t>(128);
+    const Vec<uint16_t> correction = splat(static_cast<uint16_t>(128 * (weight1 + weight2) + 128));
+    return narrowSatInLanes<uint8_t>(both(zipInLanes(a ^ offset, b ^ offset), [=](auto pairs) RVK_INLINE_LAMBDA {
+        const Vec<int16_t> sum = dotPairs(splatPair(weight1, weight2), bitCast<int8_t>(pairs));
+        return bitCast<int16_t>(shiftRight(bitCast<uint16_t>(sum) + correction, 8));
+    }));
+}
+
+// The same, clamped, for any weights of which isWeightOfSums is true: as real numbers, those between -64.25 and 63.75.
+//
+// The weights are the signed bytes here, two each: weight = 128 * high + low with low in -64..63. Then
+//     (a * weight1 + b * weight2 + 128) >> 8  =  (H + (L >> 7) + 1) >> 1
+// for the sums H and L of either part. L fits 16 bits. Where H does not, the result is far outside 0..255, and so is
+// what saturated sums make of it.
+RVK_INLINE int32_t highPart(int32_t weight)
+{
+    return (weight + 64) >> 7;
+}
+
+RVK_INLINE bool isWeightOfSums(int32_t weight)
+{
+    return highPart(weight) == static_cast<int8_t>(highPart(weight));
+}
+
+RVK_INLINE Vec<uint8_t> weightedSum(Vec<uint8_t> a, Vec<uint8_t> b, int32_t weight1, int32_t weight2)
+{
+    const int32_t high1 = highPart(weight1), high2 = highPart(weight2);
+    const Vec<int8_t> high = bitCast<int8_t>(splatPair(high1, high2));
+    const Vec<int8_t> low = bitCast<int8_t>(splatPair(weight1 - 128 * high1, weight2 - 128 * high2));
+    return narrowSatInLanes<uint8_t>(both(zipInLanes(a, b), [=](auto pairs) RVK_INLINE_LAMBDA {
+        return shiftRightRounded(addSat(dotPairs(pairs, high), shiftRight(dotPairs(pairs, low), 7)), 1);
+    }));
+}
+
 // ---- tables ---------------------------------------------------------------------------------------------------------
 
 // A table of 16 bytes, repeated in every block of the register.
@@ -532,6 +679,24 @@ RVK_INLINE Vec<uint8_t> loadTable16(const uint8_t* table)
 RVK_INLINE Vec<uint8_t> lookup16(Vec<uint8_t> table, Vec<uint8_t> index)
 {
     return vec<uint8_t>(RVK_MM(shuffle_epi8)(reg(table), reg(index)));
+}
+
+struct Table32 {
+    Vec<uint8_t> first, second;
+};
+
+RVK_INLINE Table32 loadTable32(const uint8_t* table)
+{
+    return {loadTable16(table), loadTable16(table + 16)};
+}
+
+// table[index]; every index is below 32.
+RVK_INLINE Vec<uint8_t> lookup32(const Table32& table, Vec<uint8_t> index)
+{
+    const Vec<uint8_t> inHalf = index & splat<uint8_t>(15);
+    const Mask<int8_t> isSecond = greater(bitCast<int8_t>(index), splat<int8_t>(15));
+    return bitCast<uint8_t>(select(isSecond, bitCast<int8_t>(lookup16(table.second, inHalf)),
+                                   bitCast<int8_t>(lookup16(table.first, inHalf))));
 }
 
 #if RVK_AVX512
@@ -602,6 +767,10 @@ RVK_INLINE Vec<uint8_t> countBits(Vec<uint8_t> v)
 #endif
 }
 
+// Set bits of a machine word, and from how many bytes on those of vectors are counted faster: without AVX never.
+RVK_INLINE uint32_t countBits(uint64_t word) { return static_cast<uint32_t>(__builtin_popcountll(word)); }
+constexpr size_t kCountBitsInVectorsFrom = kBytes > 16 ? 64 : SIZE_MAX;
+
 // ---- sums -----------------------------------------------------------------------------------------------------------
 
 // Adds all elements of v to the lanes of acc, whichever is convenient; sums wrap.
@@ -632,6 +801,26 @@ RVK_INLINE Vec<int64_t> addTo(Vec<int64_t> acc, Vec<int32_t> v)
     const Vecs<int64_t, 2> wide = widenInLanes(v);
     return acc + wide[0] + wide[1];
 }
+
+// The sum of elements modulo 2^64.
+template <class T> struct Total;
+
+// Cheaper than to widen: neighbours are summed as one number, high * 2^32 + low, and the high ones alone as well. The
+// sign bits are flipped, which adds 2^31 to each and makes all of them positive.
+template <>
+struct Total<int32_t> {
+    Vec<uint64_t> pairs = {}, highs = {};
+    uint64_t vectors = 0;
+
+    RVK_INLINE void add(Vec<int32_t> v)
+    {
+        const Vec<uint64_t> pair = bitCast<uint64_t>(v ^ splat<int32_t>(INT32_MIN));
+        pairs = pairs + pair;
+        highs = highs + shiftRight(pair, 32);
+        ++vectors;
+    }
+    RVK_INLINE int64_t value() const;
+};
 
 // ---- interleaved memory ---------------------------------------------------------------------------------------------
 
