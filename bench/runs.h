@@ -37,8 +37,10 @@ struct Totals
     int marked = 0;
 };
 
-// The two things that the program does; they return its exit status.
+// What the program does; all return its exit status. Instructions stand beside those that another compiler's program saved
+// in a file, if `besideFile` is not empty.
 int printTimes(std::string_view filter);
-int printInstructions(std::string_view filter);
+int printInstructions(std::string_view filter, const std::string& besideFile);
+int saveInstructions(std::string_view filter, const std::string& file);
 
 } // namespace bench
