@@ -5,9 +5,12 @@
 #include "groups.h"
 #include "support/functionCall.h"
 #include "support/logCapture.h"
+#include "support/scarceMemory.h"
 #include "vecta/column.h"
 
 #include <csignal>
+#include <fstream>
+#include <set>
 
 using namespace test;
 
@@ -247,6 +250,27 @@ TEST(Contract, RefusesEveryBadArgumentAndWritesNothing)
             EXPECT_EQ(logLines.size(), lines) << fault.what << (logLines.empty() ? "" : ": " + logLines.back());
         }
     });
+}
+
+// What the log quotes is read by programs, too: it stays word for word.
+TEST(Contract, QuotesKnownConditions)
+{
+    std::set<std::string> logged;
+    forEachFunction([&](const FunctionTest& function) {
+        SeededBits bits(1);
+        FunctionCall call = plainCall(function, bits);
+        for (const Fault& fault : Faults(function, call).take()) {
+            call.values = fault.values;
+            clearLog();
+            call.call(function.entry);
+            logged.insert(logLines.begin(), logLines.end());
+        }
+    });
+    std::ifstream conditions(RVK_SOURCE_DIR "/tests/conditions.txt");
+    size_t count = 0;
+    for (std::string line; std::getline(conditions, line); count++)
+        EXPECT_TRUE(logged.count("6 ravik_lib_log: Assertion failed @" + line + "\n")) << line;
+    EXPECT_GT(count, 0u);
 }
 
 // ---- what is accepted -----------------------------------------------------------------------------------------------
@@ -657,6 +681,41 @@ void expectVectaEqualsReference(const FunctionTest& function, const std::vector<
             }
         }
     }
+}
+
+// Each allocation of a call fails in turn. A call that does without it makes what it always makes; one that cannot says
+// so, as far as it has a status, and writes nothing; nothing stays taken.
+void expectSafeWithoutMemory(const FunctionTest& function, const VectaCell& cell)
+{
+    SeededBits bits(8);
+    const FunctionCall call = plainCall(function, bits, {90, 40});
+    const Outcome expectedOutcome = call.call(cell.function);
+    const std::vector<uint8_t> expected = contents(call);
+    setCurrent(function, std::string(cell.variant) + " without memory");
+    for (int granted = 0;; granted++) {
+        const ScarceMemory memory(granted);
+        const Outcome outcome = call.call(cell.function);
+        EXPECT_TRUE(memory.allIsReleased()) << currentCall;
+        const bool gaveUp = function.hasStatus ? outcome.status == RAVIK_ENORES : call.isUnchanged();
+        EXPECT_TRUE(gaveUp ? call.isUnchanged() : outcome == expectedOutcome && contents(call) == expected)
+            << currentCall << ", but for " << granted << " allocations";
+        if (!memory.hasRefused()) {
+            EXPECT_TRUE(outcome == expectedOutcome) << currentCall;
+            break;
+        }
+    }
+}
+
+TEST(Contract, NeedsNoMemoryOrWritesNothing)
+{
+    forEachFunction([](const FunctionTest& function) {
+        const uint32_t slot = slotNamed(function.function);
+        if (slot == kNoSlot)
+            return;
+        expectSafeWithoutMemory(function, {"C", referenceOf(slot)});
+        for (const VectaCell& cell : vectaCells(slot))
+            expectSafeWithoutMemory(function, cell);
+    });
 }
 
 class VectaContract : public testing::TestWithParam<const TestGroup*>

@@ -1,9 +1,7 @@
+#include "support/implementations.h"
 #include "support/logCapture.h"
-#include "support/trial.h"
 
-#include <algorithm>
 #include <array>
-#include <type_traits>
 
 using namespace test;
 
@@ -14,56 +12,24 @@ struct Size
     uint32_t width, height;
 };
 
-Size turned(Size s)
-{
-    return {s.height, s.width};
-}
-Size same(Size s)
-{
-    return s;
-}
+constexpr auto turned = [](Size s) { return Size{s.height, s.width}; };
+constexpr auto same = [](Size s) { return s; };
 
-// Where the pixel (x, y) of the source goes.
+// Where a pixel of the source goes.
 struct Place
 {
     uint32_t x, y;
 };
-Place transposed(Place p, Size)
-{
-    return {p.y, p.x};
-}
-Place mirrored(Place p, Size s)
-{
-    return {s.width - 1 - p.x, p.y};
-}
-Place upsideDown(Place p, Size s)
-{
-    return {p.x, s.height - 1 - p.y};
-}
-Place by90(Place p, Size s)
-{
-    return {s.height - 1 - p.y, p.x};
-}
-Place by180(Place p, Size s)
-{
-    return {s.width - 1 - p.x, s.height - 1 - p.y};
-}
-Place by270(Place p, Size s)
-{
-    return {p.y, s.width - 1 - p.x};
-}
-
-// Runs `check(name, function)` for the reference and every vector variant.
-template <Slot slot, class Check>
-void forEachImplementation(Check check)
-{
-    check("C", referenceOf<slot>());
-    forEachVecta<slot>(check);
-}
+constexpr auto transposed = [](Place p, Size) { return Place{p.y, p.x}; };
+constexpr auto mirrored = [](Place p, Size s) { return Place{s.width - 1 - p.x, p.y}; };
+constexpr auto upsideDown = [](Place p, Size s) { return Place{p.x, s.height - 1 - p.y}; };
+constexpr auto by90 = [](Place p, Size s) { return Place{s.height - 1 - p.y, p.x}; };
+constexpr auto by180 = [](Place p, Size s) { return Place{s.width - 1 - p.x, s.height - 1 - p.y}; };
+constexpr auto by270 = [](Place p, Size s) { return Place{p.y, s.width - 1 - p.x}; };
 
 // Moves pixels that are all different and looks where each of them has gone. T is the type of the function's images.
-template <Slot slot, class T, class... Argument>
-void expectMoves(uint32_t pixel, Size (*sizeAfter)(Size), Place (*placeAfter)(Place, Size), Argument... argument)
+template <Slot slot, class T, class SizeAfter, class PlaceAfter, class... Argument>
+void expectMoves(uint32_t pixel, SizeAfter sizeAfter, PlaceAfter placeAfter, Argument... argument)
 {
     for (const Size size : {Size{1, 1}, {1, 9}, {9, 1}, {5, 3}, {4, 4}, {37, 21}, {130, 75}, {64, 128}}) {
         const Size after = sizeAfter(size);
@@ -90,27 +56,33 @@ void expectMoves(uint32_t pixel, Size (*sizeAfter)(Size), Place (*placeAfter)(Pl
     }
 }
 
+template <Slot slot, class T>
+void expectFlips(uint32_t pixel)
+{
+    expectMoves<slot, T>(pixel, same, mirrored, RAVIK_FLIP_HORIZONTAL);
+    expectMoves<slot, T>(pixel, same, upsideDown, RAVIK_FLIP_VERTICAL);
+    expectMoves<slot, T>(pixel, same, by180, RAVIK_FLIP_BOTH);
+}
+
+template <Slot slot>
+void expectRotations(uint32_t pixel)
+{
+    expectMoves<slot, uint8_t>(pixel, turned, by90, RAVIK_ROTATE_90);
+    expectMoves<slot, uint8_t>(pixel, same, by180, RAVIK_ROTATE_180);
+    expectMoves<slot, uint8_t>(pixel, turned, by270, RAVIK_ROTATE_270);
+}
+
 TEST(Transform, EveryPixelArrives)
 {
     expectMoves<Slot::rvkTransposeu8, uint8_t>(1, turned, transposed);
     expectMoves<Slot::rvkTransposeu16, uint16_t>(2, turned, transposed);
     expectMoves<Slot::rvkTransposef32, float>(4, turned, transposed);
     expectMoves<Slot::rvkTransposeRGB888u8, uint8_t>(3, turned, transposed);
-    expectMoves<Slot::rvkFlipu8, uint8_t>(1, same, mirrored, RAVIK_FLIP_HORIZONTAL);
-    expectMoves<Slot::rvkFlipu8, uint8_t>(1, same, upsideDown, RAVIK_FLIP_VERTICAL);
-    expectMoves<Slot::rvkFlipu8, uint8_t>(1, same, by180, RAVIK_FLIP_BOTH);
-    expectMoves<Slot::rvkFlipu16, uint16_t>(2, same, mirrored, RAVIK_FLIP_HORIZONTAL);
-    expectMoves<Slot::rvkFlipu16, uint16_t>(2, same, upsideDown, RAVIK_FLIP_VERTICAL);
-    expectMoves<Slot::rvkFlipu16, uint16_t>(2, same, by180, RAVIK_FLIP_BOTH);
-    expectMoves<Slot::rvkFlipRGB888u8, uint8_t>(3, same, mirrored, RAVIK_FLIP_HORIZONTAL);
-    expectMoves<Slot::rvkFlipRGB888u8, uint8_t>(3, same, upsideDown, RAVIK_FLIP_VERTICAL);
-    expectMoves<Slot::rvkFlipRGB888u8, uint8_t>(3, same, by180, RAVIK_FLIP_BOTH);
-    expectMoves<Slot::rvkRotateImageu8, uint8_t>(1, turned, by90, RAVIK_ROTATE_90);
-    expectMoves<Slot::rvkRotateImageu8, uint8_t>(1, same, by180, RAVIK_ROTATE_180);
-    expectMoves<Slot::rvkRotateImageu8, uint8_t>(1, turned, by270, RAVIK_ROTATE_270);
-    expectMoves<Slot::rvkRotateImageInterleavedu8, uint8_t>(2, turned, by90, RAVIK_ROTATE_90);
-    expectMoves<Slot::rvkRotateImageInterleavedu8, uint8_t>(2, same, by180, RAVIK_ROTATE_180);
-    expectMoves<Slot::rvkRotateImageInterleavedu8, uint8_t>(2, turned, by270, RAVIK_ROTATE_270);
+    expectFlips<Slot::rvkFlipu8, uint8_t>(1);
+    expectFlips<Slot::rvkFlipu16, uint16_t>(2);
+    expectFlips<Slot::rvkFlipRGB888u8, uint8_t>(3);
+    expectRotations<Slot::rvkRotateImageu8>(1);
+    expectRotations<Slot::rvkRotateImageInterleavedu8>(2);
 }
 
 TEST(Transform, WorkedValues)
@@ -136,206 +108,76 @@ TEST(Transform, WorkedValues)
     EXPECT_TRUE(is({5, 6, 3, 4, 1, 2}));
 }
 
-// ---- VECTA: random sizes, strides and alignments; strides that are no multiple of the element ----
-
-// A source image of t.width x t.height pixels. Now and then, `wideRow` pixels are from row to row: so many that rows
-// collide in caches.
-template <class T>
-Image<T> source(Trial& t, uint32_t channels, uint32_t wideRow)
-{
-    if (t.below(8) != 0)
-        return t.inOut<T>(channels);
-    t.width = wideRow;
-    const Image<T> image = t.inOut<T>(channels);
-    t.width -= t.below(wideRow);
-    return image;
-}
-
-template <Slot slot, class T, uint32_t channels = 1>
-void expectTranspose(uint32_t wideRow)
+// Pictures whose rows are, now and then, so many pixels apart that they collide in caches.
+template <Slot slot, class T, class Call>
+void expectTurns(uint32_t channels, uint32_t wideRow, Call call)
 {
     expectVectaEqualsReference<slot>([&](auto function, Trial& t) {
-        const auto src = source<T>(t, channels, wideRow);
+        const bool isWide = t.below(8) == 0;
+        t.width = isWide ? wideRow : t.width;
+        const auto src = t.input<T>(channels);
+        t.width -= isWide ? t.below(wideRow) : 0;
         const auto dst = t.outputOf<T>(t.height * channels, t.width);
-        const uint32_t srcExtra = t.below(sizeof(T)), dstExtra = t.below(sizeof(T));
+        call(function, t, src, dst);
+    });
+}
+
+TEST(Transform, VectaEqualsReferenceForDistantRows)
+{
+    const auto transpose = [](auto function, Trial& t, auto src, auto dst) {
+        const uint32_t srcExtra = t.below(sizeof *src.data), dstExtra = t.below(sizeof *src.data); // no whole element
         function(src.data, t.width, t.height, src.stride + srcExtra, dst.data, dst.stride + dstExtra);
-    });
+    };
+    expectTurns<Slot::rvkTransposeu8, uint8_t>(1, 1024, transpose);
+    expectTurns<Slot::rvkTransposeu16, uint16_t>(1, 1024, transpose);
+    expectTurns<Slot::rvkTransposef32, float>(1, 1024, transpose);
+    expectTurns<Slot::rvkTransposeRGB888u8, uint8_t>(3, 4096, transpose);
+    const auto rotate = [](auto function, Trial& t, auto src, auto dst) {
+        const uint32_t rotation = t.below(2) ? RAVIK_ROTATE_90 : RAVIK_ROTATE_270;
+        t.result(function(src.data, t.width, t.height, src.stride, dst.data, dst.stride, rotation));
+    };
+    expectTurns<Slot::rvkRotateImageu8, uint8_t>(1, 2048, rotate);
+    expectTurns<Slot::rvkRotateImageInterleavedu8, uint8_t>(2, 1024, rotate);
 }
 
-template <Slot slot, class T, uint32_t channels = 1>
-void expectFlip()
-{
-    expectVectaEqualsReference<slot>(
-        [&](auto function, Trial& t) {
-            const uint32_t dir = 1 + t.below(3), inPlace = t.below(2), extra = t.below(sizeof(T));
-            const auto src = t.inOut<T>(channels);
-            const auto dst = inPlace ? src : t.output<T>(channels);
-            function(src.data, t.width, t.height, src.stride + extra, dst.data, dst.stride + extra, dir);
-        },
-        400);
-}
-
-template <Slot slot, uint32_t channels>
-void expectRotation(uint32_t wideRow)
-{
-    expectVectaEqualsReference<slot>(
-        [&](auto function, Trial& t) {
-            const uint32_t rotation = t.below(5), inPlace = t.below(2);
-            const auto src = source<uint8_t>(t, channels, wideRow);
-            if (rotation == RAVIK_ROTATE_90 || rotation == RAVIK_ROTATE_270) {
-                const auto dst = t.outputOf<uint8_t>(t.height * channels, t.width);
-                t.result(function(src.data, t.width, t.height, src.stride, dst.data, dst.stride, rotation));
-            } else {
-                const auto dst = inPlace ? src : t.output<uint8_t>(channels);
-                t.result(function(src.data, t.width, t.height, src.stride, dst.data, dst.stride, rotation));
-            }
-        },
-        400);
-}
-
-TEST(Transform, VectaEqualsReference)
-{
-    expectTranspose<Slot::rvkTransposeu8, uint8_t>(1024);
-    expectTranspose<Slot::rvkTransposeu16, uint16_t>(1024);
-    expectTranspose<Slot::rvkTransposef32, float>(1024);
-    expectTranspose<Slot::rvkTransposeRGB888u8, uint8_t, 3>(4096);
-    expectFlip<Slot::rvkFlipu8, uint8_t>();
-    expectFlip<Slot::rvkFlipu16, uint16_t>();
-    expectFlip<Slot::rvkFlipRGB888u8, uint8_t, 3>();
-    expectRotation<Slot::rvkRotateImageu8, 1>(2048);
-    expectRotation<Slot::rvkRotateImageInterleavedu8, 2>(1024);
-}
-
-// ---- arguments ----
-
-template <Slot slot, class T>
-void expectInPlaceWithTwoStridesRefused(uint32_t pixel, const std::string& flipName, uint32_t argument)
-{
-    const uint32_t stride = 8 * pixel;
-    forEachImplementation<slot>([&](const char* name, auto function) {
-        std::vector<T> image(stride * 4 / sizeof(T));
-        for (size_t i = 0; i < image.size(); ++i)
-            image[i] = static_cast<T>(i);
-        const std::vector<T> before = image;
-        clearLog();
-        function(image.data(), 5, 3, stride, image.data(), stride + pixel, argument);
-        EXPECT_EQ(image, before) << name;
-        EXPECT_TRUE(
-            logHas("6 ravik_lib_log: Error: " + flipName + " - Try to do in place but srcStride != dstStride\n"))
-            << name;
-    });
-}
+// ---- arguments that only these functions refuse ----
 
 TEST(Transform, InPlaceWithTwoStridesIsRefused)
 {
+    const auto expectRefused = [](auto function, auto zero, const char* flipName, uint32_t how) {
+        std::vector<decltype(zero)> image(64), before;
+        image[1] = 1;
+        before = image;
+        clearLog();
+        function(image.data(), 5, 3, 24, image.data(), 24 + 6, how);
+        EXPECT_EQ(image, before) << flipName;
+        EXPECT_TRUE(logHas(std::string("6 ravik_lib_log: Error: ") + flipName +
+                           " - Try to do in place but srcStride != dstStride\n"));
+    };
     for (const uint32_t dir : {1u, 2u, 3u}) {
-        expectInPlaceWithTwoStridesRefused<Slot::rvkFlipu8, uint8_t>(1, "rvkFlipu8", dir);
-        expectInPlaceWithTwoStridesRefused<Slot::rvkFlipu16, uint16_t>(2, "rvkFlipu16", dir);
-        expectInPlaceWithTwoStridesRefused<Slot::rvkFlipRGB888u8, uint8_t>(3, "rvkFlipRGB888u8", dir);
+        forEachImplementation<Slot::rvkFlipu8>(
+            [&](auto, auto function) { expectRefused(function, uint8_t{}, "rvkFlipu8", dir); });
+        forEachImplementation<Slot::rvkFlipu16>(
+            [&](auto, auto function) { expectRefused(function, uint16_t{}, "rvkFlipu16", dir); });
+        forEachImplementation<Slot::rvkFlipRGB888u8>(
+            [&](auto, auto function) { expectRefused(function, uint8_t{}, "rvkFlipRGB888u8", dir); });
     }
-    expectInPlaceWithTwoStridesRefused<Slot::rvkRotateImageu8, uint8_t>(1, "rvkFlipu8", 2);
-    expectInPlaceWithTwoStridesRefused<Slot::rvkRotateImageInterleavedu8, uint8_t>(2, "rvkFlipu16", 2);
+    forEachImplementation<Slot::rvkRotateImageu8>(
+        [&](auto, auto function) { expectRefused(function, uint8_t{}, "rvkFlipu8", 2); });
+    forEachImplementation<Slot::rvkRotateImageInterleavedu8>(
+        [&](auto, auto function) { expectRefused(function, uint8_t{}, "rvkFlipu16", 2); });
     uint8_t image[64] = {};
     EXPECT_EQ(rvkRotateImageu8(image, 5, 3, 8, image, 9, 2), RAVIK_EBADPARAM);
 }
 
-// Calls of a logging function that must each log `condition` and write nothing.
-class Refusals
+TEST(Transform, UnknownRotationsDoNothing)
 {
-public:
-    explicit Refusals(const std::string& condition) : m_line("6 ravik_lib_log: Assertion failed @" + condition + "\n")
-    {
-    }
-
-    template <class Function, class T, class... Argument>
-    void expect(Function function, const T* src, uint32_t width, uint32_t height, uint32_t srcStride, bool withDst,
-                uint32_t dstStride, Argument... argument)
-    {
-        T dst[64] = {T{77}};
-        clearLog();
-        function(src, width, height, srcStride, withDst ? dst : nullptr, dstStride, argument...);
-        EXPECT_TRUE(logHas(m_line)) << m_line << width << "x" << height << " " << srcStride << " " << dstStride;
-        EXPECT_EQ(logLines.size(), 1u);
-        EXPECT_EQ(dst[0], T{77});
-    }
-
-    // Every class of bad argument, for images of 4 x 2 pixels.
-    template <class T, class... Argument>
-    void expectAll(void (*function)(const T*, uint32_t, uint32_t, uint32_t, T*, uint32_t, Argument...), uint32_t pixel,
-                   uint32_t dstWidth, std::type_identity_t<Argument>... argument)
-    {
-        const T src[64] = {};
-        expect(function, static_cast<const T*>(nullptr), 4, 2, 0, true, 0, argument...);
-        expect(function, src, 4, 2, 0, false, 0, argument...);
-        expect(function, src, 0, 2, 0, true, 0, argument...);
-        expect(function, src, 4, 0, 0, true, 0, argument...);
-        expect(function, src, 4, 2, 4 * pixel - 1, true, 0, argument...);
-        expect(function, src, 4, 2, 0, true, dstWidth * pixel - 1, argument...);
-        if (pixel > 1) // rows whose size wraps to a small one
-            expect(function, src, UINT32_MAX / pixel + 2, 1, 0, true, 0, argument...);
-    }
-
-private:
-    std::string m_line;
-};
-
-TEST(Transform, BadArgumentsAreLoggedAndWriteNothing)
-{
-    const std::string both = "src && dst && srcWidth && srcHeight && ";
-    Refusals("rvkTransposeu8: " + both + "(srcStride >= srcWidth) && (dstStride >= srcHeight)")
-        .expectAll(rvkTransposeu8, 1, 2);
-    Refusals("rvkTransposeu16: " + both + "(srcStride >= srcWidth*2) && (dstStride >= srcHeight*2)")
-        .expectAll(rvkTransposeu16, 2, 2);
-    Refusals("rvkTransposef32: " + both + "(srcStride >= srcWidth*4) && (dstStride >= srcHeight*4)")
-        .expectAll(rvkTransposef32, 4, 2);
-    Refusals("rvkTransposeRGB888u8: " + both + "(srcStride >= srcWidth*3) && (dstStride >= srcHeight*3)")
-        .expectAll(rvkTransposeRGB888u8, 3, 2);
-    const std::string dir = " && dir >= 1 && dir <= 3";
-    Refusals flipu8("rvkFlipu8: " + both + "(srcStride >= srcWidth) && (dstStride >= srcWidth)" + dir);
-    flipu8.expectAll(rvkFlipu8, 1, 4, 1);
-    const uint8_t src[8] = {};
-    flipu8.expect(rvkFlipu8, src, 4, 2, 4, true, 4, 0u);
-    flipu8.expect(rvkFlipu8, src, 4, 2, 4, true, 4, 4u);
-    Refusals("rvkFlipu16: " + both + "(srcStride >= srcWidth*2) && (dstStride >= srcWidth*2)" + dir)
-        .expectAll(rvkFlipu16, 2, 4, 2);
-    Refusals("rvkFlipRGB888u8: " + both + "(srcStride >= srcWidth*3) && (dstStride >= srcWidth*3)" + dir)
-        .expectAll(rvkFlipRGB888u8, 3, 4, 3);
-}
-
-TEST(Transform, RotationsReturnTheirStatus)
-{
-    const uint8_t src[64] = {1};
-    uint8_t dst[64];
-    const auto check = [&](auto function, uint32_t pixel) {
-        const auto status = [&](const uint8_t* in, uint32_t width, uint32_t height, uint32_t srcStride, uint8_t* out,
-                                uint32_t dstStride, uint32_t rotation) {
-            memset(dst, 77, sizeof dst);
-            clearLog();
-            const rvkStatus result = function(in, width, height, srcStride, out, dstStride, rotation);
-            EXPECT_TRUE(logLines.empty());
-            if (result != RAVIK_SUCCESS) {
-                EXPECT_EQ(std::count(dst, dst + sizeof dst, 77), 64);
-            }
-            return result;
-        };
-        EXPECT_EQ(status(nullptr, 4, 2, 0, dst, 0, 1), RAVIK_EBADPARAM);
-        EXPECT_EQ(status(src, 4, 2, 0, nullptr, 0, 1), RAVIK_EBADPARAM);
-        EXPECT_EQ(status(src, 0, 2, 0, dst, 0, 1), RAVIK_EBADPARAM);
-        EXPECT_EQ(status(src, 4, 0, 0, dst, 0, 1), RAVIK_EBADPARAM);
-        EXPECT_EQ(status(src, 4, 2, 4 * pixel - 1, dst, 0, 1), RAVIK_EBADPARAM);
-        EXPECT_EQ(status(src, 4, 2, 0, dst, 2 * pixel - 1, 3), RAVIK_EBADPARAM);
-        EXPECT_EQ(status(src, 4, 2, 0, dst, 4 * pixel - 1, 2), RAVIK_EBADPARAM);
-        EXPECT_EQ(status(dst, 2, 2, 0, dst, 0, 1), RAVIK_EBADPARAM); // quarter turns cannot run in place
-        EXPECT_EQ(status(dst, 2, 2, 0, dst, 0, 3), RAVIK_EBADPARAM);
-        EXPECT_EQ(status(src, 4, 2, 0, dst, 2 * pixel, 1), RAVIK_SUCCESS);
-        for (const uint32_t other : {0u, 4u, UINT32_MAX}) {
-            EXPECT_EQ(status(src, 4, 2, 0, dst, 0, other), RAVIK_SUCCESS);
-            EXPECT_EQ(std::count(dst, dst + sizeof dst, 77), 64);
-        }
-    };
-    check(rvkRotateImageu8, 1);
-    check(rvkRotateImageInterleavedu8, 2);
-    EXPECT_EQ(rvkRotateImageInterleavedu8(src, 0x80000001u, 1, 0, dst, 0, 2), RAVIK_EBADPARAM); // x 2 wraps to 2
+    const uint8_t src[16] = {1, 2, 3};
+    uint8_t dst[16] = {77};
+    for (const auto function : {rvkRotateImageu8, rvkRotateImageInterleavedu8})
+        for (const uint32_t other : {0u, 4u, UINT32_MAX})
+            EXPECT_EQ(function(src, 4, 2, 0, dst, 0, other), RAVIK_SUCCESS);
+    EXPECT_EQ(dst[0], 77);
 }
 
 TEST(Transform, TheRgbReferenceEndsTheProcessOnBadArguments)
