@@ -3,39 +3,11 @@
 // The image is walked in chunks in row-major order. A chunk costs a minimum and a maximum per vector; only one that
 // improves on all chunks before it is remembered, and the places are looked up at the end, in the two chunks
 // remembered.
-#include "vecta/simd/rows.h"
+#include "vecta/simd/extremes.h"
 #include "vecta/vecta.h"
 
 namespace rvk::vecta::RVK_ISA {
 namespace {
-
-// Elements are compared by keys, as a rule themselves.
-template <class T>
-struct Order
-{
-    using Key = T;
-    static RVK_INLINE Vec<T> minKeys(Vec<T> v) { return v; }
-    static RVK_INLINE Vec<T> maxKeys(Vec<T> v) { return v; }
-};
-
-#if defined(__ARM_NEON) && !defined(__aarch64__)
-// The float comparisons of this vector unit take subnormal numbers for zero, so floats become two's complement numbers
-// of the same order, both zeros 0. What is not a number lies beyond both infinities, at either end; an offset that
-// wraps it around makes it lose every comparison.
-template <>
-struct Order<float>
-{
-    using Key = int32_t;
-    static RVK_INLINE Vec<Key> keys(Vec<float> v)
-    {
-        const Vec<Key> bits = bitCast<Key>(v);
-        const Vec<Key> sign = shiftRight(bits, 31);
-        return ((bits & splat<Key>(0x7fffffff)) ^ sign) - sign;
-    }
-    static RVK_INLINE Vec<Key> minKeys(Vec<float> v) { return keys(v) - splat<Key>(0x00800000); }
-    static RVK_INLINE Vec<Key> maxKeys(Vec<float> v) { return keys(v) + splat<Key>(0x007fffff); }
-};
-#endif
 
 template <class T>
 RVK_INLINE bool isNumber(T x)
@@ -44,53 +16,6 @@ RVK_INLINE bool isNumber(T x)
         return x == x;
     else
         return true;
-}
-
-// The extreme keys so far, lane by lane. A lane starts with a number; the floats that are none never replace it.
-template <class Key>
-struct Extremes
-{
-    Vec<Key> low, high;
-
-    template <class T>
-    RVK_INLINE void take(Vec<T> v)
-    {
-        low = min(low, Order<T>::minKeys(v));
-        high = max(high, Order<T>::maxKeys(v));
-    }
-};
-
-// The first n elements, n <= lanes; further lanes repeat the first element.
-template <class T>
-RVK_INLINE Vec<T> loadRepeating(const T* p, size_t n)
-{
-    Vec<T> v = splat(*p);
-    __builtin_memcpy(&v, p, n * sizeof(T));
-    return v;
-}
-
-// What n elements, n > 0, make of the extremes so far. Two accumulators, because a step of one waits for the one
-// before.
-template <class T, class Key>
-RVK_INLINE Extremes<Key> extremesOf(const T* p, size_t n, Extremes<Key> even)
-{
-    constexpr size_t lanes = Vec<T>::lanes;
-    if (n < 2 * lanes) {
-        even.take(n < lanes ? loadRepeating(p, n) : load(p));
-        if (n > lanes)
-            even.take(load(p + n - lanes));
-        return even;
-    }
-    Extremes<Key> odd = even;
-    even.take(load(p + n - 2 * lanes)); // with what the pairs leave over
-    odd.take(load(p + n - lanes));
-    size_t pairs = n / (2 * lanes);
-    do {
-        const Pair<Vec<T>> two = loadTwo(p);
-        even.take(two.first);
-        odd.take(two.second);
-    } while (--pairs > 0);
-    return {min(even.low, odd.low), max(even.high, odd.high)};
 }
 
 // The index of the first of n elements for which the lanes of `wanted(vector)` are true; there is one.
@@ -135,7 +60,7 @@ RVK_INLINE void minMaxLoc(const T* src, uint32_t srcWidth, uint32_t srcHeight, u
         for (size_t y = 0; y < height; ++y) {
             for (size_t x = 0; x < width; x += chunk) {
                 const size_t n = least(chunk, width - x);
-                const Extremes<Key> e = extremesOf(image.row(y) + x, n, Extremes<Key>{smallest.key, largest.key});
+                const Extremes<T> e = extremesOf(Extremes<T>{smallest.key, largest.key}, image.row(y) + x, n);
                 if (any(less(e.low, smallest.key)))
                     smallest = {splat(reduceMin(e.low)), x, y};
                 if (any(greater(e.high, largest.key)))
