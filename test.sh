@@ -5,6 +5,7 @@
 #   ./test.sh --all    also the format, clang, the Android compile check, AArch64, the thread sanitizer, bounded fuzzing
 #   ./test.sh STEP...  only these: host asan arm format clang android aarch64 tsan fuzz
 #
+# --fuzz-seconds N, before these, gives each fuzz target N seconds of a core instead of 60.
 # The last line says how many tests passed and failed; what a failed one printed is above it and in build/logs.
 set -u
 . "$(dirname "$0")/tools/setup.sh"
@@ -121,16 +122,36 @@ android() { one "android: compile check" build android-check androidCheck; }
 aarch64() { buildAndTest aarch64 && ravikTests aarch64 neon 1 qemu-aarch64 -L /usr/aarch64-linux-gnu; }
 tsan() { one "tsan: build" build tsan threadTests && unitTests tsan -L threads; }
 
-fuzz()
+fuzzTarget() # NAME SECONDS
+{
+    local found=build/fuzz/found/$1
+    mkdir -p "$found"
+    "build/fuzz/tests/$1" -max_total_time="$2" -timeout=10 -rss_limit_mb=2048 -artifact_prefix="$found-" "$found" \
+        $(ls -d "tests/fuzz/$1" 2>/dev/null)
+}
+
+finished() # PROCESS LOG: waits for a process of this shell, shows its log, has its status
+{
+    local status
+    wait "$1"
+    status=$?
+    cat "$2"
+    return $status
+}
+
+fuzz() # all targets at once, so long that each has had its share of the cores
 {
     one "fuzz: build" build fuzz fuzzers || return
-    local source name found
-    for source in tests/fuzz/*.cpp; do
-        name=$(basename "$source" .cpp)
-        found=build/fuzz/found/$name
-        mkdir -p "$found"
-        one "fuzz: $name" "build/fuzz/tests/$name" -max_total_time=$fuzzSeconds -timeout=10 -rss_limit_mb=2048 \
-            -artifact_prefix="$found-" "$found" $(ls -d "tests/fuzz/$name" 2>/dev/null)
+    local names name seconds processes=()
+    names=($(basename -s .cpp tests/fuzz/*.cpp))
+    seconds=$((fuzzSeconds * (${#names[@]} + jobs - 1) / jobs))
+    for name in "${names[@]}"; do
+        fuzzTarget "$name" $seconds >"$logs/$name.log" 2>&1 &
+        processes+=($!)
+    done
+    for name in "${names[@]}"; do
+        one "fuzz: $name" finished "${processes[0]}" "$logs/$name.log"
+        processes=("${processes[@]:1}")
     done
 }
 
@@ -150,6 +171,10 @@ needs() # STEP
     esac
 }
 
+if [ "${1-}" = --fuzz-seconds ]; then
+    fuzzSeconds=${2-}
+    shift 2
+fi
 case ${1-} in
 "") steps=$usual ;;
 --all) steps="$usual $extra" ;;

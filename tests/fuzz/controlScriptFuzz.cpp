@@ -2,47 +2,11 @@
 //
 // The first byte of the input chooses the destinations, the second the extension of the data file; a zero byte ends the
 // script, and what follows is the data file.
+#include "fuzzing.h"
+
 #include "controlScript.h"
-#include "testLog.h"
-
-#include "platform/platform.h"
-
-#include <cstdlib>
-#include <cstring>
-#include <string>
-#include <unistd.h>
-
-// Bad input is logged line by line; nobody reads it here.
-extern "C" int __android_log_print(int, const char*, const char*, ...)
-{
-    return 0;
-}
 
 namespace {
-
-// The directory that scripts take their data from, and gone with the process.
-class DataDirectory
-{
-public:
-    DataDirectory()
-    {
-        if (!mkdtemp(m_path))
-            abort();
-    }
-    ~DataDirectory()
-    {
-        remove("input.pgm");
-        remove("input_3x2.data");
-        remove("input.csv");
-        rmdir(m_path);
-    }
-    const char* path() const { return m_path; }
-    std::string file(const char* name) const { return std::string(m_path) + "/" + name; }
-    void remove(const char* name) const { unlink(file(name).c_str()); }
-
-private:
-    char m_path[32] = "/tmp/ravikFuzzXXXXXX";
-};
 
 constexpr const char* kDataFiles[] = {"input.pgm", "input_3x2.data", "input.csv"};
 
@@ -90,13 +54,6 @@ struct Destinations
     }
 };
 
-void writeFile(const std::string& path, const uint8_t* bytes, size_t size)
-{
-    FILE* const file = fopen(path.c_str(), "wb");
-    if (!file || fwrite(bytes, 1, size, file) != size || fclose(file) != 0)
-        abort();
-}
-
 // Every byte of a window can be read.
 uint32_t sumOf(const RAVIK_TEST_Buffer& buffer)
 {
@@ -111,7 +68,7 @@ uint32_t sumOf(const RAVIK_TEST_Buffer& buffer)
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
-    static const DataDirectory directory;
+    static fuzz::Directory directory;
     static volatile uint32_t sink;
     if (size < 2)
         return 0;
@@ -121,7 +78,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     size -= 2;
     const auto* const end = static_cast<const uint8_t*>(memchr(data, 0, size));
     const size_t scriptSize = end ? static_cast<size_t>(end - data) : size;
-    writeFile(directory.file(dataFile), end ? end + 1 : data, end ? size - scriptSize - 1 : 0);
+    directory.write(dataFile, end ? std::span(end + 1, size - scriptSize - 1) : std::span<const uint8_t>());
 
     FILE* const script = tmpfile();
     if (!script)
