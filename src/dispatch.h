@@ -155,21 +155,14 @@ inline bool enoughWork(uint32_t width, uint32_t height, uint32_t elementsPerPixe
 
 } // namespace rvk
 
-// Argument checks of the entries. The log quotes the condition as it is written, and names the function: the one in
-// which the check stands, or, in a body that several functions share, the one that the forms ..._OF are told.
+// Argument checks of the entries. The log names the function and quotes the condition as it is written; clang-format
+// knows these macros and leaves their arguments alone. A condition that multiplies a width cannot fail by its product's
+// wrapping, only hold: a check of rowFits() follows it.
 #define RVK_CHECK_ARGS(...) RVK_CHECK_ARGS_OR(, __VA_ARGS__)
-#define RVK_CHECK_ARGS_OR(result, ...) RVK_CHECK_OF_OR(__func__, result, true, __VA_ARGS__)
-#define RVK_CHECK_ARGS_OF(function, ...) RVK_CHECK_OF_OR(function, , true, __VA_ARGS__)
-
-// As RVK_CHECK_ARGS, for conditions that multiply a width: `fits` is a rowFits term that the log does not quote.
-#define RVK_CHECK_SIZED_ARGS(fits, ...) RVK_CHECK_SIZED_ARGS_OR(, fits, __VA_ARGS__)
-#define RVK_CHECK_SIZED_ARGS_OR(result, fits, ...) RVK_CHECK_OF_OR(__func__, result, fits, __VA_ARGS__)
-#define RVK_CHECK_SIZED_ARGS_OF(function, fits, ...) RVK_CHECK_OF_OR(function, , fits, __VA_ARGS__)
-
-#define RVK_CHECK_OF_OR(function, result, fits, ...)             \
+#define RVK_CHECK_ARGS_OR(result, ...)                           \
     do {                                                         \
-        if (!((fits) && (__VA_ARGS__))) {                        \
-            ::rvk::logArgumentAssertion(function, #__VA_ARGS__); \
+        if (!(__VA_ARGS__)) {                                    \
+            ::rvk::logArgumentAssertion(__func__, #__VA_ARGS__); \
             return result;                                       \
         }                                                        \
     } while (0)

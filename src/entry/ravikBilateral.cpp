@@ -1,5 +1,5 @@
 // Bilateral filters: the public functions.
-#include "dispatch.h"
+#include "bodies.h"
 
 using namespace rvk;
 
@@ -11,49 +11,72 @@ bool isPositiveAndFinite(float32_t sigma)
     return sigma > 0 && sigma <= __FLT_MAX__;
 }
 
-bool suitsDsp(uint32_t least, const uint8_t* src, uint32_t width, uint32_t height, uint32_t srcStride,
-              const uint8_t* dst, uint32_t dstStride)
+// Windows of `size` pixels each way; the forms without sigmas have none.
+template <Slot slot, class... Sigmas>
+ResultOf<slot> filterWindows(uint32_t size, Words words, const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight,
+                             uint32_t srcStride, uint8_t* dst, uint32_t dstStride, Sigmas... sigmas)
 {
-    return aligned(8, src, dst, srcStride, dstStride) && enoughWork(width, height) && height >= least;
+    srcStride = packedIfZero(srcStride, srcWidth);
+    dstStride = packedIfZero(dstStride, srcWidth);
+    const RVK_IMPL target = chooseTarget(
+        slot, [&] { return suitsDsp(windowOf(size), src, srcWidth, srcHeight, srcStride, dst, dstStride); });
+    if (!accepts(windowOf(size), src, srcWidth, srcHeight, srcStride, dst, dstStride))
+        return refuse<slot>(words);
+    if (src == dst)
+        return refuse<slot>({words.function, "src != dst"});
+    if (!(isPositiveAndFinite(sigmas) && ...))
+        return refuse<slot>({words.function, "isPositiveAndFinite(sigmaColor) && isPositiveAndFinite(sigmaSpace)"});
+    return implementation<slot>(target)(src, srcWidth, srcHeight, srcStride, dst, dstStride, sigmas...);
 }
+
+// The condition as the log quotes it.
+#define RVK_CONDITION(most)                                                                   \
+    "src && dst && srcWidth && srcHeight && (srcStride >=srcWidth) && (dstStride >=srcWidth)" \
+    " && srcWidth > " most " && srcHeight > " most
 
 } // namespace
 
-// The two forms for a window of `size` pixels, which `most` is one less than. The log quotes the condition as it stands
-// here, with the number in place of `most`.
-// clang-format off
-#define RVK_BILATERAL_FILTER(name, size, most)                                                                         \
-    void name(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride, uint8_t* dst,             \
-              uint32_t dstStride)                                                                                      \
-    {                                                                                                                  \
-        srcStride = packedIfZero(srcStride, srcWidth);                                                                 \
-        dstStride = packedIfZero(dstStride, srcWidth);                                                                 \
-        const RVK_IMPL target = chooseTarget(                                                                          \
-            Slot::name, [&] { return suitsDsp(size, src, srcWidth, srcHeight, srcStride, dst, dstStride); });          \
-        RVK_CHECK_ARGS(src && dst && srcWidth && srcHeight && (srcStride >=srcWidth) && (dstStride >=srcWidth) &&      \
-                       srcWidth > most && srcHeight > most);                                                           \
-        RVK_CHECK_ARGS(src != dst);                                                                                    \
-        implementation<Slot::name>(target)(src, srcWidth, srcHeight, srcStride, dst, dstStride);                       \
-    }                                                                                                                  \
-    rvkStatus name##_v2(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride, uint8_t* dst,   \
-                        uint32_t dstStride, float32_t sigmaColor, float32_t sigmaSpace)                                \
-    {                                                                                                                  \
-        srcStride = packedIfZero(srcStride, srcWidth);                                                                 \
-        dstStride = packedIfZero(dstStride, srcWidth);                                                                 \
-        const RVK_IMPL target = chooseTarget(                                                                          \
-            Slot::name##_v2, [&] { return suitsDsp(size, src, srcWidth, srcHeight, srcStride, dst, dstStride); });     \
-        RVK_CHECK_ARGS_OR(RAVIK_EBADPARAM, src && dst && srcWidth && srcHeight && (srcStride >=srcWidth) &&            \
-                                           (dstStride >=srcWidth) && srcWidth > most && srcHeight > most);             \
-        RVK_CHECK_ARGS_OR(RAVIK_EBADPARAM, src != dst);                                                                \
-        RVK_CHECK_ARGS_OR(RAVIK_EBADPARAM, isPositiveAndFinite(sigmaColor) && isPositiveAndFinite(sigmaSpace));        \
-        return implementation<Slot::name##_v2>(target)(src, srcWidth, srcHeight, srcStride, dst, dstStride,            \
-                                                       sigmaColor, sigmaSpace);                                        \
-    }
-// clang-format on
-RVK_BILATERAL_FILTER(rvkBilateralFilter5x5u8, 5, 4)
-RVK_BILATERAL_FILTER(rvkBilateralFilter7x7u8, 7, 6)
-RVK_BILATERAL_FILTER(rvkBilateralFilter9x9u8, 9, 8)
-#undef RVK_BILATERAL_FILTER
+void rvkBilateralFilter5x5u8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
+                             uint8_t* dst, uint32_t dstStride)
+{
+    filterWindows<Slot::rvkBilateralFilter5x5u8>(5, {__func__, RVK_CONDITION("4")}, src, srcWidth, srcHeight, srcStride,
+                                                 dst, dstStride);
+}
+
+rvkStatus rvkBilateralFilter5x5u8_v2(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
+                                     uint8_t* dst, uint32_t dstStride, float32_t sigmaColor, float32_t sigmaSpace)
+{
+    return filterWindows<Slot::rvkBilateralFilter5x5u8_v2>(5, {__func__, RVK_CONDITION("4")}, src, srcWidth, srcHeight,
+                                                           srcStride, dst, dstStride, sigmaColor, sigmaSpace);
+}
+
+void rvkBilateralFilter7x7u8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
+                             uint8_t* dst, uint32_t dstStride)
+{
+    filterWindows<Slot::rvkBilateralFilter7x7u8>(7, {__func__, RVK_CONDITION("6")}, src, srcWidth, srcHeight, srcStride,
+                                                 dst, dstStride);
+}
+
+rvkStatus rvkBilateralFilter7x7u8_v2(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
+                                     uint8_t* dst, uint32_t dstStride, float32_t sigmaColor, float32_t sigmaSpace)
+{
+    return filterWindows<Slot::rvkBilateralFilter7x7u8_v2>(7, {__func__, RVK_CONDITION("6")}, src, srcWidth, srcHeight,
+                                                           srcStride, dst, dstStride, sigmaColor, sigmaSpace);
+}
+
+void rvkBilateralFilter9x9u8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
+                             uint8_t* dst, uint32_t dstStride)
+{
+    filterWindows<Slot::rvkBilateralFilter9x9u8>(9, {__func__, RVK_CONDITION("8")}, src, srcWidth, srcHeight, srcStride,
+                                                 dst, dstStride);
+}
+
+rvkStatus rvkBilateralFilter9x9u8_v2(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
+                                     uint8_t* dst, uint32_t dstStride, float32_t sigmaColor, float32_t sigmaSpace)
+{
+    return filterWindows<Slot::rvkBilateralFilter9x9u8_v2>(9, {__func__, RVK_CONDITION("8")}, src, srcWidth, srcHeight,
+                                                           srcStride, dst, dstStride, sigmaColor, sigmaSpace);
+}
 
 rvkStatus rvkBilateralFilterRecursiveu8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
                                         uint8_t* dst, uint32_t dstStride, float32_t sigmaColor, float32_t sigmaSpace)

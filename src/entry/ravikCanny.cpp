@@ -15,7 +15,8 @@ void rvkFilterCanny3x3u8(const uint8_t* src, uint32_t width, uint32_t height, ui
     const RVK_IMPL target = chooseTarget(Slot::rvkFilterCanny3x3u8, [&] {
         return aligned(8, src, dst, width) && enoughWork(width, height) && height >= 5;
     });
-    RVK_CHECK_SIZED_ARGS(pixelsFit(width, height), src && width && height && dst);
+    RVK_CHECK_ARGS(src && width && height && dst);
+    RVK_CHECK_ARGS(pixelsFit(width, height));
     RVK_CHECK_ARGS(src != dst);
     implementation<Slot::rvkFilterCanny3x3u8>(target)(src, width, height, dst, lowThreshold, highThreshold);
 }
@@ -28,8 +29,8 @@ void rvkFilterCanny3x3u8_v2(const uint8_t* src, uint32_t srcWidth, uint32_t srcH
     const RVK_IMPL target = chooseTarget(Slot::rvkFilterCanny3x3u8_v2, [&] {
         return aligned(8, src, dst, srcStride, dstStride) && enoughWork(srcWidth, srcHeight) && srcHeight >= 5;
     });
-    RVK_CHECK_SIZED_ARGS(pixelsFit(srcWidth, srcHeight),
-                         src && srcWidth && srcHeight && (srcStride >= srcWidth) && dst && (dstStride >= srcWidth));
+    RVK_CHECK_ARGS(src && srcWidth && srcHeight && (srcStride >= srcWidth) && dst && (dstStride >= srcWidth));
+    RVK_CHECK_ARGS(pixelsFit(srcWidth, srcHeight));
     RVK_CHECK_ARGS(src != dst);
     implementation<Slot::rvkFilterCanny3x3u8_v2>(target)(src, srcWidth, srcHeight, srcStride, dst, dstStride,
                                                          lowThreshold, highThreshold);
@@ -62,7 +63,7 @@ rvkStatus rvkFilterCannyu8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHe
     });
     RVK_CHECK_STATUS(src && srcWidth && srcHeight && srcStride >= srcWidth && dst && dstStride >= srcWidth && dx &&
                      dy && dx != dy && src != dst && pixelsFit(srcWidth, srcHeight) &&
-                     dxyStride >= srcWidth * sizeof(int16_t));
+                     dxyStride >= rowSize(srcWidth, sizeof(int16_t)));
     RVK_CHECK_STATUS(apertureSize == 3 || apertureSize == 5 || apertureSize == 7);
     return implementation<Slot::rvkFilterCannyu8>(target)(src, srcWidth, srcHeight, srcStride, apertureSize,
                                                           lowThreshold, highThreshold, normType, dst, dstStride, dx, dy,

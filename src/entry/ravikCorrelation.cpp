@@ -1,5 +1,5 @@
 // Correlation and convolution filters: the public functions.
-#include "dispatch.h"
+#include "bodies.h"
 
 using namespace rvk;
 
@@ -11,9 +11,9 @@ template <class S, class D>
 bool areImages(const S* src, uint32_t width, uint32_t height, uint32_t srcStride, const D* dst, uint32_t dstWidth,
                uint32_t dstStride)
 {
-    return src && dst && static_cast<const void*>(src) != dst && width && height && rowFits(width, sizeof(S)) &&
-           srcStride >= width * sizeof(S) && rowFits(srcStride, height) && rowFits(dstWidth, sizeof(D)) &&
-           dstStride >= dstWidth * sizeof(D) && rowFits(dstStride, height);
+    return src && dst && static_cast<const void*>(src) != dst && width && height &&
+           srcStride >= rowSize(width, sizeof(S)) && rowFits(srcStride, height) &&
+           dstStride >= rowSize(dstWidth, sizeof(D)) && rowFits(dstStride, height);
 }
 
 // Odd sizes that the picture holds.
@@ -22,23 +22,36 @@ bool isKernelSize(uint32_t M, uint32_t N, uint32_t width, uint32_t height)
     return M % 2 == 1 && N % 2 == 1 && M <= width && N <= height && rowFits(M, 4) && rowFits(M * 4, N);
 }
 
-constexpr uint32_t kShifts = 32; // that a sum has
-
-// Kernels of `size` each way; `slot` is that of the form with strides.
-template <Slot slot, uint32_t size>
-rvkStatus correlateSeparably(const int16_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
-                             const int16_t* kernelX, const int16_t* kernelY, uint32_t shiftX, uint32_t shiftY,
-                             int16_t* dst, uint32_t dstStride)
+// A sum has 32 bits to shift.
+bool isShift(uint32_t shift)
 {
-    srcStride = packedIfZero(srcStride, srcWidth, sizeof(int16_t));
-    dstStride = packedIfZero(dstStride, srcWidth, sizeof(int16_t));
+    return shift < 32;
+}
+
+// To a picture of the same size with a kernel of M columns and N rows, whose weights and shifts the entry has looked at.
+template <Slot slot, class S, class D, class... Parameters>
+rvkStatus correlate(uint32_t M, uint32_t N, bool isKernel, const S* src, uint32_t srcWidth, uint32_t srcHeight,
+                    uint32_t srcStride, D* dst, uint32_t dstStride, Parameters... parameters)
+{
+    srcStride = packedIfZero(srcStride, srcWidth, sizeof(S));
+    dstStride = packedIfZero(dstStride, srcWidth, sizeof(D));
     const RVK_IMPL target = chooseTarget(slot, [&] {
-        return aligned(4, src, dst, srcStride, dstStride) && enoughWork(srcWidth, srcHeight) && srcHeight >= size;
+        return aligned(sizeof(S) == 1 ? 8 : 4, src, dst, srcStride, dstStride) && enoughWork(srcWidth, srcHeight) &&
+               srcHeight >= N;
     });
-    RVK_CHECK_STATUS(areImages(src, srcWidth, srcHeight, srcStride, dst, srcWidth, dstStride) && kernelX && kernelY &&
-                     isKernelSize(size, size, srcWidth, srcHeight) && shiftX < kShifts && shiftY < kShifts);
-    return implementation<slot>(target)(src, srcWidth, srcHeight, srcStride, kernelX, kernelY, shiftX, shiftY, dst,
-                                        dstStride);
+    RVK_CHECK_STATUS(isKernel && isKernelSize(M, N, srcWidth, srcHeight) &&
+                     areImages(src, srcWidth, srcHeight, srcStride, dst, srcWidth, dstStride));
+    return implementation<slot>(target)(src, srcWidth, srcHeight, srcStride, parameters..., dst, dstStride);
+}
+
+// A separable kernel of `size` each way.
+template <Slot slot, uint32_t size>
+rvkStatus correlateSquare(const int16_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
+                          const int16_t* kernelX, const int16_t* kernelY, uint32_t shiftX, uint32_t shiftY,
+                          int16_t* dst, uint32_t dstStride)
+{
+    return correlate<slot>(size, size, kernelX && kernelY && isShift(shiftX) && isShift(shiftY), src, srcWidth,
+                           srcHeight, srcStride, dst, dstStride, kernelX, kernelY, shiftX, shiftY);
 }
 
 } // namespace
@@ -48,99 +61,52 @@ rvkStatus correlateSeparably(const int16_t* src, uint32_t srcWidth, uint32_t src
 rvkStatus rvkFilterCorr3x3s8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, const int8_t* kernel,
                              uint32_t shift, uint8_t* dst)
 {
-    const RVK_IMPL target = chooseTarget(Slot::rvkFilterCorr3x3s8_v2, [&] {
-        return aligned(8, src, dst, srcWidth) && enoughWork(srcWidth, srcHeight) && srcHeight >= 3;
-    });
-    RVK_CHECK_STATUS(areImages(src, srcWidth, srcHeight, srcWidth, dst, srcWidth, srcWidth) && kernel &&
-                     isKernelSize(3, 3, srcWidth, srcHeight) && shift < kShifts);
-    return implementation<Slot::rvkFilterCorr3x3s8_v2>(target)(src, srcWidth, srcHeight, srcWidth, kernel, shift, dst,
-                                                               srcWidth);
+    return correlate<Slot::rvkFilterCorr3x3s8_v2>(3, 3, kernel && isShift(shift), src, srcWidth, srcHeight, 0, dst, 0,
+                                                  kernel, shift);
 }
 
 rvkStatus rvkFilterCorr3x3s8_v2(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
                                 const int8_t* kernel, uint32_t shift, uint8_t* dst, uint32_t dstStride)
 {
-    srcStride = packedIfZero(srcStride, srcWidth);
-    dstStride = packedIfZero(dstStride, srcWidth);
-    const RVK_IMPL target = chooseTarget(Slot::rvkFilterCorr3x3s8_v2, [&] {
-        return aligned(8, src, dst, srcStride, dstStride) && enoughWork(srcWidth, srcHeight) && srcHeight >= 3;
-    });
-    RVK_CHECK_STATUS(areImages(src, srcWidth, srcHeight, srcStride, dst, srcWidth, dstStride) && kernel &&
-                     isKernelSize(3, 3, srcWidth, srcHeight) && shift < kShifts);
-    return implementation<Slot::rvkFilterCorr3x3s8_v2>(target)(src, srcWidth, srcHeight, srcStride, kernel, shift, dst,
-                                                               dstStride);
+    return correlate<Slot::rvkFilterCorr3x3s8_v2>(3, 3, kernel && isShift(shift), src, srcWidth, srcHeight, srcStride,
+                                                  dst, dstStride, kernel, shift);
 }
 
 rvkStatus rvkFilterCorrNxNu8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
                              const int16_t* kernel, uint32_t N, uint32_t shift, uint8_t* dst, uint32_t dstStride)
 {
-    srcStride = packedIfZero(srcStride, srcWidth);
-    dstStride = packedIfZero(dstStride, srcWidth);
-    const RVK_IMPL target = chooseTarget(Slot::rvkFilterCorrNxNu8, [&] {
-        return aligned(8, src, dst, srcStride, dstStride) && enoughWork(srcWidth, srcHeight) && srcHeight >= N;
-    });
-    RVK_CHECK_STATUS(areImages(src, srcWidth, srcHeight, srcStride, dst, srcWidth, dstStride) && kernel &&
-                     isKernelSize(N, N, srcWidth, srcHeight) && shift < kShifts);
-    return implementation<Slot::rvkFilterCorrNxNu8>(target)(src, srcWidth, srcHeight, srcStride, kernel, N, shift, dst,
-                                                            dstStride);
+    return correlate<Slot::rvkFilterCorrNxNu8>(N, N, kernel && isShift(shift), src, srcWidth, srcHeight, srcStride, dst,
+                                               dstStride, kernel, N, shift);
 }
 
 rvkStatus rvkFilterCorrNxNu8s16(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
                                 const int16_t* kernel, uint32_t N, uint32_t shift, int16_t* dst, uint32_t dstStride)
 {
-    srcStride = packedIfZero(srcStride, srcWidth);
-    dstStride = packedIfZero(dstStride, srcWidth, sizeof(int16_t));
-    const RVK_IMPL target = chooseTarget(Slot::rvkFilterCorrNxNu8s16, [&] {
-        return aligned(8, src, dst, srcStride, dstStride) && enoughWork(srcWidth, srcHeight) && srcHeight >= N;
-    });
-    RVK_CHECK_STATUS(areImages(src, srcWidth, srcHeight, srcStride, dst, srcWidth, dstStride) && kernel &&
-                     isKernelSize(N, N, srcWidth, srcHeight) && shift < kShifts);
-    return implementation<Slot::rvkFilterCorrNxNu8s16>(target)(src, srcWidth, srcHeight, srcStride, kernel, N, shift,
-                                                               dst, dstStride);
+    return correlate<Slot::rvkFilterCorrNxNu8s16>(N, N, kernel && isShift(shift), src, srcWidth, srcHeight, srcStride,
+                                                  dst, dstStride, kernel, N, shift);
 }
 
 rvkStatus rvkFilterCorrNxNu8f32(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
                                 const float32_t* kernel, uint32_t N, float32_t* dst, uint32_t dstStride)
 {
-    srcStride = packedIfZero(srcStride, srcWidth);
-    dstStride = packedIfZero(dstStride, srcWidth, sizeof(float32_t));
-    const RVK_IMPL target = chooseTarget(Slot::rvkFilterCorrNxNu8f32, [&] {
-        return aligned(8, src, dst, srcStride, dstStride) && enoughWork(srcWidth, srcHeight) && srcHeight >= N;
-    });
-    RVK_CHECK_STATUS(areImages(src, srcWidth, srcHeight, srcStride, dst, srcWidth, dstStride) && kernel &&
-                     isKernelSize(N, N, srcWidth, srcHeight));
-    return implementation<Slot::rvkFilterCorrNxNu8f32>(target)(src, srcWidth, srcHeight, srcStride, kernel, N, dst,
-                                                               dstStride);
+    return correlate<Slot::rvkFilterCorrNxNu8f32>(N, N, kernel != nullptr, src, srcWidth, srcHeight, srcStride, dst,
+                                                  dstStride, kernel, N);
 }
 
 rvkStatus rvkFilterConvolveMxNu8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
                                  const int16_t* kernel, uint32_t M, uint32_t N, uint32_t shift, uint8_t* dst,
                                  uint32_t dstStride)
 {
-    srcStride = packedIfZero(srcStride, srcWidth);
-    dstStride = packedIfZero(dstStride, srcWidth);
-    const RVK_IMPL target = chooseTarget(Slot::rvkFilterConvolveMxNu8, [&] {
-        return aligned(8, src, dst, srcStride, dstStride) && enoughWork(srcWidth, srcHeight) && srcHeight >= N;
-    });
-    RVK_CHECK_STATUS(areImages(src, srcWidth, srcHeight, srcStride, dst, srcWidth, dstStride) && kernel &&
-                     isKernelSize(M, N, srcWidth, srcHeight) && shift < kShifts);
-    return implementation<Slot::rvkFilterConvolveMxNu8>(target)(src, srcWidth, srcHeight, srcStride, kernel, M, N,
-                                                                shift, dst, dstStride);
+    return correlate<Slot::rvkFilterConvolveMxNu8>(M, N, kernel && isShift(shift), src, srcWidth, srcHeight, srcStride,
+                                                   dst, dstStride, kernel, M, N, shift);
 }
 
 rvkStatus rvkFilterConvolveMxNu8s16(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
                                     const int16_t* kernel, uint32_t M, uint32_t N, uint32_t shift, int16_t* dst,
                                     uint32_t dstStride)
 {
-    srcStride = packedIfZero(srcStride, srcWidth);
-    dstStride = packedIfZero(dstStride, srcWidth, sizeof(int16_t));
-    const RVK_IMPL target = chooseTarget(Slot::rvkFilterConvolveMxNu8s16, [&] {
-        return aligned(8, src, dst, srcStride, dstStride) && enoughWork(srcWidth, srcHeight) && srcHeight >= N;
-    });
-    RVK_CHECK_STATUS(areImages(src, srcWidth, srcHeight, srcStride, dst, srcWidth, dstStride) && kernel &&
-                     isKernelSize(M, N, srcWidth, srcHeight) && shift < kShifts);
-    return implementation<Slot::rvkFilterConvolveMxNu8s16>(target)(src, srcWidth, srcHeight, srcStride, kernel, M, N,
-                                                                   shift, dst, dstStride);
+    return correlate<Slot::rvkFilterConvolveMxNu8s16>(M, N, kernel && isShift(shift), src, srcWidth, srcHeight,
+                                                      srcStride, dst, dstStride, kernel, M, N, shift);
 }
 
 rvkStatus rvkConvValids16(const int16_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
@@ -154,7 +120,7 @@ rvkStatus rvkConvValids16(const int16_t* src, uint32_t srcWidth, uint32_t srcHei
         return aligned(4, src, dst, srcStride, dstStride) && enoughWork(srcWidth, srcHeight) && srcHeight >= N;
     });
     RVK_CHECK_STATUS(areImages(src, srcWidth, srcHeight, srcStride, dst, dstWidth, dstStride) && kernel &&
-                     isKernelSize(M, N, srcWidth, srcHeight) && shift < kShifts);
+                     isKernelSize(M, N, srcWidth, srcHeight) && isShift(shift));
     return implementation<Slot::rvkConvValids16>(target)(src, srcWidth, srcHeight, srcStride, kernel, M, N, shift, dst,
                                                          dstStride);
 }
@@ -165,118 +131,100 @@ rvkStatus rvkFilterCorrSepMxNu8(const uint8_t* src, uint32_t srcWidth, uint32_t 
                                 const int16_t* kernelX, uint32_t M, const int16_t* kernelY, uint32_t N, uint32_t shiftX,
                                 uint32_t shiftY, uint8_t* dst, uint32_t dstStride)
 {
-    srcStride = packedIfZero(srcStride, srcWidth);
-    dstStride = packedIfZero(dstStride, srcWidth);
-    const RVK_IMPL target = chooseTarget(Slot::rvkFilterCorrSepMxNu8, [&] {
-        return aligned(8, src, dst, srcStride, dstStride) && enoughWork(srcWidth, srcHeight) && srcHeight >= N;
-    });
-    RVK_CHECK_STATUS(areImages(src, srcWidth, srcHeight, srcStride, dst, srcWidth, dstStride) && kernelX && kernelY &&
-                     isKernelSize(M, N, srcWidth, srcHeight) && shiftX < kShifts && shiftY < kShifts);
-    return implementation<Slot::rvkFilterCorrSepMxNu8>(target)(src, srcWidth, srcHeight, srcStride, kernelX, M, kernelY,
-                                                               N, shiftX, shiftY, dst, dstStride);
+    return correlate<Slot::rvkFilterCorrSepMxNu8>(M, N, kernelX && kernelY && isShift(shiftX) && isShift(shiftY), src,
+                                                  srcWidth, srcHeight, srcStride, dst, dstStride, kernelX, M, kernelY,
+                                                  N, shiftX, shiftY);
 }
 
 rvkStatus rvkFilterConvSepMxNs16(const int16_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
                                  const int16_t* kernelX, uint32_t M, const int16_t* kernelY, uint32_t N,
                                  uint32_t shiftX, uint32_t shiftY, int16_t* dst, uint32_t dstStride)
 {
-    srcStride = packedIfZero(srcStride, srcWidth, sizeof(int16_t));
-    dstStride = packedIfZero(dstStride, srcWidth, sizeof(int16_t));
-    const RVK_IMPL target = chooseTarget(Slot::rvkFilterConvSepMxNs16, [&] {
-        return aligned(4, src, dst, srcStride, dstStride) && enoughWork(srcWidth, srcHeight) && srcHeight >= N;
-    });
-    RVK_CHECK_STATUS(areImages(src, srcWidth, srcHeight, srcStride, dst, srcWidth, dstStride) && kernelX && kernelY &&
-                     isKernelSize(M, N, srcWidth, srcHeight) && shiftX < kShifts && shiftY < kShifts);
-    return implementation<Slot::rvkFilterConvSepMxNs16>(target)(src, srcWidth, srcHeight, srcStride, kernelX, M,
-                                                                kernelY, N, shiftX, shiftY, dst, dstStride);
+    return correlate<Slot::rvkFilterConvSepMxNs16>(M, N, kernelX && kernelY && isShift(shiftX) && isShift(shiftY), src,
+                                                   srcWidth, srcHeight, srcStride, dst, dstStride, kernelX, M, kernelY,
+                                                   N, shiftX, shiftY);
 }
 
 rvkStatus rvkFilterCorrSepNxNs16(const int16_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
                                  const int16_t* kernelX, const int16_t* kernelY, uint32_t N, uint32_t shiftX,
                                  uint32_t shiftY, int16_t* dst, uint32_t dstStride)
 {
-    srcStride = packedIfZero(srcStride, srcWidth, sizeof(int16_t));
-    dstStride = packedIfZero(dstStride, srcWidth, sizeof(int16_t));
-    const RVK_IMPL target = chooseTarget(Slot::rvkFilterCorrSepNxNs16, [&] {
-        return aligned(4, src, dst, srcStride, dstStride) && enoughWork(srcWidth, srcHeight) && srcHeight >= N;
-    });
-    RVK_CHECK_STATUS(areImages(src, srcWidth, srcHeight, srcStride, dst, srcWidth, dstStride) && kernelX && kernelY &&
-                     isKernelSize(N, N, srcWidth, srcHeight) && shiftX < kShifts && shiftY < kShifts);
-    return implementation<Slot::rvkFilterCorrSepNxNs16>(target)(src, srcWidth, srcHeight, srcStride, kernelX, kernelY,
-                                                                N, shiftX, shiftY, dst, dstStride);
+    return correlate<Slot::rvkFilterCorrSepNxNs16>(N, N, kernelX && kernelY && isShift(shiftX) && isShift(shiftY), src,
+                                                   srcWidth, srcHeight, srcStride, dst, dstStride, kernelX, kernelY, N,
+                                                   shiftX, shiftY);
 }
 
 rvkStatus rvkFilterCorrSep9x9s16(const int16_t* src, uint32_t srcWidth, uint32_t srcHeight, const int16_t* kernelX,
                                  const int16_t* kernelY, uint32_t shiftX, uint32_t shiftY, int16_t* dst)
 {
-    return correlateSeparably<Slot::rvkFilterCorrSep9x9s16_v2, 9>(src, srcWidth, srcHeight, 0, kernelX, kernelY, shiftX,
-                                                                  shiftY, dst, 0);
+    return correlateSquare<Slot::rvkFilterCorrSep9x9s16_v2, 9>(src, srcWidth, srcHeight, 0, kernelX, kernelY, shiftX,
+                                                               shiftY, dst, 0);
 }
 
 rvkStatus rvkFilterCorrSep9x9s16_v2(const int16_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
                                     const int16_t* kernelX, const int16_t* kernelY, uint32_t shiftX, uint32_t shiftY,
                                     int16_t* dst, uint32_t dstStride)
 {
-    return correlateSeparably<Slot::rvkFilterCorrSep9x9s16_v2, 9>(src, srcWidth, srcHeight, srcStride, kernelX, kernelY,
-                                                                  shiftX, shiftY, dst, dstStride);
+    return correlateSquare<Slot::rvkFilterCorrSep9x9s16_v2, 9>(src, srcWidth, srcHeight, srcStride, kernelX, kernelY,
+                                                               shiftX, shiftY, dst, dstStride);
 }
 
 rvkStatus rvkFilterCorrSep11x11s16(const int16_t* src, uint32_t srcWidth, uint32_t srcHeight, const int16_t* kernelX,
                                    const int16_t* kernelY, uint32_t shiftX, uint32_t shiftY, int16_t* dst)
 {
-    return correlateSeparably<Slot::rvkFilterCorrSep11x11s16_v2, 11>(src, srcWidth, srcHeight, 0, kernelX, kernelY,
-                                                                     shiftX, shiftY, dst, 0);
+    return correlateSquare<Slot::rvkFilterCorrSep11x11s16_v2, 11>(src, srcWidth, srcHeight, 0, kernelX, kernelY, shiftX,
+                                                                  shiftY, dst, 0);
 }
 
 rvkStatus rvkFilterCorrSep11x11s16_v2(const int16_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
                                       const int16_t* kernelX, const int16_t* kernelY, uint32_t shiftX, uint32_t shiftY,
                                       int16_t* dst, uint32_t dstStride)
 {
-    return correlateSeparably<Slot::rvkFilterCorrSep11x11s16_v2, 11>(src, srcWidth, srcHeight, srcStride, kernelX,
-                                                                     kernelY, shiftX, shiftY, dst, dstStride);
+    return correlateSquare<Slot::rvkFilterCorrSep11x11s16_v2, 11>(src, srcWidth, srcHeight, srcStride, kernelX, kernelY,
+                                                                  shiftX, shiftY, dst, dstStride);
 }
 
 rvkStatus rvkFilterCorrSep13x13s16(const int16_t* src, uint32_t srcWidth, uint32_t srcHeight, const int16_t* kernelX,
                                    const int16_t* kernelY, uint32_t shiftX, uint32_t shiftY, int16_t* dst)
 {
-    return correlateSeparably<Slot::rvkFilterCorrSep13x13s16_v2, 13>(src, srcWidth, srcHeight, 0, kernelX, kernelY,
-                                                                     shiftX, shiftY, dst, 0);
+    return correlateSquare<Slot::rvkFilterCorrSep13x13s16_v2, 13>(src, srcWidth, srcHeight, 0, kernelX, kernelY, shiftX,
+                                                                  shiftY, dst, 0);
 }
 
 rvkStatus rvkFilterCorrSep13x13s16_v2(const int16_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
                                       const int16_t* kernelX, const int16_t* kernelY, uint32_t shiftX, uint32_t shiftY,
                                       int16_t* dst, uint32_t dstStride)
 {
-    return correlateSeparably<Slot::rvkFilterCorrSep13x13s16_v2, 13>(src, srcWidth, srcHeight, srcStride, kernelX,
-                                                                     kernelY, shiftX, shiftY, dst, dstStride);
+    return correlateSquare<Slot::rvkFilterCorrSep13x13s16_v2, 13>(src, srcWidth, srcHeight, srcStride, kernelX, kernelY,
+                                                                  shiftX, shiftY, dst, dstStride);
 }
 
 rvkStatus rvkFilterCorrSep15x15s16(const int16_t* src, uint32_t srcWidth, uint32_t srcHeight, const int16_t* kernelX,
                                    const int16_t* kernelY, uint32_t shiftX, uint32_t shiftY, int16_t* dst)
 {
-    return correlateSeparably<Slot::rvkFilterCorrSep15x15s16_v2, 15>(src, srcWidth, srcHeight, 0, kernelX, kernelY,
-                                                                     shiftX, shiftY, dst, 0);
+    return correlateSquare<Slot::rvkFilterCorrSep15x15s16_v2, 15>(src, srcWidth, srcHeight, 0, kernelX, kernelY, shiftX,
+                                                                  shiftY, dst, 0);
 }
 
 rvkStatus rvkFilterCorrSep15x15s16_v2(const int16_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
                                       const int16_t* kernelX, const int16_t* kernelY, uint32_t shiftX, uint32_t shiftY,
                                       int16_t* dst, uint32_t dstStride)
 {
-    return correlateSeparably<Slot::rvkFilterCorrSep15x15s16_v2, 15>(src, srcWidth, srcHeight, srcStride, kernelX,
-                                                                     kernelY, shiftX, shiftY, dst, dstStride);
+    return correlateSquare<Slot::rvkFilterCorrSep15x15s16_v2, 15>(src, srcWidth, srcHeight, srcStride, kernelX, kernelY,
+                                                                  shiftX, shiftY, dst, dstStride);
 }
 
 rvkStatus rvkFilterCorrSep17x17s16(const int16_t* src, uint32_t srcWidth, uint32_t srcHeight, const int16_t* kernelX,
                                    const int16_t* kernelY, uint32_t shiftX, uint32_t shiftY, int16_t* dst)
 {
-    return correlateSeparably<Slot::rvkFilterCorrSep17x17s16_v2, 17>(src, srcWidth, srcHeight, 0, kernelX, kernelY,
-                                                                     shiftX, shiftY, dst, 0);
+    return correlateSquare<Slot::rvkFilterCorrSep17x17s16_v2, 17>(src, srcWidth, srcHeight, 0, kernelX, kernelY, shiftX,
+                                                                  shiftY, dst, 0);
 }
 
 rvkStatus rvkFilterCorrSep17x17s16_v2(const int16_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
                                       const int16_t* kernelX, const int16_t* kernelY, uint32_t shiftX, uint32_t shiftY,
                                       int16_t* dst, uint32_t dstStride)
 {
-    return correlateSeparably<Slot::rvkFilterCorrSep17x17s16_v2, 17>(src, srcWidth, srcHeight, srcStride, kernelX,
-                                                                     kernelY, shiftX, shiftY, dst, dstStride);
+    return correlateSquare<Slot::rvkFilterCorrSep17x17s16_v2, 17>(src, srcWidth, srcHeight, srcStride, kernelX, kernelY,
+                                                                  shiftX, shiftY, dst, dstStride);
 }

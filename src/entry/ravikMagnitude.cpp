@@ -23,9 +23,8 @@ rvkStatus rvkMagnitudes16(const int16_t* dx, uint32_t width, uint32_t height, ui
     const RVK_IMPL target = chooseTarget(Slot::rvkMagnitudes16, [&] {
         return aligned(8, dx, dy, dst, dxStride, dyStride, dstStride) && enoughWork(width, height);
     });
-    RVK_CHECK_STATUS(rowFits(width, sizeof(int16_t)) && dx && dy && dst && width && height &&
-                     dxStride >= width * sizeof(int16_t) && dyStride >= width * sizeof(int16_t) &&
-                     dstStride >= width * sizeof(int16_t));
+    RVK_CHECK_STATUS(dx && dy && dst && width && height && dxStride >= rowSize(width, sizeof(int16_t)) &&
+                     dyStride >= rowSize(width, sizeof(int16_t)) && dstStride >= rowSize(width, sizeof(int16_t)));
     RVK_CHECK_STATUS(mayReplace(dx, dxStride, dst, dstStride) && mayReplace(dy, dyStride, dst, dstStride));
     return implementation<Slot::rvkMagnitudes16>(target)(dx, width, height, dxStride, dy, dyStride, dst, dstStride);
 }
@@ -39,8 +38,8 @@ rvkStatus rvkPhases16(const int16_t* dx, uint32_t width, uint32_t height, uint32
     const RVK_IMPL target = chooseTarget(Slot::rvkPhases16, [&] {
         return aligned(8, dx, dy, dst, dxStride, dyStride, dstStride) && enoughWork(width, height);
     });
-    RVK_CHECK_STATUS(rowFits(width, sizeof(int16_t)) && dx && dy && dst && width && height &&
-                     dxStride >= width * sizeof(int16_t) && dyStride >= width * sizeof(int16_t) && dstStride >= width);
+    RVK_CHECK_STATUS(dx && dy && dst && width && height && dxStride >= rowSize(width, sizeof(int16_t)) &&
+                     dyStride >= rowSize(width, sizeof(int16_t)) && dstStride >= width);
     RVK_CHECK_STATUS(mayReplace(dx, dxStride, dst, dstStride) && mayReplace(dy, dyStride, dst, dstStride));
     return implementation<Slot::rvkPhases16>(target)(dx, width, height, dxStride, dy, dyStride, dst, dstStride);
 }
@@ -53,8 +52,8 @@ rvkStatus rvkEdgeWeightings16(const int16_t* src, uint32_t width, uint32_t heigh
     const RVK_IMPL target = chooseTarget(Slot::rvkEdgeWeightings16, [&] {
         return aligned(8, src, dst, srcStride, dstStride) && enoughWork(width, height);
     });
-    RVK_CHECK_STATUS(rowFits(width, sizeof(int16_t)) && src && dst && width && height &&
-                     srcStride >= width * sizeof(int16_t) && dstStride >= width * sizeof(int16_t));
+    RVK_CHECK_STATUS(src && dst && width && height && srcStride >= rowSize(width, sizeof(int16_t)) &&
+                     dstStride >= rowSize(width, sizeof(int16_t)));
     RVK_CHECK_STATUS(mayReplace(src, srcStride, dst, dstStride));
     return implementation<Slot::rvkEdgeWeightings16>(target)(src, width, height, srcStride, threshold, weight, limit,
                                                              dst, dstStride);

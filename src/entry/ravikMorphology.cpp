@@ -1,52 +1,14 @@
-// Dilation and erosion: the public functions. Those of a kind share a body; `function` is the name for the log.
-#include "dispatch.h"
+// Dilation and erosion: the public functions. The 3x3 forms without strides call the cell of their _v2 form.
+#include "bodies.h"
 
 using namespace rvk;
 
 namespace {
 
-// ---- 3x3. The forms without strides call the cell of their _v2 form. ----------------------------
-
-template <Slot slot>
-void packed3x3(const char* function, const uint8_t* src, uint32_t width, uint32_t height, uint8_t* dst)
-{
-    const RVK_IMPL target =
-        chooseTarget(slot, [&] { return aligned(8, src, dst, width) && enoughWork(width, height) && height >= 3; });
-    RVK_CHECK_ARGS_OF(function, src && width && height && dst);
-    RVK_CHECK_ARGS_OF(function, src != dst);
-    implementation<slot>(target)(src, width, height, width, dst, width);
-}
-
-template <Slot slot>
-void strided3x3(const char* function, const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
-                uint8_t* dst, uint32_t dstStride)
-{
-    srcStride = packedIfZero(srcStride, srcWidth);
-    dstStride = packedIfZero(dstStride, srcWidth);
-    const RVK_IMPL target = chooseTarget(slot, [&] {
-        return aligned(8, src, dst, srcStride, dstStride) && enoughWork(srcWidth, srcHeight) && srcHeight >= 3;
-    });
-    RVK_CHECK_ARGS_OF(function,
-                      src && srcWidth && srcHeight && (srcStride >= srcWidth) && dst && (dstStride >= srcWidth));
-    RVK_CHECK_ARGS_OF(function, src != dst);
-    implementation<slot>(target)(src, srcWidth, srcHeight, srcStride, dst, dstStride);
-}
-
-template <Slot slot>
-rvkStatus bordered3x3(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride, uint8_t* dst,
-                      uint32_t dstStride, uint32_t borderType, uint8_t borderValue)
-{
-    srcStride = packedIfZero(srcStride, srcWidth);
-    dstStride = packedIfZero(dstStride, srcWidth);
-    const RVK_IMPL target = chooseTarget(slot, [&] {
-        return aligned(8, src, dst, srcStride, dstStride) && enoughWork(srcWidth, srcHeight) && srcHeight >= 3;
-    });
-    RVK_CHECK_STATUS(src && srcWidth && srcHeight && srcStride >= srcWidth && dst && dstStride >= srcWidth &&
-                     src != dst);
-    return implementation<slot>(target)(src, srcWidth, srcHeight, srcStride, dst, dstStride, borderType, borderValue);
-}
-
-// ---- NxN ----------------------------------------------------------------------------------------
+// The conditions of the 3x3 forms as the log quotes them.
+constexpr char kPacked[] = "src && width && height && dst";
+constexpr char kStrided[] = "src && srcWidth && srcHeight && (srcStride >= srcWidth) && dst && (dstStride >= srcWidth)";
+constexpr FilterSizes k3x3 = {.dspHeight = 3};
 
 template <Slot slot>
 rvkStatus squareOf(uint32_t N, const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
@@ -68,20 +30,21 @@ rvkStatus squareOf(uint32_t N, const uint8_t* src, uint32_t srcWidth, uint32_t s
 
 void rvkFilterDilate3x3u8(const uint8_t* src, uint32_t width, uint32_t height, uint8_t* dst)
 {
-    packed3x3<Slot::rvkFilterDilate3x3u8_v2>(__func__, src, width, height, dst);
+    filter<Slot::rvkFilterDilate3x3u8_v2>(k3x3, {__func__, kPacked}, src, width, height, 0, dst, 0);
 }
 
 void rvkFilterDilate3x3u8_v2(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
                              uint8_t* dst, uint32_t dstStride)
 {
-    strided3x3<Slot::rvkFilterDilate3x3u8_v2>(__func__, src, srcWidth, srcHeight, srcStride, dst, dstStride);
+    filter<Slot::rvkFilterDilate3x3u8_v2>(k3x3, {__func__, kStrided}, src, srcWidth, srcHeight, srcStride, dst,
+                                          dstStride);
 }
 
 rvkStatus rvkFilterDilate3x3u8_v3(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
                                   uint8_t* dst, uint32_t dstStride, uint32_t borderType, uint8_t borderValue)
 {
-    return bordered3x3<Slot::rvkFilterDilate3x3u8_v3>(src, srcWidth, srcHeight, srcStride, dst, dstStride, borderType,
-                                                      borderValue);
+    return filter<Slot::rvkFilterDilate3x3u8_v3>(k3x3, kSilent, src, srcWidth, srcHeight, srcStride, dst, dstStride,
+                                                 borderType, borderValue);
 }
 
 rvkStatus rvkFilterDilateNxNu8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
@@ -94,20 +57,21 @@ rvkStatus rvkFilterDilateNxNu8(const uint8_t* src, uint32_t srcWidth, uint32_t s
 
 void rvkFilterErode3x3u8(const uint8_t* src, uint32_t width, uint32_t height, uint8_t* dst)
 {
-    packed3x3<Slot::rvkFilterErode3x3u8_v2>(__func__, src, width, height, dst);
+    filter<Slot::rvkFilterErode3x3u8_v2>(k3x3, {__func__, kPacked}, src, width, height, 0, dst, 0);
 }
 
 void rvkFilterErode3x3u8_v2(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride, uint8_t* dst,
                             uint32_t dstStride)
 {
-    strided3x3<Slot::rvkFilterErode3x3u8_v2>(__func__, src, srcWidth, srcHeight, srcStride, dst, dstStride);
+    filter<Slot::rvkFilterErode3x3u8_v2>(k3x3, {__func__, kStrided}, src, srcWidth, srcHeight, srcStride, dst,
+                                         dstStride);
 }
 
 rvkStatus rvkFilterErode3x3u8_v3(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
                                  uint8_t* dst, uint32_t dstStride, uint32_t borderType, uint8_t borderValue)
 {
-    return bordered3x3<Slot::rvkFilterErode3x3u8_v3>(src, srcWidth, srcHeight, srcStride, dst, dstStride, borderType,
-                                                     borderValue);
+    return filter<Slot::rvkFilterErode3x3u8_v3>(k3x3, kSilent, src, srcWidth, srcHeight, srcStride, dst, dstStride,
+                                                borderType, borderValue);
 }
 
 rvkStatus rvkFilterErodeNxNu8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride, uint32_t N,

@@ -1,5 +1,5 @@
 // Transposes, flips and rotations: the public functions.
-#include "dispatch.h"
+#include "bodies.h"
 
 using namespace rvk;
 
@@ -25,57 +25,52 @@ bool rotationMayRunInPlace(uint32_t rotation)
     return rotation != RAVIK_ROTATE_90 && rotation != RAVIK_ROTATE_270;
 }
 
-} // namespace
+template <Slot slot, uint32_t channels = 1, class T>
+void transpose(Words words, const T* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride, T* dst,
+               uint32_t dstStride)
+{
+    constexpr uint32_t pixelSize = channels * sizeof(T);
+    srcStride = packedIfZero(srcStride, srcWidth, pixelSize);
+    dstStride = packedIfZero(dstStride, srcHeight, pixelSize);
+    const RVK_IMPL target = chooseTarget(slot);
+    if (!(src && dst && srcWidth && srcHeight && srcStride >= rowSize(srcWidth, pixelSize) &&
+          dstStride >= rowSize(srcHeight, pixelSize)))
+        return refuse<slot>(words);
+    implementation<slot>(target)(src, srcWidth, srcHeight, srcStride, dst, dstStride);
+}
 
-// The conditions between "clang-format off" and "on" are logged as they stand there.
+} // namespace
 
 void rvkTransposeu8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride, uint8_t* dst,
                     uint32_t dstStride)
 {
-    srcStride = packedIfZero(srcStride, srcWidth);
-    dstStride = packedIfZero(dstStride, srcHeight);
-    const RVK_IMPL target = chooseTarget(Slot::rvkTransposeu8);
-    RVK_CHECK_ARGS(src && dst && srcWidth && srcHeight && (srcStride >= srcWidth) && (dstStride >= srcHeight));
-    implementation<Slot::rvkTransposeu8>(target)(src, srcWidth, srcHeight, srcStride, dst, dstStride);
+    transpose<Slot::rvkTransposeu8>(
+        {__func__, "src && dst && srcWidth && srcHeight && (srcStride >= srcWidth) && (dstStride >= srcHeight)"}, src,
+        srcWidth, srcHeight, srcStride, dst, dstStride);
 }
 
 void rvkTransposeu16(const uint16_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride, uint16_t* dst,
                      uint32_t dstStride)
 {
-    srcStride = packedIfZero(srcStride, srcWidth, sizeof(uint16_t));
-    dstStride = packedIfZero(dstStride, srcHeight, sizeof(uint16_t));
-    const RVK_IMPL target = chooseTarget(Slot::rvkTransposeu16);
-    // clang-format off
-    RVK_CHECK_SIZED_ARGS(rowFits(srcWidth, 2) && rowFits(srcHeight, 2),
-        src && dst && srcWidth && srcHeight && (srcStride >= srcWidth*2) && (dstStride >= srcHeight*2));
-    // clang-format on
-    implementation<Slot::rvkTransposeu16>(target)(src, srcWidth, srcHeight, srcStride, dst, dstStride);
+    transpose<Slot::rvkTransposeu16>(
+        {__func__, "src && dst && srcWidth && srcHeight && (srcStride >= srcWidth*2) && (dstStride >= srcHeight*2)"},
+        src, srcWidth, srcHeight, srcStride, dst, dstStride);
 }
 
 void rvkTransposef32(const float32_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride, float32_t* dst,
                      uint32_t dstStride)
 {
-    srcStride = packedIfZero(srcStride, srcWidth, sizeof(float32_t));
-    dstStride = packedIfZero(dstStride, srcHeight, sizeof(float32_t));
-    const RVK_IMPL target = chooseTarget(Slot::rvkTransposef32);
-    // clang-format off
-    RVK_CHECK_SIZED_ARGS(rowFits(srcWidth, 4) && rowFits(srcHeight, 4),
-        src && dst && srcWidth && srcHeight && (srcStride >= srcWidth*4) && (dstStride >= srcHeight*4));
-    // clang-format on
-    implementation<Slot::rvkTransposef32>(target)(src, srcWidth, srcHeight, srcStride, dst, dstStride);
+    transpose<Slot::rvkTransposef32>(
+        {__func__, "src && dst && srcWidth && srcHeight && (srcStride >= srcWidth*4) && (dstStride >= srcHeight*4)"},
+        src, srcWidth, srcHeight, srcStride, dst, dstStride);
 }
 
 void rvkTransposeRGB888u8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride, uint8_t* dst,
                           uint32_t dstStride)
 {
-    srcStride = packedIfZero(srcStride, srcWidth, 3);
-    dstStride = packedIfZero(dstStride, srcHeight, 3);
-    const RVK_IMPL target = chooseTarget(Slot::rvkTransposeRGB888u8);
-    // clang-format off
-    RVK_CHECK_SIZED_ARGS(rowFits(srcWidth, 3) && rowFits(srcHeight, 3),
-        src && dst && srcWidth && srcHeight && (srcStride >= srcWidth*3) && (dstStride >= srcHeight*3));
-    // clang-format on
-    implementation<Slot::rvkTransposeRGB888u8>(target)(src, srcWidth, srcHeight, srcStride, dst, dstStride);
+    transpose<Slot::rvkTransposeRGB888u8, 3>(
+        {__func__, "src && dst && srcWidth && srcHeight && (srcStride >= srcWidth*3) && (dstStride >= srcHeight*3)"},
+        src, srcWidth, srcHeight, srcStride, dst, dstStride);
 }
 
 void rvkFlipu8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride, uint8_t* dst,
@@ -99,10 +94,9 @@ void rvkFlipu16(const uint16_t* src, uint32_t srcWidth, uint32_t srcHeight, uint
     const RVK_IMPL target = chooseTarget(Slot::rvkFlipu16, [&] {
         return aligned(8, src, dst, srcStride, dstStride) && enoughWork(srcWidth, srcHeight);
     });
-    // clang-format off
-    RVK_CHECK_SIZED_ARGS(rowFits(srcWidth, 2),
-        src && dst && srcWidth && srcHeight && (srcStride >= srcWidth*2) && (dstStride >= srcWidth*2) && dir >= 1 && dir <= 3);
-    // clang-format on
+    RVK_CHECK_ARGS(src && dst && srcWidth && srcHeight && (srcStride >= srcWidth*2) && (dstStride >= srcWidth*2) &&
+                   dir >= 1 && dir <= 3);
+    RVK_CHECK_ARGS(rowFits(srcWidth, 2));
     implementation<Slot::rvkFlipu16>(target)(src, srcWidth, srcHeight, srcStride, dst, dstStride, dir);
 }
 
@@ -114,10 +108,9 @@ void rvkFlipRGB888u8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, 
     const RVK_IMPL target = chooseTarget(Slot::rvkFlipRGB888u8, [&] {
         return aligned(8, src, dst, srcStride, dstStride) && enoughWork(srcWidth, srcHeight, 3);
     });
-    // clang-format off
-    RVK_CHECK_SIZED_ARGS(rowFits(srcWidth, 3),
-        src && dst && srcWidth && srcHeight && (srcStride >= srcWidth*3) && (dstStride >= srcWidth*3) && dir >= 1 && dir <= 3);
-    // clang-format on
+    RVK_CHECK_ARGS(src && dst && srcWidth && srcHeight && (srcStride >= srcWidth*3) && (dstStride >= srcWidth*3) &&
+                   dir >= 1 && dir <= 3);
+    RVK_CHECK_ARGS(rowFits(srcWidth, 3));
     implementation<Slot::rvkFlipRGB888u8>(target)(src, srcWidth, srcHeight, srcStride, dst, dstStride, dir);
 }
 
@@ -145,9 +138,8 @@ rvkStatus rvkRotateImageInterleavedu8(const uint8_t* src, uint32_t srcWidth, uin
     const RVK_IMPL target = chooseTarget(Slot::rvkRotateImageInterleavedu8, [&] {
         return aligned(8, src, dst, srcStride, dstStride) && enoughWork(srcWidth, srcHeight, 2);
     });
-    RVK_CHECK_STATUS(rowFits(srcWidth, 2) && rowFits(dstWidth, 2) && src && dst && srcWidth && srcHeight &&
-                     (srcStride >= srcWidth * 2) && (dstStride >= dstWidth * 2) &&
-                     (src != dst || rotationMayRunInPlace(rotation)));
+    RVK_CHECK_STATUS(src && dst && srcWidth && srcHeight && (srcStride >= rowSize(srcWidth, 2)) &&
+                     (dstStride >= rowSize(dstWidth, 2)) && (src != dst || rotationMayRunInPlace(rotation)));
     return implementation<Slot::rvkRotateImageInterleavedu8>(target)(src, srcWidth, srcHeight, srcStride, dst,
                                                                      dstStride, rotation);
 }
