@@ -1,10 +1,12 @@
 // How a public function reaches its implementation. Every entry is the same few steps:
 //
 //     srcStride = packedIfZero(srcStride, srcWidth);
-//     const RVK_IMPL target = chooseTarget(Slot::rvkX, [&] { return aligned(8, src, dst, srcStride) && enoughWork(...);
-// });
+//     const RVK_IMPL target = chooseTarget(
+//         Slot::rvkX, [&] { return aligned(8, src, dst, srcStride) && enoughWork(srcWidth, srcHeight); });
 //     RVK_CHECK_ARGS(src && dst && srcWidth && srcHeight && (srcStride >= srcWidth));
 //     implementation<Slot::rvkX>(target)(src, srcWidth, srcHeight, srcStride, dst, dstStride);
+//
+// From four entries that would be equal up they share a body in entry/bodies.h.
 #pragma once
 
 #include "functions.h"
@@ -29,18 +31,22 @@ Cell eraseType(Function* function)
     return reinterpret_cast<Cell>(function);
 }
 
+// A function's current RVK_IMPL. Dispatch reads it relaxed, which costs what a plain word does.
+using Target = std::atomic<uint32_t>;
+static_assert(sizeof(Target) == sizeof(uint32_t) && Target::is_always_lock_free, "the companion library sees words");
+
 // Everything that a dispatch reads. rvkSetOperationMode writes it; dispatch only reads, without locks.
 struct DispatchState
 {
-    uint32_t targets[kPublicFunctions];   // RVK_IMPL that each public function uses now
+    Target targets[kPublicFunctions];
     uint32_t modeMarks[kPublicFunctions]; // bit 0 once a mode has been set; the frame itself does not read it
-    uint32_t internalTargets[kInternalFunctions];
+    Target internalTargets[kInternalFunctions];
     Cell table[kPublicFunctions * kTargets]; // entry: slot * kTargets + target
     Cell internalTable[kInternalFunctions * kTargets];
     uint8_t tablesInitialised;
     uint8_t offloadForced; // skips the rules that keep small or misaligned work off the DSP
-    std::atomic<uint8_t>
-        runtimeLog;        // every dispatch logs its target; rvkAvailableHardware sets it during dispatch, too
+    // Every dispatch logs its target. Set by rvkAvailableHardware, too, which may run during dispatch.
+    std::atomic<uint8_t> runtimeLog;
     uint8_t noAccelerator; // the device is known to have neither a usable DSP nor GPU
 };
 extern DispatchState dispatchState;
@@ -49,8 +55,9 @@ const char* nameOf(Slot slot);
 const char* nameOf(InternalSlot slot);
 
 // No table has a target above the last: memory is corrupt.
-inline uint32_t checkedTarget(uint32_t target)
+inline uint32_t checkedTarget(const Target& current)
 {
+    const uint32_t target = current.load(std::memory_order_relaxed);
     if (target > RVK_IMPL_MDSP)
         __builtin_trap();
     return target;

@@ -5,10 +5,10 @@
 
 struct RVK_FUNC_MANAGER
 {
-    uint32_t* publicTargets;
+    rvk::Target* publicTargets;
     uint32_t publicFunctions;
     rvk::Cell* publicTable;
-    uint32_t* internalTargets;
+    rvk::Target* internalTargets;
     uint32_t internalFunctions;
     rvk::Cell* internalTable;
     uint32_t targetsPerRow;

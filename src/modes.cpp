@@ -7,7 +7,6 @@
 
 #include <ravik/frame.h>
 
-#include <algorithm>
 #include <iterator>
 #include <unistd.h>
 
@@ -69,8 +68,15 @@ void buildTables(rvkOperationMode mode)
             uCTable(table, internalTable, target);
         for (const uint32_t target : {RVK_IMPL_VECTA, RVK_IMPL_NDSP, RVK_IMPL_GPU})
             uVTable(table, internalTable, target);
-        manager = {dispatchState.targets, kPublicFunctions, table,   dispatchState.internalTargets,
-                   kInternalFunctions,    internalTable,    kTargets};
+        manager = {
+            .publicTargets = dispatchState.targets,
+            .publicFunctions = kPublicFunctions,
+            .publicTable = table,
+            .internalTargets = dispatchState.internalTargets,
+            .internalFunctions = kInternalFunctions,
+            .internalTable = internalTable,
+            .targetsPerRow = kTargets,
+        };
     } else {
         uVTable(table, internalTable, RVK_IMPL_NDSP); // undoes what the companion library installed for the last mode
     }
@@ -149,15 +155,15 @@ void uVTable(Cell* table, Cell* internalTable, uint32_t target)
     }
 }
 
-void uVIndex(uint32_t* targets, uint32_t* internalTargets)
+void uVIndex(Target* targets, Target* internalTargets)
 {
     for (uint32_t row = 0; row < kPublicFunctions; row++) {
         if (hasVector[row])
-            targets[row] = RVK_IMPL_VECTA;
+            targets[row].store(RVK_IMPL_VECTA, std::memory_order_relaxed);
     }
     for (uint32_t row = 0; row < kInternalFunctions; row++) {
         if (hasInternalVector[row])
-            internalTargets[row] = RVK_IMPL_VECTA;
+            internalTargets[row].store(RVK_IMPL_VECTA, std::memory_order_relaxed);
     }
 }
 
@@ -175,7 +181,8 @@ void uR(rvkOperationMode mode, RVK_FUNC_MANAGER* tables, uint32_t target)
         const Cell implementation = companion.functionInWord<void()>(symbol.name);
         if (!implementation)
             continue;
-        (symbol.internal ? tables->internalTargets : tables->publicTargets)[symbol.row] = target;
+        Target* const targets = symbol.internal ? tables->internalTargets : tables->publicTargets;
+        targets[symbol.row].store(target, std::memory_order_relaxed);
         (symbol.internal ? tables->internalTable : tables->publicTable)[symbol.row * kTargets + target] =
             implementation;
     }
@@ -230,7 +237,9 @@ int rvkSetOperationMode(rvkOperationMode mode)
     rvkAvailableHardware(mode);
     buildTables(mode);
     installReferenceKernels();
-    std::fill(std::begin(dispatchState.targets), std::end(dispatchState.targets), RVK_IMPL_CPU);
-    std::fill(std::begin(dispatchState.internalTargets), std::end(dispatchState.internalTargets), RVK_IMPL_CPU);
+    for (Target& target : dispatchState.targets)
+        target.store(RVK_IMPL_CPU, std::memory_order_relaxed);
+    for (Target& target : dispatchState.internalTargets)
+        target.store(RVK_IMPL_CPU, std::memory_order_relaxed);
     return assignTargets(mode);
 }

@@ -13,7 +13,7 @@ void uCTable(Cell* table, Cell* internalTable, uint32_t target);
 void uVTable(Cell* table, Cell* internalTable, uint32_t target);
 
 // Sets the target of each function that has a vector implementation to VECTA.
-void uVIndex(uint32_t* targets, uint32_t* internalTargets);
+void uVIndex(Target* targets, Target* internalTargets);
 
 // Asks the companion library for an implementation of each function; those that it has become `target`.
 void uR(rvkOperationMode mode, RVK_FUNC_MANAGER* manager, uint32_t target);

@@ -18,10 +18,7 @@ namespace rvk::vecta {
     extern const Entry internalColumn[]; \
     extern const Entry kernels[];        \
     }
-#define RVK_VARIANT(isa, runs)                                       \
-    {                                                                \
-#isa, isa::column, isa::internalColumn, isa::kernels, (runs) \
-    }
+#define RVK_VARIANT(isa) #isa, isa::column, isa::internalColumn, isa::kernels
 
 // The features asked for are those of the compiler flags in cmake/RavikVecta.cmake.
 #if defined(__x86_64__)
@@ -40,9 +37,9 @@ const Variant* variants(uint32_t& count)
                            __builtin_cpu_supports("avx512vbmi2") && __builtin_cpu_supports("avx512vpopcntdq") &&
                            __builtin_cpu_supports("avx512bitalg");
     static const Variant all[] = {
-        RVK_VARIANT(sse42, hasSse42),
-        RVK_VARIANT(avx2, hasAvx2),
-        RVK_VARIANT(avx512, hasAvx512),
+        {RVK_VARIANT(sse42), hasSse42},
+        {RVK_VARIANT(avx2), hasAvx2},
+        {RVK_VARIANT(avx512), hasAvx512},
     };
     count = std::size(all);
     return all;
@@ -60,7 +57,7 @@ const Variant* variants(uint32_t& count)
 #else
     constexpr bool hasNeon = true; // part of the architecture
 #endif
-    static const Variant all[] = {RVK_VARIANT(neon, hasNeon)};
+    static const Variant all[] = {{RVK_VARIANT(neon), hasNeon}};
     count = std::size(all);
     return all;
 }

@@ -18,7 +18,7 @@ namespace {
 
 constexpr auto kTestSlot = Slot::rvkAbsDiffu8;
 
-uint32_t& targetOf(Slot slot)
+Target& targetOf(Slot slot)
 {
     return dispatchState.targets[static_cast<uint32_t>(slot)];
 }
@@ -263,6 +263,27 @@ TEST(Frame, TimeIsTheWallClockInMicroseconds)
 }
 
 // ---- threads ----
+
+// As the companion library, which has the addresses of the targets, may do at any time.
+TEST(Frame, TargetsMayChangeDuringDispatch)
+{
+    inOwnProcess([] {
+        rvkSetOperationMode(RAVIK_OP_CPU_PERFORMANCE);
+        std::atomic<bool> done = false;
+        std::thread mover([&] {
+            for (uint32_t target = RVK_IMPL_CPU; !done; target ^= RVK_IMPL_CPU ^ RVK_IMPL_VECTA)
+                targetOf(kTestSlot).store(target, std::memory_order_relaxed);
+        });
+        for (int i = 0; i < 2000; i++) {
+            const uint8_t a[3] = {1, 2, 3}, b[3] = {3, 3, 3};
+            uint8_t d[3] = {};
+            rvkAbsDiffu8(a, b, 3, 1, 0, d, 0);
+            ASSERT_EQ(d[0] * 100 + d[1] * 10 + d[2], 210);
+        }
+        done = true;
+        mover.join();
+    });
+}
 
 TEST(Frame, ThreadsMayDispatchAndRaceForTheFirstCall)
 {

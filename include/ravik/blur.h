@@ -2,14 +2,17 @@
  *
  * Common to all functions of this header:
  *   Shapes     widths and heights are in pixels. Strides are in bytes; 0 means packed rows. Strides of 16- and 32-bit
- * images are rounded down to a multiple of the element size. Functions without strides work on packed rows. Alignment
- * pointers are aligned to their element type; nothing more is needed. The work may run on the DSP only when pointers
- * and strides are multiples of 8 (8-bit) or 4 (all others). In place   not possible, except with rvkBoxFilterNxNf32:
- * images must not overlap, and dst == src is refused. Overlap    where a function takes any `dstStride`, one below the
- * width makes rows overlap; their contents are then unspecified, but nothing outside them is touched. Errors functions
- * without a result log "Assertion failed @<function>: <condition>" on bad arguments, the others return RAVIK_EBADPARAM;
- * in either case nothing is written. Interior   of a kernel of radius r are the pixels whose whole window lies in the
- * image: all but a ring r pixels wide.
+ *              images are rounded down to a multiple of the element size. Functions without strides work on packed
+ *              rows.
+ *   Alignment  pointers are aligned to their element type; nothing more is needed. The work may run on the DSP only
+ *              when pointers and strides are multiples of 8 (8-bit) or 4 (all others).
+ *   In place   not possible, except with rvkBoxFilterNxNf32: images must not overlap, and dst == src is refused.
+ *   Overlap    where a function takes any `dstStride`, one below the width makes rows overlap; their contents are then
+ *              unspecified, but nothing outside them is touched.
+ *   Errors     functions without a result log "Assertion failed @<function>: <condition>" on bad arguments, the others
+ *              return RAVIK_EBADPARAM; in either case nothing is written.
+ *   Interior   of a kernel of radius r are the pixels whose whole window lies in the image: all but a ring r pixels
+ *              wide.
  *
  * Kernels are separable: the weight of a pixel is the product of the weights of its row and its column. */
 #ifndef RAVIK_BLUR_H

@@ -2,10 +2,11 @@
  *
  * Common to all functions of this header:
  *   Shapes     widths and heights are in pixels and at least 1. Strides are in bytes; 0 means packed rows.
- *   Alignment  none is needed. The work may run on the DSP only when pointers, strides and the width are multiples
- * of 8. In place   `dst` may be `src` when the strides are equal. Otherwise images must not overlap. Errors functions
- * without a result log "Assertion failed @<function>: <condition>" on bad arguments, the others return RAVIK_EBADPARAM;
- * in either case nothing is written. Rows longer than their stride are refused. */
+ *   Alignment  none is needed. The work may run on the DSP only when pointers, strides and the width are multiples of
+ *              8.
+ *   In place   `dst` may be `src` when the strides are equal. Otherwise images must not overlap.
+ *   Errors     functions without a result log "Assertion failed @<function>: <condition>" on bad arguments, the others
+ *              return RAVIK_EBADPARAM; in either case nothing is written. Rows longer than their stride are refused. */
 #ifndef RAVIK_THRESHOLD_H
 #define RAVIK_THRESHOLD_H
 

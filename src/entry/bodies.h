@@ -43,13 +43,13 @@ template <Slot slot, class S1, class S2, class D, class... Parameters>
 ResultOf<slot> combine(Words words, const S1* src1, uint32_t width, uint32_t height, uint32_t src1Stride,
                        const S2* src2, uint32_t src2Stride, D* dst, uint32_t dstStride, Parameters... parameters)
 {
-    constexpr bool hasBytes = sizeof(S1) == 1 || sizeof(S2) == 1, hasWords = sizeof(S1) == 4;
+    constexpr bool hasBytes = sizeof(S1) == 1 || sizeof(S2) == 1, is32Bit = sizeof(S1) == 4;
     src1Stride = packedIfZero(src1Stride, width, sizeof(S1));
     src2Stride = packedIfZero(src2Stride, width, sizeof(S2));
     dstStride = packedIfZero(dstStride, width, sizeof(D));
     const RVK_IMPL target = chooseTarget(slot, [&] {
-        return aligned(hasWords ? 4 : 8, src1, src2, dst, src1Stride, src2Stride, dstStride) &&
-               enoughWork(width, height, hasWords ? 8 : 1) && (!hasBytes || width >= 32);
+        return aligned(is32Bit ? 4 : 8, src1, src2, dst, src1Stride, src2Stride, dstStride) &&
+               enoughWork(width, height, is32Bit ? 8 : 1) && (!hasBytes || width >= 32);
     });
     if (!(src1 && src2 && dst && width && height && src1Stride >= rowSize(width, sizeof(S1)) &&
           src2Stride >= rowSize(width, sizeof(S2)) && dstStride >= rowSize(width, sizeof(D))))
