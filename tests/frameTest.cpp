@@ -187,6 +187,7 @@ TEST(Frame, FallbackTerms)
     EXPECT_FALSE(aligned(8, memory, 12u));
     EXPECT_EQ(packedIfZero(0, 10, 12), 120u);
     EXPECT_EQ(packedIfZero(7, 10, 12), 7u);
+    EXPECT_EQ(packedIfZero(0, UINT32_MAX / 4 + 2, 4), UINT32_MAX); // too short for the row
     EXPECT_TRUE(rowFits(UINT32_MAX, 1));
     EXPECT_TRUE(rowFits(UINT32_MAX / 4, 4));
     EXPECT_FALSE(rowFits(UINT32_MAX / 4 + 1, 4));
