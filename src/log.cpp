@@ -57,6 +57,12 @@ void logArgumentAssertion(const char* function, const char* condition)
     __android_log_print(ANDROID_LOG_ERROR, kLibraryTag, "Assertion failed @%s: %s\n", function, condition);
 }
 
+void logIfOutOfScratch(const char* function, rvkStatus status)
+{
+    if (status == RAVIK_ENORES)
+        logLibraryError("Error: %s - no scratch memory\n", function);
+}
+
 void failInternalAssertion(const char* unit, int line, const char* condition)
 {
     __android_log_print(ANDROID_LOG_ERROR, kLibraryTag, "%s@%d: %s Assertion failed\n", unit, line, condition);

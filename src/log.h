@@ -18,6 +18,10 @@ void readRuntimeLogProperty();
 // "Assertion failed @%s: %s\n": a public function was called with bad arguments.
 void logArgumentAssertion(const char* function, const char* condition);
 
+// What a function without a status has to say of the status of its work: "Error: %s - no scratch memory\n" when that is
+// RAVIK_ENORES, and so nothing was done.
+void logIfOutOfScratch(const char* function, rvkStatus status);
+
 // "%s@%d: %s Assertion failed\n", then the process exits with status 1: an implementation met what must not be.
 // `unit` is the source unit without extension, such as "src/cpu/ravikArithmC"; `line` a constant that stays as it is
 // when the source moves.

@@ -30,9 +30,9 @@
  *              pointers and strides are multiples of 8.
  *   In place   not possible: images must not overlap, and dst == src is refused.
  *   Memory     the C reference takes up to 9 bytes of scratch memory per pixel, vector implementations half a byte and
- *              some rows. When it cannot be had nothing is written.
+ *              some rows. Without it functions return RAVIK_ENORES, or log "Error: <function> - no scratch memory".
  *   Errors     functions without a result log "Assertion failed @<function>: <condition>" on bad arguments, the others
- *              return RAVIK_EBADPARAM; in either case nothing is written. */
+ *              return RAVIK_EBADPARAM. Whatever the error, nothing is written. */
 #ifndef RAVIK_CANNY_H
 #define RAVIK_CANNY_H
 

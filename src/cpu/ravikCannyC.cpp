@@ -117,18 +117,6 @@ rvkStatus canny(uint32_t width, uint32_t height, CannyThresholds thresholds, boo
 
 } // namespace
 
-void rvkFilterCanny3x3u8C(const uint8_t* src, uint32_t width, uint32_t height, uint8_t* dst, int32_t lowThreshold,
-                          int32_t highThreshold)
-{
-    rvkFilterCanny3x3u8_v3C(src, width, height, width, dst, width, lowThreshold, highThreshold);
-}
-
-void rvkFilterCanny3x3u8_v2C(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
-                             uint8_t* dst, uint32_t dstStride, int32_t lowThreshold, int32_t highThreshold)
-{
-    rvkFilterCanny3x3u8_v3C(src, srcWidth, srcHeight, srcStride, dst, dstStride, lowThreshold, highThreshold);
-}
-
 rvkStatus rvkFilterCanny3x3u8_v3C(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
                                   uint8_t* dst, uint32_t dstStride, int32_t lowThreshold, int32_t highThreshold)
 {
@@ -166,3 +154,5 @@ rvkStatus rvkFilterCannyu8C(const uint8_t* src, uint32_t srcWidth, uint32_t srcH
 }
 
 } // namespace rvk
+
+#include "forms/ravikCannyForms.h"

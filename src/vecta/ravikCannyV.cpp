@@ -386,18 +386,6 @@ rvkStatus detect(size_t width, size_t height, Plane<const uint8_t> src, CannyThr
 
 } // namespace
 
-void rvkFilterCanny3x3u8V(const uint8_t* src, uint32_t width, uint32_t height, uint8_t* dst, int32_t lowThreshold,
-                          int32_t highThreshold)
-{
-    rvkFilterCanny3x3u8_v3V(src, width, height, width, dst, width, lowThreshold, highThreshold);
-}
-
-void rvkFilterCanny3x3u8_v2V(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
-                             uint8_t* dst, uint32_t dstStride, int32_t lowThreshold, int32_t highThreshold)
-{
-    rvkFilterCanny3x3u8_v3V(src, srcWidth, srcHeight, srcStride, dst, dstStride, lowThreshold, highThreshold);
-}
-
 rvkStatus rvkFilterCanny3x3u8_v3V(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
                                   uint8_t* dst, uint32_t dstStride, int32_t lowThreshold, int32_t highThreshold)
 {
@@ -428,3 +416,5 @@ rvkStatus rvkFilterCannyu8V(const uint8_t* src, uint32_t srcWidth, uint32_t srcH
 }
 
 } // namespace rvk::vecta::RVK_ISA
+
+#include "forms/ravikCannyForms.h"
