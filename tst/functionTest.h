@@ -64,6 +64,8 @@ struct Argument
     std::vector<double> refused{}; // values of a scalar that the function refuses
     bool isWindowWidth = false;    // the picture is at least as wide, or high, as the scalar says
     bool isWindowHeight = false;
+    bool hasWindowWidth = false;  // of an image of fixed size: no more is read of it than the window is wide, high,
+    bool hasWindowHeight = false; // or the product of both
 
     Argument ofChannels(uint32_t count) const
     {
@@ -143,6 +145,19 @@ inline Argument sameAs(size_t argument)
     return {.role = Argument::Role::alias, .aliasOf = argument};
 }
 inline const Argument policy = oneOf({RAVIK_POLICY_SATURATE, RAVIK_POLICY_WRAP}).refusing({2, UINT32_MAX});
+// The weights of a window, at most as many: one for each of its pixels, columns or rows.
+inline Argument weights(uint32_t most)
+{
+    return {.role = Argument::Role::source, .fixedSize = most, .hasWindowWidth = true, .hasWindowHeight = true};
+}
+inline Argument rowOfWeights(uint32_t most)
+{
+    return {.role = Argument::Role::source, .fixedSize = most, .hasWindowWidth = true};
+}
+inline Argument columnOfWeights(uint32_t most)
+{
+    return {.role = Argument::Role::source, .fixedSize = most, .hasWindowHeight = true};
+}
 // Sizes of a window, which the picture holds.
 inline Argument windowWidth(std::vector<double> sizes)
 {

@@ -7,6 +7,8 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <functional>
+#include <numeric>
 
 namespace {
 
@@ -447,6 +449,31 @@ int TestCase::compare(const Outcome& outcome, float tolerance)
         }
     }
     return failure;
+}
+
+// The bytes of each output after a call on memory that is full of `byte`; images that are read keep their contents.
+std::vector<std::string> TestCase::outputsOver(uint8_t byte)
+{
+    std::vector<std::string> outputs;
+    if (!prepareOutputs())
+        return outputs;
+    for (size_t i = 0; i < m_data.size(); i++)
+        if (argument(i).isOutput() && !argument(i).isInput())
+            memset(m_data[i].buffer.block(), byte, m_data[i].buffer.blockBytes());
+    call();
+    for (size_t i = 0; i < m_data.size(); i++)
+        if (argument(i).isOutput())
+            outputs.emplace_back(reinterpret_cast<char*>(m_data[i].buffer.block()), m_data[i].buffer.blockBytes());
+    return outputs;
+}
+
+bool TestCase::writesItsOutputs()
+{
+    const std::vector<std::string> overZeros = outputsOver(0x00), overOnes = outputsOver(0xFF);
+    const auto sharesByte = [](const std::string& a, const std::string& b) {
+        return std::inner_product(a.begin(), a.end(), b.begin(), false, std::logical_or<>(), std::equal_to<>());
+    };
+    return std::equal(overZeros.begin(), overZeros.end(), overOnes.begin(), overOnes.end(), sharesByte);
 }
 
 void TestCase::flush() const

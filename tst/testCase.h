@@ -77,6 +77,10 @@ public:
     // 0 when the last call gave what was expected and wrote nowhere else.
     int compare(const Outcome& outcome, float tolerance);
 
+    // Whether a call writes to every output, found by calling on different bytes. Of images that are read, too, nothing
+    // can be said; they count as written.
+    bool writesItsOutputs();
+
     // Flushes and invalidates the caches of every image.
     void flush() const;
 
@@ -104,6 +108,7 @@ private:
     void drawNumbers(RandomBits& random);
     void drawFault(RandomBits& random);
     std::vector<double> numbers() const;
+    std::vector<std::string> outputsOver(uint8_t byte);
     void layOut(bool packed, RandomBits& random);
     bool takeInputs();
     bool takeResults(const std::vector<double>& numbers);

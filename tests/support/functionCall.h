@@ -65,7 +65,7 @@ public:
     {
         for (size_t i = 0; i < function.arguments.size(); i++)
             if (function.arguments[i].role == Role::scalar)
-                values.numbers[i] = drawScalar(function.arguments[i], bits);
+                values.numbers[i] = drawNumber(function.arguments[i], bits);
     }
 
     // Lays out and fills the images of a case. A stride is drawn for each argument that gives one.
@@ -98,6 +98,12 @@ public:
 private:
     using Role = Argument::Role;
 
+    // The ends of a range more often than chance would have it.
+    static double drawNumber(const Argument& a, SeededBits& bits)
+    {
+        const uint32_t end = a.choices.empty() ? bits.below(8) : 2;
+        return end == 0 ? a.low : end == 1 ? a.high : drawScalar(a, bits);
+    }
     const Argument& of(size_t argument) const { return m_function.arguments[argument]; }
     uint32_t columns(size_t argument) const;
     uint32_t drawStride(size_t strideArgument, uint32_t mostPadding);
@@ -114,9 +120,12 @@ private:
 inline uint32_t FunctionCall::columns(size_t argument) const
 {
     const Argument& a = of(argument);
+    const CaseSize window = m_function.windowOf(values.numbers);
+    if (a.hasWindowWidth || a.hasWindowHeight)
+        return (a.hasWindowWidth ? window.width : 1) * (a.hasWindowHeight ? window.height : 1);
     if (a.fixedSize)
         return a.fixedSize;
-    const uint32_t beyond = a.isInterior ? m_function.windowOf(values.numbers).width - 1 : 0;
+    const uint32_t beyond = a.isInterior ? window.width - 1 : 0;
     const uint32_t whole = a.isTransposed ? m_size.height : m_size.width;
     return whole - std::min(whole, beyond);
 }

@@ -1,0 +1,84 @@
+// What stored vectors and random cases are worth: the reference computes something from them, or refuses them on purpose.
+#include "controlScript.h"
+#include "groups.h"
+#include "inputFile.h"
+#include "settings.h"
+#include "support/harnessRun.h"
+#include "support/logCapture.h"
+#include "testCase.h"
+
+#include <ravik/frame.h>
+
+using namespace test;
+
+namespace {
+
+enum class Effect { none, refusal, result };
+
+// Of a case on the reference.
+Effect effectOf(TestCase& testCase)
+{
+    const FunctionTest& function = testCase.function();
+    clearLog();
+    testCase.prepareOutputs();
+    const Outcome outcome = testCase.call();
+    if (outcome.status != RAVIK_SUCCESS || !logLines.empty())
+        return Effect::refusal;
+    return testCase.writesItsOutputs() != function.contract.writesNothing ? Effect::result : Effect::none;
+}
+
+void forEachFunction(const std::function<void(const FunctionGroup&, const FunctionTest&)>& action)
+{
+    rvkSetOperationMode(operationModeOf(kTargetC));
+    for (const TestGroup& group : testGroups())
+        if (group.functions)
+            for (const FunctionTest& function : group.functions().functions)
+                action(group.functions(), function);
+}
+
+TEST(StoredVectors, ComputeSomethingOrAreMeantToBeRefused)
+{
+    const std::string directory = testData().string();
+    forEachFunction([&](const FunctionGroup& group, const FunctionTest& function) {
+        const InputFile script = openFile(directory + "/" + group.scriptName(function, RAVIK_TEST_UNIT));
+        ASSERT_TRUE(script) << function.name;
+        TestCase testCase(function, RAVIK_MEM_SYSTEM);
+        int effects[3] = {};
+        while (testCase.read(script.get(), (directory + "/" + group.directory).c_str(),
+                             group.scriptContent(RAVIK_TEST_UNIT)) == ScriptResult::line)
+            effects[static_cast<int>(effectOf(testCase))]++;
+        EXPECT_EQ(effects[static_cast<int>(Effect::none)], 0) << function.name;
+        EXPECT_GE(effects[static_cast<int>(Effect::result)], 6) << function.name;
+        EXPECT_EQ(effects[static_cast<int>(Effect::refusal)], function.canRefuse() ? 2 : 0) << function.name;
+    });
+}
+
+class Words : public RandomBits
+{
+public:
+    uint32_t next() override { return m_state = m_state * 1664525 + 1013904223; }
+
+private:
+    uint32_t m_state = 1;
+};
+
+TEST(DrawnCases, DoWhatIsWanted)
+{
+    forEachFunction([](const FunctionGroup&, const FunctionTest& function) {
+        Words random;
+        TestCase testCase(function, RAVIK_MEM_SYSTEM);
+        const auto effect = [&](Wanted wanted, CaseSize size) {
+            EXPECT_TRUE(testCase.draw(size, wanted, size.width % 2 == 0, random));
+            return effectOf(testCase);
+        };
+        for (uint32_t i = 1; i < 5; i++) {
+            EXPECT_EQ(effect(Wanted::computes, {i, 5 - i}), Effect::result) << function.name;
+            EXPECT_NE(effect(Wanted::accepts, {i, 1}), Effect::refusal) << function.name;
+            if (function.canRefuse()) {
+                EXPECT_EQ(effect(Wanted::refuses, {10 * i, 7}), Effect::refusal) << function.name;
+            }
+        }
+    });
+}
+
+} // namespace
