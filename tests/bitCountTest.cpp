@@ -1,4 +1,5 @@
 #include "support/implementations.h"
+#include "support/random.h"
 
 #include <bit>
 

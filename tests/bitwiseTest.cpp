@@ -1,5 +1,7 @@
 #include "support/implementations.h"
 
+#include <cmath>
+
 using namespace test;
 
 namespace {

@@ -1,13 +1,13 @@
 // What every function promises, proved for each function that a test group names, from its descriptor alone: bad
 // arguments are refused and nothing is written, strides of 0 are packed rows, calls that do not suit a remote unit fall
 // back, vector implementations equal the reference and stay within their images. A function needs no line here.
-#include "dispatch.h"
 #include "groups.h"
 #include "support/functionCall.h"
+#include "support/implementations.h"
 #include "support/logCapture.h"
 #include "support/scarceMemory.h"
-#include "vecta/column.h"
 
+#include <cmath>
 #include <csignal>
 #include <fstream>
 #include <set>
@@ -605,24 +605,6 @@ std::vector<uint32_t> widths()
     return all;
 }
 
-struct VectaCell
-{
-    const char* variant;
-    AnyFunction function;
-};
-
-std::vector<VectaCell> vectaCells(uint32_t slot)
-{
-    std::vector<VectaCell> cells;
-    uint32_t count = 0;
-    const vecta::Variant* variants = vecta::variants(count);
-    for (uint32_t i = 0; i < count; i++)
-        for (const vecta::Entry* e = variants[i].column; variants[i].runsHere && e->implementation; e++)
-            if (e->slot == slot)
-                cells.push_back({variants[i].name, e->implementation});
-    return cells;
-}
-
 // Where memory differs from what the reference made of it; empty when it does not.
 std::string difference(const FunctionCall& call, const std::vector<uint8_t>& expected, float tolerance)
 {
@@ -649,54 +631,79 @@ std::string difference(const FunctionCall& call, const std::vector<uint8_t>& exp
     return "";
 }
 
-void expectVectaEqualsReference(const FunctionTest& function, const std::vector<VectaCell>& cells,
-                                AnyFunction reference)
+// The reference and the vector implementations of a function, on the same pictures.
+class Comparison
 {
-    constexpr uint32_t kRounds = 2;
-    const std::vector<uint32_t> all = widths();
-    for (uint32_t seed = 0; seed < kRounds * all.size(); seed++) {
-        const uint32_t width = all[seed % all.size()];
-        SeededBits bits(seed);
-        FunctionCall call(function, bits);
-        const CaseSize least = function.leastAccepted(call.values.numbers);
-        const uint32_t rows = bits.below(8) ? 1 + bits.below(6) : 1 + bits.below(70);
+public:
+    Comparison(const FunctionTest& function, uint32_t slot, uint32_t seed)
+        : m_function(function), m_cells(vectaCellsOf(slot)), m_reference(referenceOf(slot)), m_bits(seed),
+          m_call(function, m_bits)
+    {
+    }
+
+    // Pictures that are larger than the least by this.
+    void run(CaseSize more, uint32_t strideUnit = 1)
+    {
         const FunctionCall::Layout layout{
-            .mostPadding = bits.below(3) ? 0 : bits.below(40),
-            .inPlace = bits.below(3) == 0,
-            .flush = bits.below(2) ? GuardedMemory::Flush::toEnd : GuardedMemory::Flush::toStart,
-            .content = static_cast<Content>(bits.below(static_cast<uint32_t>(Content::count)))};
-        call.draw({least.width - 1 + width, least.height - 1 + rows}, layout);
-        const auto describe = [&](const char* where) {
-            return std::string(where) + ", " + std::to_string(call.size().width) + "x" +
-                   std::to_string(call.size().height) + ", content " +
-                   std::to_string(static_cast<int>(layout.content)) + (layout.inPlace ? ", in place" : "");
-        };
-        setCurrent(function, describe("reference"));
-        const Outcome expectedOutcome = call.call(reference);
-        const std::vector<uint8_t> expected = contents(call);
-        for (const VectaCell& cell : cells) {
-            setCurrent(function, describe(cell.variant));
-            const Outcome outcome = call.call(cell.function);
+            .mostPadding = m_bits.below(3) ? 0 : m_bits.below(40),
+            .strideUnit = strideUnit,
+            .inPlace = m_bits.below(3) == 0,
+            .flush = m_bits.below(2) ? GuardedMemory::Flush::toEnd : GuardedMemory::Flush::toStart,
+            .content = static_cast<Content>(m_bits.below(static_cast<uint32_t>(Content::count)))};
+        const CaseSize least = m_function.leastAccepted(m_call.values.numbers);
+        m_call.draw({least.width + more.width, least.height + more.height}, layout);
+        setCurrent(m_function, describe("reference", layout));
+        const Outcome expectedOutcome = m_call.call(m_reference);
+        const std::vector<uint8_t> expected = contents(m_call);
+        for (const NamedCell& vecta : m_cells) {
+            setCurrent(m_function, describe(vecta.name, layout));
+            const Outcome outcome = m_call.call(vecta.cell);
             ASSERT_TRUE(outcome == expectedOutcome) << currentCall;
-            if (contents(call) != expected) {
-                ASSERT_EQ(difference(call, expected, function.tolerance), "") << currentCall;
+            if (contents(m_call) != expected) {
+                ASSERT_EQ(difference(m_call, expected, m_function.tolerance), "") << currentCall;
             }
         }
     }
-}
+    // Wider and higher than the strips, tiles and chunks that vector implementations work in; and with rows so far
+    // apart that they collide in caches.
+    void runLarge()
+    {
+        uint32_t pixel = 1;
+        for (const Argument& a : m_function.arguments)
+            pixel = std::max(pixel, a.isPicture() ? a.pixelSize() : 1);
+        const uint32_t width = 900 + m_bits.below(1300);
+        run({width, m_bits.below(std::min(90u, 900'000 / pixel / (width + 60)))});
+        run({60 + m_bits.below(160), 100 + m_bits.below(60)}, 4096);
+    }
+    uint32_t below(uint32_t bound) { return m_bits.below(bound); }
+
+private:
+    std::string describe(const char* where, const FunctionCall::Layout& layout) const
+    {
+        return std::string(where) + ", " + std::to_string(m_call.size().width) + "x" +
+               std::to_string(m_call.size().height) + ", content " + std::to_string(static_cast<int>(layout.content)) +
+               (layout.inPlace ? ", in place" : "");
+    }
+
+    const FunctionTest& m_function;
+    std::vector<NamedCell> m_cells;
+    AnyFunction m_reference;
+    SeededBits m_bits;
+    FunctionCall m_call;
+};
 
 // Each allocation of a call fails in turn. A call that does without it makes what it always makes; one that cannot says
 // so, as far as it has a status, and writes nothing; nothing stays taken.
-void expectSafeWithoutMemory(const FunctionTest& function, const VectaCell& cell)
+void expectSafeWithoutMemory(const FunctionTest& function, const NamedCell& cell)
 {
     SeededBits bits(8);
     const FunctionCall call = plainCall(function, bits, {90, 40});
-    const Outcome expectedOutcome = call.call(cell.function);
+    const Outcome expectedOutcome = call.call(cell.cell);
     const std::vector<uint8_t> expected = contents(call);
-    setCurrent(function, std::string(cell.variant) + " without memory");
+    setCurrent(function, std::string(cell.name) + " without memory");
     for (int granted = 0;; granted++) {
         const ScarceMemory memory(granted);
-        const Outcome outcome = call.call(cell.function);
+        const Outcome outcome = call.call(cell.cell);
         EXPECT_TRUE(memory.allIsReleased()) << currentCall;
         const bool gaveUp = function.hasStatus ? outcome.status == RAVIK_ENORES : call.isUnchanged();
         EXPECT_TRUE(gaveUp ? call.isUnchanged() : outcome == expectedOutcome && contents(call) == expected)
@@ -715,7 +722,7 @@ TEST(Contract, NeedsNoMemoryOrWritesNothing)
         if (slot == kNoSlot)
             return;
         expectSafeWithoutMemory(function, {"C", referenceOf(slot)});
-        for (const VectaCell& cell : vectaCells(slot))
+        for (const NamedCell& cell : vectaCellsOf(slot))
             expectSafeWithoutMemory(function, cell);
     });
 }
@@ -730,9 +737,14 @@ TEST_P(VectaContract, EqualsReference)
         const uint32_t slot = slotNamed(function.function);
         if (slot == kNoSlot)
             continue; // the form that it calls is tested
-        const std::vector<VectaCell> cells = vectaCells(slot);
-        EXPECT_FALSE(cells.empty()) << function.name << " has no vector implementation here";
-        expectVectaEqualsReference(function, cells, referenceOf(slot));
+        constexpr uint32_t kRounds = 2;
+        const std::vector<uint32_t> all = widths();
+        for (uint32_t seed = 0; seed < kRounds * all.size(); seed++) {
+            Comparison comparison(function, slot, seed);
+            comparison.run({all[seed % all.size()] - 1, comparison.below(comparison.below(8) ? 6 : 70)});
+        }
+        for (uint32_t seed = 0; seed < kRounds; seed++)
+            Comparison(function, slot, seed).runLarge();
     }
 }
 

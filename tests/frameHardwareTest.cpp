@@ -3,7 +3,7 @@
 
 #include "dispatch.h"
 #include "support/ownProcess.h"
-#include "support/trial.h"
+#include "support/random.h"
 
 #include <ravik/frame.h>
 

@@ -3,7 +3,7 @@
 #include "scratch.h"
 #include "support/logCapture.h"
 #include "support/ownProcess.h"
-#include "support/trial.h"
+#include "support/random.h"
 
 #include <ravik/ravik.h>
 

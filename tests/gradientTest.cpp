@@ -194,49 +194,6 @@ TEST(Gradient, WorkedValues)
     EXPECT_EQ(planesOf<int8_t>(rvkImageGradientSobelPlanars8, corner).dy.at(1, 1), -1);
 }
 
-// ---- what the vector implementations alone do ---------------------------------------------------
-
-// Pictures wider and higher than the strips and blocks that they are worked on in.
-void drawLarge(Trial& t)
-{
-    t.width = 900 + t.below(1400);
-    t.height = 3 + t.below(80);
-}
-
-template <Slot slot, class S, class T, class... Border>
-void expectSamePlanes(bool canLeaveOut, Border... border)
-{
-    expectVectaEqualsReference<slot>(
-        [=](auto function, Trial& t) {
-            drawLarge(t);
-            const uint32_t kind = canLeaveOut ? t.below(4) : 0;
-            const auto src = t.input<S>();
-            const auto dx = t.output<T>(), dy = t.output<T>();
-            function(src.data, t.width, t.height, src.stride, kind == 1 ? nullptr : dx.data,
-                     kind == 2 ? nullptr : dy.data, dx.stride, border...);
-        },
-        12);
-}
-
-TEST(Gradient, VectaEqualsReferenceOnLargePictures)
-{
-    expectSamePlanes<Slot::rvkImageGradientSobelPlanars16_v3, uint8_t, int16_t>(true);
-    expectSamePlanes<Slot::rvkImageGradientSobelPlanarf32f32_v2, float, float>(false);
-    for (const uint32_t type : {0u, uint32_t{RAVIK_BORDER_CONSTANT}, uint32_t{RAVIK_BORDER_REPLICATE}}) {
-        expectSamePlanes<Slot::rvkFilterSobel3x3u8s16, uint8_t, int16_t>(true, type, uint8_t{200});
-        expectSamePlanes<Slot::rvkFilterSobel5x5u8s16, uint8_t, int16_t>(true, type, uint8_t{200});
-        expectSamePlanes<Slot::rvkFilterSobel7x7u8s16, uint8_t, int16_t>(true, type, uint8_t{200});
-    }
-    expectVectaEqualsReference<Slot::rvkImageGradientSobelInterleaveds16_v3>(
-        [](auto function, Trial& t) {
-            drawLarge(t);
-            const auto src = t.input<uint8_t>();
-            const auto pairs = t.outputOf<int16_t>(2 * (t.width - 2), t.height - 2);
-            function(src.data, t.width, t.height, src.stride, pairs.data, pairs.stride);
-        },
-        12);
-}
-
 TEST(Gradient, PlanesMayNotBothBeMissing)
 {
     const uint8_t src[9] = {9};

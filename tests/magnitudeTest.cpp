@@ -1,4 +1,5 @@
 #include "support/implementations.h"
+#include "support/random.h"
 
 #include <array>
 #include <cmath>
@@ -104,10 +105,17 @@ TEST(Magnitude, IsTheNearestInteger)
 
 TEST(Phase, IsTheNearestDirection)
 {
-    // A direction belongs to a phase when it lies counter-clockwise of its last boundary and clockwise of its first.
-    const auto isWithin = [](int phase, int x, int y) {
-        const long double unit = std::acos(-1.0L) / 128, first = (phase - 0.5L) * unit, last = (phase + 0.5L) * unit;
-        return y * std::cos(first) - x * std::sin(first) > 0 && y * std::cos(last) - x * std::sin(last) < 0;
+    // A direction belongs to a phase when it lies counter-clockwise of the phase's first boundary and clockwise of its
+    // last.
+    std::vector<std::array<long double, 2>> boundaries;
+    for (int phase = 0; phase <= 256; ++phase) {
+        const long double angle = (phase - 0.5L) * std::acos(-1.0L) / 128;
+        boundaries.push_back({std::cos(angle), std::sin(angle)});
+    }
+    const auto isWithin = [&](size_t phase, int x, int y) {
+        const auto& [firstX, firstY] = boundaries[phase];
+        const auto& [lastX, lastY] = boundaries[phase + 1];
+        return y * firstX - x * firstY > 0 && y * lastX - x * lastY < 0;
     };
     const Gradients g = besideRoundedPhases();
     forEachImplementation<Slot::rvkPhases16>([&](const char* name, auto function) {

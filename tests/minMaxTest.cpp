@@ -1,6 +1,8 @@
 #include "support/implementations.h"
 #include "support/logCapture.h"
 
+#include <cmath>
+
 using namespace test;
 
 namespace {
@@ -114,32 +116,6 @@ TEST(MinMax, FloatsThatAreNotOrdinary)
         EXPECT_EQ(tiny.high, 2e-42f);
         EXPECT_EQ(tiny.highAt.x, 3u);
     });
-}
-
-template <Slot slot, class T>
-void expectSame()
-{
-    expectVectaEqualsReference<slot>(
-        [](auto function, Trial& t) {
-            t.width += 3000; // several chunks, in rows and packed
-            const auto src = t.input<T>();
-            const Found<T> f = search(function, src.data, t.width, t.height, src.stride);
-            t.result(f.low);
-            t.result(f.high);
-            for (const uint32_t coordinate : {f.lowAt.x, f.lowAt.y, f.highAt.x, f.highAt.y})
-                t.result(coordinate);
-        },
-        30);
-}
-
-TEST(MinMax, VectaEqualsReferenceOnWidePictures)
-{
-    expectSame<Slot::rvkMinMaxLocu8, uint8_t>();
-    expectSame<Slot::rvkMinMaxLocu16, uint16_t>();
-    expectSame<Slot::rvkMinMaxLocs16, int16_t>();
-    expectSame<Slot::rvkMinMaxLocu32, uint32_t>();
-    expectSame<Slot::rvkMinMaxLocs32, int32_t>();
-    expectSame<Slot::rvkMinMaxLocf32, float>();
 }
 
 TEST(MinMax, TheReferenceEndsTheProcessOnBadArguments)

@@ -108,38 +108,6 @@ TEST(Transform, WorkedValues)
     EXPECT_TRUE(is({5, 6, 3, 4, 1, 2}));
 }
 
-// Pictures whose rows are, now and then, so many pixels apart that they collide in caches.
-template <Slot slot, class T, class Call>
-void expectTurns(uint32_t channels, uint32_t wideRow, Call call)
-{
-    expectVectaEqualsReference<slot>([&](auto function, Trial& t) {
-        const bool isWide = t.below(8) == 0;
-        t.width = isWide ? wideRow : t.width;
-        const auto src = t.input<T>(channels);
-        t.width -= isWide ? t.below(wideRow) : 0;
-        const auto dst = t.outputOf<T>(t.height * channels, t.width);
-        call(function, t, src, dst);
-    });
-}
-
-TEST(Transform, VectaEqualsReferenceForDistantRows)
-{
-    const auto transpose = [](auto function, Trial& t, auto src, auto dst) {
-        const uint32_t srcExtra = t.below(sizeof *src.data), dstExtra = t.below(sizeof *src.data); // no whole element
-        function(src.data, t.width, t.height, src.stride + srcExtra, dst.data, dst.stride + dstExtra);
-    };
-    expectTurns<Slot::rvkTransposeu8, uint8_t>(1, 1024, transpose);
-    expectTurns<Slot::rvkTransposeu16, uint16_t>(1, 1024, transpose);
-    expectTurns<Slot::rvkTransposef32, float>(1, 1024, transpose);
-    expectTurns<Slot::rvkTransposeRGB888u8, uint8_t>(3, 4096, transpose);
-    const auto rotate = [](auto function, Trial& t, auto src, auto dst) {
-        const uint32_t rotation = t.below(2) ? RAVIK_ROTATE_90 : RAVIK_ROTATE_270;
-        t.result(function(src.data, t.width, t.height, src.stride, dst.data, dst.stride, rotation));
-    };
-    expectTurns<Slot::rvkRotateImageu8, uint8_t>(1, 2048, rotate);
-    expectTurns<Slot::rvkRotateImageInterleavedu8, uint8_t>(2, 1024, rotate);
-}
-
 // ---- arguments that only these functions refuse ----
 
 TEST(Transform, InPlaceWithTwoStridesIsRefused)

@@ -2,8 +2,9 @@
 #pragma once
 
 #include "functionTest.h"
+#include "guarded.h"
+#include "random.h"
 #include "testCase.h"
-#include "trial.h"
 
 #include <algorithm>
 #include <map>
@@ -40,6 +41,7 @@ public:
     struct Layout
     {
         uint32_t mostPadding = 0; // elements between rows, where there is a stride
+        uint32_t strideUnit = 1;  // strides are multiples of it
         bool inPlace = false;     // where the contract allows it
         GuardedMemory::Flush flush = GuardedMemory::Flush::toEnd;
         Content content = Content::uniform;
@@ -106,7 +108,7 @@ private:
     }
     const Argument& of(size_t argument) const { return m_function.arguments[argument]; }
     uint32_t columns(size_t argument) const;
-    uint32_t drawStride(size_t strideArgument, uint32_t mostPadding);
+    uint32_t drawStride(size_t strideArgument, const Layout& layout);
     void place(size_t argument, uint32_t stride, const Layout& layout);
     void fill(const Block& block, Content content);
     void shareSource();
@@ -153,7 +155,7 @@ inline void FunctionCall::draw(CaseSize size, const Layout& layout)
         else if (of(i).role == Role::area)
             values.numbers[i] = double{1} * size.width * size.height;
         else if (of(i).role == Role::stride)
-            strides[i] = drawStride(i, layout.mostPadding);
+            strides[i] = drawStride(i, layout);
     }
     for (size_t i = 0; i < m_function.arguments.size(); i++)
         if (of(i).isImage()) {
@@ -170,7 +172,7 @@ inline void FunctionCall::draw(CaseSize size, const Layout& layout)
 }
 
 // What is left of a stride beyond whole elements does not count; at times there is such a rest.
-inline uint32_t FunctionCall::drawStride(size_t strideArgument, uint32_t mostPadding)
+inline uint32_t FunctionCall::drawStride(size_t strideArgument, const Layout& layout)
 {
     uint32_t widest = 0, largestElement = 1;
     for (const size_t image : m_function.imagesOfStride(strideArgument)) {
@@ -179,8 +181,9 @@ inline uint32_t FunctionCall::drawStride(size_t strideArgument, uint32_t mostPad
         widest = std::max(widest, rowBytes(image));
         largestElement = std::max(largestElement, sizeOf(of(image).element));
     }
-    const uint32_t stride = widest + m_bits.below(mostPadding + 1) * largestElement;
-    values.numbers[strideArgument] = stride + (mostPadding ? m_bits.below(largestElement) : 0);
+    const uint32_t padded = widest + m_bits.below(layout.mostPadding + 1) * largestElement;
+    const uint32_t stride = (padded + layout.strideUnit - 1) / layout.strideUnit * layout.strideUnit;
+    values.numbers[strideArgument] = stride + (layout.mostPadding ? m_bits.below(largestElement) : 0);
     return stride;
 }
 
@@ -195,8 +198,11 @@ inline void FunctionCall::place(size_t argument, uint32_t stride, const Layout& 
     Block block{argument, of(argument).element, rowBytes(argument), rows(argument), stride, nullptr, {}};
     if (block.bytes() > kMostBytes)
         abort();
+    // Small vectors are no better aligned than they must be.
+    const size_t lead =
+        of(argument).fixedSize ? m_bits.below(16) * std::max(of(argument).alignment, sizeOf(block.element)) : 0;
     block.data =
-        regions[argument].data() + (layout.flush == GuardedMemory::Flush::toEnd ? kMostBytes - block.bytes() : 0);
+        regions[argument].data() + (layout.flush == GuardedMemory::Flush::toEnd ? kMostBytes - block.bytes() : lead);
     std::fill_n(block.data, block.bytes(), uint8_t{0xA5});
     if (of(argument).isInput())
         fill(block, layout.content);
