@@ -26,6 +26,7 @@ struct Header
 static_assert(sizeof(Header) == 2 * sizeof(void*));
 constexpr uint32_t kPoolTag = 0xCDCDCDCD;
 constexpr uint32_t kHeapTag = 0xABABABAB;
+constexpr uint32_t kCacheLine = 64;
 
 struct Block
 {
@@ -117,12 +118,13 @@ void unlock(Slot& slot)
 }
 
 // Gives a locked slot a block that serves the request, unless it has one. The old block stays when there is no memory.
+// Whatever the alignment asked for, blocks are aligned to a cache line, so that they serve Scratch next time.
 bool prepare(Slot& slot, uint32_t size, uint32_t alignment)
 {
     const Block& old = slot.block;
     if (old.raw && size <= old.capacity && isAligned(old.user, alignment))
         return true;
-    const Block block = allocateBlock(std::max(size, old.capacity), alignment);
+    const Block block = allocateBlock(std::max(size, old.capacity), std::max(alignment, kCacheLine));
     if (!block.raw)
         return false;
     systemAllocator.release(old.raw);
@@ -260,11 +262,10 @@ void releaseScratch(void* ptr)
 
 void* getScratchRows(uint64_t rows, uint64_t columns, uint32_t elementSize)
 {
-    constexpr uint32_t cacheLine = 64;
     const uint64_t most = (UINT32_MAX - 256) / elementSize; // its square fits 64 bits
     if (rows > most || columns > most || rows * columns > most)
         return nullptr;
-    return getScratchAligned(static_cast<uint32_t>(rows * columns) * elementSize, cacheLine);
+    return getScratchAligned(static_cast<uint32_t>(rows * columns) * elementSize, kCacheLine);
 }
 
 } // namespace rvk

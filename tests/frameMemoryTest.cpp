@@ -379,7 +379,9 @@ TEST_F(FrameMemory, BufferThatOutlivesItsPoolKeepsItsSlotInTheNext)
 TEST_F(FrameMemory, PreAllocationGrowsOneSlot)
 {
     rvkMemInitPreAlloc(50000000);
-    EXPECT_EQ(lastSize, 33177600 + 15 + kHeader);
+    EXPECT_EQ(lastSize, 33177600 + 63 + kHeader);
+    EXPECT_TRUE(Scratch<uint32_t>(2160, 3840));
+    EXPECT_EQ(allocations, 1);
     EXPECT_EQ(liveBlocks, 1);
     const int before = allocations;
     releaseScratch(getScratchAligned(33177600, 16));
