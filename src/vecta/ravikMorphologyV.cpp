@@ -22,141 +22,171 @@ struct Smallest
     static RVK_INLINE uint8_t of(uint8_t a, uint8_t b) { return a < b ? a : b; }
 };
 
-// ---- 3x3: every pixel outside the picture counts as `outside` -----------------------------------
+// ---- 3x3 and 5x5: every pixel outside the picture counts as `outside` -----------------------------------------------
 
+// Down a column, two rows at a time: their windows have all rows between the first and the last in common. A step of
+// outputs takes the extremes along its rows, beginning with the first 2 * radius of them.
 template <class Extreme>
-struct Window3x3
+struct Rows3
 {
-    static constexpr size_t rows = 3, columns = 3;
-    static constexpr size_t step = Bytes::lanes;
-    Bytes above = zero<uint8_t>(), lastTwo = above; // extremes of the row above, and of the two rows above
+    static constexpr size_t rows = 3;
+    Bytes first, second;
 
-    RVK_INLINE Bytes next(const uint8_t* p)
+    explicit RVK_INLINE Rows3(const Bytes (&r)[2]) : first(r[0]), second(r[1]) {}
+    RVK_INLINE Vecs<uint8_t, 2> next(Bytes third, Bytes fourth)
     {
-        const Bytes row = Extreme::of(Extreme::of(load(p), load(p + 2)), load(p + 1));
-        const Bytes result = Extreme::of(lastTwo, row);
-        lastTwo = Extreme::of(above, row);
-        above = row;
+        const Bytes common = Extreme::of(second, third);
+        const Vecs<uint8_t, 2> result = {Extreme::of(first, common), Extreme::of(common, fourth)};
+        first = third;
+        second = fourth;
         return result;
     }
 };
 
-// The first or the last row but for its ends: the picture has no more than one neighbour of it.
 template <class Extreme>
-RVK_INLINE void filterEdgeRow(size_t width, const uint8_t* row, const uint8_t* neighbour, uint8_t* dst, uint8_t outside)
+struct Rows5
 {
-    const Bytes beyond = splat(outside);
-    const auto extreme = [=](Bytes a, Bytes b, Bytes c, Bytes d, Bytes e, Bytes f) RVK_INLINE_LAMBDA {
-        return Extreme::of(Extreme::of(Extreme::of(a, b), Extreme::of(c, d)), Extreme::of(Extreme::of(e, f), beyond));
-    };
-    mapRow(width - 2, dst + 1, extreme, row, row + 1, row + 2, neighbour, neighbour + 1, neighbour + 2);
+    static constexpr size_t rows = 5;
+    Bytes first, third, fourth, secondAndThird;
+
+    explicit RVK_INLINE Rows5(const Bytes (&r)[4])
+        : first(r[0]), third(r[2]), fourth(r[3]), secondAndThird(Extreme::of(r[1], r[2]))
+    {
+    }
+    RVK_INLINE Vecs<uint8_t, 2> next(Bytes fifth, Bytes sixth)
+    {
+        const Bytes fourthAndFifth = Extreme::of(fourth, fifth), common = Extreme::of(secondAndThird, fourthAndFifth);
+        const Vecs<uint8_t, 2> result = {Extreme::of(first, common), Extreme::of(common, sixth)};
+        first = third;
+        secondAndThird = fourthAndFifth;
+        third = fifth;
+        fourth = sixth;
+        return result;
+    }
+};
+
+// Along the row: the extremes of a step of pixels and their `radius` neighbours on either side, ...
+template <class Extreme, size_t radius>
+RVK_INLINE Bytes innerWindows(const uint8_t* p)
+{
+    Bytes outer = Extreme::of(load(p - 1), load(p + 1));
+    if constexpr (radius == 2)
+        outer = Extreme::of(outer, Extreme::of(load(p - 2), load(p + 2)));
+    return Extreme::of(outer, load(p));
 }
 
-// Rows `top` to `bottom` of the first or the last column x, whose neighbour in the picture is column `inner`; the
-// column itself where there is no other.
-template <class Extreme>
-RVK_INLINE void filterEdgeColumn(size_t x, size_t inner, size_t top, size_t bottom, size_t height,
-                                 Plane<const uint8_t> src, Plane<uint8_t> dst, uint8_t outside)
+// ... of those before and of those behind the pixels of a row, where the picture ends and of what lies outside.
+template <class Extreme, size_t radius>
+RVK_INLINE Bytes beforeEdge(Bytes row, Bytes outside)
 {
-    const auto rowExtreme = [&](size_t y) RVK_INLINE_LAMBDA { return Extreme::of(src.row(y)[x], src.row(y)[inner]); };
-    uint8_t above = top ? rowExtreme(top - 1) : outside;
-    uint8_t here = rowExtreme(top);
-    for (size_t y = top; y < bottom; ++y) {
-        const uint8_t below = y + 1 < height ? rowExtreme(y + 1) : outside;
-        dst.row(y)[x] = Extreme::of(Extreme::of(Extreme::of(above, below), here), outside);
-        above = here;
-        here = below;
+    const Bytes nearest = extract<Bytes::lanes - 1>(outside, row);
+    return radius == 1 ? nearest : Extreme::of(nearest, extract<Bytes::lanes - 2>(outside, row));
+}
+
+template <class Extreme, size_t radius>
+RVK_INLINE Bytes behindEdge(Bytes row, Bytes outside)
+{
+    const Bytes nearest = extract<1>(row, outside);
+    return radius == 1 ? nearest : Extreme::of(nearest, extract<2>(row, outside));
+}
+
+template <class Extreme, size_t radius>
+RVK_INLINE Bytes leftWindows(const uint8_t* p, Bytes outside)
+{
+    const Bytes row = load(p), behind = radius == 1 ? load(p + 1) : Extreme::of(load(p + 1), load(p + radius));
+    return Extreme::of(Extreme::of(row, behind), beforeEdge<Extreme, radius>(row, outside));
+}
+
+template <class Extreme, size_t radius>
+RVK_INLINE Bytes rightWindows(const uint8_t* p, Bytes outside)
+{
+    const Bytes row = load(p), before = radius == 1 ? load(p - 1) : Extreme::of(load(p - 1), load(p - radius));
+    return Extreme::of(Extreme::of(row, before), behindEdge<Extreme, radius>(row, outside));
+}
+
+// Rows `top` to `bottom` of the outputs from column x on: windows(address) gives the extremes along a row, put(address,
+// outputs) stores.
+template <class Column, class Windows, class Put>
+RVK_INLINE void filterColumn(size_t x, size_t top, size_t bottom, size_t height, Plane<const uint8_t> src,
+                             Plane<uint8_t> dst, Bytes outside, Windows windows, Put put)
+{
+    constexpr size_t radius = Column::rows / 2;
+    const auto at = [&](size_t i) RVK_INLINE_LAMBDA { // row i - radius
+        return radius <= i && i - radius < height ? windows(src.row(i - radius) + x) : outside;
+    };
+    Bytes above[2 * radius];
+    for (size_t i = 0; i < 2 * radius; ++i)
+        above[i] = at(top + i);
+    Column column(above);
+    size_t y = top;
+    const uint8_t* in = src.row(top + radius) + x;
+    uint8_t* out = dst.row(top) + x;
+    for (; y + 1 < least(bottom, height - least(height, radius)); y += 2) {
+        const uint8_t* const second = in + src.stride;
+        const Vecs<uint8_t, 2> two = column.next(windows(in), windows(second));
+        put(out, two[0]);
+        put(out + dst.stride, two[1]);
+        in = second + src.stride;
+        out += 2 * size_t{dst.stride};
+        pin(in, out);
+    }
+    for (; y < bottom; y += 2) {
+        const Vecs<uint8_t, 2> two = column.next(at(y + 2 * radius), at(y + 2 * radius + 1));
+        put(dst.row(y) + x, two[0]);
+        if (y + 1 < bottom)
+            put(dst.row(y + 1) + x, two[1]);
     }
 }
 
-template <class Extreme>
-RVK_INLINE void filter3x3(size_t width, size_t height, Plane<const uint8_t> src, Plane<uint8_t> dst, uint8_t outside)
+// The picture is `radius` pixels wider than a vector or more.
+template <class Extreme, class Column>
+RVK_INLINE void filterWide(size_t width, size_t height, Plane<const uint8_t> src, Plane<uint8_t> dst, Bytes outside)
 {
-    filterWhole3x3(
-        width, height, src, dst, Window3x3<Extreme>{},
-        [=](const uint8_t* row, const uint8_t* neighbour, uint8_t* to)
-            RVK_INLINE_LAMBDA { filterEdgeRow<Extreme>(width, row, neighbour, to, outside); },
-        [=](size_t x, size_t top, size_t bottom) RVK_INLINE_LAMBDA {
-            filterEdgeColumn<Extreme>(x, x ? x - 1 : width > 1, top, bottom, height, src, dst, outside);
-        });
+    constexpr size_t lanes = Bytes::lanes, radius = Column::rows / 2;
+    static_assert(kBlockRows<Column> % 2 == 0);
+    for (size_t top = 0; top < height; top += kBlockRows<Column>) {
+        const size_t bottom = least(top + kBlockRows<Column>, height);
+        const auto filterStep = [&](size_t x, auto windows) RVK_INLINE_LAMBDA {
+            filterColumn<Column>(x, top, bottom, height, src, dst, outside, windows,
+                                 [](uint8_t* to, Bytes v) RVK_INLINE_LAMBDA { store(to, v); });
+        };
+        filterStep(0, [=](const uint8_t* p) RVK_INLINE_LAMBDA { return leftWindows<Extreme, radius>(p, outside); });
+        for (size_t x = lanes; x < width - lanes; x += lanes)
+            filterStep(least(x, width - lanes - radius), innerWindows<Extreme, radius>);
+        filterStep(width - lanes,
+                   [=](const uint8_t* p) RVK_INLINE_LAMBDA { return rightWindows<Extreme, radius>(p, outside); });
+    }
+}
+
+// The picture is no wider than a vector.
+template <class Extreme, class Column>
+RVK_INLINE void filterNarrow(size_t width, size_t height, Plane<const uint8_t> src, Plane<uint8_t> dst, Bytes outside)
+{
+    constexpr size_t radius = Column::rows / 2;
+    const auto isInside = less(iota<uint8_t>(), splat(static_cast<uint8_t>(width)));
+    filterColumn<Column>(
+        0, 0, height, height, src, dst, outside,
+        [=](const uint8_t* p) RVK_INLINE_LAMBDA {
+            const Bytes row = select(isInside, loadPartial(p, width), outside);
+            return Extreme::of(Extreme::of(row, beforeEdge<Extreme, radius>(row, outside)),
+                               behindEdge<Extreme, radius>(row, outside));
+        },
+        [=](uint8_t* to, Bytes v) RVK_INLINE_LAMBDA { storePartial(to, v, width); });
+}
+
+template <class Extreme>
+RVK_NOINLINE void filter3x3(size_t width, size_t height, Plane<const uint8_t> src, Plane<uint8_t> dst, uint8_t outside)
+{
+    if (width > Bytes::lanes)
+        filterWide<Extreme, Rows3<Extreme>>(width, height, src, dst, splat(outside));
+    else
+        filterNarrow<Extreme, Rows3<Extreme>>(width, height, src, dst, splat(outside));
 }
 
 template <class Extreme>
 RVK_INLINE uint8_t outsideValue(uint32_t borderType, uint8_t borderValue)
 {
     return borderType == RAVIK_BORDER_CONSTANT ? borderValue : Extreme::neutral;
-}
-
-// ---- 5x5: rows and columns beside the picture repeat its edge, which every window that reaches there contains
-
-// Down a column: from the extremes of single rows to those of two, four and five.
-template <class Extreme>
-struct Window5Rows
-{
-    static constexpr size_t rows = 5;
-    Bytes last = zero<uint8_t>(), two = last, four = last; // of as many rows, up to the last one
-    Bytes twoBefore = last;                                // `two` one row ago
-
-    RVK_INLINE Bytes next(Bytes row)
-    {
-        const Bytes result = Extreme::of(four, row), lastAndThis = Extreme::of(last, row);
-        four = Extreme::of(twoBefore, lastAndThis);
-        twoBefore = two;
-        two = lastAndThis;
-        last = row;
-        return result;
-    }
-};
-
-// Along the row: a step of windows at the left edge, at the right edge and between them.
-template <class Extreme>
-RVK_INLINE Bytes leftWindows(const uint8_t* p)
-{
-    const Bytes row = load(p), neutral = splat(Extreme::neutral);
-    const Bytes before = Extreme::of(extract<Bytes::lanes - 1>(neutral, row), extract<Bytes::lanes - 2>(neutral, row));
-    return Extreme::of(Extreme::of(row, before), Extreme::of(load(p + 1), load(p + 2)));
-}
-
-template <class Extreme>
-RVK_INLINE Bytes rightWindows(const uint8_t* p)
-{
-    const Bytes row = load(p), neutral = splat(Extreme::neutral);
-    const Bytes behind = Extreme::of(extract<1>(row, neutral), extract<2>(row, neutral));
-    return Extreme::of(Extreme::of(row, behind), Extreme::of(load(p - 1), load(p - 2)));
-}
-
-template <class Extreme>
-RVK_INLINE Bytes innerWindows(const uint8_t* p)
-{
-    const Bytes outer = Extreme::of(load(p - 2), load(p + 2));
-    return Extreme::of(Extreme::of(load(p - 1), load(p + 1)), Extreme::of(load(p), outer));
-}
-
-// The step of outputs at column x of the rows from `top` on.
-template <class Extreme, class Windows>
-RVK_INLINE void filterStep5x5(size_t x, size_t top, size_t bottom, size_t height, Plane<const uint8_t> src,
-                              Plane<uint8_t> dst, Windows windows)
-{
-    Window5Rows<Extreme> column;
-    const auto twoAbove = [&](size_t y) RVK_INLINE_LAMBDA { return windows(src.row(nearest(y, 2, height)) + x); };
-    for (size_t y = top; y < top + 4; ++y)
-        column.next(twoAbove(y));
-    for (size_t y = top; y < bottom; ++y)
-        store(dst.row(y) + x, column.next(twoAbove(y + 4)));
-}
-
-// The picture is two pixels wider than a vector or more.
-template <class Extreme>
-RVK_INLINE void filter5x5(size_t width, size_t height, Plane<const uint8_t> src, Plane<uint8_t> dst)
-{
-    constexpr size_t lanes = Bytes::lanes, blockRows = kBlockRows<Window5Rows<Extreme>>;
-    for (size_t top = 0; top < height; top += blockRows) {
-        const size_t bottom = least(top + blockRows, height);
-        filterStep5x5<Extreme>(0, top, bottom, height, src, dst, leftWindows<Extreme>);
-        for (size_t x = lanes; x < width - lanes; x += lanes)
-            filterStep5x5<Extreme>(least(x, width - lanes - 2), top, bottom, height, src, dst, innerWindows<Extreme>);
-        filterStep5x5<Extreme>(width - lanes, top, bottom, height, src, dst, rightWindows<Extreme>);
-    }
 }
 
 // ---- NxN: along the rows by doubling, down the columns in blocks of N rows ----------------------
@@ -199,19 +229,21 @@ struct ColumnBlock
     RVK_INLINE void takeRow(size_t place, const uint8_t* left, const uint8_t* right, uint8_t* dst) const
     {
         uint8_t* const kept = rows + place * pitch;
-        for (size_t x = 0; x < width; x += Bytes::lanes) {
+        const auto step = [&](size_t x) RVK_INLINE_LAMBDA {
             const Bytes row = Extreme::of(load(left + x), load(right + x));
             const Bytes beginning = isFirst ? row : Extreme::of(load(running + x), row);
             store(kept + x, row);
             store(running + x, beginning);
-            if (dst) {
-                const Bytes result = isLast ? beginning : Extreme::of(beginning, load(kept + pitch + x));
-                if (x + Bytes::lanes <= width)
-                    store(dst + x, result);
-                else
-                    storePartial(dst + x, result, width - x);
-            }
-        }
+            return isLast || !dst ? beginning : Extreme::of(beginning, load(kept + pitch + x));
+        };
+        size_t x = 0;
+        if (!dst)
+            for (; x < width; x += Bytes::lanes)
+                step(x);
+        for (; x + Bytes::lanes <= width; x += Bytes::lanes)
+            store(dst + x, step(x));
+        if (x < width)
+            storePartial(dst + x, step(x), width - x);
     }
 
     RVK_INLINE void take(size_t place, const uint8_t* left, const uint8_t* right, uint8_t* dst) const
@@ -273,7 +305,7 @@ RVK_INLINE rvkStatus filterNxN(size_t width, size_t height, Plane<const uint8_t>
     if (N == 3)
         filter3x3<Extreme>(width, height, src, dst, Extreme::neutral);
     else if (N == 5 && width >= Bytes::lanes + 2)
-        filter5x5<Extreme>(width, height, src, dst);
+        filterWide<Extreme, Rows5<Extreme>>(width, height, src, dst, splat(Extreme::neutral));
     else
         return filterInBlocks<Extreme>(width, height, src, N, dst);
     return RAVIK_SUCCESS;

@@ -158,6 +158,15 @@ RVK_INLINE auto both(const Vecs<A, 2>& a, const Vecs<B, 2>& b, F f)
     return Vecs<typename decltype(f(a[0], b[0]))::Element, 2>{f(a[0], b[0]), f(a[1], b[1])};
 }
 
+// The compilers can no longer tell where the pointers come from. Otherwise some replace those that a loop moves by one
+// for each address that occurs in it, which takes registers and more instructions.
+template <class... P>
+RVK_INLINE void pin(P*&... p)
+{
+    const auto hide = [](auto*& one) RVK_INLINE_LAMBDA { __asm__("" : "+r"(one)); };
+    (hide(p), ...);
+}
+
 // ---- memory ---------------------------------------------------------------------------------------------------------
 
 // A register's worth of elements anywhere in memory. (Loads and stores go through this type: a memcpy of 32 or 64 bytes

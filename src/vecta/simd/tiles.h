@@ -147,7 +147,7 @@ RVK_INLINE void forRows(Byte* p, ptrdiff_t step, F f)
         });
         p += static_cast<ptrdiff_t>(together) * step;
         if constexpr (kPinsPointers && (together > 1 || kRowsTogether == 1))
-            __asm__("" : "+r"(p)); // or the compiler would keep, or form anew, a pointer for each row
+            pin(p); // or the compiler would keep, or form anew, a pointer for each row
     });
 }
 
