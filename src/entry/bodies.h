@@ -1,6 +1,6 @@
-// Bodies that entries share, from four that would be equal up. Such an entry says which slot it calls and in which words
-// the log refuses; the rest is the body's: defaults, target, argument check, call. The parameters of the public functions
-// that stand elsewhere in each list come last here.
+// Bodies that entries share, from four that would be equal up. Such an entry says which slot it calls and in which
+// words the log refuses; the rest is the body's: defaults, target, argument check, call. Parameters that stand at
+// another place in each of the public functions come last here.
 #pragma once
 
 #include "dispatch.h"

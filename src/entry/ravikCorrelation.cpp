@@ -28,7 +28,7 @@ bool isShift(uint32_t shift)
     return shift < 32;
 }
 
-// To a picture of the same size with a kernel of M columns and N rows, whose weights and shifts the entry has looked at.
+// To a picture of the same size with a kernel of M columns and N rows, whose weights and shifts the entry looks at.
 template <Slot slot, class S, class D, class... Parameters>
 rvkStatus correlate(uint32_t M, uint32_t N, bool isKernel, const S* src, uint32_t srcWidth, uint32_t srcHeight,
                     uint32_t srcStride, D* dst, uint32_t dstStride, Parameters... parameters)
