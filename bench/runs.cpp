@@ -42,13 +42,15 @@ const Best* find(const Best (&bests)[count], std::string_view name)
     return found == bests + count ? nullptr : found;
 }
 
-// Names without a content are those of random content.
+// What was measured on natural content if that is the run's, else what was measured on some content.
 template <class Best, size_t count>
 const Best* bestOf(const Best (&bests)[count], const Run& run)
 {
     if (!run.row->best)
         return nullptr;
-    return find(bests, std::string(run.row->best) + (run.picture.content == Content::natural ? ", natural" : ""));
+    const std::string name = run.row->best;
+    const Best* const onNatural = run.picture.content == Content::natural ? find(bests, name + ", natural") : nullptr;
+    return onNatural ? onNatural : find(bests, name);
 }
 
 std::string contentOf(const Row& row, Content content)
