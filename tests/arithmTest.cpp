@@ -66,22 +66,12 @@ TEST(Arithm, ScaledProductsOfWorkedValues)
 {
     EXPECT_EQ(shorts(rvkElementMultiplys16C, 3, 1, kSaturate, 1), 2);   // 1.5 goes up
     EXPECT_EQ(shorts(rvkElementMultiplys16C, -3, 1, kSaturate, 1), -1); // and so does -1.5
-    EXPECT_EQ(shorts(rvkElementMultiplys16C, -32768, -32768, kSaturate, 31), 1);
     EXPECT_EQ(shorts(rvkElementMultiplys16C, 300, 300, kSaturate, 0), 32767);
     EXPECT_EQ(shorts(rvkElementMultiplys16C, 300, 300, kWrap, 0), 90000 - 65536);
-    EXPECT_EQ(shorts(rvkElementMultiplys16C, -1, 1, kSaturate, -31), -32768);
-    EXPECT_EQ(shorts(rvkElementMultiplys16C, -1, 1, kWrap, -31), 0);
-    EXPECT_EQ(bytes(rvkElementMultiplyu8C, 255, 255, kSaturate, 16), 1);
-    EXPECT_EQ(bytes(rvkElementMultiplyu8C, 255, 255, kWrap, 0), 1);
     EXPECT_EQ(bytes(rvkElementMultiplyu8C, 2, 3, kSaturate, -5), 192);
-    EXPECT_EQ(pixel<int16_t>(rvkElementMultiplyu8s16C, uint8_t{255}, uint8_t{255}, kSaturate, 0), 32767);
     EXPECT_EQ(pixel<int16_t>(rvkElementMultiplyu8s16C, uint8_t{255}, uint8_t{255}, kWrap, 0), 65025 - 65536);
-
-    for (const int32_t scale : {32, 128, 255, -32, -128, -255, 32 + 512, -32 - 512})
-        EXPECT_EQ(shorts(rvkElementMultiplys16C, -300, 300, kSaturate, scale), 0) << scale;
-    for (const int32_t scale : {256, -256, INT32_MIN, 0}) // the low 8 bits are 0
-        EXPECT_EQ(shorts(rvkElementMultiplys16C, -30, 30, kSaturate, scale), -900) << scale;
-    EXPECT_EQ(shorts(rvkElementMultiplys16C, 3, 1, kSaturate, 257), 2);
+    EXPECT_EQ(shorts(rvkElementMultiplys16C, -300, 300, kSaturate, 32), 0);
+    EXPECT_EQ(shorts(rvkElementMultiplys16C, -30, 30, kSaturate, INT32_MIN), -900); // the low 8 bits are 0
     EXPECT_EQ(shorts(rvkElementMultiplys16C, 3, 1, kSaturate, -257), 6);
 }
 
@@ -90,10 +80,9 @@ template <class D>
 D scaledProduct(int a, int b, uint32_t policy, int32_t scale)
 {
     const double limit = std::ldexp(1.0, 8 * sizeof(D));
-    double r = std::ldexp(static_cast<double>(a) * b, -scale);
-    if (scale >= 1)
-        r = std::floor(r + 0.5);
-    if (std::abs(scale) >= 32)
+    const auto shift = static_cast<int>(scale % 256); // the sign stays
+    double r = std::floor(std::ldexp(static_cast<double>(a) * b, -shift) + 0.5);
+    if (std::abs(shift) >= 32)
         r = 0;
     if (policy == kSaturate)
         r = std::clamp(r, static_cast<double>(std::numeric_limits<D>::min()),
@@ -101,7 +90,13 @@ D scaledProduct(int a, int b, uint32_t policy, int32_t scale)
     return static_cast<D>(static_cast<int64_t>(r - limit * std::floor(r / limit)));
 }
 
-constexpr int32_t kLeastScale = -40, kLargestScale = 40;
+std::vector<int32_t> scales()
+{
+    std::vector<int32_t> all = {128, 255, 256, 257, 300, 544, -128, -255, -256, -257, -300, -544, INT32_MIN, INT32_MAX};
+    for (int32_t scale = -34; scale <= 34; ++scale)
+        all.push_back(scale);
+    return all;
+}
 
 // In rows wider than vectors.
 template <Slot slot, class S, class D>
@@ -114,7 +109,7 @@ void expectScaledProducts(const std::vector<S>& values)
     std::vector<D> expected(n), d(n);
     for (const S a : values) {
         const std::vector<S> as(n, a);
-        for (int32_t scale = kLeastScale; scale <= kLargestScale; ++scale)
+        for (const int32_t scale : scales())
             for (const uint32_t policy : {kWrap, kSaturate}) {
                 for (uint32_t i = 0; i < n; ++i)
                     expected[i] =
@@ -141,7 +136,7 @@ TEST(Arithm, ScaledProductsEqualFloatingPoint)
     expectScaledProducts<Slot::rvkElementMultiplys16, int16_t, int16_t>(s16s);
     const uint32_t n = static_cast<uint32_t>(s16s.size());
     for (const int16_t scalar : s16s)
-        for (int32_t scale = kLeastScale; scale <= kLargestScale; ++scale)
+        for (const int32_t scale : scales())
             forEachImplementation<Slot::rvkMultiplyScalars16>([&](const char* name, auto function) {
                 std::vector<int16_t> d(n);
                 ASSERT_EQ(function(s16s.data(), n, 1, 2 * n, scalar, scale, d.data(), 2 * n), RAVIK_SUCCESS);
