@@ -1,11 +1,10 @@
 // rvkMemAlloc and the scratch pool. The system allocator is replaced by one that keeps account and fails on demand.
 #include "memory.h"
 #include "scratch.h"
-#include "support/logCapture.h"
 #include "support/ownProcess.h"
 #include "support/random.h"
 
-#include <ravik/ravik.h>
+#include <ravik/frame.h>
 
 #include <atomic>
 #include <thread>
@@ -253,26 +252,6 @@ TEST_F(FrameMemory, ScratchOfASizeThatDoesNotFitIsNull)
     EXPECT_GE(lastSize, half * 3);
     EXPECT_EQ(reinterpret_cast<uintptr_t>(fits.get()) % 64, 0u);
     fits[half / 4 * 3 - 1] = 1;
-}
-
-// Whose callers have no status to look at.
-TEST_F(FrameMemory, FunctionsWithoutAStatusLogThatThereIsNoMemory)
-{
-    inOwnProcess([] {
-        sizeLimit = 0;
-        for (const uint32_t mode : {RAVIK_OP_EXPERT | RAVIK_UNIT_ARM, RAVIK_OP_EXPERT | RAVIK_UNIT_VECTA}) {
-            rvkSetOperationMode(static_cast<rvkOperationMode>(mode));
-            const uint8_t src[16 * 16] = {255};
-            uint8_t dst[16 * 16] = {77};
-            clearLog();
-            rvkFilterCanny3x3u8(src, 16, 16, dst, 10, 20);
-            EXPECT_TRUE(logHas("6 ravik_lib_log: Error: rvkFilterCanny3x3u8 - no scratch memory\n"));
-            rvkFilterCanny3x3u8_v2(src, 16, 16, 0, dst, 0, 10, 20);
-            EXPECT_TRUE(logHas("6 ravik_lib_log: Error: rvkFilterCanny3x3u8_v2 - no scratch memory\n"));
-            EXPECT_EQ(logLines.size(), 2u);
-            EXPECT_EQ(dst[0], 77);
-        }
-    });
 }
 
 TEST_F(FrameMemory, FailedAllocationLeavesTheSlotUsable)
