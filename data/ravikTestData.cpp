@@ -1,4 +1,6 @@
 // ravikTestData OUTDIR [--resolutions N]: writes the test-data directory of ravikTest.
+// ravikTestData --functions: prints docs/functions.md.
+#include "functionsPage.h"
 #include "testDataWriter.h"
 
 #include <cstdio>
@@ -10,7 +12,8 @@ namespace {
 
 int usage()
 {
-    fprintf(stderr, "USAGE: ravikTestData OUTDIR [--resolutions N], N = 0..%zu\n", kProfilingResolutions);
+    fprintf(stderr, "USAGE: ravikTestData OUTDIR [--resolutions N], N = 0..%zu\n       ravikTestData --functions\n",
+            kProfilingResolutions);
     return 2;
 }
 
@@ -19,6 +22,8 @@ int usage()
 int main(int argc, char** argv)
 {
     size_t resolutions = kProfilingResolutions;
+    if (argc == 2 && strcmp(argv[1], "--functions") == 0)
+        return fputs(functionsPage().c_str(), stdout) < 0;
     if (argc == 4 && strcmp(argv[2], "--resolutions") == 0) {
         char* end;
         resolutions = strtoul(argv[3], &end, 10);

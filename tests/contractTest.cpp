@@ -419,6 +419,12 @@ public:
     }
 };
 
+// The largest window, where the scalar is one.
+double largestChoice(const Argument& a)
+{
+    return a.choices.empty() ? a.low : *std::max_element(a.choices.begin(), a.choices.end());
+}
+
 // A call that ends when its unit has been chosen: all sources and outputs that must not be null are, but for the one
 // whose address matters. So pictures of any size need no memory.
 class UnitChoice
@@ -431,7 +437,7 @@ public:
         for (size_t i = 0; i < count; i++) {
             const Argument& a = function.arguments[i];
             if (a.role == Role::scalar)
-                m_values.numbers[i] = a.choices.empty() ? a.low : a.choices[0];
+                m_values.numbers[i] = largestChoice(a);
             if (a.role == Role::width)
                 m_values.numbers[i] = size.width;
             if (a.role == Role::height)
@@ -489,7 +495,7 @@ public:
         m_widthStep = rule.widthMultiple;
         for (size_t i = 0; i < function.arguments.size(); i++) {
             const Argument& a = function.arguments[i];
-            numbers.push_back(a.choices.empty() ? 0 : a.choices[0]);
+            numbers.push_back(largestChoice(a));
             if (a.isPicture() && function.strideOfImage(i) == FunctionTest::npos) // the row counts as the stride
                 m_widthStep = std::max(m_widthStep, rule.alignment / a.pixelSize());
         }

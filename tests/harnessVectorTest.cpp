@@ -1,5 +1,6 @@
 // What stored vectors and random cases are worth: the reference computes something from them, or refuses them on purpose.
 #include "controlScript.h"
+#include "functionsPage.h"
 #include "groups.h"
 #include "inputFile.h"
 #include "settings.h"
@@ -79,6 +80,12 @@ TEST(DrawnCases, DoWhatIsWanted)
             }
         }
     });
+}
+
+TEST(FunctionsPage, IsThatOfTheDescriptors)
+{
+    EXPECT_TRUE(readFile(RVK_SOURCE_DIR "/docs/functions.md") == functionsPage())
+        << "docs/functions.md is out of date: ravikTestData --functions > docs/functions.md";
 }
 
 } // namespace

@@ -21,16 +21,22 @@ size_t FunctionTest::strideOfImage(size_t index) const
     return npos;
 }
 
-CaseSize FunctionTest::windowOf(const std::vector<double>& numbers) const
+// The window that arguments give; what they do not give is as in `otherwise`.
+static CaseSize givenWindow(const FunctionTest& test, const std::vector<double>& numbers, CaseSize otherwise)
 {
-    CaseSize size{contract.window, contract.window};
-    for (size_t i = 0; i < arguments.size(); i++) {
-        if (arguments[i].isWindowWidth)
+    CaseSize size = otherwise;
+    for (size_t i = 0; i < test.arguments.size(); i++) {
+        if (test.arguments[i].isWindowWidth)
             size.width = static_cast<uint32_t>(numbers[i]);
-        if (arguments[i].isWindowHeight)
+        if (test.arguments[i].isWindowHeight)
             size.height = static_cast<uint32_t>(numbers[i]);
     }
     return size;
+}
+
+CaseSize FunctionTest::windowOf(const std::vector<double>& numbers) const
+{
+    return givenWindow(*this, numbers, {contract.window, contract.window});
 }
 
 static CaseSize larger(CaseSize a, CaseSize b)
@@ -40,7 +46,7 @@ static CaseSize larger(CaseSize a, CaseSize b)
 
 CaseSize FunctionTest::leastAccepted(const std::vector<double>& numbers) const
 {
-    return contract.window == 1 ? larger(contract.least, windowOf(numbers)) : contract.least;
+    return contract.takesSmallPictures ? contract.least : larger(contract.least, givenWindow(*this, numbers, {1, 1}));
 }
 
 CaseSize FunctionTest::leastEffective(const std::vector<double>& numbers) const

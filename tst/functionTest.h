@@ -215,6 +215,7 @@ struct Contract
     Border atBorder = Border::none;
     InPlace dstIsSrc = InPlace::undefined;
     uint64_t mostPixels = UINT64_MAX; // of a picture
+    bool takesSmallPictures = false;  // smaller than a window that is an argument
     bool logs = false;                // refusals, although it has a status; functions without one always do
     bool writesNothing = false;       // whatever the picture
     std::optional<OffloadRule> dspRule{}, gpuRule{};
@@ -230,6 +231,10 @@ struct Contract
     }
     // Refuses pictures that are smaller than the window.
     Contract wholeWindows(uint32_t size) const { return windows(size).atLeast(size, size); }
+    Contract ofSmallPictures() const
+    {
+        return changed([](Contract& c) { c.takesSmallPictures = true; });
+    }
     Contract border(Border what) const
     {
         return changed([=](Contract& c) { c.atBorder = what; });
