@@ -1,4 +1,4 @@
-# ravikFlags: what every object of the project is compiled with.
+# ravikFlags and ravikLibraryFlags: what every object of the project is compiled with.
 #
 # Floats must have the same bits on every target, so no contraction into fused operations and no fast-math, anywhere.
 
@@ -33,26 +33,50 @@ elseif(CMAKE_SYSTEM_PROCESSOR MATCHES "^arm")
     set(ravikIsArm32 TRUE)
 endif()
 
-set(ravikSanitizeFlags "")
+# The flags of the sanitizers that `part` of the build is compiled with: RAVIK_SANITIZE_<part> where that is set,
+# otherwise all of RAVIK_SANITIZE. Parts are "scalar" (the library without its vector units), the name of an instruction
+# set, and "programs".
+function(ravik_sanitizer_flags part result)
+    set(sanitizers "${RAVIK_SANITIZE}")
+    if(DEFINED RAVIK_SANITIZE_${part})
+        set(sanitizers "${RAVIK_SANITIZE_${part}}")
+    endif()
+    set(flags "")
+    if(sanitizers)
+        list(APPEND flags -fsanitize=${sanitizers} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+        if(sanitizers MATCHES "undefined")
+            list(APPEND flags -fsanitize=float-cast-overflow)
+        endif()
+        if(CMAKE_CXX_COMPILER_ID MATCHES Clang) # the checks keep loops from being vectorized that are asked to be
+            list(APPEND flags -Wno-pass-failed)
+        endif()
+    endif()
+    if(RAVIK_FUZZ)
+        list(APPEND flags -fsanitize=fuzzer-no-link)
+    endif()
+    set(${result} ${flags} PARENT_SCOPE)
+endfunction()
+
+set(ravikSanitizerLinkFlags "")
 if(RAVIK_SANITIZE)
-    set(ravikSanitizeFlags -fsanitize=${RAVIK_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
-    if(RAVIK_SANITIZE MATCHES "undefined")
-        list(APPEND ravikSanitizeFlags -fsanitize=float-cast-overflow)
-    endif()
-    if(CMAKE_CXX_COMPILER_ID MATCHES Clang) # the checks keep loops from being vectorized that are asked to be
-        list(APPEND ravikSanitizeFlags -Wno-pass-failed)
-    endif()
+    set(ravikSanitizerLinkFlags -fsanitize=${RAVIK_SANITIZE})
 endif()
 if(RAVIK_FUZZ)
-    list(APPEND ravikSanitizeFlags -fsanitize=fuzzer-no-link)
+    list(APPEND ravikSanitizerLinkFlags -fsanitize=fuzzer-no-link)
 endif()
 
-add_library(ravikFlags INTERFACE)
-target_compile_options(ravikFlags INTERFACE
+# Flags of the library's own objects, whose sanitizers are those of their part.
+add_library(ravikLibraryFlags INTERFACE)
+target_compile_options(ravikLibraryFlags INTERFACE
     -Wall -Wextra -Wshadow -Wpedantic $<$<BOOL:${RAVIK_WERROR}>:-Werror>
-    -ffp-contract=off -fno-fast-math
-    ${ravikSanitizeFlags})
-target_link_options(ravikFlags INTERFACE ${ravikSanitizeFlags})
+    -ffp-contract=off -fno-fast-math)
+
+# Flags of the programs.
+ravik_sanitizer_flags(programs ravikProgramSanitizerFlags)
+add_library(ravikFlags INTERFACE)
+target_link_libraries(ravikFlags INTERFACE ravikLibraryFlags)
+target_compile_options(ravikFlags INTERFACE ${ravikProgramSanitizerFlags})
+target_link_options(ravikFlags INTERFACE ${ravikSanitizerLinkFlags})
 
 # The reference on 32-bit Arm is plain scalar IEEE arithmetic; NEON, which flushes denormal floats, is for vecta alone.
 set(ravikScalarFlags "")

@@ -12,65 +12,66 @@
 
 namespace rvk::vecta {
 
-#define RVK_DECLARE_VARIANT(isa)         \
+// The list of this build, which cmake/RavikVecta.cmake makes: RVK_INSTRUCTION_SET(name), the plainest first.
+#define RVK_INSTRUCTION_SET(isa)         \
     namespace isa {                      \
     extern const Entry column[];         \
     extern const Entry internalColumn[]; \
     extern const Entry kernels[];        \
     }
-#define RVK_VARIANT(isa) #isa, isa::column, isa::internalColumn, isa::kernels
+#include "instructionSets.inc"
+#undef RVK_INSTRUCTION_SET
 
-// The features asked for are those of the compiler flags in cmake/RavikVecta.cmake.
+namespace {
+
+// Whether this CPU has an instruction set. The features asked for are those of the compiler flags in
+// cmake/RavikVecta.cmake.
+struct CpuHas
+{
 #if defined(__x86_64__)
+    static bool sse42()
+    {
+        return __builtin_cpu_supports("sse4.2") && __builtin_cpu_supports("popcnt");
+    }
+    static bool avx2()
+    {
+        return sse42() && __builtin_cpu_supports("avx2") && __builtin_cpu_supports("bmi");
+    }
+    static bool avx512()
+    {
+        return avx2() && __builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512cd") &&
+               __builtin_cpu_supports("avx512bw") && __builtin_cpu_supports("avx512dq") &&
+               __builtin_cpu_supports("avx512vl") && __builtin_cpu_supports("avx512vbmi") &&
+               __builtin_cpu_supports("avx512vbmi2") && __builtin_cpu_supports("avx512vpopcntdq") &&
+               __builtin_cpu_supports("avx512bitalg");
+    }
+#elif defined(__arm__)
+    static bool neon()
+    {
+        constexpr unsigned long neonBit = 1ul << 12; // HWCAP_NEON
+        return getauxval(AT_HWCAP) & neonBit;
+    }
+#elif defined(__aarch64__)
+    static bool neon()
+    {
+        return true; // part of the architecture
+    }
+#endif
+};
 
-RVK_DECLARE_VARIANT(sse42)
-RVK_DECLARE_VARIANT(avx2)
-RVK_DECLARE_VARIANT(avx512)
+} // namespace
 
 const Variant* variants(uint32_t& count)
 {
-    const bool hasSse42 = __builtin_cpu_supports("sse4.2") && __builtin_cpu_supports("popcnt");
-    const bool hasAvx2 = hasSse42 && __builtin_cpu_supports("avx2") && __builtin_cpu_supports("bmi");
-    const bool hasAvx512 = hasAvx2 && __builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512cd") &&
-                           __builtin_cpu_supports("avx512bw") && __builtin_cpu_supports("avx512dq") &&
-                           __builtin_cpu_supports("avx512vl") && __builtin_cpu_supports("avx512vbmi") &&
-                           __builtin_cpu_supports("avx512vbmi2") && __builtin_cpu_supports("avx512vpopcntdq") &&
-                           __builtin_cpu_supports("avx512bitalg");
     static const Variant all[] = {
-        {RVK_VARIANT(sse42), hasSse42},
-        {RVK_VARIANT(avx2), hasAvx2},
-        {RVK_VARIANT(avx512), hasAvx512},
+#define RVK_INSTRUCTION_SET(isa) {#isa, isa::column, isa::internalColumn, isa::kernels, CpuHas::isa()},
+#include "instructionSets.inc"
+#undef RVK_INSTRUCTION_SET
+        {}, // some processors have none
     };
-    count = std::size(all);
+    count = std::size(all) - 1;
     return all;
 }
-
-#elif defined(__arm__) || defined(__aarch64__)
-
-RVK_DECLARE_VARIANT(neon)
-
-const Variant* variants(uint32_t& count)
-{
-#if defined(__arm__)
-    constexpr unsigned long neonBit = 1ul << 12; // HWCAP_NEON
-    const bool hasNeon = getauxval(AT_HWCAP) & neonBit;
-#else
-    constexpr bool hasNeon = true; // part of the architecture
-#endif
-    static const Variant all[] = {{RVK_VARIANT(neon), hasNeon}};
-    count = std::size(all);
-    return all;
-}
-
-#else
-
-const Variant* variants(uint32_t& count)
-{
-    count = 0;
-    return nullptr;
-}
-
-#endif
 
 static const Variant* choose()
 {

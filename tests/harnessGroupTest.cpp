@@ -103,7 +103,7 @@ void expectFailure(const ProgramRun& run, const std::string& function, const std
 
 TEST(HarnessGroups, PassOnEveryTargetInEveryPart)
 {
-    const ProgramRun run = runOn(profilingData(), {"-M", "15", "-l", "1", "-E", "-S", "1"});
+    const ProgramRun run = runOn(testData(), {"-M", "15", "-l", "1", "-E"});
     EXPECT_EQ(run.exitStatus, 0) << run.err;
     EXPECT_TRUE(run.out.ends_with(kPass));
     EXPECT_FALSE(run.logged("FAIL"));
@@ -138,7 +138,7 @@ TEST(HarnessGroups, RunThePartsThatAreChosen)
 {
     const auto runAbsDiff = [](std::vector<std::string> options) {
         options.insert(options.end(), {"-m", "ABSDIFF"});
-        return runOn(profilingData(), options);
+        return runOn(testData(), options);
     };
     const ProgramRun one = runAbsDiff({"-f", "rvkAbsDiffs32", "-t", "2", "-l", "1", "-P"});
     EXPECT_TRUE(one.printed("RAVIK_PROFILE, rvkAbsDiffs32 :: PASS, ")) << one.out;
@@ -259,8 +259,7 @@ template <class Function>
 ProgramRun runOnDsp(const char* group, const char* name, Function* function, std::vector<std::string> options = {"-U"})
 {
     options.insert(options.end(), {"-m", group, "-t", "1024"});
-    const bool onlyUnitTests = options.front() == "-U";
-    return runOn(onlyUnitTests ? testData() : profilingData(), options,
+    return runOn(testData(), options,
                  [=] { remoteWord((std::string(name) + "R_").c_str()) = reinterpret_cast<Word>(function); });
 }
 
@@ -372,7 +371,7 @@ void absDiffInAMillisecond(const uint8_t*, const uint8_t*, uint32_t, uint32_t, u
 TEST(HarnessGroups, KeepOneRemoteCallInProfiles)
 {
     const ProgramRun run =
-        runOn(profilingData(), {"-P", "-m", "ABSDIFF", "-f", "rvkAbsDiffu8", "-t", "1024", "-l", "3", "-L", "4"}, [] {
+        runOn(testData(), {"-P", "-m", "ABSDIFF", "-f", "rvkAbsDiffu8", "-t", "1024", "-l", "3", "-L", "4"}, [] {
             remoteWord("rvkAbsDiffu8R_") = reinterpret_cast<Word>(absDiffInAMillisecond);
             remoteWord("probeX6TimeR_") = reinterpret_cast<Word>(probe);
         });
@@ -391,7 +390,7 @@ TEST(HarnessGroups, EndWithAVerdictWhenMemoryRunsOut)
     int failures = 0;
     for (const long count : {0L, 1L, 7L, 40L, 200L, 777L, 1500L, 4000L}) {
         const ProgramRun run =
-            runOn(profilingData(), {"-m", "ABSDIFF", "-f", "rvkAbsDiffVc3u8", "-l", "2", "-E"}, [count] {
+            runOn(testData(), {"-m", "ABSDIFF", "-f", "rvkAbsDiffVc3u8", "-l", "2", "-E"}, [count] {
                 rvk::systemAllocator.allocate = failingMalloc;
                 allocationsLeft = count;
             });
@@ -493,21 +492,6 @@ TEST(TestCases, CompareCountsAndValues)
 }
 
 // ---- the data generator ----
-
-TEST(TestData, IsTheSameEveryTime)
-{
-    const TemporaryDirectory again;
-    writeTestData(again.string(), 0);
-    size_t files = 0;
-    for (const auto& entry : fs::recursive_directory_iterator(again.path())) {
-        const fs::path name = fs::relative(entry.path(), again.path());
-        if (!entry.is_regular_file())
-            continue;
-        files++;
-        ASSERT_TRUE(readFile(entry.path()) == readFile(testData() / name)) << name;
-    }
-    EXPECT_GT(files, 1000u);
-}
 
 TEST(TestData, SaysWhatItCannotWrite)
 {

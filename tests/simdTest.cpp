@@ -12,22 +12,27 @@
 #include <string>
 #include <vector>
 
+#define RVK_INSTRUCTION_SET(isa)                \
+    namespace rvk::vecta::isa {                 \
+    extern const test::SimdKernels simdKernels; \
+    }
+#include "instructionSets.inc"
+#undef RVK_INSTRUCTION_SET
+
 namespace {
 
 using test::GuardedMemory;
 using test::SimdKernels;
 using test::SimdOperation;
 
-const SimdKernels* kernelsOf(const std::string& isa)
+const SimdKernels* kernelsOf(const std::string& name)
 {
-#if defined(__x86_64__)
-    return isa == "sse42"    ? &rvk::vecta::sse42::simdKernels
-           : isa == "avx2"   ? &rvk::vecta::avx2::simdKernels
-           : isa == "avx512" ? &rvk::vecta::avx512::simdKernels
-                             : nullptr;
-#else
-    return isa == "neon" ? &rvk::vecta::neon::simdKernels : nullptr;
-#endif
+#define RVK_INSTRUCTION_SET(isa) \
+    if (name == #isa)            \
+        return &rvk::vecta::isa::simdKernels;
+#include "instructionSets.inc"
+#undef RVK_INSTRUCTION_SET
+    return nullptr;
 }
 
 class Simd : public testing::TestWithParam<const char*>

@@ -905,6 +905,7 @@ SimdGroup (*const kGroups[])() = {
 
 } // namespace
 
+extern const test::SimdKernels simdKernels;
 const test::SimdKernels simdKernels = {kGroups, sizeof kGroups / sizeof *kGroups, kPartials,
                                        sizeof kPartials / sizeof *kPartials};
 

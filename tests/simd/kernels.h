@@ -43,16 +43,3 @@ struct SimdKernels
 };
 
 } // namespace test
-
-#define RVK_SIMD_KERNELS(isa)                   \
-    namespace rvk::vecta::isa {                 \
-    extern const test::SimdKernels simdKernels; \
-    }
-#if defined(__x86_64__)
-RVK_SIMD_KERNELS(sse42)
-RVK_SIMD_KERNELS(avx2)
-RVK_SIMD_KERNELS(avx512)
-#else
-RVK_SIMD_KERNELS(neon)
-#endif
-#undef RVK_SIMD_KERNELS

@@ -1,4 +1,4 @@
-// Runs ravikTest in a child process, and gives it test data.
+// Runs ravikTest in a child process.
 #pragma once
 
 #include "driver.h"
@@ -91,27 +91,10 @@ inline ProgramRun runProgram(
     return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, readFile(out), readFile(err)};
 }
 
-// Test data, made once per process.
-inline const std::filesystem::path& madeData(const TemporaryDirectory& directory, size_t resolutions)
+// Test data with stored vectors and the profiling vectors of the first resolution, which the build has made; for reading.
+inline std::filesystem::path testData()
 {
-    writeTestData(directory.string(), resolutions);
-    return directory.path();
-}
-
-// Stored vectors alone.
-inline const std::filesystem::path& testData()
-{
-    static const TemporaryDirectory directory;
-    static const std::filesystem::path& path = madeData(directory, 0);
-    return path;
-}
-
-// With profiling vectors of the first two resolutions.
-inline const std::filesystem::path& profilingData()
-{
-    static const TemporaryDirectory directory;
-    static const std::filesystem::path& path = madeData(directory, 2);
-    return path;
+    return RVK_TEST_DATA;
 }
 
 } // namespace test
