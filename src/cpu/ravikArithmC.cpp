@@ -29,6 +29,25 @@ rvkStatus mapByPolicy(uint32_t width, uint32_t height, uint32_t policy, Plane<D>
     return RAVIK_SUCCESS;
 }
 
+// The sum of all elements, modulo 2^32 or 2^64: that of 32-bit integers in 64 bits, that of bytes in 32.
+int64_t totalOf(uint32_t width, uint32_t height, Plane<const int32_t> src)
+{
+    uint64_t total = 0; // unsigned, so that no sum is undefined
+    for (size_t y = 0; y < height; ++y)
+        for (size_t x = 0; x < width; ++x)
+            total += static_cast<uint64_t>(src.row(y)[x]);
+    return static_cast<int64_t>(total);
+}
+
+uint32_t totalOf(uint32_t width, uint32_t height, Plane<const uint8_t> src)
+{
+    uint32_t total = 0;
+    for (size_t y = 0; y < height; ++y)
+        for (size_t x = 0; x < width; ++x)
+            total += src.row(y)[x];
+    return total;
+}
+
 // The scale argument of the products: a right shift where it is positive, else a left shift, by the low 8 bits of its
 // magnitude.
 class Scale
@@ -109,28 +128,8 @@ rvkStatus rvkAddf32C(const float32_t* src1, uint32_t width, uint32_t height, uin
     return RAVIK_SUCCESS;
 }
 
-rvkStatus rvkAdds16C(const int16_t* src1, uint32_t width, uint32_t height, uint32_t src1Stride, const int16_t* src2,
-                     uint32_t src2Stride, int16_t* dst, uint32_t dstStride)
-{
-    return rvkAdds16_v2C(src1, width, height, src1Stride, src2, src2Stride, RAVIK_POLICY_SATURATE, dst, dstStride);
-}
-
-rvkStatus rvkAdds16_v2C(const int16_t* src1, uint32_t width, uint32_t height, uint32_t src1Stride, const int16_t* src2,
-                        uint32_t src2Stride, uint32_t policy, int16_t* dst, uint32_t dstStride)
-{
-    return mapByPolicy(width, height, policy, Plane{dst, dstStride}, plus, Plane{src1, src1Stride},
-                       Plane{src2, src2Stride});
-}
-
 rvkStatus rvkAddu16u8u16C(const uint16_t* src1, uint32_t width, uint32_t height, uint32_t src1Stride,
                           const uint8_t* src2, uint32_t src2Stride, uint32_t policy, uint16_t* dst, uint32_t dstStride)
-{
-    return mapByPolicy(width, height, policy, Plane{dst, dstStride}, plus, Plane{src1, src1Stride},
-                       Plane{src2, src2Stride});
-}
-
-rvkStatus rvkAddu8C(const uint8_t* src1, uint32_t width, uint32_t height, uint32_t src1Stride, const uint8_t* src2,
-                    uint32_t src2Stride, uint32_t policy, uint8_t* dst, uint32_t dstStride)
 {
     return mapByPolicy(width, height, policy, Plane{dst, dstStride}, plus, Plane{src1, src1Stride},
                        Plane{src2, src2Stride});
@@ -141,24 +140,6 @@ rvkStatus rvkAddu8u16C(const uint8_t* src1, uint32_t width, uint32_t height, uin
 {
     return mapByPolicy(width, height, RAVIK_POLICY_WRAP, Plane{dst, dstStride}, plus, Plane{src1, src1Stride},
                        Plane{src2, src2Stride});
-}
-
-void rvkAverages32C(const int32_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride, float32_t* average)
-{
-    uint64_t total = 0; // modulo 2^64, so that no sum is undefined
-    for (size_t y = 0; y < srcHeight; ++y)
-        for (size_t x = 0; x < srcWidth; ++x)
-            total += static_cast<uint64_t>(Plane{src, srcStride}.row(y)[x]);
-    *average = averageOf(static_cast<int64_t>(total), srcWidth, srcHeight);
-}
-
-void rvkAverageu8C(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride, float32_t* average)
-{
-    uint32_t total = 0;
-    for (size_t y = 0; y < srcHeight; ++y)
-        for (size_t x = 0; x < srcWidth; ++x)
-            total += Plane{src, srcStride}.row(y)[x];
-    *average = averageOf(total, srcWidth, srcHeight);
 }
 
 rvkStatus rvkElementMultiplyf32C(const float32_t* src1, uint32_t width, uint32_t height, uint32_t src1Stride,
@@ -219,20 +200,6 @@ rvkStatus rvkMultiplyScalars16C(const int16_t* src, uint32_t width, uint32_t hei
         Plane{src, srcStride});
 }
 
-rvkStatus rvkSubtracts16C(const int16_t* src1, uint32_t width, uint32_t height, uint32_t src1Stride,
-                          const int16_t* src2, uint32_t src2Stride, uint32_t policy, int16_t* dst, uint32_t dstStride)
-{
-    return mapByPolicy(width, height, policy, Plane{dst, dstStride}, minus, Plane{src1, src1Stride},
-                       Plane{src2, src2Stride});
-}
-
-rvkStatus rvkSubtractu8C(const uint8_t* src1, uint32_t width, uint32_t height, uint32_t src1Stride, const uint8_t* src2,
-                         uint32_t src2Stride, uint32_t policy, uint8_t* dst, uint32_t dstStride)
-{
-    return mapByPolicy(width, height, policy, Plane{dst, dstStride}, minus, Plane{src1, src1Stride},
-                       Plane{src2, src2Stride});
-}
-
 rvkStatus rvkSubtractu8s16C(const uint8_t* src1, uint32_t width, uint32_t height, uint32_t src1Stride,
                             const uint8_t* src2, uint32_t src2Stride, int16_t* dst, uint32_t dstStride)
 {
@@ -241,3 +208,5 @@ rvkStatus rvkSubtractu8s16C(const uint8_t* src1, uint32_t width, uint32_t height
 }
 
 } // namespace rvk
+
+#include "forms/ravikArithmForms.h"

@@ -36,32 +36,6 @@ uint32_t hammingDistance(const uint8_t* a, const uint8_t* b, size_t length)
 
 } // namespace
 
-uint32_t rvkBitCount32x1u8C(const uint8_t* src)
-{
-    return bitCount(src, 32);
-}
-
-uint32_t rvkBitCount64x1u8C(const uint8_t* src)
-{
-    return bitCount(src, 64);
-}
-
-void rvkBitCount32x4u8C(const uint8_t* src1, const uint8_t* src2, const uint8_t* src3, const uint8_t* src4,
-                        uint32_t* counts)
-{
-    const uint8_t* src[4] = {src1, src2, src3, src4};
-    for (size_t i = 0; i < 4; ++i)
-        counts[i] = bitCount(src[i], 32);
-}
-
-void rvkBitCount64x4u8C(const uint8_t* src1, const uint8_t* src2, const uint8_t* src3, const uint8_t* src4,
-                        uint32_t* counts)
-{
-    const uint8_t* src[4] = {src1, src2, src3, src4};
-    for (size_t i = 0; i < 4; ++i)
-        counts[i] = bitCount(src[i], 64);
-}
-
 uint32_t rvkBitCountu32C(const uint32_t* src, uint32_t srcLength)
 {
     uint32_t count = 0;
@@ -71,56 +45,6 @@ uint32_t rvkBitCountu32C(const uint32_t* src, uint32_t srcLength)
     return count;
 }
 
-uint32_t rvkBitCountu8C(const uint8_t* src, uint32_t srcLength)
-{
-    return bitCount(src, srcLength);
-}
-
-uint32_t rvkHammingDistance32x1u8C(const uint8_t* a, const uint8_t* b)
-{
-    return hammingDistance(a, b, 32);
-}
-
-uint32_t rvkHammingDistance32x1u8a4C(const uint8_t* a, const uint8_t* b)
-{
-    return hammingDistance(a, b, 32);
-}
-
-uint32_t rvkHammingDistance64x1u8C(const uint8_t* a, const uint8_t* b)
-{
-    return hammingDistance(a, b, 64);
-}
-
-uint32_t rvkHammingDistance64x1u8a4C(const uint8_t* a, const uint8_t* b)
-{
-    return hammingDistance(a, b, 64);
-}
-
-void rvkHammingDistance32x4u8a4C(const uint8_t* a, const uint8_t* b0, const uint8_t* b1, const uint8_t* b2,
-                                 const uint8_t* b3, uint32_t* distances)
-{
-    const uint8_t* b[4] = {b0, b1, b2, b3};
-    for (size_t i = 0; i < 4; ++i)
-        distances[i] = hammingDistance(a, b[i], 32);
-}
-
-void rvkHammingDistance64x4u8C(const uint8_t* a, const uint8_t* b0, const uint8_t* b1, const uint8_t* b2,
-                               const uint8_t* b3, uint32_t* distances)
-{
-    const uint8_t* b[4] = {b0, b1, b2, b3};
-    for (size_t i = 0; i < 4; ++i)
-        distances[i] = hammingDistance(a, b[i], 64);
-}
-
-void rvkHammingDistance64x4u8a4C(const uint8_t* a, const uint8_t* b0, const uint8_t* b1, const uint8_t* b2,
-                                 const uint8_t* b3, uint32_t* distances)
-{
-    rvkHammingDistance64x4u8C(a, b0, b1, b2, b3, distances);
-}
-
-uint32_t rvkHammingDistanceu8C(const uint8_t* a, const uint8_t* b, uint32_t length)
-{
-    return hammingDistance(a, b, length);
-}
-
 } // namespace rvk
+
+#include "forms/ravikBitCountForms.h"

@@ -7,8 +7,8 @@ namespace {
 
 // Without a mask every element is taken.
 template <class T>
-void orSelected(uint32_t width, uint32_t height, Plane<const T> src1, Plane<const T> src2, Plane<T> dst,
-                Plane<const uint8_t> mask)
+void orImage(uint32_t width, uint32_t height, Plane<const T> src1, Plane<const T> src2, Plane<T> dst,
+             Plane<const uint8_t> mask)
 {
     if (mask.data)
         mapElements(
@@ -46,21 +46,6 @@ void rvkBitwiseNotu8C(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight,
         Plane{src, srcStride});
 }
 
-void rvkBitwiseOrs32C(const int32_t* src1, const int32_t* src2, uint32_t srcWidth, uint32_t srcHeight,
-                      uint32_t srcStride, int32_t* dst, uint32_t dstStride, const uint8_t* mask, uint32_t maskStride)
-{
-    orSelected(srcWidth, srcHeight, Plane{src1, srcStride}, Plane{src2, srcStride}, Plane{dst, dstStride},
-               Plane{mask, maskStride});
-}
-
-void rvkBitwiseOru8C(const uint8_t* src1, uint32_t srcWidth, uint32_t srcHeight, uint32_t src1Stride,
-                     const uint8_t* src2, uint32_t src2Stride, uint8_t* dst, uint32_t dstStride, const uint8_t* mask,
-                     uint32_t maskStride)
-{
-    orSelected(srcWidth, srcHeight, Plane{src1, src1Stride}, Plane{src2, src2Stride}, Plane{dst, dstStride},
-               Plane{mask, maskStride});
-}
-
 void rvkBitwiseXoru8C(const uint8_t* src1, uint32_t srcWidth, uint32_t srcHeight, uint32_t src1Stride,
                       const uint8_t* src2, uint32_t src2Stride, uint8_t* dst, uint32_t dstStride)
 {
@@ -69,59 +54,6 @@ void rvkBitwiseXoru8C(const uint8_t* src1, uint32_t srcWidth, uint32_t srcHeight
         Plane{src2, src2Stride});
 }
 
-void rvkSetElementsu8C(uint8_t* dst, uint32_t dstWidth, uint32_t dstHeight, uint32_t dstStride, uint8_t value,
-                       const uint8_t* mask, uint32_t maskStride)
-{
-    fillSelected(dstWidth, dstHeight, Plane{dst, dstStride}, {value}, Plane{mask, maskStride});
-}
-
-void rvkSetElementss32C(int32_t* dst, uint32_t dstWidth, uint32_t dstHeight, uint32_t dstStride, int32_t value,
-                        const uint8_t* mask, uint32_t maskStride)
-{
-    fillSelected(dstWidth, dstHeight, Plane{dst, dstStride}, {value}, Plane{mask, maskStride});
-}
-
-void rvkSetElementsf32C(float32_t* dst, uint32_t dstWidth, uint32_t dstHeight, uint32_t dstStride, float32_t value,
-                        const uint8_t* mask, uint32_t maskStride)
-{
-    fillSelected(dstWidth, dstHeight, Plane{dst, dstStride}, {value}, Plane{mask, maskStride});
-}
-
-void rvkSetElementsc3u8C(uint8_t* dst, uint32_t dstWidth, uint32_t dstHeight, uint32_t dstStride, uint8_t value1,
-                         uint8_t value2, uint8_t value3, const uint8_t* mask, uint32_t maskStride)
-{
-    fillSelected(dstWidth, dstHeight, Plane{dst, dstStride}, {value1, value2, value3}, Plane{mask, maskStride});
-}
-
-void rvkSetElementsc3s32C(int32_t* dst, uint32_t dstWidth, uint32_t dstHeight, uint32_t dstStride, int32_t value1,
-                          int32_t value2, int32_t value3, const uint8_t* mask, uint32_t maskStride)
-{
-    fillSelected(dstWidth, dstHeight, Plane{dst, dstStride}, {value1, value2, value3}, Plane{mask, maskStride});
-}
-
-void rvkSetElementsc3f32C(float32_t* dst, uint32_t dstWidth, uint32_t dstHeight, uint32_t dstStride, float32_t value1,
-                          float32_t value2, float32_t value3, const uint8_t* mask, uint32_t maskStride)
-{
-    fillSelected(dstWidth, dstHeight, Plane{dst, dstStride}, {value1, value2, value3}, Plane{mask, maskStride});
-}
-
-void rvkSetElementsc4u8C(uint8_t* dst, uint32_t dstWidth, uint32_t dstHeight, uint32_t dstStride, uint8_t value1,
-                         uint8_t value2, uint8_t value3, uint8_t value4, const uint8_t* mask, uint32_t maskStride)
-{
-    fillSelected(dstWidth, dstHeight, Plane{dst, dstStride}, {value1, value2, value3, value4}, Plane{mask, maskStride});
-}
-
-void rvkSetElementsc4s32C(int32_t* dst, uint32_t dstWidth, uint32_t dstHeight, uint32_t dstStride, int32_t value1,
-                          int32_t value2, int32_t value3, int32_t value4, const uint8_t* mask, uint32_t maskStride)
-{
-    fillSelected(dstWidth, dstHeight, Plane{dst, dstStride}, {value1, value2, value3, value4}, Plane{mask, maskStride});
-}
-
-void rvkSetElementsc4f32C(float32_t* dst, uint32_t dstWidth, uint32_t dstHeight, uint32_t dstStride, float32_t value1,
-                          float32_t value2, float32_t value3, float32_t value4, const uint8_t* mask,
-                          uint32_t maskStride)
-{
-    fillSelected(dstWidth, dstHeight, Plane{dst, dstStride}, {value1, value2, value3, value4}, Plane{mask, maskStride});
-}
-
 } // namespace rvk
+
+#include "forms/ravikBitwiseForms.h"

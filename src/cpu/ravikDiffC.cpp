@@ -50,79 +50,6 @@ void absDiffValues(const T* src, uint32_t width, uint32_t height, uint32_t srcSt
 
 } // namespace
 
-void rvkAbsDiffu8C(const uint8_t* src1, const uint8_t* src2, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
-                   uint8_t* dst, uint32_t dstStride)
-{
-    absDiff(src1, src2, srcWidth, srcHeight, srcStride, dst, dstStride);
-}
-
-void rvkAbsDiffs32C(const int32_t* src1, const int32_t* src2, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
-                    int32_t* dst, uint32_t dstStride)
-{
-    absDiff(src1, src2, srcWidth, srcHeight, srcStride, dst, dstStride);
-}
-
-void rvkAbsDifff32C(const float32_t* src1, const float32_t* src2, uint32_t srcWidth, uint32_t srcHeight,
-                    uint32_t srcStride, float32_t* dst, uint32_t dstStride)
-{
-    absDiff(src1, src2, srcWidth, srcHeight, srcStride, dst, dstStride);
-}
-
-void rvkAbsDiffVu8C(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride, uint8_t value,
-                    uint8_t* dst, uint32_t dstStride)
-{
-    absDiffValues(src, srcWidth, srcHeight, srcStride, {value}, dst, dstStride);
-}
-
-void rvkAbsDiffVs32C(const int32_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride, int32_t value,
-                     int32_t* dst, uint32_t dstStride)
-{
-    absDiffValues(src, srcWidth, srcHeight, srcStride, {value}, dst, dstStride);
-}
-
-void rvkAbsDiffVf32C(const float32_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride, float32_t value,
-                     float32_t* dst, uint32_t dstStride)
-{
-    absDiffValues(src, srcWidth, srcHeight, srcStride, {value}, dst, dstStride);
-}
-
-void rvkAbsDiffVc3u8C(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride, uint8_t value1,
-                      uint8_t value2, uint8_t value3, uint8_t* dst, uint32_t dstStride)
-{
-    absDiffValues(src, srcWidth, srcHeight, srcStride, {value1, value2, value3}, dst, dstStride);
-}
-
-void rvkAbsDiffVc3s32C(const int32_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride, int32_t value1,
-                       int32_t value2, int32_t value3, int32_t* dst, uint32_t dstStride)
-{
-    absDiffValues(src, srcWidth, srcHeight, srcStride, {value1, value2, value3}, dst, dstStride);
-}
-
-void rvkAbsDiffVc3f32C(const float32_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
-                       float32_t value1, float32_t value2, float32_t value3, float32_t* dst, uint32_t dstStride)
-{
-    absDiffValues(src, srcWidth, srcHeight, srcStride, {value1, value2, value3}, dst, dstStride);
-}
-
-void rvkAbsDiffVc4u8C(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride, uint8_t value1,
-                      uint8_t value2, uint8_t value3, uint8_t value4, uint8_t* dst, uint32_t dstStride)
-{
-    absDiffValues(src, srcWidth, srcHeight, srcStride, {value1, value2, value3, value4}, dst, dstStride);
-}
-
-void rvkAbsDiffVc4s32C(const int32_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride, int32_t value1,
-                       int32_t value2, int32_t value3, int32_t value4, int32_t* dst, uint32_t dstStride)
-{
-    absDiffValues(src, srcWidth, srcHeight, srcStride, {value1, value2, value3, value4}, dst, dstStride);
-}
-
-void rvkAbsDiffVc4f32C(const float32_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
-                       float32_t value1, float32_t value2, float32_t value3, float32_t value4, float32_t* dst,
-                       uint32_t dstStride)
-{
-    absDiffValues(src, srcWidth, srcHeight, srcStride, {value1, value2, value3, value4}, dst, dstStride);
-}
-
 void rvkImageDiffu8_v2C(const uint8_t* src1, const uint8_t* src2, uint32_t srcWidth, uint32_t srcHeight,
                         uint32_t srcStride, uint8_t* dst, uint32_t dstStride)
 {
@@ -167,3 +94,5 @@ void rvkImageDiffu8s8C(const uint8_t* src1, const uint8_t* src2, uint32_t srcWid
 }
 
 } // namespace rvk
+
+#include "forms/ravikDiffForms.h"

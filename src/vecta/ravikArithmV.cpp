@@ -12,10 +12,24 @@ constexpr auto times = [](auto a, auto b) RVK_INLINE_LAMBDA { return a * b; };
 constexpr auto plusSaturating = [](auto a, auto b) RVK_INLINE_LAMBDA { return addSat(a, b); };
 constexpr auto minusSaturating = [](auto a, auto b) RVK_INLINE_LAMBDA { return subSat(a, b); };
 
-// mapImage with the formula that the policy asks for.
+constexpr auto saturating(decltype(plus))
+{
+    return plusSaturating;
+}
+constexpr auto saturating(decltype(minus))
+{
+    return minusSaturating;
+}
+
+RVK_INLINE bool isPolicy(uint32_t policy)
+{
+    return policy == RAVIK_POLICY_WRAP || policy == RAVIK_POLICY_SATURATE;
+}
+
+// mapImage with the one of two formulas that the policy asks for.
 template <class D, class Wrapped, class Saturated, class... S>
-RVK_INLINE rvkStatus mapByPolicy(uint32_t width, uint32_t height, uint32_t policy, Plane<D> dst, Wrapped wrapped,
-                                 Saturated saturated, Plane<const S>... sources)
+RVK_INLINE rvkStatus mapEither(uint32_t width, uint32_t height, uint32_t policy, Plane<D> dst, Wrapped wrapped,
+                               Saturated saturated, Plane<const S>... sources)
 {
     if (policy == RAVIK_POLICY_WRAP)
         mapImage(width, height, dst, wrapped, sources...);
@@ -24,6 +38,13 @@ RVK_INLINE rvkStatus mapByPolicy(uint32_t width, uint32_t height, uint32_t polic
     else
         return RAVIK_EBADPARAM;
     return RAVIK_SUCCESS;
+}
+
+template <class D, class Formula, class S>
+RVK_INLINE rvkStatus mapByPolicy(uint32_t width, uint32_t height, uint32_t policy, Plane<D> dst, Formula formula,
+                                 Plane<const S> src1, Plane<const S> src2)
+{
+    return mapEither(width, height, policy, dst, formula, saturating(formula), src1, src2);
 }
 
 // ---- scales --------------------------------------------------------------------------------------------------------
@@ -60,7 +81,7 @@ RVK_INLINE rvkStatus scaleByteProducts(uint32_t width, uint32_t height, uint32_t
     if (scale >= 1) { // what is left fits 15 bits: to clamp it, it may have a sign
         const auto right = [=](auto p) RVK_INLINE_LAMBDA { return shiftRightRounded(p, count); };
         const auto clamped = [=](auto p) RVK_INLINE_LAMBDA { return toSaturated(bitCast<int16_t>(p)); };
-        return mapByPolicy(width, height, policy, dst, shifted(right, toWrapped), shifted(right, clamped), src1, src2);
+        return mapEither(width, height, policy, dst, shifted(right, toWrapped), shifted(right, clamped), src1, src2);
     }
     if (scale == 0 && policy == RAVIK_POLICY_SATURATE) { // often, and without the shift for less
         mapImage(
@@ -70,8 +91,8 @@ RVK_INLINE rvkStatus scaleByteProducts(uint32_t width, uint32_t height, uint32_t
     }
     const auto left = [=](auto p) RVK_INLINE_LAMBDA { return shiftLeft(p, count); };
     const auto leftSaturated = [=](auto p) RVK_INLINE_LAMBDA { return shiftLeftSat(p, count); };
-    return mapByPolicy(width, height, policy, dst, shifted(left, toWrapped), shifted(leftSaturated, toSaturated), src1,
-                       src2);
+    return mapEither(width, height, policy, dst, shifted(left, toWrapped), shifted(leftSaturated, toSaturated), src1,
+                     src2);
 }
 
 // dst = a product of 16-bit integers * 2^-scale; scaledDown gives the products after a shift to the right.
@@ -83,7 +104,7 @@ RVK_INLINE rvkStatus scaleShortProducts(uint32_t width, uint32_t height, uint32_
     if (scale >= 1) {
         const auto wrapped = [=](auto... v) RVK_INLINE_LAMBDA { return narrowInLanes(scaledDown(v...)); };
         const auto saturated = [=](auto... v) RVK_INLINE_LAMBDA { return narrowSatInLanes<int16_t>(scaledDown(v...)); };
-        return mapByPolicy(width, height, policy, dst, wrapped, saturated, sources...);
+        return mapEither(width, height, policy, dst, wrapped, saturated, sources...);
     }
     const unsigned count = static_cast<unsigned>(-scale);
     const auto clamped = [=](auto... v) RVK_INLINE_LAMBDA { return narrowSatInLanes<int16_t>(products(v...)); };
@@ -93,7 +114,7 @@ RVK_INLINE rvkStatus scaleShortProducts(uint32_t width, uint32_t height, uint32_
     }
     const auto wrapped = [=](auto... v) RVK_INLINE_LAMBDA { return shiftLeft(narrowInLanes(products(v...)), count); };
     const auto saturated = [=](auto... v) RVK_INLINE_LAMBDA { return shiftLeftSat(clamped(v...), count); };
-    return mapByPolicy(width, height, policy, dst, wrapped, saturated, sources...);
+    return mapEither(width, height, policy, dst, wrapped, saturated, sources...);
 }
 
 // ---- weights -------------------------------------------------------------------------------------------------------
@@ -202,34 +223,13 @@ rvkStatus rvkAddf32V(const float32_t* src1, uint32_t width, uint32_t height, uin
     return RAVIK_SUCCESS;
 }
 
-rvkStatus rvkAdds16V(const int16_t* src1, uint32_t width, uint32_t height, uint32_t src1Stride, const int16_t* src2,
-                     uint32_t src2Stride, int16_t* dst, uint32_t dstStride)
-{
-    mapImage(width, height, Plane{dst, dstStride}, plusSaturating, Plane{src1, src1Stride}, Plane{src2, src2Stride});
-    return RAVIK_SUCCESS;
-}
-
-rvkStatus rvkAdds16_v2V(const int16_t* src1, uint32_t width, uint32_t height, uint32_t src1Stride, const int16_t* src2,
-                        uint32_t src2Stride, uint32_t policy, int16_t* dst, uint32_t dstStride)
-{
-    return mapByPolicy(width, height, policy, Plane{dst, dstStride}, plus, plusSaturating, Plane{src1, src1Stride},
-                       Plane{src2, src2Stride});
-}
-
 rvkStatus rvkAddu16u8u16V(const uint16_t* src1, uint32_t width, uint32_t height, uint32_t src1Stride,
                           const uint8_t* src2, uint32_t src2Stride, uint32_t policy, uint16_t* dst, uint32_t dstStride)
 {
     const auto wrapped = [](auto a, auto b) RVK_INLINE_LAMBDA { return both(a, widen(b), plus); };
     const auto saturated = [](auto a, auto b) RVK_INLINE_LAMBDA { return both(a, widen(b), plusSaturating); };
-    return mapByPolicy(width, height, policy, Plane{dst, dstStride}, wrapped, saturated, Plane{src1, src1Stride},
-                       Plane{src2, src2Stride});
-}
-
-rvkStatus rvkAddu8V(const uint8_t* src1, uint32_t width, uint32_t height, uint32_t src1Stride, const uint8_t* src2,
-                    uint32_t src2Stride, uint32_t policy, uint8_t* dst, uint32_t dstStride)
-{
-    return mapByPolicy(width, height, policy, Plane{dst, dstStride}, plus, plusSaturating, Plane{src1, src1Stride},
-                       Plane{src2, src2Stride});
+    return mapEither(width, height, policy, Plane{dst, dstStride}, wrapped, saturated, Plane{src1, src1Stride},
+                     Plane{src2, src2Stride});
 }
 
 rvkStatus rvkAddu8u16V(const uint8_t* src1, uint32_t width, uint32_t height, uint32_t src1Stride, const uint8_t* src2,
@@ -239,16 +239,6 @@ rvkStatus rvkAddu8u16V(const uint8_t* src1, uint32_t width, uint32_t height, uin
         width, height, Plane{dst, dstStride}, [](auto a, auto b) RVK_INLINE_LAMBDA { return addWide(a, b); },
         Plane{src1, src1Stride}, Plane{src2, src2Stride});
     return RAVIK_SUCCESS;
-}
-
-void rvkAverages32V(const int32_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride, float32_t* average)
-{
-    *average = averageOf(totalOf(srcWidth, srcHeight, Plane{src, srcStride}), srcWidth, srcHeight);
-}
-
-void rvkAverageu8V(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride, float32_t* average)
-{
-    *average = averageOf(totalOf(srcWidth, srcHeight, Plane{src, srcStride}), srcWidth, srcHeight);
 }
 
 rvkStatus rvkElementMultiplyf32V(const float32_t* src1, uint32_t width, uint32_t height, uint32_t src1Stride,
@@ -279,6 +269,13 @@ rvkStatus rvkElementMultiplyu8V(const uint8_t* src1, uint32_t width, uint32_t he
 {
     if (!isShift(scale, 16))
         return rvkElementMultiplyu8C(src1, width, height, src1Stride, src2, src2Stride, policy, scale, dst, dstStride);
+    if (scale == 8 && isPolicy(policy)) { // of numbers from 0 to 1; the products fit bytes
+        mapImage(
+            width, height, Plane{dst, dstStride},
+            [](auto a, auto b) RVK_INLINE_LAMBDA { return multiplyRounded(a, b); }, Plane{src1, src1Stride},
+            Plane{src2, src2Stride});
+        return RAVIK_SUCCESS;
+    }
     const auto products = [](auto a, auto b) RVK_INLINE_LAMBDA { return multiplyWideInLanes(a, b); };
     const auto toWrapped = [](auto p) RVK_INLINE_LAMBDA { return narrowInLanes(p); };
     const auto toSaturated = [](auto p) RVK_INLINE_LAMBDA { return narrowSatInLanes<uint8_t>(p); };
@@ -330,20 +327,6 @@ rvkStatus rvkMultiplyScalars16V(const int16_t* src, uint32_t width, uint32_t hei
                               Plane{src, srcStride});
 }
 
-rvkStatus rvkSubtracts16V(const int16_t* src1, uint32_t width, uint32_t height, uint32_t src1Stride,
-                          const int16_t* src2, uint32_t src2Stride, uint32_t policy, int16_t* dst, uint32_t dstStride)
-{
-    return mapByPolicy(width, height, policy, Plane{dst, dstStride}, minus, minusSaturating, Plane{src1, src1Stride},
-                       Plane{src2, src2Stride});
-}
-
-rvkStatus rvkSubtractu8V(const uint8_t* src1, uint32_t width, uint32_t height, uint32_t src1Stride, const uint8_t* src2,
-                         uint32_t src2Stride, uint32_t policy, uint8_t* dst, uint32_t dstStride)
-{
-    return mapByPolicy(width, height, policy, Plane{dst, dstStride}, minus, minusSaturating, Plane{src1, src1Stride},
-                       Plane{src2, src2Stride});
-}
-
 rvkStatus rvkSubtractu8s16V(const uint8_t* src1, uint32_t width, uint32_t height, uint32_t src1Stride,
                             const uint8_t* src2, uint32_t src2Stride, int16_t* dst, uint32_t dstStride)
 {
@@ -354,3 +337,5 @@ rvkStatus rvkSubtractu8s16V(const uint8_t* src1, uint32_t width, uint32_t height
 }
 
 } // namespace rvk::vecta::RVK_ISA
+
+#include "forms/ravikArithmForms.h"

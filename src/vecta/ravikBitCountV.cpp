@@ -88,89 +88,23 @@ RVK_INLINE uint32_t countString(size_t length, const Source*... src)
     return countByVectors(length, src...);
 }
 
+RVK_INLINE uint32_t bitCount(const uint8_t* src, size_t length)
+{
+    return countString(length, src);
+}
+
+RVK_INLINE uint32_t hammingDistance(const uint8_t* a, const uint8_t* b, size_t length)
+{
+    return countString(length, a, b);
+}
+
 } // namespace
-
-uint32_t rvkBitCount32x1u8V(const uint8_t* src)
-{
-    return countString(32, src);
-}
-
-uint32_t rvkBitCount64x1u8V(const uint8_t* src)
-{
-    return countString(64, src);
-}
-
-void rvkBitCount32x4u8V(const uint8_t* src1, const uint8_t* src2, const uint8_t* src3, const uint8_t* src4,
-                        uint32_t* bitCount)
-{
-    const uint8_t* src[4] = {src1, src2, src3, src4};
-    for (size_t i = 0; i < 4; ++i)
-        bitCount[i] = countString(32, src[i]);
-}
-
-void rvkBitCount64x4u8V(const uint8_t* src1, const uint8_t* src2, const uint8_t* src3, const uint8_t* src4,
-                        uint32_t* bitCount)
-{
-    const uint8_t* src[4] = {src1, src2, src3, src4};
-    for (size_t i = 0; i < 4; ++i)
-        bitCount[i] = countString(64, src[i]);
-}
 
 uint32_t rvkBitCountu32V(const uint32_t* src, uint32_t srcLength)
 {
     return countString(size_t{srcLength} * sizeof(uint32_t), reinterpret_cast<const uint8_t*>(src));
 }
 
-uint32_t rvkBitCountu8V(const uint8_t* src, uint32_t srcLength)
-{
-    return countString(srcLength, src);
-}
-
-uint32_t rvkHammingDistance32x1u8V(const uint8_t* a, const uint8_t* b)
-{
-    return countString(32, a, b);
-}
-
-uint32_t rvkHammingDistance32x1u8a4V(const uint8_t* a, const uint8_t* b)
-{
-    return countString(32, a, b);
-}
-
-uint32_t rvkHammingDistance64x1u8V(const uint8_t* a, const uint8_t* b)
-{
-    return countString(64, a, b);
-}
-
-uint32_t rvkHammingDistance64x1u8a4V(const uint8_t* a, const uint8_t* b)
-{
-    return countString(64, a, b);
-}
-
-void rvkHammingDistance32x4u8a4V(const uint8_t* a, const uint8_t* b0, const uint8_t* b1, const uint8_t* b2,
-                                 const uint8_t* b3, uint32_t* hammingDistance)
-{
-    const uint8_t* b[4] = {b0, b1, b2, b3};
-    for (size_t i = 0; i < 4; ++i)
-        hammingDistance[i] = countString(32, a, b[i]);
-}
-
-void rvkHammingDistance64x4u8V(const uint8_t* a, const uint8_t* b0, const uint8_t* b1, const uint8_t* b2,
-                               const uint8_t* b3, uint32_t* hammingDistance)
-{
-    const uint8_t* b[4] = {b0, b1, b2, b3};
-    for (size_t i = 0; i < 4; ++i)
-        hammingDistance[i] = countString(64, a, b[i]);
-}
-
-void rvkHammingDistance64x4u8a4V(const uint8_t* a, const uint8_t* b0, const uint8_t* b1, const uint8_t* b2,
-                                 const uint8_t* b3, uint32_t* hammingDistance)
-{
-    rvkHammingDistance64x4u8V(a, b0, b1, b2, b3, hammingDistance);
-}
-
-uint32_t rvkHammingDistanceu8V(const uint8_t* a, const uint8_t* b, uint32_t length)
-{
-    return countString(length, a, b);
-}
-
 } // namespace rvk::vecta::RVK_ISA
+
+#include "forms/ravikBitCountForms.h"

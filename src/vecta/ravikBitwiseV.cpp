@@ -152,21 +152,6 @@ void rvkBitwiseNotu8V(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight,
         srcWidth, srcHeight, Plane{dst, dstStride}, [](auto a) RVK_INLINE_LAMBDA { return ~a; }, Plane{src, srcStride});
 }
 
-void rvkBitwiseOrs32V(const int32_t* src1, const int32_t* src2, uint32_t srcWidth, uint32_t srcHeight,
-                      uint32_t srcStride, int32_t* dst, uint32_t dstStride, const uint8_t* mask, uint32_t maskStride)
-{
-    orImage(srcWidth, srcHeight, Plane{src1, srcStride}, Plane{src2, srcStride}, Plane{dst, dstStride},
-            Plane{mask, maskStride});
-}
-
-void rvkBitwiseOru8V(const uint8_t* src1, uint32_t srcWidth, uint32_t srcHeight, uint32_t src1Stride,
-                     const uint8_t* src2, uint32_t src2Stride, uint8_t* dst, uint32_t dstStride, const uint8_t* mask,
-                     uint32_t maskStride)
-{
-    orImage(srcWidth, srcHeight, Plane{src1, src1Stride}, Plane{src2, src2Stride}, Plane{dst, dstStride},
-            Plane{mask, maskStride});
-}
-
 void rvkBitwiseXoru8V(const uint8_t* src1, uint32_t srcWidth, uint32_t srcHeight, uint32_t src1Stride,
                       const uint8_t* src2, uint32_t src2Stride, uint8_t* dst, uint32_t dstStride)
 {
@@ -175,59 +160,6 @@ void rvkBitwiseXoru8V(const uint8_t* src1, uint32_t srcWidth, uint32_t srcHeight
         Plane{src1, src1Stride}, Plane{src2, src2Stride});
 }
 
-void rvkSetElementsu8V(uint8_t* dst, uint32_t dstWidth, uint32_t dstHeight, uint32_t dstStride, uint8_t value,
-                       const uint8_t* mask, uint32_t maskStride)
-{
-    fillSelected(dstWidth, dstHeight, Plane{dst, dstStride}, {value}, Plane{mask, maskStride});
-}
-
-void rvkSetElementss32V(int32_t* dst, uint32_t dstWidth, uint32_t dstHeight, uint32_t dstStride, int32_t value,
-                        const uint8_t* mask, uint32_t maskStride)
-{
-    fillSelected(dstWidth, dstHeight, Plane{dst, dstStride}, {value}, Plane{mask, maskStride});
-}
-
-void rvkSetElementsf32V(float32_t* dst, uint32_t dstWidth, uint32_t dstHeight, uint32_t dstStride, float32_t value,
-                        const uint8_t* mask, uint32_t maskStride)
-{
-    fillSelected(dstWidth, dstHeight, Plane{dst, dstStride}, {value}, Plane{mask, maskStride});
-}
-
-void rvkSetElementsc3u8V(uint8_t* dst, uint32_t dstWidth, uint32_t dstHeight, uint32_t dstStride, uint8_t value1,
-                         uint8_t value2, uint8_t value3, const uint8_t* mask, uint32_t maskStride)
-{
-    fillSelected(dstWidth, dstHeight, Plane{dst, dstStride}, {value1, value2, value3}, Plane{mask, maskStride});
-}
-
-void rvkSetElementsc3s32V(int32_t* dst, uint32_t dstWidth, uint32_t dstHeight, uint32_t dstStride, int32_t value1,
-                          int32_t value2, int32_t value3, const uint8_t* mask, uint32_t maskStride)
-{
-    fillSelected(dstWidth, dstHeight, Plane{dst, dstStride}, {value1, value2, value3}, Plane{mask, maskStride});
-}
-
-void rvkSetElementsc3f32V(float32_t* dst, uint32_t dstWidth, uint32_t dstHeight, uint32_t dstStride, float32_t value1,
-                          float32_t value2, float32_t value3, const uint8_t* mask, uint32_t maskStride)
-{
-    fillSelected(dstWidth, dstHeight, Plane{dst, dstStride}, {value1, value2, value3}, Plane{mask, maskStride});
-}
-
-void rvkSetElementsc4u8V(uint8_t* dst, uint32_t dstWidth, uint32_t dstHeight, uint32_t dstStride, uint8_t value1,
-                         uint8_t value2, uint8_t value3, uint8_t value4, const uint8_t* mask, uint32_t maskStride)
-{
-    fillSelected(dstWidth, dstHeight, Plane{dst, dstStride}, {value1, value2, value3, value4}, Plane{mask, maskStride});
-}
-
-void rvkSetElementsc4s32V(int32_t* dst, uint32_t dstWidth, uint32_t dstHeight, uint32_t dstStride, int32_t value1,
-                          int32_t value2, int32_t value3, int32_t value4, const uint8_t* mask, uint32_t maskStride)
-{
-    fillSelected(dstWidth, dstHeight, Plane{dst, dstStride}, {value1, value2, value3, value4}, Plane{mask, maskStride});
-}
-
-void rvkSetElementsc4f32V(float32_t* dst, uint32_t dstWidth, uint32_t dstHeight, uint32_t dstStride, float32_t value1,
-                          float32_t value2, float32_t value3, float32_t value4, const uint8_t* mask,
-                          uint32_t maskStride)
-{
-    fillSelected(dstWidth, dstHeight, Plane{dst, dstStride}, {value1, value2, value3, value4}, Plane{mask, maskStride});
-}
-
 } // namespace rvk::vecta::RVK_ISA
+
+#include "forms/ravikBitwiseForms.h"

@@ -7,89 +7,22 @@ namespace {
 
 constexpr auto absoluteDifference = [](auto a, auto b) RVK_INLINE_LAMBDA { return absDiff(a, b); };
 
+template <class T>
+RVK_INLINE void absDiff(const T* src1, const T* src2, uint32_t width, uint32_t height, uint32_t srcStride, T* dst,
+                        uint32_t dstStride)
+{
+    mapImage(width, height, Plane{dst, dstStride}, absoluteDifference, Plane{src1, srcStride}, Plane{src2, srcStride});
+}
+
+// Interleaved channels, one value for each.
+template <class T, size_t channels>
+RVK_INLINE void absDiffValues(const T* src, uint32_t width, uint32_t height, uint32_t srcStride,
+                              const T (&values)[channels], T* dst, uint32_t dstStride)
+{
+    mapImageWithValues(width, height, Plane{dst, dstStride}, Plane{src, srcStride}, values, absoluteDifference);
+}
+
 } // namespace
-
-void rvkAbsDiffu8V(const uint8_t* src1, const uint8_t* src2, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
-                   uint8_t* dst, uint32_t dstStride)
-{
-    mapImage(srcWidth, srcHeight, Plane{dst, dstStride}, absoluteDifference, Plane{src1, srcStride},
-             Plane{src2, srcStride});
-}
-
-void rvkAbsDiffs32V(const int32_t* src1, const int32_t* src2, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
-                    int32_t* dst, uint32_t dstStride)
-{
-    mapImage(srcWidth, srcHeight, Plane{dst, dstStride}, absoluteDifference, Plane{src1, srcStride},
-             Plane{src2, srcStride});
-}
-
-void rvkAbsDifff32V(const float32_t* src1, const float32_t* src2, uint32_t srcWidth, uint32_t srcHeight,
-                    uint32_t srcStride, float32_t* dst, uint32_t dstStride)
-{
-    mapImage(srcWidth, srcHeight, Plane{dst, dstStride}, absoluteDifference, Plane{src1, srcStride},
-             Plane{src2, srcStride});
-}
-
-void rvkAbsDiffVu8V(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride, uint8_t value,
-                    uint8_t* dst, uint32_t dstStride)
-{
-    mapImageWithValues(srcWidth, srcHeight, Plane{dst, dstStride}, Plane{src, srcStride}, {value}, absoluteDifference);
-}
-
-void rvkAbsDiffVs32V(const int32_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride, int32_t value,
-                     int32_t* dst, uint32_t dstStride)
-{
-    mapImageWithValues(srcWidth, srcHeight, Plane{dst, dstStride}, Plane{src, srcStride}, {value}, absoluteDifference);
-}
-
-void rvkAbsDiffVf32V(const float32_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride, float32_t value,
-                     float32_t* dst, uint32_t dstStride)
-{
-    mapImageWithValues(srcWidth, srcHeight, Plane{dst, dstStride}, Plane{src, srcStride}, {value}, absoluteDifference);
-}
-
-void rvkAbsDiffVc3u8V(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride, uint8_t value1,
-                      uint8_t value2, uint8_t value3, uint8_t* dst, uint32_t dstStride)
-{
-    mapImageWithValues(srcWidth, srcHeight, Plane{dst, dstStride}, Plane{src, srcStride}, {value1, value2, value3},
-                       absoluteDifference);
-}
-
-void rvkAbsDiffVc3s32V(const int32_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride, int32_t value1,
-                       int32_t value2, int32_t value3, int32_t* dst, uint32_t dstStride)
-{
-    mapImageWithValues(srcWidth, srcHeight, Plane{dst, dstStride}, Plane{src, srcStride}, {value1, value2, value3},
-                       absoluteDifference);
-}
-
-void rvkAbsDiffVc3f32V(const float32_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
-                       float32_t value1, float32_t value2, float32_t value3, float32_t* dst, uint32_t dstStride)
-{
-    mapImageWithValues(srcWidth, srcHeight, Plane{dst, dstStride}, Plane{src, srcStride}, {value1, value2, value3},
-                       absoluteDifference);
-}
-
-void rvkAbsDiffVc4u8V(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride, uint8_t value1,
-                      uint8_t value2, uint8_t value3, uint8_t value4, uint8_t* dst, uint32_t dstStride)
-{
-    mapImageWithValues(srcWidth, srcHeight, Plane{dst, dstStride}, Plane{src, srcStride},
-                       {value1, value2, value3, value4}, absoluteDifference);
-}
-
-void rvkAbsDiffVc4s32V(const int32_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride, int32_t value1,
-                       int32_t value2, int32_t value3, int32_t value4, int32_t* dst, uint32_t dstStride)
-{
-    mapImageWithValues(srcWidth, srcHeight, Plane{dst, dstStride}, Plane{src, srcStride},
-                       {value1, value2, value3, value4}, absoluteDifference);
-}
-
-void rvkAbsDiffVc4f32V(const float32_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
-                       float32_t value1, float32_t value2, float32_t value3, float32_t value4, float32_t* dst,
-                       uint32_t dstStride)
-{
-    mapImageWithValues(srcWidth, srcHeight, Plane{dst, dstStride}, Plane{src, srcStride},
-                       {value1, value2, value3, value4}, absoluteDifference);
-}
 
 void rvkImageDiffu8_v2V(const uint8_t* src1, const uint8_t* src2, uint32_t srcWidth, uint32_t srcHeight,
                         uint32_t srcStride, uint8_t* dst, uint32_t dstStride)
@@ -136,3 +69,5 @@ void rvkImageDiffu8s8V(const uint8_t* src1, const uint8_t* src2, uint32_t srcWid
 }
 
 } // namespace rvk::vecta::RVK_ISA
+
+#include "forms/ravikDiffForms.h"

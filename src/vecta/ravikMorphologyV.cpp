@@ -312,45 +312,6 @@ RVK_INLINE rvkStatus filterNxN(size_t width, size_t height, Plane<const uint8_t>
 }
 
 } // namespace
-
-void rvkFilterDilate3x3u8_v2V(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
-                              uint8_t* dst, uint32_t dstStride)
-{
-    filter3x3<Largest>(srcWidth, srcHeight, {src, srcStride}, {dst, dstStride}, Largest::neutral);
-}
-
-rvkStatus rvkFilterDilate3x3u8_v3V(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
-                                   uint8_t* dst, uint32_t dstStride, uint32_t borderType, uint8_t borderValue)
-{
-    filter3x3<Largest>(srcWidth, srcHeight, {src, srcStride}, {dst, dstStride},
-                       outsideValue<Largest>(borderType, borderValue));
-    return RAVIK_SUCCESS;
-}
-
-void rvkFilterErode3x3u8_v2V(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
-                             uint8_t* dst, uint32_t dstStride)
-{
-    filter3x3<Smallest>(srcWidth, srcHeight, {src, srcStride}, {dst, dstStride}, Smallest::neutral);
-}
-
-rvkStatus rvkFilterErode3x3u8_v3V(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
-                                  uint8_t* dst, uint32_t dstStride, uint32_t borderType, uint8_t borderValue)
-{
-    filter3x3<Smallest>(srcWidth, srcHeight, {src, srcStride}, {dst, dstStride},
-                        outsideValue<Smallest>(borderType, borderValue));
-    return RAVIK_SUCCESS;
-}
-
-rvkStatus rvkFilterDilateNxNu8V(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
-                                uint32_t N, uint8_t* dst, uint32_t dstStride)
-{
-    return filterNxN<Largest>(srcWidth, srcHeight, {src, srcStride}, N, {dst, dstStride});
-}
-
-rvkStatus rvkFilterErodeNxNu8V(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
-                               uint32_t N, uint8_t* dst, uint32_t dstStride)
-{
-    return filterNxN<Smallest>(srcWidth, srcHeight, {src, srcStride}, N, {dst, dstStride});
-}
-
 } // namespace rvk::vecta::RVK_ISA
+
+#include "forms/ravikMorphologyForms.h"

@@ -319,6 +319,7 @@ SimdGroup single()
         UNARY(int16_t, abs(a), a < 0 ? -a : a),
         UNARY(int32_t, abs(a), a < 0 ? 0 - uint32_t(a) : uint32_t(a)),
         BINARY(uint8_t, average(a, b), (a + b + 1) >> 1),
+        BINARY(uint8_t, multiplyRounded(a, b), (a * b + 128) >> 8),
         BINARY(uint16_t, average(a, b), (a + b + 1) >> 1),
         BINARY(int16_t, distance(shiftRight(a, 1), shiftRight(b, 1)),
                (a >> 1) < (b >> 1) ? (b >> 1) - (a >> 1) : (a >> 1) - (b >> 1)),

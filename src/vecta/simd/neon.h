@@ -426,6 +426,13 @@ RVK_INLINE Vecs<int32_t, 2> addBothInLanes(const Vecs<int32_t, 2>& acc, const Ve
 // (a * b + 2^14) >> 15; not of -32768 twice.
 RVK_BINARY(multiplyRounded, int16_t, vqrdmulhq_s16)
 
+// (a * b + 2^7) >> 8.
+RVK_INLINE Vec<uint8_t> multiplyRounded(Vec<uint8_t> a, Vec<uint8_t> b)
+{
+    const Vecs<uint16_t, 2> p = multiplyWide(a, b);
+    return join(vrshrn_n_u16(reg(p[0]), 8), vrshrn_n_u16(reg(p[1]), 8));
+}
+
 // (v + 2^(count - 1)) >> count, without overflow; the count is at least 1.
 // v << count, or the end of the range beyond which that lies.
 #define RVK_SHIFT_BY(name, T, intrinsic, splatCount, sign)                                                             \

@@ -566,6 +566,18 @@ RVK_INLINE Vec<int16_t> multiplyRounded(Vec<int16_t> a, Vec<int16_t> b)
     return vec<int16_t>(RVK_MM(mulhrs_epi16)(reg(a), reg(b)));
 }
 
+// (a * b + 2^7) >> 8: the even bytes in the low halves of 16 bits, the odd ones in the high halves, so that nothing need be
+// shuffled, for which 512-bit registers have one port.
+RVK_INLINE Vec<uint8_t> multiplyRounded(Vec<uint8_t> a, Vec<uint8_t> b)
+{
+    const Vec<uint16_t> x = bitCast<uint16_t>(a), y = bitCast<uint16_t>(b);
+    const Vec<uint16_t> low = splat<uint16_t>(0x00ff), high = splat<uint16_t>(0xff00);
+    const Vec<int16_t> evenTimes128 = bitCast<int16_t>(shiftLeft(y, 7) & splat<uint16_t>(0x7f80));
+    const Vec<uint16_t> even = bitCast<uint16_t>(multiplyRounded(bitCast<int16_t>(x & low), evenTimes128));
+    const Vec<uint16_t> odd = multiplyHigh(x & high, y & high) + splat<uint16_t>(128);
+    return bitCast<uint8_t>((odd & high) | even);
+}
+
 // (v + 2^(count - 1)) >> count, without overflow but of int32_t; the count is at least 1.
 RVK_INLINE Vec<uint16_t> shiftRightRounded(Vec<uint16_t> v, unsigned count)
 {
