@@ -167,6 +167,14 @@ RVK_INLINE void pin(P*&... p)
     (hide(p), ...);
 }
 
+// The same number, but the compilers cannot tell: for loops over rows, which clang would otherwise have once for each kind
+// of width that their body treats in a way of its own.
+RVK_INLINE size_t anyNumber(size_t n)
+{
+    __asm__ volatile("" : "+r"(n));
+    return n;
+}
+
 // ---- memory ---------------------------------------------------------------------------------------------------------
 
 // A register's worth of elements anywhere in memory. (Loads and stores go through this type: a memcpy of 32 or 64 bytes

@@ -71,6 +71,13 @@ RVK_INLINE auto loadStepPartial(const T* p, size_t n)
         return loadVecsPartial<step / Vec<T>::lanes>(p, n);
 }
 
+// The last step of `width` elements, or all of them where they are fewer.
+template <size_t step, class T>
+RVK_INLINE auto loadLast(const T* p, size_t width)
+{
+    return width < step ? loadStepPartial<step>(p, width) : loadStep<step>(p + (width - step));
+}
+
 // Two steps that follow each other in memory. loadPair and storePair move the pointer past them.
 template <class V>
 struct Pair
@@ -196,13 +203,12 @@ template <class D, class Formula, class... S>
 RVK_INLINE void mapRow(size_t width, D* dst, Formula formula, const S*... src)
 {
     constexpr size_t step = stepOf<D, S...>();
+    const auto last = formula(loadLast<step>(src, width)...);
     if (width < step) {
-        storePartial(dst, formula(loadStepPartial<step>(src, width)...), width);
+        storePartial(dst, last, width);
         return;
     }
-    const size_t tail = width - step;
-    const auto last = formula(loadStep<step>(src + tail)...);
-    D* const dstTail = dst + tail;
+    D* const dstTail = dst + (width - step);
     if constexpr (pairFitsRegisters<step, D, S...>) {
         const auto mapPair = [&](auto... v)
                                  RVK_INLINE_LAMBDA { storePair(dst, formula(v.first...), formula(v.second...)); };
@@ -224,7 +230,7 @@ RVK_INLINE void mapImage(size_t width, size_t height, Plane<D> dst, Formula form
         height = 1;
     }
     for (size_t y = 0; y < height; ++y)
-        mapRow(width, dst.row(y), formula, sources.row(y)...);
+        mapRow(anyNumber(width), dst.row(y), formula, sources.row(y)...);
 }
 
 // The numbers one after the other, again and again: as many vectors as it takes for the first number to come first
@@ -258,6 +264,7 @@ RVK_INLINE void mapImageWithValues(size_t width, size_t height, Plane<D> dst, Pl
         height = 1;
     }
     for (size_t y = 0; y < height; ++y) {
+        width = anyNumber(width);
         const D* in = src.row(y);
         D* out = dst.row(y);
         if (width < step) {
