@@ -1,7 +1,7 @@
 // The vector layer beside its scalar definitions.
 #include "simd/kernels.h"
 
-#include "vecta/simd/simd.h"
+#include "vecta/simd/tiles.h"
 
 namespace rvk::vecta::RVK_ISA {
 namespace {
@@ -797,6 +797,36 @@ SimdGroup floatBits()
     return group(list);
 }
 
+// ---- tiles ----------------------------------------------------------------------------------------------------------
+
+template <size_t pixel>
+SimdGroup transposes()
+{
+    using Tile = typename Tiles<pixel>::Large;
+    static constexpr size_t rowBytes = Tile::columns * pixel + Tile::excess, columnBytes = Tile::rows * pixel;
+    static constexpr SimdOperation list[] = {
+        mapping<uint8_t, uint8_t, Tile::rows * rowBytes, Tile::columns * columnBytes>(
+            "transpose",
+            [](const uint8_t* in, uint8_t* out) { Tile::template transpose<0>(in, rowBytes, out, columnBytes); },
+            [](const uint8_t* in, size_t i) {
+                return in[i % columnBytes / pixel * rowBytes + i / columnBytes * pixel + i % pixel];
+            }),
+    };
+    return group(list);
+}
+
+template <size_t pixel>
+SimdGroup mirrored()
+{
+    using Run = typename Runs<pixel>::Long;
+    static constexpr SimdOperation list[] = {
+        mapping<uint8_t, uint8_t, Run::size, Run::size>(
+            "storeReversed", [](const uint8_t* in, uint8_t* out) { Run::load(in).storeReversed(out); },
+            [](const uint8_t* in, size_t i) { return in[(Run::size / pixel - 1 - i / pixel) * pixel + i % pixel]; }),
+    };
+    return group(list);
+}
+
 // ---- partial memory -------------------------------------------------------------------------------------------------
 
 template <class T>
@@ -902,6 +932,13 @@ SimdGroup (*const kGroups[])() = {
     totals,
     floats,
     floatBits,
+    transposes<1>,
+    transposes<2>,
+    transposes<3>,
+    transposes<4>,
+    mirrored<1>,
+    mirrored<2>,
+    mirrored<3>,
 };
 
 } // namespace
