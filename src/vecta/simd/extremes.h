@@ -19,6 +19,16 @@ struct Order
     static RVK_INLINE Vec<T> maxKeys(Vec<T> v) { return v; }
 };
 
+// For two uses: g++ for x86 would load the vector for each of them, and loads are what the searches wait for.
+template <class T>
+RVK_INLINE Vec<T> loadedOnce(Vec<T> v)
+{
+#if defined(__x86_64__)
+    __asm__("" : "+v"(v.raw));
+#endif
+    return v;
+}
+
 template <class T>
 struct Extremes
 {
@@ -27,6 +37,7 @@ struct Extremes
 
     RVK_INLINE void take(Vec<T> v)
     {
+        v = loadedOnce(v);
         low = min(low, Order<T>::minKeys(v));
         high = max(high, Order<T>::maxKeys(v));
     }
@@ -150,10 +161,11 @@ RVK_INLINE Accumulator takeAll(Accumulator even, const T* p, size_t n)
         return even;
     }
     Accumulator odd = even;
-    for (size_t i = 0; i < 4; i += 2) { // what the fours leave over
-        even.take(load(last - i * lanes));
-        odd.take(load(last - (i + 1) * lanes));
-    }
+    if (n % (4 * lanes) != 0) // what the fours leave over
+        unrolled<2>([&](auto i) RVK_INLINE_LAMBDA {
+            even.take(load(last - 2 * i * lanes));
+            odd.take(load(last - (2 * i + 1) * lanes));
+        });
     size_t fours = n / (4 * lanes);
     do {
         unrolled<2>([&](auto) RVK_INLINE_LAMBDA {
