@@ -2,6 +2,7 @@
 #include "support/logCapture.h"
 
 #include <cmath>
+#include <cstring>
 
 using namespace test;
 
@@ -28,34 +29,40 @@ Found<T> search(Function function, const T* src, uint32_t width, uint32_t height
     return f;
 }
 
+// The bits of floats count, but any NaN equals any other.
+template <class T>
+bool same(T a, T b)
+{
+    return memcmp(&a, &b, sizeof a) == 0 || (a != a && b != b);
+}
+
+template <class Function, class T>
+void expectFound(Function function, const std::vector<T>& src, uint32_t width, uint32_t height, uint32_t stride,
+                 const Found<T>& expected)
+{
+    const Found<T> f = search(function, src.data(), width, height, stride);
+    EXPECT_TRUE(same(f.low, expected.low) && f.lowAt == expected.lowAt)
+        << +f.low << " in " << ::testing::PrintToString(src);
+    EXPECT_TRUE(same(f.high, expected.high) && f.highAt == expected.highAt)
+        << +f.high << " in " << ::testing::PrintToString(src);
+}
+
 TEST(MinMax, WorkedValues)
 {
     forEachImplementation<Slot::rvkMinMaxLocu8>([](const char* name, auto function) {
         SCOPED_TRACE(name);
-        uint8_t ties[2][8] = {{9, 9, 9, 200, 9, 3, 9, 3}, {9, 3, 9, 200, 9, 3, 9, 3}};
-        const Found<uint8_t> f = search(function, ties[0], 8, 2, 8);
-        EXPECT_EQ(f.low, 3);
-        EXPECT_EQ(f.lowAt, (Place{5, 0}));
-        EXPECT_EQ(f.high, 200);
-        EXPECT_EQ(f.highAt, (Place{3, 0}));
-        // The stride skips the column that holds the extremes.
-        const uint8_t padded[3][3] = {{5, 5, 0}, {5, 5, 255}, {4, 6, 0}};
-        const Found<uint8_t> g = search(function, padded[0], 2, 3, 3);
-        EXPECT_EQ(g.lowAt, (Place{0, 2}));
-        EXPECT_EQ(g.highAt, (Place{1, 2}));
-        const std::vector<uint8_t> constant(300 * 70, 17);
-        const Found<uint8_t> h = search(function, constant.data(), 300, 70, 300);
-        EXPECT_EQ(h.lowAt, (Place{0, 0}));
-        EXPECT_EQ(h.highAt, (Place{0, 0}));
+        const auto expect = [&](const std::vector<uint8_t>& src, uint32_t width, uint32_t height, uint32_t stride,
+                                const Found<uint8_t>& found) {
+            expectFound(function, src, width, height, stride, found);
+        };
+        expect({9, 9, 9, 200, 9, 3, 9, 3, 9, 3, 9, 200, 9, 3, 9, 3}, 8, 2, 8, {3, 200, {5, 0}, {3, 0}});
+        expect({5, 5, 0, 5, 5, 255, 4, 6, 0}, 2, 3, 3, {4, 6, {0, 2}, {1, 2}}); // the last column is none
+        expect(std::vector<uint8_t>(300 * 70, 17), 300, 70, 300, {17, 17, {0, 0}, {0, 0}});
     });
     forEachImplementation<Slot::rvkMinMaxLocs16_v2>([](const char* name, auto function) {
         SCOPED_TRACE(name);
-        const int16_t rows[3][4] = {{1, -5, 3, 99}, {7, -5, 7, -99}, {0, 0, 0, 0}};
-        const Found<int16_t> f = search(function, rows[0], 3, 2, 9); // the stride is 8 in fact
-        EXPECT_EQ(f.low, -5);
-        EXPECT_EQ(f.lowAt, (Place{1, 0}));
-        EXPECT_EQ(f.high, 7);
-        EXPECT_EQ(f.highAt, (Place{0, 1}));
+        const std::vector<int16_t> rows = {1, -5, 3, 99, 7, -5, 7, -99};
+        expectFound(function, rows, 3, 2, 9, {-5, 7, {1, 0}, {0, 1}}); // the stride is 8 in fact
     });
 }
 
@@ -84,37 +91,19 @@ TEST(MinMax, FloatsThatAreNotOrdinary)
 {
     forEachImplementation<Slot::rvkMinMaxLocf32>([](const char* name, auto function) {
         SCOPED_TRACE(name);
-        const auto found = [&](const std::vector<float>& row) {
-            return search(function, row.data(), static_cast<uint32_t>(row.size()), 1,
-                          4 * static_cast<uint32_t>(row.size()));
+        const auto expect = [&](const std::vector<float>& row, float low, uint32_t lowX, float high, uint32_t highX) {
+            const auto width = static_cast<uint32_t>(row.size());
+            expectFound(function, row, width, 1, 4 * width, {low, high, {lowX, 0}, {highX, 0}});
         };
         // A NaN of either sign never counts, but as the first element it stays.
-        const Found<float> late = found({2, NAN, 1, -NAN, 3, NAN});
-        EXPECT_EQ(late.low, 1.0f);
-        EXPECT_EQ(late.lowAt.x, 2u);
-        EXPECT_EQ(late.high, 3.0f);
-        EXPECT_EQ(late.highAt.x, 4u);
-        const Found<float> infinite = found({NAN - NAN, 1, -2, 3, INFINITY, -INFINITY});
-        EXPECT_TRUE(std::isnan(infinite.low) && std::isnan(infinite.high));
-        EXPECT_EQ(infinite.lowAt.x, 0u);
-        EXPECT_EQ(infinite.highAt.x, 0u);
-        const Found<float> both = found({1, -NAN, INFINITY, NAN, -INFINITY});
-        EXPECT_EQ(both.low, -INFINITY);
-        EXPECT_EQ(both.high, INFINITY);
+        expect({2, NAN, 1, -NAN, 3, NAN}, 1, 2, 3, 4);
+        expect({NAN, 1, -2, 3, INFINITY, -INFINITY}, NAN, 0, NAN, 0);
+        expect({1, -NAN, INFINITY, NAN, -INFINITY}, -INFINITY, 4, INFINITY, 2);
         // The zeros are equal: the first one stays, with its sign.
-        const Found<float> zeros = found({0.0f, -0.0f, 0.0f, -0.0f});
-        EXPECT_FALSE(std::signbit(zeros.low) || std::signbit(zeros.high));
-        EXPECT_EQ(zeros.lowAt.x, 0u);
-        EXPECT_EQ(zeros.highAt.x, 0u);
-        const Found<float> negativeZero = found({-1.0f, -0.0f, 0.0f});
-        EXPECT_TRUE(std::signbit(negativeZero.high));
-        EXPECT_EQ(negativeZero.highAt.x, 1u);
+        expect({0.0f, -0.0f, 0.0f, -0.0f}, 0.0f, 0, 0.0f, 0);
+        expect({-1.0f, -0.0f, 0.0f}, -1.0f, 0, -0.0f, 1);
         // Subnormal numbers are ordinary.
-        const Found<float> tiny = found({0.0f, 1e-42f, -1e-42f, 2e-42f, -2e-42f, 1e-42f});
-        EXPECT_EQ(tiny.low, -2e-42f);
-        EXPECT_EQ(tiny.lowAt.x, 4u);
-        EXPECT_EQ(tiny.high, 2e-42f);
-        EXPECT_EQ(tiny.highAt.x, 3u);
+        expect({0.0f, 1e-42f, -1e-42f, 2e-42f, -2e-42f, 1e-42f}, -2e-42f, 4, 2e-42f, 3);
     });
 }
 
