@@ -80,8 +80,10 @@ Edges expectedEdges(const Picture<uint8_t>& src, int aperture, double low, doubl
         grown = false;
         for (int y = 0; y < src.height; ++y)
             for (int x = 0; x < src.width; ++x) {
+                if (!candidates.at(x, y) || result.edges.at(x, y))
+                    continue;
                 const auto around = windowOf(result.edges, x, y, 3, 3, Beyond::constant);
-                if (!candidates.at(x, y) || result.edges.at(x, y) || std::count(around.begin(), around.end(), 255) == 0)
+                if (std::count(around.begin(), around.end(), 255) == 0)
                     continue;
                 result.edges.at(x, y) = 255;
                 grown = true;
@@ -108,7 +110,7 @@ TEST(Canny, FollowsTheDefinition)
     const auto size = [&](uint32_t least, uint32_t range) { return static_cast<int>(least + random.below(range)); };
     for (const uint32_t aperture : {3u, 5u, 7u})
         for (const uint32_t norm : {RAVIK_CANNY_NORM_L1, RAVIK_CANNY_NORM_L2, 7u})
-            for (int trial = 0; trial < 8; ++trial) {
+            for (int trial = 0; trial < 6; ++trial) {
                 const auto src = blobs(trial ? size(30, 90) : size(1, 8), size(1, 40), random, trial % 2 ? 12 : 1);
                 const int low = static_cast<int>(random.below(aperture * aperture * 20)), high = low * 2;
                 const Edges expected =

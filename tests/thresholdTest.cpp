@@ -146,7 +146,7 @@ void expectAdaptive(int least, Means means)
                 return passes == (type == RAVIK_THRESHOLD_BINARY) ? maxValue : 0;
             });
         },
-        60);
+        30);
 }
 
 TEST(Threshold, AdaptiveComparesWithTheMean)

@@ -5,7 +5,6 @@
 #include "random.h"
 
 #include <algorithm>
-#include <numeric>
 #include <tuple>
 
 namespace test {
@@ -80,21 +79,10 @@ enum class Beyond { constant, nearest };
 // The pixels of the window of M x N around a pixel, row by row. Its centre is M / 2 pixels from its left end and N / 2
 // from the top.
 template <class T>
-std::vector<T> windowOf(const Picture<T>& picture, int x, int y, int M, int N, Beyond beyond, T outside = {})
-{
-    std::vector<T> window;
-    for (int v = y - N / 2; v < y - N / 2 + N; ++v)
-        for (int u = x - M / 2; u < x - M / 2 + M; ++u)
-            window.push_back(beyond == Beyond::nearest || picture.has(u, v) ? picture.nearest(u, v) : outside);
-    return window;
-}
+std::vector<T> windowOf(const Picture<T>& picture, int x, int y, int M, int N, Beyond beyond, T outside = {});
 
 template <class T, class Weight>
-int64_t weightedSum(const std::vector<T>& window, const std::vector<Weight>& weights)
-{
-    return std::inner_product(window.begin(), window.end(), weights.begin(), int64_t{0}, std::plus<int64_t>(),
-                              [](T pixel, Weight weight) { return int64_t{pixel} * weight; });
-}
+int64_t weightedSum(const std::vector<T>& window, const std::vector<Weight>& weights);
 
 // The weights of a window: those of its rows times those of its columns.
 inline std::vector<int> productWeights(const std::vector<int>& ofRows, const std::vector<int>& ofColumns)
