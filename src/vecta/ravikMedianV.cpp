@@ -1,4 +1,5 @@
 // Vector implementations of the median filters.
+#include "vecta/simd/networks.h"
 #include "vecta/simd/windows.h"
 #include "vecta/vecta.h"
 
@@ -131,87 +132,244 @@ RVK_INLINE void filterWithRing(const Ring& ring)
         [&](size_t x, size_t top, size_t bottom) RVK_INLINE_LAMBDA { ring.filterColumn(x, top, bottom); });
 }
 
-// ---- 5x5 -----------------------------------------------------------------------------------------------------------
+// ---- windows with an odd number of rows ----------------------------------------------------------------------------
 
 using Shorts = Vec<int16_t>;
 
-RVK_INLINE void sortFive(Vecs<int16_t, 5>& v)
+// The rows that the windows of two neighbouring rows of outputs have in common. When each row is in order, and then each
+// column, the core is in order along both, as are zeros and ones in it. The median of a window is among as many values
+// of the core as the row that is missing has, and one more.
+template <size_t M, size_t N>
+struct Core
 {
-    exchange(v.v[0], v.v[1]);
-    exchange(v.v[3], v.v[4]);
-    exchange(v.v[2], v.v[4]);
-    exchange(v.v[2], v.v[3]);
-    exchange(v.v[1], v.v[4]);
-    exchange(v.v[0], v.v[3]);
-    exchange(v.v[0], v.v[2]);
-    exchange(v.v[1], v.v[3]);
-    exchange(v.v[1], v.v[2]);
-}
+    static constexpr size_t columns = M, rows = N - 1;
+    static constexpr size_t last = (M * N - 1) / 2, first = last - M; // ranks of interest, counted from 0
 
-// Moves the least of `count` values to their front and the largest to their end.
-template <size_t first, size_t count, bool arePaired, size_t total>
-RVK_INLINE void moveExtremesOut(Vecs<int16_t, total>& v)
-{
-    constexpr size_t half = count / 2, last = first + count - 1;
-    if constexpr (!arePaired)
-        unrolled<half>([&](auto i) RVK_INLINE_LAMBDA { exchange(v.v[first + i], v.v[last - i]); });
-    unrolled<count - half - 1>([&](auto i) RVK_INLINE_LAMBDA { exchange(v.v[first], v.v[first + 1 + i]); });
-    unrolled<count - half - 1>([&](auto i) RVK_INLINE_LAMBDA { exchange(v.v[last - 1 - i], v.v[last]); });
-}
-
-// The median of an odd number of values. Of more than half of them neither the least nor the largest can be it: they
-// go, and the next value comes. `arePaired`: of the first `count` values the i-th is not above the i-th last.
-template <size_t first, size_t count, bool arePaired, size_t total>
-RVK_INLINE Shorts medianOf(Vecs<int16_t, total>& v)
-{
-    if constexpr (count == 3) {
-        return medianOfThree(v.v[first], v.v[first + 1], v.v[first + 2]);
-    } else {
-        moveExtremesOut<first, count, arePaired>(v);
-        v.v[first + count - 1] = v.v[first + count];
-        unrolled<total - first - count - 1>([&](auto i) RVK_INLINE_LAMBDA {
-            v.v[first + count + i] = v.v[first + count + 1 + i]; // the queue moves up
-        });
-        return medianOf<first + 1, count - 1, false>(v);
+    // By the order along rows and columns alone, too many values are not below that in this place, or not above it.
+    static constexpr bool isTooSmall(size_t row, size_t column)
+    {
+        const size_t notBelow = (rows - row) * (columns - column);
+        return rows * columns - notBelow < first;
     }
-}
+    static constexpr bool isTooLarge(size_t row, size_t column)
+    {
+        const size_t notAbove = (row + 1) * (column + 1);
+        return notAbove - 1 > last;
+    }
+    static constexpr bool isCandidate(size_t row, size_t column)
+    {
+        return !isTooSmall(row, column) && !isTooLarge(row, column);
+    }
 
-// The rows of the window are sorted, once each, and then the columns of what that gives: the window is now in order
-// along both. A value that has more than 12 others after it, or before it, in both directions, is not the median. That
-// leaves 13, of which it is the median, too. The order of the rows does not matter, so a new row takes the place of the
-// oldest.
-struct Median5x5
+    struct Candidates
+    {
+        size_t count = 0, row[rows * columns] = {}, column[rows * columns] = {};
+    };
+    static constexpr Candidates listCandidates() // diagonal by diagonal
+    {
+        Candidates list;
+        for (size_t diagonal = 0; diagonal < rows + columns - 1; ++diagonal)
+            for (size_t i = 0; i < rows && i <= diagonal; ++i)
+                if (diagonal - i < columns && isCandidate(i, diagonal - i)) {
+                    list.row[list.count] = i;
+                    list.column[list.count++] = diagonal - i;
+                }
+        return list;
+    }
+
+    static constexpr size_t countTooSmall()
+    {
+        size_t count = 0;
+        for (size_t i = 0; i < rows; ++i)
+            for (size_t j = 0; j < columns; ++j)
+                count += isTooSmall(i, j);
+        return count;
+    }
+    static constexpr size_t firstOfCandidates = first - countTooSmall(); // the rank among them
+
+    // Zeros lie to the left of ones, and no row has more of them than the one above it:
+    // (rows + columns)! / rows! / columns! cases.
+    static constexpr size_t mostCases()
+    {
+        size_t count = 1;
+        for (size_t i = 1; i <= rows; ++i)
+            count = count * (columns + i) / i;
+        return count;
+    }
+    static constexpr auto cases()
+    {
+        constexpr Candidates list = listCandidates();
+        Cases<list.count, mostCases()> result;
+        size_t zeros[rows] = {}, sum = 0;
+        for (bool more = true; more;) {
+            if (sum >= first && sum <= last + 1) { // others give the ranks of interest all ones, or all zeros
+                for (size_t k = 0; k < list.count; ++k)
+                    if (list.column[k] >= zeros[list.row[k]])
+                        result.setOne(k);
+                result.next();
+            }
+            more = false;
+            for (size_t i = rows; !more && i-- > 0;) { // the last row that may takes one more, and those below it none
+                more = zeros[i] < (i ? zeros[i - 1] : columns);
+                sum = more ? sum + 1 : sum - zeros[i];
+                zeros[i] = more ? zeros[i] + 1 : 0;
+            }
+        }
+        return result;
+    }
+};
+
+// Puts a column of the core in order, which comes in ordered pairs, as far as its candidates need it.
+template <class C, size_t column>
+struct SortColumn
 {
-    static constexpr size_t rows = 5, columns = 5;
-    static constexpr size_t step = Shorts::lanes;
-    Vecs<int16_t, 5> sortedRows[5];
+    static constexpr auto cases()
+    {
+        constexpr size_t all = size_t{1} << C::rows;
+        Cases<C::rows, all> result;
+        for (size_t ones = 0; ones < all; ++ones) {
+            bool isPossible = true;
+            for (size_t i = 0; i < C::rows; i += 2)
+                isPossible = isPossible && (ones >> i & 3) != 1;
+            if (!isPossible)
+                continue;
+            for (size_t i = 0; i < C::rows; ++i)
+                if (ones >> i & 1)
+                    result.setOne(i);
+            result.next();
+        }
+        return result;
+    }
+    static constexpr size_t firstCandidate()
+    {
+        size_t i = 0;
+        while (!C::isCandidate(i, column))
+            ++i;
+        return i;
+    }
+    static constexpr size_t lastCandidate()
+    {
+        size_t i = C::rows - 1;
+        while (!C::isCandidate(i, column))
+            --i;
+        return i;
+    }
+    static constexpr auto network = selecting(sortingNetwork(cases()), firstCandidate(), lastCandidate());
+};
+
+// Puts those candidates in order that have ranks of interest.
+template <class C>
+struct SelectFromCore
+{
+    static constexpr auto network =
+        selecting(sortingNetwork(C::cases()), C::firstOfCandidates, C::firstOfCandidates + C::columns);
+};
+
+// Of windows side by side a row each, in order.
+template <size_t M>
+using SortedRow = Vecs<int16_t, M>;
+
+// What the windows of the next rows need of the rows so far. Rows come in pairs that are never parted in a core, so
+// their columns are put in order once. The order of the pairs does not matter: a new one takes the place of the oldest.
+template <size_t M, size_t N>
+struct SortedRows
+{
+    struct Pair
+    {
+        SortedRow<M> smaller, larger; // column by column
+        SortedRow<M> second;          // of the two rows, which will be the top of a window
+    };
+    Pair pairs[N / 2];
+    SortedRow<M> first;          // of the pair to come
+    Vecs<int16_t, M + 1> ofCore; // the values of interest, in order
+};
+
+// Outputs of two rows: the first when the core of both is complete, with the row above it, and then the other, with the
+// row below it.
+template <size_t M, size_t N>
+struct MedianOfTwoRows
+{
+    static_assert(N % 2 == 1);
+    static constexpr size_t rows = N, columns = M, step = Shorts::lanes;
+    SortedRows<M, N>* sorted; // more than registers hold
     size_t oldest = 0;
+    bool completesPair = true; // the next row; the pair of the very first row is never read
+
+    static RVK_INLINE SortedRow<M> sortedRow(const int16_t* p)
+    {
+        SortedRow<M> row;
+        unrolled<M>([&](auto i) RVK_INLINE_LAMBDA { row[i] = load(p + i); });
+        applyNetwork<SortAny<M>>(row);
+        return row;
+    }
+
+    RVK_INLINE void completePair(const SortedRow<M>& row)
+    {
+        auto& pair = sorted->pairs[oldest];
+        unrolled<M>([&](auto i) RVK_INLINE_LAMBDA {
+            pair.smaller[i] = min(sorted->first[i], row[i]);
+            pair.larger[i] = max(sorted->first[i], row[i]);
+        });
+        pair.second = row;
+        oldest = oldest + 1 == N / 2 ? 0 : oldest + 1;
+    }
 
     RVK_INLINE void prime(const int16_t* p)
     {
-        Vecs<int16_t, 5> row = {load(p), load(p + 1), load(p + 2), load(p + 3), load(p + 4)};
-        sortFive(row);
-        sortedRows[oldest] = row;
-        oldest = oldest == 4 ? 0 : oldest + 1;
+        if (completesPair)
+            completePair(sortedRow(p));
+        else
+            sorted->first = sortedRow(p);
+        completesPair = !completesPair;
     }
 
-    RVK_INLINE Vecs<int16_t, 5> sortedColumn(size_t i) const
+    static RVK_NOINLINE void selectFromCore(SortedRows<M, N>& sorted)
     {
-        Vecs<int16_t, 5> column = {sortedRows[0][i], sortedRows[1][i], sortedRows[2][i], sortedRows[3][i],
-                                   sortedRows[4][i]};
-        sortFive(column);
-        return column;
+        using C = Core<M, N>;
+        constexpr auto list = C::listCandidates();
+        Vecs<int16_t, list.count> candidates;
+        unrolled<M>([&](auto j) RVK_INLINE_LAMBDA {
+            Vecs<int16_t, C::rows> column;
+            unrolled<N / 2>([&](auto i) RVK_INLINE_LAMBDA {
+                column[2 * i] = sorted.pairs[i].smaller[j];
+                column[2 * i + 1] = sorted.pairs[i].larger[j];
+            });
+            applyNetwork<SortColumn<C, j>>(column);
+            unrolled<list.count>([&](auto k) RVK_INLINE_LAMBDA {
+                if constexpr (list.column[k] == j)
+                    candidates[k] = column[list.row[k]];
+            });
+        });
+        applyNetwork<SelectFromCore<C>>(candidates);
+        unrolled<M + 1>([&](auto i) RVK_INLINE_LAMBDA { sorted.ofCore[i] = candidates[C::firstOfCandidates + i]; });
+    }
+
+    // Of 2 * M + 1 values in two ordered rows the one in the middle.
+    RVK_INLINE Shorts medianWith(const SortedRow<M>& row) const
+    {
+        Shorts median = sorted->ofCore[M];
+        unrolled<M>([&](auto i) RVK_INLINE_LAMBDA { median = min(median, max(sorted->ofCore[i], row[M - 1 - i])); });
+        return median;
     }
 
     RVK_INLINE Shorts next(const int16_t* p)
     {
+        const bool completesCore = completesPair;
+        const SortedRow<M> top = sorted->pairs[oldest].second;
         prime(p);
-        const Vecs<int16_t, 5> a = sortedColumn(0), b = sortedColumn(1), c = sortedColumn(2), d = sortedColumn(3),
-                               e = sortedColumn(4);
-        Vecs<int16_t, 13> rest = {a[3], b[2], c[1], d[0], d[1], c[2], b[3], a[4], b[4], c[3], d[2], e[0], e[1]};
-        return medianOf<0, 8, true>(rest);
+        if (!completesCore)
+            return medianWith(sorted->first);
+        selectFromCore(*sorted);
+        return medianWith(top);
     }
 };
+
+template <size_t M, size_t N>
+RVK_INLINE void filterMedian(size_t width, size_t height, Plane<const int16_t> src, Plane<int16_t> dst)
+{
+    SortedRows<M, N> rows = {};
+    filterInterior(width, height, src, MedianOfTwoRows<M, N>{&rows}, dst);
+}
 
 // ---- MxN -----------------------------------------------------------------------------------------------------------
 
@@ -301,7 +459,9 @@ rvkStatus rvkFilterMedianMxNs16V(const int16_t* src, uint32_t srcWidth, uint32_t
     if (M == 3 && N == 3) {
         filterInterior(srcWidth, srcHeight, in, Median3x3<int16_t>{}, out);
     } else if (M == 5 && N == 5) {
-        filterInterior(srcWidth, srcHeight, in, Median5x5{}, out);
+        filterMedian<5, 5>(srcWidth, srcHeight, in, out);
+    } else if (M == 7 && N == 7) {
+        filterMedian<7, 7>(srcWidth, srcHeight, in, out);
     } else {
         const size_t ring = 2 * (size_t{M} / 2);
         if (srcWidth < ring + Shorts::lanes || size_t{M} * N > UINT16_MAX)
