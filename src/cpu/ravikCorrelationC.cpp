@@ -108,39 +108,9 @@ rvkStatus correlateSeparably(uint32_t width, uint32_t height, Plane<const S> src
     return RAVIK_SUCCESS;
 }
 
-// The same kernel size in both directions, as it is given.
-rvkStatus correlateSquare(size_t N, const int16_t* src, uint32_t width, uint32_t height, uint32_t srcStride,
-                          const int16_t* kernelX, const int16_t* kernelY, uint32_t shiftX, uint32_t shiftY,
-                          int16_t* dst, uint32_t dstStride)
-{
-    return correlateSeparably(width, height, Plane{src, srcStride}, Taps<int16_t>{kernelX, N, 1, false},
-                              Taps<int16_t>{kernelY, 1, N, false}, shiftX, shiftY, Plane{dst, dstStride});
-}
-
 } // namespace
 
 // ---- kernels of two dimensions ------------------------------------------------------------------
-
-rvkStatus rvkFilterCorr3x3s8_v2C(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
-                                 const int8_t* kernel, uint32_t shift, uint8_t* dst, uint32_t dstStride)
-{
-    return correlate(srcWidth, srcHeight, Plane{src, srcStride}, Taps<int8_t>{kernel, 3, 3, false}, shift,
-                     Plane{dst, dstStride});
-}
-
-rvkStatus rvkFilterCorrNxNu8C(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
-                              const int16_t* kernel, uint32_t N, uint32_t shift, uint8_t* dst, uint32_t dstStride)
-{
-    return correlate(srcWidth, srcHeight, Plane{src, srcStride}, Taps<int16_t>{kernel, N, N, false}, shift,
-                     Plane{dst, dstStride});
-}
-
-rvkStatus rvkFilterCorrNxNu8s16C(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
-                                 const int16_t* kernel, uint32_t N, uint32_t shift, int16_t* dst, uint32_t dstStride)
-{
-    return correlate(srcWidth, srcHeight, Plane{src, srcStride}, Taps<int16_t>{kernel, N, N, false}, shift,
-                     Plane{dst, dstStride});
-}
 
 rvkStatus rvkFilterCorrNxNu8f32C(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
                                  const float32_t* kernel, uint32_t N, float32_t* dst, uint32_t dstStride)
@@ -158,22 +128,6 @@ rvkStatus rvkFilterCorrNxNu8f32C(const uint8_t* src, uint32_t srcWidth, uint32_t
     return RAVIK_SUCCESS;
 }
 
-rvkStatus rvkFilterConvolveMxNu8C(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
-                                  const int16_t* kernel, uint32_t M, uint32_t N, uint32_t shift, uint8_t* dst,
-                                  uint32_t dstStride)
-{
-    return correlate(srcWidth, srcHeight, Plane{src, srcStride}, Taps<int16_t>{kernel, M, N, true}, shift,
-                     Plane{dst, dstStride});
-}
-
-rvkStatus rvkFilterConvolveMxNu8s16C(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
-                                     const int16_t* kernel, uint32_t M, uint32_t N, uint32_t shift, int16_t* dst,
-                                     uint32_t dstStride)
-{
-    return correlate(srcWidth, srcHeight, Plane{src, srcStride}, Taps<int16_t>{kernel, M, N, true}, shift,
-                     Plane{dst, dstStride});
-}
-
 rvkStatus rvkConvValids16C(const int16_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
                            const int16_t* kernel, uint32_t M, uint32_t N, uint32_t shift, int16_t* dst,
                            uint32_t dstStride)
@@ -182,64 +136,6 @@ rvkStatus rvkConvValids16C(const int16_t* src, uint32_t srcWidth, uint32_t srcHe
                      srcWidth - M + 1, srcHeight - N + 1, Plane{dst, dstStride});
 }
 
-// ---- separable kernels --------------------------------------------------------------------------
-
-rvkStatus rvkFilterCorrSepMxNu8C(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
-                                 const int16_t* kernelX, uint32_t M, const int16_t* kernelY, uint32_t N,
-                                 uint32_t shiftX, uint32_t shiftY, uint8_t* dst, uint32_t dstStride)
-{
-    return correlateSeparably(srcWidth, srcHeight, Plane{src, srcStride}, Taps<int16_t>{kernelX, M, 1, false},
-                              Taps<int16_t>{kernelY, 1, N, false}, shiftX, shiftY, Plane{dst, dstStride});
-}
-
-rvkStatus rvkFilterConvSepMxNs16C(const int16_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
-                                  const int16_t* kernelX, uint32_t M, const int16_t* kernelY, uint32_t N,
-                                  uint32_t shiftX, uint32_t shiftY, int16_t* dst, uint32_t dstStride)
-{
-    return correlateSeparably(srcWidth, srcHeight, Plane{src, srcStride}, Taps<int16_t>{kernelX, M, 1, true},
-                              Taps<int16_t>{kernelY, 1, N, true}, shiftX, shiftY, Plane{dst, dstStride});
-}
-
-rvkStatus rvkFilterCorrSepNxNs16C(const int16_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
-                                  const int16_t* kernelX, const int16_t* kernelY, uint32_t N, uint32_t shiftX,
-                                  uint32_t shiftY, int16_t* dst, uint32_t dstStride)
-{
-    return correlateSquare(N, src, srcWidth, srcHeight, srcStride, kernelX, kernelY, shiftX, shiftY, dst, dstStride);
-}
-
-rvkStatus rvkFilterCorrSep9x9s16_v2C(const int16_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
-                                     const int16_t* kernelX, const int16_t* kernelY, uint32_t shiftX, uint32_t shiftY,
-                                     int16_t* dst, uint32_t dstStride)
-{
-    return correlateSquare(9, src, srcWidth, srcHeight, srcStride, kernelX, kernelY, shiftX, shiftY, dst, dstStride);
-}
-
-rvkStatus rvkFilterCorrSep11x11s16_v2C(const int16_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
-                                       const int16_t* kernelX, const int16_t* kernelY, uint32_t shiftX, uint32_t shiftY,
-                                       int16_t* dst, uint32_t dstStride)
-{
-    return correlateSquare(11, src, srcWidth, srcHeight, srcStride, kernelX, kernelY, shiftX, shiftY, dst, dstStride);
-}
-
-rvkStatus rvkFilterCorrSep13x13s16_v2C(const int16_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
-                                       const int16_t* kernelX, const int16_t* kernelY, uint32_t shiftX, uint32_t shiftY,
-                                       int16_t* dst, uint32_t dstStride)
-{
-    return correlateSquare(13, src, srcWidth, srcHeight, srcStride, kernelX, kernelY, shiftX, shiftY, dst, dstStride);
-}
-
-rvkStatus rvkFilterCorrSep15x15s16_v2C(const int16_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
-                                       const int16_t* kernelX, const int16_t* kernelY, uint32_t shiftX, uint32_t shiftY,
-                                       int16_t* dst, uint32_t dstStride)
-{
-    return correlateSquare(15, src, srcWidth, srcHeight, srcStride, kernelX, kernelY, shiftX, shiftY, dst, dstStride);
-}
-
-rvkStatus rvkFilterCorrSep17x17s16_v2C(const int16_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
-                                       const int16_t* kernelX, const int16_t* kernelY, uint32_t shiftX, uint32_t shiftY,
-                                       int16_t* dst, uint32_t dstStride)
-{
-    return correlateSquare(17, src, srcWidth, srcHeight, srcStride, kernelX, kernelY, shiftX, shiftY, dst, dstStride);
-}
-
 } // namespace rvk
+
+#include "forms/ravikCorrelationForms.h"

@@ -52,7 +52,7 @@ template <class T, class RowWeights, class Output>
 struct Binomial
 {
     static constexpr size_t rows = RowWeights::count, columns = rows, step = Vec<T>::lanes;
-    NeighbourSums<rows - 1, Pairs<typename SumOf<T, RowWeights>::Type>> sums;
+    NeighbourSums<rows - 1, Pairs<SumOf<T, RowWeights>>> sums;
 
     RVK_INLINE auto next(const T* p) { return Output::of(sums.add(rowSum<RowWeights>(p))); }
 };
@@ -62,25 +62,16 @@ using Binomial3 = Binomial<uint8_t, Weights<1, 2, 1>, Output>;
 template <class T, class Output>
 using Binomial5 = Binomial<T, Weights<1, 4, 6, 4, 1>, Output>;
 
-// (sum * reciprocal + 32768) >> 16.
+// (sum * reciprocal + 32768) >> 16; sums are below 2^15.
 template <int reciprocal>
 struct Mean
 {
     static RVK_INLINE Vec<uint16_t> of(Vec<uint16_t> sum)
     {
-#if defined(__x86_64__)
-        if constexpr (reciprocal % 2 == 0)
-            return vec<uint16_t>(RVK_MM(mulhrs_epi16)(reg(sum), reg(splat<int16_t>(reciprocal / 2))));
+        if constexpr (reciprocal % 2 == 0) // one instruction
+            return bitCast<uint16_t>(multiplyRounded(bitCast<int16_t>(sum), splat<int16_t>(reciprocal / 2)));
         else
-            return average(multiplyHigh(sum, splat<uint16_t>(2 * reciprocal)), zero<uint16_t>());
-#else
-        if constexpr (reciprocal % 2 == 0) {
-            return bitCast<uint16_t>(vec(vqrdmulhq_n_s16(reg(bitCast<int16_t>(sum)), reciprocal / 2)));
-        } else {
-            const Vecs<uint32_t, 2> product = multiplyWide(sum, splat<uint16_t>(reciprocal));
-            return join(vrshrn_n_u32(reg(product[0]), 16), vrshrn_n_u32(reg(product[1]), 16));
-        }
-#endif
+            return multiplyHighRounded(sum, splat<uint16_t>(reciprocal));
     }
     static RVK_INLINE Bytes of(Pairs<uint16_t> sums)
     {

@@ -1,13 +1,9 @@
 // Vector implementations of the correlation and convolution filters.
 //
-// Products of 16-bit elements and weights are added in 32 bits, modulo 2^32, so that the order is free. x86 multiplies
-// two pairs and adds the products in one instruction: rows lie in memory in pairs, an element of the one beside that of
-// the other, and two rows of outputs are made at once, whose weights are one row apart. Arm multiplies and adds one
-// product at a time; there the two rows of a pair lie one after the other.
-//
-// Pictures are filtered in strips of columns, whose pairs of rows go through a ring that has as many as a window
-// covers. A pair stays where it is in the ring: the weights, which lie in memory twice, turn instead.
+// Two rows of outputs are made at once, from pairs of rows: the weights of the two are one row apart. Pictures are
+// filtered in strips of columns, so that the first-level cache holds the pairs that the windows cover.
 #include "scratch.h"
+#include "vecta/simd/products.h"
 #include "vecta/simd/rows.h"
 #include "vecta/vecta.h"
 
@@ -15,99 +11,10 @@ namespace rvk::vecta::RVK_ISA {
 namespace {
 
 using Shorts = Vec<int16_t>;
-using Sums = Vecs<int32_t, 2>; // of as many outputs as Shorts has lanes
 
 constexpr size_t kLanes = Shorts::lanes;
 constexpr size_t kStep = 2 * kLanes; // outputs that are made at once in each of two rows
-constexpr size_t kStrip = 512;       // columns of a strip: the first-level cache holds the ring of a large kernel
-
-// ---- products -----------------------------------------------------------------------------------
-
-// The weights of two neighbours in one word, the first in its low half.
-RVK_INLINE int32_t twoWeights(int32_t first, int32_t second)
-{
-    return static_cast<int32_t>((static_cast<uint32_t>(first) & 0xffff) | static_cast<uint32_t>(second) << 16);
-}
-
-#if defined(__x86_64__)
-
-using Weights = Shorts;
-
-RVK_INLINE Weights loadWeights(const int32_t* two)
-{
-    return bitCast<int16_t>(splat(*two));
-}
-
-// Elements of two rows, the first row's in the low halves of words. In order, or, where `ordered` is false, as they
-// come cheapest; sums are then to be narrowed likewise.
-template <bool ordered>
-RVK_INLINE void storePair(int16_t* pair, size_t x, size_t, Shorts first, Shorts second)
-{
-    store(pair + 2 * x, ordered ? zip(first, second) : zipInLanes(first, second));
-}
-
-RVK_INLINE Vecs<int16_t, 2> loadPair(const int16_t* pair, size_t x, size_t)
-{
-    return loadVecs<2>(pair + 2 * x);
-}
-
-RVK_INLINE void addProducts(Sums& sums, const Vecs<int16_t, 2>& pair, Weights weights)
-{
-    sums[0] = sums[0] + dotPairs(pair[0], weights);
-    sums[1] = sums[1] + dotPairs(pair[1], weights);
-}
-
-template <bool ordered>
-RVK_INLINE Shorts narrowSums(const Sums& sums)
-{
-    return ordered ? narrowSat<int16_t>(sums) : narrowSatInLanes<int16_t>(sums);
-}
-
-#else
-
-using Weights = int16x4_t; // the two again and again
-
-RVK_INLINE Weights loadWeights(const int32_t* two)
-{
-    return vreinterpret_s16_s32(vld1_dup_s32(two));
-}
-
-template <bool>
-RVK_INLINE void storePair(int16_t* pair, size_t x, size_t size, Shorts first, Shorts second)
-{
-    store(pair + x, first);
-    store(pair + size + x, second);
-}
-
-RVK_INLINE Vecs<int16_t, 2> loadPair(const int16_t* pair, size_t x, size_t size)
-{
-    return {{load(pair + x), load(pair + size + x)}};
-}
-
-RVK_INLINE void addProducts(Sums& sums, const Vecs<int16_t, 2>& pair, Weights weights)
-{
-    int32x4_t low = reg(sums[0]), high = reg(sums[1]);
-    low = vmlal_lane_s16(low, lowHalf(pair[0]), weights, 0);
-    high = vmlal_lane_s16(high, highHalf(pair[0]), weights, 0);
-    low = vmlal_lane_s16(low, lowHalf(pair[1]), weights, 1);
-    high = vmlal_lane_s16(high, highHalf(pair[1]), weights, 1);
-    sums = {{vec(low), vec(high)}};
-}
-
-template <bool>
-RVK_INLINE Shorts narrowSums(const Sums& sums)
-{
-    return narrowSat<int16_t>(sums);
-}
-
-#endif
-
-RVK_INLINE Sums shiftRight(const Sums& sums, unsigned shift)
-{
-    return {{shiftRight(sums[0], shift), shiftRight(sums[1], shift)}};
-}
-
-// ---- kernels ------------------------------------------------------------------------------------
+constexpr size_t kStrip = 512;       // columns of a strip
 
 // Weights row by row, read from the first to the last for a correlation and from the last to the first for a
 // convolution.
@@ -118,64 +25,44 @@ struct Taps
     size_t M, N; // columns and rows
     bool turned;
 
-    RVK_INLINE int32_t at(size_t column, size_t row) const // 0 above and below the kernel
+    RVK_INLINE Weight operator[](size_t i) const { return weights[turned ? M * N - 1 - i : i]; }
+    RVK_INLINE Weight at(size_t column, size_t row) const // 0 above and below the kernel
     {
-        const size_t i = row * M + column;
-        return row >= N ? 0 : weights[turned ? M * N - 1 - i : i];
+        return row < N ? (*this)[row * M + column] : Weight{0};
     }
 };
 
-// Pairs of rows that the windows of two rows of outputs cover.
+// Pairs of rows that the windows of two rows of outputs cover. N is odd.
 RVK_INLINE size_t pairsOf(size_t N)
 {
     return (N + 1) / 2;
 }
 
-// For each pair of the kernel's rows and each column two words: the weights for the upper outputs, and those for the
-// lower outputs, which are one row behind. `times` times one after the other.
-template <class Weight>
-void pairWeights(const Taps<Weight>& kernel, size_t times, int32_t* words)
-{
-    for (; times > 0; --times)
-        for (size_t pair = 0; pair < pairsOf(kernel.N); ++pair)
-            for (size_t column = 0; column < kernel.M; ++column) {
-                const size_t row = 2 * pair; // the one before the first is a huge number
-                *words++ = twoWeights(kernel.at(column, row), kernel.at(column, row + 1));
-                *words++ = twoWeights(kernel.at(column, row - 1), kernel.at(column, row));
-            }
-}
-
 // ---- rows ---------------------------------------------------------------------------------------
 
-RVK_INLINE void convertElements(int16_t* dst, const int16_t* src, size_t n)
+template <class T>
+RVK_INLINE void convertElements(T* dst, const T* src, size_t n)
 {
     __builtin_memcpy(dst, src, n * sizeof *dst);
 }
 
-// Widens bytes to T.
-template <class T>
-RVK_INLINE void convertElements(T* dst, const uint8_t* src, size_t n)
+RVK_INLINE void convertElements(float* dst, const uint8_t* src, size_t n)
 {
-    using Wide = Vec<T>;
-    const auto widened = [](const uint8_t* p) RVK_INLINE_LAMBDA {
-        if constexpr (isSame<T, float>)
-            return toFloat(loadWiden<uint32_t>(p));
-        else
-            return bitCast<T>(loadWiden<uint16_t>(p));
-    };
-    if (n < Wide::lanes) {
+    constexpr size_t lanes = Vec<float>::lanes;
+    const auto converted = [](const uint8_t* p) RVK_INLINE_LAMBDA { return toFloat(loadWiden<uint32_t>(p)); };
+    if (n < lanes) {
         for (size_t i = 0; i < n; ++i)
-            dst[i] = static_cast<T>(src[i]);
+            dst[i] = static_cast<float>(src[i]);
         return;
     }
-    for (size_t i = 0; i < n - Wide::lanes; i += Wide::lanes)
-        store(dst + i, widened(src + i));
-    store(dst + n - Wide::lanes, widened(src + n - Wide::lanes));
+    for (size_t i = 0; i < n - lanes; i += lanes)
+        store(dst + i, converted(src + i));
+    store(dst + n - lanes, converted(src + n - lanes));
 }
 
 // `n` elements of a row from position x on, where positions begin `before` ahead of the picture.
 template <class T, class S>
-RVK_INLINE void copyRow(T* dst, const S* row, size_t width, size_t x, size_t before, size_t n)
+RVK_NOINLINE void copyRow(T* dst, const S* row, size_t width, size_t x, size_t before, size_t n)
 {
     const size_t left = least(n, x < before ? before - x : 0); // elements before the picture, and behind it
     const size_t right = x + n > before + width ? least(n, x + n - before - width) : 0;
@@ -189,19 +76,13 @@ RVK_INLINE void copyRow(T* dst, const S* row, size_t width, size_t x, size_t bef
 
 // ---- two rows of outputs ------------------------------------------------------------------------
 
-template <class D>
-struct TwoRows
+RVK_INLINE auto outputs(int16_t*, const Vecs<int16_t, 2>& v)
 {
-    D *upper, *lower;
-};
-
-RVK_INLINE auto outputs(int16_t*, Shorts a, Shorts b)
-{
-    return Vecs<int16_t, 2>{{a, b}};
+    return v;
 }
-RVK_INLINE auto outputs(uint8_t*, Shorts a, Shorts b)
+RVK_INLINE auto outputs(uint8_t*, const Vecs<int16_t, 2>& v)
 {
-    return narrowSat<uint8_t>(Vecs<int16_t, 2>{{a, b}});
+    return narrowSat<uint8_t>(v);
 }
 
 template <class V, class D>
@@ -213,25 +94,65 @@ RVK_INLINE void storeFirst(D* dst, const V& v, size_t n)
         storePartial(dst, v, n);
 }
 
-// A ring of pairs of rows of `size` elements. The windows have `columns` columns, or, when that is 0, `anyColumns`.
+template <class D>
+RVK_INLINE TwoRowsOf<D*> twoRows(Plane<D> dst, size_t y, size_t height, size_t x)
+{
+    return {dst.row(y) + x, dst.row(y + 1 < height ? y + 1 : y) + x};
+}
+
+// The first `n` of a step of outputs. Where rows are the same, the lower outputs are written over.
+template <class D>
+RVK_INLINE void putStep(const TwoRowsOf<Vecs<int16_t, 2>>& step, TwoRowsOf<D*> dst, size_t x, size_t n)
+{
+    storeFirst(dst.lower + x, outputs(dst.lower, step.lower), n);
+    storeFirst(dst.upper + x, outputs(dst.upper, step.upper), n);
+}
+
+// ---- kernels of two dimensions ------------------------------------------------------------------
+
+// What the windows of `outputColumns` x `outputRows` outputs cover: they begin beforeX columns and beforeY rows ahead of
+// the source.
+template <class S>
+struct Source
+{
+    Plane<const S> plane;
+    size_t width, height;
+    size_t beforeX, beforeY;
+    size_t outputColumns, outputRows;
+};
+
+// For each pair of the kernel's rows and each column two words: the weights for the upper outputs, and those for the
+// lower outputs, which are one row behind. `times` times one after the other.
+RVK_NOINLINE void pairWeights(const Taps<int16_t>& kernel, size_t times, int32_t* words)
+{
+    for (; times > 0; --times)
+        for (size_t pair = 0; pair < pairsOf(kernel.N); ++pair)
+            for (size_t column = 0; column < kernel.M; ++column) {
+                const size_t row = 2 * pair; // the one before the first is a huge number
+                *words++ = twoWeights(kernel.at(column, row), kernel.at(column, row + 1));
+                *words++ = twoWeights(kernel.at(column, row - 1), kernel.at(column, row));
+            }
+}
+
+// Pairs of rows of `size` elements, as many as the windows cover, in any order that is a ring. `weights` are those of
+// the first.
 struct Ring
 {
     const int16_t* pairs;
-    size_t count, size, anyColumns;
+    size_t count, size, columns; // of the windows
 };
 
-// The first n outputs of the two rows from the ring; `weights` are those of the ring's first pair. Where rows are the
-// same, the lower outputs are written over.
-template <bool ordered, size_t columns, class D>
-RVK_INLINE void sumWindows(const Ring& ring, const int32_t* weights, unsigned shift, size_t n, TwoRows<D> dst)
+// The first n outputs of the two rows. Windows have `columns` columns, or any number, and `columns` is 0.
+template <size_t columns, class D>
+RVK_NOINLINE void sumWindows(Ring ring, const int32_t* weights, unsigned shift, size_t n, TwoRowsOf<D*> dst)
 {
     for (size_t x = 0; x < n; x += kStep) {
-        Sums upperLeft = {}, upperRight = {}, lowerLeft = {}, lowerRight = {};
+        ProductSums upperLeft = {}, upperRight = {}, lowerLeft = {}, lowerRight = {};
         const int32_t* word = weights;
         const int16_t* pair = ring.pairs;
         for (size_t p = 0; p < ring.count; ++p, pair += 2 * ring.size)
-            for (size_t j = 0; j < (columns ? columns : ring.anyColumns); ++j, word += 2) {
-                const Weights upper = loadWeights(word), lower = loadWeights(word + 1);
+            for (size_t j = 0; j < (columns ? columns : ring.columns); ++j, word += 2) {
+                const TwoWeights upper = loadTwoWeights(word), lower = loadTwoWeights(word + 1);
                 const Vecs<int16_t, 2> left = loadPair(pair, x + j, ring.size);
                 const Vecs<int16_t, 2> right = loadPair(pair, x + kLanes + j, ring.size);
                 addProducts(upperLeft, left, upper);
@@ -239,172 +160,225 @@ RVK_INLINE void sumWindows(const Ring& ring, const int32_t* weights, unsigned sh
                 addProducts(lowerLeft, left, lower);
                 addProducts(lowerRight, right, lower);
             }
-        const auto result = [&](const Sums& left, const Sums& right) RVK_INLINE_LAMBDA {
-            return outputs(dst.upper, narrowSums<ordered>(shiftRight(left, shift)),
-                           narrowSums<ordered>(shiftRight(right, shift)));
+        const auto narrowed = [=](const ProductSums& sums) RVK_INLINE_LAMBDA {
+            return narrowSums<true>(sums, {shift, false});
         };
-        storeFirst(dst.lower + x, result(lowerLeft, lowerRight), n - x);
-        storeFirst(dst.upper + x, result(upperLeft, upperRight), n - x);
+        putStep({{{narrowed(upperLeft), narrowed(upperRight)}}, {{narrowed(lowerLeft), narrowed(lowerRight)}}}, dst, x,
+                n - x);
     }
 }
 
-// ---- pictures -----------------------------------------------------------------------------------
-
-// What the windows of `width` x `height` outputs cover: they begin beforeX columns and beforeY rows ahead of the
-// source.
-template <class S>
-struct Source
-{
-    Plane<const S> plane;
-    size_t width, height;
-    size_t M, N; // of the windows
-    size_t beforeX, beforeY;
-    size_t outputColumns, outputRows;
-};
-
-// A picture whose outputs are all its pixels.
-template <class S>
-RVK_INLINE Source<S> wholePicture(Plane<const S> plane, size_t width, size_t height, size_t M, size_t N)
-{
-    return {plane, width, height, M, N, M / 2, N / 2, width, height};
-}
-
-// Calls makePair(rows, slot of the ring) for all pairs of rows of the windows, and with each pair that completes the
-// windows makeOutputs(slot of the windows' first pair, first row of the two).
-template <class MakePair, class MakeOutputs>
-RVK_INLINE void rollDown(size_t outputRows, size_t N, MakePair makePair, MakeOutputs makeOutputs)
-{
-    const size_t slots = pairsOf(N), last = pairsOf(outputRows) + slots - 1;
-    for (size_t pair = 0, slot = 0; pair < last; ++pair) {
-        makePair(2 * pair, slot);
-        slot = slot + 1 == slots ? 0 : slot + 1; // which has the oldest pair
-        if (pair + 1 >= slots)
-            makeOutputs(slot, 2 * (pair + 1 - slots));
-    }
-}
-
-template <class D>
-RVK_INLINE TwoRows<D> twoRows(Plane<D> dst, size_t y, size_t height, size_t x)
-{
-    return {dst.row(y) + x, dst.row(y + 1 < height ? y + 1 : y) + x};
-}
-
-template <class S, class Weight, class D>
-rvkStatus correlate(const Source<S>& src, Taps<Weight> kernel, unsigned shift, Plane<D> dst)
+// The pairs go through a ring that has as many as a window covers. A pair stays where it is: the weights, which lie in
+// memory twice, turn instead.
+template <class S, class D>
+RVK_NOINLINE rvkStatus correlateSource(const Source<S>& src, const Taps<int16_t>& kernel, unsigned shift, Plane<D> dst)
 {
     const size_t M = kernel.M, slots = pairsOf(kernel.N);
     const size_t strip = roundedUp(least(src.outputColumns, kStrip), kStep);
     const size_t size = roundedUp(strip + M, kLanes); // of a row in the ring
-    const Scratch<int16_t> rows((slots + 1) * 2, size);
-    const Scratch<int32_t> words(2 * slots, M * 2);
-    if (!rows || !words)
+    const Scratch<S> rows(2, size);
+    const Scratch<int16_t> ring(slots * 2, size);
+    const Scratch<int32_t> weights(2 * slots, M * 2);
+    if (!rows || !ring || !weights)
         return RAVIK_ENORES;
-    pairWeights(kernel, 2, words.get());
-    int16_t *first = rows.get(), *second = first + size, *pairs = second + size;
+    pairWeights(kernel, 2, weights.get());
+    auto* const sum = M == 3 ? &sumWindows<3, D> : &sumWindows<0, D>;
+    S *first = rows.get(), *second = first + size;
+    int16_t* const pairs = ring.get();
     for (size_t x = 0; x < src.outputColumns; x += strip) {
         const size_t n = least(strip, src.outputColumns - x), needed = n + M - 1;
-        rollDown(
-            src.outputRows, kernel.N,
-            [&](size_t y, size_t slot) RVK_INLINE_LAMBDA {
-                const S* upper = src.plane.row(nearest(y, src.beforeY, src.height));
-                const S* lower = src.plane.row(nearest(y + 1, src.beforeY, src.height));
-                copyRow(first, upper, src.width, x, src.beforeX, needed);
-                copyRow(second, lower, src.width, x, src.beforeX, needed);
-                int16_t* pair = pairs + slot * 2 * size;
-                for (size_t i = 0; i < needed; i += kLanes)
-                    storePair<true>(pair, i, size, load(first + i), load(second + i));
-            },
-            [&](size_t slot, size_t y) RVK_INLINE_LAMBDA {
-                const int32_t* weights = words.get() + (slots - slot) % slots * M * 2;
-                sumWindows<true, 0>({pairs, slots, size, M}, weights, shift, n, twoRows(dst, y, src.outputRows, x));
-            });
+        for (size_t y = 0, slot = 0; y < src.outputRows + kernel.N - 1; y += 2) {
+            copyRow(first, src.plane.row(nearest(y, src.beforeY, src.height)), src.width, x, src.beforeX, needed);
+            copyRow(second, src.plane.row(nearest(y + 1, src.beforeY, src.height)), src.width, x, src.beforeX, needed);
+            for (size_t i = 0; i < needed; i += kLanes)
+                storePair<true>(pairs + slot * 2 * size, i, size, loadShorts(first + i), loadShorts(second + i));
+            slot = slot + 1 == slots ? 0 : slot + 1; // which has the oldest pair
+            if (y + 1 >= kernel.N)
+                sum({pairs, slots, size, M}, weights.get() + (slots - slot) % slots * M * 2, shift, n,
+                    twoRows(dst, y + 1 - kernel.N, src.outputRows, x));
+        }
     }
     return RAVIK_SUCCESS;
+}
+
+// The whole picture.
+template <class S, class D>
+RVK_INLINE rvkStatus correlate(uint32_t width, uint32_t height, Plane<const S> src, const Taps<int16_t>& kernel,
+                               uint32_t shift, Plane<D> dst)
+{
+    return correlateSource(Source<S>{src, width, height, kernel.M / 2, kernel.N / 2, width, height}, kernel, shift,
+                           dst);
+}
+
+// The same by 3x3 weights.
+RVK_INLINE rvkStatus correlate(uint32_t width, uint32_t height, Plane<const uint8_t> src, const Taps<int8_t>& kernel,
+                               uint32_t shift, Plane<uint8_t> dst)
+{
+    int16_t weights[9];
+    for (size_t i = 0; i < 9; ++i)
+        weights[i] = kernel[i];
+    return correlate(width, height, src, Taps<int16_t>{weights, 3, 3, false}, shift, dst);
 }
 
 // ---- separable kernels --------------------------------------------------------------------------
 
-// Weighted sums of neighbours along two rows, as a pair of the ring; `words` are the pairWeights of the weights.
-RVK_INLINE void sumRows(const int16_t* first, const int16_t* second, size_t words, const int32_t* word, unsigned shift,
-                        size_t n, int16_t* pair, size_t size)
+// Filters two rows, as a pair.
+template <class Sums, class Line, class S>
+RVK_NOINLINE void filterRows(const S* first, const S* second, size_t n, const AnyWeightLine& weights, SumShift shift,
+                             int16_t* pair, size_t size)
 {
-    for (size_t x = 0; x < n; x += kLanes) {
-        Sums upper = {}, lower = {};
-#if defined(__x86_64__)
-        // Even and odd outputs, whose weights are one element apart.
-        for (size_t w = 0; w < words; ++w) {
-            const Weights even = loadWeights(word + 2 * w), odd = loadWeights(word + 2 * w + 1);
-            const Shorts a = load(first + x + 2 * w), b = load(second + x + 2 * w);
-            upper[0] = upper[0] + dotPairs(a, even);
-            upper[1] = upper[1] + dotPairs(a, odd);
-            lower[0] = lower[0] + dotPairs(b, even);
-            lower[1] = lower[1] + dotPairs(b, odd);
-        }
-        const auto result = [&](const Sums& sums) RVK_INLINE_LAMBDA {
-            const Shorts v =
-                narrowSatInLanes<int16_t>(shiftRight(sums, shift)); // even ones, then odd ones, in each block
-            return shuffle(v, v, [](size_t i) { return i / 8 * 8 + i % 8 / 2 + i % 2 * 4; });
-        };
-#else
-        for (size_t w = 0; w < words; ++w) {
-            const Weights two = loadWeights(word + 2 * w);
-            const int16_t *a = first + x + 2 * w, *b = second + x + 2 * w;
-            addProducts(upper, {{load(a), load(a + 1)}}, two);
-            addProducts(lower, {{load(b), load(b + 1)}}, two);
-        }
-        const auto result = [&](const Sums& sums)
-                                RVK_INLINE_LAMBDA { return narrowSat<int16_t>(shiftRight(sums, shift)); };
-#endif
-        storePair<false>(pair, x, size, result(upper), result(lower));
+    Line line(weights);
+    for (size_t x = 0; x < n; x += kStep) {
+        const auto a = filterAlong<Sums>(first + x, line, shift), b = filterAlong<Sums>(second + x, line, shift);
+        storePair<false>(pair, x, size, a[0], b[0]);
+        storePair<false>(pair, x + kLanes, size, a[1], b[1]);
     }
 }
 
-template <class S, class D>
-rvkStatus correlateSeparably(const Source<S>& src, Taps<int16_t> kernelX, Taps<int16_t> kernelY, unsigned shiftX,
-                             unsigned shiftY, Plane<D> dst)
+// Filters the columns of the pairs from the first on: two rows of outputs.
+template <class Sums, class Line, class D>
+RVK_NOINLINE void filterColumns(const int16_t* pairs, size_t size, size_t n, const AnyWeightLine& weights,
+                                SumShift shift, TwoRowsOf<D*> dst)
 {
-    const size_t slots = pairsOf(src.N), wordsX = pairsOf(src.M);
-    const size_t strip = roundedUp(least(src.width, kStrip), kStep);
-    const size_t size = roundedUp(strip + src.M, kLanes);
-    const Scratch<int16_t> rows((slots + 1) * 2, size);
-    const Scratch<int32_t> words(2 * wordsX + 4 * slots);
-    if (!rows || !words)
+    Line line(weights);
+    for (size_t x = 0; x < n; x += kStep)
+        putStep(filterDown<Sums>(pairs, x, size, line, shift), dst, x, n - x);
+}
+
+// Lines of up to `most` weights have code of their own, for the number of them.
+template <size_t most, size_t count = 3, class Choice>
+RVK_INLINE auto choiceFor(size_t weights, Choice choice)
+{
+    if constexpr (count > most)
+        return choice(static_cast<AnyWeightLine*>(nullptr));
+    else
+        return weights == count ? choice(static_cast<WeightLine<count>*>(nullptr))
+                                : choiceFor<most, count + 2>(weights, choice);
+}
+
+// What filters rows, and what filters columns.
+template <class Sums, size_t most, class S>
+RVK_INLINE auto rowFilterFor(size_t M, const S*)
+{
+    return choiceFor<most>(M, []<class Line>(Line*) { return &filterRows<Sums, Line, S>; });
+}
+
+template <class Sums, size_t most, class D>
+RVK_INLINE auto columnFilterFor(size_t N, D*)
+{
+    return choiceFor<most>(N, []<class Line>(Line*) { return &filterColumns<Sums, Line, D>; });
+}
+
+struct Range
+{
+    int64_t lowest, highest;
+
+    RVK_INLINE bool isWithin(int64_t least, int64_t most) const { return least <= lowest && highest <= most; }
+};
+
+template <class T>
+constexpr Range kRangeOf = {isSigned<T> ? INT16_MIN : 0, isSigned<T> ? INT16_MAX : UINT8_MAX};
+
+// Weights in order, with the zeros around them that are read, and what follows from their size.
+struct ShiftedLine
+{
+    static constexpr size_t zerosBefore = 1, zerosBehind = 4;
+    static RVK_INLINE size_t sizeFor(size_t count) { return zerosBefore + count + zerosBehind; }
+
+    AnyWeightLine weights;
+    SumShift shift;
+    bool sumsAreShort;
+    Range outputs;
+};
+
+RVK_INLINE Range rangeOfSums(const Taps<int16_t>& kernel, Range elements)
+{
+    Range sums = {0, 0};
+    for (size_t i = 0; i < kernel.M * kernel.N; ++i) {
+        const int64_t w = kernel[i];
+        sums.lowest += w * (w < 0 ? elements.highest : elements.lowest);
+        sums.highest += w * (w < 0 ? elements.lowest : elements.highest);
+    }
+    return sums;
+}
+
+// Whether weights that are shifted left are still weights, and sums of 32 bits hold their sums.
+RVK_INLINE bool canShiftLeft(const Taps<int16_t>& kernel, Range sums, unsigned left)
+{
+    const int64_t factor = int64_t{1} << left;
+    for (size_t i = 0; i < kernel.M * kernel.N; ++i)
+        if (kernel[i] * factor < INT16_MIN || kernel[i] * factor > INT16_MAX)
+            return false;
+    return Range{sums.lowest * factor, sums.highest * factor}.isWithin(INT32_MIN, INT32_MAX);
+}
+
+// A filter does not amplify, as a rule. Then sums that are shifted left first, by way of the weights, still fit 32 bits,
+// and the shift to the right is 16. Small weights that are not negative even have sums of 16 bits on bytes.
+RVK_NOINLINE ShiftedLine shiftedLine(const Taps<int16_t>& kernel, unsigned shift, Range elements, int16_t* to)
+{
+    const size_t count = kernel.M * kernel.N;
+    const Range sums = rangeOfSums(kernel, elements);
+    const Range shifted = {sums.lowest >> shift, sums.highest >> shift};
+    const bool isShort = shift < 16 && sums.isWithin(0, UINT16_MAX) && shifted.isWithin(0, INT16_MAX);
+    const bool takesHighHalves = !isShort && shift <= 16 && canShiftLeft(kernel, sums, 16 - shift);
+
+    for (size_t i = 0; i < ShiftedLine::zerosBefore; ++i)
+        *to++ = 0;
+    for (size_t i = 0; i < count; ++i)
+        to[i] = static_cast<int16_t>(kernel[i] * (takesHighHalves ? 1 << (16 - shift) : 1));
+    for (size_t i = 0; i < ShiftedLine::zerosBehind; ++i)
+        to[count + i] = 0;
+    const bool isExact = shifted.isWithin(INT16_MIN, INT16_MAX) && sums.isWithin(INT32_MIN, INT32_MAX);
+    return {
+        {to, count}, {takesHighHalves ? 16 : shift, takesHighHalves}, isShort, isExact ? shifted : kRangeOf<int16_t>};
+}
+
+// The pairs lie one after the other; when there is no room for the next, those that are still needed move to the front.
+template <class S, class D>
+RVK_NOINLINE rvkStatus correlateSeparably(uint32_t width, uint32_t height, Plane<const S> src, Taps<int16_t> kernelX,
+                                          Taps<int16_t> kernelY, uint32_t shiftX, uint32_t shiftY, Plane<D> dst)
+{
+    constexpr size_t cacheBytes = 24576; // for the pairs
+    const size_t M = kernelX.M, N = kernelY.N;
+    const size_t window = pairsOf(N), capacity = 2 * window + 1;
+    const size_t columns = cacheBytes / (2 * sizeof(int16_t)) / capacity + 1;
+    const size_t strip = roundedUp(least(width, columns), kStep);
+    const size_t size = strip + kLanes;                               // of a filtered row
+    const size_t rowSize = roundedUp(strip + M, kLanes) + 2 * kLanes; // of a row of the picture
+    const Scratch<S> rows(2, rowSize);
+    const Scratch<int16_t> filtered((capacity + 1) * 2, size); // one more, which zero weights see
+    const Scratch<int16_t> weights(ShiftedLine::sizeFor(M) + ShiftedLine::sizeFor(N));
+    if (!rows || !filtered || !weights)
         return RAVIK_ENORES;
-    int32_t *weightsX = words.get(), *weightsY = weightsX + 2 * wordsX;
-    pairWeights(kernelX, 1, weightsX);
-    pairWeights(kernelY, 2, weightsY);
-    int16_t *first = rows.get(), *second = first + size, *pairs = second + size;
-    for (size_t x = 0; x < src.width; x += strip) {
-        const size_t n = least(strip, src.width - x);
-        rollDown(
-            src.height, src.N,
-            [&](size_t y, size_t slot) RVK_INLINE_LAMBDA {
-                const S* upper = src.plane.row(nearest(y, src.beforeY, src.height));
-                const S* lower = src.plane.row(nearest(y + 1, src.beforeY, src.height));
-                copyRow(first, upper, src.width, x, src.beforeX, n + src.M - 1);
-                copyRow(second, lower, src.width, x, src.beforeX, n + src.M - 1);
-                sumRows(first, second, wordsX, weightsX, shiftX, n, pairs + slot * 2 * size, size);
-            },
-            [&](size_t slot, size_t y) RVK_INLINE_LAMBDA {
-                sumWindows<false, 1>({pairs, slots, size, 1}, weightsY + (slots - slot) % slots * 2, shiftY, n,
-                                     twoRows(dst, y, src.height, x));
-            });
+    const ShiftedLine lineX = shiftedLine(kernelX, shiftX, kRangeOf<S>, weights.get());
+    const ShiftedLine lineY = shiftedLine(kernelY, shiftY, lineX.outputs, weights.get() + ShiftedLine::sizeFor(M));
+    constexpr bool areBytes = sizeof(S) == 1; // only they can have short sums
+    constexpr size_t most = areBytes ? 9 : 17;
+    auto* along = rowFilterFor<ProductSums, most>(M, src.data);
+    auto* down = columnFilterFor<ProductSums, most>(N, dst.data);
+    if constexpr (areBytes) {
+        along = lineX.sumsAreShort ? rowFilterFor<ShortSums, 17>(M, src.data) : along;
+        down = lineY.sumsAreShort ? columnFilterFor<ShortSums, 17>(N, dst.data) : down;
+    }
+    S *first = rows.get(), *second = first + rowSize;
+    int16_t* const pairs = filtered.get();
+    for (size_t x = 0; x < width; x += strip) {
+        const size_t n = least(strip, width - x);
+        size_t count = 0; // of pairs
+        for (size_t y = 0; y < height + N - 1; y += 2) {
+            copyRow(first, src.row(nearest(y, N / 2, height)), width, x, M / 2, n + M - 1);
+            copyRow(second, src.row(nearest(y + 1, N / 2, height)), width, x, M / 2, n + M - 1);
+            if (count == capacity) {
+                count = window - 1;
+                __builtin_memmove(pairs, pairs + (capacity - count) * 2 * size, count * 2 * size * sizeof *pairs);
+            }
+            along(first, second, n, lineX.weights, lineX.shift, pairs + count++ * 2 * size, size);
+            if (y + 1 >= N)
+                down(pairs + (count - window) * 2 * size, size, n, lineY.weights, lineY.shift,
+                     twoRows(dst, y + 1 - N, height, x));
+        }
     }
     return RAVIK_SUCCESS;
-}
-
-// Weights of one dimension, as a column: the words of rows and columns of weights are the same.
-RVK_INLINE Taps<int16_t> weightsOf(const int16_t* weights, size_t count, bool turned)
-{
-    return {weights, 1, count, turned};
-}
-
-rvkStatus correlateSquare(size_t N, const int16_t* src, uint32_t width, uint32_t height, uint32_t srcStride,
-                          const int16_t* kernelX, const int16_t* kernelY, uint32_t shiftX, uint32_t shiftY,
-                          int16_t* dst, uint32_t dstStride)
-{
-    return correlateSeparably(wholePicture(Plane{src, srcStride}, width, height, N, N), weightsOf(kernelX, N, false),
-                              weightsOf(kernelY, N, false), shiftX, shiftY, Plane{dst, dstStride});
 }
 
 // ---- floats -------------------------------------------------------------------------------------
@@ -434,27 +408,6 @@ RVK_INLINE void sumFloatWindows(const float* ring, size_t size, size_t top, size
 
 // ---- kernels of two dimensions ------------------------------------------------------------------
 
-rvkStatus rvkFilterCorr3x3s8_v2V(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
-                                 const int8_t* kernel, uint32_t shift, uint8_t* dst, uint32_t dstStride)
-{
-    return correlate(wholePicture(Plane{src, srcStride}, srcWidth, srcHeight, 3, 3), Taps<int8_t>{kernel, 3, 3, false},
-                     shift, Plane{dst, dstStride});
-}
-
-rvkStatus rvkFilterCorrNxNu8V(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
-                              const int16_t* kernel, uint32_t N, uint32_t shift, uint8_t* dst, uint32_t dstStride)
-{
-    return correlate(wholePicture(Plane{src, srcStride}, srcWidth, srcHeight, N, N), Taps<int16_t>{kernel, N, N, false},
-                     shift, Plane{dst, dstStride});
-}
-
-rvkStatus rvkFilterCorrNxNu8s16V(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
-                                 const int16_t* kernel, uint32_t N, uint32_t shift, int16_t* dst, uint32_t dstStride)
-{
-    return correlate(wholePicture(Plane{src, srcStride}, srcWidth, srcHeight, N, N), Taps<int16_t>{kernel, N, N, false},
-                     shift, Plane{dst, dstStride});
-}
-
 rvkStatus rvkFilterCorrNxNu8f32V(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
                                  const float32_t* kernel, uint32_t N, float32_t* dst, uint32_t dstStride)
 {
@@ -476,90 +429,15 @@ rvkStatus rvkFilterCorrNxNu8f32V(const uint8_t* src, uint32_t srcWidth, uint32_t
     return RAVIK_SUCCESS;
 }
 
-rvkStatus rvkFilterConvolveMxNu8V(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
-                                  const int16_t* kernel, uint32_t M, uint32_t N, uint32_t shift, uint8_t* dst,
-                                  uint32_t dstStride)
-{
-    return correlate(wholePicture(Plane{src, srcStride}, srcWidth, srcHeight, M, N), Taps<int16_t>{kernel, M, N, true},
-                     shift, Plane{dst, dstStride});
-}
-
-rvkStatus rvkFilterConvolveMxNu8s16V(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
-                                     const int16_t* kernel, uint32_t M, uint32_t N, uint32_t shift, int16_t* dst,
-                                     uint32_t dstStride)
-{
-    return correlate(wholePicture(Plane{src, srcStride}, srcWidth, srcHeight, M, N), Taps<int16_t>{kernel, M, N, true},
-                     shift, Plane{dst, dstStride});
-}
-
 rvkStatus rvkConvValids16V(const int16_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
                            const int16_t* kernel, uint32_t M, uint32_t N, uint32_t shift, int16_t* dst,
                            uint32_t dstStride)
 {
-    const Source<int16_t> valid = {Plane{src, srcStride},    srcWidth, srcHeight, M, N, 0, 0, size_t{srcWidth} - M + 1,
-                                   size_t{srcHeight} - N + 1};
-    return correlate(valid, Taps<int16_t>{kernel, M, N, true}, shift, Plane{dst, dstStride});
+    const size_t columns = size_t{srcWidth} - M + 1, rows = size_t{srcHeight} - N + 1;
+    const Source<int16_t> valid = {Plane{src, srcStride}, srcWidth, srcHeight, 0, 0, columns, rows};
+    return correlateSource(valid, Taps<int16_t>{kernel, M, N, true}, shift, Plane{dst, dstStride});
 }
 
-// ---- separable kernels --------------------------------------------------------------------------
-
-rvkStatus rvkFilterCorrSepMxNu8V(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
-                                 const int16_t* kernelX, uint32_t M, const int16_t* kernelY, uint32_t N,
-                                 uint32_t shiftX, uint32_t shiftY, uint8_t* dst, uint32_t dstStride)
-{
-    return correlateSeparably(wholePicture(Plane{src, srcStride}, srcWidth, srcHeight, M, N),
-                              weightsOf(kernelX, M, false), weightsOf(kernelY, N, false), shiftX, shiftY,
-                              Plane{dst, dstStride});
-}
-
-rvkStatus rvkFilterConvSepMxNs16V(const int16_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
-                                  const int16_t* kernelX, uint32_t M, const int16_t* kernelY, uint32_t N,
-                                  uint32_t shiftX, uint32_t shiftY, int16_t* dst, uint32_t dstStride)
-{
-    return correlateSeparably(wholePicture(Plane{src, srcStride}, srcWidth, srcHeight, M, N),
-                              weightsOf(kernelX, M, true), weightsOf(kernelY, N, true), shiftX, shiftY,
-                              Plane{dst, dstStride});
-}
-
-rvkStatus rvkFilterCorrSepNxNs16V(const int16_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
-                                  const int16_t* kernelX, const int16_t* kernelY, uint32_t N, uint32_t shiftX,
-                                  uint32_t shiftY, int16_t* dst, uint32_t dstStride)
-{
-    return correlateSquare(N, src, srcWidth, srcHeight, srcStride, kernelX, kernelY, shiftX, shiftY, dst, dstStride);
-}
-
-rvkStatus rvkFilterCorrSep9x9s16_v2V(const int16_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
-                                     const int16_t* kernelX, const int16_t* kernelY, uint32_t shiftX, uint32_t shiftY,
-                                     int16_t* dst, uint32_t dstStride)
-{
-    return correlateSquare(9, src, srcWidth, srcHeight, srcStride, kernelX, kernelY, shiftX, shiftY, dst, dstStride);
-}
-
-rvkStatus rvkFilterCorrSep11x11s16_v2V(const int16_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
-                                       const int16_t* kernelX, const int16_t* kernelY, uint32_t shiftX, uint32_t shiftY,
-                                       int16_t* dst, uint32_t dstStride)
-{
-    return correlateSquare(11, src, srcWidth, srcHeight, srcStride, kernelX, kernelY, shiftX, shiftY, dst, dstStride);
-}
-
-rvkStatus rvkFilterCorrSep13x13s16_v2V(const int16_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
-                                       const int16_t* kernelX, const int16_t* kernelY, uint32_t shiftX, uint32_t shiftY,
-                                       int16_t* dst, uint32_t dstStride)
-{
-    return correlateSquare(13, src, srcWidth, srcHeight, srcStride, kernelX, kernelY, shiftX, shiftY, dst, dstStride);
-}
-
-rvkStatus rvkFilterCorrSep15x15s16_v2V(const int16_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
-                                       const int16_t* kernelX, const int16_t* kernelY, uint32_t shiftX, uint32_t shiftY,
-                                       int16_t* dst, uint32_t dstStride)
-{
-    return correlateSquare(15, src, srcWidth, srcHeight, srcStride, kernelX, kernelY, shiftX, shiftY, dst, dstStride);
-}
-
-rvkStatus rvkFilterCorrSep17x17s16_v2V(const int16_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
-                                       const int16_t* kernelX, const int16_t* kernelY, uint32_t shiftX, uint32_t shiftY,
-                                       int16_t* dst, uint32_t dstStride)
-{
-    return correlateSquare(17, src, srcWidth, srcHeight, srcStride, kernelX, kernelY, shiftX, shiftY, dst, dstStride);
-}
 } // namespace rvk::vecta::RVK_ISA
+
+#include "forms/ravikCorrelationForms.h"

@@ -570,6 +570,7 @@ SimdGroup shortProducts()
             [](const int16_t* in, size_t i) {
                 return halfOf(roundedShift(int64_t{in[i % n]} * in[n], 1 + static_cast<uint16_t>(in[n + 1]) % 29), i);
             }),
+        BINARY(uint16_t, multiplyHighRounded(a, shiftRight(b, 1)), (uint32_t(a) * (b >> 1) + 32768) >> 16),
         BINARY(int16_t, multiplyRounded(a, max(b, splat<int16_t>(-INT16_MAX))),
                roundedShift(int64_t{a} * (b < -INT16_MAX ? -INT16_MAX : b), 15)),
     };

@@ -385,6 +385,13 @@ RVK_INLINE Vec<uint16_t> multiplyHigh(Vec<uint16_t> a, Vec<uint16_t> b)
     return join(vshrn_n_u32(reg(p[0]), 16), vshrn_n_u32(reg(p[1]), 16));
 }
 
+// (a * b + 2^15) >> 16; b is below 2^15.
+RVK_INLINE Vec<uint16_t> multiplyHighRounded(Vec<uint16_t> a, Vec<uint16_t> b)
+{
+    const Vecs<uint32_t, 2> p = multiplyWide(a, b);
+    return join(vrshrn_n_u32(reg(p[0]), 16), vrshrn_n_u32(reg(p[1]), 16));
+}
+
 // Products of neighbours, added: lane i is a[2i] * b[2i] + a[2i + 1] * b[2i + 1]; four times -32768 wraps.
 RVK_INLINE Vec<int32_t> dotPairs(Vec<int16_t> a, Vec<int16_t> b)
 {

@@ -46,23 +46,25 @@ struct Weights
 };
 
 // Bytes have unsigned sums unless there are negative weights. Sums wrap.
-template <class T, class W>
-struct SumOf;
-template <class W>
-struct SumOf<int16_t, W>
+template <class T, bool anyNegative>
+struct SumType;
+template <bool anyNegative>
+struct SumType<int16_t, anyNegative>
 {
     using Type = int32_t;
 };
-template <class W>
-requires(W::anyNegative) struct SumOf<uint8_t, W>
+template <>
+struct SumType<uint8_t, true>
 {
     using Type = int16_t;
 };
-template <class W>
-requires(!W::anyNegative) struct SumOf<uint8_t, W>
+template <>
+struct SumType<uint8_t, false>
 {
     using Type = uint16_t;
 };
+template <class T, class W>
+using SumOf = typename SumType<T, W::anyNegative>::Type;
 
 #if defined(__x86_64__)
 
@@ -98,9 +100,9 @@ RVK_INLINE Vec<T> loadOnce(const T* p)
 }
 
 template <class W, class T>
-RVK_INLINE Pairs<typename SumOf<T, W>::Type> rowSumOfPairs(const T* p)
+RVK_INLINE Pairs<SumOf<T, W>> rowSumOfPairs(const T* p)
 {
-    using Sum = typename SumOf<T, W>::Type;
+    using Sum = SumOf<T, W>;
     Pairs<Sum> sum = {};
     unrolled<W::count / 2 + 1>([&](auto j) RVK_INLINE_LAMBDA {
         const Vec<T> v = loadOnce(p + 2 * j);
@@ -124,7 +126,7 @@ RVK_INLINE Pairs<uint16_t> boxSumOfPairs(const uint8_t* p, Indices<j...>)
 // The weighted sums of the windows that start at p, p + 1, ...: as many as a vector of T has lanes. Reads no further
 // than to the end of the last window.
 template <class W, class T>
-RVK_INLINE Pairs<typename SumOf<T, W>::Type> rowSum(const T* p)
+RVK_INLINE Pairs<SumOf<T, W>> rowSum(const T* p)
 {
     if constexpr (W::allOne && sizeof(T) == 1)
         return boxSumOfPairs<W>(p, typename CountTo<W::count / 2 - 1>::Type{});
@@ -253,9 +255,9 @@ RVK_INLINE auto productsOfEnds(Half a, Half b)
 }
 
 template <class W, class T>
-RVK_INLINE Pairs<typename SumOf<T, W>::Type> rowSum(const T* p)
+RVK_INLINE Pairs<SumOf<T, W>> rowSum(const T* p)
 {
-    using Sum = typename SumOf<T, W>::Type;
+    using Sum = SumOf<T, W>;
     constexpr size_t end = W::count - 1;
     const Vec<T> first = load(p), last = load(p + end);
     auto low = productsOfEnds<W::at(0), W::at(end)>(lowHalf(first), lowHalf(last));

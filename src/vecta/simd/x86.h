@@ -578,6 +578,12 @@ RVK_INLINE Vec<uint8_t> multiplyRounded(Vec<uint8_t> a, Vec<uint8_t> b)
     return bitCast<uint8_t>((odd & high) | even);
 }
 
+// (a * b + 2^15) >> 16; b is below 2^15.
+RVK_INLINE Vec<uint16_t> multiplyHighRounded(Vec<uint16_t> a, Vec<uint16_t> b)
+{
+    return average(multiplyHigh(a, b + b), zero<uint16_t>());
+}
+
 // (v + 2^(count - 1)) >> count, without overflow but of int32_t; the count is at least 1.
 RVK_INLINE Vec<uint16_t> shiftRightRounded(Vec<uint16_t> v, unsigned count)
 {
