@@ -24,11 +24,13 @@ struct Ring
 
 // ---- gradient ------------------------------------------------------------------------------------------------------
 
+using Step = Vecs<int16_t, 2>; // a number for each pixel of a step
+
 // The derivatives of a step of pixels, each in order.
 struct Derivative
 {
-    Vecs<int16_t, 2> exact;  // saturated
-    Vecs<int16_t, 2> scaled; // for the detection
+    Step exact;  // saturated
+    Step scaled; // for the detection
 };
 
 // The weighted sums of a step of row sums, which are in the order of Pairs, down a column. Those of 3 and 5 rows fit 16
@@ -37,10 +39,10 @@ template <class W, size_t count>
 RVK_INLINE Derivative columnSum(const int16_t* const (&rows)[count], size_t x)
 {
     static_assert(W::at(count - 1) == 1);
-    Vecs<int16_t, 2> sum = loadVecs<2>(rows[count - 1] + x);
+    Step sum = loadVecs<2>(rows[count - 1] + x);
     unrolled<count - 1>([&](auto k) RVK_INLINE_LAMBDA {
         if constexpr (W::at(k) != 0) {
-            const Vecs<int16_t, 2> v = loadVecs<2>(rows[k] + x);
+            const Step v = loadVecs<2>(rows[k] + x);
             if constexpr (W::at(k) == -1)
                 sum = sum - v;
             else
@@ -55,20 +57,12 @@ RVK_INLINE Derivative columnSum(const int16_t* const (&rows)[count], size_t x)
 template <int w0, int w1, int w2, int w3>
 RVK_INLINE Vecs<int32_t, 2> weightedSum(Vec<int16_t> v0, Vec<int16_t> v1, Vec<int16_t> v2, Vec<int16_t> v3)
 {
-#if defined(__x86_64__)
-    const Vecs<int16_t, 2> a = zipInLanes(v0, v1), b = zipInLanes(v2, v3);
-    return {weightedPairs<int32_t, w0, w1>(a[0]) + weightedPairs<int32_t, w2, w3>(b[0]),
-            weightedPairs<int32_t, w0, w1>(a[1]) + weightedPairs<int32_t, w2, w3>(b[1])};
-#else
-    const auto sum = [](int16x4_t a, int16x4_t b, int16x4_t c, int16x4_t d) RVK_INLINE_LAMBDA {
-        int32x4_t r = vmlal_n_s16(vmlal_n_s16(vmull_n_s16(b, w1), c, w2), d, w3);
-        if constexpr (w0 != 0)
-            r = vmlal_n_s16(r, a, w0);
-        return vec(r);
-    };
-    return {sum(lowHalf(v0), lowHalf(v1), lowHalf(v2), lowHalf(v3)),
-            sum(highHalf(v0), highHalf(v1), highHalf(v2), highHalf(v3))};
-#endif
+    const auto weight = [](int w) RVK_INLINE_LAMBDA { return splat(static_cast<int16_t>(w)); };
+    const Vecs<int32_t, 2> outer = dotInLanes({v2, v3}, {weight(w2), weight(w3)});
+    if constexpr (w0 == 0)
+        return outer + multiplyWideInLanes(v1, weight(w1));
+    else
+        return addDotInLanes(outer, {v0, v1}, {weight(w0), weight(w1)});
 }
 
 // v / 16, rounded to the nearest, halves to the even one: 7 or 8 sixteenths more, rounded down.
@@ -97,6 +91,8 @@ RVK_INLINE Derivative columnSum(const int16_t* const (&rows)[7], size_t x)
     return {orderPairs(exact), orderPairs(scaled)};
 }
 
+// Rows are counted from the first one of the first window on, which is `radius` rows above the picture: those outside
+// are like the nearest one inside.
 template <int radius>
 struct Gradient
 {
@@ -105,14 +101,14 @@ struct Gradient
     using Smoothing = typename SobelWeights<count>::Smoothing;
     using Difference = typename SobelWeights<count>::Difference;
 
-    size_t width, height;
+    size_t width;
     uint8_t* line; // a row of the picture, continued by its ends
     Ring<int16_t, count> smoothed, differences;
 
     // Elements of `line`.
     static RVK_INLINE size_t lineSize(size_t pitch) { return pitch + count - 1; }
 
-    // The sums along row y of the picture.
+    // The sums along row y.
     RVK_INLINE void takeRow(size_t y, const uint8_t* row) const
     {
         __builtin_memset(line, row[0], radius);
@@ -121,61 +117,52 @@ struct Gradient
         int16_t *smooth = smoothed.row(y), *difference = differences.row(y);
         for (size_t x = 0; x < width; x += kBytes) {
             const Pairs<uint16_t> sums = rowSum<Smoothing>(line + x);
-            store(smooth + x, Vecs<int16_t, 2>{bitCast<int16_t>(sums[0]), bitCast<int16_t>(sums[1])});
+            store(smooth + x, Step{bitCast<int16_t>(sums[0]), bitCast<int16_t>(sums[1])});
             store(difference + x, rowSum<Difference>(line + x));
         }
     }
 
-    // The gradient of row y, once all rows of its windows have been taken: for the detection and, where that is scaled,
-    // as it is.
-    RVK_INLINE void computeRow(size_t y, int16_t* dx, int16_t* dy, int16_t* exactDx, int16_t* exactDy) const
+    // put(x, dx, dy) for each step of the windows that begin in row y, once all their rows have been taken.
+    template <class Put>
+    RVK_INLINE void compute(size_t y, Put put) const
     {
         const int16_t *smooth[count], *difference[count];
         for (size_t k = 0; k < count; ++k) {
-            const size_t source = nearest(y + k, radius, height);
-            smooth[k] = smoothed.row(source);
-            difference[k] = differences.row(source);
+            smooth[k] = smoothed.row(y + k);
+            difference[k] = differences.row(y + k);
         }
-        for (size_t x = 0; x < width; x += kBytes) {
-            const Derivative h = columnSum<Smoothing>(difference, x), v = columnSum<Difference>(smooth, x);
-            store(dx + x, h.scaled);
-            store(dy + x, v.scaled);
-            if constexpr (isScaled) {
-                store(exactDx + x, h.exact);
-                store(exactDy + x, v.exact);
-            }
-        }
+        for (size_t x = 0; x < width; x += kBytes)
+            put(x, columnSum<Smoothing>(difference, x), columnSum<Difference>(smooth, x));
     }
 };
 
 // ---- magnitude and thinning, in 16 bits where magnitudes fit, otherwise in 32 --------------------------------------
 
+// |dx| + |dy|, which fits 16 bits, or dx^2 + dy^2.
+RVK_INLINE void storeMagnitudes(int16_t* magnitudes, const Step& dx, const Step& dy)
+{
+    store(magnitudes, Step{abs(dx[0]) + abs(dy[0]), abs(dx[1]) + abs(dy[1])});
+}
+RVK_INLINE void storeMagnitudes(int32_t* magnitudes, const Step& dx, const Step& dy)
+{
+    unrolled<2>([&](auto i) RVK_INLINE_LAMBDA {
+        const Vecs<int16_t, 2> gradient = {dx[i], dy[i]};
+        store(magnitudes + i * Vec<int16_t>::lanes, dot(gradient, gradient));
+    });
+}
+
+// Where gradients point, to the nearest of four axes: along the row unless `steep`, along the column where `upright`,
+// otherwise along the diagonal that goes up to the right where `rising`.
 template <class M>
-RVK_INLINE Vec<M> loadGradient(const int16_t* p)
+struct Directions
 {
-    if constexpr (sizeof(M) == 2)
-        return load(p);
-    else
-        return loadWiden<M>(p);
-}
+    Mask<M> steep, upright, rising;
+};
 
-template <class M, bool squared>
-RVK_INLINE void computeMagnitudes(size_t width, const int16_t* dx, const int16_t* dy, M* magnitudes)
+RVK_INLINE Directions<int16_t> directionsOf(Vec<int16_t> dx, Vec<int16_t> dy)
 {
-    for (size_t i = 0; i < width; i += Vec<M>::lanes) {
-        const Vec<M> x = abs(loadGradient<M>(dx + i)), y = abs(loadGradient<M>(dy + i));
-        store(magnitudes + i, squared ? x * x + y * y : x + y);
-    }
-}
-
-// v * kTan22 / 2^15, rounded down.
-RVK_INLINE Vec<int16_t> timesTan22(Vec<int16_t> v)
-{
-    return multiplyHigh(v, splat<int16_t>(2 * kTan22));
-}
-RVK_INLINE Vec<int32_t> timesTan22(Vec<int32_t> v)
-{
-    return shiftRight(v * splat<int32_t>(kTan22), 15);
+    const Vec<int16_t> x = abs(dx), y = abs(dy), flat = multiplyQ15<kTan22>(x);
+    return {greater(y, flat), greater(y, flat + x + x), less(dx ^ dy, zero<int16_t>())};
 }
 
 // The magnitudes at one column of three rows.
@@ -183,34 +170,56 @@ template <class M>
 struct Column
 {
     const M *above, *here, *below;
+
+    RVK_INLINE Column operator+(size_t x) const { return {above + x, here + x, below + x}; }
 };
 
-// Below 0 in the lanes of candidates, below -1 in those of edges.
 template <class M>
-RVK_INLINE Vec<M> ridges(Column<M> at, Vec<M> dx, Vec<M> dy, Vec<M> low, Vec<M> high)
+struct Thresholds
 {
-    const Vec<M> x = abs(dx), y = abs(dy), flat = timesTan22(x);
-    const Mask<M> horizontal = ~greater(y, flat), vertical = greater(y, flat + x + x);
-    const Mask<M> rising = less(dx ^ dy, zero<M>());
-    const Vec<M> before =
-        select(horizontal, load(at.here - 1),
-               select(vertical, load(at.above), select(rising, load(at.above + 1), load(at.above - 1))));
-    const Vec<M> after =
-        select(horizontal, load(at.here + 1),
-               select(vertical, load(at.below), select(rising, load(at.below - 1), load(at.below + 1))));
+    Vec<M> low, high;
+};
+
+// Ridges above the lower and above the higher threshold. A ridge is above both of its neighbours in the direction of the
+// gradient, of which the one after it may be as high unless they are diagonal. (They are no struct of two masks: g++ moves
+// those through memory.)
+template <class M>
+RVK_INLINE void findRidges(Column<M> at, const Directions<M>& directions, const Thresholds<M>& thresholds,
+                           Mask<M>& candidates, Mask<M>& edges)
+{
+    const auto choose = [&](const M* along, const M* upright, Vec<M> diagonal) RVK_INLINE_LAMBDA {
+        return select(directions.steep, select(directions.upright, load(upright), diagonal), load(along));
+    };
+    const auto diagonal = [&](const M* rising, const M* falling)
+                              RVK_INLINE_LAMBDA { return select(directions.rising, load(rising), load(falling)); };
+    const Vec<M> before = choose(at.here - 1, at.above, diagonal(at.above + 1, at.above - 1));
+    const Vec<M> after = choose(at.here + 1, at.below, diagonal(at.below - 1, at.below + 1) + splat<M>(1));
     const Vec<M> m = load(at.here);
-    const Mask<M> largest = greater(m, before) & (greater(m, after) | (equal(m, after) & (horizontal | vertical)));
-    return toVec(largest & greater(m, low)) + toVec(largest & greater(m, high));
+    candidates = greater(m, max(before, thresholds.low)) & ~greater(after, m);
+    edges = candidates & greater(m, thresholds.high);
 }
 
-RVK_INLINE Vec<int8_t> toBytes(const Vecs<int16_t, 2>& v)
+RVK_INLINE void findRidges(Column<int32_t> at, const Directions<int16_t>& directions,
+                           const Thresholds<int32_t>& thresholds, Mask<int16_t>& candidates, Mask<int16_t>& edges)
 {
-    return narrowSat<int8_t>(v);
+    const Masks<int32_t, 2> steep = widen(directions.steep), upright = widen(directions.upright);
+    const Masks<int32_t, 2> rising = widen(directions.rising);
+    Mask<int32_t> halfCandidates[2], halfEdges[2];
+    unrolled<2>([&](auto i) RVK_INLINE_LAMBDA {
+        findRidges(at + i * Vec<int32_t>::lanes, Directions<int32_t>{steep[i], upright[i], rising[i]}, thresholds,
+                   halfCandidates[i], halfEdges[i]);
+    });
+    candidates = narrow(halfCandidates[0], halfCandidates[1]);
+    edges = narrow(halfEdges[0], halfEdges[1]);
 }
-RVK_INLINE Vec<int8_t> toBytes(const Vecs<int32_t, 4>& v)
+
+// In each lane of `count` vectors.
+template <size_t count, class M>
+RVK_INLINE Vec<M> largest(const M* p)
 {
-    return toBytes(Vecs<int16_t, 2>{narrowSat<int16_t>(Vecs<int32_t, 2>{v[0], v[1]}),
-                                    narrowSat<int16_t>(Vecs<int32_t, 2>{v[2], v[3]})});
+    Vec<M> most = load(p);
+    unrolled<count - 1>([&](auto i) RVK_INLINE_LAMBDA { most = max(most, load(p + (i + 1) * Vec<M>::lanes)); });
+    return most;
 }
 
 // Bit i of a row of bits is pixel i.
@@ -220,21 +229,22 @@ RVK_INLINE void storeBits(uint8_t* bits, Mask<int8_t> mask)
     __builtin_memcpy(bits, &lanes, kBytes / 8);
 }
 
+// Leaves the bits of steps of pixels alone that have no magnitude above the lower threshold.
 template <class M>
-RVK_INLINE void thinRow(size_t width, Column<M> at, const int16_t* dx, const int16_t* dy, CannyThresholds thresholds,
+RVK_INLINE void thinRow(size_t width, Column<M> at, const int16_t* dx, const int16_t* dy, CannyThresholds limits,
                         uint8_t* candidates, uint8_t* edges)
 {
-    const Vec<M> low = splat(static_cast<M>(thresholds.low)), high = splat(static_cast<M>(thresholds.high));
+    const Thresholds<M> thresholds = {splat(static_cast<M>(limits.low)), splat(static_cast<M>(limits.high))};
     for (size_t x = 0; x < width; x += kBytes) {
-        Vecs<M, sizeof(M)> levels;
-        unrolled<sizeof(M)>([&](auto i) RVK_INLINE_LAMBDA {
-            const size_t j = x + i * Vec<M>::lanes;
-            levels[i] = ridges(Column<M>{at.above + j, at.here + j, at.below + j}, loadGradient<M>(dx + j),
-                               loadGradient<M>(dy + j), low, high);
+        if (!any(greater(largest<sizeof(M)>(at.here + x), thresholds.low)))
+            continue;
+        Mask<int16_t> someCandidates[2], someEdges[2];
+        unrolled<2>([&](auto i) RVK_INLINE_LAMBDA {
+            const size_t j = x + i * Vec<int16_t>::lanes;
+            findRidges(at + j, directionsOf(load(dx + j), load(dy + j)), thresholds, someCandidates[i], someEdges[i]);
         });
-        const Vec<int8_t> bytes = toBytes(levels);
-        storeBits(candidates + x / 8, less(bytes, zero<int8_t>()));
-        storeBits(edges + x / 8, less(bytes, splat<int8_t>(-1)));
+        storeBits(candidates + x / 8, narrow(someCandidates[0], someCandidates[1]));
+        storeBits(edges + x / 8, narrow(someEdges[0], someEdges[1]));
     }
 }
 
@@ -255,7 +265,18 @@ struct EdgeMap
     size_t waitingCount = 0;
 
     static RVK_INLINE size_t pitchOf(size_t width) { return roundedUp(width, kWordBits) / kWordBits + 1; }
-    static RVK_INLINE size_t wordsOf(size_t width, size_t height) { return pitchOf(width) * (height + 2) + 1; }
+    static RVK_INLINE uint64_t wordsOf(size_t width, size_t height)
+    {
+        return uint64_t{pitchOf(width)} * (uint64_t{height} + 2) + 1;
+    }
+
+    // On memory for three maps and a list of so many words.
+    RVK_INLINE EdgeMap(size_t width, size_t height, Word* maps, uint32_t* list)
+        : words(static_cast<size_t>(wordsOf(width, height))), pitch(pitchOf(width)), candidates(maps),
+          edges(maps + words), followed(edges + words), waiting(list)
+    {
+        __builtin_memset(maps, 0, 3 * words * sizeof(Word));
+    }
 
     RVK_INLINE uint8_t* row(Word* bits, size_t y) const
     {
@@ -331,15 +352,15 @@ RVK_INLINE void expandBits(size_t width, const uint8_t* bits, uint8_t* dst)
 
 // ---- the detector --------------------------------------------------------------------------------------------------
 
-// dx and dy may have no data: then nobody wants them.
-template <int radius, class M, bool squared>
-rvkStatus detect(size_t width, size_t height, Plane<const uint8_t> src, CannyThresholds thresholds, Plane<uint8_t> dst,
-                 Plane<int16_t> dx, Plane<int16_t> dy)
+// M holds magnitudes: 16 bits their sums, 32 bits those of squares. dx and dy may have no data: then nobody wants them.
+template <int radius, class M>
+RVK_NOINLINE rvkStatus detect(size_t width, size_t height, Plane<const uint8_t> src, CannyThresholds thresholds,
+                              Plane<uint8_t> dst, Plane<int16_t> dx, Plane<int16_t> dy)
 {
     using Gradients = Gradient<radius>;
     const size_t pitch = roundedUp(width, kBytes);
     const size_t magnitudePitch = pitch + 2 * kBytes; // with a vector of zeros at each end
-    const size_t words = EdgeMap::wordsOf(width, height);
+    const uint64_t words = EdgeMap::wordsOf(width, height);
     const Scratch<uint8_t> line(Gradients::lineSize(pitch));
     const Scratch<int16_t> sums(2 * Gradients::count, pitch), gradients(6, pitch);
     const Scratch<M> magnitudes(3, magnitudePitch);
@@ -349,27 +370,34 @@ rvkStatus detect(size_t width, size_t height, Plane<const uint8_t> src, CannyThr
         return RAVIK_ENORES;
     __builtin_memset(line.get(), 0, Gradients::lineSize(pitch));
     __builtin_memset(magnitudes.get(), 0, 3 * magnitudePitch * sizeof(M));
-    __builtin_memset(bits.get(), 0, 3 * words * sizeof(Word));
 
-    const Gradients gradient = {
-        width, height, line.get(), {sums.get(), pitch}, {sums.get() + Gradients::count * pitch, pitch}};
+    const Gradients gradient = {width, line.get(), {sums.get(), pitch}, {sums.get() + Gradients::count * pitch, pitch}};
     const Ring<int16_t, 2> dxRows = {gradients.get(), pitch}, dyRows = {gradients.get() + 2 * pitch, pitch};
     int16_t *const exactDx = gradients.get() + 4 * pitch, *const exactDy = exactDx + pitch; // where they are scaled
     const Ring<M, 3> magnitudeRows = {magnitudes.get() + kBytes, magnitudePitch};
-    EdgeMap map = {words,        EdgeMap::pitchOf(width), bits.get(), bits.get() + words, bits.get() + 2 * words,
-                   waiting.get()};
+    EdgeMap map(width, height, bits.get(), waiting.get());
 
-    for (size_t y = 0, taken = 0; y <= height; ++y) {
+    const auto takeRow = [&](size_t y) RVK_INLINE_LAMBDA { gradient.takeRow(y, src.row(nearest(y, radius, height))); };
+    for (size_t y = 0; y < 2 * radius; ++y)
+        takeRow(y);
+    for (size_t y = 0; y <= height; ++y) {
         M* const current = magnitudeRows.row(y);
         if (y < height) {
-            for (; taken < height && taken <= y + radius; ++taken)
-                gradient.takeRow(taken, src.row(taken));
-            gradient.computeRow(y, dxRows.row(y), dyRows.row(y), exactDx, exactDy);
-            computeMagnitudes<M, squared>(width, dxRows.row(y), dyRows.row(y), current);
+            takeRow(y + 2 * radius);
+            int16_t *const currentDx = dxRows.row(y), *const currentDy = dyRows.row(y);
+            gradient.compute(y, [=](size_t x, const Derivative& h, const Derivative& v) RVK_INLINE_LAMBDA {
+                store(currentDx + x, h.scaled);
+                store(currentDy + x, v.scaled);
+                if constexpr (Gradients::isScaled) {
+                    store(exactDx + x, h.exact);
+                    store(exactDy + x, v.exact);
+                }
+                storeMagnitudes(current + x, h.scaled, v.scaled);
+            });
             __builtin_memset(current + width, 0, (pitch - width) * sizeof(M));
             if (dx.data) {
-                __builtin_memcpy(dx.row(y), Gradients::isScaled ? exactDx : dxRows.row(y), width * sizeof(int16_t));
-                __builtin_memcpy(dy.row(y), Gradients::isScaled ? exactDy : dyRows.row(y), width * sizeof(int16_t));
+                __builtin_memcpy(dx.row(y), Gradients::isScaled ? exactDx : currentDx, width * sizeof(int16_t));
+                __builtin_memcpy(dy.row(y), Gradients::isScaled ? exactDy : currentDy, width * sizeof(int16_t));
             }
         } else {
             __builtin_memset(current, 0, width * sizeof(M));
@@ -389,8 +417,8 @@ rvkStatus detect(size_t width, size_t height, Plane<const uint8_t> src, CannyThr
 rvkStatus rvkFilterCanny3x3u8_v3V(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
                                   uint8_t* dst, uint32_t dstStride, int32_t lowThreshold, int32_t highThreshold)
 {
-    return detect<1, int16_t, false>(srcWidth, srcHeight, {src, srcStride},
-                                     cannyThresholds(lowThreshold, highThreshold, 3, false), {dst, dstStride}, {}, {});
+    return detect<1, int16_t>(srcWidth, srcHeight, {src, srcStride},
+                              cannyThresholds(lowThreshold, highThreshold, 3, false), {dst, dstStride}, {}, {});
 }
 
 rvkStatus rvkFilterCannyu8V(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
@@ -405,11 +433,11 @@ rvkStatus rvkFilterCannyu8V(const uint8_t* src, uint32_t srcWidth, uint32_t srcH
     };
     switch (apertureSize) {
     case 3:
-        return squared ? run(detect<1, int32_t, true>) : run(detect<1, int16_t, false>);
+        return squared ? run(detect<1, int32_t>) : run(detect<1, int16_t>);
     case 5:
-        return squared ? run(detect<2, int32_t, true>) : run(detect<2, int16_t, false>);
+        return squared ? run(detect<2, int32_t>) : run(detect<2, int16_t>);
     case 7:
-        return squared ? run(detect<3, int32_t, true>) : run(detect<3, int16_t, false>);
+        return squared ? run(detect<3, int32_t>) : run(detect<3, int16_t>);
     default:
         return RAVIK_EBADPARAM;
     }

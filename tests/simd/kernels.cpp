@@ -332,6 +332,18 @@ SimdGroup single()
                 const int16_t *a = in + 2 * i, *b = a + kLanes<int16_t>;
                 return static_cast<uint32_t>(a[0] * b[0]) + static_cast<uint32_t>(a[1] * b[1]);
             }),
+        mapping<int16_t, int32_t, 4 * kLanes<int16_t>, kLanes<int16_t>>(
+            "dot",
+            [](const int16_t* in, int32_t* out) {
+                constexpr size_t n = kLanes<int16_t>;
+                store(out, dot({load(in), load(in + 2 * n)}, {load(in + n), load(in + 3 * n)}));
+            },
+            [](const int16_t* in, size_t i) {
+                constexpr size_t n = kLanes<int16_t>;
+                return static_cast<uint32_t>(in[i] * in[n + i]) + static_cast<uint32_t>(in[2 * n + i] * in[3 * n + i]);
+            }),
+        UNARY(int16_t, multiplyQ15<13573>(a), a * 13573 >> 15),
+        UNARY(int16_t, multiplyQ15<-16383>(a), a * -16383 >> 15),
 
         UNARY(uint8_t, countBits(a), __builtin_popcount(a)),
         mapping<uint32_t, uint32_t, 2, 1>(
@@ -438,6 +450,31 @@ SimdGroup wideProducts()
             "multiplyWide", [](const T* in, W* out) { store(out, multiplyWide(load(in), load(in + n))); },
             [](const T* in, size_t i) { return wrapping(in[i]) * wrapping(in[n + i]); }),
         BINARY(T, narrowInLanes(shiftedBy5(multiplyWideInLanes(a, b))), static_cast<W>(wrapping(a) * wrapping(b)) >> 5),
+    };
+    return group(list);
+}
+
+// Masks twice and half as wide.
+template <class T>
+SimdGroup wideAndNarrowMasks()
+{
+    constexpr size_t n = kLanes<T>;
+    using W = Wider<T>;
+    static constexpr SimdOperation list[] = {
+        mapping<T, W, 2 * n, n>(
+            "widen mask",
+            [](const T* in, W* out) {
+                const Masks<W, 2> wide = widen(less(load(in), load(in + n)));
+                store(out, Vecs<W, 2>{toVec(wide[0]), toVec(wide[1])});
+            },
+            [](const T* in, size_t i) { return in[i] < in[n + i] ? -1 : 0; }),
+        mapping<W, T, 2 * n, n>(
+            "narrow masks",
+            [](const W* in, T* out) {
+                const auto isLess = [in](size_t i) { return less(load(in + i), load(in + n + i)); };
+                store(out, toVec(narrow(isLess(0), isLess(kLanes<W>))));
+            },
+            [](const W* in, size_t i) { return in[i] < in[n + i] ? -1 : 0; }),
     };
     return group(list);
 }
@@ -904,6 +941,8 @@ SimdGroup (*const kGroups[])() = {
     wideProducts<int8_t>,
     wideProducts<uint16_t>,
     wideProducts<int16_t>,
+    wideAndNarrowMasks<int8_t>,
+    wideAndNarrowMasks<int16_t>,
     narrowing<uint16_t>,
     narrowing<int16_t>,
     narrowing<uint32_t>,

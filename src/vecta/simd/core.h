@@ -428,6 +428,15 @@ RVK_INLINE Vecs<T, 2> zip(Vec<T> a, Vec<T> b)
 
 // ---- comparison and selection ---------------------------------------------------------------------------------------
 
+template <class T> struct Mask;
+
+// Masks that belong together, as those of a wider copy of one vector do.
+template <class T, size_t count>
+struct Masks {
+    Mask<T> m[count];
+    RVK_INLINE const Mask<T>& operator[](size_t i) const { return m[i]; }
+};
+
 #if !defined(__AVX512BW__)
 // The result of a comparison: a truth value per lane. Masks combine with & | ^ ~.
 template <class T>

@@ -412,12 +412,14 @@ RVK_INLINE Vecs<int32_t, 2> addDotInLanes(Vecs<int32_t, 2> acc, const Vecs<int16
     });
     return acc;
 }
-RVK_INLINE Vecs<int32_t, 2> dotInLanes(const Vecs<int16_t, 2>& a, const Vecs<int16_t, 2>& b)
+RVK_INLINE Vecs<int32_t, 2> dot(const Vecs<int16_t, 2>& a, const Vecs<int16_t, 2>& b)
 {
     const Vecs<int32_t, 2> p = multiplyWide(a[0], b[0]);
     return {vec(vmlal_s16(reg(p[0]), lowHalf(a[1]), lowHalf(b[1]))),
             vec(vmlal_s16(reg(p[1]), highHalf(a[1]), highHalf(b[1])))};
 }
+
+RVK_INLINE Vecs<int32_t, 2> dotInLanes(const Vecs<int16_t, 2>& a, const Vecs<int16_t, 2>& b) { return dot(a, b); }
 
 // acc + v[0] + v[1], element by element, of elements that are not negative.
 RVK_INLINE Vecs<int32_t, 2> addBothInLanes(const Vecs<int32_t, 2>& acc, const Vecs<int16_t, 2>& v)
@@ -426,6 +428,14 @@ RVK_INLINE Vecs<int32_t, 2> addBothInLanes(const Vecs<int32_t, 2>& acc, const Ve
     const Vecs<uint32_t, 2> a = bitCast<uint32_t>(acc);
     return bitCast<int32_t>(Vecs<uint32_t, 2>{vec(vaddw_u16(reg(a[0]), lowHalf(sum))),
                                               vec(vaddw_u16(reg(a[1]), highHalf(sum)))});
+}
+
+// v * factor / 2^15, rounded down; the factor is below 2^14 without its sign.
+template <int16_t factor>
+RVK_INLINE Vec<int16_t> multiplyQ15(Vec<int16_t> v)
+{
+    static_assert(-(1 << 14) < factor && factor < 1 << 14);
+    return vec(vqdmulhq_n_s16(reg(v), factor));
 }
 
 // ---- rounding -------------------------------------------------------------------------------------------------------

@@ -34,16 +34,19 @@
 // Comparison  equal, greater, less -> Mask<T>, false for not-a-numbers; masks combine by & | ^ ~
 //             select(mask, a, b): a where true, else b; toVec(mask): all bits of true lanes set; any, all(mask);
 //             firstTrue(mask): the number of the first true lane, of which there must be one
+//             widen(mask) -> Masks<Wider, 2>, narrow(low mask, high mask): of signed elements
 //             laneBits(mask): u8, bit i is lane i, in an integer of at least as many bits
 // Width       widen(v) -> Vecs<Wider, 2>; narrow(vs): drops the upper halves of the elements; narrowSat<To>(vs): s16 to
 //             u8 or s8, u16 to u8, s32 to s16 or u16, u32 to u16
 //             addWide, subtractWide(a, b) -> Vecs<Wider, 2>: exact, 8 and 16 bits; differences have a sign
 //             multiplyWide(a, b) -> Vecs<Wider, 2>: 8 and 16 bits; multiplyHigh: the upper halves of products, 16 bits
 //             dotPairs(a, b): s16 -> s32, a[2i] * b[2i] + a[2i + 1] * b[2i + 1]
+//             dot(a, b): two vectors of s16 each -> s32, a[0] * b[0] + a[1] * b[1], element by element
+//             multiplyQ15<factor>(v): s16, v * factor / 2^15, rounded down
 //             both(vs, f), both(vs, ws, f): f on both halves
 //  ..InLanes  widenInLanes, narrowInLanes, narrowSatInLanes<To>, multiplyWideInLanes, zipInLanes: the same, with the
 //             lanes of the wide vectors in the order that is cheapest. What one takes apart, another puts together
-//             dotInLanes(a, b): two vectors of s16 each -> s32, a[0] * b[0] + a[1] * b[1]; addDotInLanes(acc, a, b)
+//             dotInLanes(a, b): as dot; addDotInLanes(acc, a, b)
 //             addBothInLanes(acc, vs): s32 + s16, acc + vs[0] + vs[1] of elements that are not negative
 // Lanes       reverse(v); extract<n>(a, b): lanes n, n + 1, ... of a followed by b; zipLow, zipHigh, zip(a, b):
 //             a0 b0 a1 b1 ...; unzipEven, unzipOdd(a, b): every second lane of a followed by b
@@ -85,6 +88,26 @@ RVK_INLINE Vec<float> absDiff(Vec<float> a, Vec<float> b) { return abs(a - b); }
 
 // The wrapped difference without its sign.
 RVK_INLINE Vec<int32_t> absDiff(Vec<int32_t> a, Vec<int32_t> b) { return abs(a - b); }
+
+// Masks of elements twice and half as wide; the narrow one has the lanes of `low` followed by those of `high`.
+#if !defined(__AVX512BW__) // x86.h has them in mask registers
+template <class T>
+    requires(isSigned<T>)
+RVK_INLINE Masks<Wider<T>, 2> widen(Mask<T> m)
+{
+    using U = Unsigned<Wider<T>>;
+    const Vecs<Wider<T>, 2> wide = widen(toVec(m));
+    return {{{bitCast<U>(wide[0])}, {bitCast<U>(wide[1])}}};
+}
+
+template <class T>
+    requires(isSigned<T>)
+RVK_INLINE Mask<Narrower<T>> narrow(Mask<T> low, Mask<T> high)
+{
+    using N = Narrower<T>;
+    return {bitCast<Unsigned<N>>(narrowSat<N>(Vecs<T, 2>{toVec(low), toVec(high)}))};
+}
+#endif
 
 #if defined(__x86_64__)
 // The exact difference without its sign; it wraps where the element is too narrow for it.

@@ -297,6 +297,23 @@ template <class T> RVK_INLINE bool all(Mask<T> m) { return static_cast<typename 
 template <class T> RVK_INLINE size_t firstTrue(Mask<T> m) { return static_cast<size_t>(__builtin_ctzll(m.bits)); }
 RVK_INLINE uint64_t laneBits(Mask<uint8_t> m) { return m.bits; }
 
+// Masks of elements twice and half as wide; the narrow one has the lanes of `low` followed by those of `high`.
+template <class T>
+    requires(isSigned<T>)
+RVK_INLINE Masks<Wider<T>, 2> widen(Mask<T> m)
+{
+    using Bits = typename Mask<Wider<T>>::Bits;
+    return {{{static_cast<Bits>(m.bits)}, {static_cast<Bits>(m.bits >> Vec<Wider<T>>::lanes)}}};
+}
+
+template <class T>
+    requires(isSigned<T>)
+RVK_INLINE Mask<Narrower<T>> narrow(Mask<T> low, Mask<T> high)
+{
+    using Bits = typename Mask<Narrower<T>>::Bits;
+    return {static_cast<Bits>(static_cast<Bits>(high.bits) << Vec<T>::lanes | low.bits)};
+}
+
 #else
 
 template <class T>
@@ -540,6 +557,10 @@ template <class T> RVK_INLINE Vecs<Signed<Wider<T>>, 2> subtractWide(Vec<T> a, V
 }
 
 // a[0] * b[0] + a[1] * b[1], element by element, and that added to acc; sums wrap.
+RVK_INLINE Vecs<int32_t, 2> dot(const Vecs<int16_t, 2>& a, const Vecs<int16_t, 2>& b)
+{
+    return both(zip(a[0], a[1]), zip(b[0], b[1]), [](auto x, auto y) RVK_INLINE_LAMBDA { return dotPairs(x, y); });
+}
 RVK_INLINE Vecs<int32_t, 2> dotInLanes(const Vecs<int16_t, 2>& a, const Vecs<int16_t, 2>& b)
 {
     return both(zipInLanes(a[0], a[1]), zipInLanes(b[0], b[1]),
@@ -556,6 +577,14 @@ RVK_INLINE Vecs<int32_t, 2> addBothInLanes(const Vecs<int32_t, 2>& acc, const Ve
 {
     const Vec<int16_t> one = splat<int16_t>(1);
     return addDotInLanes(acc, v, {one, one});
+}
+
+// v * factor / 2^15, rounded down; the factor is below 2^14 without its sign.
+template <int16_t factor>
+RVK_INLINE Vec<int16_t> multiplyQ15(Vec<int16_t> v)
+{
+    static_assert(-(1 << 14) < factor && factor < 1 << 14);
+    return multiplyHigh(v, splat<int16_t>(2 * factor));
 }
 
 // ---- rounding -------------------------------------------------------------------------------------------------------
