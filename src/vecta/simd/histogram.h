@@ -36,69 +36,105 @@ RVK_INLINE void count(const uint8_t* p, size_t n, uint32_t (&tables)[kTables][25
 
 // ---- in pairs ---------------------------------------------------------------------------------------------------
 
-// A counter for each pair of bytes: half as many counters have to be loaded and stored. Neighbours are alike, so the
-// counters that a picture needs are few, and the first-level cache holds them.
+// A counter for each pair of bytes: half as many counters have to be loaded and stored, which is what counting waits for.
+// They are bytes, so that the first-level cache holds most of them whatever the picture is; what they cannot hold they
+// carry to the histogram.
 class PairCounts
 {
 public:
     static constexpr size_t counters = 65536;
 
-    RVK_INLINE explicit PairCounts(uint16_t* zeroed) : m_counts(zeroed) {}
+    // The memory for the counters, and a histogram of zeros.
+    RVK_INLINE PairCounts(uint8_t* memory, uint32_t (&histogram)[256]) : m_left(memory), m_histogram(histogram)
+    {
+        __builtin_memset(m_left, kMost, counters);
+    }
 
     // 2 n bytes.
-    RVK_INLINE void count(const uint8_t* p, size_t n, uint32_t (&histogram)[256])
-    {
-        while (n > 0) {
-            if (m_room == 0)
-                moveTo(histogram);
-            const size_t part = least(n, m_room);
-            countSome(p, part);
-            p += 2 * part;
-            n -= part;
-            m_room -= part;
-        }
-    }
-
-    // Each pair is in a row by one of its bytes and in a column by the other. All sums fit 16 bits as the counters do.
-    RVK_INLINE void moveTo(uint32_t (&histogram)[256])
-    {
-        constexpr size_t lanes = Vec<uint16_t>::lanes, together = 4;
-        Vec<uint16_t> rows[256] = {};
-        for (size_t column = 0; column < 256; column += together * lanes) {
-            Vecs<uint16_t, together> columns = {};
-            for (size_t row = 0; row < 256; ++row)
-                unrolled<together>([&](auto k) RVK_INLINE_LAMBDA {
-                    const Vec<uint16_t> counts = load(m_counts + row * 256 + column + k * lanes);
-                    columns[k] = columns[k] + counts;
-                    rows[row] = rows[row] + counts;
-                });
-            uint16_t sums[together * lanes];
-            store(sums, columns);
-            for (size_t i = 0; i < together * lanes; ++i)
-                histogram[column + i] += sums[i];
-        }
-        for (size_t row = 0; row < 256; ++row)
-            histogram[row] += static_cast<uint32_t>(reduceAdd(rows[row]));
-        __builtin_memset(m_counts, 0, counters * sizeof *m_counts);
-        m_room = UINT16_MAX;
-    }
-
-private:
-    uint16_t* m_counts;
-    size_t m_room = UINT16_MAX; // pairs until a counter may be full
-
-    static constexpr size_t kStep = 16; // pairs
-
-    RVK_INLINE void countSome(const uint8_t* p, size_t n) const
+    RVK_INLINE void count(const uint8_t* p, size_t n)
     {
         const uint8_t* const end = p + 2 * n;
         for (; p + 2 * kStep <= end; p += 2 * kStep)
             if (areEqual(p))
-                m_counts[pairAt(p)] = static_cast<uint16_t>(m_counts[pairAt(p)] + kStep);
+                add(pairAt(p), kStep);
             else
-                unrolled<kStep>([&](auto k) RVK_INLINE_LAMBDA { ++m_counts[pairAt(p + 2 * k)]; });
+                unrolled<kStep / 2>([&](auto k)
+                                        RVK_INLINE_LAMBDA { addTwo(pairAt(p + 4 * k), pairAt(p + 4 * k + 2)); });
         for (; p < end; p += 2)
-            ++m_counts[pairAt(p)];
+            add(pairAt(p), 1);
+    }
+
+    // The counters' part of the histogram. Each pair is in a row by one of its bytes and in a column by the other.
+    RVK_INLINE void finish()
+    {
+        for (size_t row = 0; row < 256; ++row) {
+            Vec<uint32_t> sum = zero<uint32_t>();
+            for (size_t column = 0; column < 256; column += kBytes)
+                sum = addBytesTo(sum, counted(row, column));
+            m_histogram[row] += reduceAdd(sum);
+        }
+        constexpr size_t together = 4;
+        for (size_t column = 0; column < 256; column += together * kBytes) {
+            Vecs<uint16_t, 2 * together> sums = {}; // of 256 bytes each
+            for (size_t row = 0; row < 256; ++row)
+                unrolled<together>([&](auto k) RVK_INLINE_LAMBDA {
+                    const Vecs<uint16_t, 2> counts = widen(counted(row, column + k * kBytes));
+                    sums[2 * k] = sums[2 * k] + counts[0];
+                    sums[2 * k + 1] = sums[2 * k + 1] + counts[1];
+                });
+            uint16_t stored[together * kBytes];
+            store(stored, sums);
+            for (size_t i = 0; i < together * kBytes; ++i)
+                m_histogram[column + i] += stored[i];
+        }
+    }
+
+private:
+    uint8_t* m_left; // by pair: the counters count down, so that the sign tells when one wraps
+    uint32_t (&m_histogram)[256];
+
+    static constexpr size_t kStep = 16; // pairs
+    static constexpr uint8_t kMost = 255;
+
+    // What is left for a pair after n more of it: below 0 when its counter wrapped.
+    RVK_INLINE int32_t take(size_t pair, int32_t n)
+    {
+        const int32_t left = m_left[pair] - n;
+        m_left[pair] = static_cast<uint8_t>(left);
+        return left;
+    }
+
+    RVK_INLINE void add(size_t pair, int32_t n)
+    {
+        if (__builtin_expect(take(pair, n) < 0, false))
+            carry(m_histogram, pair);
+    }
+
+    RVK_INLINE void addTwo(size_t first, size_t second)
+    {
+#if defined(__x86_64__) // counts in memory in one instruction, whose flag tells
+        add(first, 1);
+        add(second, 1);
+#else // counts in registers: one branch for two saves a sixth of the instructions
+        const int32_t left = take(first, 1), alsoLeft = take(second, 1);
+        if (__builtin_expect((left | alsoLeft) < 0, false)) {
+            if (left < 0)
+                carry(m_histogram, first);
+            if (alsoLeft < 0)
+                carry(m_histogram, second);
+        }
+#endif
+    }
+
+    static RVK_NOINLINE void carry(uint32_t (&histogram)[256], size_t pair)
+    {
+        histogram[pair % 256] += kMost + 1;
+        histogram[pair / 256] += kMost + 1;
+    }
+
+    RVK_INLINE Vec<uint8_t> counted(size_t row, size_t column) const
+    {
+        return ~load(m_left + row * 256 + column);
     }
 
     static RVK_INLINE size_t pairAt(const uint8_t* p)
@@ -129,7 +165,7 @@ private:
 // ---- pictures ---------------------------------------------------------------------------------------------------
 
 // From so many pixels on the pairs' counters are worth their clearing and summing.
-constexpr size_t kFewestForPairs = size_t{1} << 17;
+constexpr size_t kFewestForPairs = size_t{1} << 16;
 
 RVK_INLINE void countOneByOne(size_t width, size_t height, Plane<const uint8_t> src, uint32_t (&histogram)[256])
 {
@@ -143,19 +179,18 @@ RVK_INLINE void countOneByOne(size_t width, size_t height, Plane<const uint8_t> 
 // False, with nothing done, when there is no memory for the counters.
 RVK_INLINE bool countInPairs(size_t width, size_t height, Plane<const uint8_t> src, uint32_t (&histogram)[256])
 {
-    const Scratch<uint16_t> counters(PairCounts::counters);
+    const Scratch<uint8_t> counters(PairCounts::counters);
     if (!counters)
         return false;
-    __builtin_memset(counters.get(), 0, PairCounts::counters * sizeof(uint16_t));
     __builtin_memset(histogram, 0, sizeof histogram);
-    PairCounts pairs(counters.get());
+    PairCounts pairs(counters.get(), histogram);
     for (size_t y = 0; y < height; ++y) {
         const uint8_t* row = src.row(y);
-        pairs.count(row, width / 2, histogram);
+        pairs.count(row, width / 2);
         if (width % 2)
             ++histogram[row[width - 1]];
     }
-    pairs.moveTo(histogram);
+    pairs.finish();
     return true;
 }
 
