@@ -67,41 +67,6 @@ void adaptive(uint32_t width, uint32_t height, Plane<const uint8_t> src, Plane<u
 
 } // namespace
 
-void rvkFilterThresholdu8C(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride, uint8_t* dst,
-                           uint32_t dstStride, uint32_t threshold)
-{
-    range(srcWidth, srcHeight, {src, srcStride}, {dst, dstStride}, std::min(threshold, 255u), 255, 255, 0);
-}
-
-void rvkFilterThresholdu8_v2C(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
-                              uint8_t* dst, uint32_t dstStride, uint32_t threshold)
-{
-    rvkFilterThresholdu8C(src, srcWidth, srcHeight, srcStride, dst, dstStride, threshold);
-}
-
-rvkStatus rvkFilterThresholdu8_v3C(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
-                                   uint8_t* dst, uint32_t dstStride, uint32_t threshold, uint8_t trueValue,
-                                   uint8_t falseValue)
-{
-    range(srcWidth, srcHeight, {src, srcStride}, {dst, dstStride}, 0, threshold, falseValue, trueValue);
-    return RAVIK_SUCCESS;
-}
-
-rvkStatus rvkFilterThresholdRangeu8C(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
-                                     uint8_t* dst, uint32_t dstStride, uint32_t lowThreshold, uint32_t highThreshold)
-{
-    range(srcWidth, srcHeight, {src, srcStride}, {dst, dstStride}, lowThreshold, highThreshold, 255, 0);
-    return RAVIK_SUCCESS;
-}
-
-rvkStatus rvkFilterThresholdRangeu8_v2C(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
-                                        uint8_t* dst, uint32_t dstStride, uint32_t lowThreshold, uint32_t highThreshold,
-                                        uint8_t trueValue, uint8_t falseValue)
-{
-    range(srcWidth, srcHeight, {src, srcStride}, {dst, dstStride}, lowThreshold, highThreshold, trueValue, falseValue);
-    return RAVIK_SUCCESS;
-}
-
 void rvkFilterThresholdOtsuu8C(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
                                uint8_t* dst, uint32_t dstStride, uint32_t thresholdType)
 {
@@ -116,52 +81,6 @@ void rvkFilterThresholdOtsuu8C(const uint8_t* src, uint32_t srcWidth, uint32_t s
     range(srcWidth, srcHeight, source, {dst, dstStride}, threshold, 255, isInverse ? 0 : 255, isInverse ? 255 : 0);
 }
 
-void rvkAdaptiveThresholdGaussian3x3u8C(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
-                                        uint8_t maxValue, uint32_t thresholdType, int32_t value, uint8_t* dst,
-                                        uint32_t dstStride)
-{
-    adaptive(srcWidth, srcHeight, {src, srcStride}, {dst, dstStride}, maxValue, thresholdType, value,
-             [=] { rvkFilterGaussian3x3u8_v2C(src, srcWidth, srcHeight, srcStride, dst, dstStride, 1); });
-}
-
-void rvkAdaptiveThresholdGaussian5x5u8C(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
-                                        uint8_t maxValue, uint32_t thresholdType, int32_t value, uint8_t* dst,
-                                        uint32_t dstStride)
-{
-    adaptive(srcWidth, srcHeight, {src, srcStride}, {dst, dstStride}, maxValue, thresholdType, value,
-             [=] { rvkFilterGaussian5x5u8_v2C(src, srcWidth, srcHeight, srcStride, dst, dstStride, 1); });
-}
-
-void rvkAdaptiveThresholdGaussian11x11u8C(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
-                                          uint8_t maxValue, uint32_t thresholdType, int32_t value, uint8_t* dst,
-                                          uint32_t dstStride)
-{
-    adaptive(srcWidth, srcHeight, {src, srcStride}, {dst, dstStride}, maxValue, thresholdType, value,
-             [=] { rvkFilterGaussian11x11u8_v2C(src, srcWidth, srcHeight, srcStride, dst, dstStride, 1); });
-}
-
-void rvkAdaptiveThresholdMean3x3u8C(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
-                                    uint8_t maxValue, uint32_t thresholdType, int32_t value, uint8_t* dst,
-                                    uint32_t dstStride)
-{
-    adaptive(srcWidth, srcHeight, {src, srcStride}, {dst, dstStride}, maxValue, thresholdType, value,
-             [=] { rvkBoxFilter3x3u8C(src, srcWidth, srcHeight, srcStride, dst, dstStride); });
-}
-
-void rvkAdaptiveThresholdMean5x5u8C(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
-                                    uint8_t maxValue, uint32_t thresholdType, int32_t value, uint8_t* dst,
-                                    uint32_t dstStride)
-{
-    adaptive(srcWidth, srcHeight, {src, srcStride}, {dst, dstStride}, maxValue, thresholdType, value,
-             [=] { rvkBoxFilter5x5u8C(src, srcWidth, srcHeight, srcStride, dst, dstStride); });
-}
-
-void rvkAdaptiveThresholdMean11x11u8C(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
-                                      uint8_t maxValue, uint32_t thresholdType, int32_t value, uint8_t* dst,
-                                      uint32_t dstStride)
-{
-    adaptive(srcWidth, srcHeight, {src, srcStride}, {dst, dstStride}, maxValue, thresholdType, value,
-             [=] { rvkBoxFilter11x11u8C(src, srcWidth, srcHeight, srcStride, dst, dstStride); });
-}
-
 } // namespace rvk
+
+#include "forms/ravikThresholdForms.h"

@@ -180,9 +180,9 @@ struct Thresholds
     Vec<M> low, high;
 };
 
-// Ridges above the lower and above the higher threshold. A ridge is above both of its neighbours in the direction of the
-// gradient, of which the one after it may be as high unless they are diagonal. (They are no struct of two masks: g++ moves
-// those through memory.)
+// Ridges above the lower and above the higher threshold. A ridge is above both of its neighbours in the direction of
+// the gradient, of which the one after it may be as high unless they are diagonal. (They are no struct of two masks:
+// g++ moves those through memory.)
 template <class M>
 RVK_INLINE void findRidges(Column<M> at, const Directions<M>& directions, const Thresholds<M>& thresholds,
                            Mask<M>& candidates, Mask<M>& edges)

@@ -72,12 +72,7 @@ struct Planars8
 {
     static RVK_INLINE Vec<int8_t> eighth(Pairs<int16_t> v)
     {
-        const Vec<int16_t> even = shiftRight(v[0], 3), odd = shiftRight(v[1], 3);
-#if defined(__x86_64__)
-        return bitCast<int8_t>((even & splat<int16_t>(255)) | shiftLeft(odd, 8));
-#else
-        return narrow(Pairs<int16_t>{{even, odd}});
-#endif
+        return lowHalves({shiftRight(v[0], 3), shiftRight(v[1], 3)});
     }
     static RVK_INLINE auto of(const Derivatives& d)
     {
@@ -111,13 +106,7 @@ struct Strength
 {
     static RVK_INLINE Bytes of(const Derivatives& d)
     {
-#if defined(__x86_64__)
-        const auto sum = [](Vec<int16_t> dx, Vec<int16_t> dy)
-                             RVK_INLINE_LAMBDA { return min(abs(dx) + abs(dy), splat<int16_t>(255)); };
-        return bitCast<uint8_t>(sum(d.dx[0], d.dy[0]) | shiftLeft(sum(d.dx[1], d.dy[1]), 8));
-#else
-        return narrowSat<uint8_t>(Pairs<int16_t>{{abs(d.dx[0]) + abs(d.dy[0]), abs(d.dx[1]) + abs(d.dy[1])}});
-#endif
+        return narrowPairsSat(Pairs<int16_t>{abs(d.dx[0]) + abs(d.dy[0]), abs(d.dx[1]) + abs(d.dy[1])});
     }
 };
 
@@ -131,20 +120,9 @@ struct CentralDifferences
 
     RVK_INLINE Derivatives next(const uint8_t* p)
     {
-        const auto difference = [](Bytes a, Bytes b) RVK_INLINE_LAMBDA {
-#if defined(__x86_64__)
-            const Vec<int16_t> low = splat<int16_t>(255);
-            const auto high = [](Bytes v)
-                                  RVK_INLINE_LAMBDA { return bitCast<int16_t>(shiftRight(bitCast<uint16_t>(v), 8)); };
-            return Pairs<int16_t>{{(bitCast<int16_t>(a) & low) - (bitCast<int16_t>(b) & low), high(a) - high(b)}};
-#else
-            return Pairs<int16_t>{{bitCast<int16_t>(vec(vsubl_u8(lowHalf(a), lowHalf(b)))),
-                                   bitCast<int16_t>(vec(vsubl_u8(highHalf(a), highHalf(b))))}};
-#endif
-        };
         const Bytes centre = load(p + 1);
-        const Derivatives d = {last, difference(centre, middleAbove)};
-        last = difference(load(p + 2), load(p));
+        const Derivatives d = {last, subtractPairs(centre, middleAbove)};
+        last = subtractPairs(load(p + 2), load(p));
         middleAbove = middle;
         middle = centre;
         return d;
@@ -336,20 +314,11 @@ RVK_INLINE Words differences(At at)
 }
 
 // Along a row of sums. The products of 7x7 need 32 bits, and saturate.
-RVK_INLINE Words saturated(Pairs<int32_t> sums)
-{
-#if defined(__x86_64__)
-    return narrowSatInLanes<int16_t>(zipInLanes(sums[0], sums[1]));
-#else
-    return narrowSat<int16_t>(sums);
-#endif
-}
-
 template <size_t size>
 RVK_INLINE Words smoothedAlong(const int16_t* p)
 {
     if constexpr (size == 7)
-        return saturated(rowSum<SobelWeights<7>::Smoothing>(p));
+        return narrowPairsSat(rowSum<SobelWeights<7>::Smoothing>(p));
     else
         return smoothed<size>([=](size_t k) RVK_INLINE_LAMBDA { return load(p + k); });
 }
@@ -358,7 +327,7 @@ template <size_t size>
 RVK_INLINE Words differencesAlong(const int16_t* p)
 {
     if constexpr (size == 7)
-        return saturated(rowSum<SobelWeights<7>::Difference>(p));
+        return narrowPairsSat(rowSum<SobelWeights<7>::Difference>(p));
     else
         return differences<size>([=](size_t k) RVK_INLINE_LAMBDA { return load(p + k); });
 }
@@ -414,8 +383,8 @@ struct SobelStrip
 
 // The pixels of columns `left` to `right` and rows `top` to `bottom`.
 template <size_t size>
-RVK_INLINE void sobelWithin(size_t left, size_t right, size_t top, size_t bottom, size_t width, size_t height,
-                            Plane<const uint8_t> src, Plane<int16_t> dx, Plane<int16_t> dy, Border border)
+RVK_NOINLINE void sobelWithin(size_t left, size_t right, size_t top, size_t bottom, size_t width, size_t height,
+                              Plane<const uint8_t> src, Plane<int16_t> dx, Plane<int16_t> dy, Border border)
 {
     using Strip = SobelStrip<size>;
     constexpr size_t radius = Strip::radius, lanes = Words::lanes;

@@ -15,46 +15,21 @@ RVK_INLINE Vec<uint16_t> sizeOf(Vec<int16_t> v)
 
 // ---- magnitude ----------------------------------------------------------------------------------
 
-// dx^2 + dy^2 up to 2^31, in the order of narrowSatInLanes.
-RVK_INLINE Vecs<uint32_t, 2> sumsOfSquares(Vec<int16_t> dx, Vec<int16_t> dy)
-{
-#if defined(__x86_64__)
-    const Vecs<int16_t, 2> pairs = zipInLanes(dx, dy);
-    return {bitCast<uint32_t>(dotPairs(pairs[0], pairs[0])), bitCast<uint32_t>(dotPairs(pairs[1], pairs[1]))};
-#else
-    const auto sum = [](int16x4_t x, int16x4_t y)
-                         RVK_INLINE_LAMBDA { return bitCast<uint32_t>(vec(vmlal_s16(vmull_s16(x, x), y, y))); };
-    return {sum(lowHalf(dx), lowHalf(dy)), sum(highHalf(dx), highHalf(dy))};
-#endif
-}
-
-// The square root of a positive number with a relative error below 2^-19.
-RVK_INLINE Vec<float> nearRoot(Vec<float> v)
-{
-#if defined(__arm__)
-    // An instruction's guess of the reciprocal root, good to 7 bits, and two of Newton's steps.
-    float32x4_t r = vrsqrteq_f32(reg(v));
-    r = vmulq_f32(r, vrsqrtsq_f32(vmulq_f32(reg(v), r), r));
-    r = vmulq_f32(r, vrsqrtsq_f32(vmulq_f32(reg(v), r), r));
-    return vec(vmulq_f32(reg(v), r));
-#else
-    return squareRoot(v);
-#endif
-}
-
 // The square root, rounded to the nearest integer and at most 32767.
 RVK_INLINE Vec<int32_t> nearestRoot(Vec<uint32_t> sum)
 {
     const Vec<int32_t> n = bitCast<int32_t>(min(sum, splat(32767u * 32767u)));
     // The result r or r - 1: n + 1/4 lies between (r - 1/2)^2 and (r + 1/2)^2, and the error of the root is below 0.07.
-    const Vec<int32_t> root = truncateToInt(nearRoot(toFloat(n) + splat(0.25f)) + splat(0.4f));
+    const Vec<int32_t> root = truncateToInt(guessSquareRoot(toFloat(n) + splat(0.25f)) + splat(0.4f));
     return root - toVec(greater(n, root * root + root)); // (root + 1/2)^2, rounded down
 }
 
 RVK_INLINE Vec<int16_t> magnitude(Vec<int16_t> dx, Vec<int16_t> dy)
 {
-    const Vecs<uint32_t, 2> sums = sumsOfSquares(dx, dy);
-    return narrowSatInLanes<int16_t>(Vecs<int32_t, 2>{nearestRoot(sums[0]), nearestRoot(sums[1])});
+    const Vecs<int16_t, 2> gradient = {dx, dy};
+    const Vecs<int32_t, 2> sums = dotInLanes(gradient, gradient); // up to 2^31
+    return narrowSatInLanes<int16_t>(
+        Vecs<int32_t, 2>{nearestRoot(bitCast<uint32_t>(sums[0])), nearestRoot(bitCast<uint32_t>(sums[1]))});
 }
 
 // ---- phase --------------------------------------------------------------------------------------
@@ -150,20 +125,6 @@ RVK_INLINE Vec<uint8_t> phase(const Table32Of16& rises, const Table32Of16& runs,
     return bitCast<uint8_t>(narrow(step));
 }
 
-// ---- edge weighting -----------------------------------------------------------------------------
-
-// (v * weight + 128) / 256, saturated.
-RVK_INLINE Vec<uint16_t> timesWeight(Vec<uint16_t> v, Vec<uint16_t> weight)
-{
-#if defined(__ARM_NEON)
-    const Vecs<uint32_t, 2> product = multiplyWide(v, weight);
-    return join(vqrshrn_n_u32(reg(product[0]), 8), vqrshrn_n_u32(reg(product[1]), 8));
-#else
-    const Vec<uint16_t> low = average(shiftRight(v * weight, 7), zero<uint16_t>()); // rounds
-    return addSat(shiftLeft(min(multiplyHigh(v, weight), splat<uint16_t>(255)), 8), low);
-#endif
-}
-
 } // namespace
 
 rvkStatus rvkMagnitudes16V(const int16_t* dx, uint32_t width, uint32_t height, uint32_t dxStride, const int16_t* dy,
@@ -193,7 +154,7 @@ rvkStatus rvkEdgeWeightings16V(const int16_t* src, uint32_t width, uint32_t heig
     const Vec<uint16_t> thresholds = splat(threshold), weights = splat(weight);
     const Vec<uint16_t> limits = min(splat(limit), splat<uint16_t>(INT16_MAX));
     const auto weighted = [=](Vec<int16_t> edge) RVK_INLINE_LAMBDA {
-        const Vec<uint16_t> size = min(timesWeight(subSat(sizeOf(edge), thresholds), weights), limits);
+        const Vec<uint16_t> size = min(multiplyQ8(subSat(sizeOf(edge), thresholds), weights), limits);
         const Vec<int16_t> sign = shiftRight(edge, 15);
         return (bitCast<int16_t>(size) ^ sign) - sign;
     };

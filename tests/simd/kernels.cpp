@@ -1,6 +1,7 @@
 // The vector layer beside its scalar definitions.
 #include "simd/kernels.h"
 
+#include "vecta/simd/rowSums.h"
 #include "vecta/simd/tiles.h"
 
 namespace rvk::vecta::RVK_ISA {
@@ -344,6 +345,7 @@ SimdGroup single()
             }),
         UNARY(int16_t, multiplyQ15<13573>(a), a * 13573 >> 15),
         UNARY(int16_t, multiplyQ15<-16383>(a), a * -16383 >> 15),
+        BINARY(uint16_t, multiplyQ8(a, b), saturate<uint16_t>((int64_t{a} * b + 128) >> 8)),
 
         UNARY(uint8_t, countBits(a), __builtin_popcount(a)),
         mapping<uint32_t, uint32_t, 2, 1>(
@@ -378,6 +380,36 @@ SimdGroup single()
                 store(out, lookup(table, load(in + 256)));
             },
             [](const uint8_t* in, size_t i) { return in[in[256 + i]]; }),
+    };
+    return group(list);
+}
+
+// ---- sums along rows ------------------------------------------------------------------------------------------------
+
+// In the order of pairs and back.
+SimdGroup pairs()
+{
+    constexpr size_t n = kLanes<uint8_t>, words = kLanes<int16_t>;
+    static constexpr SimdOperation list[] = {
+        mapping<uint8_t, int16_t, 2 * n, n>(
+            "subtractPairs",
+            [](const uint8_t* in, int16_t* out) { store(out, orderPairs(subtractPairs(load(in), load(in + n)))); },
+            [](const uint8_t* in, size_t i) { return in[i] - in[n + i]; }),
+        mapping<uint8_t, int8_t, 2 * n, n>(
+            "lowHalves",
+            [](const uint8_t* in, int8_t* out) { store(out, lowHalves(subtractPairs(load(in), load(in + n)))); },
+            [](const uint8_t* in, size_t i) { return in[i] - in[n + i]; }),
+        mapping<uint8_t, uint8_t, 2 * n, n>(
+            "narrowPairsSat of 16 bits",
+            [](const uint8_t* in, uint8_t* out) {
+                const Pairs<int16_t> d = subtractPairs(load(in), load(in + n)), twice = d + d;
+                store(out, narrowPairsSat(Pairs<int16_t>{abs(twice[0]), abs(twice[1])}));
+            },
+            [](const uint8_t* in, size_t i) { return saturate<uint8_t>(2 * __builtin_abs(in[i] - in[n + i])); }),
+        mapping<int16_t, int16_t, words + 2, words>(
+            "narrowPairsSat of 32 bits",
+            [](const int16_t* in, int16_t* out) { store(out, narrowPairsSat(rowSum<Weights<-1, 3, 2>>(in))); },
+            [](const int16_t* in, size_t i) { return saturate<int16_t>(3 * in[i + 1] + 2 * in[i + 2] - in[i]); }),
     };
     return group(list);
 }
@@ -941,6 +973,7 @@ SimdGroup (*const kGroups[])() = {
     wideProducts<int8_t>,
     wideProducts<uint16_t>,
     wideProducts<int16_t>,
+    pairs,
     wideAndNarrowMasks<int8_t>,
     wideAndNarrowMasks<int16_t>,
     narrowing<uint16_t>,

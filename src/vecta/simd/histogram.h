@@ -36,9 +36,9 @@ RVK_INLINE void count(const uint8_t* p, size_t n, uint32_t (&tables)[kTables][25
 
 // ---- in pairs ---------------------------------------------------------------------------------------------------
 
-// A counter for each pair of bytes: half as many counters have to be loaded and stored, which is what counting waits for.
-// They are bytes, so that the first-level cache holds most of them whatever the picture is; what they cannot hold they
-// carry to the histogram.
+// A counter for each pair of bytes: half as many counters have to be loaded and stored, which is what counting waits
+// for. They are bytes, so that the first-level cache has most of them whatever the picture is; what they cannot hold
+// they carry to the histogram.
 class PairCounts
 {
 public:
@@ -194,7 +194,8 @@ RVK_INLINE bool countInPairs(size_t width, size_t height, Plane<const uint8_t> s
     return true;
 }
 
-RVK_INLINE void countBytes(size_t width, size_t height, Plane<const uint8_t> src, uint32_t (&histogram)[256])
+// histogram[v] = how many pixels are v.
+RVK_NOINLINE void countBytes(size_t width, size_t height, Plane<const uint8_t> src, uint32_t (&histogram)[256])
 {
     const bool isLarge = width >= 2 && width * height >= kFewestForPairs;
     if (!isLarge || !countInPairs(width, height, src, histogram))

@@ -438,6 +438,13 @@ RVK_INLINE Vec<int16_t> multiplyQ15(Vec<int16_t> v)
     return vec(vqdmulhq_n_s16(reg(v), factor));
 }
 
+// (a * b + 128) / 2^8, saturated.
+RVK_INLINE Vec<uint16_t> multiplyQ8(Vec<uint16_t> a, Vec<uint16_t> b)
+{
+    const Vecs<uint32_t, 2> product = multiplyWide(a, b);
+    return join(vqrshrn_n_u32(reg(product[0]), 8), vqrshrn_n_u32(reg(product[1]), 8));
+}
+
 // ---- rounding -------------------------------------------------------------------------------------------------------
 
 // (a * b + 2^14) >> 15; not of -32768 twice.

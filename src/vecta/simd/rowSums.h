@@ -141,6 +141,33 @@ RVK_INLINE Vecs<T, 2> orderPairs(Pairs<T> v)
     return zip(v[0], v[1]);
 }
 
+// The lower halves of the sums in the order of the outputs.
+RVK_INLINE Vec<int8_t> lowHalves(Pairs<int16_t> v)
+{
+    return bitCast<int8_t>((v[0] & splat<int16_t>(255)) | shiftLeft(v[1], 8));
+}
+
+// Sums saturated to elements, in the order of the outputs; sums for bytes may not be negative.
+RVK_INLINE Vec<uint8_t> narrowPairsSat(Pairs<int16_t> v)
+{
+    const Vec<int16_t> top = splat<int16_t>(255);
+    return bitCast<uint8_t>(min(v[0], top) | shiftLeft(min(v[1], top), 8));
+}
+
+RVK_INLINE Vec<int16_t> narrowPairsSat(Pairs<int32_t> v)
+{
+    return narrowSatInLanes<int16_t>(zipInLanes(v[0], v[1]));
+}
+
+// a - b, in the order of sums.
+RVK_INLINE Pairs<int16_t> subtractPairs(Vec<uint8_t> a, Vec<uint8_t> b)
+{
+    const auto even = [](Vec<uint8_t> v) RVK_INLINE_LAMBDA { return bitCast<int16_t>(v) & splat<int16_t>(255); };
+    const auto odd = [](Vec<uint8_t> v)
+                         RVK_INLINE_LAMBDA { return bitCast<int16_t>(shiftRight(bitCast<uint16_t>(v), 8)); };
+    return {even(a) - even(b), odd(a) - odd(b)};
+}
+
 // The sums, shifted right, as elements in the order of the outputs; the shifted sums must fit the element.
 template <unsigned shift>
 RVK_INLINE Vec<uint8_t> narrowPairs(Pairs<uint16_t> v)
@@ -277,6 +304,26 @@ template <class T>
 RVK_INLINE Vecs<T, 2> orderPairs(Pairs<T> v)
 {
     return v;
+}
+
+RVK_INLINE Vec<int8_t> lowHalves(Pairs<int16_t> v)
+{
+    return narrow(v);
+}
+
+RVK_INLINE Vec<uint8_t> narrowPairsSat(Pairs<int16_t> v)
+{
+    return narrowSat<uint8_t>(v);
+}
+
+RVK_INLINE Vec<int16_t> narrowPairsSat(Pairs<int32_t> v)
+{
+    return narrowSat<int16_t>(v);
+}
+
+RVK_INLINE Pairs<int16_t> subtractPairs(Vec<uint8_t> a, Vec<uint8_t> b)
+{
+    return subtractWide(a, b);
 }
 
 template <unsigned shift>

@@ -42,7 +42,8 @@
 //             multiplyWide(a, b) -> Vecs<Wider, 2>: 8 and 16 bits; multiplyHigh: the upper halves of products, 16 bits
 //             dotPairs(a, b): s16 -> s32, a[2i] * b[2i] + a[2i + 1] * b[2i + 1]
 //             dot(a, b): two vectors of s16 each -> s32, a[0] * b[0] + a[1] * b[1], element by element
-//             multiplyQ15<factor>(v): s16, v * factor / 2^15, rounded down
+//             multiplyQ15<factor>(v): s16, v * factor / 2^15, rounded down; multiplyQ8(a, b): u16, (a * b + 128) / 2^8,
+//             saturated
 //             both(vs, f), both(vs, ws, f): f on both halves
 //  ..InLanes  widenInLanes, narrowInLanes, narrowSatInLanes<To>, multiplyWideInLanes, zipInLanes: the same, with the
 //             lanes of the wide vectors in the order that is cheapest. What one takes apart, another puts together

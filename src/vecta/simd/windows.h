@@ -71,9 +71,9 @@ RVK_INLINE void putPartial(const Two<A, B>& result, size_t n, size_t y, Plane<D1
     storePartial(dst2.row(y), result.second, n);
 }
 
-// Where the second of the columns begins that give n outputs: behind the first, or so far over it that the stores of all
-// but the first begin where a vector ends, when that costs no further column. (A store across two cache lines takes twice
-// as long, and outputs that have whole windows begin beside a boundary.)
+// Where the second of the columns begins that give n outputs: behind the first, or so far over it that the stores of
+// all but the first begin where a vector ends, when that costs no further column. (A store across two cache lines takes
+// twice as long, and outputs that have whole windows begin beside a boundary.)
 template <size_t step, class D, class... Others>
 RVK_INLINE size_t secondColumn(size_t n, Plane<D> dst, Plane<Others>...)
 {
@@ -102,7 +102,7 @@ RVK_INLINE void walk(size_t n, size_t m, Plane<const S> src, Kernel kernel, Plan
     const size_t second = secondColumn<step>(n, dst...);
     for (size_t top = 0; top < m; top += kBlockRows<Kernel>) {
         const size_t bottom = least(top + kBlockRows<Kernel>, m);
-        for (size_t next = 0; next < n; next += next ? step : second) {
+        for (size_t next = 0, advance = second; next < n; next += advance, advance = step) {
             const size_t x = next + step <= n ? next : n - step; // the last column may overlap the one before it
             Kernel column = kernel;
             size_t y = top;

@@ -656,6 +656,12 @@ RVK_INLINE Vec<int16_t> shiftLeftSat(Vec<int16_t> v, unsigned count)
     return select(equal(shiftRight(shifted, count), v), shifted, end);
 }
 
+// (a * b + 128) / 2^8, saturated.
+RVK_INLINE Vec<uint16_t> multiplyQ8(Vec<uint16_t> a, Vec<uint16_t> b)
+{
+    return addSat(shiftLeftSat(multiplyHigh(a, b), 8), shiftRightRounded(a * b, 8));
+}
+
 // ---- weights: two numbers for all elements --------------------------------------------------------------------------
 
 // Products of bytes with signed bytes, neighbours added, saturated.

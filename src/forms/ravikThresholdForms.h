@@ -1,0 +1,100 @@
+// Thresholds by two drivers of either room: `range` tells pixels from low to high from the others, `adaptive` compares
+// pixels with the picture that a filter writes to the destination.
+#pragma once
+
+#include "forms/form.h"
+
+namespace RVK_ROOM {
+
+void RVK_FORM(rvkFilterThresholdu8)(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
+                                    uint8_t* dst, uint32_t dstStride, uint32_t threshold)
+{
+    range(srcWidth, srcHeight, {src, srcStride}, {dst, dstStride}, threshold < 255 ? threshold : 255, 255, 255, 0);
+}
+
+void RVK_FORM(rvkFilterThresholdu8_v2)(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
+                                       uint8_t* dst, uint32_t dstStride, uint32_t threshold)
+{
+    RVK_FORM(rvkFilterThresholdu8)(src, srcWidth, srcHeight, srcStride, dst, dstStride, threshold);
+}
+
+rvkStatus RVK_FORM(rvkFilterThresholdu8_v3)(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight,
+                                            uint32_t srcStride, uint8_t* dst, uint32_t dstStride, uint32_t threshold,
+                                            uint8_t trueValue, uint8_t falseValue)
+{
+    range(srcWidth, srcHeight, {src, srcStride}, {dst, dstStride}, 0, threshold, falseValue, trueValue);
+    return RAVIK_SUCCESS;
+}
+
+rvkStatus RVK_FORM(rvkFilterThresholdRangeu8)(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight,
+                                              uint32_t srcStride, uint8_t* dst, uint32_t dstStride,
+                                              uint32_t lowThreshold, uint32_t highThreshold)
+{
+    range(srcWidth, srcHeight, {src, srcStride}, {dst, dstStride}, lowThreshold, highThreshold, 255, 0);
+    return RAVIK_SUCCESS;
+}
+
+rvkStatus RVK_FORM(rvkFilterThresholdRangeu8_v2)(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight,
+                                                 uint32_t srcStride, uint8_t* dst, uint32_t dstStride,
+                                                 uint32_t lowThreshold, uint32_t highThreshold, uint8_t trueValue,
+                                                 uint8_t falseValue)
+{
+    range(srcWidth, srcHeight, {src, srcStride}, {dst, dstStride}, lowThreshold, highThreshold, trueValue, falseValue);
+    return RAVIK_SUCCESS;
+}
+
+void RVK_FORM(rvkAdaptiveThresholdGaussian3x3u8)(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight,
+                                                 uint32_t srcStride, uint8_t maxValue, uint32_t thresholdType,
+                                                 int32_t value, uint8_t* dst, uint32_t dstStride)
+{
+    adaptive(srcWidth, srcHeight, {src, srcStride}, {dst, dstStride}, maxValue, thresholdType, value, [=] {
+        RVK_FORM(rvkFilterGaussian3x3u8_v2)(src, srcWidth, srcHeight, srcStride, dst, dstStride, 1);
+    });
+}
+
+void RVK_FORM(rvkAdaptiveThresholdGaussian5x5u8)(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight,
+                                                 uint32_t srcStride, uint8_t maxValue, uint32_t thresholdType,
+                                                 int32_t value, uint8_t* dst, uint32_t dstStride)
+{
+    adaptive(srcWidth, srcHeight, {src, srcStride}, {dst, dstStride}, maxValue, thresholdType, value, [=] {
+        RVK_FORM(rvkFilterGaussian5x5u8_v2)(src, srcWidth, srcHeight, srcStride, dst, dstStride, 1);
+    });
+}
+
+void RVK_FORM(rvkAdaptiveThresholdGaussian11x11u8)(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight,
+                                                   uint32_t srcStride, uint8_t maxValue, uint32_t thresholdType,
+                                                   int32_t value, uint8_t* dst, uint32_t dstStride)
+{
+    adaptive(srcWidth, srcHeight, {src, srcStride}, {dst, dstStride}, maxValue, thresholdType, value, [=] {
+        RVK_FORM(rvkFilterGaussian11x11u8_v2)(src, srcWidth, srcHeight, srcStride, dst, dstStride, 1);
+    });
+}
+
+void RVK_FORM(rvkAdaptiveThresholdMean3x3u8)(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight,
+                                             uint32_t srcStride, uint8_t maxValue, uint32_t thresholdType,
+                                             int32_t value, uint8_t* dst, uint32_t dstStride)
+{
+    adaptive(srcWidth, srcHeight, {src, srcStride}, {dst, dstStride}, maxValue, thresholdType, value, [=] {
+        RVK_FORM(rvkBoxFilter3x3u8)(src, srcWidth, srcHeight, srcStride, dst, dstStride);
+    });
+}
+
+void RVK_FORM(rvkAdaptiveThresholdMean5x5u8)(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight,
+                                             uint32_t srcStride, uint8_t maxValue, uint32_t thresholdType,
+                                             int32_t value, uint8_t* dst, uint32_t dstStride)
+{
+    adaptive(srcWidth, srcHeight, {src, srcStride}, {dst, dstStride}, maxValue, thresholdType, value, [=] {
+        RVK_FORM(rvkBoxFilter5x5u8)(src, srcWidth, srcHeight, srcStride, dst, dstStride);
+    });
+}
+
+void RVK_FORM(rvkAdaptiveThresholdMean11x11u8)(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight,
+                                               uint32_t srcStride, uint8_t maxValue, uint32_t thresholdType,
+                                               int32_t value, uint8_t* dst, uint32_t dstStride)
+{
+    adaptive(srcWidth, srcHeight, {src, srcStride}, {dst, dstStride}, maxValue, thresholdType, value, [=] {
+        RVK_FORM(rvkBoxFilter11x11u8)(src, srcWidth, srcHeight, srcStride, dst, dstStride);
+    });
+}
+
+} // namespace RVK_ROOM
