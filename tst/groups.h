@@ -30,29 +30,46 @@ int RAVIK_TEST_UNSET_MODE_Median3x3u8(const char* dataDirectory);
 int TEST_HW_Test(int loops, const char* dataDirectory);
 int TEST_MEM_Test(int loops, const char* dataDirectory);
 
-// A group that the common routine tests: RVK_TEST_GROUP(entry, functions) declares both.
-#define RVK_TEST_GROUP(entry, functionGroup)                            \
-    const FunctionGroup& functionGroup();                               \
-    inline int entry(int loops, const char* dataDirectory)              \
-    {                                                                   \
-        return runFunctionGroup(functionGroup(), loops, dataDirectory); \
-    }
+// Groups that the common routine tests: what they test, and their entries.
+const FunctionGroup& imageDiffFunctions();
+const FunctionGroup& transposeFunctions();
+const FunctionGroup& blurFunctions();
+const FunctionGroup& edgesFunctions();
+const FunctionGroup& scharrFunctions();
+const FunctionGroup& thresholdFunctions();
+const FunctionGroup& bitCountFunctions();
+const FunctionGroup& bitwiseFunctions();
+const FunctionGroup& flipFunctions();
+const FunctionGroup& fillFunctions();
+const FunctionGroup& adaptiveThresholdFunctions();
+const FunctionGroup& absDiffFunctions();
+const FunctionGroup& averageFunctions();
+const FunctionGroup& firFunctions();
+const FunctionGroup& edgeFunctions();
+const FunctionGroup& minMaxFunctions();
+const FunctionGroup& smoothFunctions();
+const FunctionGroup& arithmeticFunctions();
 
-RVK_TEST_GROUP(RAVIK_TEST_IDIFF_Test, imageDiffFunctions)
-RVK_TEST_GROUP(RAVIK_TEST_TRNS_Test, transposeFunctions)
-RVK_TEST_GROUP(RAVIK_TEST_BLUR_Test, blurFunctions)
-RVK_TEST_GROUP(RAVIK_TEST_EDGE_Sobel_Test, edgesFunctions)
-RVK_TEST_GROUP(RAVIK_TEST_EDGE_Scharr_Test, scharrFunctions)
-RVK_TEST_GROUP(RAVIK_TEST_THRESH_Test, thresholdFunctions)
-RVK_TEST_GROUP(RAVIK_TEST_BITCNT_Test, bitCountFunctions)
-RVK_TEST_GROUP(RAVIK_TEST_BITWISEOP_Test, bitwiseFunctions)
-RVK_TEST_GROUP(RAVIK_TEST_IPP_Test, flipFunctions)
-RVK_TEST_GROUP(RAVIK_TEST_SET, fillFunctions)
-RVK_TEST_GROUP(RAVIK_TEST_ADAPTIVETHRESHOLD_Test, adaptiveThresholdFunctions)
-RVK_TEST_GROUP(RAVIK_TEST_ABSDIFF_Test, absDiffFunctions)
-RVK_TEST_GROUP(RAVIK_TEST_AVERAGE_Test, averageFunctions)
-RVK_TEST_GROUP(RAVIK_TEST_FIR_Test, firFunctions)
-RVK_TEST_GROUP(RAVIK_TEST_EDGE_Test, edgeFunctions)
-RVK_TEST_GROUP(RAVIK_TEST_MINMAX_Test, minMaxFunctions)
-RVK_TEST_GROUP(RAVIK_TEST_SMOOTH_Test, smoothFunctions)
-RVK_TEST_GROUP(RAVIK_TEST_ARITHM_Test, arithmeticFunctions)
+template <const FunctionGroup& (*functions)()>
+int testFunctions(int loops, const char* dataDirectory)
+{
+    return runFunctionGroup(functions(), loops, dataDirectory);
+}
+inline constexpr auto RAVIK_TEST_IDIFF_Test = testFunctions<imageDiffFunctions>;
+inline constexpr auto RAVIK_TEST_TRNS_Test = testFunctions<transposeFunctions>;
+inline constexpr auto RAVIK_TEST_BLUR_Test = testFunctions<blurFunctions>;
+inline constexpr auto RAVIK_TEST_EDGE_Sobel_Test = testFunctions<edgesFunctions>;
+inline constexpr auto RAVIK_TEST_EDGE_Scharr_Test = testFunctions<scharrFunctions>;
+inline constexpr auto RAVIK_TEST_THRESH_Test = testFunctions<thresholdFunctions>;
+inline constexpr auto RAVIK_TEST_BITCNT_Test = testFunctions<bitCountFunctions>;
+inline constexpr auto RAVIK_TEST_BITWISEOP_Test = testFunctions<bitwiseFunctions>;
+inline constexpr auto RAVIK_TEST_IPP_Test = testFunctions<flipFunctions>;
+inline constexpr auto RAVIK_TEST_SET = testFunctions<fillFunctions>;
+inline constexpr auto RAVIK_TEST_ADAPTIVETHRESHOLD_Test = testFunctions<adaptiveThresholdFunctions>;
+inline constexpr auto RAVIK_TEST_ABSDIFF_Test = testFunctions<absDiffFunctions>;
+inline constexpr auto RAVIK_TEST_AVERAGE_Test = testFunctions<averageFunctions>;
+inline constexpr auto RAVIK_TEST_FIR_Test = testFunctions<firFunctions>;
+inline constexpr auto RAVIK_TEST_EDGE_Test = testFunctions<edgeFunctions>;
+inline constexpr auto RAVIK_TEST_MINMAX_Test = testFunctions<minMaxFunctions>;
+inline constexpr auto RAVIK_TEST_SMOOTH_Test = testFunctions<smoothFunctions>;
+inline constexpr auto RAVIK_TEST_ARITHM_Test = testFunctions<arithmeticFunctions>;

@@ -110,33 +110,16 @@ uint8_t meanOfWindow(Size size, Plane<const uint8_t> src, const Window<radius>& 
 }
 
 template <int radius>
-void filterWindows(Size size, Plane<const uint8_t> src, Plane<uint8_t> dst, float32_t sigmaColor, float32_t sigmaSpace)
+void filterWindows(const uint8_t* src, uint32_t width, uint32_t height, uint32_t srcStride, uint8_t* dst,
+                   uint32_t dstStride, float32_t sigmaColor, float32_t sigmaSpace)
 {
     const Window<radius> window(sigmaColor, sigmaSpace);
-    for (size_t y = 0; y < size.height; ++y)
-        for (size_t x = 0; x < size.width; ++x)
-            dst.row(y)[x] = meanOfWindow(size, src, window, x, y);
+    for (size_t y = 0; y < height; ++y)
+        for (size_t x = 0; x < width; ++x)
+            Plane{dst, dstStride}.row(y)[x] = meanOfWindow({width, height}, {src, srcStride}, window, x, y);
 }
 
 } // namespace
-
-#define RVK_BILATERAL_FILTER(name, radius)                                                                            \
-    rvkStatus name##_v2C(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride, uint8_t* dst, \
-                         uint32_t dstStride, float32_t sigmaColor, float32_t sigmaSpace)                              \
-    {                                                                                                                 \
-        filterWindows<radius>({srcWidth, srcHeight}, {src, srcStride}, {dst, dstStride}, sigmaColor, sigmaSpace);     \
-        return RAVIK_SUCCESS;                                                                                         \
-    }                                                                                                                 \
-    void name##C(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride, uint8_t* dst,         \
-                 uint32_t dstStride)                                                                                  \
-    {                                                                                                                 \
-        name##_v2C(src, srcWidth, srcHeight, srcStride, dst, dstStride, kBilateralSigmaColor,                         \
-                   bilateralSigmaSpace(radius));                                                                      \
-    }
-RVK_BILATERAL_FILTER(rvkBilateralFilter5x5u8, 2)
-RVK_BILATERAL_FILTER(rvkBilateralFilter7x7u8, 3)
-RVK_BILATERAL_FILTER(rvkBilateralFilter9x9u8, 4)
-#undef RVK_BILATERAL_FILTER
 
 // ---- recursive ----------------------------------------------------------------------------------
 
@@ -219,3 +202,5 @@ rvkStatus rvkBilateralFilterRecursiveu8C(const uint8_t* src, uint32_t srcWidth, 
 }
 
 } // namespace rvk
+
+#include "forms/ravikBilateralForms.h"

@@ -245,12 +245,13 @@ private:
 };
 
 template <int radius>
-RVK_INLINE void filterWindows(size_t width, size_t height, Plane<const uint8_t> src, Plane<uint8_t> dst, Sigmas sigmas)
+RVK_NOINLINE void filterWindows(const uint8_t* src, size_t width, size_t height, uint32_t srcStride, uint8_t* dst,
+                                uint32_t dstStride, float32_t sigmaColor, float32_t sigmaSpace)
 {
     constexpr size_t columns = Strip<radius>::columns;
-    Strip<radius> strip(sigmas);
+    Strip<radius> strip({sigmaColor, sigmaSpace});
     for (size_t x = 0; x < width; x += columns)
-        strip.filter(x, width - x < columns ? width - x : columns, width, height, src, dst);
+        strip.filter(x, width - x < columns ? width - x : columns, width, height, {src, srcStride}, {dst, dstStride});
 }
 
 // ---- recursive: weights --------------------------------------------------------------------------------------------
@@ -602,24 +603,6 @@ RVK_INLINE void filterColumns(Plane<const uint8_t> src, Strips rows, Plane<uint8
 
 } // namespace
 
-#define RVK_BILATERAL_FILTER(name, radius)                                                                            \
-    rvkStatus name##_v2V(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride, uint8_t* dst, \
-                         uint32_t dstStride, float32_t sigmaColor, float32_t sigmaSpace)                              \
-    {                                                                                                                 \
-        filterWindows<radius>(srcWidth, srcHeight, {src, srcStride}, {dst, dstStride}, {sigmaColor, sigmaSpace});     \
-        return RAVIK_SUCCESS;                                                                                         \
-    }                                                                                                                 \
-    void name##V(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride, uint8_t* dst,         \
-                 uint32_t dstStride)                                                                                  \
-    {                                                                                                                 \
-        name##_v2V(src, srcWidth, srcHeight, srcStride, dst, dstStride, kBilateralSigmaColor,                         \
-                   bilateralSigmaSpace(radius));                                                                      \
-    }
-RVK_BILATERAL_FILTER(rvkBilateralFilter5x5u8, 2)
-RVK_BILATERAL_FILTER(rvkBilateralFilter7x7u8, 3)
-RVK_BILATERAL_FILTER(rvkBilateralFilter9x9u8, 4)
-#undef RVK_BILATERAL_FILTER
-
 rvkStatus rvkBilateralFilterRecursiveu8V(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
                                          uint8_t* dst, uint32_t dstStride, float32_t sigmaColor, float32_t sigmaSpace)
 {
@@ -637,3 +620,5 @@ rvkStatus rvkBilateralFilterRecursiveu8V(const uint8_t* src, uint32_t srcWidth, 
 }
 
 } // namespace rvk::vecta::RVK_ISA
+
+#include "forms/ravikBilateralForms.h"
