@@ -142,16 +142,16 @@ struct Ring
     size_t count, size, columns; // of the windows
 };
 
-// The first n outputs of the two rows. Windows have `columns` columns, or any number, and `columns` is 0.
-template <size_t columns, class D>
-RVK_NOINLINE void sumWindows(Ring ring, const int32_t* weights, unsigned shift, size_t n, TwoRowsOf<D*> dst)
+// The first n outputs of the two rows.
+template <class D>
+RVK_INLINE void sumWindows(Ring ring, const int32_t* weights, unsigned shift, size_t n, TwoRowsOf<D*> dst)
 {
     for (size_t x = 0; x < n; x += kStep) {
         ProductSums upperLeft = {}, upperRight = {}, lowerLeft = {}, lowerRight = {};
         const int32_t* word = weights;
         const int16_t* pair = ring.pairs;
         for (size_t p = 0; p < ring.count; ++p, pair += 2 * ring.size)
-            for (size_t j = 0; j < (columns ? columns : ring.columns); ++j, word += 2) {
+            for (size_t j = 0; j < ring.columns; ++j, word += 2) {
                 const TwoWeights upper = loadTwoWeights(word), lower = loadTwoWeights(word + 1);
                 const Vecs<int16_t, 2> left = loadPair(pair, x + j, ring.size);
                 const Vecs<int16_t, 2> right = loadPair(pair, x + kLanes + j, ring.size);
@@ -182,7 +182,6 @@ RVK_NOINLINE rvkStatus correlateSource(const Source<S>& src, const Taps<int16_t>
     if (!rows || !ring || !weights)
         return RAVIK_ENORES;
     pairWeights(kernel, 2, weights.get());
-    auto* const sum = M == 3 ? &sumWindows<3, D> : &sumWindows<0, D>;
     S *first = rows.get(), *second = first + size;
     int16_t* const pairs = ring.get();
     for (size_t x = 0; x < src.outputColumns; x += strip) {
@@ -194,8 +193,8 @@ RVK_NOINLINE rvkStatus correlateSource(const Source<S>& src, const Taps<int16_t>
                 storePair<true>(pairs + slot * 2 * size, i, size, loadShorts(first + i), loadShorts(second + i));
             slot = slot + 1 == slots ? 0 : slot + 1; // which has the oldest pair
             if (y + 1 >= kernel.N)
-                sum({pairs, slots, size, M}, weights.get() + (slots - slot) % slots * M * 2, shift, n,
-                    twoRows(dst, y + 1 - kernel.N, src.outputRows, x));
+                sumWindows({pairs, slots, size, M}, weights.get() + (slots - slot) % slots * M * 2, shift, n,
+                           twoRows(dst, y + 1 - kernel.N, src.outputRows, x));
         }
     }
     return RAVIK_SUCCESS;
