@@ -141,7 +141,6 @@ RVK_INLINE auto totalOf(size_t width, size_t height, Plane<const T> src)
     const auto inRest = greater(iota<Unsigned<T>>(), splat(static_cast<Unsigned<T>>(lanes - 1 - rest)));
     const Vec<T> restOnly = bitCast<T>(toVec(inRest));
     for (size_t y = 0; y < height; ++y) {
-        width = anyNumber(width);
         const T* const row = src.row(y);
         const T* p = row;
         for (size_t n = width / (4 * lanes); n; --n)
