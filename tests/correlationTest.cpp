@@ -54,10 +54,11 @@ template <class Weight>
 const Weight* drawWeights(Random& random, uint32_t count)
 {
     static std::vector<Weight> weights;
+    const bool areMeans = random.below(4) == 0; // no sum is negative, or more than 16 bits hold
     const auto content = static_cast<Content>(random.below(static_cast<uint32_t>(Content::constant)));
     weights.resize(count);
     for (Weight& weight : weights)
-        weight = drawElement<Weight>(random, content);
+        weight = areMeans ? static_cast<Weight>(random.below(1 + 256 / count)) : drawElement<Weight>(random, content);
     return weights.data();
 }
 
