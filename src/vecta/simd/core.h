@@ -288,50 +288,41 @@ RVK_INLINE Vec<T> iota()
 #define RVK_GENERIC_FLOAT 1
 #endif
 
-#define RVK_ARITHMETIC(op)                                                                                             \
-    template <class T>                                                                                                 \
-    RVK_INLINE Vec<T> operator op(Vec<T> a, Vec<T> b)                                                                  \
-    {                                                                                                                  \
-        using U = Unsigned<T>;                                                                                         \
-        return bitCast<T>(Vec<U>{bitCast<U>(a).raw op bitCast<U>(b).raw});                                             \
-    }
-RVK_ARITHMETIC(+)
-RVK_ARITHMETIC(-)
-RVK_ARITHMETIC(*)
-RVK_ARITHMETIC(&)
-RVK_ARITHMETIC(|)
-RVK_ARITHMETIC(^)
-#undef RVK_ARITHMETIC
+template <class T>
+RVK_INLINE typename Vec<Unsigned<T>>::Raw rawBits(Vec<T> v)
+{
+    return bitCast<Unsigned<T>>(v).raw;
+}
+
+template <class T>
+RVK_INLINE Vec<T> fromBits(typename Vec<Unsigned<T>>::Raw raw)
+{
+    return {(typename Vec<T>::Raw)raw};
+}
+
+template <class T> RVK_INLINE Vec<T> operator+(Vec<T> a, Vec<T> b) { return fromBits<T>(rawBits(a) + rawBits(b)); }
+template <class T> RVK_INLINE Vec<T> operator-(Vec<T> a, Vec<T> b) { return fromBits<T>(rawBits(a) - rawBits(b)); }
+template <class T> RVK_INLINE Vec<T> operator*(Vec<T> a, Vec<T> b) { return fromBits<T>(rawBits(a) * rawBits(b)); }
+template <class T> RVK_INLINE Vec<T> operator&(Vec<T> a, Vec<T> b) { return fromBits<T>(rawBits(a) & rawBits(b)); }
+template <class T> RVK_INLINE Vec<T> operator|(Vec<T> a, Vec<T> b) { return fromBits<T>(rawBits(a) | rawBits(b)); }
+template <class T> RVK_INLINE Vec<T> operator^(Vec<T> a, Vec<T> b) { return fromBits<T>(rawBits(a) ^ rawBits(b)); }
+template <class T> RVK_INLINE Vec<T> operator~(Vec<T> a) { return fromBits<T>(~rawBits(a)); }
 
 #if RVK_GENERIC_FLOAT
 template <> RVK_INLINE Vec<float> operator+(Vec<float> a, Vec<float> b) { return {a.raw + b.raw}; }
 template <> RVK_INLINE Vec<float> operator-(Vec<float> a, Vec<float> b) { return {a.raw - b.raw}; }
 template <> RVK_INLINE Vec<float> operator*(Vec<float> a, Vec<float> b) { return {a.raw * b.raw}; }
 #else
-#define RVK_FLOAT_ARITHMETIC(op, intrinsic)                                                                            \
-    template <>                                                                                                        \
-    RVK_INLINE Vec<float> operator op(Vec<float> a, Vec<float> b)                                                      \
-    {                                                                                                                  \
-        return {(Vec<float>::Raw)intrinsic((float32x4_t)a.raw, (float32x4_t)b.raw)};                                   \
-    }
-RVK_FLOAT_ARITHMETIC(+, vaddq_f32)
-RVK_FLOAT_ARITHMETIC(-, vsubq_f32)
-RVK_FLOAT_ARITHMETIC(*, vmulq_f32)
-#undef RVK_FLOAT_ARITHMETIC
+template <> RVK_INLINE Vec<float> operator+(Vec<float> a, Vec<float> b) { return {vaddq_f32(a.raw, b.raw)}; }
+template <> RVK_INLINE Vec<float> operator-(Vec<float> a, Vec<float> b) { return {vsubq_f32(a.raw, b.raw)}; }
+template <> RVK_INLINE Vec<float> operator*(Vec<float> a, Vec<float> b) { return {vmulq_f32(a.raw, b.raw)}; }
 #endif
-
-template <class T>
-RVK_INLINE Vec<T> operator~(Vec<T> a)
-{
-    return bitCast<T>(Vec<Unsigned<T>>{~bitCast<Unsigned<T>>(a).raw});
-}
 
 // Shifts by one count for all lanes, below the width of an element; right shifts keep the sign of signed elements.
 template <class T>
 RVK_INLINE Vec<T> shiftLeft(Vec<T> a, unsigned count)
 {
-    using U = Unsigned<T>;
-    return bitCast<T>(Vec<U>{bitCast<U>(a).raw << static_cast<U>(count)});
+    return fromBits<T>(rawBits(a) << static_cast<Unsigned<T>>(count));
 }
 
 template <class T>

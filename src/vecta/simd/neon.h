@@ -12,54 +12,66 @@
 namespace rvk::vecta::RVK_ISA {
 namespace {
 
-// The intrinsics' own type of a vector, and of half of one.
-template <class T> struct Neon;
-#define RVK_NEON_TYPE(T, full, half)                                                                                   \
-    template <> struct Neon<T> { using Full = full; using Half = half; };                                              \
-    RVK_INLINE full reg(Vec<T> v) { return (full)v.raw; }                                                              \
-    RVK_INLINE Vec<T> vec(full r) { return {(Vec<T>::Raw)r}; }
-RVK_NEON_TYPE(uint8_t, uint8x16_t, uint8x8_t)
-RVK_NEON_TYPE(int8_t, int8x16_t, int8x8_t)
-RVK_NEON_TYPE(uint16_t, uint16x8_t, uint16x4_t)
-RVK_NEON_TYPE(int16_t, int16x8_t, int16x4_t)
-RVK_NEON_TYPE(uint32_t, uint32x4_t, uint32x2_t)
-RVK_NEON_TYPE(int32_t, int32x4_t, int32x2_t)
-RVK_NEON_TYPE(uint64_t, uint64x2_t, uint64x1_t)
-RVK_NEON_TYPE(int64_t, int64x2_t, int64x1_t)
-RVK_NEON_TYPE(float, float32x4_t, float32x2_t)
-#undef RVK_NEON_TYPE
+// The intrinsics' own type of a vector.
+RVK_INLINE uint8x16_t reg(Vec<uint8_t> v) { return (uint8x16_t)v.raw; }
+RVK_INLINE int8x16_t reg(Vec<int8_t> v) { return (int8x16_t)v.raw; }
+RVK_INLINE uint16x8_t reg(Vec<uint16_t> v) { return (uint16x8_t)v.raw; }
+RVK_INLINE int16x8_t reg(Vec<int16_t> v) { return (int16x8_t)v.raw; }
+RVK_INLINE uint32x4_t reg(Vec<uint32_t> v) { return (uint32x4_t)v.raw; }
+RVK_INLINE int32x4_t reg(Vec<int32_t> v) { return (int32x4_t)v.raw; }
+RVK_INLINE uint64x2_t reg(Vec<uint64_t> v) { return (uint64x2_t)v.raw; }
+RVK_INLINE int64x2_t reg(Vec<int64_t> v) { return (int64x2_t)v.raw; }
+RVK_INLINE float32x4_t reg(Vec<float> v) { return (float32x4_t)v.raw; }
+
+RVK_INLINE Vec<uint8_t> vec(uint8x16_t r) { return {(Vec<uint8_t>::Raw)r}; }
+RVK_INLINE Vec<int8_t> vec(int8x16_t r) { return {(Vec<int8_t>::Raw)r}; }
+RVK_INLINE Vec<uint16_t> vec(uint16x8_t r) { return {(Vec<uint16_t>::Raw)r}; }
+RVK_INLINE Vec<int16_t> vec(int16x8_t r) { return {(Vec<int16_t>::Raw)r}; }
+RVK_INLINE Vec<uint32_t> vec(uint32x4_t r) { return {(Vec<uint32_t>::Raw)r}; }
+RVK_INLINE Vec<int32_t> vec(int32x4_t r) { return {(Vec<int32_t>::Raw)r}; }
+RVK_INLINE Vec<uint64_t> vec(uint64x2_t r) { return {(Vec<uint64_t>::Raw)r}; }
+RVK_INLINE Vec<int64_t> vec(int64x2_t r) { return {(Vec<int64_t>::Raw)r}; }
+RVK_INLINE Vec<float> vec(float32x4_t r) { return {(Vec<float>::Raw)r}; }
 
 // ---- element-wise operations ----------------------------------------------------------------------------------------
 
-#define RVK_UNARY(name, T, intrinsic)                                                                                  \
-    RVK_INLINE Vec<T> name(Vec<T> a) { return vec(intrinsic(reg(a))); }
-#define RVK_BINARY(name, T, intrinsic)                                                                                 \
-    RVK_INLINE Vec<T> name(Vec<T> a, Vec<T> b) { return vec(intrinsic(reg(a), reg(b))); }
-#define RVK_BINARY_8_16(name, intrinsic)                                                                               \
-    RVK_BINARY(name, uint8_t, intrinsic##_u8)                                                                          \
-    RVK_BINARY(name, int8_t, intrinsic##_s8)                                                                           \
-    RVK_BINARY(name, uint16_t, intrinsic##_u16)                                                                        \
-    RVK_BINARY(name, int16_t, intrinsic##_s16)
-#define RVK_BINARY_8_16_32(name, intrinsic)                                                                            \
-    RVK_BINARY_8_16(name, intrinsic)                                                                                   \
-    RVK_BINARY(name, uint32_t, intrinsic##_u32)                                                                        \
-    RVK_BINARY(name, int32_t, intrinsic##_s32)
+RVK_INLINE Vec<uint8_t> min(Vec<uint8_t> a, Vec<uint8_t> b) { return vec(vminq_u8(reg(a), reg(b))); }
+RVK_INLINE Vec<int8_t> min(Vec<int8_t> a, Vec<int8_t> b) { return vec(vminq_s8(reg(a), reg(b))); }
+RVK_INLINE Vec<uint16_t> min(Vec<uint16_t> a, Vec<uint16_t> b) { return vec(vminq_u16(reg(a), reg(b))); }
+RVK_INLINE Vec<int16_t> min(Vec<int16_t> a, Vec<int16_t> b) { return vec(vminq_s16(reg(a), reg(b))); }
+RVK_INLINE Vec<uint32_t> min(Vec<uint32_t> a, Vec<uint32_t> b) { return vec(vminq_u32(reg(a), reg(b))); }
+RVK_INLINE Vec<int32_t> min(Vec<int32_t> a, Vec<int32_t> b) { return vec(vminq_s32(reg(a), reg(b))); }
 
-RVK_BINARY_8_16_32(min, vminq)
-RVK_BINARY_8_16_32(max, vmaxq)
-RVK_BINARY_8_16(addSat, vqaddq)
-RVK_BINARY_8_16(subSat, vqsubq)
-RVK_BINARY(average, uint8_t, vrhaddq_u8)
-RVK_BINARY(average, uint16_t, vrhaddq_u16)
-RVK_BINARY(absDiff, uint8_t, vabdq_u8)
-RVK_BINARY(absDiff, int8_t, vabdq_s8)
-RVK_BINARY(absDiff, uint16_t, vabdq_u16)
-RVK_BINARY(absDiff, int16_t, vabdq_s16)
-RVK_BINARY(absDiff, uint32_t, vabdq_u32)
-RVK_UNARY(abs, int8_t, vabsq_s8)
-RVK_UNARY(abs, int16_t, vabsq_s16)
-RVK_UNARY(abs, int32_t, vabsq_s32)
-RVK_UNARY(countBits, uint8_t, vcntq_u8)
+RVK_INLINE Vec<uint8_t> max(Vec<uint8_t> a, Vec<uint8_t> b) { return vec(vmaxq_u8(reg(a), reg(b))); }
+RVK_INLINE Vec<int8_t> max(Vec<int8_t> a, Vec<int8_t> b) { return vec(vmaxq_s8(reg(a), reg(b))); }
+RVK_INLINE Vec<uint16_t> max(Vec<uint16_t> a, Vec<uint16_t> b) { return vec(vmaxq_u16(reg(a), reg(b))); }
+RVK_INLINE Vec<int16_t> max(Vec<int16_t> a, Vec<int16_t> b) { return vec(vmaxq_s16(reg(a), reg(b))); }
+RVK_INLINE Vec<uint32_t> max(Vec<uint32_t> a, Vec<uint32_t> b) { return vec(vmaxq_u32(reg(a), reg(b))); }
+RVK_INLINE Vec<int32_t> max(Vec<int32_t> a, Vec<int32_t> b) { return vec(vmaxq_s32(reg(a), reg(b))); }
+
+RVK_INLINE Vec<uint8_t> addSat(Vec<uint8_t> a, Vec<uint8_t> b) { return vec(vqaddq_u8(reg(a), reg(b))); }
+RVK_INLINE Vec<int8_t> addSat(Vec<int8_t> a, Vec<int8_t> b) { return vec(vqaddq_s8(reg(a), reg(b))); }
+RVK_INLINE Vec<uint16_t> addSat(Vec<uint16_t> a, Vec<uint16_t> b) { return vec(vqaddq_u16(reg(a), reg(b))); }
+RVK_INLINE Vec<int16_t> addSat(Vec<int16_t> a, Vec<int16_t> b) { return vec(vqaddq_s16(reg(a), reg(b))); }
+
+RVK_INLINE Vec<uint8_t> subSat(Vec<uint8_t> a, Vec<uint8_t> b) { return vec(vqsubq_u8(reg(a), reg(b))); }
+RVK_INLINE Vec<int8_t> subSat(Vec<int8_t> a, Vec<int8_t> b) { return vec(vqsubq_s8(reg(a), reg(b))); }
+RVK_INLINE Vec<uint16_t> subSat(Vec<uint16_t> a, Vec<uint16_t> b) { return vec(vqsubq_u16(reg(a), reg(b))); }
+RVK_INLINE Vec<int16_t> subSat(Vec<int16_t> a, Vec<int16_t> b) { return vec(vqsubq_s16(reg(a), reg(b))); }
+
+RVK_INLINE Vec<uint8_t> average(Vec<uint8_t> a, Vec<uint8_t> b) { return vec(vrhaddq_u8(reg(a), reg(b))); }
+RVK_INLINE Vec<uint16_t> average(Vec<uint16_t> a, Vec<uint16_t> b) { return vec(vrhaddq_u16(reg(a), reg(b))); }
+
+RVK_INLINE Vec<uint8_t> absDiff(Vec<uint8_t> a, Vec<uint8_t> b) { return vec(vabdq_u8(reg(a), reg(b))); }
+RVK_INLINE Vec<int8_t> absDiff(Vec<int8_t> a, Vec<int8_t> b) { return vec(vabdq_s8(reg(a), reg(b))); }
+RVK_INLINE Vec<uint16_t> absDiff(Vec<uint16_t> a, Vec<uint16_t> b) { return vec(vabdq_u16(reg(a), reg(b))); }
+RVK_INLINE Vec<int16_t> absDiff(Vec<int16_t> a, Vec<int16_t> b) { return vec(vabdq_s16(reg(a), reg(b))); }
+RVK_INLINE Vec<uint32_t> absDiff(Vec<uint32_t> a, Vec<uint32_t> b) { return vec(vabdq_u32(reg(a), reg(b))); }
+
+RVK_INLINE Vec<int8_t> abs(Vec<int8_t> a) { return vec(vabsq_s8(reg(a))); }
+RVK_INLINE Vec<int16_t> abs(Vec<int16_t> a) { return vec(vabsq_s16(reg(a))); }
+RVK_INLINE Vec<int32_t> abs(Vec<int32_t> a) { return vec(vabsq_s32(reg(a))); }
+RVK_INLINE Vec<uint8_t> countBits(Vec<uint8_t> a) { return vec(vcntq_u8(reg(a))); }
 
 // |a - b| where a - b fits 16 bits.
 RVK_INLINE Vec<int16_t> distance(Vec<int16_t> a, Vec<int16_t> b) { return absDiff(a, b); }
@@ -150,8 +162,8 @@ RVK_INLINE Vec<float> guessReciprocal(Vec<float> v) { return vec(vrecpeq_f32(reg
 #if defined(__aarch64__)
 
 RVK_INLINE Vec<float> guessSquareRoot(Vec<float> v) { return vec(vsqrtq_f32(reg(v))); }
-RVK_BINARY(divide, float, vdivq_f32)
-RVK_UNARY(squareRoot, float, vsqrtq_f32)
+RVK_INLINE Vec<float> divide(Vec<float> a, Vec<float> b) { return vec(vdivq_f32(reg(a), reg(b))); }
+RVK_INLINE Vec<float> squareRoot(Vec<float> a) { return vec(vsqrtq_f32(reg(a))); }
 RVK_INLINE Vec<int32_t> roundToInt(Vec<float> v) { return vec(vcvtnq_s32_f32(reg(v))); }
 
 #else
@@ -199,68 +211,68 @@ RVK_INLINE Vec<int32_t> roundToInt(Vec<float> v)
 
 // ---- wider and narrower elements ------------------------------------------------------------------------------------
 
-#define RVK_HALVES(T, suffix)                                                                                          \
-    RVK_INLINE Neon<T>::Half lowHalf(Vec<T> v) { return vget_low_##suffix(reg(v)); }                                   \
-    RVK_INLINE Neon<T>::Half highHalf(Vec<T> v) { return vget_high_##suffix(reg(v)); }                                 \
-    RVK_INLINE Vec<T> join(Neon<T>::Half low, Neon<T>::Half high) { return vec(vcombine_##suffix(low, high)); }
-RVK_HALVES(uint8_t, u8)
-RVK_HALVES(int8_t, s8)
-RVK_HALVES(uint16_t, u16)
-RVK_HALVES(int16_t, s16)
-RVK_HALVES(uint32_t, u32)
-RVK_HALVES(int32_t, s32)
-RVK_HALVES(float, f32)
-#undef RVK_HALVES
+RVK_INLINE uint8x8_t lowHalf(Vec<uint8_t> v) { return vget_low_u8(reg(v)); }
+RVK_INLINE int8x8_t lowHalf(Vec<int8_t> v) { return vget_low_s8(reg(v)); }
+RVK_INLINE uint16x4_t lowHalf(Vec<uint16_t> v) { return vget_low_u16(reg(v)); }
+RVK_INLINE int16x4_t lowHalf(Vec<int16_t> v) { return vget_low_s16(reg(v)); }
+RVK_INLINE uint32x2_t lowHalf(Vec<uint32_t> v) { return vget_low_u32(reg(v)); }
+RVK_INLINE int32x2_t lowHalf(Vec<int32_t> v) { return vget_low_s32(reg(v)); }
+RVK_INLINE float32x2_t lowHalf(Vec<float> v) { return vget_low_f32(reg(v)); }
 
-#define RVK_WIDEN(T, suffix)                                                                                           \
-    RVK_INLINE Vecs<Wider<T>, 2> widen(Vec<T> v)                                                                       \
-    {                                                                                                                  \
-        return {vec(vmovl_##suffix(lowHalf(v))), vec(vmovl_##suffix(highHalf(v)))};                                    \
-    }
-RVK_WIDEN(uint8_t, u8)
-RVK_WIDEN(int8_t, s8)
-RVK_WIDEN(uint16_t, u16)
-RVK_WIDEN(int16_t, s16)
-RVK_WIDEN(uint32_t, u32)
-RVK_WIDEN(int32_t, s32)
-#undef RVK_WIDEN
+RVK_INLINE uint8x8_t highHalf(Vec<uint8_t> v) { return vget_high_u8(reg(v)); }
+RVK_INLINE int8x8_t highHalf(Vec<int8_t> v) { return vget_high_s8(reg(v)); }
+RVK_INLINE uint16x4_t highHalf(Vec<uint16_t> v) { return vget_high_u16(reg(v)); }
+RVK_INLINE int16x4_t highHalf(Vec<int16_t> v) { return vget_high_s16(reg(v)); }
+RVK_INLINE uint32x2_t highHalf(Vec<uint32_t> v) { return vget_high_u32(reg(v)); }
+RVK_INLINE int32x2_t highHalf(Vec<int32_t> v) { return vget_high_s32(reg(v)); }
+RVK_INLINE float32x2_t highHalf(Vec<float> v) { return vget_high_f32(reg(v)); }
+
+RVK_INLINE Vec<uint8_t> join(uint8x8_t low, uint8x8_t high) { return vec(vcombine_u8(low, high)); }
+RVK_INLINE Vec<int8_t> join(int8x8_t low, int8x8_t high) { return vec(vcombine_s8(low, high)); }
+RVK_INLINE Vec<uint16_t> join(uint16x4_t low, uint16x4_t high) { return vec(vcombine_u16(low, high)); }
+RVK_INLINE Vec<int16_t> join(int16x4_t low, int16x4_t high) { return vec(vcombine_s16(low, high)); }
+RVK_INLINE Vec<uint32_t> join(uint32x2_t low, uint32x2_t high) { return vec(vcombine_u32(low, high)); }
+RVK_INLINE Vec<int32_t> join(int32x2_t low, int32x2_t high) { return vec(vcombine_s32(low, high)); }
+RVK_INLINE Vec<float> join(float32x2_t low, float32x2_t high) { return vec(vcombine_f32(low, high)); }
+
+RVK_INLINE uint16x8_t widenHalf(uint8x8_t v) { return vmovl_u8(v); }
+RVK_INLINE int16x8_t widenHalf(int8x8_t v) { return vmovl_s8(v); }
+RVK_INLINE uint32x4_t widenHalf(uint16x4_t v) { return vmovl_u16(v); }
+RVK_INLINE int32x4_t widenHalf(int16x4_t v) { return vmovl_s16(v); }
+RVK_INLINE uint64x2_t widenHalf(uint32x2_t v) { return vmovl_u32(v); }
+RVK_INLINE int64x2_t widenHalf(int32x2_t v) { return vmovl_s32(v); }
+
+template <class T>
+RVK_INLINE Vecs<Wider<T>, 2> widen(Vec<T> v)
+{
+    return {vec(widenHalf(lowHalf(v))), vec(widenHalf(highHalf(v)))};
+}
 
 // Half a register's worth of elements. (clang 14 moves 8 bytes of memory that may be unaligned through the stack.)
 #if defined(__clang__) && !defined(__aarch64__)
-#define RVK_LOAD_HALF(T, suffix)                                                                                       \
-    RVK_INLINE Neon<T>::Half loadHalf(const T* p)                                                                      \
-    {                                                                                                                  \
-        Neon<T>::Half half;                                                                                            \
-        __asm__("vld1.8 {%P0}, %1" : "=w"(half) : "Q"(*reinterpret_cast<const char(*)[8]>(p)));                        \
-        return half;                                                                                                   \
-    }
+template <class T>
+RVK_INLINE auto loadHalf(const T* p)
+{
+    decltype(lowHalf(Vec<T>{})) half;
+    __asm__("vld1.8 {%P0}, %1" : "=w"(half) : "Q"(*reinterpret_cast<const char(*)[8]>(p)));
+    return half;
+}
 #else
-#define RVK_LOAD_HALF(T, suffix)                                                                                       \
-    RVK_INLINE Neon<T>::Half loadHalf(const T* p) { return vld1_##suffix(p); }
+RVK_INLINE uint8x8_t loadHalf(const uint8_t* p) { return vld1_u8(p); }
+RVK_INLINE int8x8_t loadHalf(const int8_t* p) { return vld1_s8(p); }
+RVK_INLINE uint16x4_t loadHalf(const uint16_t* p) { return vld1_u16(p); }
+RVK_INLINE int16x4_t loadHalf(const int16_t* p) { return vld1_s16(p); }
+RVK_INLINE uint32x2_t loadHalf(const uint32_t* p) { return vld1_u32(p); }
+RVK_INLINE int32x2_t loadHalf(const int32_t* p) { return vld1_s32(p); }
 #endif
-RVK_LOAD_HALF(uint8_t, u8)
-RVK_LOAD_HALF(int8_t, s8)
-RVK_LOAD_HALF(uint16_t, u16)
-RVK_LOAD_HALF(int16_t, s16)
-RVK_LOAD_HALF(uint32_t, u32)
-RVK_LOAD_HALF(int32_t, s32)
-#undef RVK_LOAD_HALF
 
 // As many elements from p as a vector of To has lanes, each made two or four times as wide.
-#define RVK_LOAD_WIDEN(T, suffix)                                                                                      \
-    template <class To>                                                                                                \
-        requires(isSame<To, Wider<T>>)                                                                                 \
-    RVK_INLINE Vec<To> loadWiden(const T* p)                                                                           \
-    {                                                                                                                  \
-        return vec(vmovl_##suffix(loadHalf(p)));                                                                       \
-    }
-RVK_LOAD_WIDEN(uint8_t, u8)
-RVK_LOAD_WIDEN(int8_t, s8)
-RVK_LOAD_WIDEN(uint16_t, u16)
-RVK_LOAD_WIDEN(int16_t, s16)
-RVK_LOAD_WIDEN(uint32_t, u32)
-RVK_LOAD_WIDEN(int32_t, s32)
-#undef RVK_LOAD_WIDEN
+template <class To, class T>
+    requires(isSame<To, Wider<T>>)
+RVK_INLINE Vec<To> loadWiden(const T* p)
+{
+    return vec(widenHalf(loadHalf(p)));
+}
 
 template <class To, class T>
     requires(sizeof(To) == 4 && sizeof(T) == 1 && isSigned<To> == isSigned<T>)
@@ -278,80 +290,97 @@ RVK_INLINE Vecs<Wider<T>, 2> widenInLanes(Vec<T> v)
     return widen(v);
 }
 
+RVK_INLINE uint16x8_t addHalves(uint8x8_t a, uint8x8_t b) { return vaddl_u8(a, b); }
+RVK_INLINE int16x8_t addHalves(int8x8_t a, int8x8_t b) { return vaddl_s8(a, b); }
+RVK_INLINE uint32x4_t addHalves(uint16x4_t a, uint16x4_t b) { return vaddl_u16(a, b); }
+RVK_INLINE int32x4_t addHalves(int16x4_t a, int16x4_t b) { return vaddl_s16(a, b); }
+
+RVK_INLINE uint16x8_t subtractHalves(uint8x8_t a, uint8x8_t b) { return vsubl_u8(a, b); }
+RVK_INLINE int16x8_t subtractHalves(int8x8_t a, int8x8_t b) { return vsubl_s8(a, b); }
+RVK_INLINE uint32x4_t subtractHalves(uint16x4_t a, uint16x4_t b) { return vsubl_u16(a, b); }
+RVK_INLINE int32x4_t subtractHalves(int16x4_t a, int16x4_t b) { return vsubl_s16(a, b); }
+
 // Exact sums and differences, twice as wide; differences have a sign.
-#define RVK_ADD_WIDE(T, suffix)                                                                                        \
-    RVK_INLINE Vecs<Wider<T>, 2> addWide(Vec<T> a, Vec<T> b)                                                           \
-    {                                                                                                                  \
-        return {vec(vaddl_##suffix(lowHalf(a), lowHalf(b))), vec(vaddl_##suffix(highHalf(a), highHalf(b)))};           \
-    }                                                                                                                  \
-    RVK_INLINE Vecs<Signed<Wider<T>>, 2> subtractWide(Vec<T> a, Vec<T> b)                                              \
-    {                                                                                                                  \
-        return {bitCast<Signed<Wider<T>>>(vec(vsubl_##suffix(lowHalf(a), lowHalf(b)))),                                \
-                bitCast<Signed<Wider<T>>>(vec(vsubl_##suffix(highHalf(a), highHalf(b))))};                             \
-    }
-RVK_ADD_WIDE(uint8_t, u8)
-RVK_ADD_WIDE(int8_t, s8)
-RVK_ADD_WIDE(uint16_t, u16)
-RVK_ADD_WIDE(int16_t, s16)
-#undef RVK_ADD_WIDE
+template <class T>
+RVK_INLINE Vecs<Wider<T>, 2> addWide(Vec<T> a, Vec<T> b)
+{
+    return {vec(addHalves(lowHalf(a), lowHalf(b))), vec(addHalves(highHalf(a), highHalf(b)))};
+}
 
-// Two vectors narrowed into the halves of one. g++ for 32-bit Arm narrows into other registers and moves them, unless
-// it is told both instructions.
+template <class T>
+RVK_INLINE Vecs<Signed<Wider<T>>, 2> subtractWide(Vec<T> a, Vec<T> b)
+{
+    using S = Signed<Wider<T>>;
+    return {bitCast<S>(vec(subtractHalves(lowHalf(a), lowHalf(b)))),
+            bitCast<S>(vec(subtractHalves(highHalf(a), highHalf(b))))};
+}
+
+// narrow keeps the low bits of the lanes of two vectors; narrowSat saturates them: s16 -> u8 and s8, u16 -> u8,
+// s32 -> s16 and u16, u32 -> u16.
 #if defined(__arm__) && !defined(__clang__)
-#define RVK_NARROW_BOTH(To, operation, suffix, v)                                                                      \
-    uint8x16_t both;                                                                                                   \
-    __asm__(#operation "." #suffix " %e0, %q1\n\t" #operation "." #suffix " %f0, %q2"                                  \
-            : "=&w"(both)                                                                                              \
-            : "w"(reg(v[0])), "w"(reg(v[1])));                                                                         \
-    return bitCast<To>(vec(both));
-#else
-#define RVK_NARROW_BOTH(To, operation, suffix, v)                                                                      \
-    return join(operation##_##suffix(reg(v[0])), operation##_##suffix(reg(v[1])));
-#endif
+// g++ for 32-bit Arm narrows into other registers and moves them, unless it is told both instructions.
+template <class T>
+RVK_INLINE Vec<Narrower<T>> narrow(Vecs<T, 2> v)
+{
+    uint8x16_t both;
+    __asm__("vmovn.i%c3 %e0, %q1\n\tvmovn.i%c3 %f0, %q2"
+            : "=&w"(both) : "w"(reg(v[0])), "w"(reg(v[1])), "i"(8 * sizeof(T)));
+    return bitCast<Narrower<T>>(vec(both));
+}
 
-#define RVK_NARROW(T, suffix)                                                                                          \
-    RVK_INLINE Vec<Narrower<T>> narrow(Vecs<T, 2> v)                                                                   \
-    {                                                                                                                  \
-        RVK_NARROW_BOTH(Narrower<T>, vmovn, suffix, v)                                                                 \
+template <class To, class T>
+RVK_INLINE Vec<To> narrowSat(Vecs<T, 2> v)
+{
+    static_assert(isSame<To, Narrower<T>> || isSame<To, Unsigned<Narrower<T>>>);
+    uint8x16_t both;
+    if constexpr (isSigned<To>)
+        __asm__("vqmovn.s%c3 %e0, %q1\n\tvqmovn.s%c3 %f0, %q2"
+                : "=&w"(both) : "w"(reg(v[0])), "w"(reg(v[1])), "i"(8 * sizeof(T)));
+    else if constexpr (isSigned<T>)
+        __asm__("vqmovun.s%c3 %e0, %q1\n\tvqmovun.s%c3 %f0, %q2"
+                : "=&w"(both) : "w"(reg(v[0])), "w"(reg(v[1])), "i"(8 * sizeof(T)));
+    else
+        __asm__("vqmovn.u%c3 %e0, %q1\n\tvqmovn.u%c3 %f0, %q2"
+                : "=&w"(both) : "w"(reg(v[0])), "w"(reg(v[1])), "i"(8 * sizeof(T)));
+    return bitCast<To>(vec(both));
+}
+#else
+RVK_INLINE uint8x8_t narrowHalf(uint16x8_t v) { return vmovn_u16(v); }
+RVK_INLINE int8x8_t narrowHalf(int16x8_t v) { return vmovn_s16(v); }
+RVK_INLINE uint16x4_t narrowHalf(uint32x4_t v) { return vmovn_u32(v); }
+RVK_INLINE int16x4_t narrowHalf(int32x4_t v) { return vmovn_s32(v); }
+
+RVK_INLINE uint8x8_t narrowSatHalf(uint16x8_t v) { return vqmovn_u16(v); }
+RVK_INLINE int8x8_t narrowSatHalf(int16x8_t v) { return vqmovn_s16(v); }
+RVK_INLINE uint16x4_t narrowSatHalf(uint32x4_t v) { return vqmovn_u32(v); }
+RVK_INLINE int16x4_t narrowSatHalf(int32x4_t v) { return vqmovn_s32(v); }
+
+RVK_INLINE uint8x8_t narrowSatHalfUnsigned(int16x8_t v) { return vqmovun_s16(v); }
+RVK_INLINE uint16x4_t narrowSatHalfUnsigned(int32x4_t v) { return vqmovun_s32(v); }
+
+template <class T>
+RVK_INLINE Vec<Narrower<T>> narrow(Vecs<T, 2> v)
+{
+    return join(narrowHalf(reg(v[0])), narrowHalf(reg(v[1])));
+}
+
+template <class To, class T>
+RVK_INLINE Vec<To> narrowSat(Vecs<T, 2> v)
+{
+    if constexpr (isSame<To, Narrower<T>>) {
+        return join(narrowSatHalf(reg(v[0])), narrowSatHalf(reg(v[1])));
+    } else {
+        static_assert(isSame<To, Unsigned<Narrower<T>>>);
+        return join(narrowSatHalfUnsigned(reg(v[0])), narrowSatHalfUnsigned(reg(v[1])));
     }
-RVK_NARROW(uint16_t, u16)
-RVK_NARROW(int16_t, s16)
-RVK_NARROW(uint32_t, u32)
-RVK_NARROW(int32_t, s32)
-#undef RVK_NARROW
+}
+#endif
 
 template <class T>
 RVK_INLINE Vec<Narrower<T>> narrowInLanes(Vecs<T, 2> v)
 {
     return narrow(v);
 }
-
-// Saturates the lanes of two vectors: s16 -> u8 and s8, u16 -> u8, s32 -> s16 and u16, u32 -> u16.
-#define RVK_NARROW_SIGNED(T, suffix)                                                                                   \
-    template <class To>                                                                                                \
-    RVK_INLINE Vec<To> narrowSat(Vecs<T, 2> v)                                                                         \
-    {                                                                                                                  \
-        static_assert(sizeof(To) * 2 == sizeof(T));                                                                    \
-        if constexpr (isSigned<To>) {                                                                                  \
-            RVK_NARROW_BOTH(To, vqmovn, suffix, v)                                                                     \
-        } else {                                                                                                       \
-            RVK_NARROW_BOTH(To, vqmovun, suffix, v)                                                                    \
-        }                                                                                                              \
-    }
-#define RVK_NARROW_UNSIGNED(T, suffix)                                                                                 \
-    template <class To>                                                                                                \
-    RVK_INLINE Vec<To> narrowSat(Vecs<T, 2> v)                                                                         \
-    {                                                                                                                  \
-        static_assert(isSame<To, Narrower<T>>);                                                                        \
-        RVK_NARROW_BOTH(To, vqmovn, suffix, v)                                                                         \
-    }
-RVK_NARROW_SIGNED(int16_t, s16)
-RVK_NARROW_SIGNED(int32_t, s32)
-RVK_NARROW_UNSIGNED(uint16_t, u16)
-RVK_NARROW_UNSIGNED(uint32_t, u32)
-#undef RVK_NARROW_SIGNED
-#undef RVK_NARROW_UNSIGNED
-#undef RVK_NARROW_BOTH
 
 template <class To, class T>
 RVK_INLINE Vec<To> narrowSatInLanes(Vecs<T, 2> v)
@@ -361,17 +390,22 @@ RVK_INLINE Vec<To> narrowSatInLanes(Vecs<T, 2> v)
 
 // ---- products -------------------------------------------------------------------------------------------------------
 
-#define RVK_MULTIPLY_WIDE(T, suffix)                                                                                   \
-    RVK_INLINE Vecs<Wider<T>, 2> multiplyWide(Vec<T> a, Vec<T> b)                                                      \
-    {                                                                                                                  \
-        return {vec(vmull_##suffix(lowHalf(a), lowHalf(b))), vec(vmull_##suffix(highHalf(a), highHalf(b)))};           \
-    }                                                                                                                  \
-    RVK_INLINE Vecs<Wider<T>, 2> multiplyWideInLanes(Vec<T> a, Vec<T> b) { return multiplyWide(a, b); }
-RVK_MULTIPLY_WIDE(uint8_t, u8)
-RVK_MULTIPLY_WIDE(int8_t, s8)
-RVK_MULTIPLY_WIDE(uint16_t, u16)
-RVK_MULTIPLY_WIDE(int16_t, s16)
-#undef RVK_MULTIPLY_WIDE
+RVK_INLINE uint16x8_t multiplyHalves(uint8x8_t a, uint8x8_t b) { return vmull_u8(a, b); }
+RVK_INLINE int16x8_t multiplyHalves(int8x8_t a, int8x8_t b) { return vmull_s8(a, b); }
+RVK_INLINE uint32x4_t multiplyHalves(uint16x4_t a, uint16x4_t b) { return vmull_u16(a, b); }
+RVK_INLINE int32x4_t multiplyHalves(int16x4_t a, int16x4_t b) { return vmull_s16(a, b); }
+
+template <class T>
+RVK_INLINE Vecs<Wider<T>, 2> multiplyWide(Vec<T> a, Vec<T> b)
+{
+    return {vec(multiplyHalves(lowHalf(a), lowHalf(b))), vec(multiplyHalves(highHalf(a), highHalf(b)))};
+}
+
+template <class T>
+RVK_INLINE Vecs<Wider<T>, 2> multiplyWideInLanes(Vec<T> a, Vec<T> b)
+{
+    return multiplyWide(a, b);
+}
 
 RVK_INLINE Vec<int16_t> multiplyHigh(Vec<int16_t> a, Vec<int16_t> b)
 {
@@ -448,7 +482,7 @@ RVK_INLINE Vec<uint16_t> multiplyQ8(Vec<uint16_t> a, Vec<uint16_t> b)
 // ---- rounding -------------------------------------------------------------------------------------------------------
 
 // (a * b + 2^14) >> 15; not of -32768 twice.
-RVK_BINARY(multiplyRounded, int16_t, vqrdmulhq_s16)
+RVK_INLINE Vec<int16_t> multiplyRounded(Vec<int16_t> a, Vec<int16_t> b) { return vec(vqrdmulhq_s16(reg(a), reg(b))); }
 
 // (a * b + 2^7) >> 8.
 RVK_INLINE Vec<uint8_t> multiplyRounded(Vec<uint8_t> a, Vec<uint8_t> b)
@@ -457,33 +491,34 @@ RVK_INLINE Vec<uint8_t> multiplyRounded(Vec<uint8_t> a, Vec<uint8_t> b)
     return join(vrshrn_n_u16(reg(p[0]), 8), vrshrn_n_u16(reg(p[1]), 8));
 }
 
-// (v + 2^(count - 1)) >> count, without overflow; the count is at least 1.
-// v << count, or the end of the range beyond which that lies.
-#define RVK_SHIFT_BY(name, T, intrinsic, splatCount, sign)                                                             \
-    RVK_INLINE Vec<T> name(Vec<T> v, unsigned count)                                                                   \
-    {                                                                                                                  \
-        return vec(intrinsic(reg(v), splatCount(static_cast<Signed<T>>(sign static_cast<int>(count)))));               \
-    }
-RVK_SHIFT_BY(shiftRightRounded, uint16_t, vrshlq_u16, vdupq_n_s16, -)
-RVK_SHIFT_BY(shiftRightRounded, int16_t, vrshlq_s16, vdupq_n_s16, -)
-RVK_SHIFT_BY(shiftRightRounded, int32_t, vrshlq_s32, vdupq_n_s32, -)
-RVK_SHIFT_BY(shiftLeftSat, uint16_t, vqshlq_u16, vdupq_n_s16, +)
-RVK_SHIFT_BY(shiftLeftSat, int16_t, vqshlq_s16, vdupq_n_s16, +)
-#undef RVK_SHIFT_BY
+// A shift count for each lane: one to the right is negative.
+RVK_INLINE int16x8_t left16(unsigned n) { return vdupq_n_s16(static_cast<int16_t>(n)); }
+RVK_INLINE int16x8_t right16(unsigned n) { return vdupq_n_s16(static_cast<int16_t>(-static_cast<int>(n))); }
+RVK_INLINE int32x4_t right32(unsigned n) { return vdupq_n_s32(-static_cast<int>(n)); }
+
+// (v + 2^(n - 1)) >> n, without overflow; n is at least 1.
+RVK_INLINE Vec<uint16_t> shiftRightRounded(Vec<uint16_t> v, unsigned n) { return vec(vrshlq_u16(reg(v), right16(n))); }
+RVK_INLINE Vec<int16_t> shiftRightRounded(Vec<int16_t> v, unsigned n) { return vec(vrshlq_s16(reg(v), right16(n))); }
+RVK_INLINE Vec<int32_t> shiftRightRounded(Vec<int32_t> v, unsigned n) { return vec(vrshlq_s32(reg(v), right32(n))); }
+
+// v << n, or the end of the range beyond which that lies.
+RVK_INLINE Vec<uint16_t> shiftLeftSat(Vec<uint16_t> v, unsigned n) { return vec(vqshlq_u16(reg(v), left16(n))); }
+RVK_INLINE Vec<int16_t> shiftLeftSat(Vec<int16_t> v, unsigned n) { return vec(vqshlq_s16(reg(v), left16(n))); }
 
 // narrowSatInLanes of shiftRightRounded.
-#define RVK_NARROW_ROUNDED(To, T, intrinsic)                                                                           \
-    template <class Result, unsigned count>                                                                            \
-        requires(isSame<Result, To>)                                                                                   \
-    RVK_INLINE Vec<To> narrowRoundedInLanes(const Vecs<T, 2>& v)                                                       \
-    {                                                                                                                  \
-        return join(intrinsic(reg(v[0]), count), intrinsic(reg(v[1]), count));                                         \
-    }
-RVK_NARROW_ROUNDED(uint8_t, uint16_t, vqrshrn_n_u16)
-RVK_NARROW_ROUNDED(uint8_t, int16_t, vqrshrun_n_s16)
-RVK_NARROW_ROUNDED(int16_t, int32_t, vqrshrn_n_s32)
-RVK_NARROW_ROUNDED(uint16_t, int32_t, vqrshrun_n_s32)
-#undef RVK_NARROW_ROUNDED
+template <class To, unsigned count, class T>
+RVK_INLINE Vec<To> narrowRoundedInLanes(const Vecs<T, 2>& v)
+{
+    static_assert(sizeof(To) * 2 == sizeof(T));
+    if constexpr (isSame<T, uint16_t>)
+        return join(vqrshrn_n_u16(reg(v[0]), count), vqrshrn_n_u16(reg(v[1]), count));
+    else if constexpr (isSame<T, int16_t>)
+        return join(vqrshrun_n_s16(reg(v[0]), count), vqrshrun_n_s16(reg(v[1]), count));
+    else if constexpr (isSame<To, int16_t>)
+        return join(vqrshrn_n_s32(reg(v[0]), count), vqrshrn_n_s32(reg(v[1]), count));
+    else
+        return join(vqrshrun_n_s32(reg(v[0]), count), vqrshrun_n_s32(reg(v[1]), count));
+}
 
 // shiftRightRounded of the products with a number, for counts from 1 to 29.
 RVK_INLINE Vecs<int32_t, 2> multiplyAndShiftInLanes(Vec<int16_t> v, int16_t factor, unsigned count)
@@ -675,32 +710,62 @@ RVK_INLINE Vec<int64_t> addTo(Vec<int64_t> acc, Vec<int32_t> v) { return vec(vpa
 
 // The least, the largest and the sum of all lanes; sums of 32-bit elements wrap.
 #if defined(__aarch64__)
-#define RVK_REDUCE(T, suffix, steps)                                                                                   \
-    RVK_INLINE T reduceMin(Vec<T> v) { return vminvq_##suffix(reg(v)); }                                               \
-    RVK_INLINE T reduceMax(Vec<T> v) { return vmaxvq_##suffix(reg(v)); }
+RVK_INLINE uint8_t reduceMin(Vec<uint8_t> v) { return vminvq_u8(reg(v)); }
+RVK_INLINE int8_t reduceMin(Vec<int8_t> v) { return vminvq_s8(reg(v)); }
+RVK_INLINE uint16_t reduceMin(Vec<uint16_t> v) { return vminvq_u16(reg(v)); }
+RVK_INLINE int16_t reduceMin(Vec<int16_t> v) { return vminvq_s16(reg(v)); }
+RVK_INLINE uint32_t reduceMin(Vec<uint32_t> v) { return vminvq_u32(reg(v)); }
+RVK_INLINE int32_t reduceMin(Vec<int32_t> v) { return vminvq_s32(reg(v)); }
+
+RVK_INLINE uint8_t reduceMax(Vec<uint8_t> v) { return vmaxvq_u8(reg(v)); }
+RVK_INLINE int8_t reduceMax(Vec<int8_t> v) { return vmaxvq_s8(reg(v)); }
+RVK_INLINE uint16_t reduceMax(Vec<uint16_t> v) { return vmaxvq_u16(reg(v)); }
+RVK_INLINE int16_t reduceMax(Vec<int16_t> v) { return vmaxvq_s16(reg(v)); }
+RVK_INLINE uint32_t reduceMax(Vec<uint32_t> v) { return vmaxvq_u32(reg(v)); }
+RVK_INLINE int32_t reduceMax(Vec<int32_t> v) { return vmaxvq_s32(reg(v)); }
 #else
-// A pairwise operation halves the number of different lanes.
-#define RVK_REDUCE(T, suffix, steps)                                                                                   \
-    RVK_INLINE T reduceMin(Vec<T> v)                                                                                   \
-    {                                                                                                                  \
-        auto r = vmin_##suffix(lowHalf(v), highHalf(v));                                                               \
-        unrolled<steps>([&](auto) RVK_INLINE_LAMBDA { r = vpmin_##suffix(r, r); });                                    \
-        return vget_lane_##suffix(r, 0);                                                                               \
-    }                                                                                                                  \
-    RVK_INLINE T reduceMax(Vec<T> v)                                                                                   \
-    {                                                                                                                  \
-        auto r = vmax_##suffix(lowHalf(v), highHalf(v));                                                               \
-        unrolled<steps>([&](auto) RVK_INLINE_LAMBDA { r = vpmax_##suffix(r, r); });                                    \
-        return vget_lane_##suffix(r, 0);                                                                               \
-    }
+RVK_INLINE uint8x8_t minPairs(uint8x8_t a, uint8x8_t b) { return vpmin_u8(a, b); }
+RVK_INLINE int8x8_t minPairs(int8x8_t a, int8x8_t b) { return vpmin_s8(a, b); }
+RVK_INLINE uint16x4_t minPairs(uint16x4_t a, uint16x4_t b) { return vpmin_u16(a, b); }
+RVK_INLINE int16x4_t minPairs(int16x4_t a, int16x4_t b) { return vpmin_s16(a, b); }
+RVK_INLINE uint32x2_t minPairs(uint32x2_t a, uint32x2_t b) { return vpmin_u32(a, b); }
+RVK_INLINE int32x2_t minPairs(int32x2_t a, int32x2_t b) { return vpmin_s32(a, b); }
+
+RVK_INLINE uint8x8_t maxPairs(uint8x8_t a, uint8x8_t b) { return vpmax_u8(a, b); }
+RVK_INLINE int8x8_t maxPairs(int8x8_t a, int8x8_t b) { return vpmax_s8(a, b); }
+RVK_INLINE uint16x4_t maxPairs(uint16x4_t a, uint16x4_t b) { return vpmax_u16(a, b); }
+RVK_INLINE int16x4_t maxPairs(int16x4_t a, int16x4_t b) { return vpmax_s16(a, b); }
+RVK_INLINE uint32x2_t maxPairs(uint32x2_t a, uint32x2_t b) { return vpmax_u32(a, b); }
+RVK_INLINE int32x2_t maxPairs(int32x2_t a, int32x2_t b) { return vpmax_s32(a, b); }
+
+RVK_INLINE uint8_t firstLane(uint8x8_t v) { return vget_lane_u8(v, 0); }
+RVK_INLINE int8_t firstLane(int8x8_t v) { return vget_lane_s8(v, 0); }
+RVK_INLINE uint16_t firstLane(uint16x4_t v) { return vget_lane_u16(v, 0); }
+RVK_INLINE int16_t firstLane(int16x4_t v) { return vget_lane_s16(v, 0); }
+RVK_INLINE uint32_t firstLane(uint32x2_t v) { return vget_lane_u32(v, 0); }
+RVK_INLINE int32_t firstLane(int32x2_t v) { return vget_lane_s32(v, 0); }
+
+// A pairwise operation halves the number of different lanes: so many more are needed after that of the two halves.
+template <class T> constexpr size_t kHalvings = static_cast<size_t>(__builtin_ctz(Vec<T>::lanes)) - 1;
+
+template <class T>
+    requires(sizeof(T) <= 4 && !isSame<T, float>)
+RVK_INLINE T reduceMin(Vec<T> v)
+{
+    auto r = minPairs(lowHalf(v), highHalf(v));
+    unrolled<kHalvings<T>>([&](auto) RVK_INLINE_LAMBDA { r = minPairs(r, r); });
+    return firstLane(r);
+}
+
+template <class T>
+    requires(sizeof(T) <= 4 && !isSame<T, float>)
+RVK_INLINE T reduceMax(Vec<T> v)
+{
+    auto r = maxPairs(lowHalf(v), highHalf(v));
+    unrolled<kHalvings<T>>([&](auto) RVK_INLINE_LAMBDA { r = maxPairs(r, r); });
+    return firstLane(r);
+}
 #endif
-RVK_REDUCE(uint8_t, u8, 3)
-RVK_REDUCE(int8_t, s8, 3)
-RVK_REDUCE(uint16_t, u16, 2)
-RVK_REDUCE(int16_t, s16, 2)
-RVK_REDUCE(uint32_t, u32, 1)
-RVK_REDUCE(int32_t, s32, 1)
-#undef RVK_REDUCE
 
 RVK_INLINE uint64_t reduceAdd(Vec<uint64_t> v) { return vgetq_lane_u64(reg(v), 0) + vgetq_lane_u64(reg(v), 1); }
 RVK_INLINE int64_t reduceAdd(Vec<int64_t> v) { return static_cast<int64_t>(reduceAdd(bitCast<uint64_t>(v))); }
@@ -730,38 +795,71 @@ struct Total<int32_t> {
 
 // ---- interleaved memory ---------------------------------------------------------------------------------------------
 
-#define RVK_INTERLEAVED(n, T, suffix)                                                                                  \
-    RVK_INLINE Vecs<T, n> load##n(const T* p)                                                                          \
-    {                                                                                                                  \
-        const auto m = vld##n##q_##suffix(p);                                                                          \
-        Vecs<T, n> r;                                                                                                  \
-        unrolled<n>([&](auto i) RVK_INLINE_LAMBDA { r[i] = vec(m.val[i]); });                                          \
-        return r;                                                                                                      \
-    }                                                                                                                  \
-    RVK_INLINE void store##n(T* p, const Vecs<T, n>& v)                                                                \
-    {                                                                                                                  \
-        decltype(vld##n##q_##suffix(p)) m;                                                                             \
-        unrolled<n>([&](auto i) RVK_INLINE_LAMBDA { m.val[i] = reg(v[i]); });                                          \
-        vst##n##q_##suffix(p, m);                                                                                      \
-    }
-#define RVK_INTERLEAVED_ALL(T, suffix)                                                                                 \
-    RVK_INTERLEAVED(2, T, suffix)                                                                                      \
-    RVK_INTERLEAVED(3, T, suffix)                                                                                      \
-    RVK_INTERLEAVED(4, T, suffix)
-RVK_INTERLEAVED_ALL(uint8_t, u8)
-RVK_INTERLEAVED_ALL(int8_t, s8)
-RVK_INTERLEAVED_ALL(uint16_t, u16)
-RVK_INTERLEAVED_ALL(int16_t, s16)
-RVK_INTERLEAVED_ALL(uint32_t, u32)
-RVK_INTERLEAVED_ALL(int32_t, s32)
-RVK_INTERLEAVED_ALL(float, f32)
-#undef RVK_INTERLEAVED_ALL
-#undef RVK_INTERLEAVED
+// The intrinsics' own types of several vectors.
+template <class Regs>
+RVK_INLINE auto vecs(const Regs& m)
+{
+    constexpr size_t count = sizeof m.val / sizeof m.val[0];
+    Vecs<typename decltype(vec(m.val[0]))::Element, count> r;
+    unrolled<count>([&](auto i) RVK_INLINE_LAMBDA { r[i] = vec(m.val[i]); });
+    return r;
+}
 
-#undef RVK_UNARY
-#undef RVK_BINARY
-#undef RVK_BINARY_8_16
-#undef RVK_BINARY_8_16_32
+template <class Regs, class T, size_t count>
+RVK_INLINE Regs regs(const Vecs<T, count>& v)
+{
+    Regs m;
+    unrolled<count>([&](auto i) RVK_INLINE_LAMBDA { m.val[i] = reg(v[i]); });
+    return m;
+}
+
+RVK_INLINE Vecs<uint8_t, 2> load2(const uint8_t* p) { return vecs(vld2q_u8(p)); }
+RVK_INLINE Vecs<int8_t, 2> load2(const int8_t* p) { return vecs(vld2q_s8(p)); }
+RVK_INLINE Vecs<uint16_t, 2> load2(const uint16_t* p) { return vecs(vld2q_u16(p)); }
+RVK_INLINE Vecs<int16_t, 2> load2(const int16_t* p) { return vecs(vld2q_s16(p)); }
+RVK_INLINE Vecs<uint32_t, 2> load2(const uint32_t* p) { return vecs(vld2q_u32(p)); }
+RVK_INLINE Vecs<int32_t, 2> load2(const int32_t* p) { return vecs(vld2q_s32(p)); }
+RVK_INLINE Vecs<float, 2> load2(const float* p) { return vecs(vld2q_f32(p)); }
+
+RVK_INLINE void store2(uint8_t* p, const Vecs<uint8_t, 2>& v) { vst2q_u8(p, regs<uint8x16x2_t>(v)); }
+RVK_INLINE void store2(int8_t* p, const Vecs<int8_t, 2>& v) { vst2q_s8(p, regs<int8x16x2_t>(v)); }
+RVK_INLINE void store2(uint16_t* p, const Vecs<uint16_t, 2>& v) { vst2q_u16(p, regs<uint16x8x2_t>(v)); }
+RVK_INLINE void store2(int16_t* p, const Vecs<int16_t, 2>& v) { vst2q_s16(p, regs<int16x8x2_t>(v)); }
+RVK_INLINE void store2(uint32_t* p, const Vecs<uint32_t, 2>& v) { vst2q_u32(p, regs<uint32x4x2_t>(v)); }
+RVK_INLINE void store2(int32_t* p, const Vecs<int32_t, 2>& v) { vst2q_s32(p, regs<int32x4x2_t>(v)); }
+RVK_INLINE void store2(float* p, const Vecs<float, 2>& v) { vst2q_f32(p, regs<float32x4x2_t>(v)); }
+
+RVK_INLINE Vecs<uint8_t, 3> load3(const uint8_t* p) { return vecs(vld3q_u8(p)); }
+RVK_INLINE Vecs<int8_t, 3> load3(const int8_t* p) { return vecs(vld3q_s8(p)); }
+RVK_INLINE Vecs<uint16_t, 3> load3(const uint16_t* p) { return vecs(vld3q_u16(p)); }
+RVK_INLINE Vecs<int16_t, 3> load3(const int16_t* p) { return vecs(vld3q_s16(p)); }
+RVK_INLINE Vecs<uint32_t, 3> load3(const uint32_t* p) { return vecs(vld3q_u32(p)); }
+RVK_INLINE Vecs<int32_t, 3> load3(const int32_t* p) { return vecs(vld3q_s32(p)); }
+RVK_INLINE Vecs<float, 3> load3(const float* p) { return vecs(vld3q_f32(p)); }
+
+RVK_INLINE void store3(uint8_t* p, const Vecs<uint8_t, 3>& v) { vst3q_u8(p, regs<uint8x16x3_t>(v)); }
+RVK_INLINE void store3(int8_t* p, const Vecs<int8_t, 3>& v) { vst3q_s8(p, regs<int8x16x3_t>(v)); }
+RVK_INLINE void store3(uint16_t* p, const Vecs<uint16_t, 3>& v) { vst3q_u16(p, regs<uint16x8x3_t>(v)); }
+RVK_INLINE void store3(int16_t* p, const Vecs<int16_t, 3>& v) { vst3q_s16(p, regs<int16x8x3_t>(v)); }
+RVK_INLINE void store3(uint32_t* p, const Vecs<uint32_t, 3>& v) { vst3q_u32(p, regs<uint32x4x3_t>(v)); }
+RVK_INLINE void store3(int32_t* p, const Vecs<int32_t, 3>& v) { vst3q_s32(p, regs<int32x4x3_t>(v)); }
+RVK_INLINE void store3(float* p, const Vecs<float, 3>& v) { vst3q_f32(p, regs<float32x4x3_t>(v)); }
+
+RVK_INLINE Vecs<uint8_t, 4> load4(const uint8_t* p) { return vecs(vld4q_u8(p)); }
+RVK_INLINE Vecs<int8_t, 4> load4(const int8_t* p) { return vecs(vld4q_s8(p)); }
+RVK_INLINE Vecs<uint16_t, 4> load4(const uint16_t* p) { return vecs(vld4q_u16(p)); }
+RVK_INLINE Vecs<int16_t, 4> load4(const int16_t* p) { return vecs(vld4q_s16(p)); }
+RVK_INLINE Vecs<uint32_t, 4> load4(const uint32_t* p) { return vecs(vld4q_u32(p)); }
+RVK_INLINE Vecs<int32_t, 4> load4(const int32_t* p) { return vecs(vld4q_s32(p)); }
+RVK_INLINE Vecs<float, 4> load4(const float* p) { return vecs(vld4q_f32(p)); }
+
+RVK_INLINE void store4(uint8_t* p, const Vecs<uint8_t, 4>& v) { vst4q_u8(p, regs<uint8x16x4_t>(v)); }
+RVK_INLINE void store4(int8_t* p, const Vecs<int8_t, 4>& v) { vst4q_s8(p, regs<int8x16x4_t>(v)); }
+RVK_INLINE void store4(uint16_t* p, const Vecs<uint16_t, 4>& v) { vst4q_u16(p, regs<uint16x8x4_t>(v)); }
+RVK_INLINE void store4(int16_t* p, const Vecs<int16_t, 4>& v) { vst4q_s16(p, regs<int16x8x4_t>(v)); }
+RVK_INLINE void store4(uint32_t* p, const Vecs<uint32_t, 4>& v) { vst4q_u32(p, regs<uint32x4x4_t>(v)); }
+RVK_INLINE void store4(int32_t* p, const Vecs<int32_t, 4>& v) { vst4q_s32(p, regs<int32x4x4_t>(v)); }
+RVK_INLINE void store4(float* p, const Vecs<float, 4>& v) { vst4q_f32(p, regs<float32x4x4_t>(v)); }
 
 } // namespace
 } // namespace rvk::vecta::RVK_ISA

@@ -147,49 +147,47 @@ RVK_INLINE void storePartial(T* p, const Vecs<T, count>& v, size_t n)
 
 // ---- element-wise operations ----------------------------------------------------------------------------------------
 
-#define RVK_UNARY(name, T, intrinsic)                                                                                  \
-    RVK_INLINE Vec<T> name(Vec<T> a) { return vec<T>(RVK_MM(intrinsic)(reg(a))); }
-#define RVK_BINARY(name, T, intrinsic)                                                                                 \
-    RVK_INLINE Vec<T> name(Vec<T> a, Vec<T> b) { return vec<T>(RVK_MM(intrinsic)(reg(a), reg(b))); }
-
-RVK_BINARY(min, uint8_t, min_epu8)
-RVK_BINARY(min, int8_t, min_epi8)
-RVK_BINARY(min, uint16_t, min_epu16)
-RVK_BINARY(min, int16_t, min_epi16)
-RVK_BINARY(min, uint32_t, min_epu32)
-RVK_BINARY(min, int32_t, min_epi32)
-RVK_BINARY(max, uint8_t, max_epu8)
-RVK_BINARY(max, int8_t, max_epi8)
-RVK_BINARY(max, uint16_t, max_epu16)
-RVK_BINARY(max, int16_t, max_epi16)
-RVK_BINARY(max, uint32_t, max_epu32)
-RVK_BINARY(max, int32_t, max_epi32)
+RVK_INLINE auto min(Vec<uint8_t> a, Vec<uint8_t> b) { return vec<uint8_t>(RVK_MM(min_epu8)(reg(a), reg(b))); }
+RVK_INLINE auto min(Vec<int8_t> a, Vec<int8_t> b) { return vec<int8_t>(RVK_MM(min_epi8)(reg(a), reg(b))); }
+RVK_INLINE auto min(Vec<uint16_t> a, Vec<uint16_t> b) { return vec<uint16_t>(RVK_MM(min_epu16)(reg(a), reg(b))); }
+RVK_INLINE auto min(Vec<int16_t> a, Vec<int16_t> b) { return vec<int16_t>(RVK_MM(min_epi16)(reg(a), reg(b))); }
+RVK_INLINE auto min(Vec<uint32_t> a, Vec<uint32_t> b) { return vec<uint32_t>(RVK_MM(min_epu32)(reg(a), reg(b))); }
+RVK_INLINE auto min(Vec<int32_t> a, Vec<int32_t> b) { return vec<int32_t>(RVK_MM(min_epi32)(reg(a), reg(b))); }
+RVK_INLINE auto max(Vec<uint8_t> a, Vec<uint8_t> b) { return vec<uint8_t>(RVK_MM(max_epu8)(reg(a), reg(b))); }
+RVK_INLINE auto max(Vec<int8_t> a, Vec<int8_t> b) { return vec<int8_t>(RVK_MM(max_epi8)(reg(a), reg(b))); }
+RVK_INLINE auto max(Vec<uint16_t> a, Vec<uint16_t> b) { return vec<uint16_t>(RVK_MM(max_epu16)(reg(a), reg(b))); }
+RVK_INLINE auto max(Vec<int16_t> a, Vec<int16_t> b) { return vec<int16_t>(RVK_MM(max_epi16)(reg(a), reg(b))); }
+RVK_INLINE auto max(Vec<uint32_t> a, Vec<uint32_t> b) { return vec<uint32_t>(RVK_MM(max_epu32)(reg(a), reg(b))); }
+RVK_INLINE auto max(Vec<int32_t> a, Vec<int32_t> b) { return vec<int32_t>(RVK_MM(max_epi32)(reg(a), reg(b))); }
 
 // b < a ? b : a, and a < b ? b : a: the first operand when the two are equal or one is not a number.
 RVK_INLINE Vec<float> min(Vec<float> a, Vec<float> b) { return vec(RVK_MM(min_ps)(floatReg(b), floatReg(a))); }
 RVK_INLINE Vec<float> max(Vec<float> a, Vec<float> b) { return vec(RVK_MM(max_ps)(floatReg(b), floatReg(a))); }
 
-RVK_BINARY(addSat, uint8_t, adds_epu8)
-RVK_BINARY(addSat, int8_t, adds_epi8)
-RVK_BINARY(addSat, uint16_t, adds_epu16)
-RVK_BINARY(addSat, int16_t, adds_epi16)
-RVK_BINARY(subSat, uint8_t, subs_epu8)
-RVK_BINARY(subSat, int8_t, subs_epi8)
-RVK_BINARY(subSat, uint16_t, subs_epu16)
-RVK_BINARY(subSat, int16_t, subs_epi16)
+RVK_INLINE auto addSat(Vec<uint8_t> a, Vec<uint8_t> b) { return vec<uint8_t>(RVK_MM(adds_epu8)(reg(a), reg(b))); }
+RVK_INLINE auto addSat(Vec<int8_t> a, Vec<int8_t> b) { return vec<int8_t>(RVK_MM(adds_epi8)(reg(a), reg(b))); }
+RVK_INLINE auto addSat(Vec<uint16_t> a, Vec<uint16_t> b) { return vec<uint16_t>(RVK_MM(adds_epu16)(reg(a), reg(b))); }
+RVK_INLINE auto addSat(Vec<int16_t> a, Vec<int16_t> b) { return vec<int16_t>(RVK_MM(adds_epi16)(reg(a), reg(b))); }
+RVK_INLINE auto subSat(Vec<uint8_t> a, Vec<uint8_t> b) { return vec<uint8_t>(RVK_MM(subs_epu8)(reg(a), reg(b))); }
+RVK_INLINE auto subSat(Vec<int8_t> a, Vec<int8_t> b) { return vec<int8_t>(RVK_MM(subs_epi8)(reg(a), reg(b))); }
+RVK_INLINE auto subSat(Vec<uint16_t> a, Vec<uint16_t> b) { return vec<uint16_t>(RVK_MM(subs_epu16)(reg(a), reg(b))); }
+RVK_INLINE auto subSat(Vec<int16_t> a, Vec<int16_t> b) { return vec<int16_t>(RVK_MM(subs_epi16)(reg(a), reg(b))); }
 
-RVK_BINARY(average, uint8_t, avg_epu8)
-RVK_BINARY(average, uint16_t, avg_epu16)
+RVK_INLINE auto average(Vec<uint8_t> a, Vec<uint8_t> b) { return vec<uint8_t>(RVK_MM(avg_epu8)(reg(a), reg(b))); }
+RVK_INLINE auto average(Vec<uint16_t> a, Vec<uint16_t> b) { return vec<uint16_t>(RVK_MM(avg_epu16)(reg(a), reg(b))); }
 
-RVK_BINARY(multiplyHigh, int16_t, mulhi_epi16)
-RVK_BINARY(multiplyHigh, uint16_t, mulhi_epu16)
+RVK_INLINE Vec<int16_t> multiplyHigh(Vec<int16_t> a, Vec<int16_t> b)
+{
+    return vec<int16_t>(RVK_MM(mulhi_epi16)(reg(a), reg(b)));
+}
+RVK_INLINE Vec<uint16_t> multiplyHigh(Vec<uint16_t> a, Vec<uint16_t> b)
+{
+    return vec<uint16_t>(RVK_MM(mulhi_epu16)(reg(a), reg(b)));
+}
 
-RVK_UNARY(abs, int8_t, abs_epi8)
-RVK_UNARY(abs, int16_t, abs_epi16)
-RVK_UNARY(abs, int32_t, abs_epi32)
-
-#undef RVK_UNARY
-#undef RVK_BINARY
+RVK_INLINE Vec<int8_t> abs(Vec<int8_t> a) { return vec<int8_t>(RVK_MM(abs_epi8)(reg(a))); }
+RVK_INLINE Vec<int16_t> abs(Vec<int16_t> a) { return vec<int16_t>(RVK_MM(abs_epi16)(reg(a))); }
+RVK_INLINE Vec<int32_t> abs(Vec<int32_t> a) { return vec<int32_t>(RVK_MM(abs_epi32)(reg(a))); }
 
 RVK_INLINE Vec<uint8_t> absDiff(Vec<uint8_t> a, Vec<uint8_t> b) { return subSat(a, b) | subSat(b, a); }
 RVK_INLINE Vec<uint16_t> absDiff(Vec<uint16_t> a, Vec<uint16_t> b) { return subSat(a, b) | subSat(b, a); }
@@ -232,65 +230,95 @@ template <> struct MaskBits<64> { using Type = __mmask64; };
 template <> struct MaskBits<32> { using Type = __mmask32; };
 template <> struct MaskBits<16> { using Type = __mmask16; };
 template <> struct MaskBits<8> { using Type = __mmask8; };
+template <class T> using BitsOf = typename MaskBits<Vec<T>::lanes>::Type;
 
 // The result of a comparison: a truth value per lane. Masks combine with & | ^ ~.
 template <class T>
 struct Mask {
-    using Bits = typename MaskBits<Vec<T>::lanes>::Type;
+    using Bits = BitsOf<T>;
     Bits bits;
 };
 
-#define RVK_MASK_OPERATOR(op)                                                                                          \
-    template <class T>                                                                                                 \
-    RVK_INLINE Mask<T> operator op(Mask<T> a, Mask<T> b)                                                               \
-    {                                                                                                                  \
-        return {static_cast<typename Mask<T>::Bits>(a.bits op b.bits)};                                                \
-    }
-RVK_MASK_OPERATOR(&)
-RVK_MASK_OPERATOR(|)
-RVK_MASK_OPERATOR(^)
-#undef RVK_MASK_OPERATOR
+template <class T> RVK_INLINE Mask<T> operator&(Mask<T> a, Mask<T> b) { return {BitsOf<T>(a.bits & b.bits)}; }
+template <class T> RVK_INLINE Mask<T> operator|(Mask<T> a, Mask<T> b) { return {BitsOf<T>(a.bits | b.bits)}; }
+template <class T> RVK_INLINE Mask<T> operator^(Mask<T> a, Mask<T> b) { return {BitsOf<T>(a.bits ^ b.bits)}; }
+template <class T> RVK_INLINE Mask<T> operator~(Mask<T> a) { return {BitsOf<T>(~a.bits)}; }
 
-template <class T>
-RVK_INLINE Mask<T> operator~(Mask<T> a)
+RVK_INLINE Mask<uint8_t> equal(Vec<uint8_t> a, Vec<uint8_t> b) { return {_mm512_cmpeq_epu8_mask(reg(a), reg(b))}; }
+RVK_INLINE Mask<int8_t> equal(Vec<int8_t> a, Vec<int8_t> b) { return {_mm512_cmpeq_epi8_mask(reg(a), reg(b))}; }
+RVK_INLINE Mask<uint16_t> equal(Vec<uint16_t> a, Vec<uint16_t> b) { return {_mm512_cmpeq_epu16_mask(reg(a), reg(b))}; }
+RVK_INLINE Mask<int16_t> equal(Vec<int16_t> a, Vec<int16_t> b) { return {_mm512_cmpeq_epi16_mask(reg(a), reg(b))}; }
+RVK_INLINE Mask<uint32_t> equal(Vec<uint32_t> a, Vec<uint32_t> b) { return {_mm512_cmpeq_epu32_mask(reg(a), reg(b))}; }
+RVK_INLINE Mask<int32_t> equal(Vec<int32_t> a, Vec<int32_t> b) { return {_mm512_cmpeq_epi32_mask(reg(a), reg(b))}; }
+RVK_INLINE Mask<uint64_t> equal(Vec<uint64_t> a, Vec<uint64_t> b) { return {_mm512_cmpeq_epu64_mask(reg(a), reg(b))}; }
+RVK_INLINE Mask<int64_t> equal(Vec<int64_t> a, Vec<int64_t> b) { return {_mm512_cmpeq_epi64_mask(reg(a), reg(b))}; }
+RVK_INLINE Mask<float> equal(Vec<float> a, Vec<float> b)
 {
-    return {static_cast<typename Mask<T>::Bits>(~a.bits)};
+    return {_mm512_cmp_ps_mask(floatReg(a), floatReg(b), _CMP_EQ_OQ)};
 }
 
-#define RVK_COMPARISONS(T, suffix, vectorSuffix)                                                                       \
-    RVK_INLINE Mask<T> equal(Vec<T> a, Vec<T> b) { return {_mm512_cmpeq_##suffix##_mask(reg(a), reg(b))}; }            \
-    RVK_INLINE Mask<T> greater(Vec<T> a, Vec<T> b) { return {_mm512_cmpgt_##suffix##_mask(reg(a), reg(b))}; }          \
-    RVK_INLINE Mask<T> less(Vec<T> a, Vec<T> b) { return {_mm512_cmplt_##suffix##_mask(reg(a), reg(b))}; }             \
-    RVK_INLINE Vec<T> select(Mask<T> m, Vec<T> a, Vec<T> b)                                                            \
-    {                                                                                                                  \
-        return vec<T>(_mm512_mask_blend_##vectorSuffix(m.bits, reg(b), reg(a)));                                       \
-    }                                                                                                                  \
-    RVK_INLINE Vec<T> toVec(Mask<T> m) { return vec<T>(_mm512_movm_##vectorSuffix(m.bits)); }
-RVK_COMPARISONS(uint8_t, epu8, epi8)
-RVK_COMPARISONS(int8_t, epi8, epi8)
-RVK_COMPARISONS(uint16_t, epu16, epi16)
-RVK_COMPARISONS(int16_t, epi16, epi16)
-RVK_COMPARISONS(uint32_t, epu32, epi32)
-RVK_COMPARISONS(int32_t, epi32, epi32)
-RVK_COMPARISONS(uint64_t, epu64, epi64)
-RVK_COMPARISONS(int64_t, epi64, epi64)
-#undef RVK_COMPARISONS
+RVK_INLINE Mask<uint8_t> greater(Vec<uint8_t> a, Vec<uint8_t> b) { return {_mm512_cmpgt_epu8_mask(reg(a), reg(b))}; }
+RVK_INLINE Mask<int8_t> greater(Vec<int8_t> a, Vec<int8_t> b) { return {_mm512_cmpgt_epi8_mask(reg(a), reg(b))}; }
+RVK_INLINE Mask<uint16_t> greater(Vec<uint16_t> a, Vec<uint16_t> b)
+{
+    return {_mm512_cmpgt_epu16_mask(reg(a), reg(b))};
+}
+RVK_INLINE Mask<int16_t> greater(Vec<int16_t> a, Vec<int16_t> b) { return {_mm512_cmpgt_epi16_mask(reg(a), reg(b))}; }
+RVK_INLINE Mask<uint32_t> greater(Vec<uint32_t> a, Vec<uint32_t> b)
+{
+    return {_mm512_cmpgt_epu32_mask(reg(a), reg(b))};
+}
+RVK_INLINE Mask<int32_t> greater(Vec<int32_t> a, Vec<int32_t> b) { return {_mm512_cmpgt_epi32_mask(reg(a), reg(b))}; }
+RVK_INLINE Mask<uint64_t> greater(Vec<uint64_t> a, Vec<uint64_t> b)
+{
+    return {_mm512_cmpgt_epu64_mask(reg(a), reg(b))};
+}
+RVK_INLINE Mask<int64_t> greater(Vec<int64_t> a, Vec<int64_t> b) { return {_mm512_cmpgt_epi64_mask(reg(a), reg(b))}; }
+RVK_INLINE Mask<float> greater(Vec<float> a, Vec<float> b)
+{
+    return {_mm512_cmp_ps_mask(floatReg(a), floatReg(b), _CMP_GT_OQ)};
+}
 
-#define RVK_FLOAT_COMPARISON(name, predicate)                                                                          \
-    RVK_INLINE Mask<float> name(Vec<float> a, Vec<float> b)                                                            \
-    {                                                                                                                  \
-        return {_mm512_cmp_ps_mask(floatReg(a), floatReg(b), predicate)};                                              \
-    }
-RVK_FLOAT_COMPARISON(equal, _CMP_EQ_OQ)
-RVK_FLOAT_COMPARISON(greater, _CMP_GT_OQ)
-RVK_FLOAT_COMPARISON(less, _CMP_LT_OQ)
-#undef RVK_FLOAT_COMPARISON
+RVK_INLINE Mask<uint8_t> less(Vec<uint8_t> a, Vec<uint8_t> b) { return {_mm512_cmplt_epu8_mask(reg(a), reg(b))}; }
+RVK_INLINE Mask<int8_t> less(Vec<int8_t> a, Vec<int8_t> b) { return {_mm512_cmplt_epi8_mask(reg(a), reg(b))}; }
+RVK_INLINE Mask<uint16_t> less(Vec<uint16_t> a, Vec<uint16_t> b) { return {_mm512_cmplt_epu16_mask(reg(a), reg(b))}; }
+RVK_INLINE Mask<int16_t> less(Vec<int16_t> a, Vec<int16_t> b) { return {_mm512_cmplt_epi16_mask(reg(a), reg(b))}; }
+RVK_INLINE Mask<uint32_t> less(Vec<uint32_t> a, Vec<uint32_t> b) { return {_mm512_cmplt_epu32_mask(reg(a), reg(b))}; }
+RVK_INLINE Mask<int32_t> less(Vec<int32_t> a, Vec<int32_t> b) { return {_mm512_cmplt_epi32_mask(reg(a), reg(b))}; }
+RVK_INLINE Mask<uint64_t> less(Vec<uint64_t> a, Vec<uint64_t> b) { return {_mm512_cmplt_epu64_mask(reg(a), reg(b))}; }
+RVK_INLINE Mask<int64_t> less(Vec<int64_t> a, Vec<int64_t> b) { return {_mm512_cmplt_epi64_mask(reg(a), reg(b))}; }
+RVK_INLINE Mask<float> less(Vec<float> a, Vec<float> b)
+{
+    return {_mm512_cmp_ps_mask(floatReg(a), floatReg(b), _CMP_LT_OQ)};
+}
+
+RVK_INLINE Register selectLanes(__mmask64 m, Register a, Register b) { return _mm512_mask_blend_epi8(m, b, a); }
+RVK_INLINE Register selectLanes(__mmask32 m, Register a, Register b) { return _mm512_mask_blend_epi16(m, b, a); }
+RVK_INLINE Register selectLanes(__mmask16 m, Register a, Register b) { return _mm512_mask_blend_epi32(m, b, a); }
+RVK_INLINE Register selectLanes(__mmask8 m, Register a, Register b) { return _mm512_mask_blend_epi64(m, b, a); }
+
+template <class T>
+RVK_INLINE Vec<T> select(Mask<T> m, Vec<T> a, Vec<T> b)
+{
+    return vec<T>(selectLanes(m.bits, reg(a), reg(b)));
+}
 
 RVK_INLINE Vec<float> select(Mask<float> m, Vec<float> a, Vec<float> b)
 {
     return vec(_mm512_mask_blend_ps(m.bits, floatReg(b), floatReg(a)));
 }
-RVK_INLINE Vec<float> toVec(Mask<float> m) { return bitCast<float>(vec<uint32_t>(_mm512_movm_epi32(m.bits))); }
+
+RVK_INLINE Register fillLanes(__mmask64 m) { return _mm512_movm_epi8(m); }
+RVK_INLINE Register fillLanes(__mmask32 m) { return _mm512_movm_epi16(m); }
+RVK_INLINE Register fillLanes(__mmask16 m) { return _mm512_movm_epi32(m); }
+RVK_INLINE Register fillLanes(__mmask8 m) { return _mm512_movm_epi64(m); }
+
+// All bits of the true lanes set, the others zero.
+template <class T>
+RVK_INLINE Vec<T> toVec(Mask<T> m)
+{
+    return vec<T>(fillLanes(m.bits));
+}
 
 template <class T> RVK_INLINE bool any(Mask<T> m) { return m.bits != 0; }
 template <class T> RVK_INLINE bool all(Mask<T> m) { return static_cast<typename Mask<T>::Bits>(~m.bits) == 0; }
@@ -359,18 +387,19 @@ RVK_INLINE uint32_t laneBits(Mask<uint8_t> m) { return byteBits(m); }
 
 // ---- wider and narrower elements ------------------------------------------------------------------------------------
 
-#define RVK_WIDEN(T, intrinsic)                                                                                        \
-    RVK_INLINE Vecs<Wider<T>, 2> widen(Vec<T> v)                                                                       \
-    {                                                                                                                  \
-        return {vec<Wider<T>>(RVK_MM(intrinsic)(lowHalf(reg(v)))), vec<Wider<T>>(RVK_MM(intrinsic)(highHalf(reg(v))))};\
-    }
-RVK_WIDEN(uint8_t, cvtepu8_epi16)
-RVK_WIDEN(int8_t, cvtepi8_epi16)
-RVK_WIDEN(uint16_t, cvtepu16_epi32)
-RVK_WIDEN(int16_t, cvtepi16_epi32)
-RVK_WIDEN(uint32_t, cvtepu32_epi64)
-RVK_WIDEN(int32_t, cvtepi32_epi64)
-#undef RVK_WIDEN
+template <class T> Register widenHalf(HalfRegister) = delete;
+template <> RVK_INLINE Register widenHalf<uint8_t>(HalfRegister v) { return RVK_MM(cvtepu8_epi16)(v); }
+template <> RVK_INLINE Register widenHalf<int8_t>(HalfRegister v) { return RVK_MM(cvtepi8_epi16)(v); }
+template <> RVK_INLINE Register widenHalf<uint16_t>(HalfRegister v) { return RVK_MM(cvtepu16_epi32)(v); }
+template <> RVK_INLINE Register widenHalf<int16_t>(HalfRegister v) { return RVK_MM(cvtepi16_epi32)(v); }
+template <> RVK_INLINE Register widenHalf<uint32_t>(HalfRegister v) { return RVK_MM(cvtepu32_epi64)(v); }
+template <> RVK_INLINE Register widenHalf<int32_t>(HalfRegister v) { return RVK_MM(cvtepi32_epi64)(v); }
+
+template <class T>
+RVK_INLINE Vecs<Wider<T>, 2> widen(Vec<T> v)
+{
+    return {vec<Wider<T>>(widenHalf<T>(lowHalf(reg(v)))), vec<Wider<T>>(widenHalf<T>(highHalf(reg(v))))};
+}
 
 RVK_INLINE __m128i loadBlock(const void* p)
 {
@@ -395,22 +424,22 @@ RVK_INLINE auto loadFraction(const void* p)
 }
 
 // As many elements from p as a vector of To has lanes, each made two or four times as wide.
-#define RVK_LOAD_WIDEN(From, ratio, To, intrinsic)                                                                     \
-    template <class Result>                                                                                            \
-        requires(isSame<Result, To>)                                                                                   \
-    RVK_INLINE Vec<To> loadWiden(const From* p)                                                                        \
-    {                                                                                                                  \
-        return vec<To>(RVK_MM(intrinsic)(loadFraction<ratio>(p)));                                                     \
-    }
-RVK_LOAD_WIDEN(uint8_t, 2, uint16_t, cvtepu8_epi16)
-RVK_LOAD_WIDEN(int8_t, 2, int16_t, cvtepi8_epi16)
-RVK_LOAD_WIDEN(uint16_t, 2, uint32_t, cvtepu16_epi32)
-RVK_LOAD_WIDEN(int16_t, 2, int32_t, cvtepi16_epi32)
-RVK_LOAD_WIDEN(uint32_t, 2, uint64_t, cvtepu32_epi64)
-RVK_LOAD_WIDEN(int32_t, 2, int64_t, cvtepi32_epi64)
-RVK_LOAD_WIDEN(uint8_t, 4, uint32_t, cvtepu8_epi32)
-RVK_LOAD_WIDEN(int8_t, 4, int32_t, cvtepi8_epi32)
-#undef RVK_LOAD_WIDEN
+template <class To, class T>
+    requires(isSame<To, Wider<T>>)
+RVK_INLINE Vec<To> loadWiden(const T* p)
+{
+    return vec<To>(widenHalf<T>(loadFraction<2>(p)));
+}
+
+template <class To, class T>
+    requires(sizeof(To) == 4 && sizeof(T) == 1 && isSigned<To> == isSigned<T>)
+RVK_INLINE Vec<To> loadWiden(const T* p)
+{
+    if constexpr (isSigned<T>)
+        return vec<To>(RVK_MM(cvtepi8_epi32)(loadFraction<4>(p)));
+    else
+        return vec<To>(RVK_MM(cvtepu8_epi32)(loadFraction<4>(p)));
+}
 
 template <class T>
 RVK_INLINE Vecs<Wider<T>, 2> widenInLanes(Vec<T> v)
@@ -531,20 +560,19 @@ RVK_INLINE Vecs<Wider<T>, 2> multiplyWideInLanes(Vec<T> a, Vec<T> b)
     return {x[0] * y[0], x[1] * y[1]};
 }
 
-#define RVK_MULTIPLY_WIDE(T)                                                                                           \
-    RVK_INLINE Vecs<Wider<T>, 2> multiplyWide(Vec<T> a, Vec<T> b)                                                      \
-    {                                                                                                                  \
-        const Vecs<T, 2> z = zip(a * b, multiplyHigh(a, b));                                                           \
-        return {bitCast<Wider<T>>(z[0]), bitCast<Wider<T>>(z[1])};                                                     \
-    }                                                                                                                  \
-    RVK_INLINE Vecs<Wider<T>, 2> multiplyWideInLanes(Vec<T> a, Vec<T> b)                                               \
-    {                                                                                                                  \
-        const Vecs<T, 2> z = zipInLanes(a * b, multiplyHigh(a, b));                                                    \
-        return {bitCast<Wider<T>>(z[0]), bitCast<Wider<T>>(z[1])};                                                     \
-    }
-RVK_MULTIPLY_WIDE(int16_t)
-RVK_MULTIPLY_WIDE(uint16_t)
-#undef RVK_MULTIPLY_WIDE
+template <class T>
+    requires(sizeof(T) == 2)
+RVK_INLINE Vecs<Wider<T>, 2> multiplyWide(Vec<T> a, Vec<T> b)
+{
+    return bitCast<Wider<T>>(zip(a * b, multiplyHigh(a, b)));
+}
+
+template <class T>
+    requires(sizeof(T) == 2)
+RVK_INLINE Vecs<Wider<T>, 2> multiplyWideInLanes(Vec<T> a, Vec<T> b)
+{
+    return bitCast<Wider<T>>(zipInLanes(a * b, multiplyHigh(a, b)));
+}
 
 // Exact sums and differences, twice as wide; differences have a sign.
 template <class T> RVK_INLINE Vecs<Wider<T>, 2> addWide(Vec<T> a, Vec<T> b)
