@@ -22,10 +22,8 @@ using Role = Argument::Role;
 
 void forEachFunction(const std::function<void(const FunctionTest&)>& action)
 {
-    for (const TestGroup& group : testGroups())
-        if (group.functions)
-            for (const FunctionTest& function : group.functions().functions)
-                action(function);
+    for (const FunctionTest* function : allFunctions())
+        action(*function);
 }
 
 constexpr uint32_t kNoSlot = kPublicFunctions;
@@ -368,11 +366,9 @@ CallValues withStrides(const FunctionTest& function, const FunctionCall& call, c
 
 const FunctionTest& testNamed(const std::string& name)
 {
-    for (const TestGroup& group : testGroups())
-        if (group.functions)
-            for (const FunctionTest& function : group.functions().functions)
-                if (function.name == name)
-                    return function;
+    for (const FunctionTest* function : allFunctions())
+        if (function->name == name)
+            return *function;
     ADD_FAILURE() << "no test of " << name;
     abort();
 }
@@ -434,14 +430,11 @@ public:
     {
         const size_t count = function.arguments.size();
         m_values = {std::vector<void*>(count), std::vector<double>(count)};
+        function.setSize(m_values.numbers, size);
         for (size_t i = 0; i < count; i++) {
             const Argument& a = function.arguments[i];
             if (a.role == Role::scalar)
                 m_values.numbers[i] = largestChoice(a);
-            if (a.role == Role::width)
-                m_values.numbers[i] = size.width;
-            if (a.role == Role::height)
-                m_values.numbers[i] = size.height;
             if (a.role == Role::stride)
                 m_values.numbers[i] = strideOf(i);
             if (a.role == Role::source && a.mayBeNull)
@@ -474,7 +467,7 @@ private:
         uint32_t row = 0;
         for (const size_t image : m_function.imagesOfStride(argument)) {
             const Argument& a = m_function.arguments[image];
-            row = std::max(row, (a.isTransposed ? m_size.height : m_size.width) * a.pixelSize());
+            row = std::max(row, static_cast<uint32_t>(a.sizeIn(m_size).columns) * a.pixelSize());
         }
         return (row + 63) / 64 * 64;
     }

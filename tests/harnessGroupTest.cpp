@@ -115,14 +115,13 @@ TEST(HarnessGroups, PassOnEveryTargetInEveryPart)
     // Every target but NDSP's own clock has taken its time.
     const size_t line = run.out.find("RAVIK_PROFILE, rvkAbsDiffVc4f32 :: PASS");
     ASSERT_NE(line, std::string::npos);
-    unsigned long long times[9] = {};
-    ASSERT_EQ(sscanf(run.out.c_str() + line,
-                     "RAVIK_PROFILE, rvkAbsDiffVc4f32 :: PASS, %llu, %llu, %llu, %llu, %llu, "
-                     "%llu, %llu, %llu, %llu\n",
-                     times, times + 1, times + 2, times + 3, times + 4, times + 5, times + 6, times + 7, times + 8),
-              9);
-    for (int i = 0; i < 9; i++)
-        EXPECT_EQ(times[i] > 0, i != 3) << i;
+    std::istringstream times(run.out.substr(run.out.find(',', run.out.find("::", line)) + 1));
+    for (int i = 0; i < 9; i++) {
+        unsigned long long time = 0;
+        times >> time;
+        EXPECT_EQ(time > 0, i != 3) << i;
+        times.ignore(1, ',');
+    }
 }
 
 TEST(HarnessGroups, PassInUnusualMemory)
@@ -160,12 +159,10 @@ TEST(HarnessGroups, RunThePartsThatAreChosen)
 TEST(HarnessGroups, CoverEveryFunction)
 {
     std::set<std::string> tested;
-    for (const TestGroup& group : testGroups())
-        if (group.functions)
-            for (const FunctionTest& function : group.functions().functions) {
-                tested.insert(function.name);
-                EXPECT_NE(parseFunctionName(function.tableName.c_str()), 0u) << function.name;
-            }
+    for (const FunctionTest* function : allFunctions()) {
+        tested.insert(function->name);
+        EXPECT_NE(parseFunctionName(function->tableName.c_str()), 0u) << function->name;
+    }
 #define RVK_FUNCTION(name, reference, vecta, remote) \
     RVK_WHEN_##reference(EXPECT_TRUE(tested.count(#name)) << #name " has no entry in a test group";)
 #include "functionList.inc"
@@ -223,24 +220,6 @@ TEST(HarnessGroups, FailOnFilesThatAreMissingTruncatedOrAbsurd)
     expectBroken(source, "P5 100000 100000 255\n", "no PGM image of the type");
 }
 
-TEST(HarnessGroups, SurviveADirectoryOfGarbage)
-{
-    TemporaryDirectory directory;
-    std::string noise;
-    uint32_t state = 1;
-    while (noise.size() < 20000)
-        noise.push_back(static_cast<char>((state = state * 1664525 + 1013904223) >> 24));
-    fs::copy(testData() / "RavikTestTable.csv", directory.path());
-    for (const auto& entry : fs::recursive_directory_iterator(testData()))
-        if (entry.path().filename().string().rfind("control_script_", 0) == 0)
-            writeFile(directory.path() / fs::relative(entry.path(), testData()), noise);
-    const ProgramRun run = runOn(directory.path(), {"-t", "2", "-l", "1", "-E"});
-    EXPECT_EQ(run.exitStatus, 1);
-    EXPECT_TRUE(run.out.ends_with(kFail));
-    EXPECT_TRUE(run.logged("RAVIK_TEST, HW=>PASS"));
-    EXPECT_TRUE(run.logged("RAVIK_TEST, ARITHM=>FAIL"));
-}
-
 // ---- wrong functions ----
 
 using Word = void (*)();
@@ -260,77 +239,51 @@ ProgramRun runOnDsp(const char* group, const char* name, Function* function, std
                  [=] { remoteWord((std::string(name) + "R_").c_str()) = reinterpret_cast<Word>(function); });
 }
 
-void addRight(const uint8_t* src1, uint32_t width, uint32_t height, uint32_t src1Stride, const uint8_t* src2,
+enum class Wrong { nothing, status, beyondRow, strides, largeImages, memory };
+
+template <Wrong wrong>
+rvkStatus add(const uint8_t* src1, uint32_t width, uint32_t height, uint32_t src1Stride, const uint8_t* src2,
               uint32_t src2Stride, uint32_t policy, uint8_t* dst, uint32_t dstStride)
 {
-    for (uint32_t j = 0; j < height; j++)
+    if (wrong == Wrong::memory && width == 7)
+        return RAVIK_ENORES;
+    if (policy > 1)
+        return wrong == Wrong::status ? RAVIK_EFAIL : RAVIK_EBADPARAM;
+    if (wrong == Wrong::strides)
+        src1Stride = src2Stride = width;
+    for (uint32_t j = 0; j < height; j++) {
         for (uint32_t i = 0; i < width; i++) {
             const unsigned sum = src1[j * src1Stride + i] + src2[j * src2Stride + i];
             dst[j * dstStride + i] = static_cast<uint8_t>(policy && sum > 255 ? 255 : sum);
         }
-}
-
-#define ADD_PARAMETERS                                                                              \
-    const uint8_t *src1, uint32_t width, uint32_t height, uint32_t src1Stride, const uint8_t *src2, \
-        uint32_t src2Stride, uint32_t policy, uint8_t *dst, uint32_t dstStride
-#define ADD_ARGUMENTS src1, width, height, src1Stride, src2, src2Stride, policy, dst, dstStride
-
-rvkStatus add(ADD_PARAMETERS)
-{
-    if (policy > 1)
-        return RAVIK_EBADPARAM;
-    addRight(ADD_ARGUMENTS);
+        if (wrong == Wrong::beyondRow && dstStride > width)
+            dst[j * dstStride + width - (j + 1 == height)] |= 1; // not behind the last row: the block may end there
+    }
+    if (wrong == Wrong::largeImages && width > 150)
+        dst[(height - 1) * dstStride + width - 1] ^= 1;
     return RAVIK_SUCCESS;
 }
 
-rvkStatus addWithWrongStatus(ADD_PARAMETERS)
+template <Wrong wrong>
+ProgramRun runWithAdd()
 {
-    return add(ADD_ARGUMENTS) == RAVIK_SUCCESS ? RAVIK_SUCCESS : RAVIK_EFAIL;
-}
-
-rvkStatus addBeyondTheRow(ADD_PARAMETERS)
-{
-    const rvkStatus status = add(ADD_ARGUMENTS);
-    for (uint32_t j = 0; j < height && status == RAVIK_SUCCESS; j++)
-        if (dstStride > width)
-            dst[j * dstStride + width - (j + 1 == height)] |= 1; // not behind the last row: the block may end there
-    return status;
-}
-
-rvkStatus addWithoutStrides(ADD_PARAMETERS)
-{
-    src1Stride = src2Stride = width;
-    return add(ADD_ARGUMENTS);
-}
-
-rvkStatus addWrongOnLargeImages(ADD_PARAMETERS)
-{
-    const rvkStatus status = add(ADD_ARGUMENTS);
-    if (status == RAVIK_SUCCESS && width > 150)
-        dst[(height - 1) * dstStride + width - 1] ^= 1;
-    return status;
-}
-
-rvkStatus addWithoutMemory(ADD_PARAMETERS)
-{
-    return width == 7 ? RAVIK_ENORES : add(ADD_ARGUMENTS);
+    return runOnDsp("ARITHM", "rvkAddu8", add<wrong>);
 }
 
 TEST(HarnessGroups, FailWhenAFunctionIsWrong)
 {
-    EXPECT_EQ(runOnDsp("ARITHM", "rvkAddu8", add).exitStatus, 0);
-    expectFailure(runOnDsp("ARITHM", "rvkAddu8", addWithWrongStatus), "rvkAddu8",
-                  "ref status = 3, count = 0, tst status = 1");
-    expectFailure(runOnDsp("ARITHM", "rvkAddu8", addBeyondTheRow), "rvkAddu8", "rvkAddu8_Q (");
-    expectFailure(runOnDsp("ARITHM", "rvkAddu8", addWithoutStrides), "rvkAddu8", "rvkAddu8_Q (");
-    const ProgramRun large = runOnDsp("ARITHM", "rvkAddu8", addWrongOnLargeImages);
+    EXPECT_EQ(runWithAdd<Wrong::nothing>().exitStatus, 0);
+    expectFailure(runWithAdd<Wrong::status>(), "rvkAddu8", "ref status = 3, count = 0, tst status = 1");
+    expectFailure(runWithAdd<Wrong::beyondRow>(), "rvkAddu8", "rvkAddu8_Q (");
+    expectFailure(runWithAdd<Wrong::strides>(), "rvkAddu8", "rvkAddu8_Q (");
+    const ProgramRun large = runWithAdd<Wrong::largeImages>();
     expectFailure(large, "rvkAddu8", "rvkAddu8_Q (0) =>FAIL");
     EXPECT_TRUE(large.printed("rvkAdds16 :: PASS"));
 }
 
 TEST(HarnessGroups, SkipWhatRunsOutOfResources)
 {
-    const ProgramRun run = runOnDsp("ARITHM", "rvkAddu8", addWithoutMemory);
+    const ProgramRun run = runWithAdd<Wrong::memory>();
     EXPECT_EQ(run.exitStatus, 0) << run.err;
     EXPECT_TRUE(run.logged("rvkAddu8 return RAVIK_ENORES - skip test 2"));
 }
@@ -401,9 +354,8 @@ TEST(HarnessGroups, EndWithAVerdictWhenMemoryRunsOut)
 
 struct Drawn
 {
-    const int16_t *src1, *src2;
-    int16_t* dst;
-    uint32_t width, height, srcStride, dstStride;
+    const int16_t* src1;
+    uint32_t width, srcStride, dstStride;
     int16_t scalar;
 };
 std::vector<Drawn> drawn;
@@ -411,7 +363,7 @@ std::vector<Drawn> drawn;
 void remember(const int16_t* src1, const int16_t* src2, uint32_t width, uint32_t height, uint32_t srcStride,
               int16_t scalar, int16_t* dst, uint32_t dstStride)
 {
-    drawn.push_back({src1, src2, dst, width, height, srcStride, dstStride, scalar});
+    drawn.push_back({src1, width, srcStride, dstStride, scalar});
     int16_t sum = 0; // every element of every row is there
     for (uint32_t j = 0; j < height; j++)
         for (uint32_t i = 0; i < width; i++) {
@@ -419,15 +371,6 @@ void remember(const int16_t* src1, const int16_t* src2, uint32_t width, uint32_t
             dst[j * dstStride / 2 + i] = sum;
         }
 }
-
-class CountingRandom : public RandomBits
-{
-public:
-    uint32_t next() override { return m_state = m_state * 1664525 + 1013904223; }
-
-private:
-    uint32_t m_state = 1;
-};
 
 TEST(TestCases, AreDrawnInAllLayouts)
 {

@@ -54,19 +54,10 @@ TEST(StoredVectors, ComputeSomethingOrAreMeantToBeRefused)
     });
 }
 
-class Words : public RandomBits
-{
-public:
-    uint32_t next() override { return m_state = m_state * 1664525 + 1013904223; }
-
-private:
-    uint32_t m_state = 1;
-};
-
 TEST(DrawnCases, DoWhatIsWanted)
 {
     forEachFunction([](const FunctionGroup&, const FunctionTest& function) {
-        Words random;
+        CountingRandom random;
         TestCase testCase(function, RAVIK_MEM_SYSTEM);
         const auto effect = [&](Wanted wanted, CaseSize size) {
             EXPECT_TRUE(testCase.draw(size, wanted, size.width % 2 == 0, random));

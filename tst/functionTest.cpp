@@ -2,6 +2,24 @@
 
 #include <algorithm>
 
+ImageSize Argument::sizeIn(CaseSize picture) const
+{
+    if (fixedSize)
+        return {fixedSize, 1};
+    return isTransposed ? ImageSize{picture.height, picture.width} : ImageSize{picture.width, picture.height};
+}
+
+ImageSize Argument::sizeIn(CaseSize picture, CaseSize window) const
+{
+    if (hasWindowWidth || hasWindowHeight)
+        return {uint64_t{hasWindowWidth ? window.width : 1} * (hasWindowHeight ? window.height : 1), 1};
+    const auto inside = [](uint64_t whole, uint32_t ofWindow) {
+        return whole - std::min(whole, uint64_t{std::max(ofWindow, 1u)} - 1);
+    };
+    const ImageSize size = sizeIn(picture);
+    return isInterior ? ImageSize{inside(size.columns, window.width), inside(size.rows, window.height)} : size;
+}
+
 std::vector<size_t> FunctionTest::imagesOfStride(size_t index) const
 {
     std::vector<size_t> images;
@@ -19,6 +37,18 @@ size_t FunctionTest::strideOfImage(size_t index) const
         if (arguments[i].role == Argument::Role::stride)
             return i;
     return npos;
+}
+
+void FunctionTest::setSize(std::vector<double>& numbers, CaseSize size) const
+{
+    for (size_t i = 0; i < arguments.size(); i++) {
+        if (arguments[i].role == Argument::Role::width)
+            numbers[i] = size.width;
+        else if (arguments[i].role == Argument::Role::height)
+            numbers[i] = size.height;
+        else if (arguments[i].role == Argument::Role::area)
+            numbers[i] = double{1} * size.width * size.height;
+    }
 }
 
 // The window that arguments give; what they do not give is as in `otherwise`.

@@ -31,6 +31,17 @@ struct Outcome
     bool operator==(const Outcome&) const = default;
 };
 
+struct CaseSize
+{
+    uint32_t width, height;
+};
+
+// What an image measures, in pixels. Products of sizes fit.
+struct ImageSize
+{
+    uint64_t columns, rows;
+};
+
 // One argument of a function. Images measure `width` x `height` pixels of the case unless they say otherwise.
 struct Argument
 {
@@ -105,6 +116,9 @@ struct Argument
     bool isOutput() const { return role == Role::destination || role == Role::updated || role == Role::value; }
     bool isPicture() const { return isImage() && fixedSize == 0; } // as large as the case
     uint32_t pixelSize() const { return channels * sizeOf(element); }
+    // What the image measures at most, and what a call with this window uses of it.
+    ImageSize sizeIn(CaseSize picture) const;
+    ImageSize sizeIn(CaseSize picture, CaseSize window) const;
 
 private:
     template <class Change>
@@ -200,11 +214,6 @@ enum class Border : uint8_t {
 
 // Whether the destination may be a source of the same elements and stride.
 enum class InPlace : uint8_t { undefined, refused, allowed };
-
-struct CaseSize
-{
-    uint32_t width, height;
-};
 
 // What a function promises, besides what its arguments say. Functions of a kind share one: each word below makes another
 // contract from it.
@@ -310,6 +319,8 @@ struct FunctionTest
     size_t strideOfImage(size_t index) const;
     static constexpr size_t npos = static_cast<size_t>(-1);
 
+    // Puts the size of the pictures into the numbers of a call.
+    void setSize(std::vector<double>& numbers, CaseSize size) const;
     // The window for these scalars.
     CaseSize windowOf(const std::vector<double>& numbers) const;
     // The least pictures that the function accepts, and that it does more with than keep the ring, for these scalars.

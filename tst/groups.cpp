@@ -27,6 +27,16 @@ std::span<const TestGroup> testGroups()
     return groups;
 }
 
+std::vector<const FunctionTest*> allFunctions()
+{
+    std::vector<const FunctionTest*> all;
+    for (const TestGroup& group : testGroups())
+        if (group.functions)
+            for (const FunctionTest& function : group.functions().functions)
+                all.push_back(&function);
+    return all;
+}
+
 std::span<const UnsetModeTest> unsetModeTests()
 {
     static constexpr UnsetModeTest tests[] = {

@@ -17,6 +17,8 @@ struct TestGroup
 };
 
 std::span<const TestGroup> testGroups();
+// The functions of all groups.
+std::vector<const FunctionTest*> allFunctions();
 
 // -TWOp: what runs before any operation mode is set. Each returns 0 when it passed.
 struct UnsetModeTest

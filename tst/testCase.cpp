@@ -288,11 +288,11 @@ bool TestCase::takeResults(const std::vector<double>& numbers)
 MemShape_ TestCase::packedShape(size_t index) const
 {
     const Argument& a = argument(index);
-    const uint64_t columns = a.fixedSize ? a.fixedSize : uint64_t{a.isTransposed ? m_height : m_width} * a.channels;
-    const uint64_t rows = a.fixedSize ? 1 : a.isTransposed ? m_width : m_height;
+    const ImageSize pixels = a.sizeIn({m_width, m_height});
     // A size that no buffer can have stays one that no buffer can have.
     const auto size = [](uint64_t count) { return static_cast<int32_t>(count > INT32_MAX ? 0 : count); };
-    return MemShape_::packed(size(columns), size(rows), static_cast<int32_t>(sizeOf(a.element)));
+    return MemShape_::packed(size(pixels.columns * a.channels), size(pixels.rows),
+                             static_cast<int32_t>(sizeOf(a.element)));
 }
 
 void TestCase::layOut(bool packed, RandomBits& random)

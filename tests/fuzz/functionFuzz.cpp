@@ -32,37 +32,6 @@ public:
     uint32_t next() override { return take<uint32_t>(); }
 };
 
-const std::vector<const FunctionTest*>& allFunctions()
-{
-    static const std::vector<const FunctionTest*> functions = [] {
-        std::vector<const FunctionTest*> all;
-        for (const TestGroup& group : testGroups())
-            if (group.functions)
-                for (const FunctionTest& function : group.functions().functions)
-                    all.push_back(&function);
-        return all;
-    }();
-    return functions;
-}
-
-// The memory of an argument, the same for all calls.
-class Region
-{
-public:
-    static constexpr uint64_t kBytes = kMostBytes + 4096;
-
-    uint8_t* start() const { return m_memory.data(); }
-    uint8_t* end() const { return m_memory.data() + kBytes; }
-    static const Region& of(size_t argument)
-    {
-        static std::vector<Region> all(32);
-        return all.at(argument);
-    }
-
-private:
-    test::GuardedMemory m_memory{kBytes, test::GuardedMemory::Flush::toStart};
-};
-
 struct Image
 {
     size_t argument;
@@ -154,46 +123,19 @@ private:
         m_width = takeSize();
         m_height = takeSize();
         for (size_t i = 0; i < arguments().size(); i++) {
-            double& number = values.numbers[i];
-            switch (arguments()[i].role) {
-            case Role::width:
-                number = m_width;
-                break;
-            case Role::height:
-                number = m_height;
-                break;
-            case Role::area:
+            if (arguments()[i].role == Role::area)
                 m_height = 1;
-                number = m_width;
-                break;
-            case Role::scalar:
-                number = takeScalar(arguments()[i]);
-                break;
-            default:
-                break;
-            }
+            if (arguments()[i].role == Role::scalar)
+                values.numbers[i] = takeScalar(arguments()[i]);
         }
+        function.setSize(values.numbers, {m_width, m_height});
     }
 
-    uint64_t without(uint64_t size, const Argument& image, uint64_t windowSize) const
+    ImageSize sizeOfImage(const Argument& image) const
     {
-        const uint64_t beyond = image.isInterior && windowSize ? windowSize - 1 : 0;
-        return size - std::min(size, beyond);
+        return image.sizeIn({m_width, m_height}, function.windowOf(values.numbers));
     }
-    uint64_t rowBytesOf(const Argument& image) const
-    {
-        if (image.fixedSize)
-            return uint64_t{image.fixedSize} * image.pixelSize();
-        const CaseSize window = function.windowOf(values.numbers);
-        return without(image.isTransposed ? m_height : m_width, image, window.width) * image.pixelSize();
-    }
-    uint64_t rowsOf(const Argument& image) const
-    {
-        if (image.fixedSize)
-            return 1;
-        const CaseSize window = function.windowOf(values.numbers);
-        return without(image.isTransposed ? m_width : m_height, image, window.height);
-    }
+    uint64_t rowBytesOf(const Argument& image) const { return sizeOfImage(image).columns * image.pixelSize(); }
 
     // The picture that an argument is or stands for.
     const Argument& picture(size_t argument) const
@@ -253,7 +195,7 @@ private:
             images.push_back({.argument = i,
                               .descriptor = &a,
                               .rowBytes = rowBytesOf(a),
-                              .rows = rowsOf(a),
+                              .rows = sizeOfImage(a).rows,
                               .stride = stride,
                               .isNull = m_input.oneIn(16)});
         }
@@ -366,10 +308,10 @@ private:
         const uint32_t alignment = std::max(image.descriptor->alignment, sizeOf(image.descriptor->element));
         const uint8_t choice = m_input.take<uint8_t>();
         const uint64_t distance = choice & 1 ? uint64_t{choice} % 32 * alignment : 0;
-        const Region& region = Region::of(image.argument);
+        uint8_t* const region = test::regionOf(image.argument);
         if (choice & 2)
-            return region.start() + distance;
-        return region.end() - (bytes + distance + alignment - 1) / alignment * alignment;
+            return region + distance;
+        return region + test::kRegionBytes - (bytes + distance + alignment - 1) / alignment * alignment;
     }
 
     void place(Image& image)
@@ -447,7 +389,8 @@ private:
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
     InputBits input({data, size});
-    const FunctionTest& function = *allFunctions()[input.below(allFunctions().size())];
+    static const std::vector<const FunctionTest*> functions = allFunctions();
+    const FunctionTest& function = *functions[input.below(functions.size())];
     fuzz::subject = function.name;
     Case drawn(function, input);
     if (!drawn.isFeasible())

@@ -94,8 +94,11 @@ public:
     const std::vector<Block>& blocks() const { return m_blocks; }
     CaseSize size() const { return m_size; }
     // Bytes of a row of an image, and its rows.
-    uint32_t rowBytes(size_t argument) const { return columns(argument) * of(argument).pixelSize(); }
-    uint32_t rows(size_t argument) const;
+    uint32_t rowBytes(size_t argument) const
+    {
+        return static_cast<uint32_t>(imageSize(argument).columns) * of(argument).pixelSize();
+    }
+    uint32_t rows(size_t argument) const { return static_cast<uint32_t>(imageSize(argument).rows); }
 
 private:
     using Role = Argument::Role;
@@ -107,7 +110,10 @@ private:
         return end == 0 ? a.low : end == 1 ? a.high : drawScalar(a, bits);
     }
     const Argument& of(size_t argument) const { return m_function.arguments[argument]; }
-    uint32_t columns(size_t argument) const;
+    ImageSize imageSize(size_t argument) const
+    {
+        return of(argument).sizeIn(m_size, m_function.windowOf(values.numbers));
+    }
     uint32_t drawStride(size_t strideArgument, const Layout& layout);
     void place(size_t argument, uint32_t stride, const Layout& layout);
     void fill(const Block& block, Content content);
@@ -119,44 +125,15 @@ private:
     std::vector<Block> m_blocks;
 };
 
-inline uint32_t FunctionCall::columns(size_t argument) const
-{
-    const Argument& a = of(argument);
-    const CaseSize window = m_function.windowOf(values.numbers);
-    if (a.hasWindowWidth || a.hasWindowHeight)
-        return (a.hasWindowWidth ? window.width : 1) * (a.hasWindowHeight ? window.height : 1);
-    if (a.fixedSize)
-        return a.fixedSize;
-    const uint32_t beyond = a.isInterior ? window.width - 1 : 0;
-    const uint32_t whole = a.isTransposed ? m_size.height : m_size.width;
-    return whole - std::min(whole, beyond);
-}
-
-inline uint32_t FunctionCall::rows(size_t argument) const
-{
-    const Argument& a = of(argument);
-    if (a.fixedSize)
-        return 1;
-    const uint32_t beyond = a.isInterior ? m_function.windowOf(values.numbers).height - 1 : 0;
-    const uint32_t whole = a.isTransposed ? m_size.width : m_size.height;
-    return whole - std::min(whole, beyond);
-}
-
 inline void FunctionCall::draw(CaseSize size, const Layout& layout)
 {
     m_size = size;
     m_blocks.clear();
     std::vector<uint32_t> strides(m_function.arguments.size());
-    for (size_t i = 0; i < m_function.arguments.size(); i++) {
-        if (of(i).role == Role::width)
-            values.numbers[i] = size.width;
-        else if (of(i).role == Role::height)
-            values.numbers[i] = size.height;
-        else if (of(i).role == Role::area)
-            values.numbers[i] = double{1} * size.width * size.height;
-        else if (of(i).role == Role::stride)
+    m_function.setSize(values.numbers, size);
+    for (size_t i = 0; i < m_function.arguments.size(); i++)
+        if (of(i).role == Role::stride)
             strides[i] = drawStride(i, layout);
-    }
     for (size_t i = 0; i < m_function.arguments.size(); i++)
         if (of(i).isImage()) {
             const size_t stride = m_function.strideOfImage(i);
@@ -189,20 +166,14 @@ inline uint32_t FunctionCall::drawStride(size_t strideArgument, const Layout& la
 
 inline void FunctionCall::place(size_t argument, uint32_t stride, const Layout& layout)
 {
-    // One for each argument, for all calls.
-    constexpr size_t kMostBytes = 1 << 20;
-    static std::vector<GuardedMemory> regions;
-    while (regions.size() <= argument)
-        regions.emplace_back(kMostBytes, GuardedMemory::Flush::toEnd);
-
     Block block{argument, of(argument).element, rowBytes(argument), rows(argument), stride, nullptr, {}};
-    if (block.bytes() > kMostBytes)
+    if (block.bytes() > kRegionBytes)
         abort();
     // Small vectors are no better aligned than they must be.
     const size_t lead =
         of(argument).fixedSize ? m_bits.below(16) * std::max(of(argument).alignment, sizeOf(block.element)) : 0;
     block.data =
-        regions[argument].data() + (layout.flush == GuardedMemory::Flush::toEnd ? kMostBytes - block.bytes() : lead);
+        regionOf(argument) + (layout.flush == GuardedMemory::Flush::toEnd ? kRegionBytes - block.bytes() : lead);
     std::fill_n(block.data, block.bytes(), uint8_t{0xA5});
     if (of(argument).isInput())
         fill(block, layout.content);

@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <sys/mman.h>
 #include <unistd.h>
+#include <vector>
 
 namespace test {
 
@@ -44,5 +45,15 @@ private:
     size_t m_size;
     uint8_t* m_data;
 };
+
+// Whole pages between guard pages: a region for each argument of a call, the same in all calls.
+constexpr size_t kRegionBytes = 1 << 20;
+inline uint8_t* regionOf(size_t argument)
+{
+    static std::vector<GuardedMemory> regions;
+    while (regions.size() <= argument)
+        regions.emplace_back(kRegionBytes, GuardedMemory::Flush::toStart);
+    return regions[argument].data();
+}
 
 } // namespace test

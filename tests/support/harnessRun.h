@@ -2,6 +2,7 @@
 #pragma once
 
 #include "driver.h"
+#include "testCase.h"
 #include "testDataWriter.h"
 
 #include <gtest/gtest.h>
@@ -90,6 +91,16 @@ inline ProgramRun runProgram(
     waitpid(child, &status, 0);
     return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, readFile(out), readFile(err)};
 }
+
+// The same bits in every run.
+class CountingRandom : public RandomBits
+{
+public:
+    uint32_t next() override { return m_state = m_state * 1664525 + 1013904223; }
+
+private:
+    uint32_t m_state = 1;
+};
 
 // Test data with stored vectors and the profiling vectors of the first resolution, which the build has made; for reading.
 inline std::filesystem::path testData()
