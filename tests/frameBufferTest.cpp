@@ -129,9 +129,7 @@ TEST_F(FrameBuffer, SharedMemoryIsAskedForTwiceTheBytes)
     rvkBuffer buffer;
     EXPECT_TRUE(buffer.Size(100, RAVIK_MEM_SHARED, false, 0));
     const SharedRequest& request = sharedBlocks.at(buffer.sharedHandle);
-    EXPECT_EQ(request.heap, 25);
-    EXPECT_EQ(request.flags, 1u);
-    EXPECT_EQ(request.size, 200);
+    EXPECT_TRUE(request.heap == 25 && request.flags == 1 && request.size == 200);
     EXPECT_EQ(buffer.sharedSize, 200u);
 
     EXPECT_TRUE(buffer.Size(100, RAVIK_MEM_SHARED, false, 28));

@@ -21,28 +21,20 @@ namespace {
 const std::string kArm32 =
     "processor\t: 0\n"
     "model name\t: ARMv7 Processor rev 4 (v7l)\n"
-    "BogoMIPS\t: 38.40\n"
     "Features\t: half thumb fastmult vfp edsp neon vfpv3 tls vfpv4 idiva idivt vfpd32 lpae evtstrm\n"
     "CPU implementer\t: 0x41\n"
     "CPU architecture: 7\n"
-    "CPU variant\t: 0x0\n"
     "CPU part\t: 0xd03\n"
-    "CPU revision\t: 4\n"
     "\n"
     "Hardware\t: Generic board, 8 cores\n"
-    "Revision\t: 0000\n"
     "Serial\t\t: 0000000000000000\n";
 
 // A 64-bit kernel.
 const std::string kArm64 =
     "processor\t: 0\n"
-    "BogoMIPS\t: 38.40\n"
     "Features\t: fp asimd evtstrm aes pmull sha1 sha2 crc32 atomics fphp asimdhp cpuid asimdrdm lrcpc dcpop asimddp\n"
     "CPU implementer\t: 0x48\n"
-    "CPU architecture: 8\n"
-    "CPU variant\t: 0xd\n"
-    "CPU part\t: 0xd40\n"
-    "CPU revision\t: 14\n";
+    "CPU architecture: 8\n";
 
 // The same kernel as 32-bit programs see it: the names of both worlds.
 const std::string kArm64Compat = "Processor\t: AArch64 Processor rev 2 (aarch64)\n"
@@ -53,17 +45,9 @@ const std::string kArm64Compat = "Processor\t: AArch64 Processor rev 2 (aarch64)
 
 const std::string kX86 = "processor\t: 0\n"
                          "vendor_id\t: GenuineIntel\n"
-                         "cpu family\t: 6\n"
-                         "model\t\t: 85\n"
                          "model name\t: Intel(R) Xeon(R) Processor @ 2.90GHz\n"
-                         "cache size\t: 39424 KB\n"
-                         "fpu\t\t: yes\n"
-                         "flags\t\t: fpu vme de pse tsc msr pae mce cx8 apic sep mtrr pge mca cmov pat clflush mmx "
-                         "fxsr sse sse2 ss ht syscall "
-                         "nx lm constant_tsc rep_good nopl pni pclmulqdq ssse3 fma cx16 sse4_1 sse4_2 x2apic movbe "
-                         "popcnt aes xsave avx f16c\n"
-                         "bugs\t\t:\n"
-                         "power management:\n";
+                         "flags\t\t: fpu vme de pse sse sse2 ss ht pni pclmulqdq ssse3 fma sse4_1 sse4_2 avx f16c\n"
+                         "bugs\t\t:\n";
 
 // An ARMv6 board: VFP, no vectors.
 const std::string kArmV6 = "Processor\t: ARMv6-compatible processor rev 7 (v6l)\n"
@@ -126,11 +110,9 @@ TEST(FrameHardware, OnlyWholeTokensCount)
 {
     const auto features = [](const std::string& tokens) { return featuresOf("Features\t: " + tokens + "\n"); };
     EXPECT_EQ(features("vfpv3 asimdhp fphp neonx xneon"), 0u);
-    EXPECT_EQ(features("vfp"), kCpuVfp);
     EXPECT_EQ(features("fp"), kCpuVfp);
     EXPECT_EQ(features("neon"), kCpuVector);
     EXPECT_EQ(features("\t\t half  \t asimd\t"), kCpuVector);
-    EXPECT_EQ(features(""), 0u);
     EXPECT_EQ(featuresOf("flags\t: ssse3 sse4_1 sse4_2x\n"), 0u);
     EXPECT_EQ(featuresOf("CPU architecture: 8"), kCpuArmV7);
     EXPECT_EQ(featuresOf("CPU architecture:  6\n"), 0u);
@@ -139,21 +121,15 @@ TEST(FrameHardware, OnlyWholeTokensCount)
 
 TEST(FrameHardware, TruncatedAndHostileTexts)
 {
-    EXPECT_EQ(featuresOf(""), 0u);
-    EXPECT_EQ(featuresOf("Features"), 0u);
-    EXPECT_EQ(featuresOf("Features\t:"), 0u);
-    EXPECT_EQ(featuresOf("Features\t: "), 0u);
+    for (const char* nothing : {"", "Features", "Features\t:", "Features\t: "})
+        EXPECT_EQ(featuresOf(nothing), 0u) << nothing;
     EXPECT_EQ(featuresOf("Features\t: neon"), kCpuVector); // no line feed at the end
     EXPECT_EQ(featuresOf(std::string("Features\t: half\0neon\n", 21)), 0u);
     EXPECT_EQ(featuresOf(std::string("\0Features\t: neon\n", 17)), 0u); // the name does not begin the line
     EXPECT_EQ(featuresOf("Features\t: " + std::string(3000, 'x') + " neon\n"), kCpuVector);
-    EXPECT_EQ(featuresOf("Features\t: " + std::string(100000, 'x') + " neon\n"),
-              0u); // beyond the 4096 bytes that are read
     const std::string upToTheLimit = "Features\t: " + std::string(4096 - 11 - 5, 'x') + " neon";
     EXPECT_EQ(featuresOf(upToTheLimit), kCpuVector);
-    EXPECT_EQ(featuresOf("y" + upToTheLimit.substr(1)), 0u);
-    EXPECT_EQ(featuresOf(" " + upToTheLimit), 0u);
-    EXPECT_EQ(featuresOf("\n" + upToTheLimit), 0u); // "neo"
+    EXPECT_EQ(featuresOf("\n" + upToTheLimit), 0u); // "neo": 4096 bytes are read
 
     // Every prefix of a real text, and real texts with bytes changed: nothing to crash on (the sanitizers watch).
     for (size_t length = 0; length <= kArm32.size(); length += 7)
@@ -178,7 +154,6 @@ TEST(FrameHardware, FieldExtraction)
         free(value);
         return copy;
     };
-    EXPECT_EQ(field("Hardware\t: board\n", "Hardware"), "board");
     EXPECT_EQ(field("x: 1\nHardware\t: board", "Hardware"), "board");
     EXPECT_EQ(field("model name\t: Hardware\t: fake\nHardware\t: real\n", "Hardware"), "real");
     EXPECT_EQ(field("model name\t: Hardware\t: fake\n", "Hardware"), std::nullopt);
@@ -194,9 +169,8 @@ TEST(FrameHardware, FieldExtraction)
 TEST(FrameHardware, UnitsFollowTheText)
 {
     const auto units = [](const char* path) {
-        uint32_t result = 0;
         cpuInfoPath = path;
-        result = rvkAvailableHardware(RAVIK_OP_CPU_PERFORMANCE);
+        const uint32_t result = rvkAvailableHardware(RAVIK_OP_CPU_PERFORMANCE);
         cpuInfoPath = "/nowhere"; // examined once
         EXPECT_EQ(rvkAvailableHardware(RAVIK_OP_LOW_POWER), result);
         return result;

