@@ -6,6 +6,7 @@
 #include "scratch.h"
 #include "support/logCapture.h"
 #include "support/ownProcess.h"
+#include "support/temporaryDirectory.h"
 
 #include <ravik/ravik.h>
 
@@ -123,11 +124,10 @@ TEST(FrameCompanion, IsNotTouchedByCpuModes)
 TEST(FrameCompanion, DeviceWithoutAcceleratorStaysOnTheCpu)
 {
     withCompanion("fakeCompanion", [] {
-        char path[] = "/tmp/ravikCpuInfoXXXXXX";
-        const int file = mkstemp(path);
-        ASSERT_GT(write(file, "Hardware\t: BCM2835\n", 19), 0);
-        close(file);
-        cpuInfoPath = path;
+        const TemporaryDirectory directory;
+        const std::string path = directory.file("cpuinfo");
+        writeFile(path, "Hardware\t: BCM2835\n");
+        cpuInfoPath = path.c_str();
         EXPECT_EQ(rvkSetOperationMode(static_cast<rvkOperationMode>(RAVIK_OP_EXPERT | RAVIK_UNIT_ARM)), 0);
         EXPECT_TRUE(logLines.empty());
         EXPECT_EQ(targetOf(Slot::rvkAbsDiffu8), RVK_IMPL_CPU);
@@ -137,7 +137,6 @@ TEST(FrameCompanion, DeviceWithoutAcceleratorStaysOnTheCpu)
             logHas("6 ravik_lib_log: DSP and GPU not present. Setting RAVIK mode to RAVIK_OP_CPU_PERFORMANCE.\n"));
         EXPECT_EQ(targetOf(Slot::rvkAbsDiffu8), RVK_IMPL_VECTA);
         EXPECT_EQ(takeEvents(), "");
-        unlink(path);
     });
 }
 

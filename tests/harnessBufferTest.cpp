@@ -200,10 +200,9 @@ TEST_F(Comparison, FormsDifferencesExactly)
 TEST_F(Comparison, OfFloats)
 {
     RAVIK_TEST_Buffer ref, tst;
-    const auto set = [](RAVIK_TEST_Buffer& picture, std::initializer_list<float> values) {
-        ASSERT_TRUE(
-            picture.Shape(MemShape_::packed(static_cast<int32_t>(values.size()), 1, 4), RAVIK_MEM_SYSTEM, false));
-        std::copy(values.begin(), values.end(), picture.window<float>());
+    const auto set = [](RAVIK_TEST_Buffer& row, std::initializer_list<float> values) {
+        ASSERT_TRUE(row.Shape(MemShape_::packed(static_cast<int>(values.size()), 1, 4), RAVIK_MEM_SYSTEM, false));
+        std::copy(values.begin(), values.end(), row.window<float>());
     };
     set(ref, {1, 2, 3, 4});
     set(tst, {1.5f, 2, 3.5f, 4});

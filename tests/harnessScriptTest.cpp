@@ -14,11 +14,8 @@ namespace {
 
 bool logMentions(const std::string& text)
 {
-    const std::lock_guard lock(logMutex);
-    for (const std::string& line : logLines)
-        if (line.find(text) != std::string::npos)
-            return true;
-    return false;
+    return std::any_of(logLines.begin(), logLines.end(),
+                       [&](const std::string& line) { return line.find(text) != std::string::npos; });
 }
 
 // ---- the test table ----

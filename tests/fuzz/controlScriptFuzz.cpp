@@ -27,30 +27,18 @@ struct Destinations
 
     ScriptColumn column(unsigned kind)
     {
-        switch (kind % 11) {
-        case 0:
-            return ScriptColumn::array(buffer, RAVIK_MEM_SYSTEM);
-        case 1:
-            return ScriptColumn::text(text, sizeof text);
-        case 2:
-            return byte;
-        case 3:
-            return integer;
-        case 4:
-            return number;
-        case 5:
-            return wide;
-        case 6:
-            return ScriptColumn::structure(structure, sizeof structure);
-        case 7:
-            return rects;
-        case 8:
-            return correspondences;
-        case 9:
-            return contours;
-        default:
-            return pyramid;
-        }
+        const ScriptColumn all[] = {ScriptColumn::array(buffer, RAVIK_MEM_SYSTEM),
+                                    ScriptColumn::text(text, sizeof text),
+                                    byte,
+                                    integer,
+                                    number,
+                                    wide,
+                                    ScriptColumn::structure(structure, sizeof structure),
+                                    rects,
+                                    correspondences,
+                                    contours,
+                                    pyramid};
+        return all[kind % std::size(all)];
     }
 };
 
@@ -68,7 +56,7 @@ uint32_t sumOf(const RAVIK_TEST_Buffer& buffer)
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
-    static fuzz::Directory directory;
+    static const test::TemporaryDirectory directory;
     static volatile uint32_t sink;
     if (size < 2)
         return 0;
@@ -78,7 +66,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     size -= 2;
     const auto* const end = static_cast<const uint8_t*>(memchr(data, 0, size));
     const size_t scriptSize = end ? static_cast<size_t>(end - data) : size;
-    directory.write(dataFile, end ? std::span(end + 1, size - scriptSize - 1) : std::span<const uint8_t>());
+    fuzz::writeFile(directory.file(dataFile),
+                    end ? std::span(end + 1, size - scriptSize - 1) : std::span<const uint8_t>());
 
     FILE* const script = tmpfile();
     if (!script)
@@ -91,7 +80,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
         rewind(script);
         for (int lines = 0; lines < 100; lines++) {
             const ScriptResult result =
-                RAVIK_TEST_ReadControlScript(directory.path(), script, std::span(columns).first(count));
+                RAVIK_TEST_ReadControlScript(directory.string().c_str(), script, std::span(columns).first(count));
             if (result != ScriptResult::line && result != ScriptResult::badLine)
                 break;
             if (result == ScriptResult::line)
@@ -99,6 +88,6 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
         }
     }
     fclose(script);
-    directory.remove(dataFile);
+    std::filesystem::remove(directory.file(dataFile));
     return 0;
 }

@@ -1,6 +1,7 @@
-// What the fuzz targets share: a silent log, a directory for the files that they make of their input, and the input as a
-// sequence of numbers. One target is one unit.
+// What the fuzz targets share: a silent log, and the input as a sequence of numbers or a file. One target is one unit.
 #pragma once
+
+#include "../support/temporaryDirectory.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -9,7 +10,6 @@
 #include <span>
 #include <string>
 #include <type_traits>
-#include <unistd.h>
 #include <vector>
 
 namespace fuzz {
@@ -26,40 +26,10 @@ inline void require(bool condition, const char* what)
     abort();
 }
 
-// A directory that is gone with the process.
-class Directory
+inline void writeFile(const std::string& path, std::span<const uint8_t> bytes)
 {
-public:
-    Directory()
-    {
-        if (!mkdtemp(m_path))
-            abort();
-    }
-    ~Directory()
-    {
-        for (const std::string& name : m_files)
-            unlink(file(name).c_str());
-        rmdir(m_path);
-    }
-    Directory(const Directory&) = delete;
-    Directory& operator=(const Directory&) = delete;
-
-    const char* path() const { return m_path; }
-    std::string file(const std::string& name) const { return std::string(m_path) + "/" + name; }
-    void write(const std::string& name, std::span<const uint8_t> bytes)
-    {
-        if (std::find(m_files.begin(), m_files.end(), name) == m_files.end())
-            m_files.push_back(name);
-        FILE* const stream = fopen(file(name).c_str(), "wb");
-        if (!stream || fwrite(bytes.data(), 1, bytes.size(), stream) != bytes.size() || fclose(stream) != 0)
-            abort();
-    }
-    void remove(const std::string& name) const { unlink(file(name).c_str()); }
-
-private:
-    char m_path[32] = "/tmp/ravikFuzzXXXXXX";
-    std::vector<std::string> m_files;
-};
+    test::writeFile(path, {reinterpret_cast<const char*>(bytes.data()), bytes.size()});
+}
 
 // Takes numbers from the front of the input; behind its end there are zeros.
 class Input

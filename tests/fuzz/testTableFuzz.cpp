@@ -36,10 +36,10 @@ extern "C" int LLVMFuzzerInitialize(int*, char***)
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
-    static fuzz::Directory directory;
-    directory.write("RavikTestTable.csv", {data, size});
+    static const test::TemporaryDirectory directory;
+    fuzz::writeFile(directory.file("RavikTestTable.csv"), {data, size});
     memset(testTable, 0, sizeof testTable);
-    RAVIK_TEST_ReadTestTable(directory.path());
+    RAVIK_TEST_ReadTestTable(directory.string().c_str());
     for (RAVIK_FUNC index = 0; index <= kLastFunction; index++)
         checkRecord(index);
     return 0;

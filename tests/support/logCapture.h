@@ -1,6 +1,7 @@
 // Takes the place of the platform's log and keeps what is written. Include in one unit of a test program.
 #pragma once
 
+#include <algorithm>
 #include <cstdarg>
 #include <cstdio>
 #include <mutex>
@@ -22,10 +23,7 @@ inline void clearLog()
 inline bool logHas(const std::string& line)
 {
     const std::lock_guard lock(logMutex);
-    for (const std::string& l : logLines)
-        if (l == line)
-            return true;
-    return false;
+    return std::find(logLines.begin(), logLines.end(), line) != logLines.end();
 }
 
 } // namespace test
