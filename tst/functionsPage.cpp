@@ -5,6 +5,7 @@
 #include "functions.h"
 
 #include <algorithm>
+#include <iterator>
 
 namespace {
 
@@ -120,20 +121,16 @@ std::string inPlace(const FunctionTest& test)
     return test.contract.dstIsSrc == InPlace::refused ? "refused" : "no";
 }
 
+constexpr const char* kWithVectors[] = {
+#define RVK_FUNCTION(name, reference, vecta, remote) RVK_WHEN_##vecta(#name, )
+#include "functionList.inc"
+#undef RVK_FUNCTION
+};
+
 bool hasVectors(const std::string& function)
 {
-    const auto names = [&](const std::string& slot, bool has) {
-        return has && (slot == function || slot == function + "_v2");
-    };
-#define RVK_IS_YES true
-#define RVK_IS_NO false
-#define RVK_FUNCTION(name, reference, vecta, remote) || names(#name, RVK_IS_##vecta)
-    return false
-#include "functionList.inc"
-        ;
-#undef RVK_FUNCTION
-#undef RVK_IS_NO
-#undef RVK_IS_YES
+    return std::any_of(std::begin(kWithVectors), std::end(kWithVectors),
+                       [&](const std::string& slot) { return slot == function || slot == function + "_v2"; });
 }
 
 std::string offload(const FunctionTest& test)

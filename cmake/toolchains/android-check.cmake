@@ -11,3 +11,10 @@ set(CMAKE_CXX_FLAGS_INIT "-march=armv7-a -mfpu=neon -mthumb -D__ANDROID__")
 set(CMAKE_TRY_COMPILE_TARGET_TYPE STATIC_LIBRARY)
 set(CMAKE_TRY_COMPILE_CONFIGURATION Release) # that of the preset makes no objects
 set(ANDROID TRUE)
+
+# There are no objects to put into archives.
+get_property(isTrial GLOBAL PROPERTY IN_TRY_COMPILE)
+if(NOT isTrial)
+    set(CMAKE_CXX_ARCHIVE_CREATE "\"${CMAKE_COMMAND}\" -E touch <TARGET>")
+    set(CMAKE_CXX_ARCHIVE_FINISH "")
+endif()

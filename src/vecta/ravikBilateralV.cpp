@@ -413,8 +413,8 @@ public:
           m_right(m_weights + (m_columns + 1) * kRows),
           m_pixels(reinterpret_cast<uint8_t*>(m_right + m_columns * kRows) + kRows)
     {
-        for (size_t i = 0; i < kRows; ++i)
-            m_pixels[i - kRows] = 0; // left of the picture
+        for (uint8_t* left = m_pixels - kRows; left < m_pixels; ++left) // of the picture
+            *left = 0;
     }
 
     // Rows top to top + count - 1. The others of the block repeat the first one.

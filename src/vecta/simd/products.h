@@ -111,7 +111,7 @@ RVK_INLINE Vec<int16_t> narrowSums(const ProductSums& sums, SumShift shift)
 
 // ---- rows of weights ------------------------------------------------------------------------------------------------
 
-RVK_INLINE TwoWeights twoOf(const AnyWeightLine& line, size_t first)
+RVK_INLINE TwoWeights twoOf(const AnyWeightLine& line, ptrdiff_t first)
 {
     int32_t two;
     __builtin_memcpy(&two, line.weights + first, sizeof two);
@@ -128,7 +128,7 @@ struct WeightLine
     {
         unrolled<pairs>([&](auto i) RVK_INLINE_LAMBDA {
             even[i] = twoOf(line, 2 * i);
-            odd[i] = twoOf(line, 2 * i - 1);
+            odd[i] = twoOf(line, static_cast<ptrdiff_t>(2 * i) - 1);
         });
     }
 };
@@ -143,7 +143,7 @@ template <class F>
 RVK_INLINE void forEachPair(const AnyWeightLine& line, F f)
 {
     for (size_t i = 0; i <= line.count / 2; ++i)
-        f(i, twoOf(line, 2 * i), twoOf(line, 2 * i - 1));
+        f(i, twoOf(line, 2 * i), twoOf(line, static_cast<ptrdiff_t>(2 * i) - 1));
 }
 
 template <class Line, class S>
