@@ -14,6 +14,8 @@
 #include "blur.h"
 #include "buffer.h"
 #include "canny.h"
+#include "channel.h"
+#include "color.h"
 #include "correlation.h"
 #include "diff.h"
 #include "frame.h"

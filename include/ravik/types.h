@@ -79,6 +79,21 @@ typedef enum rvkMemOption {
 #define RAVIK_BORDER_CONSTANT 1u  /* a value given by the caller */
 #define RAVIK_BORDER_REPLICATE 2u /* the nearest pixel inside */
 
+/* What rvkChannelExtractu8 takes channels from, and which. */
+#define RAVIK_FORMAT_RGB 0u
+#define RAVIK_FORMAT_RGBA 1u
+#define RAVIK_FORMAT_NV12 2u
+#define RAVIK_FORMAT_NV21 3u
+#define RAVIK_FORMAT_UYVY 4u
+#define RAVIK_FORMAT_YUYV 5u
+#define RAVIK_CHANNEL_R 0u
+#define RAVIK_CHANNEL_G 1u
+#define RAVIK_CHANNEL_B 2u
+#define RAVIK_CHANNEL_A 3u
+#define RAVIK_CHANNEL_Y 4u
+#define RAVIK_CHANNEL_U 5u
+#define RAVIK_CHANNEL_V 6u
+
 /* Flip directions and clockwise rotations. */
 #define RAVIK_FLIP_HORIZONTAL 1u
 #define RAVIK_FLIP_VERTICAL 2u
