@@ -10,6 +10,7 @@
 #include <cmath>
 #include <csignal>
 #include <fstream>
+#include <numeric>
 #include <set>
 
 using namespace test;
@@ -102,6 +103,7 @@ public:
         addSizesThatWrap();
         addTooManyPixels();
         addSharedMemory();
+        addOverlaps();
     }
     std::vector<Fault> take() { return std::move(m_all); }
 
@@ -161,7 +163,8 @@ private:
             if (!a.isPicture() || a.pixelSize() == 1 || !has(wrong))
                 continue;
             const uint32_t beyond = a.isInterior ? m_function.windowOf(m_call.values.numbers).width - 1 : 0;
-            const double size = UINT32_MAX / a.pixelSize() + 2 + beyond;
+            const uint64_t columns = uint64_t{UINT32_MAX / a.pixelSize() + 2} + beyond;
+            const auto size = static_cast<double>(std::min<uint64_t>(columns << a.xShift, UINT32_MAX));
             for (const double stride : {0.0, double{1} * UINT32_MAX, double{64}})
                 add("rows of argument " + std::to_string(i) + " wrap, strides are " + std::to_string(stride),
                     [&](CallValues& v) { setSizes(v, wrong, size, stride); });
@@ -185,6 +188,28 @@ private:
             setSizes(v, Role::width, 65536, 0);
             setSizes(v, Role::height, static_cast<double>(most / 65536 + 1), 0);
         });
+    }
+    // Images that share a byte.
+    void addOverlaps()
+    {
+        if (!m_function.contract.refusesOverlap)
+            return;
+        for (const FunctionCall::Block& out : m_call.blocks())
+            for (const FunctionCall::Block& other : m_call.blocks()) {
+                if (!m_function.arguments[out.argument].isOutput() || out.argument == other.argument)
+                    continue;
+                const std::string what = "argument " + std::to_string(out.argument);
+                const size_t stride = m_function.strideOfImage(out.argument);
+                add(what + " begins in another",
+                    [&](CallValues& v) { v.pointers[out.argument] = other.data + other.bytes() - 1; });
+                add(what + " ends in another",
+                    [&](CallValues& v) { v.pointers[out.argument] = other.data - out.bytes() + 1; });
+                if (m_function.contract.dstIsSrc == InPlace::allowed && stride != FunctionTest::npos)
+                    add(what + " is another of another stride", [&](CallValues& v) {
+                        v.pointers[out.argument] = other.data;
+                        v.numbers[stride] += 1;
+                    });
+            }
     }
     // Two outputs at the same place; an output in the place of a source, where that is refused.
     void addSharedMemory()
@@ -300,6 +325,36 @@ TEST(Contract, LeavesOutWhatMayBeNull)
     });
 }
 
+std::vector<uint8_t> contents(const FunctionCall& call)
+{
+    std::vector<uint8_t> all;
+    for (const FunctionCall::Block& block : call.blocks())
+        all.insert(all.end(), block.data, block.data + block.bytes());
+    return all;
+}
+
+TEST(Contract, TakesImagesThatTouchWhereTheyMayNotOverlap)
+{
+    forEachFunction([](const FunctionTest& function) {
+        if (!function.contract.refusesOverlap)
+            return;
+        SeededBits bits(9);
+        FunctionCall call = plainCall(function, bits);
+        setCurrent(function, "images that touch");
+        EXPECT_TRUE(isAccepted(function, call)) << currentCall;
+        const std::vector<uint8_t> expected = contents(call);
+        call.restore();
+        std::vector<uint8_t> together = contents(call);
+        size_t used = 0;
+        for (const FunctionCall::Block& block : call.blocks()) {
+            call.values.pointers[block.argument] = together.data() + used;
+            used += block.bytes();
+        }
+        function.bind(call.values)();
+        EXPECT_TRUE(together == expected) << currentCall;
+    });
+}
+
 TEST(Contract, OverlappingRowsStayWithinThem)
 {
     forEachFunction([](const FunctionTest& function) {
@@ -322,14 +377,6 @@ TEST(Contract, OverlappingRowsStayWithinThem)
             }
         }
     });
-}
-
-std::vector<uint8_t> contents(const FunctionCall& call)
-{
-    std::vector<uint8_t> all;
-    for (const FunctionCall::Block& block : call.blocks())
-        all.insert(all.end(), block.data, block.data + block.bytes());
-    return all;
 }
 
 TEST(Contract, TakesAStrideOf0AsPackedRows)
@@ -490,7 +537,7 @@ public:
             const Argument& a = function.arguments[i];
             numbers.push_back(largestChoice(a));
             if (a.isPicture() && function.strideOfImage(i) == FunctionTest::npos) // the row counts as the stride
-                m_widthStep = std::max(m_widthStep, rule.alignment / a.pixelSize());
+                m_widthStep = std::max(m_widthStep, rule.alignment / std::gcd(rule.alignment, a.pixelSize()));
         }
         m_leastHeight = std::max(rule.leastHeight, function.windowOf(numbers).height);
         m_leastHeight = roundedUp(m_leastHeight, rule.heightMultiple);

@@ -36,10 +36,7 @@ int refuse(const char* program, const char* message)
 
 void runWithoutOperationMode(const char* dataDirectory)
 {
-    int failure = 0;
-    for (const UnsetModeTest& test : unsetModeTests())
-        failure |= test.run(dataDirectory);
-    if (failure)
+    if (runUnsetModeTests(dataDirectory) != 0)
         testLogError("ERROR: Running ravik API without calling setOperationMode is fail\n");
     else
         testLog("Running ravik API without calling setOperationMode is pass\n");

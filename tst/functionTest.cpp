@@ -6,7 +6,10 @@ ImageSize Argument::sizeIn(CaseSize picture) const
 {
     if (fixedSize)
         return {fixedSize, 1};
-    return isTransposed ? ImageSize{picture.height, picture.width} : ImageSize{picture.width, picture.height};
+    if (isTransposed)
+        return {picture.height, picture.width};
+    const auto samples = [](uint64_t pixels, uint32_t shift) { return (pixels + (1u << shift) - 1) >> shift; };
+    return {samples(picture.width, xShift), samples(picture.height, yShift)};
 }
 
 ImageSize Argument::sizeIn(CaseSize picture, CaseSize window) const

@@ -63,9 +63,10 @@ struct Argument
     Element element = Element::u8; // of images, values and scalars
     uint32_t channels = 1;
     bool isTransposed = false;
-    uint32_t fixedSize = 0; // elements in one row, whatever the case; 0: as large as the case
-    uint32_t alignment = 0; // bytes that the address must be a multiple of; 0: of an element
-    bool isMask = false;    // half of the elements are 0
+    uint32_t xShift = 0, yShift = 0; // one for 2^xShift x 2^yShift pixels of the case, fewer at its edges
+    uint32_t fixedSize = 0;          // elements in one row, whatever the case; 0: as large as the case
+    uint32_t alignment = 0;          // bytes that the address must be a multiple of; 0: of an element
+    bool isMask = false;             // half of the elements are 0
     size_t aliasOf = 0;
     bool isInterior = false; // of the result: the pixels alone whose whole window lies in the picture
     bool mayBeNull = false;
@@ -85,6 +86,14 @@ struct Argument
     Argument transposed() const
     {
         return changed([](Argument& a) { a.isTransposed = true; });
+    }
+    Argument sampled(uint32_t horizontalShift, uint32_t verticalShift) const
+    {
+        return changed([=](Argument& a) { a.xShift = horizontalShift, a.yShift = verticalShift; });
+    }
+    Argument as(Role newRole) const
+    {
+        return changed([=](Argument& a) { a.role = newRole; });
     }
     Argument ofSize(uint32_t elements) const
     {
@@ -115,6 +124,7 @@ struct Argument
     bool isInput() const { return role == Role::source || role == Role::updated || role == Role::scalar; }
     bool isOutput() const { return role == Role::destination || role == Role::updated || role == Role::value; }
     bool isPicture() const { return isImage() && fixedSize == 0; } // as large as the case
+    bool isSampled() const { return xShift || yShift; }
     uint32_t pixelSize() const { return channels * sizeOf(element); }
     // What the image measures at most, and what a call with this window uses of it.
     ImageSize sizeIn(CaseSize picture) const;
@@ -227,6 +237,7 @@ struct Contract
     bool takesSmallPictures = false;  // smaller than a window that is an argument
     bool logs = false;                // refusals, although it has a status; functions without one always do
     bool writesNothing = false;       // whatever the picture
+    bool refusesOverlap = false;      // of images, but for a destination that is the source where that is allowed
     std::optional<OffloadRule> dspRule{}, gpuRule{};
 
     Contract atLeast(uint32_t width, uint32_t height) const
@@ -255,6 +266,10 @@ struct Contract
     Contract refusingInPlace() const
     {
         return changed([](Contract& c) { c.dstIsSrc = InPlace::refused; });
+    }
+    Contract refusingOverlap() const
+    {
+        return changed([](Contract& c) { c.dstIsSrc = InPlace::refused, c.refusesOverlap = true; });
     }
     Contract upToPixels(uint64_t count) const
     {
@@ -381,8 +396,10 @@ Argument completed(Argument argument)
 
 template <class Result, class... Parameters>
 FunctionTest describe(const char* name, const char* functionName, const char* tableName,
-                      Result (*function)(Parameters...), const Argument (&given)[sizeof...(Parameters)])
+                      Result (*function)(Parameters...), const std::vector<Argument>& given)
 {
+    if (given.size() != sizeof...(Parameters))
+        abort();
     return [&]<size_t... I>(std::index_sequence<I...>)
     {
         FunctionTest test{.name = name,

@@ -17,8 +17,8 @@ const char kHead[] =
 
 Made by `ravikTestData --functions` from the entries in `tst/ravikTest*.cpp`; a test holds the two together.
 
-- **types**: the elements of the images that are read, and of those that are written; `u8 x 3` has three channels. What
-  else a function takes or returns is in its header.
+- **types**: the elements of the images that are read, and of those that are written; `u8 x 3` has three channels, `u8 per
+  2x2` one sample for so many pixels. What else a function takes or returns is in its header.
 - **border**: the window, and what becomes of the pixels whose window reaches beyond the picture: `kept` leaves the
   destination as it was, `existing` takes the pixels that exist, `nearest` the nearest pixel for one outside, `zero` 0
   for it, `copied` the source's pixel, `unwritten` means that the destination has no such pixels, `choice` that an argument
@@ -42,6 +42,8 @@ std::string typeName(const FunctionTest& test, const Argument& argument)
     std::string name = elementName(image.element);
     if (image.channels > 1)
         name += " x " + std::to_string(image.channels);
+    if (image.isSampled())
+        name += " per " + std::to_string(1u << image.xShift) + "x" + std::to_string(1u << image.yShift);
     if (image.isMask)
         name += " mask";
     else if (image.hasWindowWidth || image.hasWindowHeight)
@@ -105,6 +107,21 @@ std::string each(const Tests& variants, Say say)
     return joined(all, " or ");
 }
 
+// Whether a null pointer takes the place of an image of the other variant.
+bool leavesOutImage(const FunctionTest& test, const FunctionTest& other)
+{
+    return !std::equal(test.arguments.begin(), test.arguments.end(), other.arguments.begin(), other.arguments.end(),
+                       [](const Argument& a, const Argument& b) { return a.role != Role::null || !b.isImage(); });
+}
+
+std::string typesOf(const Tests& variants)
+{
+    Tests whole;
+    std::copy_if(variants.begin(), variants.end(), std::back_inserter(whole),
+                 [&](const FunctionTest* test) { return !leavesOutImage(*test, *variants[0]); });
+    return each(whole, types);
+}
+
 std::string window(const FunctionTest& test)
 {
     const std::string size = std::to_string(test.contract.window);
@@ -154,7 +171,7 @@ std::string offload(const FunctionTest& test)
 
 std::string row(const Tests& variants)
 {
-    return "| `" + variants[0]->function + "` | " + types(*variants[0]) + " | " +
+    return "| `" + variants[0]->function + "` | " + typesOf(variants) + " | " +
            joined({each(variants, window), each(variants, border)}, ", ") + " | " + each(variants, inPlace) + " | " +
            (hasVectors(variants[0]->function) ? "yes" : "no") + " | " + offload(*variants[0]) + " |\n";
 }

@@ -1,5 +1,7 @@
 #include "groups.h"
 
+#include <algorithm>
+
 std::span<const TestGroup> testGroups()
 {
     static constexpr TestGroup groups[] = {
@@ -7,6 +9,9 @@ std::span<const TestGroup> testGroups()
         {"MEM", 3, TEST_MEM_Test, nullptr},
         {"IDIFF", 5, RAVIK_TEST_IDIFF_Test, imageDiffFunctions},
         {"TRNS", 4, RAVIK_TEST_TRNS_Test, transposeFunctions},
+        {"COLORYUVRGB", 12, RAVIK_TEST_COLORYUVRGB_Test, colorToRgbFunctions},
+        {"COLORYUV", 9, RAVIK_TEST_COLORYUV_Test, colorSamplingFunctions},
+        {"COLORRGB", 9, RAVIK_TEST_COLORRGB_Test, colorFromRgbFunctions},
         {"BLUR", 4, RAVIK_TEST_BLUR_Test, blurFunctions},
         {"EDGES", 6, RAVIK_TEST_EDGE_Sobel_Test, edgesFunctions},
         {"SCHARR", 6, RAVIK_TEST_EDGE_Scharr_Test, scharrFunctions},
@@ -18,6 +23,7 @@ std::span<const TestGroup> testGroups()
         {"ADAPTTHRESH", 12, RAVIK_TEST_ADAPTIVETHRESHOLD_Test, adaptiveThresholdFunctions},
         {"ABSDIFF", 7, RAVIK_TEST_ABSDIFF_Test, absDiffFunctions},
         {"AVERAGE", 7, RAVIK_TEST_AVERAGE_Test, averageFunctions},
+        {"CHANNEL", 7, RAVIK_TEST_CHANNEL_Test, channelFunctions},
         {"FIR", 3, RAVIK_TEST_FIR_Test, firFunctions},
         {"EDGE", 5, RAVIK_TEST_EDGE_Test, edgeFunctions},
         {"MINMAX", 6, RAVIK_TEST_MINMAX_Test, minMaxFunctions},
@@ -37,10 +43,17 @@ std::vector<const FunctionTest*> allFunctions()
     return all;
 }
 
-std::span<const UnsetModeTest> unsetModeTests()
+// Random cases would set the mode of the reference.
+static int runStoredVectors(FunctionGroup group, const std::string& name, const char* dataDirectory)
 {
-    static constexpr UnsetModeTest tests[] = {
-        {"rvkFilterMedian3x3u8", RAVIK_TEST_UNSET_MODE_Median3x3u8},
-    };
-    return tests;
+    group.isStored = true;
+    const auto function = std::find_if(group.functions.begin(), group.functions.end(),
+                                       [&](const FunctionTest& f) { return f.name == name; });
+    return unitTest(group, *function, dataDirectory, kTargetC, 0, RAVIK_TEST_UNIT, 0, nullptr);
+}
+
+int runUnsetModeTests(const char* dataDirectory)
+{
+    return runStoredVectors(blurFunctions(), "rvkFilterMedian3x3u8", dataDirectory) |
+           runStoredVectors(colorToRgbFunctions(), "rvkColorYUV420toRGB565u8Rotate180", dataDirectory);
 }

@@ -20,14 +20,8 @@ std::span<const TestGroup> testGroups();
 // The functions of all groups.
 std::vector<const FunctionTest*> allFunctions();
 
-// -TWOp: what runs before any operation mode is set. Each returns 0 when it passed.
-struct UnsetModeTest
-{
-    const char* name;
-    int (*run)(const char* dataDirectory);
-};
-std::span<const UnsetModeTest> unsetModeTests();
-int RAVIK_TEST_UNSET_MODE_Median3x3u8(const char* dataDirectory);
+// -TWOp: what runs before any operation mode is set, on its stored vectors. Returns 0 when all passed.
+int runUnsetModeTests(const char* dataDirectory);
 
 int TEST_HW_Test(int loops, const char* dataDirectory);
 int TEST_MEM_Test(int loops, const char* dataDirectory);
@@ -35,6 +29,9 @@ int TEST_MEM_Test(int loops, const char* dataDirectory);
 // Groups that the common routine tests: what they test, and their entries.
 const FunctionGroup& imageDiffFunctions();
 const FunctionGroup& transposeFunctions();
+const FunctionGroup& colorToRgbFunctions();
+const FunctionGroup& colorSamplingFunctions();
+const FunctionGroup& colorFromRgbFunctions();
 const FunctionGroup& blurFunctions();
 const FunctionGroup& edgesFunctions();
 const FunctionGroup& scharrFunctions();
@@ -46,6 +43,7 @@ const FunctionGroup& fillFunctions();
 const FunctionGroup& adaptiveThresholdFunctions();
 const FunctionGroup& absDiffFunctions();
 const FunctionGroup& averageFunctions();
+const FunctionGroup& channelFunctions();
 const FunctionGroup& firFunctions();
 const FunctionGroup& edgeFunctions();
 const FunctionGroup& minMaxFunctions();
@@ -59,6 +57,9 @@ int testFunctions(int loops, const char* dataDirectory)
 }
 inline constexpr auto RAVIK_TEST_IDIFF_Test = testFunctions<imageDiffFunctions>;
 inline constexpr auto RAVIK_TEST_TRNS_Test = testFunctions<transposeFunctions>;
+inline constexpr auto RAVIK_TEST_COLORYUVRGB_Test = testFunctions<colorToRgbFunctions>;
+inline constexpr auto RAVIK_TEST_COLORYUV_Test = testFunctions<colorSamplingFunctions>;
+inline constexpr auto RAVIK_TEST_COLORRGB_Test = testFunctions<colorFromRgbFunctions>;
 inline constexpr auto RAVIK_TEST_BLUR_Test = testFunctions<blurFunctions>;
 inline constexpr auto RAVIK_TEST_EDGE_Sobel_Test = testFunctions<edgesFunctions>;
 inline constexpr auto RAVIK_TEST_EDGE_Scharr_Test = testFunctions<scharrFunctions>;
@@ -70,6 +71,7 @@ inline constexpr auto RAVIK_TEST_SET = testFunctions<fillFunctions>;
 inline constexpr auto RAVIK_TEST_ADAPTIVETHRESHOLD_Test = testFunctions<adaptiveThresholdFunctions>;
 inline constexpr auto RAVIK_TEST_ABSDIFF_Test = testFunctions<absDiffFunctions>;
 inline constexpr auto RAVIK_TEST_AVERAGE_Test = testFunctions<averageFunctions>;
+inline constexpr auto RAVIK_TEST_CHANNEL_Test = testFunctions<channelFunctions>;
 inline constexpr auto RAVIK_TEST_FIR_Test = testFunctions<firFunctions>;
 inline constexpr auto RAVIK_TEST_EDGE_Test = testFunctions<edgeFunctions>;
 inline constexpr auto RAVIK_TEST_MINMAX_Test = testFunctions<minMaxFunctions>;

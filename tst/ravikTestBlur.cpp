@@ -1,10 +1,8 @@
-// BLUR: medians, Gaussians, box filters and local normalisation; the median filter before an operation mode is set.
+// BLUR: medians, Gaussians, box filters and local normalisation.
 #include "groups.h"
 
 #include <ravik/blur.h>
 #include <ravik/median.h>
-
-#include <algorithm>
 
 using namespace arguments;
 
@@ -95,14 +93,4 @@ const FunctionGroup& blurFunctions()
                 .keeps(filter.onDsp(words).border(replicated)),
         }};
     return group;
-}
-
-// The stored vectors alone: random cases would set the mode of the reference.
-int RAVIK_TEST_UNSET_MODE_Median3x3u8(const char* dataDirectory)
-{
-    FunctionGroup stored = blurFunctions();
-    stored.isStored = true;
-    const auto function = std::find_if(stored.functions.begin(), stored.functions.end(),
-                                       [](const FunctionTest& f) { return f.name == "rvkFilterMedian3x3u8"; });
-    return unitTest(stored, *function, dataDirectory, kTargetC, 0, RAVIK_TEST_UNIT, 0, nullptr);
 }

@@ -225,28 +225,42 @@ ScriptResult TestCase::read(FILE* script, const char* dataDirectory, ScriptConte
     for (size_t i = 0; i < fields.size(); i++)
         if (fields[i].kind == ScriptField::Kind::input)
             m_data[fields[i].argument].number = numbers[i];
-    if (takeInputs() && (content == ScriptContent::sources || takeResults(numbers)))
+    if (takeInputs(content) && (content == ScriptContent::sources || takeResults(numbers)))
         return ScriptResult::line;
     testLog("ERROR: %s: the data of a script line do not fit the function.\n", m_function.name.c_str());
     return ScriptResult::badLine;
 }
 
-// Finds the size of the case and checks that all inputs that were read agree with it.
-bool TestCase::takeInputs()
+// Finds the size of the case by the first picture that was read, rather by a result than by a sampled one, the last
+// sample of which may be of fewer pixels.
+void TestCase::takeSize(ScriptContent content)
 {
-    const auto& arguments = m_function.arguments;
-    const auto first = std::find_if(arguments.begin(), arguments.end(),
-                                    [](const Argument& a) { return a.isImage() && a.isInput() && a.fixedSize == 0; });
     m_width = m_height = 1;
-    if (first != arguments.end()) {
-        const RAVIK_TEST_Buffer& image = inputBuffer(static_cast<size_t>(first - arguments.begin()));
-        m_width = static_cast<uint32_t>(image.width) / first->channels;
-        m_height = static_cast<uint32_t>(image.height);
-        if (m_width == 0)
-            return false;
-    }
-    for (size_t i = 0; i < arguments.size(); i++) {
-        const Argument& a = arguments[i];
+    bool isKnown = false;
+    const auto take = [&](const Argument& a, const RAVIK_TEST_Buffer& image) {
+        m_width = static_cast<uint32_t>(image.width) / a.channels << a.xShift;
+        m_height = static_cast<uint32_t>(image.height) << a.yShift;
+        isKnown = true;
+    };
+    for (size_t i = 0; i < m_data.size() && !isKnown; i++)
+        if (argument(i).isPicture() && argument(i).isInput() && !argument(i).isSampled())
+            take(argument(i), inputBuffer(i));
+    for (size_t i = 0; i < m_data.size() && !isKnown && content == ScriptContent::sourcesAndResults; i++)
+        if (argument(i).isPicture() && argument(i).isOutput() && !argument(i).isSampled() && !argument(i).isTransposed)
+            take(argument(i), m_data[i].expected);
+    for (size_t i = 0; i < m_data.size() && !isKnown; i++)
+        if (argument(i).isPicture() && argument(i).isInput())
+            take(argument(i), inputBuffer(i));
+}
+
+// Finds the size of the case and checks that all inputs that were read agree with it.
+bool TestCase::takeInputs(ScriptContent content)
+{
+    takeSize(content);
+    if (m_width == 0)
+        return false;
+    for (size_t i = 0; i < m_data.size(); i++) {
+        const Argument& a = argument(i);
         if (a.role == Role::scalar && !fitsElement(m_data[i].number, a.element))
             return false;
         if (!a.isImage())

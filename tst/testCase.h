@@ -110,7 +110,8 @@ private:
     std::vector<double> numbers() const;
     std::vector<std::string> outputsOver(uint8_t byte);
     void layOut(bool packed, RandomBits& random);
-    bool takeInputs();
+    void takeSize(ScriptContent content);
+    bool takeInputs(ScriptContent content);
     bool takeResults(const std::vector<double>& numbers);
 
     const FunctionTest& m_function;

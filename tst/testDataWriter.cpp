@@ -177,8 +177,9 @@ private:
                 line.push_back(numberText(number, field.element));
                 continue;
             }
-            const uint32_t width = argument.fixedSize ? argument.fixedSize : size.width * argument.channels;
-            const uint32_t height = argument.fixedSize ? 1 : size.height;
+            const ImageSize pixels = argument.sizeIn(size);
+            const auto width = static_cast<uint32_t>(pixels.columns * argument.channels);
+            const auto height = static_cast<uint32_t>(pixels.rows);
             const std::string kind = argument.isMask ? "mask" : "bits" + std::to_string(8 * sizeOf(field.element));
             const char letter = letters.try_emplace(kind, 'a').first->second++;
             line.push_back(sharedSource(kind, letter, width, height, sizeOf(field.element)));

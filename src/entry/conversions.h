@@ -149,10 +149,15 @@ Extent extentOf(const Plane (&planes)[Format::planes], uint32_t i, uint32_t widt
 template <class From, class To>
 bool imagesOverlap(const Conversion<From, To>& c)
 {
-    for (uint32_t i = 0; i < From::planes; ++i)
-        for (uint32_t j = 0; j < To::planes; ++j)
-            if (overlap(extentOf<From>(c.src, i, c.width, c.height), extentOf<To>(c.dst, j, c.width, c.height)))
+    for (uint32_t j = 0; j < To::planes; ++j) {
+        const Extent dst = extentOf<To>(c.dst, j, c.width, c.height);
+        for (uint32_t i = 0; i < From::planes; ++i)
+            if (overlap(extentOf<From>(c.src, i, c.width, c.height), dst))
                 return true;
+        for (uint32_t i = 0; i < j; ++i)
+            if (overlap(extentOf<To>(c.dst, i, c.width, c.height), dst))
+                return true;
+    }
     return false;
 }
 

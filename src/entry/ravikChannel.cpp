@@ -231,7 +231,6 @@ rvkStatus rvkChannelExtractu8(const uint8_t* src1, uint32_t srcWidth, uint32_t s
     const Samples samples = samplesOf(format, channel);
     const uint32_t dstWidth = sampled(srcWidth, samples.xShift), dstHeight = sampled(srcHeight, samples.yShift);
     const uint64_t row1 = rowSizeOf(format, srcWidth), row2 = uint64_t{2} * sampled(srcWidth, 1);
-    const bool readsSrc2 = samples.plane == 1;
     src1Stride = packedRowIfZero(src1Stride, row1);
     src2Stride = packedRowIfZero(src2Stride, row2);
     dstStride = packedRowIfZero(dstStride, dstWidth);
@@ -242,9 +241,9 @@ rvkStatus rvkChannelExtractu8(const uint8_t* src1, uint32_t srcWidth, uint32_t s
     RVK_CHECK_ARGS_OR(RAVIK_EBADPARAM, src1 && dst && srcWidth && srcHeight && samples.step && (src1Stride >= row1) &&
                       (dstStride >= dstWidth));
     RVK_CHECK_ARGS_OR(RAVIK_EBADPARAM, !hasChromaPlane(format) || (src2 && (src2Stride >= row2)));
-    const Extent read = readsSrc2 ? Extent{addressOf(src2), src2Stride, row2, dstHeight}
-                                  : Extent{addressOf(src1), src1Stride, row1, srcHeight};
-    if (overlap(read, {addressOf(dst), dstStride, dstWidth, dstHeight}))
+    const Extent written{addressOf(dst), dstStride, dstWidth, dstHeight};
+    if (overlap({addressOf(src1), src1Stride, row1, srcHeight}, written) ||
+        (hasChromaPlane(format) && overlap({addressOf(src2), src2Stride, row2, sampled(srcHeight, 1)}, written)))
         return refuse<slot>({__func__, kNoOverlap});
     return implementation<slot>(target)(src1, srcWidth, srcHeight, src1Stride, src2, src2Stride, format, channel, dst,
                                         dstStride);

@@ -97,14 +97,15 @@ private:
         }
     }
 
-    // The descriptor answers for any number, but not where it lists some and none that are refused, and not for windows
-    // where a kernel of the listed sizes is an argument.
+    // The descriptor answers for any number, but not where it lists some and none that are refused, or the one of a
+    // variant, and not for windows where a kernel of the listed sizes is an argument.
     bool mayBeAny(const Argument& scalar) const
     {
         const bool hasKernel = std::any_of(arguments().begin(), arguments().end(),
                                            [](const Argument& a) { return a.role == Role::source && a.fixedSize; });
         const bool isWindow = scalar.isWindowWidth || scalar.isWindowHeight;
-        return scalar.choices.empty() || (!scalar.refused.empty() && !(isWindow && hasKernel));
+        return scalar.choices.empty() ||
+               (!scalar.refused.empty() && scalar.choices.size() > 1 && !(isWindow && hasKernel));
     }
 
     double takeScalar(const Argument& scalar)

@@ -18,6 +18,16 @@ struct NamedCell
     Cell cell;
 };
 
+inline bool isListedAsVecta(uint32_t slot)
+{
+    static constexpr bool listed[] = {
+#define RVK_FUNCTION(name, reference, vecta, remote) RVK_WHEN_##vecta(true ||) false,
+#include "functionList.inc"
+#undef RVK_FUNCTION
+    };
+    return listed[slot];
+}
+
 // The vector implementations that this machine runs, with the names of their instruction sets.
 inline std::vector<NamedCell> vectaCellsOf(uint32_t slot)
 {
@@ -28,7 +38,7 @@ inline std::vector<NamedCell> vectaCellsOf(uint32_t slot)
         for (const vecta::Entry* e = variants[i].column; variants[i].runsHere && e->implementation; ++e)
             if (e->slot == slot)
                 cells.push_back({variants[i].name, e->implementation});
-    EXPECT_FALSE(cells.empty()) << nameOf(static_cast<Slot>(slot)) << " has no vector implementation here";
+    EXPECT_EQ(cells.empty(), !isListedAsVecta(slot)) << nameOf(static_cast<Slot>(slot));
     return cells;
 }
 
