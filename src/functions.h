@@ -51,6 +51,7 @@ inline constexpr uint32_t kKernels = static_cast<uint32_t>(Kernel::count);
 #undef RVK_INTERNAL_FUNCTION
 // The references of the inner kernels: one declaration here for each row of kernelList.inc whose reference column says
 // YES.
+void irvkRowRGBToLabC(const uint8_t* src, uint32_t width, uint8_t* dst); // src is RGBA8888
 
 template <auto slot>
 struct SignatureOf; // Type: pointer to the functions that fill the slot's row; absent while the row has no reference

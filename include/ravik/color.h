@@ -244,6 +244,30 @@ RVK_API void rvkColorRGB888toYCrCbu8(const uint8_t* src, uint32_t srcWidth, uint
 RVK_API void rvkColorRGB888toYCrCbu8_v2(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
                                         uint8_t* dst, uint32_t dstStride);
 
+/* Hue, saturation and value of each pixel, in this order, by the hexcone model (Smith, "Color Gamut Transform Pairs", 1978).
+ * With v = max(red, green, blue) and d = v - min(red, green, blue):
+ *   hue        = (green - blue) / d, or 2 + (blue - red) / d, or 4 + (red - green) / d where red, or green, or blue is the
+ *                largest, times 256 / 6 and modulo 256: the circle has 256 steps. Grey, where d is 0, has hue 0
+ *   saturation = 255 * d / v; black has saturation 0
+ *   value      = v
+ * Each is the exact number, rounded to the nearest integer, halves up. */
+RVK_API void rvkColorRGB888ToHSV888u8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
+                                      uint8_t* dst, uint32_t dstStride);
+
+/* CIE 1976 L*, a*, b* of each pixel of sRGB (IEC 61966-2-1), white D65, in this order:
+ *   linear(c) = c / 12.92 where c <= 0.04045, else ((c + 0.055) / 1.055)^2.4, of each colour c = byte / 255
+ *   X = 0.4124 * red + 0.3576 * green + 0.1805 * blue      of linear colours, and each divided by what white has of it:
+ *   Y = 0.2126 * red + 0.7152 * green + 0.0722 * blue      0.9505, 1, 1.0890
+ *   Z = 0.0193 * red + 0.1192 * green + 0.9505 * blue
+ *   f(t) = t^(1/3) where t > (6/29)^3, else t / (3 * (6/29)^2) + 4/29
+ *   byte 0 = (116 * f(Y) - 16) * 255 / 100
+ *   byte 1 = 500 * (f(X) - f(Y)) + 128
+ *   byte 2 = 200 * (f(Y) - f(Z)) + 128
+ * Powers are polynomials in fixed point: of all 2^24 colours, no byte is further than 0.74 from the exact number, and 19 of
+ * 20 are that number rounded. Greys have 128 in bytes 1 and 2. Bytes 1 and 2 lie in 42..226 and 20..222. */
+RVK_API void rvkColorRGBA8888ToLABu8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
+                                     uint8_t* dst, uint32_t dstStride);
+
 RVK_EXTERN_C_END
 
 #endif

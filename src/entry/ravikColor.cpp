@@ -374,3 +374,13 @@ void rvkColorRGB888toYCrCbu8(const uint8_t* src, uint32_t srcWidth, uint32_t src
     convert<Slot::rvkColorRGB888toYCrCbu8_v2>(
         __func__, Conversion<Bgr888, YCrCb888>{srcWidth, srcHeight, {{src, 0}}, {{dst, 0}}});
 }
+
+void rvkColorRGB888ToHSV888u8(RVK_FROM_PACKED, RVK_TO_PACKED)
+{
+    convert<Slot::rvkColorRGB888ToHSV888u8>(__func__, Conversion<Rgb888, Hsv888>{RVK_PACKED_SRC, RVK_PACKED_DST});
+}
+
+void rvkColorRGBA8888ToLABu8(RVK_FROM_PACKED, RVK_TO_PACKED)
+{
+    convert<Slot::rvkColorRGBA8888ToLABu8>(__func__, Conversion<Rgba8888, Lab888>{RVK_PACKED_SRC, RVK_PACKED_DST});
+}

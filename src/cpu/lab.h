@@ -1,0 +1,54 @@
+// The numbers of the conversion to Lab, in fixed point: Q15 has 1 as 32768, Q16 has it as 65536. All products are of 16-bit
+// integers with a sign, so that the vector implementations multiply as many at a time as there are.
+#pragma once
+
+#include <cstdint>
+
+namespace rvk::lab {
+
+// A polynomial with a variable and coefficients in Q15, the constant first. Horner's scheme rounds each product and
+// overflows nowhere in the range of the variable.
+template <int degree>
+struct Polynomial
+{
+    int16_t coefficients[degree + 1];
+};
+
+// ---- linear light, Q15, of a byte; the variable is byte / 128 - 1, with `kByteScale` the byte's weight in Q15 -------------
+
+constexpr int16_t kByteScale = 256;
+// Below this, light is proportional to the byte: 32768 / (255 * 12.92) for each.
+constexpr int16_t kPowerStart = (11 - 128) * kByteScale;
+constexpr int16_t kDarkSlope = 1273; // 9.946 for a byte
+// From there on the power 2.4; where the cube root is steep, within 2^-15.
+constexpr Polynomial<4> kPower = {{7068, 15297, 9714, 1207, -242}};
+
+// ---- X, Y and Z, Q16, of linear red, green and blue: shares in Q15 of what white has ----------------------------------
+
+constexpr int16_t kShares[3][3] = {{14217, 12328, 6223}, {6966, 23436, 2366}, {581, 3587, 28600}};
+constexpr unsigned kShareShift = 14;
+
+// ---- f, Q15, of X, Y and Z ----------------------------------------------------------------------------------------------
+// It is a line up to kCubeStart and a cube root from there on: line(min(t, start)) + root(max(t, start)) - root(start).
+
+constexpr uint16_t kCubeStart = 580; // (6/29)^3, Q16
+
+// The line less its end, of min(t, kCubeStart) shifted by kLineShift: 1 / (3 * (6/29)^2) for each, with Q15 for Q16.
+constexpr unsigned kLineShift = 5;
+constexpr int16_t kLineSlope = 3987;
+constexpr int16_t kLineEnd = 2258;
+
+// The root of 1/8 to 1; below, t is taken 8 times until it is there, and the root halved as often. The variable is t - 9/16
+// in Q16, half of which counts, so that it is a number of 16 bits; the polynomial gives the root less 3/4, within 2^-12.
+constexpr uint16_t kEighth = 8192, kRootCentre = 36864;
+constexpr int16_t kRootBase = 24576;
+constexpr Polynomial<6> kRoot = {{2478, 8048, -2498, 859, -113, 1107, -1111}};
+
+// ---- L, a and b, of differences of f ------------------------------------------------------------------------------------
+
+// L in units of 1/64: 116 * 2.55 for f, less 16 * 2.55.
+constexpr unsigned kLightnessShift = 6;
+constexpr int16_t kLightness = 18931, kLightnessBase = -2611;
+constexpr int16_t kA = 500, kB = 200, kNeutral = 128;
+
+} // namespace rvk::lab
