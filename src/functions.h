@@ -53,6 +53,36 @@ inline constexpr uint32_t kKernels = static_cast<uint32_t>(Kernel::count);
 // YES.
 void irvkRowRGBToLabC(const uint8_t* src, uint32_t width, uint8_t* dst); // src is RGBA8888
 
+// Chroma of a row. `width` counts the samples, or pairs of them, of the longer rows, and may be odd: shorter ones then have
+// (width + 1) / 2. Halved rows have the rounded means of neighbours, the last sample alone where it has none; doubled ones
+// have each sample twice. Chroma rows are of pairs, but irvkChromaUpsamplePlanar's of one component. What doubles vertically
+// writes two rows. No row may overlap another.
+void irvkRowDownsampleBy2C(const uint8_t* src, uint32_t width, uint8_t* dst);
+void irvkRowDownsampleBy2DeinterleaveC(const uint8_t* src, uint32_t width, uint8_t* dst1, uint8_t* dst2);
+void irvkRowUpsampleBy2C(const uint8_t* src, uint32_t width, uint8_t* dst);
+void irvkRowUpsampleBy2InterleaveC(const uint8_t* src1, const uint8_t* src2, uint32_t width, uint8_t* dst);
+void irvkChromaUpsampleVerticalC(const uint8_t* src, uint32_t width, uint8_t* dst, uint32_t dstStride);
+void irvkChromaUpsampleHorizontalC(const uint8_t* src, uint32_t width, uint8_t* dst);
+void irvkChromaUpsample2DC(const uint8_t* src, uint32_t width, uint8_t* dst, uint32_t dstStride);
+void irvkChromaUpsamplePlanarC(const uint8_t* src, uint32_t width, uint8_t* dst, uint32_t dstStride);
+void irvkRowInterleaveUVC(const uint8_t* src1, const uint8_t* src2, uint32_t width, uint8_t* dst);
+void irvkRowDeinterleaveUVC(const uint8_t* src, uint32_t width, uint8_t* dst1, uint8_t* dst2);
+
+// A channel of a row of `width` pixels. `src` is the row of the plane that has it: of luma or of pairs, or the packed row,
+// which ends with a whole group of two pixels. U and V are (width + 1) / 2 samples.
+void irvkExtractYFromNV12C(const uint8_t* src, uint32_t width, uint8_t* dst);
+void irvkExtractUFromNV12C(const uint8_t* src, uint32_t width, uint8_t* dst);
+void irvkExtractVFromNV12C(const uint8_t* src, uint32_t width, uint8_t* dst);
+void irvkExtractYFromNV21C(const uint8_t* src, uint32_t width, uint8_t* dst);
+void irvkExtractUFromNV21C(const uint8_t* src, uint32_t width, uint8_t* dst);
+void irvkExtractVFromNV21C(const uint8_t* src, uint32_t width, uint8_t* dst);
+void irvkExtractYFromUYVYC(const uint8_t* src, uint32_t width, uint8_t* dst);
+void irvkExtractUFromUYVYC(const uint8_t* src, uint32_t width, uint8_t* dst);
+void irvkExtractVFromUYVYC(const uint8_t* src, uint32_t width, uint8_t* dst);
+void irvkExtractYFromYUYVC(const uint8_t* src, uint32_t width, uint8_t* dst);
+void irvkExtractUFromYUYVC(const uint8_t* src, uint32_t width, uint8_t* dst);
+void irvkExtractVFromYUYVC(const uint8_t* src, uint32_t width, uint8_t* dst);
+
 template <auto slot>
 struct SignatureOf; // Type: pointer to the functions that fill the slot's row; absent while the row has no reference
 

@@ -35,18 +35,53 @@ Range samplesFor(size_t i, uint32_t size, uint32_t fromShift, uint32_t toShift)
     return {i << toShift >> fromShift, (last >> fromShift) + 1};
 }
 
-template <class From>
-Chroma meanOf(const SourcePlane (&src)[From::planes], Range columns, Range rows)
+uint8_t meanOf(const SourcePlane& plane, size_t step, Range columns, Range rows)
 {
-    size_t cb = 0, cr = 0;
+    size_t sum = 0;
     for (size_t y = rows.begin; y < rows.end; ++y)
-        for (size_t x = columns.begin; x < columns.end; ++x) {
-            const Chroma chroma = chromaRow(From(), src, y)[x];
-            cb += chroma.cb;
-            cr += chroma.cr;
-        }
+        for (size_t x = columns.begin; x < columns.end; ++x)
+            sum += rowOf(plane, y)[x * step];
     const size_t count = (columns.end - columns.begin) * (rows.end - rows.begin);
-    return {static_cast<uint8_t>((cb + count / 2) / count), static_cast<uint8_t>((cr + count / 2) / count)};
+    return static_cast<uint8_t>((sum + count / 2) / count);
+}
+
+// Samples of one component of a picture of `width` x `height`, which stand `srcStep` and `dstStep` bytes apart.
+template <class From, class To>
+void resampleComponent(uint32_t width, uint32_t height, const SourcePlane& src, size_t srcStep, const TargetPlane& dst,
+                       size_t dstStep)
+{
+    for (size_t y = 0; y < sampled(height, To::yShift); ++y)
+        for (size_t x = 0; x < sampled(width, To::xShift); ++x)
+            rowOf(dst, y)[x * dstStep] = meanOf(src, srcStep, samplesFor(x, width, From::xShift, To::xShift),
+                                                samplesFor(y, height, From::yShift, To::yShift));
+}
+
+template <class From, class To>
+void resamplePlane(uint32_t width, uint32_t height, const SourcePlane& src, const TargetPlane& dst)
+{
+    resampleComponent<From, To>(width, height, src, 1, dst, 1);
+}
+
+// Cb and Cr, from the plane that each is in.
+template <class S, class AnyPlane>
+AnyPlane componentOf(Planar<S>, const AnyPlane (&planes)[3], size_t i)
+{
+    return planes[1 + i];
+}
+template <class S, class AnyPlane>
+AnyPlane componentOf(PseudoPlanar<S>, const AnyPlane (&planes)[2], size_t i)
+{
+    return {planes[1].data + i, planes[1].stride};
+}
+
+// The chroma of a picture.
+template <class From, class To>
+void resample(const Conversion<From, To>& c)
+{
+    constexpr size_t srcStep = 4 - From::planes, dstStep = 4 - To::planes; // two planes: one of them has pairs
+    for (size_t i = 0; i < 2; ++i)
+        resampleComponent<From, To>(c.width, c.height, componentOf(From(), c.src, i), srcStep,
+                                    componentOf(To(), c.dst, i), dstStep);
 }
 
 // ---- pictures -------------------------------------------------------------------------------------------------------
@@ -57,11 +92,7 @@ void convert(const Conversion<From, To>& c)
 {
     for (size_t y = 0; y < c.height; ++y)
         copySamples(rowOf(c.src[0], y), 1, c.width, rowOf(c.dst[0], y), 1);
-    for (size_t y = 0; y < sampled(c.height, To::yShift); ++y)
-        for (size_t x = 0; x < sampled(c.width, To::xShift); ++x)
-            chromaRow(To(), c.dst, y)
-                .set(x, meanOf<From>(c.src, samplesFor(x, c.width, From::xShift, To::xShift),
-                                     samplesFor(y, c.height, From::yShift, To::yShift)));
+    resample(c);
 }
 
 void convert(const Conversion<Interleaved<2>, SwappedPairs>& c)
@@ -85,20 +116,13 @@ void convert(const Conversion<Interleaved<count>, Channels<count>>& c)
             copySamples(rowOf(c.src[0], y) + i, count, c.width, rowOf(c.dst[i], y), 1);
 }
 
-} // namespace
-
-rvkStatus rvkChannelExtractu8C(const uint8_t* src1, uint32_t srcWidth, uint32_t srcHeight, uint32_t src1Stride,
-                               const uint8_t* src2, uint32_t src2Stride, uint32_t format, uint32_t channel,
-                               uint8_t* dst, uint32_t dstStride)
+void extract(const Samples& samples, uint32_t width, uint32_t height, const SourcePlane& src, const TargetPlane& dst)
 {
-    const Samples samples = samplesOf(format, channel);
-    const Plane src = samples.plane ? Plane{src2, src2Stride} : Plane{src1, src1Stride};
-    for (size_t y = 0; y < sampled(srcHeight, samples.yShift); ++y)
-        copySamples(src.row(y) + samples.offset, samples.step, sampled(srcWidth, samples.xShift),
-                    Plane{dst, dstStride}.row(y), 1);
-    return RAVIK_SUCCESS;
+    for (size_t y = 0; y < sampled(height, samples.yShift); ++y)
+        copySamples(rowOf(src, y) + samples.offset, samples.step, sampled(width, samples.xShift), rowOf(dst, y), 1);
 }
 
+} // namespace
 } // namespace rvk
 
 #include "forms/ravikChannelForms.h"

@@ -192,4 +192,126 @@ rvkStatus RVK_FORM(rvkChannelCombine4Planesu8)(RVK_FROM_FOUR, RVK_TO_PACKED)
     return RAVIK_SUCCESS;
 }
 
+rvkStatus RVK_FORM(rvkChannelExtractu8)(const uint8_t* src1, uint32_t srcWidth, uint32_t srcHeight, uint32_t src1Stride,
+                                        const uint8_t* src2, uint32_t src2Stride, uint32_t format, uint32_t channel,
+                                        uint8_t* dst, uint32_t dstStride)
+{
+    const Samples samples = samplesOf(format, channel);
+    extract(samples, srcWidth, srcHeight, samples.plane ? SourcePlane{src2, src2Stride} : SourcePlane{src1, src1Stride},
+            {dst, dstStride});
+    return RAVIK_SUCCESS;
+}
+
+// ---- rows: pictures of one row, or two, of which only the chroma counts -----------------------------------------------
+
+void RVK_FORM(irvkRowDownsampleBy2)(const uint8_t* src, uint32_t width, uint8_t* dst)
+{
+    resamplePlane<S444, S422>(width, 1, {src, 0}, {dst, 0});
+}
+
+void RVK_FORM(irvkRowDownsampleBy2Deinterleave)(const uint8_t* src, uint32_t width, uint8_t* dst1, uint8_t* dst2)
+{
+    resample(Conversion<PseudoPlanar<S444>, Planar<S422>>{width, 1, {{}, {src, 0}}, {{}, {dst1, 0}, {dst2, 0}}});
+}
+
+void RVK_FORM(irvkRowUpsampleBy2)(const uint8_t* src, uint32_t width, uint8_t* dst)
+{
+    resamplePlane<S422, S444>(width, 1, {src, 0}, {dst, 0});
+}
+
+void RVK_FORM(irvkRowUpsampleBy2Interleave)(const uint8_t* src1, const uint8_t* src2, uint32_t width, uint8_t* dst)
+{
+    resample(Conversion<Planar<S422>, PseudoPlanar<S444>>{width, 1, {{}, {src1, 0}, {src2, 0}}, {{}, {dst, 0}}});
+}
+
+void RVK_FORM(irvkChromaUpsampleVertical)(const uint8_t* src, uint32_t width, uint8_t* dst, uint32_t dstStride)
+{
+    resample(Conversion<PseudoPlanar<S440>, PseudoPlanar<S444>>{width, 2, {{}, {src, 0}}, {{}, {dst, dstStride}}});
+}
+
+void RVK_FORM(irvkChromaUpsampleHorizontal)(const uint8_t* src, uint32_t width, uint8_t* dst)
+{
+    resample(Conversion<PseudoPlanar<S422>, PseudoPlanar<S444>>{width, 1, {{}, {src, 0}}, {{}, {dst, 0}}});
+}
+
+void RVK_FORM(irvkChromaUpsample2D)(const uint8_t* src, uint32_t width, uint8_t* dst, uint32_t dstStride)
+{
+    resample(Conversion<PseudoPlanar<S420>, PseudoPlanar<S444>>{width, 2, {{}, {src, 0}}, {{}, {dst, dstStride}}});
+}
+
+void RVK_FORM(irvkChromaUpsamplePlanar)(const uint8_t* src, uint32_t width, uint8_t* dst, uint32_t dstStride)
+{
+    resamplePlane<S420, S444>(width, 2, {src, 0}, {dst, dstStride});
+}
+
+void RVK_FORM(irvkRowInterleaveUV)(const uint8_t* src1, const uint8_t* src2, uint32_t width, uint8_t* dst)
+{
+    convert(Conversion<Channels<2>, Interleaved<2>>{width, 1, {{src1, 0}, {src2, 0}}, {{dst, 0}}});
+}
+
+void RVK_FORM(irvkRowDeinterleaveUV)(const uint8_t* src, uint32_t width, uint8_t* dst1, uint8_t* dst2)
+{
+    convert(Conversion<Interleaved<2>, Channels<2>>{width, 1, {{src, 0}}, {{dst1, 0}, {dst2, 0}}});
+}
+
+void RVK_FORM(irvkExtractYFromNV12)(const uint8_t* src, uint32_t width, uint8_t* dst)
+{
+    extract(samplesOf(RAVIK_FORMAT_NV12, RAVIK_CHANNEL_Y), width, 1, {src, 0}, {dst, 0});
+}
+
+void RVK_FORM(irvkExtractUFromNV12)(const uint8_t* src, uint32_t width, uint8_t* dst)
+{
+    extract(samplesOf(RAVIK_FORMAT_NV12, RAVIK_CHANNEL_U), width, 1, {src, 0}, {dst, 0});
+}
+
+void RVK_FORM(irvkExtractVFromNV12)(const uint8_t* src, uint32_t width, uint8_t* dst)
+{
+    extract(samplesOf(RAVIK_FORMAT_NV12, RAVIK_CHANNEL_V), width, 1, {src, 0}, {dst, 0});
+}
+
+void RVK_FORM(irvkExtractYFromNV21)(const uint8_t* src, uint32_t width, uint8_t* dst)
+{
+    extract(samplesOf(RAVIK_FORMAT_NV21, RAVIK_CHANNEL_Y), width, 1, {src, 0}, {dst, 0});
+}
+
+void RVK_FORM(irvkExtractUFromNV21)(const uint8_t* src, uint32_t width, uint8_t* dst)
+{
+    extract(samplesOf(RAVIK_FORMAT_NV21, RAVIK_CHANNEL_U), width, 1, {src, 0}, {dst, 0});
+}
+
+void RVK_FORM(irvkExtractVFromNV21)(const uint8_t* src, uint32_t width, uint8_t* dst)
+{
+    extract(samplesOf(RAVIK_FORMAT_NV21, RAVIK_CHANNEL_V), width, 1, {src, 0}, {dst, 0});
+}
+
+void RVK_FORM(irvkExtractYFromUYVY)(const uint8_t* src, uint32_t width, uint8_t* dst)
+{
+    extract(samplesOf(RAVIK_FORMAT_UYVY, RAVIK_CHANNEL_Y), width, 1, {src, 0}, {dst, 0});
+}
+
+void RVK_FORM(irvkExtractUFromUYVY)(const uint8_t* src, uint32_t width, uint8_t* dst)
+{
+    extract(samplesOf(RAVIK_FORMAT_UYVY, RAVIK_CHANNEL_U), width, 1, {src, 0}, {dst, 0});
+}
+
+void RVK_FORM(irvkExtractVFromUYVY)(const uint8_t* src, uint32_t width, uint8_t* dst)
+{
+    extract(samplesOf(RAVIK_FORMAT_UYVY, RAVIK_CHANNEL_V), width, 1, {src, 0}, {dst, 0});
+}
+
+void RVK_FORM(irvkExtractYFromYUYV)(const uint8_t* src, uint32_t width, uint8_t* dst)
+{
+    extract(samplesOf(RAVIK_FORMAT_YUYV, RAVIK_CHANNEL_Y), width, 1, {src, 0}, {dst, 0});
+}
+
+void RVK_FORM(irvkExtractUFromYUYV)(const uint8_t* src, uint32_t width, uint8_t* dst)
+{
+    extract(samplesOf(RAVIK_FORMAT_YUYV, RAVIK_CHANNEL_U), width, 1, {src, 0}, {dst, 0});
+}
+
+void RVK_FORM(irvkExtractVFromYUYV)(const uint8_t* src, uint32_t width, uint8_t* dst)
+{
+    extract(samplesOf(RAVIK_FORMAT_YUYV, RAVIK_CHANNEL_V), width, 1, {src, 0}, {dst, 0});
+}
+
 } // namespace RVK_ROOM

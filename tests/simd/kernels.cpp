@@ -306,6 +306,56 @@ SimdGroup saturating()
     return group(list);
 }
 
+// The mean of the bytes at `first`, `first` + `next`, and of those in `rows` of them.
+uint32_t meanOfRows(const uint8_t* in, size_t first, size_t next, size_t rows)
+{
+    constexpr size_t rowSize = 4 * kBytes;
+    uint32_t sum = 0;
+    for (size_t row = 0; row < rows; ++row)
+        sum += in[row * rowSize + first] + in[row * rowSize + first + next];
+    return rows == 1 ? (sum + 1) >> 1 : (sum + 2) >> 2;
+}
+
+// Elements of T.
+template <class T>
+SimdGroup neighbours()
+{
+    constexpr size_t n = kBytes, size = sizeof(T);
+    static constexpr SimdOperation list[] = {
+        mapping<uint8_t, uint8_t, 8 * n, 2 * n>(
+            "loadMeans",
+            [](const uint8_t* in, uint8_t* out) {
+                store(out, loadMeans<T>(in));
+                store(out + n, loadMeans<T>(in, in + 4 * n));
+            },
+            [](const uint8_t* in, size_t i) {
+                return meanOfRows(in, i % n / size * 2 * size + i % size, size, 1 + i / n);
+            }),
+        mapping<uint8_t, uint8_t, n, 2 * n>(
+            "storeTwice", [](const uint8_t* in, uint8_t* out) { storeTwice<T>(out, load(in)); },
+            [](const uint8_t* in, size_t i) { return in[i / (2 * size) * size + i % size]; }),
+    };
+    return group(list);
+}
+
+SimdGroup neighbourPairs()
+{
+    constexpr size_t n = kBytes;
+    static constexpr SimdOperation list[] = {
+        mapping<uint8_t, uint8_t, 8 * n, 4 * n>(
+            "load2Means",
+            [](const uint8_t* in, uint8_t* out) {
+                store(out, load2Means(in));
+                store(out + 2 * n, load2Means(in, in + 4 * n));
+            },
+            [](const uint8_t* in, size_t i) { return meanOfRows(in, i % n * 4 + i / n % 2, 2, 1 + i / (2 * n)); }),
+        mapping<uint8_t, uint8_t, 2 * n, 4 * n>(
+            "store2Twice", [](const uint8_t* in, uint8_t* out) { store2Twice(out, loadVecs<2>(in)); },
+            [](const uint8_t* in, size_t i) { return in[i / 4 + i % 2 * n]; }),
+    };
+    return group(list);
+}
+
 SimdGroup single()
 {
     static constexpr SimdOperation list[] = {
@@ -955,6 +1005,9 @@ SimdGroup (*const kGroups[])() = {
     saturating<uint16_t>,
     saturating<int16_t>,
     single,
+    neighbours<uint8_t>,
+    neighbours<uint16_t>,
+    neighbourPairs,
     widening<uint8_t>,
     widening<int8_t>,
     widening<uint16_t>,

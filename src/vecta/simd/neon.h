@@ -861,5 +861,65 @@ RVK_INLINE void store4(uint32_t* p, const Vecs<uint32_t, 4>& v) { vst4q_u32(p, r
 RVK_INLINE void store4(int32_t* p, const Vecs<int32_t, 4>& v) { vst4q_s32(p, regs<int32x4x4_t>(v)); }
 RVK_INLINE void store4(float* p, const Vecs<float, 4>& v) { vst4q_f32(p, regs<float32x4x4_t>(v)); }
 
+// ---- neighbours -----------------------------------------------------------------------------------------------------
+
+template <class T>
+RVK_INLINE Vecs<uint8_t, 2> load2Of(const uint8_t* p)
+{
+    return bitCast<uint8_t>(load2(reinterpret_cast<const T*>(p)));
+}
+
+// The rounded means of four bytes.
+RVK_INLINE Vec<uint8_t> means(Vec<uint8_t> a, Vec<uint8_t> b, Vec<uint8_t> c, Vec<uint8_t> d)
+{
+    const Vecs<uint16_t, 2> sums = both(addWide(a, b), addWide(c, d),
+                                        [](auto x, auto y) RVK_INLINE_LAMBDA { return x + y; });
+    return narrowRoundedInLanes<uint8_t, 2>(sums);
+}
+
+template <class T>
+RVK_INLINE Vec<uint8_t> loadMeans(const uint8_t* row)
+{
+    const Vecs<uint8_t, 2> m = load2Of<T>(row);
+    return average(m[0], m[1]);
+}
+
+template <class T>
+RVK_INLINE Vec<uint8_t> loadMeans(const uint8_t* row1, const uint8_t* row2)
+{
+    if constexpr (sizeof(T) == 1) {
+        const auto sums = [=](size_t i) RVK_INLINE_LAMBDA {
+            return vec(vpadalq_u8(vpaddlq_u8(reg(load(row1 + i))), reg(load(row2 + i))));
+        };
+        return narrowRoundedInLanes<uint8_t, 2>(Vecs<uint16_t, 2>{sums(0), sums(kBytes)});
+    } else {
+        const Vecs<uint8_t, 2> a = load2Of<T>(row1), b = load2Of<T>(row2);
+        return means(a[0], a[1], b[0], b[1]);
+    }
+}
+
+RVK_INLINE Vecs<uint8_t, 2> load2Means(const uint8_t* row)
+{
+    const Vecs<uint8_t, 4> m = load4(row);
+    return {average(m[0], m[2]), average(m[1], m[3])};
+}
+
+RVK_INLINE Vecs<uint8_t, 2> load2Means(const uint8_t* row1, const uint8_t* row2)
+{
+    const Vecs<uint8_t, 4> a = load4(row1), b = load4(row2);
+    return {means(a[0], a[2], b[0], b[2]), means(a[1], a[3], b[1], b[3])};
+}
+
+template <class T>
+RVK_INLINE void storeTwice(uint8_t* p, Vec<uint8_t> v)
+{
+    store2(reinterpret_cast<T*>(p), Vecs<T, 2>{bitCast<T>(v), bitCast<T>(v)});
+}
+
+RVK_INLINE void store2Twice(uint8_t* p, const Vecs<uint8_t, 2>& v)
+{
+    store4(p, Vecs<uint8_t, 4>{v[0], v[1], v[0], v[1]});
+}
+
 } // namespace
 } // namespace rvk::vecta::RVK_ISA

@@ -11,6 +11,10 @@
 //             be 0; loads give zero in the lanes after them
 //             loadWiden<To>(p): Vec<To>::lanes elements half as wide, or bytes to 32 bits
 //             load2, load3, load4(p) -> Vecs<T, n>: the channels of interleaved pixels; store2, store3, store4(p, vs)
+//             loadMeans<T>(p), loadMeans<T>(p, q): u8, the rounded means of the bytes of each element of T, 8 or 16 bits,
+//             with those of its neighbour; with q, of those and the two in the row there. load2Means -> Vecs<uint8_t, 2>:
+//             of pairs of bytes, the two apart
+//             storeTwice<T>(p, v): u8, each element of T, 8 or 16 bits, twice; store2Twice(p, vs): each pair twice
 // Constants   splat(x), zero<T>(), iota<T>(): 0, 1, 2, ...
 // Arithmetic  + - * (integers wrap; * of bytes is slow), & | ^ ~, shiftLeft, shiftRight(v, count): count < width of T
 //             min, max: of floats b < a ? b : a and a < b ? b : a, so a when equal or when either is not a number

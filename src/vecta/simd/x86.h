@@ -927,9 +927,15 @@ RVK_INLINE Vecs<T, 2> load2(const T* p)
 }
 
 template <class T>
-RVK_INLINE void store2(T* p, const Vecs<T, 2>& v)
+RVK_INLINE Vecs<T, 2> zipSpread(Vec<T> a, Vec<T> b)
 {
-    store(p, zip(v[0], v[1]));
+    return zip(a, b);
+}
+
+template <class T>
+RVK_INLINE Vec<Narrower<T>> narrowSpread(const Vecs<T, 2>& v)
+{
+    return narrow(v);
 }
 
 // b in the lanes where `lanes` has a bit, a elsewhere. The compilers must not know the bits: clang would merge such
@@ -1074,10 +1080,18 @@ RVK_INLINE Vecs<T, 2> load2(const T* p)
     }
 }
 
+// What storeSpread puts into memory as a0 b0 a1 b1 ...
 template <class T>
-RVK_INLINE void store2(T* p, const Vecs<T, 2>& v)
+RVK_INLINE Vecs<T, 2> zipSpread(Vec<T> a, Vec<T> b)
 {
-    storeSpread(p, zipInLanes(v[0], v[1]));
+    return zipInLanes(a, b);
+}
+
+// The lower halves of the elements that loadSpread took from memory, in their order there.
+template <class T>
+RVK_INLINE Vec<Narrower<T>> narrowSpread(const Vecs<T, 2>& v)
+{
+    return narrowInLanes(v);
 }
 
 // One shuffle brings the elements of a channel together, 4 bytes of each in a block; the rest transposes 4 x 4 such
@@ -1112,6 +1126,12 @@ RVK_INLINE void store4(T* p, const Vecs<T, 4>& v)
 }
 
 #endif
+
+template <class T>
+RVK_INLINE void store2(T* p, const Vecs<T, 2>& v)
+{
+    storeSpread(p, zipSpread(v[0], v[1]));
+}
 
 // The lanes among which one shuffle moves elements freely.
 template <class T> constexpr size_t kReach = RVK_AVX512 ? Vec<T>::lanes : kBlock<T>;
@@ -1168,6 +1188,72 @@ RVK_INLINE void store3(T* p, const Vecs<T, 3>& v)
 {
     const Vecs<T, 3> s = {spreadChannel<0>(v[0]), spreadChannel<1>(v[1]), spreadChannel<2>(v[2])};
     storeSpread(p, Vecs<T, 3>{pixelsOf<0>(s), pixelsOf<1>(s), pixelsOf<2>(s)});
+}
+
+// ---- neighbours -----------------------------------------------------------------------------------------------------
+
+// The bytes of the next element of T, in the even elements.
+template <class T>
+RVK_INLINE Vec<uint8_t> nextOf(Vec<uint8_t> v)
+{
+    return bitCast<uint8_t>(shiftRight(bitCast<Wider<T>>(v), 8 * sizeof(T)));
+}
+
+// The rounded means of the bytes of each even element of T with those of the next, and of those of two rows; the odd
+// elements are of no use.
+template <class T>
+RVK_INLINE Vec<Wider<T>> meansWithNext(Vec<uint8_t> v)
+{
+    return bitCast<Wider<T>>(average(v, nextOf<T>(v)));
+}
+
+template <class T>
+RVK_INLINE Vec<Wider<T>> meansWithNext(Vec<uint8_t> a, Vec<uint8_t> b)
+{
+    if constexpr (sizeof(T) == 1) {
+        const Vec<int8_t> one = splat<int8_t>(1);
+        return bitCast<uint16_t>(shiftRight(dotPairs(a, one) + dotPairs(b, one) + splat<int16_t>(2), 2));
+    } else { // the mean of two means is too large where it was rounded up and one of those was, too
+        const Vec<uint8_t> mean = average(a, b), inexact = a ^ b;
+        const Vec<uint8_t> next = nextOf<T>(mean), nextInexact = nextOf<T>(inexact);
+        return bitCast<Wider<T>>(average(mean, next) -
+                                 ((mean ^ next) & (inexact | nextInexact) & splat<uint8_t>(1)));
+    }
+}
+
+template <class T, class... Byte>
+RVK_INLINE Vec<uint8_t> loadMeans(const Byte*... row)
+{
+    const auto means = [](auto... m)
+                           RVK_INLINE_LAMBDA { return narrowSpread(Vecs<Wider<T>, 2>{meansWithNext<T>(m[0]...),
+                                                                                     meansWithNext<T>(m[1]...)}); };
+    return bitCast<uint8_t>(means(loadSpread<2>(row)...));
+}
+
+template <class... Byte>
+RVK_INLINE Vecs<uint8_t, 2> load2Means(const Byte*... row)
+{
+    const auto means = [](auto... m) RVK_INLINE_LAMBDA {
+        return Vecs<uint16_t, 2>{
+            narrowSpread(Vecs<uint32_t, 2>{meansWithNext<uint16_t>(m[0]...), meansWithNext<uint16_t>(m[1]...)}),
+            narrowSpread(Vecs<uint32_t, 2>{meansWithNext<uint16_t>(m[2]...), meansWithNext<uint16_t>(m[3]...)})};
+    };
+    const Vecs<uint16_t, 2> pairs = means(loadSpread<4>(row)...);
+    return {narrowSpread(pairs), narrowSpread(Vecs<uint16_t, 2>{shiftRight(pairs[0], 8), shiftRight(pairs[1], 8)})};
+}
+
+template <class T>
+RVK_INLINE void storeTwice(uint8_t* p, Vec<uint8_t> v)
+{
+    storeSpread(p, bitCast<uint8_t>(zipSpread(bitCast<T>(v), bitCast<T>(v))));
+}
+
+RVK_INLINE void store2Twice(uint8_t* p, const Vecs<uint8_t, 2>& v)
+{
+    const Vecs<uint16_t, 2> pairs = bitCast<uint16_t>(zipSpread(v[0], v[1]));
+    const Vecs<uint8_t, 2> low = bitCast<uint8_t>(zipSpread(pairs[0], pairs[0]));
+    const Vecs<uint8_t, 2> high = bitCast<uint8_t>(zipSpread(pairs[1], pairs[1]));
+    storeSpread(p, Vecs<uint8_t, 4>{low[0], low[1], high[0], high[1]});
 }
 
 } // namespace

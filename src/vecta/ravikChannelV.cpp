@@ -1,0 +1,442 @@
+// Vector implementations of the functions on chroma and channels.
+//
+// A step is what a conversion makes of whole vectors: `units` units, each of `in` bytes of every source row and `out`
+// bytes of every destination row. One driver walks all of them over rows. Where chroma is halved or doubled across, a
+// unit is two pixels, and the last unit of a row may be one pixel alone.
+#include "color.h"
+#include "vecta/simd/rows.h"
+#include "vecta/vecta.h"
+
+namespace rvk::vecta::RVK_ISA {
+namespace {
+
+// ---- rows -----------------------------------------------------------------------------------------------------------
+
+template <class Byte, size_t count>
+struct Rows
+{
+    Byte* row[count];
+
+    RVK_INLINE void move(size_t bytes)
+    {
+        unrolled<count>([&](auto i) RVK_INLINE_LAMBDA { row[i] += bytes; });
+    }
+    RVK_INLINE void moveBack(size_t bytes)
+    {
+        unrolled<count>([&](auto i) RVK_INLINE_LAMBDA { row[i] -= bytes; });
+    }
+};
+
+// The bytes of a row of `width` pixels.
+template <class Step>
+RVK_INLINE size_t sourceBytes(size_t width)
+{
+    return Step::halvesX ? width * (Step::in / 2) : (width + Step::pixels - 1) / Step::pixels * Step::in;
+}
+template <class Step>
+RVK_INLINE size_t targetBytes(size_t width)
+{
+    return Step::doublesX ? width * (Step::out / 2) : (width + Step::pixels - 1) / Step::pixels * Step::out;
+}
+
+// Fewer pixels than a step takes, through memory that a whole one fits. A pixel alone is its own neighbour.
+template <class Step, size_t sources, size_t targets>
+RVK_NOINLINE void mapFew(size_t width, Rows<const uint8_t, sources> src, Rows<uint8_t, targets> dst)
+{
+    uint8_t in[sources][Step::units * Step::in] = {}, out[targets][Step::units * Step::out];
+    const size_t inSize = sourceBytes<Step>(width), outSize = targetBytes<Step>(width);
+    for (size_t i = 0; i < sources; ++i) {
+        __builtin_memcpy(in[i], src.row[i], inSize);
+        if (Step::halvesX && width % 2)
+            __builtin_memcpy(in[i] + inSize, in[i] + inSize - Step::in / 2, Step::in / 2);
+    }
+    Rows<const uint8_t, sources> from;
+    Rows<uint8_t, targets> to;
+    unrolled<sources>([&](auto i) RVK_INLINE_LAMBDA { from.row[i] = in[i]; });
+    unrolled<targets>([&](auto i) RVK_INLINE_LAMBDA { to.row[i] = out[i]; });
+    Step::apply(from, to);
+    for (size_t i = 0; i < targets; ++i)
+        __builtin_memcpy(dst.row[i], out[i], outSize);
+}
+
+// The last step overlaps the one before it: no source is a destination.
+template <class Step, size_t sources, size_t targets>
+RVK_INLINE void mapRows(size_t width, Rows<const uint8_t, sources> src, Rows<uint8_t, targets> dst)
+{
+    const size_t units = width / Step::pixels;
+    if (units < Step::units) {
+        mapFew<Step>(width, src, dst);
+        return;
+    }
+    for (size_t steps = units / Step::units; steps; --steps) {
+        Step::apply(src, dst);
+        src.move(Step::units * Step::in);
+        dst.move(Step::units * Step::out);
+    }
+    if (const size_t rest = units % Step::units) {
+        src.moveBack((Step::units - rest) * Step::in);
+        dst.moveBack((Step::units - rest) * Step::out);
+        Step::apply(src, dst);
+        src.move(Step::units * Step::in);
+        dst.move(Step::units * Step::out);
+    }
+    if (width % Step::pixels)
+        mapFew<Step>(1, src, dst);
+}
+
+template <class Plane, size_t count>
+RVK_INLINE bool allPacked(const Plane (&planes)[count], size_t rowBytes)
+{
+    bool packed = true;
+    for (size_t i = 0; i < count; ++i)
+        packed = packed && planes[i].stride == rowBytes;
+    return packed;
+}
+
+// Planes of `width` pixels; a plane has `height` rows, or half of them where the other side has two for each of its own.
+// Rows without gaps are walked as one.
+template <class Step, size_t sources, size_t targets>
+RVK_NOINLINE void mapPlanes(size_t width, size_t height, const SourcePlane (&src)[sources],
+                            const TargetPlane (&dst)[targets])
+{
+    constexpr size_t srcRows = Step::halvesY ? 2 : 1, dstRows = Step::doublesY ? 2 : 1, rows = srcRows * dstRows;
+    if (rows == 1 && width % Step::pixels == 0 && allPacked(src, sourceBytes<Step>(width)) &&
+        allPacked(dst, targetBytes<Step>(width))) {
+        width *= height;
+        height = 1;
+    }
+    for (size_t y = 0; y < height; y += rows) {
+        const auto rowAt = [=](const auto& plane, size_t i, size_t planeRows) RVK_INLINE_LAMBDA {
+            return Plane{plane.data, plane.stride}.row(planeRows == 1 ? y / rows : least(y + i, height - 1));
+        };
+        Rows<const uint8_t, sources * srcRows> from;
+        Rows<uint8_t, targets * dstRows> to;
+        unrolled<sources * srcRows>(
+            [&](auto i) RVK_INLINE_LAMBDA { from.row[i] = rowAt(src[i % sources], i / sources, srcRows); });
+        unrolled<targets * dstRows>(
+            [&](auto i) RVK_INLINE_LAMBDA { to.row[i] = rowAt(dst[i % targets], i / targets, dstRows); });
+        mapRows<Step>(anyNumber(width), from, to);
+    }
+}
+
+RVK_NOINLINE void copyPlane(size_t width, size_t height, const SourcePlane& src, const TargetPlane& dst)
+{
+    if (src.stride == width && dst.stride == width) {
+        width *= height;
+        height = 1;
+    }
+    for (size_t y = 0; y < height; ++y)
+        __builtin_memcpy(Plane{dst.data, dst.stride}.row(y), Plane{src.data, src.stride}.row(y), width);
+}
+
+// ---- steps of channels ----------------------------------------------------------------------------------------------
+
+struct PixelByPixel
+{
+    static constexpr bool halvesX = false, halvesY = false, doublesX = false, doublesY = false;
+    static constexpr size_t pixels = 1, units = Vec<uint8_t>::lanes;
+};
+
+template <size_t channels>
+RVK_INLINE Vecs<uint8_t, channels> loadPixels(const uint8_t* p)
+{
+    if constexpr (channels == 2)
+        return load2(p);
+    else if constexpr (channels == 3)
+        return load3(p);
+    else
+        return load4(p);
+}
+
+template <size_t channels>
+RVK_INLINE void storePixels(uint8_t* p, const Vecs<uint8_t, channels>& v)
+{
+    if constexpr (channels == 2)
+        store2(p, v);
+    else if constexpr (channels == 3)
+        store3(p, v);
+    else
+        store4(p, v);
+}
+
+template <size_t channels>
+struct Combine : PixelByPixel
+{
+    static constexpr size_t in = 1, out = channels;
+
+    RVK_INLINE static void apply(const Rows<const uint8_t, channels>& src, const Rows<uint8_t, 1>& dst)
+    {
+        Vecs<uint8_t, channels> v;
+        unrolled<channels>([&](auto i) RVK_INLINE_LAMBDA { v[i] = load(src.row[i]); });
+        storePixels(dst.row[0], v);
+    }
+};
+
+template <size_t channels>
+struct Separate : PixelByPixel
+{
+    static constexpr size_t in = channels, out = 1;
+
+    RVK_INLINE static void apply(const Rows<const uint8_t, 1>& src, const Rows<uint8_t, channels>& dst)
+    {
+        const Vecs<uint8_t, channels> v = loadPixels<channels>(src.row[0]);
+        unrolled<channels>([&](auto i) RVK_INLINE_LAMBDA { store(dst.row[i], v[i]); });
+    }
+};
+
+template <size_t channels, size_t channel>
+struct Extract : PixelByPixel
+{
+    static constexpr size_t in = channels, out = 1;
+
+    RVK_INLINE static void apply(const Rows<const uint8_t, 1>& src, const Rows<uint8_t, 1>& dst)
+    {
+        store(dst.row[0], loadPixels<channels>(src.row[0])[channel]);
+    }
+};
+
+// ---- steps of resampling: rows are those of the first plane, then of the second, and then the lower ones ------------
+
+// By halving or doubling the samples of rows, and the rows.
+template <bool fewerX, bool fewerY, bool moreX, bool moreY>
+struct Scaling
+{
+    static constexpr bool halvesX = fewerX, halvesY = fewerY, doublesX = moreX, doublesY = moreY;
+    static constexpr size_t pixels = fewerX || moreX ? 2 : 1;
+};
+using NoScaling = Scaling<false, false, false, false>;
+
+template <class From, class To>
+using ScalingOf = Scaling<(From::xShift < To::xShift), (From::yShift < To::yShift), (From::xShift > To::xShift),
+                          (From::yShift > To::yShift)>;
+
+// Samples across and rows, of the side that has more of them, of a picture's `width` and `height`.
+template <class From, class To>
+RVK_INLINE size_t samplesOfRow(uint32_t width)
+{
+    return sampled(width, From::xShift < To::xShift ? From::xShift : To::xShift);
+}
+template <class From, class To>
+RVK_INLINE size_t rowsOfPlane(uint32_t height)
+{
+    return sampled(height, From::yShift < To::yShift ? From::yShift : To::yShift);
+}
+
+template <bool first, class A, class B>
+struct Either
+{
+    using Type = A;
+};
+template <class A, class B>
+struct Either<false, A, B>
+{
+    using Type = B;
+};
+
+// `row` of 1 or 2 rows: their means, and those of neighbours of T where they are halved across.
+template <class R, class T, class... Byte>
+RVK_INLINE Vec<uint8_t> loadSamples(const Byte*... row)
+{
+    if constexpr (R::halvesX)
+        return loadMeans<T>(row...);
+    else if constexpr (R::halvesY)
+        return average(load(row)...);
+    else
+        return load(row...);
+}
+
+// The same of pairs, the two apart.
+template <class R>
+RVK_INLINE Vecs<uint8_t, 2> loadPairs(const uint8_t* row)
+{
+    if constexpr (R::halvesX)
+        return load2Means(row);
+    else
+        return load2(row);
+}
+template <class R>
+RVK_INLINE Vecs<uint8_t, 2> loadPairs(const uint8_t* row1, const uint8_t* row2)
+{
+    if constexpr (R::halvesX)
+        return load2Means(row1, row2);
+    else
+        return both(load2(row1), load2(row2), [](auto a, auto b) RVK_INLINE_LAMBDA { return average(a, b); });
+}
+
+template <class R, class T>
+RVK_INLINE void storeSamples(uint8_t* row, Vec<uint8_t> v)
+{
+    if constexpr (R::doublesX)
+        storeTwice<T>(row, v);
+    else
+        store(row, v);
+}
+
+template <class R>
+RVK_INLINE void storePairs(uint8_t* row, const Vecs<uint8_t, 2>& v)
+{
+    if constexpr (R::doublesX)
+        store2Twice(row, v);
+    else
+        store2(row, v);
+}
+
+// Planes to planes, of samples T: bytes, or 16 bits for pairs.
+template <class R, class T>
+struct ResampleSamples : R
+{
+    static constexpr size_t in = sizeof(T) << R::halvesX, out = sizeof(T) << R::doublesX, units = Vec<T>::lanes;
+
+    template <size_t sources, size_t targets>
+    RVK_INLINE static void apply(const Rows<const uint8_t, sources>& src, const Rows<uint8_t, targets>& dst)
+    {
+        Vec<uint8_t> v;
+        if constexpr (R::halvesY)
+            v = loadSamples<R, T>(src.row[0], src.row[1]);
+        else
+            v = loadSamples<R, T>(src.row[0]);
+        unrolled<targets>([&](auto i) RVK_INLINE_LAMBDA { storeSamples<R, T>(dst.row[i], v); });
+    }
+};
+
+template <class R>
+struct ResampleToPairs : R
+{
+    static constexpr size_t in = 1 << R::halvesX, out = 2 << R::doublesX, units = Vec<uint8_t>::lanes;
+
+    template <size_t sources, size_t targets>
+    RVK_INLINE static void apply(const Rows<const uint8_t, sources>& src, const Rows<uint8_t, targets>& dst)
+    {
+        Vecs<uint8_t, 2> v;
+        unrolled<2>([&](auto i) RVK_INLINE_LAMBDA {
+            if constexpr (R::halvesY)
+                v[i] = loadSamples<R, uint8_t>(src.row[i], src.row[2 + i]);
+            else
+                v[i] = loadSamples<R, uint8_t>(src.row[i]);
+        });
+        unrolled<targets>([&](auto i) RVK_INLINE_LAMBDA { storePairs<R>(dst.row[i], v); });
+    }
+};
+
+template <class R>
+struct ResampleFromPairs : R
+{
+    static constexpr size_t in = 2 << R::halvesX, out = 1 << R::doublesX, units = Vec<uint8_t>::lanes;
+
+    template <size_t sources, size_t targets>
+    RVK_INLINE static void apply(const Rows<const uint8_t, sources>& src, const Rows<uint8_t, targets>& dst)
+    {
+        Vecs<uint8_t, 2> v;
+        if constexpr (R::halvesY)
+            v = loadPairs<R>(src.row[0], src.row[1]);
+        else
+            v = loadPairs<R>(src.row[0]);
+        unrolled<targets>([&](auto i) RVK_INLINE_LAMBDA { storeSamples<R, uint8_t>(dst.row[i], v[i % 2]); });
+    }
+};
+
+// ---- pictures -------------------------------------------------------------------------------------------------------
+
+void convert(const Conversion<Interleaved<2>, SwappedPairs>& c)
+{
+    mapImage(
+        size_t{2} * c.width, c.height, Plane{c.dst[0].data, c.dst[0].stride},
+        [](Vec<uint8_t> v) RVK_INLINE_LAMBDA { return shuffle(v, v, [](size_t i) { return i ^ 1; }); },
+        Plane{c.src[0].data, c.src[0].stride});
+}
+
+template <uint32_t count>
+RVK_INLINE void convert(const Conversion<Channels<count>, Interleaved<count>>& c)
+{
+    mapPlanes<Combine<count>>(c.width, c.height, c.src, c.dst);
+}
+
+template <uint32_t count>
+RVK_INLINE void convert(const Conversion<Interleaved<count>, Channels<count>>& c)
+{
+    mapPlanes<Separate<count>>(c.width, c.height, c.src, c.dst);
+}
+
+// Samples of one plane; the sizes of conversions are those of a picture.
+template <class From, class To>
+RVK_INLINE void resamplePlane(uint32_t width, uint32_t height, const SourcePlane& src, const TargetPlane& dst)
+{
+    const SourcePlane from[] = {src};
+    const TargetPlane to[] = {dst};
+    using R = ScalingOf<From, To>;
+    mapPlanes<ResampleSamples<R, uint8_t>>(samplesOfRow<From, To>(width), rowsOfPlane<From, To>(height), from, to);
+}
+
+// The chroma of a picture.
+template <class From, class To>
+RVK_INLINE void resample(const Conversion<Planar<From>, Planar<To>>& c)
+{
+    for (size_t i = 1; i <= 2; ++i)
+        resamplePlane<From, To>(c.width, c.height, c.src[i], c.dst[i]);
+}
+
+template <class From, class To>
+RVK_INLINE void resample(const Conversion<PseudoPlanar<From>, PseudoPlanar<To>>& c)
+{
+    const SourcePlane src[] = {c.src[1]};
+    const TargetPlane dst[] = {c.dst[1]};
+    using R = ScalingOf<From, To>;
+    const size_t width = samplesOfRow<From, To>(c.width), height = rowsOfPlane<From, To>(c.height);
+    if constexpr (R::pixels == 2)
+        mapPlanes<ResampleSamples<R, uint16_t>>(width, height, src, dst);
+    else
+        mapPlanes<ResampleSamples<R, uint8_t>>(2 * width, height, src, dst);
+}
+
+template <class From, class To>
+RVK_INLINE void resample(const Conversion<Planar<From>, PseudoPlanar<To>>& c)
+{
+    const SourcePlane src[] = {c.src[1], c.src[2]};
+    const TargetPlane dst[] = {c.dst[1]};
+    using R = ScalingOf<From, To>;
+    using Step = typename Either<isSame<R, NoScaling>, Combine<2>, ResampleToPairs<R>>::Type;
+    mapPlanes<Step>(samplesOfRow<From, To>(c.width), rowsOfPlane<From, To>(c.height), src, dst);
+}
+
+template <class From, class To>
+RVK_INLINE void resample(const Conversion<PseudoPlanar<From>, Planar<To>>& c)
+{
+    const SourcePlane src[] = {c.src[1]};
+    const TargetPlane dst[] = {c.dst[1], c.dst[2]};
+    using R = ScalingOf<From, To>;
+    using Step = typename Either<isSame<R, NoScaling>, Separate<2>, ResampleFromPairs<R>>::Type;
+    mapPlanes<Step>(samplesOfRow<From, To>(c.width), rowsOfPlane<From, To>(c.height), src, dst);
+}
+
+template <class From, class To>
+requires IsResampling<From, To> RVK_INLINE void convert(const Conversion<From, To>& c)
+{
+    copyPlane(c.width, c.height, c.src[0], c.dst[0]);
+    resample(c);
+}
+
+template <size_t channels, size_t channel>
+RVK_INLINE void extractChannel(size_t width, size_t height, const SourcePlane& src, const TargetPlane& dst)
+{
+    const SourcePlane from[] = {src};
+    const TargetPlane to[] = {dst};
+    mapPlanes<Extract<channels, channel>>(width, height, from, to);
+}
+
+void extract(const Samples& samples, uint32_t srcWidth, uint32_t srcHeight, const SourcePlane& src,
+             const TargetPlane& dst)
+{
+    const size_t width = sampled(srcWidth, samples.xShift), height = sampled(srcHeight, samples.yShift);
+    using Function = void(size_t, size_t, const SourcePlane&, const TargetPlane&);
+    static constexpr Function* const functions[4][4] = {
+        {copyPlane},
+        {extractChannel<2, 0>, extractChannel<2, 1>},
+        {extractChannel<3, 0>, extractChannel<3, 1>, extractChannel<3, 2>},
+        {extractChannel<4, 0>, extractChannel<4, 1>, extractChannel<4, 2>, extractChannel<4, 3>}};
+    functions[samples.step - 1][samples.offset](width, height, src, dst);
+}
+
+} // namespace
+} // namespace rvk::vecta::RVK_ISA
+
+#include "forms/ravikChannelForms.h"
