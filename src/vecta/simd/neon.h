@@ -76,6 +76,19 @@ RVK_INLINE Vec<uint8_t> countBits(Vec<uint8_t> a) { return vec(vcntq_u8(reg(a)))
 // |a - b| where a - b fits 16 bits.
 RVK_INLINE Vec<int16_t> distance(Vec<int16_t> a, Vec<int16_t> b) { return absDiff(a, b); }
 
+// The upper n bits of a, then the upper bits of b.
+template <unsigned n>
+RVK_INLINE Vec<uint8_t> joinBits(Vec<uint8_t> a, Vec<uint8_t> b)
+{
+    return vec(vsriq_n_u8(reg(a), reg(b), n));
+}
+
+// The lower bytes of the elements.
+RVK_INLINE void storeLowBytes(uint8_t* p, Vec<uint16_t> v)
+{
+    vst1_u8(p, vmovn_u16(reg(v)));
+}
+
 // ---- comparison and selection ---------------------------------------------------------------------------------------
 
 template <class T>

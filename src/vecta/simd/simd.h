@@ -22,6 +22,7 @@
 //             abs: s8, s16, s32 (the least value stays), float (clears the sign bit)
 //             absDiff: exact modulo the width; but s32: abs of the wrapped difference; float: abs(a - b)
 //             distance: s16, |a - b| where a - b fits
+//             joinBits<n>(a, b): u8, the upper n bits of a, then the upper bits of b
 //             countBits: u8, of each byte; of a machine word; kCountBitsInVectorsFrom: as many bytes, and vectors pay
 // Rounding    shiftRightRounded(v, count): (v + 2^(count - 1)) >> count, count > 0; u16, s16, s32 (where the sum fits)
 //             shiftLeftSat(v, count): u16, s16
@@ -43,6 +44,7 @@
 // Width       widen(v) -> Vecs<Wider, 2>; narrow(vs): drops the upper halves of the elements; narrowSat<To>(vs): s16 to
 //             u8 or s8, u16 to u8, s32 to s16 or u16, u32 to u16
 //             addWide, subtractWide(a, b) -> Vecs<Wider, 2>: exact, 8 and 16 bits; differences have a sign
+//             storeLowBytes(p, v): u16, narrowed
 //             multiplyWide(a, b) -> Vecs<Wider, 2>: 8 and 16 bits; multiplyHigh: the upper halves of products, 16 bits
 //             dotPairs(a, b): s16 -> s32, a[2i] * b[2i] + a[2i + 1] * b[2i + 1]
 //             dot(a, b): two vectors of s16 each -> s32, a[0] * b[0] + a[1] * b[1], element by element

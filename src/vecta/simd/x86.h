@@ -221,6 +221,15 @@ RVK_INLINE Vec<float> toFloat(Vec<uint32_t> v) { return toFloat(bitCast<int32_t>
 RVK_INLINE Vec<int32_t> truncateToInt(Vec<float> v) { return vec<int32_t>(RVK_MM(cvttps_epi32)(floatReg(v))); }
 RVK_INLINE Vec<int32_t> roundToInt(Vec<float> v) { return vec<int32_t>(RVK_MM(cvtps_epi32)(floatReg(v))); }
 
+// The upper n bits of a, then the upper bits of b.
+template <unsigned n>
+RVK_INLINE Vec<uint8_t> joinBits(Vec<uint8_t> a, Vec<uint8_t> b)
+{
+    constexpr uint8_t lower = 255 >> n;
+    const Vec<uint8_t> shifted = bitCast<uint8_t>(shiftRight(bitCast<uint16_t>(b), n));
+    return (a & splat<uint8_t>(static_cast<uint8_t>(~lower))) | (shifted & splat<uint8_t>(lower));
+}
+
 // ---- comparison and selection ---------------------------------------------------------------------------------------
 
 #if RVK_AVX512
@@ -538,6 +547,21 @@ RVK_INLINE Vec<Narrower<T>> narrow(Vecs<T, 2> v)
     return unzipEven(bitCast<N>(v[0]), bitCast<N>(v[1]));
 #else
     return orderPacked(narrowInLanes(v));
+#endif
+}
+
+// The lower bytes of the elements.
+RVK_INLINE void storeLowBytes(uint8_t* p, Vec<uint16_t> v)
+{
+#if RVK_AVX512
+    _mm256_storeu_si256(reinterpret_cast<__m256i*>(p), _mm512_cvtepi16_epi8(reg(v)));
+#else
+    const Vec<uint8_t> bytes = narrow(Vecs<uint16_t, 2>{v, v});
+#if defined(__AVX2__)
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(p), lowHalf(reg(bytes)));
+#else
+    _mm_storel_epi64(reinterpret_cast<__m128i*>(p), reg(bytes));
+#endif
 #endif
 }
 
