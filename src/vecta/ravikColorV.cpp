@@ -124,10 +124,16 @@ RVK_INLINE const uint8_t* rowOf(const SourcePlane& plane, size_t y)
     return plane.data + y * plane.stride;
 }
 
+template <class Byte>
+RVK_INLINE ChromaPlanes<Byte> chromaPlanes(Byte* cb, Byte* cr)
+{
+    return {{cb, cr}};
+}
+
 template <class S, class AnyPlane>
 RVK_INLINE auto chromaRow(Planar<S>, const AnyPlane (&planes)[3], size_t y)
 {
-    return ChromaPlanes{{rowOf(planes[1], y), rowOf(planes[2], y)}};
+    return chromaPlanes(rowOf(planes[1], y), rowOf(planes[2], y));
 }
 template <class S, bool crFirst>
 RVK_INLINE auto chromaRow(PseudoPlanar<S, crFirst>, const SourcePlane (&planes)[2], size_t y)
@@ -348,7 +354,7 @@ RVK_NOINLINE void toRgb(const LumaRows<count>& rows, From chroma, size_t width)
 template <class From>
 RVK_INLINE void toYuv(const uint8_t* src, size_t width, uint8_t* dstY, uint8_t* dstCb, uint8_t* dstCr)
 {
-    toLumaAndChroma<From, 1>(src, width, dstY, ChromaPlanes<uint8_t>{{dstCb, dstCr}});
+    toLumaAndChroma<From, 1>(src, width, dstY, chromaPlanes(dstCb, dstCr));
 }
 
 template <class From>
