@@ -196,7 +196,7 @@ RVK_INLINE void copyBytes(uint8_t* to, const uint8_t* from, size_t size)
 template <uint32_t xShift>
 constexpr size_t kVectors = xShift ? kSharing : 1;
 template <uint32_t xShift>
-constexpr size_t kPixels = kVectors<xShift> * kStep;
+constexpr size_t kPixels = kVectors<xShift>* kStep;
 
 // Samples that belong to n pixels.
 template <uint32_t xShift>
@@ -368,13 +368,13 @@ RVK_INLINE void toYyuv(const uint8_t* src1, const uint8_t* src2, size_t width, u
 // ---- pictures -------------------------------------------------------------------------------------------------------
 
 template <class From, class To>
-requires IsToYCbCr<From, To>
-RVK_INLINE void convert(const Conversion<From, To>& c)
+requires IsToYCbCr<From, To> RVK_INLINE void convert(const Conversion<From, To>& c)
 {
     for (size_t y = 0; y < c.height; ++y) {
         const uint8_t* const src = rowOf(c.src[0], y);
         if (y % (1u << To::yShift) == 0)
-            toLumaAndChroma<From, To::xShift>(src, c.width, rowOf(c.dst[0], y), chromaRow(To(), c.dst, y >> To::yShift));
+            toLumaAndChroma<From, To::xShift>(src, c.width, rowOf(c.dst[0], y),
+                                              chromaRow(To(), c.dst, y >> To::yShift));
         else
             toLuma<From>(src, c.width, rowOf(c.dst[0], y));
     }
@@ -388,8 +388,7 @@ RVK_INLINE uint8_t* targetRow(const Conversion<From, To>& c, size_t y)
 
 // Of 4:2:0, rows are converted two at a time, the last one twice where it has no other beside it.
 template <class From, class To>
-requires IsToRgb<From, To>
-RVK_INLINE void convert(const Conversion<From, To>& c)
+requires IsToRgb<From, To> RVK_INLINE void convert(const Conversion<From, To>& c)
 {
     constexpr size_t count = From::xShift && From::yShift ? 2 : 1;
     for (size_t y = 0; y < c.height; y += count) {
@@ -417,8 +416,7 @@ RVK_INLINE void mapRows(const Conversion<From, To>& c, void (*convertRow)(const 
 }
 
 template <class From, class To>
-requires(IsReordering<From, To> && !isRotated<To>)
-RVK_INLINE void convert(const Conversion<From, To>& c)
+requires(IsReordering<From, To> && !isRotated<To>) RVK_INLINE void convert(const Conversion<From, To>& c)
 {
     mapRows(c, reorder<From, To>);
 }
@@ -449,8 +447,7 @@ RVK_NOINLINE void reorderAndTurn(const uint8_t* src, size_t width, uint8_t* dst)
 }
 
 template <class From, class To>
-requires(IsReordering<From, To> && isRotated<To>)
-RVK_INLINE void convert(const Conversion<From, To>& c)
+requires(IsReordering<From, To>&& isRotated<To>) RVK_INLINE void convert(const Conversion<From, To>& c)
 {
     for (size_t y = 0; y < c.height; ++y)
         reorderAndTurn<From, To>(rowOf(c.src[0], y), c.width, targetRow(c, y));

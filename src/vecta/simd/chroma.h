@@ -164,7 +164,10 @@ RVK_INLINE WideOffsets offsetsOf(Vec<uint8_t> pairs)
             multiplyRounded(d2, splat<int16_t>(454 * 64))};
 }
 
-RVK_INLINE Vec<int16_t> positive(Vec<int16_t> v) { return max(v, zero<int16_t>()); }
+RVK_INLINE Vec<int16_t> positive(Vec<int16_t> v)
+{
+    return max(v, zero<int16_t>());
+}
 
 // For both pixels of each pair.
 RVK_INLINE Offset forBoth(Vec<int16_t> offset)
@@ -224,8 +227,14 @@ struct HalfRgb
     uint8x8_t red, green, blue;
 };
 
-RVK_INLINE HalfRgb lowHalf(const Rgb& p) { return {lowHalf(p.red), lowHalf(p.green), lowHalf(p.blue)}; }
-RVK_INLINE HalfRgb highHalf(const Rgb& p) { return {highHalf(p.red), highHalf(p.green), highHalf(p.blue)}; }
+RVK_INLINE HalfRgb lowHalf(const Rgb& p)
+{
+    return {lowHalf(p.red), lowHalf(p.green), lowHalf(p.blue)};
+}
+RVK_INLINE HalfRgb highHalf(const Rgb& p)
+{
+    return {highHalf(p.red), highHalf(p.green), highHalf(p.blue)};
+}
 
 template <class Weigh>
 RVK_INLINE auto joinHalves(const Rgb& p, Weigh weigh)
@@ -295,7 +304,8 @@ constexpr size_t kSharing = 2;
 
 RVK_INLINE Chroma evenChromaOf(const Rgb (&p)[kSharing])
 {
-    return chromaOf({unzipEven(p[0].red, p[1].red), unzipEven(p[0].green, p[1].green), unzipEven(p[0].blue, p[1].blue)});
+    return chromaOf(
+        {unzipEven(p[0].red, p[1].red), unzipEven(p[0].green, p[1].green), unzipEven(p[0].blue, p[1].blue)});
 }
 
 RVK_INLINE void storeEvenChroma(const Rgb (&p)[kSharing], uint8_t* pairs)
@@ -329,9 +339,8 @@ RVK_INLINE Offsets offsetsOf(Chroma c)
     const auto green = [](int8x8_t v, int8x8_t w) RVK_INLINE_LAMBDA {
         return vsubw_s8(vrshrq_n_s16(vmlal_s8(vmull_s8(v, vdup_n_s8(-88)), w, vdup_n_s8(73)), 8), w);
     };
-    const auto blue = [](int8x8_t v) RVK_INLINE_LAMBDA {
-        return vrsraq_n_s16(vshll_n_s8(v, 1), vmull_s8(v, vdup_n_s8(-58)), 8);
-    };
+    const auto blue = [](int8x8_t v)
+                          RVK_INLINE_LAMBDA { return vrsraq_n_s16(vshll_n_s8(v, 1), vmull_s8(v, vdup_n_s8(-58)), 8); };
     return {joinOffsets(red(lowHalf(e)), red(highHalf(e))),
             joinOffsets(green(lowHalf(d), lowHalf(e)), green(highHalf(d), highHalf(e))),
             joinOffsets(blue(lowHalf(d)), blue(highHalf(d)))};
