@@ -95,7 +95,7 @@ void printInstructionsOf(const Run& run, const Saved& others, Totals& totals)
     const double goal = goalOf(run);
     const bool notBelowReference = least >= reference;
     const bool aboveGoal = goal > 0 && least > goal;
-    printf("%-44s %-10s %10.2f %10.2f", run.name.c_str(), run.size().c_str(), reference, vecta);
+    printf("%-52s %-10s %10.2f %10.2f", run.name.c_str(), run.size().c_str(), reference, vecta);
     if (!others.compiler().empty())
         printCount(other);
     printCount(best);
@@ -110,7 +110,7 @@ void printInstructionsOf(const Run& run, const Saved& others, Totals& totals)
 int printInstructions(std::string_view filter, const std::string& besideFile)
 {
     const Saved others(besideFile);
-    printf("Executed instructions per pixel: the reference with %s, VECTA with each compiler.\n%-44s %-10s %10s %10s",
+    printf("Executed instructions per pixel: the reference with %s, VECTA with each compiler.\n%-52s %-10s %10s %10s",
            kCompiler, "function", "size", "C", kCompiler);
     if (!others.compiler().empty())
         printf(" %10s", others.compiler().c_str());

@@ -102,7 +102,7 @@ void printTimesOf(const Run& run, Totals& totals)
     const double best = bestTime(run);
     const double goal = row.bytes.streaming ? std::max(best, 1.0) : best; // a memcpy is as fast as memory
 
-    printf("%-44s %-10s %8.2f %8.2f", run.name.c_str(), run.size().c_str(), contenders[1].best / unit, vecta);
+    printf("%-52s %-10s %8.2f %8.2f", run.name.c_str(), run.size().c_str(), contenders[1].best / unit, vecta);
     for (const double other : {opencv, row.libyuv ? contenders[4].best / unit : 0, best}) {
         if (other > 0)
             printf(" %8.2f", other);
@@ -147,7 +147,7 @@ int printTimes(std::string_view filter)
     const rvk::vecta::Variant* variant = rvk::vecta::chosenVariant();
     printf("Times of a memcpy of the same bytes; VECTA is %s; best is that of %s; last column: ns a pixel of VECTA.\n",
            variant ? variant->name : "absent", machineOfBestTimes());
-    printf("%-44s %-10s %8s %8s %8s %8s %8s %9s\n", "function", "size", "C", "VECTA", "OpenCV", "libyuv", "best",
+    printf("%-52s %-10s %8s %8s %8s %8s %8s %9s\n", "function", "size", "C", "VECTA", "OpenCV", "libyuv", "best",
            "ns/pixel");
     Totals totals;
     for (const Run& run : runsOf(filter, {{1920, 1080}, {640, 480}}))
