@@ -189,6 +189,10 @@ constexpr Row kRows[] = {
     CONVERSION(rvkColorRGB888ToGrayu8, "RGB888 to grey", Rgb888, Grey, (cvtColor<cv::COLOR_RGB2GRAY, 3, 1>),
                libyuv::RAWToJ400),
 
+    CONVERSION(rvkColorRGB888ToHSV888u8, "RGB888 to HSV", Rgb888, Hsv888, (cvtColor<cv::COLOR_RGB2HSV_FULL, 3, 3>),
+               none),
+    CONVERSION(rvkColorRGBA8888ToLABu8, nullptr, Rgba8888, Lab888, (cvtColor<cv::COLOR_RGB2Lab, 4, 3>), none),
+
     // Layouts of RGB
     CONVERSION(rvkColorRGB565ToRGB888u8, nullptr, Rgb565, Rgb888, (cvtColor<cv::COLOR_BGR5652RGB, 2, 3>), none),
     CONVERSION(rvkColorRGB565ToRGBA8888u8, nullptr, Rgb565, Rgba8888, (cvtColor<cv::COLOR_BGR5652RGBA, 2, 4>),

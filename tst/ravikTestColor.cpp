@@ -256,6 +256,8 @@ const FunctionGroup& colorFromRgbFunctions()
             RVK_CONVERSION(rvkColorRGB888ToRGB565Rotate180u8, rgb888, rgb565),
             RVK_TEST(rvkColorRGB888toYCrCbu8, triples[0], width, height, dst.ofChannels(3))
                 .keeps(contractOf(rgb888, triples)),
+            RVK_CONVERSION(rvkColorRGB888ToHSV888u8, rgb888, triples),
+            RVK_CONVERSION(rvkColorRGBA8888ToLABu8, rgba8888, triples),
             RVK_CONVERSION_BY("rvkColorRGB888toYCrCbu8", rvkColorRGB888toYCrCbu8_v2, rgb888, triples),
         }};
     return group;
