@@ -83,6 +83,38 @@ void irvkExtractYFromYUYVC(const uint8_t* src, uint32_t width, uint8_t* dst);
 void irvkExtractUFromYUYVC(const uint8_t* src, uint32_t width, uint8_t* dst);
 void irvkExtractVFromYUYVC(const uint8_t* src, uint32_t width, uint8_t* dst);
 
+// A row of `width` pixels to luma and the chroma of even pixels, and to luma alone. Of YYUV, two rows of luma share the
+// chroma of the first, (width + 1) / 2 pairs. The byte order is that of the conversions of pictures.
+void irvkRowRGB565ToYUVC(const uint8_t* src, uint32_t width, uint8_t* dstY, uint8_t* dstCb, uint8_t* dstCr);
+void irvkRowRGB565ToYYUVC(const uint8_t* src, uint32_t width, uint32_t srcStride, uint8_t* dstY, uint32_t dstYStride,
+                          uint8_t* dstC);
+void irvkRowRGB565ToYC(const uint8_t* src, uint32_t width, uint8_t* dst);
+void irvkRowRGB888ToYUVC(const uint8_t* src, uint32_t width, uint8_t* dstY, uint8_t* dstCb, uint8_t* dstCr);
+void irvkRowRGB888ToYYUVC(const uint8_t* src, uint32_t width, uint32_t srcStride, uint8_t* dstY, uint32_t dstYStride,
+                          uint8_t* dstC);
+void irvkRowRGB888ToYC(const uint8_t* src, uint32_t width, uint8_t* dst);
+void irvkRowRGBA8888ToYUVC(const uint8_t* src, uint32_t width, uint8_t* dstY, uint8_t* dstCb, uint8_t* dstCr);
+void irvkRowRGBA8888ToYYUVC(const uint8_t* src, uint32_t width, uint32_t srcStride, uint8_t* dstY, uint32_t dstYStride,
+                            uint8_t* dstC);
+void irvkRowRGBA8888ToYC(const uint8_t* src, uint32_t width, uint8_t* dst);
+
+// A row of `width` pixels to another layout of RGB.
+void irvkRowRGB565ToBGR565C(const uint8_t* src, uint32_t width, uint8_t* dst);
+void irvkRowRGB565ToRGB888C(const uint8_t* src, uint32_t width, uint8_t* dst);
+void irvkRowRGB565ToBGR888C(const uint8_t* src, uint32_t width, uint8_t* dst);
+void irvkRowRGB565ToRGBA8888C(const uint8_t* src, uint32_t width, uint8_t* dst);
+void irvkRowRGB565ToBGRA8888C(const uint8_t* src, uint32_t width, uint8_t* dst);
+void irvkRowRGB888ToRGB565C(const uint8_t* src, uint32_t width, uint8_t* dst);
+void irvkRowRGB888ToBGR565C(const uint8_t* src, uint32_t width, uint8_t* dst);
+void irvkRowRGB888ToBGR888C(const uint8_t* src, uint32_t width, uint8_t* dst);
+void irvkRowRGB888ToRGBA8888C(const uint8_t* src, uint32_t width, uint8_t* dst);
+void irvkRowRGB888ToBGRA8888C(const uint8_t* src, uint32_t width, uint8_t* dst);
+void irvkRowRGBA8888ToRGB565C(const uint8_t* src, uint32_t width, uint8_t* dst);
+void irvkRowRGBA8888ToBGR565C(const uint8_t* src, uint32_t width, uint8_t* dst);
+void irvkRowRGBA8888ToRGB888C(const uint8_t* src, uint32_t width, uint8_t* dst);
+void irvkRowRGBA8888ToBGR888C(const uint8_t* src, uint32_t width, uint8_t* dst);
+void irvkRowRGBA8888ToBGRA8888C(const uint8_t* src, uint32_t width, uint8_t* dst);
+
 template <auto slot>
 struct SignatureOf; // Type: pointer to the functions that fill the slot's row; absent while the row has no reference
 

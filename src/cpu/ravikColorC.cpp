@@ -95,20 +95,6 @@ void toChroma(const uint8_t* src, uint32_t width, ChromaRow<uint8_t> dst)
         dst.set(i, chromaOf(unpack<From>(src + (i << xShift) * From::pixelSize)));
 }
 
-template <class From>
-void toYuv(const uint8_t* src, uint32_t width, uint8_t* dstY, uint8_t* dstCb, uint8_t* dstCr)
-{
-    toLuma<From>(src, width, dstY);
-    toChroma<From, 1>(src, width, ChromaRow{dstCb, dstCr, 1});
-}
-
-template <class From>
-void toYyuv(const uint8_t* src, uint32_t width, uint8_t* dstY, uint8_t* dstC)
-{
-    toLuma<From>(src, width, dstY);
-    toChroma<From, 1>(src, width, ChromaRow{dstC, dstC + 1, 2});
-}
-
 template <class To, uint32_t xShift>
 void toRgb(const uint8_t* srcY, ChromaRow<const uint8_t> chroma, uint32_t length, uint8_t* dst)
 {

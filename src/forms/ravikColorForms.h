@@ -323,4 +323,129 @@ void RVK_FORM(rvkColorRGB888toYCrCbu8_v2)(RVK_FROM_PACKED, RVK_TO_PACKED)
     convert(Conversion<Bgr888, YCrCb888>{RVK_PACKED_SRC, RVK_PACKED_DST});
 }
 
+// ---- rows: pictures of one row, or two -----------------------------------------------------------------------------
+
+void RVK_FORM(irvkRowRGB565ToYUV)(const uint8_t* src, uint32_t width, uint8_t* dstY, uint8_t* dstCb, uint8_t* dstCr)
+{
+    convert(Conversion<Rgb565, Planar<S422>>{width, 1, {{src, 0}}, {{dstY, 0}, {dstCb, 0}, {dstCr, 0}}});
+}
+
+void RVK_FORM(irvkRowRGB565ToYYUV)(const uint8_t* src, uint32_t width, uint32_t srcStride, uint8_t* dstY,
+                                   uint32_t dstYStride, uint8_t* dstC)
+{
+    convert(Conversion<Rgb565, PseudoPlanar<S420>>{width, 2, {{src, srcStride}}, {{dstY, dstYStride}, {dstC, 0}}});
+}
+
+void RVK_FORM(irvkRowRGB565ToY)(const uint8_t* src, uint32_t width, uint8_t* dst)
+{
+    toLuma<Rgb565>(src, width, dst);
+}
+
+void RVK_FORM(irvkRowRGB888ToYUV)(const uint8_t* src, uint32_t width, uint8_t* dstY, uint8_t* dstCb, uint8_t* dstCr)
+{
+    convert(Conversion<Bgr888, Planar<S422>>{width, 1, {{src, 0}}, {{dstY, 0}, {dstCb, 0}, {dstCr, 0}}});
+}
+
+void RVK_FORM(irvkRowRGB888ToYYUV)(const uint8_t* src, uint32_t width, uint32_t srcStride, uint8_t* dstY,
+                                   uint32_t dstYStride, uint8_t* dstC)
+{
+    convert(Conversion<Bgr888, PseudoPlanar<S420>>{width, 2, {{src, srcStride}}, {{dstY, dstYStride}, {dstC, 0}}});
+}
+
+void RVK_FORM(irvkRowRGB888ToY)(const uint8_t* src, uint32_t width, uint8_t* dst)
+{
+    toLuma<Bgr888>(src, width, dst);
+}
+
+void RVK_FORM(irvkRowRGBA8888ToYUV)(const uint8_t* src, uint32_t width, uint8_t* dstY, uint8_t* dstCb, uint8_t* dstCr)
+{
+    convert(Conversion<Bgra8888, Planar<S422>>{width, 1, {{src, 0}}, {{dstY, 0}, {dstCb, 0}, {dstCr, 0}}});
+}
+
+void RVK_FORM(irvkRowRGBA8888ToYYUV)(const uint8_t* src, uint32_t width, uint32_t srcStride, uint8_t* dstY,
+                                     uint32_t dstYStride, uint8_t* dstC)
+{
+    convert(Conversion<Bgra8888, PseudoPlanar<S420>>{width, 2, {{src, srcStride}}, {{dstY, dstYStride}, {dstC, 0}}});
+}
+
+void RVK_FORM(irvkRowRGBA8888ToY)(const uint8_t* src, uint32_t width, uint8_t* dst)
+{
+    toLuma<Bgra8888>(src, width, dst);
+}
+
+void RVK_FORM(irvkRowRGB565ToBGR565)(const uint8_t* src, uint32_t width, uint8_t* dst)
+{
+    convert(Conversion<Rgb565, Bgr565>{width, 1, {{src, 0}}, {{dst, 0}}});
+}
+
+void RVK_FORM(irvkRowRGB565ToRGB888)(const uint8_t* src, uint32_t width, uint8_t* dst)
+{
+    convert(Conversion<Rgb565, Rgb888>{width, 1, {{src, 0}}, {{dst, 0}}});
+}
+
+void RVK_FORM(irvkRowRGB565ToBGR888)(const uint8_t* src, uint32_t width, uint8_t* dst)
+{
+    convert(Conversion<Rgb565, Bgr888>{width, 1, {{src, 0}}, {{dst, 0}}});
+}
+
+void RVK_FORM(irvkRowRGB565ToRGBA8888)(const uint8_t* src, uint32_t width, uint8_t* dst)
+{
+    convert(Conversion<Rgb565, Rgba8888>{width, 1, {{src, 0}}, {{dst, 0}}});
+}
+
+void RVK_FORM(irvkRowRGB565ToBGRA8888)(const uint8_t* src, uint32_t width, uint8_t* dst)
+{
+    convert(Conversion<Rgb565, Bgra8888>{width, 1, {{src, 0}}, {{dst, 0}}});
+}
+
+void RVK_FORM(irvkRowRGB888ToRGB565)(const uint8_t* src, uint32_t width, uint8_t* dst)
+{
+    convert(Conversion<Rgb888, Rgb565>{width, 1, {{src, 0}}, {{dst, 0}}});
+}
+
+void RVK_FORM(irvkRowRGB888ToBGR565)(const uint8_t* src, uint32_t width, uint8_t* dst)
+{
+    convert(Conversion<Rgb888, Bgr565>{width, 1, {{src, 0}}, {{dst, 0}}});
+}
+
+void RVK_FORM(irvkRowRGB888ToBGR888)(const uint8_t* src, uint32_t width, uint8_t* dst)
+{
+    convert(Conversion<Rgb888, Bgr888>{width, 1, {{src, 0}}, {{dst, 0}}});
+}
+
+void RVK_FORM(irvkRowRGB888ToRGBA8888)(const uint8_t* src, uint32_t width, uint8_t* dst)
+{
+    convert(Conversion<Rgb888, Rgba8888>{width, 1, {{src, 0}}, {{dst, 0}}});
+}
+
+void RVK_FORM(irvkRowRGB888ToBGRA8888)(const uint8_t* src, uint32_t width, uint8_t* dst)
+{
+    convert(Conversion<Rgb888, Bgra8888>{width, 1, {{src, 0}}, {{dst, 0}}});
+}
+
+void RVK_FORM(irvkRowRGBA8888ToRGB565)(const uint8_t* src, uint32_t width, uint8_t* dst)
+{
+    convert(Conversion<Rgba8888, Rgb565>{width, 1, {{src, 0}}, {{dst, 0}}});
+}
+
+void RVK_FORM(irvkRowRGBA8888ToBGR565)(const uint8_t* src, uint32_t width, uint8_t* dst)
+{
+    convert(Conversion<Rgba8888, Bgr565>{width, 1, {{src, 0}}, {{dst, 0}}});
+}
+
+void RVK_FORM(irvkRowRGBA8888ToRGB888)(const uint8_t* src, uint32_t width, uint8_t* dst)
+{
+    convert(Conversion<Rgba8888, Rgb888>{width, 1, {{src, 0}}, {{dst, 0}}});
+}
+
+void RVK_FORM(irvkRowRGBA8888ToBGR888)(const uint8_t* src, uint32_t width, uint8_t* dst)
+{
+    convert(Conversion<Rgba8888, Bgr888>{width, 1, {{src, 0}}, {{dst, 0}}});
+}
+
+void RVK_FORM(irvkRowRGBA8888ToBGRA8888)(const uint8_t* src, uint32_t width, uint8_t* dst)
+{
+    convert(Conversion<Rgba8888, Bgra8888>{width, 1, {{src, 0}}, {{dst, 0}}});
+}
+
 } // namespace RVK_ROOM

@@ -349,22 +349,6 @@ RVK_NOINLINE void toRgb(const LumaRows<count>& rows, From chroma, size_t width)
         copyBytes(rows.dst[k] + first * To::pixelSize, out[k] + firstOut * To::pixelSize, rest * To::pixelSize);
 }
 
-// ---- rows of kernels ------------------------------------------------------------------------------------------------
-
-template <class From>
-RVK_INLINE void toYuv(const uint8_t* src, size_t width, uint8_t* dstY, uint8_t* dstCb, uint8_t* dstCr)
-{
-    toLumaAndChroma<From, 1>(src, width, dstY, chromaPlanes(dstCb, dstCr));
-}
-
-template <class From>
-RVK_INLINE void toYyuv(const uint8_t* src1, const uint8_t* src2, size_t width, uint8_t* dstY1, uint8_t* dstY2,
-                       uint8_t* dstC)
-{
-    toLumaAndChroma<From, 1>(src1, width, dstY1, ChromaPairs<uint8_t>{{dstC}});
-    toLuma<From>(src2, width, dstY2);
-}
-
 // ---- pictures -------------------------------------------------------------------------------------------------------
 
 template <class From, class To>
