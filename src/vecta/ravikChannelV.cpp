@@ -39,6 +39,26 @@ RVK_INLINE size_t targetBytes(size_t width)
     return Step::doublesX ? width * (Step::out / 2) : (width + Step::pixels - 1) / Step::pixels * Step::out;
 }
 
+template <class Step, size_t sources, size_t targets>
+RVK_INLINE void applyStep(const Rows<const uint8_t, sources>& src, const Rows<uint8_t, targets>& dst)
+{
+    const auto v = Step::take(src);
+    unrolled<targets>([&](auto i) RVK_INLINE_LAMBDA { Step::put(v, i, dst.row[i]); });
+}
+
+// Two steps, one destination after the other: lines that follow each other go to the cache faster than by turns.
+template <class Step, size_t sources, size_t targets>
+RVK_INLINE void applyTwice(const Rows<const uint8_t, sources>& src, const Rows<uint8_t, targets>& dst)
+{
+    Rows<const uint8_t, sources> next = src;
+    next.move(Step::units * Step::in);
+    const auto v = Step::take(src), w = Step::take(next);
+    unrolled<targets>([&](auto i) RVK_INLINE_LAMBDA {
+        Step::put(v, i, dst.row[i]);
+        Step::put(w, i, dst.row[i] + Step::units * Step::out);
+    });
+}
+
 // Fewer pixels than a step takes, through memory that a whole one fits. A pixel alone is its own neighbour.
 template <class Step, size_t sources, size_t targets>
 RVK_NOINLINE void mapFew(size_t width, Rows<const uint8_t, sources> src, Rows<uint8_t, targets> dst)
@@ -54,7 +74,7 @@ RVK_NOINLINE void mapFew(size_t width, Rows<const uint8_t, sources> src, Rows<ui
     Rows<uint8_t, targets> to;
     unrolled<sources>([&](auto i) RVK_INLINE_LAMBDA { from.row[i] = in[i]; });
     unrolled<targets>([&](auto i) RVK_INLINE_LAMBDA { to.row[i] = out[i]; });
-    Step::apply(from, to);
+    applyStep<Step>(from, to);
     for (size_t i = 0; i < targets; ++i)
         __builtin_memcpy(dst.row[i], out[i], outSize);
 }
@@ -63,22 +83,31 @@ RVK_NOINLINE void mapFew(size_t width, Rows<const uint8_t, sources> src, Rows<ui
 template <class Step, size_t sources, size_t targets>
 RVK_INLINE void mapRows(size_t width, Rows<const uint8_t, sources> src, Rows<uint8_t, targets> dst)
 {
+    constexpr size_t in = Step::units * Step::in, out = Step::units * Step::out;
     const size_t units = width / Step::pixels;
-    if (units < Step::units) {
+    size_t steps = units / Step::units;
+    if (steps == 0) {
         mapFew<Step>(width, src, dst);
         return;
     }
-    for (size_t steps = units / Step::units; steps; --steps) {
-        Step::apply(src, dst);
-        src.move(Step::units * Step::in);
-        dst.move(Step::units * Step::out);
+    if constexpr (targets > 1) {
+        for (; steps >= 2; steps -= 2) {
+            applyTwice<Step>(src, dst);
+            src.move(2 * in);
+            dst.move(2 * out);
+        }
+    }
+    for (; steps; --steps) {
+        applyStep<Step>(src, dst);
+        src.move(in);
+        dst.move(out);
     }
     if (const size_t rest = units % Step::units) {
-        src.moveBack((Step::units - rest) * Step::in);
-        dst.moveBack((Step::units - rest) * Step::out);
-        Step::apply(src, dst);
-        src.move(Step::units * Step::in);
-        dst.move(Step::units * Step::out);
+        src.moveBack(in - rest * Step::in);
+        dst.moveBack(out - rest * Step::out);
+        applyStep<Step>(src, dst);
+        src.move(in);
+        dst.move(out);
     }
     if (width % Step::pixels)
         mapFew<Step>(1, src, dst);
@@ -164,12 +193,13 @@ struct Combine : PixelByPixel
 {
     static constexpr size_t in = 1, out = channels;
 
-    RVK_INLINE static void apply(const Rows<const uint8_t, channels>& src, const Rows<uint8_t, 1>& dst)
+    RVK_INLINE static Vecs<uint8_t, channels> take(const Rows<const uint8_t, channels>& src)
     {
         Vecs<uint8_t, channels> v;
         unrolled<channels>([&](auto i) RVK_INLINE_LAMBDA { v[i] = load(src.row[i]); });
-        storePixels(dst.row[0], v);
+        return v;
     }
+    RVK_INLINE static void put(const Vecs<uint8_t, channels>& v, size_t, uint8_t* dst) { storePixels(dst, v); }
 };
 
 template <size_t channels>
@@ -177,11 +207,11 @@ struct Separate : PixelByPixel
 {
     static constexpr size_t in = channels, out = 1;
 
-    RVK_INLINE static void apply(const Rows<const uint8_t, 1>& src, const Rows<uint8_t, channels>& dst)
+    RVK_INLINE static Vecs<uint8_t, channels> take(const Rows<const uint8_t, 1>& src)
     {
-        const Vecs<uint8_t, channels> v = loadPixels<channels>(src.row[0]);
-        unrolled<channels>([&](auto i) RVK_INLINE_LAMBDA { store(dst.row[i], v[i]); });
+        return loadPixels<channels>(src.row[0]);
     }
+    RVK_INLINE static void put(const Vecs<uint8_t, channels>& v, size_t target, uint8_t* dst) { store(dst, v[target]); }
 };
 
 template <size_t channels, size_t channel>
@@ -189,10 +219,11 @@ struct Extract : PixelByPixel
 {
     static constexpr size_t in = channels, out = 1;
 
-    RVK_INLINE static void apply(const Rows<const uint8_t, 1>& src, const Rows<uint8_t, 1>& dst)
+    RVK_INLINE static Vec<uint8_t> take(const Rows<const uint8_t, 1>& src)
     {
-        store(dst.row[0], loadPixels<channels>(src.row[0])[channel]);
+        return loadPixels<channels>(src.row[0])[channel];
     }
+    RVK_INLINE static void put(Vec<uint8_t> v, size_t, uint8_t* dst) { store(dst, v); }
 };
 
 // ---- steps of resampling: rows are those of the first plane, then of the second, and then the lower ones ------------
@@ -287,16 +318,15 @@ struct ResampleSamples : R
 {
     static constexpr size_t in = sizeof(T) << R::halvesX, out = sizeof(T) << R::doublesX, units = Vec<T>::lanes;
 
-    template <size_t sources, size_t targets>
-    RVK_INLINE static void apply(const Rows<const uint8_t, sources>& src, const Rows<uint8_t, targets>& dst)
+    template <size_t sources>
+    RVK_INLINE static Vec<uint8_t> take(const Rows<const uint8_t, sources>& src)
     {
-        Vec<uint8_t> v;
         if constexpr (R::halvesY)
-            v = loadSamples<R, T>(src.row[0], src.row[1]);
+            return loadSamples<R, T>(src.row[0], src.row[1]);
         else
-            v = loadSamples<R, T>(src.row[0]);
-        unrolled<targets>([&](auto i) RVK_INLINE_LAMBDA { storeSamples<R, T>(dst.row[i], v); });
+            return loadSamples<R, T>(src.row[0]);
     }
+    RVK_INLINE static void put(Vec<uint8_t> v, size_t, uint8_t* dst) { storeSamples<R, T>(dst, v); }
 };
 
 template <class R>
@@ -304,8 +334,8 @@ struct ResampleToPairs : R
 {
     static constexpr size_t in = 1 << R::halvesX, out = 2 << R::doublesX, units = Vec<uint8_t>::lanes;
 
-    template <size_t sources, size_t targets>
-    RVK_INLINE static void apply(const Rows<const uint8_t, sources>& src, const Rows<uint8_t, targets>& dst)
+    template <size_t sources>
+    RVK_INLINE static Vecs<uint8_t, 2> take(const Rows<const uint8_t, sources>& src)
     {
         Vecs<uint8_t, 2> v;
         unrolled<2>([&](auto i) RVK_INLINE_LAMBDA {
@@ -314,8 +344,9 @@ struct ResampleToPairs : R
             else
                 v[i] = loadSamples<R, uint8_t>(src.row[i]);
         });
-        unrolled<targets>([&](auto i) RVK_INLINE_LAMBDA { storePairs<R>(dst.row[i], v); });
+        return v;
     }
+    RVK_INLINE static void put(const Vecs<uint8_t, 2>& v, size_t, uint8_t* dst) { storePairs<R>(dst, v); }
 };
 
 template <class R>
@@ -323,15 +354,17 @@ struct ResampleFromPairs : R
 {
     static constexpr size_t in = 2 << R::halvesX, out = 1 << R::doublesX, units = Vec<uint8_t>::lanes;
 
-    template <size_t sources, size_t targets>
-    RVK_INLINE static void apply(const Rows<const uint8_t, sources>& src, const Rows<uint8_t, targets>& dst)
+    template <size_t sources>
+    RVK_INLINE static Vecs<uint8_t, 2> take(const Rows<const uint8_t, sources>& src)
     {
-        Vecs<uint8_t, 2> v;
         if constexpr (R::halvesY)
-            v = loadPairs<R>(src.row[0], src.row[1]);
+            return loadPairs<R>(src.row[0], src.row[1]);
         else
-            v = loadPairs<R>(src.row[0]);
-        unrolled<targets>([&](auto i) RVK_INLINE_LAMBDA { storeSamples<R, uint8_t>(dst.row[i], v[i % 2]); });
+            return loadPairs<R>(src.row[0]);
+    }
+    RVK_INLINE static void put(const Vecs<uint8_t, 2>& v, size_t target, uint8_t* dst)
+    {
+        storeSamples<R, uint8_t>(dst, v[target % 2]);
     }
 };
 
