@@ -90,7 +90,7 @@ RVK_INLINE void mapRows(size_t width, Rows<const uint8_t, sources> src, Rows<uin
         mapFew<Step>(width, src, dst);
         return;
     }
-    if constexpr (targets > 1) {
+    if constexpr (targets > 1 && !Step::doublesX) { // those that double write two vectors anyway
         for (; steps >= 2; steps -= 2) {
             applyTwice<Step>(src, dst);
             src.move(2 * in);
