@@ -8,28 +8,6 @@ using namespace test;
 
 namespace {
 
-// The colours are taken in pictures of one red: all of them, or some where each takes long.
-#if defined(RVK_TEST_EVERY_COLOUR)
-constexpr uint32_t kRedStep = 1;
-#else
-constexpr uint32_t kRedStep = 51;
-#endif
-
-// A picture of all greens and blues.
-template <size_t channels>
-std::vector<uint8_t> greensAndBlues(uint32_t red)
-{
-    std::vector<uint8_t> picture;
-    for (uint32_t i = 0; i < 65536; ++i) {
-        picture.push_back(static_cast<uint8_t>(red));
-        picture.push_back(static_cast<uint8_t>(i >> 8));
-        picture.push_back(static_cast<uint8_t>(i));
-        if (channels == 4)
-            picture.push_back(static_cast<uint8_t>(i * 7));
-    }
-    return picture;
-}
-
 using Measure = void (*)(const uint8_t* rgb, const uint8_t* converted, size_t pixels, ColorDistances& largest);
 
 // Converts all colours by the reference and measures it.

@@ -111,7 +111,10 @@ RVK_API void rvkColorRGBA8888ToYCbCr420PseudoPlanaru8(const uint8_t* src, uint32
  *   green = clamp((256 * Y - 88 * d - 183 * e + 128) >> 8)
  *   blue  = clamp((256 * Y + 454 * d + 128) >> 8)
  * to 0..255. A sample of chroma is taken for each of its pixels as it is. Alpha becomes 255; RGB565 takes the high bits of
- * each colour. `srcWidth` is at least 2 where chroma is halved horizontally. The functions named 8888 write RGBA8888. */
+ * each colour. `srcWidth` is at least 2 where chroma is halved horizontally. The functions named 8888 write RGBA8888.
+ *
+ * RGB to 4:4:4 and back gives each of the 2^24 colours within 2 in red and blue, 1 in green. OpenCV's and libyuv's
+ * conversions of full range give the same pixels within 1 in each channel. */
 RVK_API void rvkColorYCbCr444PlanarToRGB565u8(const uint8_t* srcY, uint32_t srcWidth, uint32_t srcHeight,
                                               uint32_t srcYStride, const uint8_t* srcCb, uint32_t srcCbStride,
                                               const uint8_t* srcCr, uint32_t srcCrStride, uint8_t* dst,

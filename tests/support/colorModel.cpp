@@ -74,4 +74,11 @@ void measureLab(const uint8_t* rgba, const uint8_t* lab, size_t pixels, ColorDis
     }
 }
 
+void measureDifferences(const uint8_t* a, const uint8_t* b, size_t pixels, int (&largest)[3])
+{
+    for (size_t i = 0; i < pixels; ++i)
+        for (size_t channel = 0; channel < 3; ++channel)
+            largest[channel] = std::max(largest[channel], std::abs(a[3 * i + channel] - b[3 * i + channel]));
+}
+
 } // namespace test
