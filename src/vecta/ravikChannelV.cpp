@@ -113,6 +113,25 @@ RVK_INLINE void mapRows(size_t width, Rows<const uint8_t, sources> src, Rows<uin
         mapFew<Step>(1, src, dst);
 }
 
+// The same by pieces that the first-level cache holds, which go from there past the caches: other stores have each line
+// of the destination read before it is written.
+template <class Step, size_t sources, size_t targets>
+RVK_INLINE void mapRowsPastCaches(size_t width, Rows<const uint8_t, sources> src, Rows<uint8_t, targets> dst)
+{
+    constexpr size_t piece = 1024;
+    alignas(64) uint8_t buffer[targets][piece * Step::out];
+    Rows<uint8_t, targets> to;
+    unrolled<targets>([&](auto i) RVK_INLINE_LAMBDA { to.row[i] = buffer[i]; });
+    for (size_t n; width; width -= n) {
+        n = least(width, piece);
+        mapRows<Step>(n, src, to);
+        unrolled<targets>([&](auto i) RVK_INLINE_LAMBDA { copyPastCaches(buffer[i], dst.row[i], n * Step::out); });
+        src.move(n * Step::in);
+        dst.move(n * Step::out);
+    }
+    finishWritesPastCaches();
+}
+
 template <class Plane, size_t count>
 RVK_INLINE bool allPacked(const Plane (&planes)[count], size_t rowBytes)
 {
@@ -122,6 +141,9 @@ RVK_INLINE bool allPacked(const Plane (&planes)[count], size_t rowBytes)
     return packed;
 }
 
+// More bytes than second-level caches hold.
+constexpr size_t kLargePicture = size_t{3} << 20;
+
 // Planes of `width` pixels; a plane has `height` rows, or half of them where the other side has two for each of its own.
 // Rows without gaps are walked as one.
 template <class Step, size_t sources, size_t targets>
@@ -129,6 +151,7 @@ RVK_NOINLINE void mapPlanes(size_t width, size_t height, const SourcePlane (&src
                             const TargetPlane (&dst)[targets])
 {
     constexpr size_t srcRows = Step::halvesY ? 2 : 1, dstRows = Step::doublesY ? 2 : 1, rows = srcRows * dstRows;
+    const bool isLarge = targets * targetBytes<Step>(width) * height >= kLargePicture;
     if (rows == 1 && width % Step::pixels == 0 && allPacked(src, sourceBytes<Step>(width)) &&
         allPacked(dst, targetBytes<Step>(width))) {
         width *= height;
@@ -144,6 +167,12 @@ RVK_NOINLINE void mapPlanes(size_t width, size_t height, const SourcePlane (&src
             [&](auto i) RVK_INLINE_LAMBDA { from.row[i] = rowAt(src[i % sources], i / sources, srcRows); });
         unrolled<targets * dstRows>(
             [&](auto i) RVK_INLINE_LAMBDA { to.row[i] = rowAt(dst[i % targets], i / targets, dstRows); });
+        if constexpr (Step::mayWritePastCaches) {
+            if (isLarge) {
+                mapRowsPastCaches<Step>(width, from, to);
+                continue;
+            }
+        }
         mapRows<Step>(anyNumber(width), from, to);
     }
 }
@@ -164,6 +193,7 @@ struct PixelByPixel
 {
     static constexpr bool halvesX = false, halvesY = false, doublesX = false, doublesY = false;
     static constexpr size_t pixels = 1, units = Vec<uint8_t>::lanes;
+    static constexpr bool mayWritePastCaches = kWritesPastCaches;
 };
 
 template <size_t channels>
@@ -234,6 +264,7 @@ struct Scaling
 {
     static constexpr bool halvesX = fewerX, halvesY = fewerY, doublesX = moreX, doublesY = moreY;
     static constexpr size_t pixels = fewerX || moreX ? 2 : 1;
+    static constexpr bool mayWritePastCaches = false;
 };
 using NoScaling = Scaling<false, false, false, false>;
 

@@ -338,7 +338,7 @@ SimdGroup neighbours()
     return group(list);
 }
 
-SimdGroup neighbourPairs()
+SimdGroup pairsAndCopies()
 {
     constexpr size_t n = kBytes;
     static constexpr SimdOperation list[] = {
@@ -352,6 +352,14 @@ SimdGroup neighbourPairs()
         mapping<uint8_t, uint8_t, 2 * n, 4 * n>(
             "store2Twice", [](const uint8_t* in, uint8_t* out) { store2Twice(out, loadVecs<2>(in)); },
             [](const uint8_t* in, size_t i) { return in[i / 4 + i % 2 * n]; }),
+        mapping<uint8_t, uint8_t, 300, 300>(
+            "copyPastCaches",
+            [](const uint8_t* in, uint8_t* out) {
+                copyPastCaches(in, out, 31);
+                copyPastCaches(in + 31, out + 31, 269);
+                finishWritesPastCaches();
+            },
+            [](const uint8_t* in, size_t i) { return in[i]; }),
     };
     return group(list);
 }
@@ -1007,7 +1015,7 @@ SimdGroup (*const kGroups[])() = {
     single,
     neighbours<uint8_t>,
     neighbours<uint16_t>,
-    neighbourPairs,
+    pairsAndCopies,
     widening<uint8_t>,
     widening<int8_t>,
     widening<uint16_t>,

@@ -934,5 +934,12 @@ RVK_INLINE void store2Twice(uint8_t* p, const Vecs<uint8_t, 2>& v)
     store4(p, Vecs<uint8_t, 4>{v[0], v[1], v[0], v[1]});
 }
 
+// ---- copies of what is too large for the caches: there are no stores past them --------------------------------------
+
+constexpr bool kWritesPastCaches = false;
+
+RVK_INLINE void copyPastCaches(const uint8_t* from, uint8_t* to, size_t n) { __builtin_memcpy(to, from, n); }
+RVK_INLINE void finishWritesPastCaches() {}
+
 } // namespace
 } // namespace rvk::vecta::RVK_ISA

@@ -15,6 +15,8 @@
 //             with those of its neighbour; with q, of those and the two in the row there. load2Means -> Vecs<uint8_t, 2>:
 //             of pairs of bytes, the two apart
 //             storeTwice<T>(p, v): u8, each element of T, 8 or 16 bits, twice; store2Twice(p, vs): each pair twice
+//             copyPastCaches(from, to, n): of what will not be found in the caches again; kWritesPastCaches: whether that
+//             is any different; finishWritesPastCaches() after the last one
 // Constants   splat(x), zero<T>(), iota<T>(): 0, 1, 2, ...
 // Arithmetic  + - * (integers wrap; * of bytes is slow), & | ^ ~, shiftLeft, shiftRight(v, count): count < width of T
 //             min, max: of floats b < a ? b : a and a < b ? b : a, so a when equal or when either is not a number

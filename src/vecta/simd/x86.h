@@ -1280,5 +1280,34 @@ RVK_INLINE void store2Twice(uint8_t* p, const Vecs<uint8_t, 2>& v)
     storeSpread(p, Vecs<uint8_t, 4>{low[0], low[1], high[0], high[1]});
 }
 
+// ---- copies of what is too large for the caches ---------------------------------------------------------------------
+
+constexpr bool kWritesPastCaches = true;
+
+// To an address of whole registers, without a look at what was there. finishWritesPastCaches comes after the last one.
+RVK_INLINE void storePastCaches(uint8_t* p, Vec<uint8_t> v)
+{
+#if RVK_AVX512
+    _mm512_stream_si512(reinterpret_cast<Register*>(p), reg(v));
+#elif defined(__AVX2__)
+    _mm256_stream_si256(reinterpret_cast<Register*>(p), reg(v));
+#else
+    _mm_stream_si128(reinterpret_cast<Register*>(p), reg(v));
+#endif
+}
+
+RVK_INLINE void finishWritesPastCaches() { _mm_sfence(); }
+
+RVK_INLINE void copyPastCaches(const uint8_t* from, uint8_t* to, size_t n)
+{
+    constexpr size_t line = 64; // written past the caches as a whole
+    const size_t ahead = -reinterpret_cast<uintptr_t>(to) % line, head = ahead < n ? ahead : n;
+    const size_t body = (n - head) / line * line;
+    __builtin_memcpy(to, from, head);
+    for (size_t i = head; i < head + body; i += kBytes)
+        storePastCaches(to + i, load(from + i));
+    __builtin_memcpy(to + head + body, from + head + body, n - head - body);
+}
+
 } // namespace
 } // namespace rvk::vecta::RVK_ISA
