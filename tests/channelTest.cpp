@@ -1,5 +1,5 @@
-// The inner kernels on rows of chroma and channels, by their pointers, in the modes of references and of vectors. Every
-// byte they write is the rounded mean of two bytes of a source row, or the same byte twice.
+// What functions on chroma and channels do that the contract test does not reach: the inner kernels by their pointers, in
+// the modes of references and of vectors, and large pictures.
 #include "kernels.h"
 #include "support/guarded.h"
 #include "support/random.h"
@@ -7,12 +7,16 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstring>
 #include <ravik/ravik.h>
+#include <vector>
 
 using namespace rvk;
 using namespace test;
 
 namespace {
+
+// ---- kernels: every byte they write is the rounded mean of two bytes of a source row --------------------------------
 
 using Source = const uint8_t* const*;
 using Target = uint8_t* const*;
@@ -190,6 +194,59 @@ TEST(ChannelKernels, GiveTheBytesOrMeansTheyAreNamedForInBothModes)
         EXPECT_NE(cell, reference) << tested.name;
         callAtAllWidths(tested);
     }
+}
+
+// ---- pictures larger than the caches, which some processors write past them -----------------------------------------
+
+constexpr uint32_t kWidth = 1024 * 1024 + 77, kHeight = 3;
+constexpr size_t kSourceStride = kWidth + 3;
+
+std::vector<uint8_t> drawnBytes(size_t size)
+{
+    Random random(size);
+    std::vector<uint8_t> bytes(size);
+    std::generate(bytes.begin(), bytes.end(), [&] { return static_cast<uint8_t>(random.below(256)); });
+    return bytes;
+}
+
+// Planes lie one after the other, rows at odd addresses.
+void expectCombined(size_t channels,
+                    void (*combine)(const uint8_t* planes, size_t planeSize, uint8_t* dst, uint32_t stride))
+{
+    const size_t planeSize = kSourceStride * kHeight, stride = channels * kWidth + 1;
+    const std::vector<uint8_t> planes = drawnBytes(channels * planeSize);
+    std::vector<uint8_t> dst(stride * kHeight + 1, 0), expected = dst;
+    for (size_t y = 0; y < kHeight; ++y)
+        for (size_t i = 0; i < channels * kWidth; ++i)
+            expected[1 + y * stride + i] = planes[i % channels * planeSize + y * kSourceStride + i / channels];
+    combine(planes.data(), planeSize, dst.data() + 1, static_cast<uint32_t>(stride));
+    EXPECT_EQ(std::memcmp(dst.data(), expected.data(), dst.size()), 0) << channels << " channels";
+}
+
+TEST(LargePictures, AreCombinedFromAndTakenApartToPlanes)
+{
+    ASSERT_EQ(rvkSetOperationMode(RAVIK_OP_CPU_PERFORMANCE), 0);
+    expectCombined(2, [](const uint8_t* p, size_t size, uint8_t* dst, uint32_t stride) {
+        rvkChannelCombine2Planesu8(p, kWidth, kHeight, kSourceStride, p + size, kSourceStride, dst, stride);
+    });
+    expectCombined(3, [](const uint8_t* p, size_t size, uint8_t* dst, uint32_t stride) {
+        rvkChannelCombine3Planesu8(p, kWidth, kHeight, kSourceStride, p + size, kSourceStride, p + 2 * size,
+                                   kSourceStride, dst, stride);
+    });
+    expectCombined(4, [](const uint8_t* p, size_t size, uint8_t* dst, uint32_t stride) {
+        rvkChannelCombine4Planesu8(p, kWidth, kHeight, kSourceStride, p + size, kSourceStride, p + 2 * size,
+                                   kSourceStride, p + 3 * size, kSourceStride, dst, stride);
+    });
+    const std::vector<uint8_t> pairs = drawnBytes(2 * kSourceStride * kHeight);
+    std::vector<uint8_t> first(kSourceStride * kHeight), second = first;
+    rvkDeinterleaveu8(pairs.data(), kWidth, kHeight, 2 * kSourceStride, first.data(), kSourceStride, second.data(),
+                      kSourceStride);
+    for (size_t y = 0, wrong = 0; y < kHeight; ++y)
+        for (size_t x = 0; x < kWidth && wrong < 5; ++x) {
+            const size_t at = y * kSourceStride + x;
+            if (first[at] != pairs[2 * at] || second[at] != pairs[2 * at + 1])
+                ADD_FAILURE() << "wrong pair " << ++wrong << ": " << x << " of row " << y;
+        }
 }
 
 } // namespace
