@@ -12,12 +12,6 @@ namespace {
 
 constexpr size_t kStep = Vec<uint8_t>::lanes; // pixels of a vector
 
-struct Pixels
-{
-    Rgb rgb;
-    Vec<uint8_t> alpha;
-};
-
 // Five and six bits at the top of a byte widen by their own upper bits.
 RVK_INLINE Vec<uint8_t> widened5(Vec<uint8_t> v)
 {
@@ -29,27 +23,20 @@ RVK_INLINE Vec<uint8_t> widened6(Vec<uint8_t> v)
 }
 
 template <class F>
-RVK_INLINE Pixels loadPixels(const uint8_t* p)
+RVK_INLINE Rgb loadRgb(const uint8_t* p)
 {
     if constexpr (!F::isBytes) {
         static_assert(F::redShift > F::blueShift);
         const Vecs<uint8_t, 2> bytes = load2(p);
         const Vec<uint8_t> low = bytes[0], high = bytes[1];
-        return {{widened5(high), widened6(joinBits<3>(shiftLeft(high, 5), low)), widened5(shiftLeft(low, 3))},
-                splat<uint8_t>(255)};
+        return {widened5(high), widened6(joinBits<3>(shiftLeft(high, 5), low)), widened5(shiftLeft(low, 3))};
     } else if constexpr (F::hasAlpha) {
         const auto v = load4(p);
-        return {{v[F::redByte], v[F::greenByte], v[F::blueByte]}, v[F::alphaByte]};
+        return {v[F::redByte], v[F::greenByte], v[F::blueByte]};
     } else {
         const auto v = load3(p);
-        return {{v[F::redByte], v[F::greenByte], v[F::blueByte]}, splat<uint8_t>(255)};
+        return {v[F::redByte], v[F::greenByte], v[F::blueByte]};
     }
-}
-
-template <class F>
-RVK_INLINE Rgb loadRgb(const uint8_t* p)
-{
-    return loadPixels<F>(p).rgb;
 }
 
 template <class F>
@@ -62,14 +49,13 @@ constexpr bool redComesFirst()
 }
 
 template <class F>
-RVK_INLINE void storePixels(uint8_t* p, const Pixels& pixels)
+RVK_INLINE void storeRgb(uint8_t* p, const Rgb& rgb)
 {
-    const Rgb& rgb = pixels.rgb;
     const Vec<uint8_t> first = redComesFirst<F>() ? rgb.red : rgb.blue, last = redComesFirst<F>() ? rgb.blue : rgb.red;
     if constexpr (!F::isBytes)
         store2(p, Vecs<uint8_t, 2>{joinBits<3>(shiftLeft(rgb.green, 3), last), joinBits<5>(first, rgb.green)});
     else if constexpr (F::hasAlpha)
-        store4(p, Vecs<uint8_t, 4>{first, rgb.green, last, pixels.alpha});
+        store4(p, Vecs<uint8_t, 4>{first, rgb.green, last, splat<uint8_t>(255)});
     else
         store3(p, Vecs<uint8_t, 3>{first, rgb.green, last});
 }
@@ -88,11 +74,10 @@ RVK_INLINE Rgb reversed(const Rgb& p)
 template <class F>
 RVK_INLINE void storeAt(uint8_t* row, size_t x, size_t width, const Rgb& rgb)
 {
-    const Vec<uint8_t> alpha = splat<uint8_t>(255);
     if constexpr (isRotated<F>)
-        storePixels<F>(row + (width - kStep - x) * F::pixelSize, {reversed(rgb), alpha});
+        storeRgb<F>(row + (width - kStep - x) * F::pixelSize, reversed(rgb));
     else
-        storePixels<F>(row + x * F::pixelSize, {rgb, alpha});
+        storeRgb<F>(row + x * F::pixelSize, rgb);
 }
 
 // ---- chroma in memory -----------------------------------------------------------------------------------------------
@@ -166,14 +151,14 @@ RVK_INLINE void storeChromaOfEven(const Rgb (&p)[kSharing], const ChromaPairs<ui
     storeEvenChroma(p, to.row[0]);
 }
 
-RVK_INLINE void loadOffsets(const ChromaPlanes<const uint8_t>& from, Offsets (&offsets)[1])
+RVK_INLINE auto loadOwnOffsets(const ChromaPlanes<const uint8_t>& from)
 {
-    offsets[0] = loadOffsets(from.row[0], from.row[1]);
+    return loadOwnOffsets(from.row[0], from.row[1]);
 }
 template <bool crFirst>
-RVK_INLINE void loadOffsets(const ChromaPairs<const uint8_t, crFirst>& from, Offsets (&offsets)[1])
+RVK_INLINE auto loadOwnOffsets(const ChromaPairs<const uint8_t, crFirst>& from)
 {
-    offsets[0] = loadOffsets<crFirst>(from.row[0]);
+    return loadOwnOffsets<crFirst>(from.row[0]);
 }
 RVK_INLINE void loadSharedOffsets(const ChromaPlanes<const uint8_t>& from, Offsets (&offsets)[kSharing])
 {
@@ -244,7 +229,34 @@ RVK_INLINE void mapPixels(const uint8_t* src, size_t width, uint8_t* dst, Load l
 template <class From, class To>
 RVK_NOINLINE void reorder(const uint8_t* src, size_t width, uint8_t* dst)
 {
-    mapPixels<From::pixelSize, To::pixelSize>(src, width, dst, loadPixels<From>, storePixels<To>);
+    mapPixels<From::pixelSize, To::pixelSize>(
+        src, width, dst, [](const uint8_t* p) RVK_INLINE_LAMBDA { return loadRgb<From>(p); },
+        [](uint8_t* p, const Rgb& rgb) RVK_INLINE_LAMBDA { storeRgb<To>(p, rgb); });
+}
+
+// Alpha stays as it is.
+template <>
+RVK_NOINLINE void reorder<Rgba8888, Bgra8888>(const uint8_t* src, size_t width, uint8_t* dst)
+{
+    mapPixels<4, 4>(
+        src, width, dst, [](const uint8_t* p) RVK_INLINE_LAMBDA { return load4(p); },
+        [](uint8_t* p, const Vecs<uint8_t, 4>& v) RVK_INLINE_LAMBDA {
+            store4(p, Vecs<uint8_t, 4>{v[2], v[1], v[0], v[3]});
+        });
+}
+
+// Green stays where it is.
+template <>
+RVK_NOINLINE void reorder<Rgb565, Bgr565>(const uint8_t* src, size_t width, uint8_t* dst)
+{
+    mapPixels<2, 2>(
+        src, width, dst, [](const uint8_t* p) RVK_INLINE_LAMBDA { return bitCast<uint16_t>(loadVecs<2>(p)); },
+        [](uint8_t* p, const Vecs<uint16_t, 2>& words) RVK_INLINE_LAMBDA {
+            const auto swap = [](Vec<uint16_t> v) RVK_INLINE_LAMBDA {
+                return shiftLeft(v, 11) | shiftRight(v, 11) | (v & splat<uint16_t>(0x07e0));
+            };
+            store(p, bitCast<uint8_t>(both(words, swap)));
+        });
 }
 
 template <class From>
@@ -315,18 +327,18 @@ template <class To, uint32_t xShift, size_t count, class From>
 RVK_NOINLINE void toRgb(const LumaRows<count>& rows, From chroma, size_t width)
 {
     constexpr size_t step = kPixels<xShift>, samples = step >> xShift;
+    const auto convertVectors = [&](size_t x, const auto& offsets) RVK_INLINE_LAMBDA {
+        unrolled<count>(
+            [&](auto k) RVK_INLINE_LAMBDA { storeAt<To>(rows.dst[k], x, width, offsets.of(load(rows.luma[k] + x))); });
+    };
     const size_t whole = forEachStep<xShift>(width, [&](size_t x) RVK_INLINE_LAMBDA {
-        Offsets offsets[kVectors<xShift>];
-        if constexpr (xShift == 0)
-            loadOffsets(chroma.at(x), offsets);
-        else
+        if constexpr (xShift == 0) {
+            convertVectors(x, loadOwnOffsets(chroma.at(x)));
+        } else {
+            Offsets offsets[kSharing];
             loadSharedOffsets(chroma.at(x / 2), offsets);
-        unrolled<count>([&](auto k) RVK_INLINE_LAMBDA {
-            unrolled<kVectors<xShift>>([&](auto i) RVK_INLINE_LAMBDA {
-                const size_t at = x + i * kStep;
-                storeAt<To>(rows.dst[k], at, width, offsets[i].of(load(rows.luma[k] + at)));
-            });
-        });
+            unrolled<kSharing>([&](auto i) RVK_INLINE_LAMBDA { convertVectors(x + i * kStep, offsets[i]); });
+        }
     });
     const size_t rest = width - whole;
     if (rest == 0)

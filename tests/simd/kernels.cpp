@@ -1,6 +1,7 @@
 // The vector layer beside its scalar definitions.
 #include "simd/kernels.h"
 
+#include "vecta/simd/chroma.h"
 #include "vecta/simd/rowSums.h"
 #include "vecta/simd/tiles.h"
 
@@ -379,6 +380,8 @@ SimdGroup single()
         UNARY(int32_t, abs(a), a < 0 ? 0 - uint32_t(a) : uint32_t(a)),
         BINARY(uint8_t, average(a, b), (a + b + 1) >> 1),
         BINARY(uint8_t, multiplyRounded(a, b), (a * b + 128) >> 8),
+        BINARY(uint8_t, joinBits<3>(a, b), (a & 0xe0) | b >> 3),
+        BINARY(uint8_t, joinBits<6>(a, b), (a & 0xfc) | b >> 6),
         BINARY(uint16_t, average(a, b), (a + b + 1) >> 1),
         BINARY(int16_t, distance(shiftRight(a, 1), shiftRight(b, 1)),
                (a >> 1) < (b >> 1) ? (b >> 1) - (a >> 1) : (a >> 1) - (b >> 1)),
@@ -632,6 +635,136 @@ SimdGroup narrowingWithRounding()
                 constexpr int half = 1 << (sizeof(To) * 8 - 1);
                 return saturate<To>((int64_t{in[i] >> spare} + half) >> (sizeof(To) * 8));
             }),
+    };
+    return group(list);
+}
+
+// ---- luma and chroma ------------------------------------------------------------------------------------------------
+
+// Pixel i of vectors of red, green and blue, one behind the other.
+struct Pixel
+{
+    int32_t red, green, blue;
+};
+
+Pixel pixelOf(const uint8_t* in, size_t i)
+{
+    return {in[i], in[i + kBytes], in[i + 2 * kBytes]};
+}
+
+Rgb loadPlanes(const uint8_t* in)
+{
+    return {load(in), load(in + kBytes), load(in + 2 * kBytes)};
+}
+
+int64_t cbOf(Pixel p)
+{
+    return saturate<uint8_t>(128 + ((128 * p.blue - 85 * p.green - 43 * p.red + 128) >> 8));
+}
+int64_t crOf(Pixel p)
+{
+    return saturate<uint8_t>(128 + ((128 * p.red - 107 * p.green - 21 * p.blue + 128) >> 8));
+}
+
+SimdGroup sumsOfColour()
+{
+    constexpr size_t n = kBytes, shared = kSharing * kBytes;
+    static constexpr SimdOperation list[] = {
+        mapping<uint8_t, uint8_t, 3 * n, n>(
+            "lumaOf", [](const uint8_t* in, uint8_t* out) { store(out, lumaOf(loadPlanes(in))); },
+            [](const uint8_t* in, size_t i) {
+                const Pixel p = pixelOf(in, i);
+                return (29 * p.blue + 150 * p.green + 77 * p.red + 128) >> 8;
+            }),
+        mapping<uint8_t, uint8_t, 3 * n, n>(
+            "greyOf", [](const uint8_t* in, uint8_t* out) { store(out, greyOf(loadPlanes(in))); },
+            [](const uint8_t* in, size_t i) {
+                const Pixel p = pixelOf(in, i);
+                return (19595 * p.red + 38469 * p.green + 7471 * p.blue + 32768) >> 16;
+            }),
+        mapping<uint8_t, uint8_t, 3 * n, 2 * n>(
+            "chromaOf",
+            [](const uint8_t* in, uint8_t* out) {
+                const Chroma c = chromaOf(loadPlanes(in));
+                store(out, c.cb);
+                store(out + n, c.cr);
+            },
+            [](const uint8_t* in, size_t i) { return i < n ? cbOf(pixelOf(in, i)) : crOf(pixelOf(in, i - n)); }),
+        mapping<uint8_t, uint8_t, 3 * shared, 2 * shared>(
+            "storeEvenChroma",
+            [](const uint8_t* in, uint8_t* out) {
+                Rgb p[kSharing];
+                for (size_t k = 0; k < kSharing; ++k)
+                    p[k] = loadPlanes(in + k * 3 * n);
+                storeEvenChroma(p, out);
+                storeEvenChroma(p, out + shared, out + shared + shared / 2);
+            },
+            [](const uint8_t* in, size_t i) {
+                const bool planar = i >= shared;
+                const size_t sample = planar ? i % (shared / 2) : i / 2;
+                const Pixel p = pixelOf(in + 2 * sample / n * 3 * n, 2 * sample % n);
+                return (planar ? i < shared + shared / 2 : i % 2 == 0) ? cbOf(p) : crOf(p);
+            }),
+    };
+    return group(list);
+}
+
+// Channel 0, 1 or 2 of a pixel.
+int64_t channelOf(size_t channel, int32_t luma, int32_t cb, int32_t cr)
+{
+    const int32_t d = cb - 128, e = cr - 128;
+    const int32_t sums[] = {359 * e, -88 * d - 183 * e, 454 * d};
+    return saturate<uint8_t>((256 * luma + sums[channel] + 128) >> 8);
+}
+
+void storePlanes(uint8_t* out, const Rgb& rgb)
+{
+    store(out, Vecs<uint8_t, 3>{rgb.red, rgb.green, rgb.blue});
+}
+
+// Luma, then chroma: pairs, Cr first, or a vector of each; the channels one behind the other.
+SimdGroup offsetsOfChroma()
+{
+    constexpr size_t n = kBytes, shared = kSharing * kBytes;
+    static constexpr SimdOperation list[] = {
+        mapping<uint8_t, uint8_t, 3 * n, 3 * n>(
+            "loadOwnOffsets of pairs",
+            [](const uint8_t* in, uint8_t* out) { storePlanes(out, loadOwnOffsets<true>(in + n).of(load(in))); },
+            [](const uint8_t* in, size_t i) {
+                const size_t k = i % n;
+                return channelOf(i / n, in[k], in[n + 2 * k + 1], in[n + 2 * k]);
+            }),
+        mapping<uint8_t, uint8_t, 3 * n, 3 * n>(
+            "loadOwnOffsets of planes",
+            [](const uint8_t* in, uint8_t* out) { storePlanes(out, loadOwnOffsets(in + n, in + 2 * n).of(load(in))); },
+            [](const uint8_t* in, size_t i) { return channelOf(i / n, in[i % n], in[n + i % n], in[2 * n + i % n]); }),
+        mapping<uint8_t, uint8_t, 2 * shared, 3 * shared>(
+            "loadSharedOffsets of pairs",
+            [](const uint8_t* in, uint8_t* out) {
+                Offsets offsets[kSharing];
+                loadSharedOffsets<true>(in + shared, offsets);
+                for (size_t k = 0; k < kSharing; ++k)
+                    storePlanes(out + 3 * n * k, offsets[k].of(load(in + n * k)));
+            },
+            [](const uint8_t* in, size_t i) {
+                const size_t k = i / (3 * n) * n + i % n, pair = shared + k / 2 * 2;
+                return channelOf(i / n % 3, in[k], in[pair + 1], in[pair]);
+            }),
+        mapping<uint8_t, uint8_t, 2 * shared, 3 * shared>(
+            "loadSharedOffsets of planes",
+            [](const uint8_t* in, uint8_t* out) {
+                Offsets offsets[kSharing];
+                loadSharedOffsets(in + shared, in + shared + shared / 2, offsets);
+                for (size_t k = 0; k < kSharing; ++k)
+                    storePlanes(out + 3 * n * k, offsets[k].of(load(in + n * k)));
+            },
+            [](const uint8_t* in, size_t i) {
+                const size_t k = i / (3 * n) * n + i % n, cb = shared + k / 2;
+                return channelOf(i / n % 3, in[k], in[cb], in[cb + shared / 2]);
+            }),
+        mapping<uint16_t, uint8_t, kLanes<uint16_t>, kLanes<uint16_t>>(
+            "storeLowBytes", [](const uint16_t* in, uint8_t* out) { storeLowBytes(out, load(in)); },
+            [](const uint16_t* in, size_t i) { return in[i] & 255; }),
     };
     return group(list);
 }
@@ -1051,6 +1184,8 @@ SimdGroup (*const kGroups[])() = {
     narrowingWithRounding<int16_t, uint8_t>,
     narrowingWithRounding<int32_t, int16_t>,
     narrowingWithRounding<int32_t, uint16_t>,
+    sumsOfColour,
+    offsetsOfChroma,
     shortProducts,
     roundedShifts<uint16_t>,
     roundedShifts<int16_t>,

@@ -3,8 +3,8 @@
 // Of luma and grey, all pixels of a vector are summed in 16 bits. x86 multiplies neighbouring bytes by two weights and adds
 // the products in one instruction, so there the sums of even and of odd pixels lie apart, and nothing is shuffled.
 //
-// What chroma adds to a channel is the same for all pixels that share it, lies between -255 and 255, and is kept as two
-// bytes, of which one is zero: the channel of a pixel is luma + more - less, each saturated.
+// What chroma adds to a channel lies between -255 and 255. For pixels that share it, it is made once and kept as two bytes,
+// of which one is zero: the channel of a pixel is luma + more - less, each saturated.
 #pragma once
 
 #include "vecta/simd/simd.h"
@@ -176,19 +176,6 @@ RVK_INLINE Offset forBoth(Vec<int16_t> offset)
     return {bitCast<uint8_t>(more * twice), bitCast<uint8_t>((more - offset) * twice)};
 }
 
-// For even and for odd pixels.
-RVK_INLINE Offset forEach(Vec<int16_t> even, Vec<int16_t> odd)
-{
-    const Vec<int16_t> moreEven = positive(even), moreOdd = positive(odd);
-    return {bitCast<uint8_t>(moreEven | shiftLeft(moreOdd, 8)),
-            bitCast<uint8_t>((moreEven - even) | shiftLeft(moreOdd - odd, 8))};
-}
-
-RVK_INLINE Offsets forEach(const WideOffsets& even, const WideOffsets& odd)
-{
-    return {forEach(even.red, odd.red), forEach(even.green, odd.green), forEach(even.blue, odd.blue)};
-}
-
 // Of kSharing vectors of pixels, two of which share a sample.
 template <bool crFirst>
 RVK_INLINE void loadSharedOffsets(const uint8_t* pairs, Offsets (&offsets)[kSharing])
@@ -204,18 +191,33 @@ RVK_INLINE void loadSharedOffsets(const uint8_t* cb, const uint8_t* cr, Offsets 
     offsets[0] = {forBoth(wide.red), forBoth(wide.green), forBoth(wide.blue)};
 }
 
-// Of a vector of pixels with a sample each.
-template <bool crFirst>
-RVK_INLINE Offsets loadOffsets(const uint8_t* pairs)
+// Of a vector of pixels with a sample each, in their order or in that of ...InLanes.
+template <bool ordered>
+struct OwnOffsets
 {
-    const Vecs<uint16_t, 2> parity = load2(reinterpret_cast<const uint16_t*>(pairs));
-    return forEach(offsetsOf<crFirst>(bitCast<uint8_t>(parity[0])), offsetsOf<crFirst>(bitCast<uint8_t>(parity[1])));
+    WideOffsets first, second;
+
+    RVK_INLINE Rgb of(Vec<uint8_t> luma) const
+    {
+        const Vecs<int16_t, 2> wide = bitCast<int16_t>(ordered ? widen(luma) : widenInLanes(luma));
+        const auto channel = [&](Vec<int16_t> a, Vec<int16_t> b) RVK_INLINE_LAMBDA {
+            const Vecs<int16_t, 2> sums = {wide[0] + a, wide[1] + b};
+            return ordered ? narrowSat<uint8_t>(sums) : narrowSatInLanes<uint8_t>(sums);
+        };
+        return {channel(first.red, second.red), channel(first.green, second.green), channel(first.blue, second.blue)};
+    }
+};
+
+template <bool crFirst>
+RVK_INLINE OwnOffsets<true> loadOwnOffsets(const uint8_t* pairs)
+{
+    return {offsetsOf<crFirst>(load(pairs)), offsetsOf<crFirst>(load(pairs + kBytes))};
 }
 
-RVK_INLINE Offsets loadOffsets(const uint8_t* cb, const uint8_t* cr)
+RVK_INLINE OwnOffsets<false> loadOwnOffsets(const uint8_t* cb, const uint8_t* cr)
 {
-    const Rgb p = {load(cr), {}, load(cb)};
-    return forEach(offsetsOf<false>(blueAndRed<false>(p)), offsetsOf<false>(blueAndRed<true>(p)));
+    const Vecs<uint8_t, 2> pairs = zipInLanes(load(cb), load(cr));
+    return {offsetsOf<false>(pairs[0]), offsetsOf<false>(pairs[1])};
 }
 
 #else
@@ -323,56 +325,63 @@ RVK_INLINE void storeEvenChroma(const Rgb (&p)[kSharing], uint8_t* cb, uint8_t* 
 
 // ---- what chroma adds -----------------------------------------------------------------------------------------------
 
-// Of sums with a sign, 8 at a time.
-RVK_INLINE Offset joinOffsets(int16x8_t low, int16x8_t high)
+// Of a vector of pixels with a sample each.
+struct OwnOffsets
 {
-    return {join(vqmovun_s16(low), vqmovun_s16(high)), join(vqmovun_s16(vnegq_s16(low)), vqmovun_s16(vnegq_s16(high)))};
-}
+    Vecs<int16_t, 2> red, green, blue;
+
+    RVK_INLINE Rgb of(Vec<uint8_t> luma) const
+    {
+        const auto channel = [=](const Vecs<int16_t, 2>& offset) RVK_INLINE_LAMBDA {
+            const Vecs<uint16_t, 2> o = bitCast<uint16_t>(offset);
+            return narrowSat<uint8_t>(bitCast<int16_t>(
+                Vecs<uint16_t, 2>{vec(vaddw_u8(reg(o[0]), lowHalf(luma))), vec(vaddw_u8(reg(o[1]), highHalf(luma)))}));
+        };
+        return {channel(red), channel(green), channel(blue)};
+    }
+};
 
 // d = Cb - 128 and e = Cr - 128. Of red, 359e is 256e + 103e; of green, -183e is 73e - 256e; of blue, 454d is 512d - 58d.
-RVK_INLINE Offsets offsetsOf(Chroma c)
+RVK_INLINE OwnOffsets offsetsOf(Chroma c)
 {
     const Vec<uint8_t> offset = splat<uint8_t>(128);
     const Vec<int8_t> d = bitCast<int8_t>(c.cb ^ offset), e = bitCast<int8_t>(c.cr ^ offset);
     const auto red = [](int8x8_t v)
-                         RVK_INLINE_LAMBDA { return vaddw_s8(vrshrq_n_s16(vmull_s8(v, vdup_n_s8(103)), 8), v); };
+                         RVK_INLINE_LAMBDA { return vec(vaddw_s8(vrshrq_n_s16(vmull_s8(v, vdup_n_s8(103)), 8), v)); };
     const auto green = [](int8x8_t v, int8x8_t w) RVK_INLINE_LAMBDA {
-        return vsubw_s8(vrshrq_n_s16(vmlal_s8(vmull_s8(v, vdup_n_s8(-88)), w, vdup_n_s8(73)), 8), w);
+        return vec(vsubw_s8(vrshrq_n_s16(vmlal_s8(vmull_s8(v, vdup_n_s8(-88)), w, vdup_n_s8(73)), 8), w));
     };
-    const auto blue = [](int8x8_t v)
-                          RVK_INLINE_LAMBDA { return vrsraq_n_s16(vshll_n_s8(v, 1), vmull_s8(v, vdup_n_s8(-58)), 8); };
-    return {joinOffsets(red(lowHalf(e)), red(highHalf(e))),
-            joinOffsets(green(lowHalf(d), lowHalf(e)), green(highHalf(d), highHalf(e))),
-            joinOffsets(blue(lowHalf(d)), blue(highHalf(d)))};
+    const auto blue = [](int8x8_t v) RVK_INLINE_LAMBDA {
+        return vec(vrsraq_n_s16(vshll_n_s8(v, 1), vmull_s8(v, vdup_n_s8(-58)), 8));
+    };
+    return {{red(lowHalf(e)), red(highHalf(e))},
+            {green(lowHalf(d), lowHalf(e)), green(highHalf(d), highHalf(e))},
+            {blue(lowHalf(d)), blue(highHalf(d))}};
 }
 
 template <bool crFirst>
-RVK_INLINE Chroma loadChroma(const uint8_t* pairs)
+RVK_INLINE OwnOffsets loadOwnOffsets(const uint8_t* pairs)
 {
     const Vecs<uint8_t, 2> two = load2(pairs);
-    return {two[crFirst], two[!crFirst]};
+    return offsetsOf({two[crFirst], two[!crFirst]});
 }
 
-// Of a vector of pixels with a sample each.
-template <bool crFirst>
-RVK_INLINE Offsets loadOffsets(const uint8_t* pairs)
-{
-    return offsetsOf(loadChroma<crFirst>(pairs));
-}
-
-RVK_INLINE Offsets loadOffsets(const uint8_t* cb, const uint8_t* cr)
+RVK_INLINE OwnOffsets loadOwnOffsets(const uint8_t* cb, const uint8_t* cr)
 {
     return offsetsOf({load(cb), load(cr)});
 }
 
-RVK_INLINE void spread(const Offset& o, Offset& left, Offset& right)
+// For both pixels of each sample.
+RVK_INLINE void spread(const Vecs<int16_t, 2>& o, Offset& left, Offset& right)
 {
-    const Vecs<uint8_t, 2> more = zip(o.more, o.more), less = zip(o.less, o.less);
+    const Vec<uint8_t> positive = narrowSat<uint8_t>(o);
+    const Vec<uint8_t> negative = narrowSat<uint8_t>(Vecs<int16_t, 2>{zero<int16_t>() - o[0], zero<int16_t>() - o[1]});
+    const Vecs<uint8_t, 2> more = zip(positive, positive), less = zip(negative, negative);
     left = {more[0], less[0]};
     right = {more[1], less[1]};
 }
 
-RVK_INLINE void shareOffsets(const Offsets& o, Offsets (&offsets)[kSharing])
+RVK_INLINE void shareOffsets(const OwnOffsets& o, Offsets (&offsets)[kSharing])
 {
     spread(o.red, offsets[0].red, offsets[1].red);
     spread(o.green, offsets[0].green, offsets[1].green);
@@ -383,12 +392,12 @@ RVK_INLINE void shareOffsets(const Offsets& o, Offsets (&offsets)[kSharing])
 template <bool crFirst>
 RVK_INLINE void loadSharedOffsets(const uint8_t* pairs, Offsets (&offsets)[kSharing])
 {
-    shareOffsets(loadOffsets<crFirst>(pairs), offsets);
+    shareOffsets(loadOwnOffsets<crFirst>(pairs), offsets);
 }
 
 RVK_INLINE void loadSharedOffsets(const uint8_t* cb, const uint8_t* cr, Offsets (&offsets)[kSharing])
 {
-    shareOffsets(loadOffsets(cb, cr), offsets);
+    shareOffsets(loadOwnOffsets(cb, cr), offsets);
 }
 
 #endif

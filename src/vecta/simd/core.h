@@ -403,15 +403,16 @@ RVK_INLINE Vecs<T, 2> zipInLanes(Vec<T> a, Vec<T> b)
             shuffle(a, b, [](size_t i) { return i / n * n + n / 2 + i % n / 2 + i % 2 * Vec<T>::lanes; })};
 }
 
-// zipLow and zipHigh. Where there are two blocks, both halves are made of the same two vectors.
+// zipLow and zipHigh. Where there are more blocks than one, both halves are made of the same two vectors.
 template <class T>
 RVK_INLINE Vecs<T, 2> zip(Vec<T> a, Vec<T> b)
 {
-    if constexpr (kBytes == 32) {
-        constexpr size_t n = kBlock<T>;
-        const Vecs<T, 2> z = zipInLanes(a, b);
-        return {shuffle(z[0], z[1], [](size_t i) { return i % n + i / n * 2 * n; }),
-                shuffle(z[0], z[1], [](size_t i) { return i % n + i / n * 2 * n + n; })};
+    if constexpr (kBytes > 16) {
+        const Vecs<uint64_t, 2> z = bitCast<uint64_t>(zipInLanes(a, b)); // halves of blocks
+        return bitCast<T>(Vecs<uint64_t, 2>{
+            shuffle(z[0], z[1], [](size_t i) { return i % 2 + i / 4 * 2 + i / 2 % 2 * Vec<uint64_t>::lanes; }),
+            shuffle(z[0], z[1], [](size_t i) {
+                return i % 2 + i / 4 * 2 + i / 2 % 2 * Vec<uint64_t>::lanes + Vec<uint64_t>::lanes / 2; })});
     } else {
         return {zipLow(a, b), zipHigh(a, b)};
     }
