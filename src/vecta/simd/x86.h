@@ -1216,51 +1216,55 @@ RVK_INLINE void store3(T* p, const Vecs<T, 3>& v)
 
 // ---- neighbours -----------------------------------------------------------------------------------------------------
 
-// The bytes of the next element of T, in the even elements.
+// The rounded means of the bytes of each even element of T and those of the next, without gaps between them.
 template <class T>
-RVK_INLINE Vec<uint8_t> nextOf(Vec<uint8_t> v)
+RVK_INLINE Vec<uint8_t> meansOfNeighbours(const Vecs<uint8_t, 2>& row)
 {
-    return bitCast<uint8_t>(shiftRight(bitCast<Wider<T>>(v), 8 * sizeof(T)));
+    using W = Wider<T>;
+    const auto means = [](Vec<uint8_t> v) RVK_INLINE_LAMBDA {
+        return bitCast<W>(average(v, bitCast<uint8_t>(shiftRight(bitCast<W>(v), 8 * sizeof(T)))));
+    };
+    return bitCast<uint8_t>(narrowSpread(Vecs<W, 2>{means(row[0]), means(row[1])}));
 }
 
-// The rounded means of the bytes of each even element of T with those of the next, and of those of two rows; the odd
-// elements are of no use.
+// The sums of the same.
 template <class T>
-RVK_INLINE Vec<Wider<T>> meansWithNext(Vec<uint8_t> v)
+RVK_INLINE Vec<int16_t> sumsOfNeighbours(Vec<uint8_t> v)
 {
-    return bitCast<Wider<T>>(average(v, nextOf<T>(v)));
+    if constexpr (sizeof(T) == 2)
+        v = shuffle(v, v, [](size_t i) { return i / 4 * 4 + i % 2 * 2 + i % 4 / 2; });
+    return dotPairs(v, splat<int8_t>(1));
 }
 
+// And of two rows.
 template <class T>
-RVK_INLINE Vec<Wider<T>> meansWithNext(Vec<uint8_t> a, Vec<uint8_t> b)
+RVK_INLINE Vec<uint8_t> meansOfNeighbours(const Vecs<uint8_t, 2>& row1, const Vecs<uint8_t, 2>& row2)
 {
-    if constexpr (sizeof(T) == 1) {
-        const Vec<int8_t> one = splat<int8_t>(1);
-        return bitCast<uint16_t>(shiftRight(dotPairs(a, one) + dotPairs(b, one) + splat<int16_t>(2), 2));
-    } else { // the mean of two means is too large where it was rounded up and one of those was, too
-        const Vec<uint8_t> mean = average(a, b), inexact = a ^ b;
-        const Vec<uint8_t> next = nextOf<T>(mean), nextInexact = nextOf<T>(inexact);
-        return bitCast<Wider<T>>(average(mean, next) -
-                                 ((mean ^ next) & (inexact | nextInexact) & splat<uint8_t>(1)));
-    }
+    const auto means = [](Vec<uint8_t> a, Vec<uint8_t> b) RVK_INLINE_LAMBDA {
+        const Vec<int16_t> sums = sumsOfNeighbours<T>(a) + sumsOfNeighbours<T>(b);
+        return bitCast<uint16_t>(shiftRight(sums + splat<int16_t>(2), 2));
+    };
+    return narrowSpread(Vecs<uint16_t, 2>{means(row1[0], row2[0]), means(row1[1], row2[1])});
 }
 
 template <class T, class... Byte>
 RVK_INLINE Vec<uint8_t> loadMeans(const Byte*... row)
 {
-    const auto means = [](auto... m)
-                           RVK_INLINE_LAMBDA { return narrowSpread(Vecs<Wider<T>, 2>{meansWithNext<T>(m[0]...),
-                                                                                     meansWithNext<T>(m[1]...)}); };
-    return bitCast<uint8_t>(means(loadSpread<2>(row)...));
+    return meansOfNeighbours<T>(loadSpread<2>(row)...);
+}
+
+template <size_t first>
+RVK_INLINE Vecs<uint8_t, 2> twoFrom(const Vecs<uint8_t, 4>& v)
+{
+    return {v[first], v[first + 1]};
 }
 
 template <class... Byte>
 RVK_INLINE Vecs<uint8_t, 2> load2Means(const Byte*... row)
 {
-    const auto means = [](auto... m) RVK_INLINE_LAMBDA {
-        return Vecs<uint16_t, 2>{
-            narrowSpread(Vecs<uint32_t, 2>{meansWithNext<uint16_t>(m[0]...), meansWithNext<uint16_t>(m[1]...)}),
-            narrowSpread(Vecs<uint32_t, 2>{meansWithNext<uint16_t>(m[2]...), meansWithNext<uint16_t>(m[3]...)})};
+    const auto means = [](const auto&... m) RVK_INLINE_LAMBDA {
+        return Vecs<uint16_t, 2>{bitCast<uint16_t>(meansOfNeighbours<uint16_t>(twoFrom<0>(m)...)),
+                                 bitCast<uint16_t>(meansOfNeighbours<uint16_t>(twoFrom<2>(m)...))};
     };
     const Vecs<uint16_t, 2> pairs = means(loadSpread<4>(row)...);
     return {narrowSpread(pairs), narrowSpread(Vecs<uint16_t, 2>{shiftRight(pairs[0], 8), shiftRight(pairs[1], 8)})};
