@@ -10,17 +10,21 @@ namespace {
 
 using Measure = void (*)(const uint8_t* rgb, const uint8_t* converted, size_t pixels, ColorDistances& largest);
 
-// Converts all colours by the reference and measures it.
+// Converts all colours by the reference, measures it, and holds the vector implementations against it.
 template <Slot slot, size_t channels>
 ColorDistances measureEveryColour(Measure measure)
 {
     ColorDistances largest;
-    std::vector<uint8_t> source = greensAndBlues<channels>(0), reference(3 * 65536);
+    std::vector<uint8_t> source = greensAndBlues<channels>(0), reference(3 * 65536), vecta(3 * 65536);
     for (uint32_t red = 0; red < 256; red += kRedStep) {
         for (size_t i = 0; i < source.size(); i += channels)
             source[i] = static_cast<uint8_t>(red);
         referenceOf<slot>()(source.data(), 256, 256, 256 * channels, reference.data(), 256 * 3);
         measure(source.data(), reference.data(), 65536, largest);
+        forEachVecta<slot>([&](const char* variant, auto function) {
+            function(source.data(), 256, 256, 256 * channels, vecta.data(), 256 * 3);
+            EXPECT_TRUE(vecta == reference) << variant << ", red " << red;
+        });
     }
     return largest;
 }

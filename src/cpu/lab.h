@@ -29,20 +29,18 @@ constexpr int16_t kShares[3][3] = {{14217, 12328, 6223}, {6966, 23436, 2366}, {5
 constexpr unsigned kShareShift = 14;
 
 // ---- f, Q15, of X, Y and Z ----------------------------------------------------------------------------------------------
-// It is a line up to kCubeStart and a cube root from there on: line(min(t, start)) + root(max(t, start)) - root(start).
+// A cube root down to kCubeStart; from there on down a line: root(max(t, start)) - slope * max(start - t, 0).
 
 constexpr uint16_t kCubeStart = 580; // (6/29)^3, Q16
 
-// The line less its end, of min(t, kCubeStart) shifted by kLineShift: 1 / (3 * (6/29)^2) for each, with Q15 for Q16.
+// 1 / (3 * (6/29)^2) for each, with Q15 for Q16, of numbers shifted by kLineShift.
 constexpr unsigned kLineShift = 5;
 constexpr int16_t kLineSlope = 3987;
-constexpr int16_t kLineEnd = 2258;
 
-// The root of 1/8 to 1; below, t is taken 8 times until it is there, and the root halved as often. The variable is t - 9/16
-// in Q16, half of which counts, so that it is a number of 16 bits; the polynomial gives the root less 3/4, within 2^-12.
+// The root of 1/8 to 1, within 2^-12; below, t is taken 8 times until it is there, and the root halved as often. The
+// variable is t - 9/16, in 1/65536 as if they were Q15.
 constexpr uint16_t kEighth = 8192, kRootCentre = 36864;
-constexpr int16_t kRootBase = 24576;
-constexpr Polynomial<6> kRoot = {{2478, 8048, -2498, 859, -113, 1107, -1111}};
+constexpr Polynomial<6> kRoot = {{27054, 8048, -2498, 859, -113, 1107, -1111}};
 
 // ---- L, a and b, of differences of f ------------------------------------------------------------------------------------
 

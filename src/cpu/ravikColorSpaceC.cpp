@@ -64,13 +64,13 @@ int cubeRoot(int t)
 {
     if (t < kEighth)
         return cubeRoot(8 * t) >> 1;
-    return valueOf(kRoot, t - kRootCentre) + kRootBase;
+    return valueOf(kRoot, t - kRootCentre);
 }
 
 int labFunction(int t)
 {
-    const int line = multiplyQ15(std::min<int>(t, kCubeStart) << kLineShift, kLineSlope) - kLineEnd;
-    return cubeRoot(std::max<int>(t, kCubeStart)) + line;
+    const int below = std::max(kCubeStart - t, 0);
+    return cubeRoot(t + below) - multiplyQ15(below << kLineShift, kLineSlope);
 }
 
 void toLab(const uint8_t* src, uint32_t width, uint8_t* dst)

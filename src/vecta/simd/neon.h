@@ -172,6 +172,14 @@ RVK_INLINE Vec<int32_t> truncateToInt(Vec<float> v) { return vec(vcvtq_s32_f32(r
 // gives bits of its own.
 RVK_INLINE Vec<float> guessReciprocal(Vec<float> v) { return vec(vrecpeq_f32(reg(v))); }
 
+// The same within 2^-20, by two of Newton's steps.
+RVK_INLINE Vec<float> closeReciprocal(Vec<float> v)
+{
+    float32x4_t r = vrecpeq_f32(reg(v));
+    r = vmulq_f32(r, vrecpsq_f32(reg(v), r));
+    return vec(vmulq_f32(r, vrecpsq_f32(reg(v), r)));
+}
+
 #if defined(__aarch64__)
 
 RVK_INLINE Vec<float> guessSquareRoot(Vec<float> v) { return vec(vsqrtq_f32(reg(v))); }
@@ -475,6 +483,18 @@ RVK_INLINE Vecs<int32_t, 2> addBothInLanes(const Vecs<int32_t, 2>& acc, const Ve
     const Vecs<uint32_t, 2> a = bitCast<uint32_t>(acc);
     return bitCast<int32_t>(Vecs<uint32_t, 2>{vec(vaddw_u16(reg(a[0]), lowHalf(sum))),
                                               vec(vaddw_u16(reg(a[1]), highHalf(sum)))});
+}
+
+// (v[0] * factors[0] + v[1] * factors[1] + v[2] * factors[2] + 2^(count - 1)) >> count, clamped to 0..65535; the sum fits.
+template <unsigned count>
+RVK_INLINE Vec<uint16_t> weightedSum(const Vecs<int16_t, 3>& v, const int16_t (&factors)[3])
+{
+    const auto half = [&](int16x4_t a, int16x4_t b, int16x4_t c) RVK_INLINE_LAMBDA {
+        const int32x4_t firsts = vmlal_n_s16(vmull_n_s16(a, factors[0]), b, factors[1]);
+        return vqrshrun_n_s32(vmlal_n_s16(firsts, c, factors[2]), count);
+    };
+    return join(half(lowHalf(v[0]), lowHalf(v[1]), lowHalf(v[2])),
+                half(highHalf(v[0]), highHalf(v[1]), highHalf(v[2])));
 }
 
 // v * factor / 2^15, rounded down; the factor is below 2^14 without its sign.

@@ -214,6 +214,12 @@ RVK_INLINE Vec<float> guessReciprocal(Vec<float> v)
     return vec(RVK_MM(rcp_ps)(floatReg(v)));
 #endif
 }
+// The same within 2^-20, by one of Newton's steps.
+RVK_INLINE Vec<float> closeReciprocal(Vec<float> v)
+{
+    const Vec<float> r = guessReciprocal(v);
+    return r * (splat(2.0f) - v * r);
+}
 RVK_INLINE Vec<float> guessSquareRoot(Vec<float> v) { return squareRoot(v); }
 
 RVK_INLINE Vec<float> toFloat(Vec<int32_t> v) { return vec(RVK_MM(cvtepi32_ps)(reg(v))); }
@@ -629,6 +635,17 @@ RVK_INLINE Vecs<int32_t, 2> addBothInLanes(const Vecs<int32_t, 2>& acc, const Ve
 {
     const Vec<int16_t> one = splat<int16_t>(1);
     return addDotInLanes(acc, v, {one, one});
+}
+
+// (v[0] * factors[0] + v[1] * factors[1] + v[2] * factors[2] + 2^(count - 1)) >> count, clamped to 0..65535; the sum fits.
+template <unsigned count>
+RVK_INLINE Vec<uint16_t> weightedSum(const Vecs<int16_t, 3>& v, const int16_t (&factors)[3])
+{
+    static_assert(0 < count && count < 16);
+    const Vec<int16_t> one = splat<int16_t>(1), half = splat(static_cast<int16_t>(1 << (count - 1)));
+    const Vecs<int32_t, 2> firsts = dotInLanes({v[0], v[1]}, {splat(factors[0]), splat(factors[1])});
+    return narrowSatInLanes<uint16_t>(both(addDotInLanes(firsts, {v[2], one}, {splat(factors[2]), half}),
+                                           [](auto sum) RVK_INLINE_LAMBDA { return shiftRight(sum, count); }));
 }
 
 // v * factor / 2^15, rounded down; the factor is below 2^14 without its sign.
