@@ -266,8 +266,8 @@ RVK_API void rvkColorRGB888ToHSV888u8(const uint8_t* src, uint32_t srcWidth, uin
  *   byte 0 = (116 * f(Y) - 16) * 255 / 100
  *   byte 1 = 500 * (f(X) - f(Y)) + 128
  *   byte 2 = 200 * (f(Y) - f(Z)) + 128
- * Powers are polynomials in fixed point: of all 2^24 colours, no byte is further than 0.74 from the exact number, and 19 of
- * 20 are that number rounded. Greys have 128 in bytes 1 and 2. Bytes 1 and 2 lie in 42..226 and 20..222. */
+ * Powers are polynomials in fixed point: of all 2^24 colours, no byte is further than 0.66 from the exact number, and 97 of
+ * 100 are that number rounded. Greys have 128 in bytes 1 and 2. Bytes 1 and 2 lie in 42..226 and 20..222. */
 RVK_API void rvkColorRGBA8888ToLABu8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
                                      uint8_t* dst, uint32_t dstStride);
 

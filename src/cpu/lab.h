@@ -23,10 +23,10 @@ constexpr int16_t kDarkSlope = 1273; // 9.946 for a byte
 // From there on the power 2.4; where the cube root is steep, within 2^-15.
 constexpr Polynomial<4> kPower = {{7068, 15297, 9714, 1207, -242}};
 
-// ---- X, Y and Z, Q16, of linear red, green and blue: shares in Q15 of what white has ----------------------------------
+// ---- X, Y and Z, Q16, of linear red, green and blue -------------------------------------------------------------------
+// The sum of three products, each rounded: Q15 has the shares of what white has, twice because of Q16.
 
-constexpr int16_t kShares[3][3] = {{14217, 12328, 6223}, {6966, 23436, 2366}, {581, 3587, 28600}};
-constexpr unsigned kShareShift = 14;
+constexpr uint16_t kShares[3][3] = {{28435, 24656, 12445}, {13933, 46871, 4732}, {1161, 7174, 57201}};
 
 // ---- f, Q15, of X, Y and Z ----------------------------------------------------------------------------------------------
 // A cube root down to kCubeStart; from there on down a line: root(max(t, start)) - slope * max(start - t, 0).
@@ -37,10 +37,11 @@ constexpr uint16_t kCubeStart = 580; // (6/29)^3, Q16
 constexpr unsigned kLineShift = 5;
 constexpr int16_t kLineSlope = 3987;
 
-// The root of 1/8 to 1, within 2^-12; below, t is taken 8 times until it is there, and the root halved as often. The
-// variable is t - 9/16, in 1/65536 as if they were Q15.
-constexpr uint16_t kEighth = 8192, kRootCentre = 36864;
-constexpr Polynomial<6> kRoot = {{27054, 8048, -2498, 859, -113, 1107, -1111}};
+// The root of 1/4 to 1, within 2^-13. Below, 16 times t or 4 times t or both lie there, and their roots are scaled back. The
+// variable is t - 5/8, in 1/65536 as if they were Q15.
+constexpr uint16_t kSixteenth = 4096, kQuarter = 16384, kRootCentre = 40960;
+constexpr int16_t kRootOfSixteenth = 13004, kRootOfQuarter = 20643; // Q15
+constexpr Polynomial<5> kRoot = {{28015, 7478, -1945, 810, -675, 473}};
 
 // ---- L, a and b, of differences of f ------------------------------------------------------------------------------------
 

@@ -62,8 +62,10 @@ int linearLight(int byte)
 
 int cubeRoot(int t)
 {
-    if (t < kEighth)
-        return cubeRoot(8 * t) >> 1;
+    if (t < kSixteenth)
+        return multiplyQ15(cubeRoot(16 * t), kRootOfSixteenth);
+    if (t < kQuarter)
+        return multiplyQ15(cubeRoot(4 * t), kRootOfQuarter);
     return valueOf(kRoot, t - kRootCentre);
 }
 
@@ -80,8 +82,8 @@ void toLab(const uint8_t* src, uint32_t width, uint8_t* dst)
         const int red = linearLight(pixel[0]), green = linearLight(pixel[1]), blue = linearLight(pixel[2]);
         int f[3];
         for (size_t i = 0; i < 3; ++i) {
-            const int sum = kShares[i][0] * red + kShares[i][1] * green + kShares[i][2] * blue;
-            f[i] = labFunction((sum + (1 << (kShareShift - 1))) >> kShareShift);
+            const uint16_t* const share = kShares[i];
+            f[i] = labFunction(multiplyQ15(red, share[0]) + multiplyQ15(green, share[1]) + multiplyQ15(blue, share[2]));
         }
         const int lightness = multiplyQ15(f[1], kLightness) + kLightnessBase;
         dst[x * 3] = saturate<uint8_t>((lightness + (1 << (kLightnessShift - 1))) >> kLightnessShift);

@@ -17,7 +17,7 @@ void RVK_FORM(rvkColorRGBA8888ToLABu8)(RVK_FROM_PACKED, RVK_TO_PACKED)
 
 void RVK_FORM(irvkRowRGBToLab)(const uint8_t* src, uint32_t width, uint8_t* dst)
 {
-    toLab(src, width, dst);
+    convert(Conversion<Rgba8888, Lab888>{width, 1, {{src, 0}}, {{dst, 0}}});
 }
 
 } // namespace RVK_ROOM

@@ -11,50 +11,35 @@ namespace {
 
 constexpr size_t kPixels = Vec<uint8_t>::lanes;
 
+// Converts `count` times kPixels pixels. Source and destination may be the same.
+using ConvertVectors = void (*)(const uint8_t* src, size_t count, uint8_t* dst);
+
 template <size_t channels>
-RVK_INLINE Vecs<uint8_t, 3> loadRgb(const uint8_t* p)
-{
-    if constexpr (channels == 3) {
-        return load3(p);
-    } else {
-        const Vecs<uint8_t, 4> rgba = load4(p);
-        return {rgba[0], rgba[1], rgba[2]};
-    }
-}
-
-// A formula takes vectors of red, green and blue.
-template <size_t channels, class Formula>
-RVK_NOINLINE void mapVectors(const uint8_t* src, size_t vectors, uint8_t* dst, Formula formula)
-{
-    for (; vectors; --vectors, src += channels * kPixels, dst += 3 * kPixels)
-        store3(dst, formula(loadRgb<channels>(src)));
-}
-
-// Source and destination may be the same: no pixel is read after it was written.
-template <size_t channels, class Formula>
-RVK_INLINE void mapPixels(const uint8_t* src, size_t width, uint8_t* dst, Formula formula)
+RVK_NOINLINE void convertRow(const uint8_t* src, size_t width, uint8_t* dst, ConvertVectors convertVectors)
 {
     const size_t rest = width % kPixels, whole = width - rest;
-    mapVectors<channels>(src, width / kPixels, dst, formula);
+    convertVectors(src, width / kPixels, dst);
     if (rest) {
         uint8_t in[channels * kPixels] = {}, out[3 * kPixels];
         __builtin_memcpy(in, src + whole * channels, rest * channels);
-        mapVectors<channels>(in, 1, out, formula);
+        convertVectors(in, 1, out);
         __builtin_memcpy(dst + whole * 3, out, rest * 3);
     }
 }
 
 // Pictures without gaps between their rows are one long row.
 template <size_t channels, class From, class To>
-RVK_INLINE void forEachRow(const Conversion<From, To>& c, void (*convertRow)(const uint8_t*, size_t, uint8_t*))
+RVK_INLINE void convertRows(const Conversion<From, To>& c, ConvertVectors convertVectors)
 {
+    const Plane src{c.src[0].data, c.src[0].stride};
+    const Plane dst{c.dst[0].data, c.dst[0].stride};
     size_t width = c.width, height = c.height;
-    if (c.src[0].stride == channels * width && c.dst[0].stride == 3 * width) {
+    if (src.packed(channels * width) && dst.packed(3 * width)) {
         width *= height;
         height = 1;
     }
     for (size_t y = 0; y < height; ++y)
-        convertRow(Plane{c.src[0].data, c.src[0].stride}.row(y), width, Plane{c.dst[0].data, c.dst[0].stride}.row(y));
+        convertRow<channels>(src.row(y), width, dst.row(y), convertVectors);
 }
 
 // ---- HSV ------------------------------------------------------------------------------------------------------------
@@ -64,14 +49,14 @@ struct Quotients
     Vec<int32_t> hue, saturation;
 };
 
-// 256/6 * sixths / range and 255 * range / value, rounded. Exact quotients of numbers this small that are no halves are
-// further from a half than 2^-11; what is added to the half lifts saturations that are halves over the error.
-RVK_INLINE Quotients quotients(Vec<uint32_t> sixths, Vec<uint32_t> range, Vec<uint32_t> value)
+// 256/6 * sixths / range and 255 * range / value, rounded, of 255 * range. Exact quotients of numbers this small that are no
+// halves are further from a half than 2^-11; what is added to the half lifts saturations that are halves over the error.
+RVK_INLINE Quotients quotients(Vec<uint32_t> sixths, Vec<uint32_t> range255, Vec<uint32_t> value)
 {
-    const Vec<float> d = toFloat(range), v = toFloat(value);
+    const Vec<float> d = toFloat(range255), v = toFloat(value);
     const Vec<float> r = closeReciprocal(d * v);
-    return {truncateToInt(toFloat(sixths) * (v * r * splat(256.0f / 6)) + splat(0.5f)),
-            truncateToInt(d * (d * r * splat(255.0f)) + splat(0.5f + 0x1p-10f))};
+    return {nearestInt(toFloat(sixths) * (v * r * splat(255 * 256.0f / 6))),
+            truncateToInt(d * (d * r) + splat(0.5f + 0x1p-10f))};
 }
 
 RVK_INLINE Vecs<uint32_t, 4> quarters(const Vecs<uint16_t, 2>& halves)
@@ -92,20 +77,19 @@ RVK_INLINE Vecs<uint8_t, 3> hsvOf(const Vecs<uint8_t, 3>& rgb)
     const Vec<uint8_t> value = max(max(red, green), blue), range = value - min(min(red, green), blue);
     const Mask<uint8_t> isRed = equal(value, red), isGreen = equal(value, green);
 
-    // The sixths of the circle, in units of 1/range.
-    const Vec<uint8_t> whole = select(isRed, toVec(greater(blue, green)) & splat<uint8_t>(6),
-                                      select(isGreen, splat<uint8_t>(2), splat<uint8_t>(4)));
+    // The sixths of the circle, in units of 1/range, and a whole turn more where red is the largest: none is negative.
+    const Vec<uint8_t> whole = select(isRed, splat<uint8_t>(6), select(isGreen, splat<uint8_t>(2), splat<uint8_t>(4)));
     const Vec<uint8_t> minuend = select(isRed, green, select(isGreen, blue, red));
     const Vec<uint8_t> subtrahend = select(isRed, blue, select(isGreen, red, green));
-    const auto difference =
-        both(widenInLanes(minuend), widenInLanes(subtrahend), [](auto a, auto b) RVK_INLINE_LAMBDA { return a - b; });
+    const auto plus = [](auto a, auto b) RVK_INLINE_LAMBDA { return a + b; };
+    const auto minus = [](auto a, auto b) RVK_INLINE_LAMBDA { return a - b; };
     const auto sixths =
-        both(multiplyWideInLanes(range, whole), difference, [](auto a, auto b) RVK_INLINE_LAMBDA { return a + b; });
+        both(both(multiplyWideInLanes(range, whole), widenInLanes(minuend), plus), widenInLanes(subtrahend), minus);
 
     // Greys divide by 1.
     const Vec<uint8_t> one = splat<uint8_t>(1);
-    const Vecs<uint32_t, 4> n = quarters(sixths), d = quarters(widenInLanes(max(range, one))),
-                            v = quarters(widenInLanes(max(value, one)));
+    const Vecs<uint32_t, 4> n = quarters(sixths), v = quarters(widenInLanes(max(value, one))),
+                            d = quarters(multiplyWideInLanes(max(range, one), splat<uint8_t>(255)));
     Vecs<int32_t, 4> hue, saturation;
     unrolled<4>([&](auto i) RVK_INLINE_LAMBDA {
         const Quotients q = quotients(n[i], d[i], v[i]);
@@ -117,9 +101,10 @@ RVK_INLINE Vecs<uint8_t, 3> hsvOf(const Vecs<uint8_t, 3>& rgb)
     return {bitCast<uint8_t>(narrowInLanes(halves(hue))), select(isGrey, zero<uint8_t>(), saturated), value};
 }
 
-void toHsv(const uint8_t* src, size_t width, uint8_t* dst)
+void toHsv(const uint8_t* src, size_t count, uint8_t* dst)
 {
-    mapPixels<3>(src, width, dst, [](const auto& rgb) RVK_INLINE_LAMBDA { return hsvOf(rgb); });
+    for (; count; --count, src += 3 * kPixels, dst += 3 * kPixels)
+        store3(dst, hsvOf(load3(src)));
 }
 
 // ---- Lab ------------------------------------------------------------------------------------------------------------
@@ -146,19 +131,36 @@ RVK_INLINE Vecs<int16_t, 2> linearLight(Vec<uint8_t> bytes)
     });
 }
 
-RVK_INLINE Vec<uint16_t> labFunction(Vec<uint16_t> t)
+// v * scale, rounded, in the lanes of the mask.
+RVK_INLINE Vec<int16_t> scaledWhere(Mask<uint16_t> mask, Vec<int16_t> v, int16_t scale)
 {
+    return bitCast<int16_t>(select(mask, bitCast<uint16_t>(multiplyRounded(v, splat(scale))), bitCast<uint16_t>(v)));
+}
+
+// Q16, as kShares says. A share above 1 is taken in two parts.
+template <uint16_t share>
+RVK_INLINE Vec<int16_t> shareOf(Vec<int16_t> light)
+{
+    if constexpr (share > INT16_MAX)
+        return light + multiplyRounded(light, splat(static_cast<int16_t>(share - 32768)));
+    else
+        return multiplyRounded(light, splat(static_cast<int16_t>(share)));
+}
+
+RVK_INLINE Vec<int16_t> labFunction(Vec<int16_t> q16)
+{
+    Vec<uint16_t> t = bitCast<uint16_t>(q16);
     const Vec<uint16_t> below = subSat(splat(kCubeStart), t);
     const Vec<int16_t> line = multiplyRounded(bitCast<int16_t>(shiftLeft(below, kLineShift)), splat(kLineSlope));
     t = t + below;
-    const Mask<uint16_t> isBelowEighth = less(t, splat(kEighth));
-    t = select(isBelowEighth, shiftLeft(t, 3), t);
-    const Mask<uint16_t> isStillBelow = less(t, splat(kEighth));
-    t = select(isStillBelow, shiftLeft(t, 3), t);
-    Vec<uint16_t> root = bitCast<uint16_t>(valueOf(kRoot, bitCast<int16_t>(t - splat(kRootCentre))));
-    root = select(isStillBelow, shiftRight(root, 1), root);
-    root = select(isBelowEighth, shiftRight(root, 1), root);
-    return root - bitCast<uint16_t>(line);
+    const Mask<uint16_t> isBelowSixteenth = less(t, splat(kSixteenth));
+    t = select(isBelowSixteenth, shiftLeft(t, 4), t);
+    const Mask<uint16_t> isBelowQuarter = less(t, splat(kQuarter));
+    t = select(isBelowQuarter, shiftLeft(t, 2), t);
+    Vec<int16_t> root = valueOf(kRoot, bitCast<int16_t>(t - splat(kRootCentre)));
+    root = scaledWhere(isBelowQuarter, root, kRootOfQuarter);
+    root = scaledWhere(isBelowSixteenth, root, kRootOfSixteenth);
+    return root - line;
 }
 
 // factor * (a - b), rounded, and kNeutral.
@@ -169,38 +171,72 @@ RVK_INLINE Vec<uint8_t> chroma(const Vecs<int16_t, 2>& a, const Vecs<int16_t, 2>
     }));
 }
 
-RVK_INLINE Vecs<uint8_t, 3> labOf(const Vecs<uint8_t, 3>& rgb)
+// X, Y and Z of kPixels pixels, or f of them.
+struct Triple
 {
-    const Vecs<int16_t, 2> red = linearLight(rgb[0]), green = linearLight(rgb[1]), blue = linearLight(rgb[2]);
-    const auto functionOf = [&](auto row) RVK_INLINE_LAMBDA {
-        Vecs<int16_t, 2> f;
-        unrolled<2>([&](auto i) RVK_INLINE_LAMBDA {
-            const Vecs<int16_t, 3> light = {red[i], green[i], blue[i]};
-            f[i] = bitCast<int16_t>(labFunction(weightedSum<kShareShift>(light, kShares[row])));
-        });
-        return f;
-    };
-    const Vecs<int16_t, 2> x = functionOf(Constant<0>{}), y = functionOf(Constant<1>{}), z = functionOf(Constant<2>{});
-    const auto lightness =
-        both(y, [](auto f) RVK_INLINE_LAMBDA { return multiplyRounded(f, splat(kLightness)) + splat(kLightnessBase); });
-    return {narrowRoundedInLanes<uint8_t, kLightnessShift>(lightness), chroma(x, y, kA), chroma(y, z, kB)};
+    Vecs<int16_t, 2> x, y, z;
+};
+
+template <size_t row>
+RVK_INLINE Vecs<int16_t, 2> sumOfShares(const Vecs<int16_t, 2>& red, const Vecs<int16_t, 2>& green,
+                                        const Vecs<int16_t, 2>& blue)
+{
+    Vecs<int16_t, 2> sum;
+    unrolled<2>([&](auto i) RVK_INLINE_LAMBDA {
+        sum[i] =
+            shareOf<kShares[row][0]>(red[i]) + shareOf<kShares[row][1]>(green[i]) + shareOf<kShares[row][2]>(blue[i]);
+    });
+    return sum;
 }
 
-void toLab(const uint8_t* src, size_t width, uint8_t* dst)
+RVK_INLINE Triple xyzOf(const uint8_t* rgba)
 {
-    mapPixels<4>(src, width, dst, [](const auto& rgb) RVK_INLINE_LAMBDA { return labOf(rgb); });
+    const Vecs<uint8_t, 4> bytes = load4(rgba);
+    const auto red = linearLight(bytes[0]), green = linearLight(bytes[1]), blue = linearLight(bytes[2]);
+    return {sumOfShares<0>(red, green, blue), sumOfShares<1>(red, green, blue), sumOfShares<2>(red, green, blue)};
+}
+
+RVK_INLINE Vecs<uint8_t, 3> labOf(const Triple& f)
+{
+    const auto lightness = both(
+        f.y, [](auto y) RVK_INLINE_LAMBDA { return multiplyRounded(y, splat(kLightness)) + splat(kLightnessBase); });
+    return {narrowRoundedInLanes<uint8_t, kLightnessShift>(lightness), chroma(f.x, f.y, kA), chroma(f.y, f.z, kB)};
+}
+
+// In three loops: one would have more constants than there are registers.
+RVK_INLINE void toLabThrough(Triple* triples, const uint8_t* src, size_t count, uint8_t* dst)
+{
+    for (size_t i = 0; i < count; ++i)
+        triples[i] = xyzOf(src + i * 4 * kPixels);
+    for (size_t i = 0; i < count; ++i) {
+        Triple& t = triples[i];
+        const auto f = [](auto v) RVK_INLINE_LAMBDA { return labFunction(v); };
+        t = {both(t.x, f), both(t.y, f), both(t.z, f)};
+    }
+    for (size_t i = 0; i < count; ++i)
+        store3(dst + i * 3 * kPixels, labOf(triples[i]));
+}
+
+void toLab(const uint8_t* src, size_t count, uint8_t* dst)
+{
+    constexpr size_t most = 8;
+    Triple triples[most];
+    for (size_t n; count; count -= n, src += n * 4 * kPixels, dst += n * 3 * kPixels) {
+        n = least(count, most);
+        toLabThrough(triples, src, n, dst);
+    }
 }
 
 // ---- pictures -------------------------------------------------------------------------------------------------------
 
 void convert(const Conversion<Rgb888, Hsv888>& c)
 {
-    forEachRow<3>(c, toHsv);
+    convertRows<3>(c, toHsv);
 }
 
 void convert(const Conversion<Rgba8888, Lab888>& c)
 {
-    forEachRow<4>(c, toLab);
+    convertRows<4>(c, toLab);
 }
 
 } // namespace

@@ -830,17 +830,6 @@ SimdGroup shortProducts()
             [](const int16_t* in, size_t i) {
                 return halfOf(roundedShift(int64_t{in[i % n]} * in[n], 1 + static_cast<uint16_t>(in[n + 1]) % 29), i);
             }),
-        mapping<int16_t, uint16_t, 3 * n + 3, n>(
-            "weightedSum",
-            [](const int16_t* in, uint16_t* out) {
-                const int16_t factors[3] = {in[3 * n] / 4 * 2, in[3 * n + 1] / 4, in[3 * n + 2] / 4};
-                store(out, weightedSum<14>(loadVecs<3>(in), factors));
-            },
-            [](const int16_t* in, size_t i) {
-                const int64_t sum =
-                    in[i] * (in[3 * n] / 4 * 2) + in[n + i] * (in[3 * n + 1] / 4) + in[2 * n + i] * (in[3 * n + 2] / 4);
-                return std::clamp<int64_t>(roundedShift(sum, 14), 0, UINT16_MAX);
-            }),
         BINARY(uint16_t, multiplyHighRounded(a, shiftRight(b, 1)), (uint32_t(a) * (b >> 1) + 32768) >> 16),
         BINARY(int16_t, multiplyRounded(a, max(b, splat<int16_t>(-INT16_MAX))),
                roundedShift(int64_t{a} * (b < -INT16_MAX ? -INT16_MAX : b), 15)),
@@ -1058,6 +1047,12 @@ SimdGroup floatBits()
                 *out = all(less(absDiff(guessReciprocal(v) * v, splat(1.0f)), splat(0x1p-7f)));
             },
             [](const uint32_t*, size_t) { return 1; }),
+        mapping<uint32_t, int32_t, n, n>(
+            "nearestInt", // of odd quarters
+            [](const uint32_t* in, int32_t* out) {
+                store(out, nearestInt(toFloat(shiftRight(load(in), 8) | splat<uint32_t>(1)) * splat(0.25f)));
+            },
+            [](const uint32_t* in, size_t i) { return ((in[i] >> 8 | 1) + 2) / 4; }),
         mapping<uint32_t, uint32_t, n, 1>(
             "closeReciprocal",
             [](const uint32_t* in, uint32_t* out) {

@@ -186,6 +186,7 @@ RVK_INLINE Vec<float> guessSquareRoot(Vec<float> v) { return vec(vsqrtq_f32(reg(
 RVK_INLINE Vec<float> divide(Vec<float> a, Vec<float> b) { return vec(vdivq_f32(reg(a), reg(b))); }
 RVK_INLINE Vec<float> squareRoot(Vec<float> a) { return vec(vsqrtq_f32(reg(a))); }
 RVK_INLINE Vec<int32_t> roundToInt(Vec<float> v) { return vec(vcvtnq_s32_f32(reg(v))); }
+RVK_INLINE Vec<int32_t> nearestInt(Vec<float> v) { return roundToInt(v); }
 
 #else
 
@@ -216,6 +217,8 @@ RVK_INLINE Vec<float> squareRoot(Vec<float> a)
     }
     return r;
 }
+
+RVK_INLINE Vec<int32_t> nearestInt(Vec<float> v) { return truncateToInt(v + splat(0.5f)); }
 
 // Adding 2^23 to a smaller number leaves no bits for a fraction: the sum is rounded to the nearest even integer.
 RVK_INLINE Vec<int32_t> roundToInt(Vec<float> v)
@@ -483,18 +486,6 @@ RVK_INLINE Vecs<int32_t, 2> addBothInLanes(const Vecs<int32_t, 2>& acc, const Ve
     const Vecs<uint32_t, 2> a = bitCast<uint32_t>(acc);
     return bitCast<int32_t>(Vecs<uint32_t, 2>{vec(vaddw_u16(reg(a[0]), lowHalf(sum))),
                                               vec(vaddw_u16(reg(a[1]), highHalf(sum)))});
-}
-
-// (v[0] * factors[0] + v[1] * factors[1] + v[2] * factors[2] + 2^(count - 1)) >> count, clamped to 0..65535; the sum fits.
-template <unsigned count>
-RVK_INLINE Vec<uint16_t> weightedSum(const Vecs<int16_t, 3>& v, const int16_t (&factors)[3])
-{
-    const auto half = [&](int16x4_t a, int16x4_t b, int16x4_t c) RVK_INLINE_LAMBDA {
-        const int32x4_t firsts = vmlal_n_s16(vmull_n_s16(a, factors[0]), b, factors[1]);
-        return vqrshrun_n_s32(vmlal_n_s16(firsts, c, factors[2]), count);
-    };
-    return join(half(lowHalf(v[0]), lowHalf(v[1]), lowHalf(v[2])),
-                half(highHalf(v[0]), highHalf(v[1]), highHalf(v[2])));
 }
 
 // v * factor / 2^15, rounded down; the factor is below 2^14 without its sign.

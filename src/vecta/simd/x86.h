@@ -217,8 +217,12 @@ RVK_INLINE Vec<float> guessReciprocal(Vec<float> v)
 // The same within 2^-20, by one of Newton's steps.
 RVK_INLINE Vec<float> closeReciprocal(Vec<float> v)
 {
-    const Vec<float> r = guessReciprocal(v);
-    return r * (splat(2.0f) - v * r);
+    const Vec<float> r = guessReciprocal(v), two = splat(2.0f);
+#if RVK_AVX512
+    return r * vec(_mm512_fnmadd_ps(floatReg(v), floatReg(r), floatReg(two)));
+#else
+    return r * (two - v * r);
+#endif
 }
 RVK_INLINE Vec<float> guessSquareRoot(Vec<float> v) { return squareRoot(v); }
 
@@ -226,6 +230,7 @@ RVK_INLINE Vec<float> toFloat(Vec<int32_t> v) { return vec(RVK_MM(cvtepi32_ps)(r
 RVK_INLINE Vec<float> toFloat(Vec<uint32_t> v) { return toFloat(bitCast<int32_t>(v)); }
 RVK_INLINE Vec<int32_t> truncateToInt(Vec<float> v) { return vec<int32_t>(RVK_MM(cvttps_epi32)(floatReg(v))); }
 RVK_INLINE Vec<int32_t> roundToInt(Vec<float> v) { return vec<int32_t>(RVK_MM(cvtps_epi32)(floatReg(v))); }
+RVK_INLINE Vec<int32_t> nearestInt(Vec<float> v) { return roundToInt(v); }
 
 // The upper n bits of a, then the upper bits of b.
 template <unsigned n>
@@ -635,17 +640,6 @@ RVK_INLINE Vecs<int32_t, 2> addBothInLanes(const Vecs<int32_t, 2>& acc, const Ve
 {
     const Vec<int16_t> one = splat<int16_t>(1);
     return addDotInLanes(acc, v, {one, one});
-}
-
-// (v[0] * factors[0] + v[1] * factors[1] + v[2] * factors[2] + 2^(count - 1)) >> count, clamped to 0..65535; the sum fits.
-template <unsigned count>
-RVK_INLINE Vec<uint16_t> weightedSum(const Vecs<int16_t, 3>& v, const int16_t (&factors)[3])
-{
-    static_assert(0 < count && count < 16);
-    const Vec<int16_t> one = splat<int16_t>(1), half = splat(static_cast<int16_t>(1 << (count - 1)));
-    const Vecs<int32_t, 2> firsts = dotInLanes({v[0], v[1]}, {splat(factors[0]), splat(factors[1])});
-    return narrowSatInLanes<uint16_t>(both(addDotInLanes(firsts, {v[2], one}, {splat(factors[2]), half}),
-                                           [](auto sum) RVK_INLINE_LAMBDA { return shiftRight(sum, count); }));
 }
 
 // v * factor / 2^15, rounded down; the factor is below 2^14 without its sign.
