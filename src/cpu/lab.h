@@ -6,8 +6,8 @@
 
 namespace rvk::lab {
 
-// A polynomial with a variable and coefficients in Q15, the constant first. Horner's scheme rounds each product and
-// overflows nowhere in the range of the variable.
+// A polynomial with a variable and coefficients in Q15, the constant first. Horner's scheme rounds each product; only the
+// root of 1 comes out above 16 bits, and is clamped.
 template <int degree>
 struct Polynomial
 {

@@ -66,7 +66,7 @@ int cubeRoot(int t)
         return multiplyQ15(cubeRoot(16 * t), kRootOfSixteenth);
     if (t < kQuarter)
         return multiplyQ15(cubeRoot(4 * t), kRootOfQuarter);
-    return valueOf(kRoot, t - kRootCentre);
+    return std::min<int>(valueOf(kRoot, t - kRootCentre), INT16_MAX);
 }
 
 int labFunction(int t)

@@ -116,7 +116,7 @@ RVK_INLINE Vec<int16_t> valueOf(const Polynomial<degree>& polynomial, Vec<int16_
 {
     Vec<int16_t> value = splat(polynomial.coefficients[degree]);
     unrolled<degree>([&](auto i) RVK_INLINE_LAMBDA {
-        value = multiplyRounded(value, x) + splat(polynomial.coefficients[degree - 1 - i]);
+        value = addSat(multiplyRounded(value, x), splat(polynomial.coefficients[degree - 1 - i]));
     });
     return value;
 }
