@@ -146,10 +146,11 @@ struct WideOffsets
     Vec<int16_t> red, green, blue;
 };
 
+// With weights that are not negative, of bytes with a sign.
 template <bool crFirst>
-RVK_INLINE Vec<int16_t> weighPairs(Vec<uint8_t> pairs, int32_t cb, int32_t cr)
+RVK_INLINE Vec<int16_t> weighSigned(Vec<int8_t> pairs, int32_t cb, int32_t cr)
 {
-    return dotPairs(pairs, bitCast<int8_t>(crFirst ? splatPair(cr, cb) : splatPair(cb, cr)));
+    return dotPairs(crFirst ? splatPair(cr, cb) : splatPair(cb, cr), pairs);
 }
 
 // d = Cb - 128 and e = Cr - 128 are doubled so that a rounded product of 16 bits does the rest. Of green, -183e is
@@ -157,9 +158,10 @@ RVK_INLINE Vec<int16_t> weighPairs(Vec<uint8_t> pairs, int32_t cb, int32_t cr)
 template <bool crFirst>
 RVK_INLINE WideOffsets offsetsOf(Vec<uint8_t> pairs)
 {
-    const Vec<int16_t> d2 = weighPairs<crFirst>(pairs, 2, 0) - splat<int16_t>(256);
-    const Vec<int16_t> e2 = weighPairs<crFirst>(pairs, 0, 2) - splat<int16_t>(256);
-    const Vec<int16_t> green = weighPairs<crFirst>(pairs, -88, 73) + splat<int16_t>((88 - 73) * 128 + 128);
+    const Vec<int8_t> centred = bitCast<int8_t>(pairs ^ splat<uint8_t>(128));
+    const Vec<int16_t> d2 = weighSigned<crFirst>(centred, 2, 0), e2 = weighSigned<crFirst>(centred, 0, 2);
+    const Vec<uint8_t> weights = crFirst ? splatPair(73, -88) : splatPair(-88, 73);
+    const Vec<int16_t> green = dotPairs(pairs, bitCast<int8_t>(weights)) + splat<int16_t>((88 - 73) * 128 + 128);
     return {multiplyRounded(e2, splat<int16_t>(359 * 64)), shiftRight(green, 8) - shiftRight(e2, 1),
             multiplyRounded(d2, splat<int16_t>(454 * 64))};
 }
@@ -169,11 +171,18 @@ RVK_INLINE Vec<int16_t> positive(Vec<int16_t> v)
     return max(v, zero<int16_t>());
 }
 
+// The lower byte of each element, twice.
+RVK_INLINE Vec<uint8_t> lowByteTwice(Vec<int16_t> v)
+{
+    const Vec<uint8_t> bytes = bitCast<uint8_t>(v);
+    return shuffle(bytes, bytes, [](size_t i) { return i / 2 * 2; });
+}
+
 // For both pixels of each pair.
 RVK_INLINE Offset forBoth(Vec<int16_t> offset)
 {
-    const Vec<int16_t> more = positive(offset), twice = splat<int16_t>(0x0101);
-    return {bitCast<uint8_t>(more * twice), bitCast<uint8_t>((more - offset) * twice)};
+    const Vec<int16_t> more = positive(offset);
+    return {lowByteTwice(more), lowByteTwice(more - offset)};
 }
 
 // Of kSharing vectors of pixels, two of which share a sample.
