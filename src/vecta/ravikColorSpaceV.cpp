@@ -55,29 +55,33 @@ RVK_INLINE Quotients quotients(Vec<uint32_t> sixths, Vec<uint32_t> range255, Vec
 {
     const Vec<float> d = toFloat(range255), v = toFloat(value);
     const Vec<float> r = closeReciprocal(d * v);
-    return {nearestInt(toFloat(sixths) * (v * r * splat(255 * 256.0f / 6))),
-            truncateToInt(d * (d * r) + splat(0.5f + 0x1p-10f))};
+    return {truncateToInt(multiplyAdd(toFloat(sixths), v * r * splat(255 * 256.0f / 6), splat(0.5f))),
+            truncateToInt(multiplyAdd(d, d * r, splat(0.5f + 0x1p-10f)))};
 }
 
-RVK_INLINE Vecs<uint32_t, 4> quarters(const Vecs<uint16_t, 2>& halves)
+// The even and the odd elements of two vectors, and back: shifts where widenInLanes has x86 shuffle, which has more to
+// do here.
+RVK_INLINE Vecs<uint32_t, 4> quarters(const Vecs<uint16_t, 2>& v)
 {
-    const Vecs<uint32_t, 2> low = widenInLanes(halves[0]), high = widenInLanes(halves[1]);
-    return {low[0], low[1], high[0], high[1]};
+    const Vecs<uint32_t, 2> pairs = bitCast<uint32_t>(v);
+    const Vec<uint32_t> even = splat<uint32_t>(65535);
+    return {pairs[0] & even, shiftRight(pairs[0], 16), pairs[1] & even, shiftRight(pairs[1], 16)};
 }
 
 RVK_INLINE Vecs<int16_t, 2> halves(const Vecs<int32_t, 4>& v)
 {
-    return {narrowSatInLanes<int16_t>(Vecs<int32_t, 2>{v[0], v[1]}),
-            narrowSatInLanes<int16_t>(Vecs<int32_t, 2>{v[2], v[3]})};
+    return bitCast<int16_t>(Vecs<int32_t, 2>{v[0] | shiftLeft(v[1], 16), v[2] | shiftLeft(v[3], 16)});
 }
 
 RVK_INLINE Vecs<uint8_t, 3> hsvOf(const Vecs<uint8_t, 3>& rgb)
 {
-    const Vec<uint8_t> red = rgb[0], green = rgb[1], blue = rgb[2];
-    const Vec<uint8_t> value = max(max(red, green), blue), range = value - min(min(red, green), blue);
+    const Vec<uint8_t> red = rgb[0], green = rgb[1], blue = rgb[2], one = splat<uint8_t>(1);
+    const Vec<uint8_t> value = max(max(red, green), blue), least = min(min(red, green), blue);
+    const Vec<uint8_t> range = max(value - least, one); // greys divide by 1
     const Mask<uint8_t> isRed = equal(value, red), isGreen = equal(value, green);
 
-    // The sixths of the circle, in units of 1/range, and a whole turn more where red is the largest: none is negative.
+    // The sixths of the circle, in units of 1/range, and a whole turn more where red is the largest: none is negative, and
+    // greys have hue 0.
     const Vec<uint8_t> whole = select(isRed, splat<uint8_t>(6), select(isGreen, splat<uint8_t>(2), splat<uint8_t>(4)));
     const Vec<uint8_t> minuend = select(isRed, green, select(isGreen, blue, red));
     const Vec<uint8_t> subtrahend = select(isRed, blue, select(isGreen, red, green));
@@ -86,10 +90,8 @@ RVK_INLINE Vecs<uint8_t, 3> hsvOf(const Vecs<uint8_t, 3>& rgb)
     const auto sixths =
         both(both(multiplyWideInLanes(range, whole), widenInLanes(minuend), plus), widenInLanes(subtrahend), minus);
 
-    // Greys divide by 1.
-    const Vec<uint8_t> one = splat<uint8_t>(1);
     const Vecs<uint32_t, 4> n = quarters(sixths), v = quarters(widenInLanes(max(value, one))),
-                            d = quarters(multiplyWideInLanes(max(range, one), splat<uint8_t>(255)));
+                            d = quarters(multiplyWideInLanes(range, splat<uint8_t>(255)));
     Vecs<int32_t, 4> hue, saturation;
     unrolled<4>([&](auto i) RVK_INLINE_LAMBDA {
         const Quotients q = quotients(n[i], d[i], v[i]);
@@ -97,7 +99,7 @@ RVK_INLINE Vecs<uint8_t, 3> hsvOf(const Vecs<uint8_t, 3>& rgb)
         saturation[i] = q.saturation;
     });
     const Vec<uint8_t> saturated = narrowSatInLanes<uint8_t>(halves(saturation));
-    const Mask<uint8_t> isGrey = equal(range, zero<uint8_t>());
+    const Mask<uint8_t> isGrey = equal(value, least);
     return {bitCast<uint8_t>(narrowInLanes(halves(hue))), select(isGrey, zero<uint8_t>(), saturated), value};
 }
 

@@ -1047,12 +1047,13 @@ SimdGroup floatBits()
                 *out = all(less(absDiff(guessReciprocal(v) * v, splat(1.0f)), splat(0x1p-7f)));
             },
             [](const uint32_t*, size_t) { return 1; }),
-        mapping<uint32_t, int32_t, n, n>(
-            "nearestInt", // of odd quarters
-            [](const uint32_t* in, int32_t* out) {
-                store(out, nearestInt(toFloat(shiftRight(load(in), 8) | splat<uint32_t>(1)) * splat(0.25f)));
+        mapping<uint32_t, float, 3 * n, n>(
+            "multiplyAdd", // of numbers small enough that nothing is rounded
+            [](const uint32_t* in, float* out) {
+                const auto number = [&](size_t i) { return toFloat(shiftRight(load(in + i * n), 21)); };
+                store(out, multiplyAdd(number(0), number(1), number(2)));
             },
-            [](const uint32_t* in, size_t i) { return ((in[i] >> 8 | 1) + 2) / 4; }),
+            [](const uint32_t* in, size_t i) { return (in[i] >> 21) * (in[n + i] >> 21) + (in[2 * n + i] >> 21); }),
         mapping<uint32_t, uint32_t, n, 1>(
             "closeReciprocal",
             [](const uint32_t* in, uint32_t* out) {

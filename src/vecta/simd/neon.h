@@ -168,6 +168,16 @@ RVK_INLINE Vec<float> toFloat(Vec<int32_t> v) { return vec(vcvtq_f32_s32(reg(v))
 RVK_INLINE Vec<float> toFloat(Vec<uint32_t> v) { return toFloat(bitCast<int32_t>(v)); }
 RVK_INLINE Vec<int32_t> truncateToInt(Vec<float> v) { return vec(vcvtq_s32_f32(reg(v))); }
 
+// a * b + c, rounded once or twice.
+RVK_INLINE Vec<float> multiplyAdd(Vec<float> a, Vec<float> b, Vec<float> c)
+{
+#if defined(__aarch64__)
+    return vec(vfmaq_f32(reg(c), reg(a), reg(b)));
+#else
+    return vec(vmlaq_f32(reg(c), reg(a), reg(b)));
+#endif
+}
+
 // 1 / v of a positive number with a relative error below 2^-7, and its root with one below 2^-19: each instruction set
 // gives bits of its own.
 RVK_INLINE Vec<float> guessReciprocal(Vec<float> v) { return vec(vrecpeq_f32(reg(v))); }
@@ -186,7 +196,6 @@ RVK_INLINE Vec<float> guessSquareRoot(Vec<float> v) { return vec(vsqrtq_f32(reg(
 RVK_INLINE Vec<float> divide(Vec<float> a, Vec<float> b) { return vec(vdivq_f32(reg(a), reg(b))); }
 RVK_INLINE Vec<float> squareRoot(Vec<float> a) { return vec(vsqrtq_f32(reg(a))); }
 RVK_INLINE Vec<int32_t> roundToInt(Vec<float> v) { return vec(vcvtnq_s32_f32(reg(v))); }
-RVK_INLINE Vec<int32_t> nearestInt(Vec<float> v) { return roundToInt(v); }
 
 #else
 
@@ -217,8 +226,6 @@ RVK_INLINE Vec<float> squareRoot(Vec<float> a)
     }
     return r;
 }
-
-RVK_INLINE Vec<int32_t> nearestInt(Vec<float> v) { return truncateToInt(v + splat(0.5f)); }
 
 // Adding 2^23 to a smaller number leaves no bits for a fraction: the sum is rounded to the nearest even integer.
 RVK_INLINE Vec<int32_t> roundToInt(Vec<float> v)

@@ -35,8 +35,8 @@
 // Weights     weightedMean(a, b, weight1, weight2): u8, (a * weight1 + b * weight2 + 128) >> 8, weights from 0 to 255
 //             that make 256 at most; weightedSum: clamped, for any weights of which isWeightOfSums(weight) is true
 // Floats      divide, squareRoot: IEEE everywhere; nothing is contracted, a * b + c rounds twice
+//             multiplyAdd(a, b, c): a * b + c, rounded once or twice, whichever is cheaper
 //             toFloat: s32, and u32 below 2^31; truncateToInt, roundToInt (halves to even): the value must fit int32_t
-//             nearestInt: of numbers from 0 to 2^22, halves either way
 //             guessReciprocal, closeReciprocal, guessSquareRoot: of positive numbers, good to 7, 20 and 19 bits; their
 //             bits differ
 //             orderKeys(v): s32 in the order of the floats, not-a-numbers at the ends, both zeros 0

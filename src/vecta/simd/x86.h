@@ -204,6 +204,16 @@ RVK_INLINE Vec<int16_t> distance(Vec<int16_t> a, Vec<int16_t> b) { return abs(a 
 RVK_INLINE Vec<float> divide(Vec<float> a, Vec<float> b) { return {a.raw / b.raw}; }
 RVK_INLINE Vec<float> squareRoot(Vec<float> a) { return vec(RVK_MM(sqrt_ps)(floatReg(a))); }
 
+// a * b + c, rounded once or twice.
+RVK_INLINE Vec<float> multiplyAdd(Vec<float> a, Vec<float> b, Vec<float> c)
+{
+#if RVK_AVX512
+    return vec(_mm512_fmadd_ps(floatReg(a), floatReg(b), floatReg(c)));
+#else
+    return a * b + c;
+#endif
+}
+
 // 1 / v of a positive number with a relative error below 2^-7, and its root with one below 2^-19: each instruction set
 // gives bits of its own.
 RVK_INLINE Vec<float> guessReciprocal(Vec<float> v)
@@ -217,11 +227,11 @@ RVK_INLINE Vec<float> guessReciprocal(Vec<float> v)
 // The same within 2^-20, by one of Newton's steps.
 RVK_INLINE Vec<float> closeReciprocal(Vec<float> v)
 {
-    const Vec<float> r = guessReciprocal(v), two = splat(2.0f);
+    const Vec<float> r = guessReciprocal(v);
 #if RVK_AVX512
-    return r * vec(_mm512_fnmadd_ps(floatReg(v), floatReg(r), floatReg(two)));
+    return r * vec(_mm512_fnmadd_ps(floatReg(v), floatReg(r), floatReg(splat(2.0f))));
 #else
-    return r * (two - v * r);
+    return r * (splat(2.0f) - v * r);
 #endif
 }
 RVK_INLINE Vec<float> guessSquareRoot(Vec<float> v) { return squareRoot(v); }
@@ -230,7 +240,6 @@ RVK_INLINE Vec<float> toFloat(Vec<int32_t> v) { return vec(RVK_MM(cvtepi32_ps)(r
 RVK_INLINE Vec<float> toFloat(Vec<uint32_t> v) { return toFloat(bitCast<int32_t>(v)); }
 RVK_INLINE Vec<int32_t> truncateToInt(Vec<float> v) { return vec<int32_t>(RVK_MM(cvttps_epi32)(floatReg(v))); }
 RVK_INLINE Vec<int32_t> roundToInt(Vec<float> v) { return vec<int32_t>(RVK_MM(cvtps_epi32)(floatReg(v))); }
-RVK_INLINE Vec<int32_t> nearestInt(Vec<float> v) { return roundToInt(v); }
 
 // The upper n bits of a, then the upper bits of b.
 template <unsigned n>
