@@ -1,4 +1,5 @@
 // HSV and Lab: every colour against double precision, and worked values.
+#include "kernels.h"
 #include "support/colorModel.h"
 #include "support/implementations.h"
 
@@ -78,6 +79,21 @@ TEST(ColorSpace, LabOfKnownColours)
         std::vector<uint8_t> converted(3);
         rvkColorRGBA8888ToLABu8(colour.rgb.data(), 1, 1, 0, converted.data(), 0);
         EXPECT_EQ(converted, colour.converted) << testing::PrintToString(colour.rgb);
+    }
+}
+
+TEST(ColorSpace, LabKernelConvertsARowInBothModes)
+{
+    constexpr rvkOperationMode kReferences = static_cast<rvkOperationMode>(RAVIK_OP_CPU_PERFORMANCE + 1);
+    const std::vector<uint8_t> source = greensAndBlues<4>(200);
+    for (const rvkOperationMode mode : {kReferences, RAVIK_OP_CPU_PERFORMANCE}) {
+        ASSERT_EQ(rvkSetOperationMode(mode), 0);
+        for (uint32_t width = 1; width < 200; ++width) {
+            std::vector<uint8_t> row(3 * width + 1, 0xa5), expected = row;
+            rvkColorRGBA8888ToLABu8C(source.data(), width, 1, 0, expected.data(), 0);
+            kernel<Kernel::irvkRowRGBToLab>()(source.data(), width, row.data());
+            ASSERT_EQ(row, expected) << "mode " << mode << ", width " << width;
+        }
     }
 }
 

@@ -20,7 +20,7 @@ constexpr int16_t kByteScale = 256;
 // Below this, light is proportional to the byte: 32768 / (255 * 12.92) for each.
 constexpr int16_t kPowerStart = (11 - 128) * kByteScale;
 constexpr int16_t kDarkSlope = 1273; // 9.946 for a byte
-// From there on the power 2.4; where the cube root is steep, within 2^-15.
+// From there on the power 2.4; where the cube root is steep, within 2^-14.
 constexpr Polynomial<4> kPower = {{7068, 15297, 9714, 1207, -242}};
 
 // ---- X, Y and Z, Q16, of linear red, green and blue -------------------------------------------------------------------
