@@ -11,6 +11,7 @@
 //             be 0; loads give zero in the lanes after them
 //             loadWiden<To>(p): Vec<To>::lanes elements half as wide, or bytes to 32 bits
 //             load2, load3, load4(p) -> Vecs<T, n>: the channels of interleaved pixels; store2, store3, store4(p, vs)
+//             prefetch(p, n): n elements are wanted soon; nothing on Arm, where it takes instructions that filters feel
 // Constants   splat(x), zero<T>(), iota<T>(): 0, 1, 2, ...
 // Arithmetic  + - * (integers wrap; * of bytes is slow), & | ^ ~, shiftLeft, shiftRight(v, count): count < width of T
 //             min, max: of floats b < a ? b : a and a < b ? b : a, so a when equal or when either is not a number
