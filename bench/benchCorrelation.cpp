@@ -28,15 +28,14 @@ struct Weights
 };
 constexpr Weights kLine(40), kSquare(8); // for separable kernels, and for those of two dimensions
 
-// Weights of a Gaussian with the deviation that OpenCV chooses for the size; their sum is 2^12.
-constexpr s16 kGaussian7[] = {128, 448, 896, 1152, 896, 448, 128};
-constexpr s16 kGaussian15[] = {17, 44, 99, 193, 324, 469, 586, 632, 586, 469, 324, 193, 99, 44, 17};
+// Weights of a Gaussian with the deviation, and of the 8 bits, that OpenCV chooses for the size.
+constexpr s16 kGaussian7[] = {8, 28, 56, 72, 56, 28, 8};
+constexpr s16 kGaussian15[] = {1, 3, 6, 12, 20, 29, 37, 40, 37, 29, 20, 12, 6, 3, 1};
 
 void gaussian(const Picture& p, u32 size)
 {
     const s16* const weights = size == 7 ? kGaussian7 : kGaussian15;
-    rvkFilterCorrSepMxNu8(p.in<u8>(), p.width, p.height, 0, weights, size, weights, size, kShift, kShift, p.out<u8>(),
-                          0);
+    rvkFilterCorrSepMxNu8(p.in<u8>(), p.width, p.height, 0, weights, size, weights, size, 8, 8, p.out<u8>(), 0);
 }
 
 #if RVK_BENCH_OPENCV

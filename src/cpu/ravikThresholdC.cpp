@@ -40,6 +40,14 @@ uint32_t otsuThreshold(const uint32_t (&histogram)[256], uint32_t count)
 
 namespace {
 
+// dst = passed where src >= least, else failed.
+void threshold(uint32_t width, uint32_t height, Plane<const uint8_t> src, Plane<uint8_t> dst, uint32_t least,
+               uint8_t passed, uint8_t failed)
+{
+    mapElements(
+        width, height, dst, [=](uint8_t pixel) { return pixel >= least ? passed : failed; }, src);
+}
+
 // dst = inside where low <= src <= high, else outside.
 void range(uint32_t width, uint32_t height, Plane<const uint8_t> src, Plane<uint8_t> dst, uint32_t low, uint32_t high,
            uint8_t inside, uint8_t outside)
@@ -76,9 +84,9 @@ void rvkFilterThresholdOtsuu8C(const uint8_t* src, uint32_t srcWidth, uint32_t s
         for (size_t x = 0; x < srcWidth; ++x)
             ++histogram[source.row(y)[x]];
 
-    const uint32_t threshold = std::min(otsuThreshold(histogram, srcWidth * srcHeight), 255u);
+    const uint32_t least = std::min(otsuThreshold(histogram, srcWidth * srcHeight), 255u);
     const bool isInverse = thresholdType == RAVIK_THRESHOLD_BINARY_INVERSE;
-    range(srcWidth, srcHeight, source, {dst, dstStride}, threshold, 255, isInverse ? 0 : 255, isInverse ? 255 : 0);
+    threshold(srcWidth, srcHeight, source, {dst, dstStride}, least, isInverse ? 0 : 255, isInverse ? 255 : 0);
 }
 
 } // namespace rvk

@@ -1,5 +1,5 @@
-// Thresholds by two drivers of either room: `range` tells pixels from low to high from the others, `adaptive` compares
-// pixels with the picture that a filter writes to the destination.
+// Thresholds by three drivers of either room: `threshold` tells pixels from `least` on from the others, `range` those from
+// low to high, `adaptive` compares pixels with the picture that a filter writes to the destination.
 #pragma once
 
 #include "forms/form.h"
@@ -7,22 +7,23 @@
 namespace RVK_ROOM {
 
 void RVK_FORM(rvkFilterThresholdu8)(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
-                                    uint8_t* dst, uint32_t dstStride, uint32_t threshold)
+                                    uint8_t* dst, uint32_t dstStride, uint32_t value)
 {
-    range(srcWidth, srcHeight, {src, srcStride}, {dst, dstStride}, threshold < 255 ? threshold : 255, 255, 255, 0);
+    threshold(srcWidth, srcHeight, {src, srcStride}, {dst, dstStride}, value < 255 ? value : 255, 255, 0);
 }
 
 void RVK_FORM(rvkFilterThresholdu8_v2)(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
-                                       uint8_t* dst, uint32_t dstStride, uint32_t threshold)
+                                       uint8_t* dst, uint32_t dstStride, uint32_t value)
 {
-    RVK_FORM(rvkFilterThresholdu8)(src, srcWidth, srcHeight, srcStride, dst, dstStride, threshold);
+    RVK_FORM(rvkFilterThresholdu8)(src, srcWidth, srcHeight, srcStride, dst, dstStride, value);
 }
 
 rvkStatus RVK_FORM(rvkFilterThresholdu8_v3)(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight,
-                                            uint32_t srcStride, uint8_t* dst, uint32_t dstStride, uint32_t threshold,
+                                            uint32_t srcStride, uint8_t* dst, uint32_t dstStride, uint32_t value,
                                             uint8_t trueValue, uint8_t falseValue)
 {
-    range(srcWidth, srcHeight, {src, srcStride}, {dst, dstStride}, 0, threshold, falseValue, trueValue);
+    threshold(srcWidth, srcHeight, {src, srcStride}, {dst, dstStride}, value < 255 ? value + 1 : 256, trueValue,
+              falseValue);
     return RAVIK_SUCCESS;
 }
 

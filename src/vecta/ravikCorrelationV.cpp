@@ -14,7 +14,14 @@ using Shorts = Vec<int16_t>;
 
 constexpr size_t kLanes = Shorts::lanes;
 constexpr size_t kStep = 2 * kLanes; // outputs that are made at once in each of two rows
-constexpr size_t kStrip = 512;       // columns of a strip
+constexpr size_t kStrip = 512;       // columns of a strip of floats
+
+// Columns of a strip of which the first-level cache holds `pairs` pairs of rows.
+RVK_INLINE size_t stripColumns(size_t width, size_t pairs)
+{
+    constexpr size_t cacheBytes = 24576;
+    return roundedUp(least(width, cacheBytes / (2 * sizeof(int16_t)) / pairs + 1), kStep);
+}
 
 // Weights row by row, read from the first to the last for a correlation and from the last to the first for a
 // convolution.
@@ -174,7 +181,7 @@ template <class S, class D>
 RVK_NOINLINE rvkStatus correlateSource(const Source<S>& src, const Taps<int16_t>& kernel, unsigned shift, Plane<D> dst)
 {
     const size_t M = kernel.M, slots = pairsOf(kernel.N);
-    const size_t strip = roundedUp(least(src.outputColumns, kStrip), kStep);
+    const size_t strip = stripColumns(src.outputColumns, slots);
     const size_t size = roundedUp(strip + M, kLanes); // of a row in the ring
     const Scratch<S> rows(2, size);
     const Scratch<int16_t> ring(slots * 2, size);
@@ -337,11 +344,9 @@ template <class S, class D>
 RVK_NOINLINE rvkStatus correlateSeparably(uint32_t width, uint32_t height, Plane<const S> src, Taps<int16_t> kernelX,
                                           Taps<int16_t> kernelY, uint32_t shiftX, uint32_t shiftY, Plane<D> dst)
 {
-    constexpr size_t cacheBytes = 24576; // for the pairs
     const size_t M = kernelX.M, N = kernelY.N;
     const size_t window = pairsOf(N), capacity = 2 * window + 1;
-    const size_t columns = cacheBytes / (2 * sizeof(int16_t)) / capacity + 1;
-    const size_t strip = roundedUp(least(width, columns), kStep);
+    const size_t strip = stripColumns(width, capacity);
     const size_t size = strip + kLanes;                               // of a filtered row
     const size_t rowSize = roundedUp(strip + M, kLanes) + 2 * kLanes; // of a row of the picture
     const Scratch<S> rows(2, rowSize);
@@ -361,17 +366,25 @@ RVK_NOINLINE rvkStatus correlateSeparably(uint32_t width, uint32_t height, Plane
     }
     S *first = rows.get(), *second = first + rowSize;
     int16_t* const pairs = filtered.get();
+    const auto rowAt = [&](size_t y) RVK_INLINE_LAMBDA { return src.row(nearest(y, N / 2, height)); };
     for (size_t x = 0; x < width; x += strip) {
         const size_t n = least(strip, width - x);
+        // Rows are copied well ahead: a load that begins in the middle of a store waits until that has left the core.
+        const auto copyRows = [&](size_t y) RVK_INLINE_LAMBDA {
+            copyRow(first, rowAt(y), width, x, M / 2, n + M - 1);
+            copyRow(second, rowAt(y + 1), width, x, M / 2, n + M - 1);
+        };
+        copyRows(0);
         size_t count = 0; // of pairs
         for (size_t y = 0; y < height + N - 1; y += 2) {
-            copyRow(first, src.row(nearest(y, N / 2, height)), width, x, M / 2, n + M - 1);
-            copyRow(second, src.row(nearest(y + 1, N / 2, height)), width, x, M / 2, n + M - 1);
             if (count == capacity) {
                 count = window - 1;
                 __builtin_memmove(pairs, pairs + (capacity - count) * 2 * size, count * 2 * size * sizeof *pairs);
             }
+            prefetch(rowAt(y + 4) + x, n); // strips are too narrow for the processor to see what comes next
+            prefetch(rowAt(y + 5) + x, n);
             along(first, second, n, lineX.weights, lineX.shift, pairs + count++ * 2 * size, size);
+            copyRows(y + 2);
             if (y + 1 >= N)
                 down(pairs + (count - window) * 2 * size, size, n, lineY.weights, lineY.shift,
                      twoRows(dst, y + 1 - N, height, x));

@@ -282,6 +282,8 @@ RVK_INLINE rvkStatus filterInBlocks(size_t width, size_t height, Plane<const uin
 
     size_t place = 0;
     for (size_t y = 0; y < height + N - 1; ++y) { // rows of the picture from `before` on
+        if (y + 1 >= N) // a store that misses the cache holds up those to the line, and loads wait for them
+            prefetch(dst.row(y + 1 - N), width);
         size_t covered = 1;
         if (y >= before && y - before < height) {
             __builtin_memset(line, Extreme::neutral, before); // behind the row the line stays neutral

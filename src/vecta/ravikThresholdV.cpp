@@ -7,10 +7,20 @@
 namespace rvk::vecta::RVK_ISA {
 namespace {
 
+// dst = passed where src >= least, else failed. `least` is 0 to 256.
+RVK_INLINE void threshold(size_t width, size_t height, Plane<const uint8_t> src, Plane<uint8_t> dst, uint32_t least,
+                          uint8_t passed, uint8_t failed)
+{
+    const Vec<uint8_t> last = splat(static_cast<uint8_t>(least ? least - 1 : 0)); // that fails
+    const Vec<uint8_t> yes = splat(passed), no = splat(least ? failed : passed);
+    mapImage(
+        width, height, dst, [=](Vec<uint8_t> v) RVK_INLINE_LAMBDA { return select(greater(v, last), yes, no); }, src);
+}
+
 // dst = inside where low <= src <= high, else outside. Of the ends of a range one comparison is left: the distance from
 // `low`, modulo 256, must not be above that of `high`.
-RVK_NOINLINE void range(size_t width, size_t height, Plane<const uint8_t> src, Plane<uint8_t> dst, uint32_t low,
-                        uint32_t high, uint8_t inside, uint8_t outside)
+RVK_INLINE void range(size_t width, size_t height, Plane<const uint8_t> src, Plane<uint8_t> dst, uint32_t low,
+                      uint32_t high, uint8_t inside, uint8_t outside)
 {
     if (low > high || low > 255)
         low = high = 0, inside = outside;

@@ -297,6 +297,11 @@ RVK_INLINE uint32x2_t loadHalf(const uint32_t* p) { return vld1_u32(p); }
 RVK_INLINE int32x2_t loadHalf(const int32_t* p) { return vld1_s32(p); }
 #endif
 
+template <class T>
+RVK_INLINE void prefetch(const T*, size_t)
+{
+}
+
 // As many elements from p as a vector of To has lanes, each made two or four times as wide.
 template <class To, class T>
     requires(isSame<To, Wider<T>>)

@@ -17,6 +17,7 @@
 //             storeTwice<T>(p, v): u8, each element of T, 8 or 16 bits, twice; store2Twice(p, vs): each pair twice
 //             copyPastCaches(from, to, n): of what will not be found in the caches again; kWritesPastCaches: whether that
 //             is any different; finishWritesPastCaches() after the last one
+//             prefetch(p, n): n elements are wanted soon; nothing on Arm, where it takes instructions that filters feel
 // Constants   splat(x), zero<T>(), iota<T>(): 0, 1, 2, ...
 // Arithmetic  + - * (integers wrap; * of bytes is slow), & | ^ ~, shiftLeft, shiftRight(v, count): count < width of T
 //             min, max: of floats b < a ? b : a and a < b ? b : a, so a when equal or when either is not a number

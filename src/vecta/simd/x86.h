@@ -452,6 +452,14 @@ RVK_INLINE auto loadFraction(const void* p)
     }
 }
 
+template <class T>
+RVK_INLINE void prefetch(const T* p, size_t n)
+{
+    constexpr size_t cacheLine = 64;
+    for (size_t i = 0; i < n; i += cacheLine / sizeof *p)
+        __builtin_prefetch(p + i);
+}
+
 // As many elements from p as a vector of To has lanes, each made two or four times as wide.
 template <class To, class T>
     requires(isSame<To, Wider<T>>)
