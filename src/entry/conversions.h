@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <tuple>
 #include <utility>
 
 namespace rvk {
@@ -91,80 +90,35 @@ inline uint32_t packedRowIfZero(uint32_t stride, uint64_t rowSize)
     return stride ? stride : static_cast<uint32_t>(std::min<uint64_t>(rowSize, UINT32_MAX));
 }
 
-template <class Format, class Plane>
-void packWhereZero(Plane (&planes)[Format::planes], uint32_t width)
-{
-    for (uint32_t i = 0; i < Format::planes; ++i)
-        planes[i].stride = packedRowIfZero(planes[i].stride, Format::rowSize(i, width));
-}
-
-template <class Format, class Plane>
-bool holdRows(const Plane (&planes)[Format::planes], uint32_t width)
-{
-    for (uint32_t i = 0; i < Format::planes; ++i)
-        if (!planes[i].data || planes[i].stride < Format::rowSize(i, width))
-            return false;
-    return true;
-}
-
-template <class Plane, size_t count>
-bool suitDsp(const Plane (&planes)[count])
-{
-    return std::all_of(planes, planes + count, [](const Plane& plane) { return aligned(8, plane.data, plane.stride); });
-}
-
-inline uintptr_t addressOf(const uint8_t* data)
-{
-    return reinterpret_cast<uintptr_t>(data);
-}
-
 // Where the bytes of a plane lie.
 struct Extent
 {
-    uintptr_t begin;
-    uint64_t stride, rowSize, rows;
+    const uint8_t* data;
+    uint32_t stride, rows;
+    uint64_t rowSize;
 
-    uint64_t size() const { return (rows - 1) * stride + rowSize; }
+    uint64_t size() const { return (uint64_t{rows} - 1) * stride + rowSize; }
 };
 
 // Whether planes have bytes in common. Pictures side by side in rows of one stride have none; of other planes whose rows
 // mingle it is assumed.
-inline bool overlap(const Extent& a, const Extent& b)
-{
-    if (a.begin > b.begin)
-        return overlap(b, a);
-    const uint64_t distance = b.begin - a.begin;
-    if (distance >= a.size())
-        return false;
-    const uint64_t column = distance % a.stride;
-    return a.stride != b.stride || column < a.rowSize || column + b.rowSize > a.stride;
-}
+bool overlap(const Extent& a, const Extent& b);
 
-template <class Format, class Plane>
-Extent extentOf(const Plane (&planes)[Format::planes], uint32_t i, uint32_t width, uint32_t height)
+// The planes of a call, those of the source first, and what it must keep.
+struct PlanesOfCall
 {
-    return {addressOf(planes[i].data), planes[i].stride, Format::rowSize(i, width), Format::rows(i, height)};
-}
+    const Extent* planes;
+    uint32_t sources, targets;
+    uint32_t width, height, leastWidth;
+    bool mayRunInPlace;
+    const char *sourceCondition, *targetCondition;
+};
 
-template <class From, class To>
-bool imagesOverlap(const Conversion<From, To>& c)
-{
-    for (uint32_t j = 0; j < To::planes; ++j) {
-        const Extent dst = extentOf<To>(c.dst, j, c.width, c.height);
-        for (uint32_t i = 0; i < From::planes; ++i)
-            if (overlap(extentOf<From>(c.src, i, c.width, c.height), dst))
-                return true;
-        for (uint32_t i = 0; i < j; ++i)
-            if (overlap(extentOf<To>(c.dst, i, c.width, c.height), dst))
-                return true;
-    }
-    return false;
-}
+RVK_IMPL chooseTarget(Slot slot, const PlanesOfCall& call);
+// Null when there is none.
+const char* violatedCondition(const PlanesOfCall& call);
 
 // ---- what kinds of conversions need ---------------------------------------------------------------------------------
-
-template <class Format>
-inline constexpr bool isPacked = Format::planes == 1;
 
 template <class Format>
 inline constexpr bool isRotated = false;
@@ -172,57 +126,71 @@ template <class Format>
 inline constexpr bool isRotated<Rotated180<Format>> = true;
 
 template <class From, class To>
-bool isInPlace(const Conversion<From, To>& c)
+constexpr bool mayRunInPlace()
 {
-    if constexpr (isPacked<From> && isPacked<To> && !isRotated<To>)
-        return From::rowSize(0, 1) == To::rowSize(0, 1) && c.src[0].data == c.dst[0].data &&
-               c.src[0].stride == c.dst[0].stride;
-    return false;
+    return From::planes == 1 && To::planes == 1 && From::rowSize(0, 1) == To::rowSize(0, 1) && !isRotated<To>;
 }
 
 // A row of pairs is taken in pairs.
 template <class From, class To>
 constexpr uint32_t leastWidth()
 {
-    if constexpr (isPacked<To> && requires { From::xShift; })
+    if constexpr (To::planes == 1 && requires { From::xShift; })
         return 1u << From::xShift;
     return 1;
 }
 
-template <class From, class To>
-const char* violatedCondition(const Conversion<From, To>& c)
-{
-    if (!c.width || !c.height || !holdRows<From>(c.src, c.width))
-        return sourceCondition(From());
-    if (!holdRows<To>(c.dst, c.width))
-        return targetCondition(To());
-    if (c.width < leastWidth<From, To>())
-        return "srcWidth > 1";
-    return !isInPlace(c) && imagesOverlap(c) ? kNoOverlap : nullptr;
-}
-
 // ---- calls ----------------------------------------------------------------------------------------------------------
 
+// Packs the planes whose stride is 0, and says where they lie.
+template <class Format, class Plane>
+void takePlanes(Plane (&planes)[Format::planes], uint32_t width, uint32_t height, Extent* extents)
+{
+    for (uint32_t i = 0; i < Format::planes; ++i) {
+        const uint64_t rowSize = Format::rowSize(i, width);
+        planes[i].stride = packedRowIfZero(planes[i].stride, rowSize);
+        extents[i] = {planes[i].data, planes[i].stride, Format::rows(i, height), rowSize};
+    }
+}
+
+// Even arguments are the data of planes, odd ones their strides.
+template <size_t i, class Plane, size_t count>
+auto argument(const Plane (&planes)[count])
+{
+    if constexpr (i % 2 == 0)
+        return planes[i / 2].data;
+    else
+        return planes[i / 2].stride;
+}
+
 template <Slot slot, class From, class To, size_t... i, size_t... j>
-ResultOf<slot> call(RVK_IMPL target, const Conversion<From, To>& c, std::index_sequence<0, i...>,
+ResultOf<slot> call(RVK_IMPL target, const Conversion<From, To>& c, std::index_sequence<0, 1, i...>,
                     std::index_sequence<j...>)
 {
-    return std::apply(implementation<slot>(target),
-                      std::tuple_cat(std::tuple(c.src[0].data, c.width, c.height, c.src[0].stride),
-                                     std::tuple(c.src[i].data, c.src[i].stride)...,
-                                     std::tuple(c.dst[j].data, c.dst[j].stride)...));
+    return implementation<slot>(target)(c.src[0].data, c.width, c.height, c.src[0].stride, argument<i>(c.src)...,
+                                        argument<j>(c.dst)...);
 }
 
 template <Slot slot, class From, class To>
 ResultOf<slot> convert(const char* function, Conversion<From, To> c)
 {
-    packWhereZero<From>(c.src, c.width);
-    packWhereZero<To>(c.dst, c.width);
-    const RVK_IMPL target =
-        chooseTarget(slot, [&] { return suitDsp(c.src) && suitDsp(c.dst) && enoughWork(c.width, c.height); });
-    if (const char* condition = violatedCondition(c))
+    Extent planes[From::planes + To::planes];
+    takePlanes<From>(c.src, c.width, c.height, planes);
+    takePlanes<To>(c.dst, c.width, c.height, planes + From::planes);
+    const PlanesOfCall all = {planes,
+                              From::planes,
+                              To::planes,
+                              c.width,
+                              c.height,
+                              leastWidth<From, To>(),
+                              mayRunInPlace<From, To>(),
+                              sourceCondition(From()),
+                              targetCondition(To())};
+    const RVK_IMPL target = chooseTarget(slot, all);
+    if (const char* condition = violatedCondition(all))
         return refuse<slot>({function, condition});
-    return call<slot>(target, c, std::make_index_sequence<From::planes>(), std::make_index_sequence<To::planes>());
+    return call<slot>(target, c, std::make_index_sequence<2 * From::planes>(),
+                      std::make_index_sequence<2 * To::planes>());
 }
 
 } // namespace rvk

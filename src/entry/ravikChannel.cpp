@@ -241,9 +241,9 @@ rvkStatus rvkChannelExtractu8(const uint8_t* src1, uint32_t srcWidth, uint32_t s
     RVK_CHECK_ARGS_OR(RAVIK_EBADPARAM, src1 && dst && srcWidth && srcHeight && samples.step && (src1Stride >= row1) &&
                       (dstStride >= dstWidth));
     RVK_CHECK_ARGS_OR(RAVIK_EBADPARAM, !hasChromaPlane(format) || (src2 && (src2Stride >= row2)));
-    const Extent written{addressOf(dst), dstStride, dstWidth, dstHeight};
-    if (overlap({addressOf(src1), src1Stride, row1, srcHeight}, written) ||
-        (hasChromaPlane(format) && overlap({addressOf(src2), src2Stride, row2, sampled(srcHeight, 1)}, written)))
+    const Extent written{dst, dstStride, dstHeight, dstWidth};
+    if (overlap({src1, src1Stride, srcHeight, row1}, written) ||
+        (hasChromaPlane(format) && overlap({src2, src2Stride, sampled(srcHeight, 1), row2}, written)))
         return refuse<slot>({__func__, kNoOverlap});
     return implementation<slot>(target)(src1, srcWidth, srcHeight, src1Stride, src2, src2Stride, format, channel, dst,
                                         dstStride);
