@@ -113,10 +113,31 @@ RVK_INLINE void mapRows(size_t width, Rows<const uint8_t, sources> src, Rows<uin
         mapFew<Step>(1, src, dst);
 }
 
-// The same by pieces that the first-level cache holds, which go from there past the caches: other stores have each line
-// of the destination read before it is written.
+// How many pixels lie before the first one that begins a whole register; kNever when none does.
+constexpr size_t kNever = SIZE_MAX;
+template <class Step>
+RVK_INLINE size_t pixelsBeforeRegister(const uint8_t* row)
+{
+    for (size_t n = 0; n < kBytes; ++n)
+        if ((reinterpret_cast<uintptr_t>(row) + n * Step::out) % kBytes == 0)
+            return n;
+    return kNever;
+}
+
+// Whole steps of one destination, past the caches: other stores have each line of it read before it is written.
+template <class Step, size_t sources>
+RVK_INLINE void mapStepsPastCaches(size_t steps, Rows<const uint8_t, sources>& src, Rows<uint8_t, 1>& dst)
+{
+    for (; steps; --steps) {
+        storeInterleavedPastCaches(dst.row[0], Step::take(src));
+        src.move(Step::units * Step::in);
+        dst.move(Step::units * Step::out);
+    }
+}
+
+// The same of any step, by pieces that the first-level cache holds, and which are copied from there.
 template <class Step, size_t sources, size_t targets>
-RVK_INLINE void mapRowsPastCaches(size_t width, Rows<const uint8_t, sources> src, Rows<uint8_t, targets> dst)
+RVK_INLINE void mapPiecesPastCaches(size_t width, Rows<const uint8_t, sources> src, Rows<uint8_t, targets> dst)
 {
     constexpr size_t piece = 1024;
     alignas(64) uint8_t buffer[targets][piece * Step::out];
@@ -129,6 +150,22 @@ RVK_INLINE void mapRowsPastCaches(size_t width, Rows<const uint8_t, sources> src
         src.move(n * Step::in);
         dst.move(n * Step::out);
     }
+}
+
+template <class Step, size_t sources, size_t targets>
+RVK_INLINE void mapRowsPastCaches(size_t width, Rows<const uint8_t, sources> src, Rows<uint8_t, targets> dst)
+{
+    if constexpr (Step::interleaves) {
+        const size_t head = least(pixelsBeforeRegister<Step>(dst.row[0]), width), steps = (width - head) / Step::units;
+        if (steps > 0) { // head is not kNever
+            mapPiecesPastCaches<Step>(head, src, dst);
+            src.move(head * Step::in);
+            dst.move(head * Step::out);
+            mapStepsPastCaches<Step>(steps, src, dst);
+            width -= head + steps * Step::units;
+        }
+    }
+    mapPiecesPastCaches<Step>(width, src, dst);
     finishWritesPastCaches();
 }
 
@@ -193,7 +230,7 @@ struct PixelByPixel
 {
     static constexpr bool halvesX = false, halvesY = false, doublesX = false, doublesY = false;
     static constexpr size_t pixels = 1, units = Vec<uint8_t>::lanes;
-    static constexpr bool mayWritePastCaches = kWritesPastCaches;
+    static constexpr bool mayWritePastCaches = kWritesPastCaches, interleaves = false;
 };
 
 template <size_t channels>
@@ -222,6 +259,7 @@ template <size_t channels>
 struct Combine : PixelByPixel
 {
     static constexpr size_t in = 1, out = channels;
+    static constexpr bool interleaves = true;
 
     RVK_INLINE static Vecs<uint8_t, channels> take(const Rows<const uint8_t, channels>& src)
     {

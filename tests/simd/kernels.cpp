@@ -339,6 +339,21 @@ SimdGroup neighbours()
     return group(list);
 }
 
+template <size_t channels>
+constexpr SimdOperation interleavingPastCaches(const char* name)
+{
+    constexpr size_t n = kBytes;
+    return mapping<uint8_t, uint8_t, channels * n, channels * n>(
+        name,
+        [](const uint8_t* in, uint8_t* out) {
+            alignas(64) uint8_t pixels[channels * n];
+            storeInterleavedPastCaches(pixels, loadVecs<channels>(in));
+            finishWritesPastCaches();
+            __builtin_memcpy(out, pixels, sizeof pixels);
+        },
+        [](const uint8_t* in, size_t i) { return in[i % channels * n + i / channels]; });
+}
+
 SimdGroup pairsAndCopies()
 {
     constexpr size_t n = kBytes;
@@ -361,6 +376,9 @@ SimdGroup pairsAndCopies()
                 finishWritesPastCaches();
             },
             [](const uint8_t* in, size_t i) { return in[i]; }),
+        interleavingPastCaches<2>("storeInterleavedPastCaches of 2"),
+        interleavingPastCaches<3>("storeInterleavedPastCaches of 3"),
+        interleavingPastCaches<4>("storeInterleavedPastCaches of 4"),
     };
     return group(list);
 }

@@ -962,6 +962,9 @@ RVK_INLINE void store2Twice(uint8_t* p, const Vecs<uint8_t, 2>& v)
 constexpr bool kWritesPastCaches = false;
 
 RVK_INLINE void copyPastCaches(const uint8_t* from, uint8_t* to, size_t n) { __builtin_memcpy(to, from, n); }
+RVK_INLINE void storeInterleavedPastCaches(uint8_t* p, const Vecs<uint8_t, 2>& v) { store2(p, v); }
+RVK_INLINE void storeInterleavedPastCaches(uint8_t* p, const Vecs<uint8_t, 3>& v) { store3(p, v); }
+RVK_INLINE void storeInterleavedPastCaches(uint8_t* p, const Vecs<uint8_t, 4>& v) { store4(p, v); }
 RVK_INLINE void finishWritesPastCaches() {}
 
 } // namespace

@@ -16,7 +16,8 @@
 //             of pairs of bytes, the two apart
 //             storeTwice<T>(p, v): u8, each element of T, 8 or 16 bits, twice; store2Twice(p, vs): each pair twice
 //             copyPastCaches(from, to, n): of what will not be found in the caches again; kWritesPastCaches: whether that
-//             is any different; finishWritesPastCaches() after the last one
+//             is any different; storeInterleavedPastCaches(p, vs): store2, store3, store4 to an address of whole
+//             registers; finishWritesPastCaches() after the last one
 //             prefetch(p, n): n elements are wanted soon; nothing on Arm, where it takes instructions that filters feel
 // Constants   splat(x), zero<T>(), iota<T>(): 0, 1, 2, ...
 // Arithmetic  + - * (integers wrap; * of bytes is slow), & | ^ ~, shiftLeft, shiftRight(v, count): count < width of T

@@ -966,9 +966,9 @@ RVK_INLINE Vecs<T, count> loadSpread(const T* p)
 }
 
 template <class T, size_t count>
-RVK_INLINE void storeSpread(T* p, const Vecs<T, count>& v)
+RVK_INLINE Vecs<T, count> inOrder(const Vecs<T, count>& v)
 {
-    store(p, v);
+    return v;
 }
 
 template <class T>
@@ -1050,12 +1050,11 @@ RVK_INLINE Vec<T> ungroupChannels(Vec<T> v)
 }
 
 template <class T>
-RVK_INLINE void store4(T* p, const Vecs<T, 4>& v)
+RVK_INLINE Vecs<T, 4> interleave(const Vecs<T, 4>& v)
 {
     const Vecs<T, 4> d =
         diagonals(Vecs<T, 4>{v[0], rotateBlocks<3>(v[1]), rotateBlocks<2>(v[2]), rotateBlocks<1>(v[3])});
-    store(p, Vecs<T, 4>{ungroupChannels<0>(d[0]), ungroupChannels<1>(d[1]), ungroupChannels<2>(d[2]),
-                        ungroupChannels<3>(d[3])});
+    return {ungroupChannels<0>(d[0]), ungroupChannels<1>(d[1]), ungroupChannels<2>(d[2]), ungroupChannels<3>(d[3])};
 }
 
 #else
@@ -1098,22 +1097,23 @@ RVK_INLINE Vec<T> highBlocks(Vec<T> a, Vec<T> b)
 }
 #endif
 
+// The blocks of such vectors in the order in which memory has them.
 template <class T, size_t count>
-RVK_INLINE void storeSpread(T* p, const Vecs<T, count>& v)
+RVK_INLINE Vecs<T, count> inOrder(const Vecs<T, count>& v)
 {
 #if defined(__AVX2__)
     if constexpr (count == 3) {
-        store(p, lowBlocks(v[0], v[1]));
-        store(p + Vec<T>::lanes, vec<T>(_mm256_blend_epi32(reg(v[2]), reg(v[0]), 0xf0)));
-        store(p + 2 * Vec<T>::lanes, highBlocks(v[1], v[2]));
+        return {lowBlocks(v[0], v[1]), vec<T>(_mm256_blend_epi32(reg(v[2]), reg(v[0]), 0xf0)), highBlocks(v[1], v[2])};
     } else {
+        Vecs<T, count> r;
         unrolled<count / 2>([&](auto i) RVK_INLINE_LAMBDA {
-            store(p + i * Vec<T>::lanes, lowBlocks(v[2 * i], v[2 * i + 1]));
-            store(p + (count / 2 + i) * Vec<T>::lanes, highBlocks(v[2 * i], v[2 * i + 1]));
+            r[i] = lowBlocks(v[2 * i], v[2 * i + 1]);
+            r[count / 2 + i] = highBlocks(v[2 * i], v[2 * i + 1]);
         });
+        return r;
     }
 #else
-    store(p, v);
+    return v;
 #endif
 }
 
@@ -1132,7 +1132,7 @@ RVK_INLINE Vecs<T, 2> load2(const T* p)
     }
 }
 
-// What storeSpread puts into memory as a0 b0 a1 b1 ...
+// What inOrder makes a0 b0 a1 b1 ... of.
 template <class T>
 RVK_INLINE Vecs<T, 2> zipSpread(Vec<T> a, Vec<T> b)
 {
@@ -1168,21 +1168,21 @@ RVK_INLINE Vecs<T, 4> load4(const T* p)
 }
 
 template <class T>
-RVK_INLINE void store4(T* p, const Vecs<T, 4>& v)
+RVK_INLINE Vecs<T, 4> interleave(const Vecs<T, 4>& v)
 {
     using W = Wider<Unsigned<T>>;
     const Vecs<T, 2> a = zipInLanes(v[0], v[1]), b = zipInLanes(v[2], v[3]);
     const Vecs<W, 2> low = zipInLanes(bitCast<W>(a[0]), bitCast<W>(b[0]));
     const Vecs<W, 2> high = zipInLanes(bitCast<W>(a[1]), bitCast<W>(b[1]));
-    storeSpread(p, Vecs<T, 4>{bitCast<T>(low[0]), bitCast<T>(low[1]), bitCast<T>(high[0]), bitCast<T>(high[1])});
+    return inOrder(Vecs<T, 4>{bitCast<T>(low[0]), bitCast<T>(low[1]), bitCast<T>(high[0]), bitCast<T>(high[1])});
 }
 
 #endif
 
 template <class T>
-RVK_INLINE void store2(T* p, const Vecs<T, 2>& v)
+RVK_INLINE Vecs<T, 2> interleave(const Vecs<T, 2>& v)
 {
-    storeSpread(p, zipSpread(v[0], v[1]));
+    return inOrder(zipSpread(v[0], v[1]));
 }
 
 // The lanes among which one shuffle moves elements freely.
@@ -1236,11 +1236,15 @@ RVK_INLINE Vec<T> pixelsOf(const Vecs<T, 3>& spread)
 }
 
 template <class T>
-RVK_INLINE void store3(T* p, const Vecs<T, 3>& v)
+RVK_INLINE Vecs<T, 3> interleave(const Vecs<T, 3>& v)
 {
     const Vecs<T, 3> s = {spreadChannel<0>(v[0]), spreadChannel<1>(v[1]), spreadChannel<2>(v[2])};
-    storeSpread(p, Vecs<T, 3>{pixelsOf<0>(s), pixelsOf<1>(s), pixelsOf<2>(s)});
+    return inOrder(Vecs<T, 3>{pixelsOf<0>(s), pixelsOf<1>(s), pixelsOf<2>(s)});
 }
+
+template <class T> RVK_INLINE void store2(T* p, const Vecs<T, 2>& v) { store(p, interleave(v)); }
+template <class T> RVK_INLINE void store3(T* p, const Vecs<T, 3>& v) { store(p, interleave(v)); }
+template <class T> RVK_INLINE void store4(T* p, const Vecs<T, 4>& v) { store(p, interleave(v)); }
 
 // ---- neighbours -----------------------------------------------------------------------------------------------------
 
@@ -1301,7 +1305,7 @@ RVK_INLINE Vecs<uint8_t, 2> load2Means(const Byte*... row)
 template <class T>
 RVK_INLINE void storeTwice(uint8_t* p, Vec<uint8_t> v)
 {
-    storeSpread(p, bitCast<uint8_t>(zipSpread(bitCast<T>(v), bitCast<T>(v))));
+    store(p, inOrder(bitCast<uint8_t>(zipSpread(bitCast<T>(v), bitCast<T>(v)))));
 }
 
 RVK_INLINE void store2Twice(uint8_t* p, const Vecs<uint8_t, 2>& v)
@@ -1309,7 +1313,7 @@ RVK_INLINE void store2Twice(uint8_t* p, const Vecs<uint8_t, 2>& v)
     const Vecs<uint16_t, 2> pairs = bitCast<uint16_t>(zipSpread(v[0], v[1]));
     const Vecs<uint8_t, 2> low = bitCast<uint8_t>(zipSpread(pairs[0], pairs[0]));
     const Vecs<uint8_t, 2> high = bitCast<uint8_t>(zipSpread(pairs[1], pairs[1]));
-    storeSpread(p, Vecs<uint8_t, 4>{low[0], low[1], high[0], high[1]});
+    store(p, inOrder(Vecs<uint8_t, 4>{low[0], low[1], high[0], high[1]}));
 }
 
 // ---- copies of what is too large for the caches ---------------------------------------------------------------------
@@ -1326,6 +1330,14 @@ RVK_INLINE void storePastCaches(uint8_t* p, Vec<uint8_t> v)
 #else
     _mm_stream_si128(reinterpret_cast<Register*>(p), reg(v));
 #endif
+}
+
+// As store2, store3, store4, to such an address.
+template <size_t count>
+RVK_INLINE void storeInterleavedPastCaches(uint8_t* p, const Vecs<uint8_t, count>& channels)
+{
+    const Vecs<uint8_t, count> v = interleave(channels);
+    unrolled<count>([&](auto i) RVK_INLINE_LAMBDA { storePastCaches(p + i * kBytes, v[i]); });
 }
 
 RVK_INLINE void finishWritesPastCaches() { _mm_sfence(); }
