@@ -155,7 +155,7 @@ RVK_INLINE void mapPiecesPastCaches(size_t width, Rows<const uint8_t, sources> s
 template <class Step, size_t sources, size_t targets>
 RVK_INLINE void mapRowsPastCaches(size_t width, Rows<const uint8_t, sources> src, Rows<uint8_t, targets> dst)
 {
-    if constexpr (Step::interleaves) {
+    if constexpr (requires { Step::interleaves; }) {
         const size_t head = least(pixelsBeforeRegister<Step>(dst.row[0]), width), steps = (width - head) / Step::units;
         if (steps > 0) { // head is not kNever
             mapPiecesPastCaches<Step>(head, src, dst);
@@ -230,7 +230,7 @@ struct PixelByPixel
 {
     static constexpr bool halvesX = false, halvesY = false, doublesX = false, doublesY = false;
     static constexpr size_t pixels = 1, units = Vec<uint8_t>::lanes;
-    static constexpr bool mayWritePastCaches = kWritesPastCaches, interleaves = false;
+    static constexpr bool mayWritePastCaches = kWritesPastCaches;
 };
 
 template <size_t channels>
