@@ -203,31 +203,26 @@ struct Conversion
     TargetPlane dst[To::planes];
 };
 
+template <class Format>
+concept IsRgb = requires
+{
+    Format::isBytes;
+};
+template <class Format>
+concept IsYCbCr = requires
+{
+    Format::xShift;
+};
+
 // Kinds of conversions, each of which has a driver.
 template <class From, class To>
-concept IsToYCbCr = requires
-{
-    From::isBytes;
-    To::xShift;
-};
+concept IsToYCbCr = IsRgb<From> && IsYCbCr<To>;
 template <class From, class To>
-concept IsToRgb = requires
-{
-    From::xShift;
-    To::isBytes;
-};
+concept IsToRgb = IsYCbCr<From> && IsRgb<To>;
 template <class From, class To>
-concept IsReordering = requires
-{
-    From::isBytes;
-    To::isBytes;
-};
+concept IsReordering = IsRgb<From> && IsRgb<To>;
 template <class From, class To>
-concept IsResampling = requires
-{
-    From::xShift;
-    To::xShift;
-};
+concept IsResampling = IsYCbCr<From> && IsYCbCr<To>;
 
 } // namespace rvk
 

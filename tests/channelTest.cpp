@@ -1,7 +1,7 @@
 // What functions on chroma and channels do that the contract test does not reach: the inner kernels by their pointers, in
 // the modes of references and of vectors, and large pictures.
-#include "kernels.h"
 #include "support/guarded.h"
+#include "support/kernelModes.h"
 #include "support/random.h"
 
 #include <gtest/gtest.h>
@@ -181,19 +181,10 @@ void callAtAllWidths(const RowKernel& tested)
             callOnGuardedRows(tested, width, flush);
 }
 
-constexpr rvkOperationMode kReferences = static_cast<rvkOperationMode>(RAVIK_OP_CPU_PERFORMANCE + 1);
-
 TEST(ChannelKernels, GiveTheBytesOrMeansTheyAreNamedForInBothModes)
 {
-    for (const RowKernel& tested : kRowKernels) {
-        const Cell& cell = kernelCells[static_cast<uint32_t>(tested.kernel)];
-        ASSERT_EQ(rvkSetOperationMode(kReferences), 0);
-        const Cell reference = cell;
-        callAtAllWidths(tested);
-        ASSERT_EQ(rvkSetOperationMode(RAVIK_OP_CPU_PERFORMANCE), 0);
-        EXPECT_NE(cell, reference) << tested.name;
-        callAtAllWidths(tested);
-    }
+    for (const RowKernel& tested : kRowKernels)
+        inBothModes(tested.kernel, tested.name, [&] { callAtAllWidths(tested); });
 }
 
 // ---- pictures larger than the caches, which some processors write past them -----------------------------------------

@@ -1,7 +1,7 @@
 // The inner kernels on rows of RGB, by their pointers, in the modes of references and of vectors: each writes what the
 // reference of the function of its kind makes of a picture of one row, or of two, and nothing else.
-#include "kernels.h"
 #include "support/guarded.h"
+#include "support/kernelModes.h"
 #include "support/random.h"
 
 #include <gtest/gtest.h>
@@ -165,19 +165,10 @@ void callAtAllWidths(const RgbKernel& tested)
             callOnGuardedRows(tested, width, flush);
 }
 
-constexpr rvkOperationMode kReferences = static_cast<rvkOperationMode>(RAVIK_OP_CPU_PERFORMANCE + 1);
-
 TEST(ColorKernels, ConvertRowsAsTheFunctionsDoInBothModes)
 {
-    for (const RgbKernel& tested : kRgbKernels) {
-        const Cell& cell = kernelCells[static_cast<uint32_t>(tested.kernel)];
-        ASSERT_EQ(rvkSetOperationMode(kReferences), 0);
-        const Cell reference = cell;
-        callAtAllWidths(tested);
-        ASSERT_EQ(rvkSetOperationMode(RAVIK_OP_CPU_PERFORMANCE), 0);
-        EXPECT_NE(cell, reference) << tested.name;
-        callAtAllWidths(tested);
-    }
+    for (const RgbKernel& tested : kRgbKernels)
+        inBothModes(tested.kernel, tested.name, [&] { callAtAllWidths(tested); });
 }
 
 } // namespace

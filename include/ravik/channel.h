@@ -5,7 +5,8 @@
  *              0 means packed rows. Planes of halved chroma are (srcWidth + 1) / 2 samples wide, and where it is halved
  *              vertically (srcHeight + 1) / 2 high.
  *   Alignment  none is needed. The work may run on the DSP only when pointers and strides are multiples of 8.
- *   In place   rvkColorCbCrSwapu8, with equal strides. Otherwise images must not overlap.
+ *   In place   rvkColorCbCrSwapu8, with equal strides. Otherwise images must not overlap,
+ *              destinations among each other neither; pictures side by side in rows of one stride do not.
  *   Errors     null pointers, empty images, strides below a row of their plane and images that overlap are refused:
  *              "Assertion failed @<function>: <condition>" is logged and nothing is written. Functions with a status return
  *              RAVIK_EBADPARAM then, otherwise RAVIK_SUCCESS. */

@@ -33,7 +33,8 @@
  *   Alignment  none is needed, of words of RGB565 neither. The work may run on the DSP only when pointers and strides are
  *              multiples of 8.
  *   In place   `dst` may be `src` where both have one plane and pixels of one size and the picture is not rotated; the
- *              strides must be equal then. Otherwise images must not overlap.
+ *              strides must be equal then. Otherwise images must not overlap,
+ *              destinations among each other neither; pictures side by side in rows of one stride do not.
  *   Errors     null pointers, empty images, strides below a row of their plane and images that overlap are refused:
  *              "Assertion failed @<function>: <condition>" is logged and nothing is written. Functions with a status return
  *              RAVIK_EBADPARAM then, otherwise RAVIK_SUCCESS.

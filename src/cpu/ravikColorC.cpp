@@ -59,6 +59,11 @@ void pack(Rgb rgb, uint8_t* pixel)
 
 // ---- luma and chroma of a pixel -------------------------------------------------------------------------------------
 
+struct Chroma
+{
+    uint8_t cb, cr;
+};
+
 uint8_t lumaOf(Rgb p)
 {
     return static_cast<uint8_t>((29 * p.blue + 150 * p.green + 77 * p.red + 128) >> 8);
@@ -76,6 +81,37 @@ Rgb rgbOf(int luma, Chroma chroma)
     return {saturate<uint8_t>((256 * luma + 359 * e + 128) >> 8),
             saturate<uint8_t>((256 * luma - 88 * d - 183 * e + 128) >> 8),
             saturate<uint8_t>((256 * luma + 454 * d + 128) >> 8), 255};
+}
+
+// ---- rows of chroma -------------------------------------------------------------------------------------------------
+
+template <class Byte>
+struct ChromaRow
+{
+    Byte *cb, *cr;
+    size_t step; // between samples of one component
+
+    Chroma operator[](size_t i) const { return {cb[i * step], cr[i * step]}; }
+    void set(size_t i, Chroma chroma) const
+    {
+        cb[i * step] = chroma.cb;
+        cr[i * step] = chroma.cr;
+    }
+};
+
+template <class Byte>
+ChromaRow(Byte*, Byte*, int) -> ChromaRow<Byte>;
+
+template <class S, class AnyPlane>
+auto chromaRow(Planar<S>, const AnyPlane (&planes)[3], size_t y)
+{
+    return ChromaRow{rowOf(planes[1], y), rowOf(planes[2], y), 1};
+}
+template <class S, bool crFirst, class AnyPlane>
+auto chromaRow(PseudoPlanar<S, crFirst>, const AnyPlane (&planes)[2], size_t y)
+{
+    auto* const pairs = rowOf(planes[1], y);
+    return ChromaRow{pairs + crFirst, pairs + !crFirst, 2};
 }
 
 // ---- rows -----------------------------------------------------------------------------------------------------------
@@ -195,7 +231,6 @@ void convert(Conversion<From, Rotated180<To>> c)
 }
 
 } // namespace
-
 } // namespace rvk
 
 #include "forms/ravikColorForms.h"

@@ -135,7 +135,7 @@ constexpr bool mayRunInPlace()
 template <class From, class To>
 constexpr uint32_t leastWidth()
 {
-    if constexpr (To::planes == 1 && requires { From::xShift; })
+    if constexpr (IsToRgb<From, To>)
         return 1u << From::xShift;
     return 1;
 }
