@@ -75,9 +75,15 @@ typedef enum rvkMemOption {
 #define RAVIK_POLICY_WRAP 0u     /* keep the low bits of the exact result */
 #define RAVIK_POLICY_SATURATE 1u /* clamp to the range of the destination */
 
-/* What filters take for the pixels outside the image; other values mean what the function says. */
+/* What filters, warps and scalers take for the pixels outside the image; other values mean what the function says. */
+#define RAVIK_BORDER_NONE 0u      /* nothing: results that need such pixels are not written */
 #define RAVIK_BORDER_CONSTANT 1u  /* a value given by the caller */
 #define RAVIK_BORDER_REPLICATE 2u /* the nearest pixel inside */
+
+/* What a picture's value between its pixels is. */
+#define RAVIK_INTERPOLATION_NEAREST 0u  /* that of the pixel whose square holds the position */
+#define RAVIK_INTERPOLATION_BILINEAR 1u /* the four nearest pixels, weighted by how near they are in each direction */
+#define RAVIK_INTERPOLATION_AREA 2u     /* the mean of the area that a pixel of the destination covers */
 
 /* What rvkChannelExtractu8 takes channels from, and which. */
 #define RAVIK_FORMAT_RGB 0u
