@@ -42,8 +42,8 @@ struct CpuHas
         return avx2() && __builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512cd") &&
                __builtin_cpu_supports("avx512bw") && __builtin_cpu_supports("avx512dq") &&
                __builtin_cpu_supports("avx512vl") && __builtin_cpu_supports("avx512vbmi") &&
-               __builtin_cpu_supports("avx512vbmi2") && __builtin_cpu_supports("avx512vpopcntdq") &&
-               __builtin_cpu_supports("avx512bitalg");
+               __builtin_cpu_supports("avx512vbmi2") && __builtin_cpu_supports("avx512vnni") &&
+               __builtin_cpu_supports("avx512vpopcntdq") && __builtin_cpu_supports("avx512bitalg");
     }
 #elif defined(__arm__)
     static bool neon()

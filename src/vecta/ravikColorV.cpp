@@ -270,7 +270,7 @@ RVK_NOINLINE void toLuma(const uint8_t* src, size_t width, uint8_t* dst)
 RVK_NOINLINE void toGrey(const uint8_t* src, size_t width, uint8_t* dst)
 {
     mapPixels<3, 1>(
-        src, width, dst, [](const uint8_t* p) RVK_INLINE_LAMBDA { return greyOf(loadRgb<Rgb888>(p)); },
+        src, width, dst, [](const uint8_t* p) RVK_INLINE_LAMBDA { return loadGrey(p); },
         [](uint8_t* p, Vec<uint8_t> v) RVK_INLINE_LAMBDA { store(p, v); });
 }
 

@@ -411,5 +411,53 @@ RVK_INLINE void loadSharedOffsets(const uint8_t* cb, const uint8_t* cr, Offsets 
 
 #endif
 
+// ---- grey of pixels in memory, red first ----------------------------------------------------------------------------
+
+#if RVK_AVX512
+
+// The products of four bytes are summed at once: red, green, blue, and green again, since its weight is too large for one
+// signed byte.
+RVK_INLINE Vec<int32_t> scaledGreyOf(Vec<uint8_t> pixels)
+{
+    const auto weights = [](uint32_t red, uint32_t green, uint32_t blue, uint32_t greenAgain) RVK_INLINE_LAMBDA {
+        return bitCast<int8_t>(splat(red | green << 8 | blue << 16 | greenAgain << 24));
+    };
+    const Vec<int32_t> upper = addDotQuads(splat<int32_t>(128), pixels, weights(77, 75, 29, 75));
+    return addDotQuads(shiftLeft(upper, 8), pixels, weights(uint8_t(-117), 69, 47, 0));
+}
+
+// From byte `offset` of the vector on.
+template <size_t offset>
+RVK_INLINE Vec<int32_t> loadScaledGrey(const uint8_t* p)
+{
+    const Vec<uint8_t> bytes = load(p);
+    return scaledGreyOf(shuffle(bytes, bytes, [](size_t i) { return offset + i / 4 * 3 + (i % 4 == 3 ? 1 : i % 4); }));
+}
+
+// The third bytes are grey.
+RVK_INLINE Vec<uint8_t> thirdBytes(Vec<int32_t> a, Vec<int32_t> b)
+{
+    return shuffle(bitCast<uint8_t>(a), bitCast<uint8_t>(b), [](size_t i) { return i % 32 * 4 + 2; });
+}
+
+RVK_INLINE Vec<uint8_t> loadGrey(const uint8_t* p)
+{
+    constexpr size_t quarter = Vec<uint8_t>::lanes / 4 * 3; // of the bytes of the pixels
+    const Vec<uint8_t> low = thirdBytes(loadScaledGrey<0>(p), loadScaledGrey<0>(p + quarter));
+    const Vec<uint8_t> high = thirdBytes(loadScaledGrey<0>(p + 2 * quarter),
+                                         loadScaledGrey<kBytes - quarter>(p + 4 * quarter - kBytes));
+    return blend(UINT64_MAX << 32, low, high);
+}
+
+#else
+
+RVK_INLINE Vec<uint8_t> loadGrey(const uint8_t* p)
+{
+    const Vecs<uint8_t, 3> v = load3(p);
+    return greyOf({v[0], v[1], v[2]});
+}
+
+#endif
+
 } // namespace
 } // namespace rvk::vecta::RVK_ISA

@@ -750,6 +750,14 @@ RVK_INLINE Vec<int16_t> dotPairs(Vec<uint8_t> a, Vec<int8_t> b)
     return vec<int16_t>(RVK_MM(maddubs_epi16)(reg(a), reg(b)));
 }
 
+#if RVK_AVX512
+// acc and the four products in each element of bytes with signed bytes.
+RVK_INLINE Vec<int32_t> addDotQuads(Vec<int32_t> acc, Vec<uint8_t> a, Vec<int8_t> b)
+{
+    return vec<int32_t>(_mm512_dpbusd_epi32(reg(acc), reg(a), reg(b)));
+}
+#endif
+
 // Pairs of bytes in memory order.
 RVK_INLINE Vec<uint8_t> splatPair(int32_t first, int32_t second)
 {
