@@ -160,15 +160,29 @@ private:
         for (size_t i = 0; i < m_function.arguments.size(); i++) {
             const Argument& a = m_function.arguments[i];
             const Role wrong = a.isTransposed ? Role::height : Role::width;
-            if (!a.isPicture() || a.pixelSize() == 1 || !has(wrong))
+            if (!a.isPicture() || !has(wrong) || !rowWraps(a, wrong, UINT32_MAX))
                 continue;
-            const uint32_t beyond = a.isInterior ? m_function.windowOf(m_call.values.numbers).width - 1 : 0;
-            const uint64_t columns = uint64_t{UINT32_MAX / a.pixelSize() + 2} + beyond;
-            const auto size = static_cast<double>(std::min<uint64_t>(columns << a.xShift, UINT32_MAX));
+            const double size = secondThatWraps(a, wrong);
             for (const double stride : {0.0, double{1} * UINT32_MAX, double{64}})
                 add("rows of argument " + std::to_string(i) + " wrap, strides are " + std::to_string(stride),
                     [&](CallValues& v) { setSizes(v, wrong, size, stride); });
         }
+    }
+    bool rowWraps(const Argument& a, Role changing, uint32_t size) const
+    {
+        CaseSize picture = m_call.size();
+        (changing == Role::width ? picture.width : picture.height) = size;
+        return a.usedIn(m_function.sizesFor(picture, m_call.values.numbers)).columns * a.pixelSize() > UINT32_MAX;
+    }
+    // The second one, so that there is something left of a row.
+    uint32_t secondThatWraps(const Argument& a, Role changing) const
+    {
+        uint32_t fits = 1, wraps = UINT32_MAX;
+        while (wraps - fits > 1) {
+            const uint32_t between = fits + (wraps - fits) / 2;
+            (rowWraps(a, changing, between) ? wraps : fits) = between;
+        }
+        return wraps == UINT32_MAX ? wraps : wraps + 1;
     }
     void setSizes(CallValues& v, Role role, double size, double stride) const
     {
@@ -402,7 +416,9 @@ CallValues withStrides(const FunctionTest& function, const FunctionCall& call, c
     const auto isStride = [](const FunctionTest& f, size_t i) { return f.arguments[i].role == Role::stride; };
     for (size_t i = 0; i < strided.arguments.size(); i++) {
         if (isStride(strided, i) && (from == function.arguments.size() || !isStride(function, from))) {
-            values.numbers[i] = call.size().width * strided.arguments[strided.imagesOfStride(i)[0]].pixelSize();
+            const Argument& image = strided.arguments[strided.imagesOfStride(i)[0]];
+            const ImageSize size = image.sizeIn(function.sizesFor(call.size(), call.values.numbers));
+            values.numbers[i] = static_cast<double>(size.columns * image.pixelSize());
             continue;
         }
         values.pointers[i] = call.values.pointers[from];
@@ -514,7 +530,8 @@ private:
         uint32_t row = 0;
         for (const size_t image : m_function.imagesOfStride(argument)) {
             const Argument& a = m_function.arguments[image];
-            row = std::max(row, static_cast<uint32_t>(a.sizeIn(m_size).columns) * a.pixelSize());
+            const ImageSize size = a.sizeIn(m_function.sizesFor(m_size, m_values.numbers));
+            row = std::max(row, static_cast<uint32_t>(size.columns) * a.pixelSize());
         }
         return (row + 63) / 64 * 64;
     }
@@ -532,12 +549,14 @@ public:
         : m_function(function), m_rule(rule), m_unit(unit)
     {
         std::vector<double> numbers;
+        for (const Argument& a : function.arguments)
+            numbers.push_back(largestChoice(a));
         m_widthStep = rule.widthMultiple;
         for (size_t i = 0; i < function.arguments.size(); i++) {
             const Argument& a = function.arguments[i];
-            numbers.push_back(largestChoice(a));
-            if (a.isPicture() && function.strideOfImage(i) == FunctionTest::npos) // the row counts as the stride
-                m_widthStep = std::max(m_widthStep, rule.alignment / std::gcd(rule.alignment, a.pixelSize()));
+            const bool hasFreeRows = a.isOutput() && rule.outputAlignment;
+            if (a.isPicture() && !hasFreeRows && function.strideOfImage(i) == FunctionTest::npos)
+                m_widthStep = std::lcm(m_widthStep, stepOfAlignedRows(a, numbers));
         }
         m_leastHeight = std::max(rule.leastHeight, function.windowOf(numbers).height);
         m_leastHeight = roundedUp(m_leastHeight, rule.heightMultiple);
@@ -568,6 +587,15 @@ public:
     }
 
 private:
+    // The width whose multiples have aligned rows, which count as strides of packed images.
+    uint32_t stepOfAlignedRows(const Argument& a, const std::vector<double>& numbers) const
+    {
+        uint32_t width = 1;
+        while (a.sizeIn(m_function.sizesFor({width, width}, numbers)).columns * a.pixelSize() % m_rule.alignment ||
+               a.sizeIn(m_function.sizesFor({width, width}, numbers)).columns == 0)
+            width++;
+        return width;
+    }
     static uint32_t quotient(uint32_t a, uint32_t b) { return (a + b - 1) / b; }
     static uint32_t roundedUp(uint32_t a, uint32_t unit) { return quotient(a, unit) * unit; }
 

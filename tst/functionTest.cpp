@@ -2,24 +2,48 @@
 
 #include <algorithm>
 
-ImageSize Argument::sizeIn(CaseSize picture) const
+Argument Argument::scaled(uint32_t fromAcross, uint32_t toAcross, uint32_t fromDown, uint32_t toDown) const
+{
+    const auto ratio = [](uint32_t from, uint32_t to) {
+        return std::to_string(to) + (from > 1 ? "/" + std::to_string(from) : "");
+    };
+    const std::string across = ratio(fromAcross, toAcross), down = ratio(fromDown, toDown);
+    return measuring(
+        {[=](const CaseSizes& sizes) {
+             return ImageSize{sizes.picture.columns / fromAcross * toAcross, sizes.picture.rows / fromDown * toDown};
+         },
+         "of " + across + (across == down ? "" : " x " + down)});
+}
+
+Argument Argument::withOneMore() const
+{
+    return measuring({[](const CaseSizes& sizes) {
+                          return ImageSize{sizes.picture.columns + 1, sizes.picture.rows + 1};
+                      },
+                      "of + 1"});
+}
+
+ImageSize Argument::sizeIn(const CaseSizes& sizes) const
 {
     if (fixedSize)
         return {fixedSize, 1};
+    if (isMeasured())
+        return measure.size(sizes);
     if (isTransposed)
-        return {picture.height, picture.width};
+        return {sizes.picture.rows, sizes.picture.columns};
     const auto samples = [](uint64_t pixels, uint32_t shift) { return (pixels + (1u << shift) - 1) >> shift; };
-    return {samples(picture.width, xShift), samples(picture.height, yShift)};
+    return {samples(sizes.picture.columns, xShift), samples(sizes.picture.rows, yShift)};
 }
 
-ImageSize Argument::sizeIn(CaseSize picture, CaseSize window) const
+ImageSize Argument::usedIn(const CaseSizes& sizes) const
 {
+    const CaseSize window = sizes.window;
     if (hasWindowWidth || hasWindowHeight)
         return {uint64_t{hasWindowWidth ? window.width : 1} * (hasWindowHeight ? window.height : 1), 1};
     const auto inside = [](uint64_t whole, uint32_t ofWindow) {
         return whole - std::min(whole, uint64_t{std::max(ofWindow, 1u)} - 1);
     };
-    const ImageSize size = sizeIn(picture);
+    const ImageSize size = sizeIn(sizes);
     return isInterior ? ImageSize{inside(size.columns, window.width), inside(size.rows, window.height)} : size;
 }
 
@@ -70,6 +94,11 @@ static CaseSize givenWindow(const FunctionTest& test, const std::vector<double>&
 CaseSize FunctionTest::windowOf(const std::vector<double>& numbers) const
 {
     return givenWindow(*this, numbers, {contract.window, contract.window});
+}
+
+CaseSizes FunctionTest::sizesFor(CaseSize picture, const std::vector<double>& numbers) const
+{
+    return {.picture = {picture.width, picture.height}, .window = windowOf(numbers)};
 }
 
 static CaseSize larger(CaseSize a, CaseSize b)

@@ -42,6 +42,20 @@ struct ImageSize
     uint64_t columns, rows;
 };
 
+// What the sizes of images follow from.
+struct CaseSizes
+{
+    ImageSize picture;
+    CaseSize window{1, 1};
+};
+
+// What an image measures that is not as large as the picture, and how docs/functions.md says it.
+struct Measure
+{
+    std::function<ImageSize(const CaseSizes&)> size{};
+    std::string name{};
+};
+
 // One argument of a function. Images measure `width` x `height` pixels of the case unless they say otherwise.
 struct Argument
 {
@@ -64,6 +78,7 @@ struct Argument
     uint32_t channels = 1;
     bool isTransposed = false;
     uint32_t xShift = 0, yShift = 0; // one for 2^xShift x 2^yShift pixels of the case, fewer at its edges
+    Measure measure{};               // of an image that is no picture of the case's size
     uint32_t fixedSize = 0;          // elements in one row, whatever the case; 0: as large as the case
     uint32_t alignment = 0;          // bytes that the address must be a multiple of; 0: of an element
     bool isMask = false;             // half of the elements are 0
@@ -91,6 +106,20 @@ struct Argument
     {
         return changed([=](Argument& a) { a.xShift = horizontalShift, a.yShift = verticalShift; });
     }
+    // An image of another size. A row and a column of it do not get shorter when the case gets larger.
+    Argument measuring(const Measure& what) const
+    {
+        return changed([&](Argument& a) { a.measure = what; });
+    }
+    // `to` pixels for each whole `from` pixels of the case, in each direction, or across and down.
+    Argument scaled(uint32_t from, uint32_t to) const { return scaled(from, to, from, to); }
+    Argument scaled(uint32_t fromAcross, uint32_t toAcross, uint32_t fromDown, uint32_t toDown) const;
+    Argument halved() const { return scaled(2, 1); }
+    Argument quartered() const { return scaled(4, 1); }
+    Argument doubled() const { return scaled(1, 2); }
+    // One column and one row more than the case.
+    Argument withOneMore() const;
+
     Argument as(Role newRole) const
     {
         return changed([=](Argument& a) { a.role = newRole; });
@@ -123,12 +152,13 @@ struct Argument
     }
     bool isInput() const { return role == Role::source || role == Role::updated || role == Role::scalar; }
     bool isOutput() const { return role == Role::destination || role == Role::updated || role == Role::value; }
-    bool isPicture() const { return isImage() && fixedSize == 0; } // as large as the case
+    bool isPicture() const { return isImage() && fixedSize == 0; } // its size follows from that of the case
     bool isSampled() const { return xShift || yShift; }
+    bool isMeasured() const { return static_cast<bool>(measure.size); }
     uint32_t pixelSize() const { return channels * sizeOf(element); }
     // What the image measures at most, and what a call with this window uses of it.
-    ImageSize sizeIn(CaseSize picture) const;
-    ImageSize sizeIn(CaseSize picture, CaseSize window) const;
+    ImageSize sizeIn(const CaseSizes& sizes) const;
+    ImageSize usedIn(const CaseSizes& sizes) const;
 
 private:
     template <class Change>
@@ -336,6 +366,8 @@ struct FunctionTest
 
     // Puts the size of the pictures into the numbers of a call.
     void setSize(std::vector<double>& numbers, CaseSize size) const;
+    // What images measure for a picture and these numbers.
+    CaseSizes sizesFor(CaseSize picture, const std::vector<double>& numbers) const;
     // The window for these scalars.
     CaseSize windowOf(const std::vector<double>& numbers) const;
     // The least pictures that the function accepts, and that it does more with than keep the ring, for these scalars.

@@ -231,25 +231,27 @@ ScriptResult TestCase::read(FILE* script, const char* dataDirectory, ScriptConte
     return ScriptResult::badLine;
 }
 
-// Finds the size of the case by the first picture that was read, rather by a result than by a sampled one, the last
-// sample of which may be of fewer pixels.
+// Finds the size of the case by the first picture that was read: one of its own size, rather by a result than by a
+// sampled one, the last sample of which may be of fewer pixels.
 void TestCase::takeSize(ScriptContent content)
 {
     m_width = m_height = 1;
     bool isKnown = false;
+    const auto hasSizeOfCase = [](const Argument& a) { return a.isPicture() && !a.isMeasured(); };
     const auto take = [&](const Argument& a, const RAVIK_TEST_Buffer& image) {
         m_width = static_cast<uint32_t>(image.width) / a.channels << a.xShift;
         m_height = static_cast<uint32_t>(image.height) << a.yShift;
         isKnown = true;
     };
     for (size_t i = 0; i < m_data.size() && !isKnown; i++)
-        if (argument(i).isPicture() && argument(i).isInput() && !argument(i).isSampled())
+        if (hasSizeOfCase(argument(i)) && argument(i).isInput() && !argument(i).isSampled())
             take(argument(i), inputBuffer(i));
     for (size_t i = 0; i < m_data.size() && !isKnown && content == ScriptContent::sourcesAndResults; i++)
-        if (argument(i).isPicture() && argument(i).isOutput() && !argument(i).isSampled() && !argument(i).isTransposed)
+        if (hasSizeOfCase(argument(i)) && argument(i).isOutput() && !argument(i).isSampled() &&
+            !argument(i).isTransposed)
             take(argument(i), m_data[i].expected);
     for (size_t i = 0; i < m_data.size() && !isKnown; i++)
-        if (argument(i).isPicture() && argument(i).isInput())
+        if (hasSizeOfCase(argument(i)) && argument(i).isInput())
             take(argument(i), inputBuffer(i));
 }
 
@@ -302,7 +304,7 @@ bool TestCase::takeResults(const std::vector<double>& numbers)
 MemShape_ TestCase::packedShape(size_t index) const
 {
     const Argument& a = argument(index);
-    const ImageSize pixels = a.sizeIn({m_width, m_height});
+    const ImageSize pixels = a.sizeIn(m_function.sizesFor({m_width, m_height}, numbers()));
     // A size that no buffer can have stays one that no buffer can have.
     const auto size = [](uint64_t count) { return static_cast<int32_t>(count > INT32_MAX ? 0 : count); };
     return MemShape_::packed(size(pixels.columns * a.channels), size(pixels.rows),

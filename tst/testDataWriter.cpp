@@ -170,14 +170,17 @@ private:
         NamedRandom random(function.name + " profiling");
         std::vector<std::string> line;
         std::map<std::string, char> letters; // the next source of a kind within this function
+        std::vector<double> numbers(function.arguments.size());
+        for (size_t i = 0; i < numbers.size(); i++)
+            if (const Argument& argument = function.arguments[i]; argument.role == Argument::Role::scalar)
+                numbers[i] = argument.choices.empty() ? drawScalar(argument, random) : argument.choices[0];
         for (const ScriptField& field : scriptFields(function, ScriptContent::sources)) {
             const Argument& argument = function.arguments[field.argument];
             if (!field.isArray) {
-                const double number = argument.choices.empty() ? drawScalar(argument, random) : argument.choices[0];
-                line.push_back(numberText(number, field.element));
+                line.push_back(numberText(numbers[field.argument], field.element));
                 continue;
             }
-            const ImageSize pixels = argument.sizeIn(size);
+            const ImageSize pixels = argument.sizeIn(function.sizesFor(size, numbers));
             const auto width = static_cast<uint32_t>(pixels.columns * argument.channels);
             const auto height = static_cast<uint32_t>(pixels.rows);
             const std::string kind = argument.isMask ? "mask" : "bits" + std::to_string(8 * sizeOf(field.element));

@@ -134,7 +134,7 @@ private:
 
     ImageSize sizeOfImage(const Argument& image) const
     {
-        return image.sizeIn({m_width, m_height}, function.windowOf(values.numbers));
+        return image.usedIn(function.sizesFor({m_width, m_height}, values.numbers));
     }
     uint64_t rowBytesOf(const Argument& image) const { return sizeOfImage(image).columns * image.pixelSize(); }
 

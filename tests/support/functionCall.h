@@ -112,7 +112,7 @@ private:
     const Argument& of(size_t argument) const { return m_function.arguments[argument]; }
     ImageSize imageSize(size_t argument) const
     {
-        return of(argument).sizeIn(m_size, m_function.windowOf(values.numbers));
+        return of(argument).usedIn(m_function.sizesFor(m_size, values.numbers));
     }
     uint32_t drawStride(size_t strideArgument, const Layout& layout);
     void place(size_t argument, uint32_t stride, const Layout& layout);
@@ -205,7 +205,9 @@ inline void FunctionCall::fill(const Block& block, Content content)
 // Lets the destination take the place of one of the sources with the same pixels.
 inline void FunctionCall::shareSource()
 {
-    const auto isPlain = [&](size_t i) { return of(i).isPicture() && !of(i).isMask && !of(i).isTransposed; };
+    const auto isPlain = [&](size_t i) {
+        return of(i).isPicture() && !of(i).isMask && !of(i).isTransposed && !of(i).isMeasured();
+    };
     for (size_t dst = 0; dst < m_function.arguments.size(); dst++) {
         if (of(dst).role != Role::destination || !isPlain(dst))
             continue;
