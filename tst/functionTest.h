@@ -22,6 +22,20 @@
 #include <utility>
 #include <vector>
 
+// Bits to draw numbers from.
+class RandomBits
+{
+public:
+    virtual ~RandomBits() = default;
+    virtual uint32_t next() = 0; // 32 bits
+
+    // A whole number of low..high.
+    int64_t between(int64_t low, int64_t high);
+    // The bits of a normal float of moderate size: 32-bit Arm flushes subnormal ones, so they and small differences of
+    // them must not come up.
+    uint32_t floatBits();
+};
+
 // What a call gave back: the status of a status function and the number of a counting one.
 struct Outcome
 {
@@ -46,6 +60,7 @@ struct ImageSize
 struct CaseSizes
 {
     ImageSize picture;
+    CaseSize second{1, 1}; // that of resized images
     CaseSize window{1, 1};
 };
 
@@ -68,7 +83,9 @@ struct Argument
         null,        // a null pointer
         width,       // of the case
         height,
-        area,   // width x height; may be 0
+        area,        // width x height; may be 0
+        secondWidth, // of resized images
+        secondHeight,
         stride, // in bytes, of the images listed since the previous stride
         scalar
     };
@@ -89,7 +106,11 @@ struct Argument
     double low = 0, high = 0;      // of a scalar
     std::vector<double> choices{}; // of a scalar, instead of a range
     std::vector<double> refused{}; // values of a scalar that the function refuses
-    bool isWindowWidth = false;    // the picture is at least as wide, or high, as the scalar says
+    // Of a second size: how many times the case's it is at least, at most and in profiles. What must not be more or less
+    // than the case's is refused.
+    double leastPart = 0, mostPart = 2, typicalPart = 1;
+    bool mustNotExceed = false, mustReach = false;
+    bool isWindowWidth = false; // the picture is at least as wide, or high, as the scalar says
     bool isWindowHeight = false;
     bool hasWindowWidth = false;  // of an image of fixed size: no more is read of it than the window is wide, high,
     bool hasWindowHeight = false; // or the product of both
@@ -119,6 +140,8 @@ struct Argument
     Argument doubled() const { return scaled(1, 2); }
     // One column and one row more than the case.
     Argument withOneMore() const;
+    // As large as the second size.
+    Argument resized() const;
 
     Argument as(Role newRole) const
     {
@@ -146,11 +169,27 @@ struct Argument
         return changed([&](Argument& a) { a.refused = std::move(numbers); });
     }
 
+    // Of a second size: refused when it is larger or smaller than the case's; or never drawn as more than this part.
+    Argument noLarger() const
+    {
+        return changed([](Argument& a) { a.mostPart = 1, a.typicalPart = 0.5, a.mustNotExceed = true; });
+    }
+    Argument noSmaller() const
+    {
+        return changed([](Argument& a) { a.leastPart = 1, a.typicalPart = 2, a.mustReach = true; });
+    }
+    Argument upTo(double part) const
+    {
+        return changed([=](Argument& a) { a.mostPart = a.typicalPart = part; });
+    }
+
     bool isImage() const
     {
         return role == Role::source || role == Role::destination || role == Role::updated || role == Role::value;
     }
-    bool isInput() const { return role == Role::source || role == Role::updated || role == Role::scalar; }
+    bool isSecondSize() const { return role == Role::secondWidth || role == Role::secondHeight; }
+    bool isNumber() const { return role == Role::scalar || isSecondSize(); } // that a case draws
+    bool isInput() const { return role == Role::source || role == Role::updated || isNumber(); }
     bool isOutput() const { return role == Role::destination || role == Role::updated || role == Role::value; }
     bool isPicture() const { return isImage() && fixedSize == 0; } // its size follows from that of the case
     bool isSampled() const { return xShift || yShift; }
@@ -181,6 +220,9 @@ inline const Argument null{.role = Argument::Role::null};
 inline const Argument width{.role = Argument::Role::width};
 inline const Argument height{.role = Argument::Role::height};
 inline const Argument area{.role = Argument::Role::area};
+// The second size, which is any, from 1 to twice that of the case, unless a word says otherwise.
+inline const Argument dstWidth{.role = Argument::Role::secondWidth};
+inline const Argument dstHeight{.role = Argument::Role::secondHeight};
 inline const Argument stride{.role = Argument::Role::stride};
 // Less than a row is as good: rows overlap then.
 inline const Argument overlappingStride{.role = Argument::Role::stride, .mayOverlap = true};
@@ -350,8 +392,9 @@ struct FunctionTest
     std::vector<Argument> arguments;
     bool hasStatus = false;
     bool hasCount = false;
-    float tolerance = 0;         // that the test table gets
-    uint32_t loopMultiplier = 1; // calls per profiling sample, for functions that the clock cannot see
+    int32_t withoutMemory = RAVIK_ENORES; // the status
+    float tolerance = 0;                  // that the test table gets
+    uint32_t loopMultiplier = 1;          // calls per profiling sample, for functions that the clock cannot see
     Contract contract{};
     AnyFunction entry = nullptr; // the public function
     // The call of a function of the same type with these values, ready to be made and timed.
@@ -366,6 +409,9 @@ struct FunctionTest
 
     // Puts the size of the pictures into the numbers of a call.
     void setSize(std::vector<double>& numbers, CaseSize size) const;
+    // The same, and the numbers that depend on it: drawn, or what a user would pass.
+    void drawSizes(std::vector<double>& numbers, CaseSize size, RandomBits& random) const;
+    void setTypicalSizes(std::vector<double>& numbers, CaseSize size) const;
     // What images measure for a picture and these numbers.
     CaseSizes sizesFor(CaseSize picture, const std::vector<double>& numbers) const;
     // The window for these scalars.
@@ -373,7 +419,11 @@ struct FunctionTest
     // The least pictures that the function accepts, and that it does more with than keep the ring, for these scalars.
     CaseSize leastAccepted(const std::vector<double>& numbers) const;
     CaseSize leastEffective(const std::vector<double>& numbers) const;
-    // Whether numbers or the size of a picture can be wrong.
+    // Whether the function refuses a call because of one of its sizes or other numbers.
+    bool refuses(const std::vector<double>& numbers) const;
+    // Single numbers that make it do so, by their arguments; with `sizesOf0` those that leave an image none, too.
+    std::vector<std::pair<size_t, double>> wrongNumbers(const std::vector<double>& numbers, bool sizesOf0) const;
+    // Whether there are any, but for sizes of 0.
     bool canRefuse() const;
 
     // ---- for entries ----
@@ -438,8 +488,9 @@ FunctionTest describe(const char* name, const char* functionName, const char* ta
                           .function = functionName,
                           .tableName = tableName,
                           .arguments = {completed<Parameters>(given[I])...},
-                          .hasStatus = std::is_same_v<Result, rvkStatus>,
+                          .hasStatus = std::is_same_v<Result, rvkStatus> || std::is_same_v<Result, int32_t>,
                           .hasCount = std::is_same_v<Result, uint32_t>,
+                          .withoutMemory = std::is_same_v<Result, int32_t> ? -1 : RAVIK_ENORES,
                           .entry = reinterpret_cast<AnyFunction>(function),
                           .bindTo = {}};
         test.bindTo = [](AnyFunction any, const CallValues& callValues) -> std::function<Outcome()> {
@@ -448,7 +499,7 @@ FunctionTest describe(const char* name, const char* functionName, const char* ta
                 Outcome outcome;
                 if constexpr (std::is_void_v<Result>)
                     std::apply(function, values);
-                else if constexpr (std::is_same_v<Result, rvkStatus>)
+                else if constexpr (!std::is_same_v<Result, uint32_t>)
                     outcome.status = std::apply(function, values);
                 else
                     outcome.count = std::apply(function, values);

@@ -121,19 +121,6 @@ void fillImage(RAVIK_TEST_Buffer& image, const Argument& argument, RandomBits& r
 
 } // namespace
 
-int64_t RandomBits::between(int64_t low, int64_t high)
-{
-    const uint64_t count = static_cast<uint64_t>(high - low) + 1;
-    return low + static_cast<int64_t>(next() * count >> 32);
-}
-
-uint32_t RandomBits::floatBits()
-{
-    const uint32_t bits = next();
-    const auto exponent = static_cast<uint32_t>(between(117, 137));
-    return (bits & 0x807FFFFFu) | exponent << 23;
-}
-
 double drawScalar(const Argument& argument, RandomBits& random)
 {
     if (!argument.choices.empty())
@@ -263,7 +250,7 @@ bool TestCase::takeInputs(ScriptContent content)
         return false;
     for (size_t i = 0; i < m_data.size(); i++) {
         const Argument& a = argument(i);
-        if (a.role == Role::scalar && !fitsElement(m_data[i].number, a.element))
+        if (a.isNumber() && !fitsElement(m_data[i].number, a.element))
             return false;
         if (!a.isImage())
             continue;
@@ -351,6 +338,9 @@ bool TestCase::draw(CaseSize size, Wanted wanted, bool packed, RandomBits& rando
         wanted == Wanted::accepts ? m_function.leastAccepted(numbers()) : m_function.leastEffective(numbers());
     m_width = size.width + least.width - 1;
     m_height = size.height + least.height - 1;
+    std::vector<double> drawn = numbers();
+    m_function.drawSizes(drawn, {m_width, m_height}, random);
+    take(drawn);
     if (wanted == Wanted::refuses)
         drawFault(random);
     layOut(packed, random);
@@ -376,16 +366,25 @@ void TestCase::drawNumbers(RandomBits& random)
 // Makes one number wrong, or the picture too small.
 void TestCase::drawFault(RandomBits& random)
 {
-    const CaseSize least = m_function.leastAccepted(numbers());
-    std::vector<std::function<void()>> faults;
-    if (least.width > 1)
-        faults.push_back([&] { m_width = least.width - 1; });
-    if (least.height > 1)
-        faults.push_back([&] { m_height = least.height - 1; });
-    for (size_t i = 0; i < m_data.size(); i++)
-        for (const double number : argument(i).refused)
-            faults.push_back([this, i, number] { m_data[i].number = number; });
-    faults.at(static_cast<size_t>(random.between(0, static_cast<int64_t>(faults.size()) - 1)))();
+    std::vector<double> all = numbers();
+    const auto faults = m_function.wrongNumbers(all, false);
+    const auto [argument, number] =
+        faults.at(static_cast<size_t>(random.between(0, static_cast<int64_t>(faults.size()) - 1)));
+    all[argument] = number;
+    take(all);
+}
+
+// Makes the numbers of a call those of the case.
+void TestCase::take(const std::vector<double>& numbers)
+{
+    for (size_t i = 0; i < m_data.size(); i++) {
+        if (argument(i).role == Role::width)
+            m_width = static_cast<uint32_t>(numbers[i]);
+        else if (argument(i).role == Role::height)
+            m_height = static_cast<uint32_t>(numbers[i]);
+        else if (argument(i).isNumber())
+            m_data[i].number = numbers[i];
+    }
 }
 
 std::vector<double> TestCase::numbers() const

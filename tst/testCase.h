@@ -11,20 +11,6 @@
 
 enum class ScriptResult;
 
-// A source of random bits: rand() in the harness, a generator of its own where the data are made.
-class RandomBits
-{
-public:
-    virtual ~RandomBits() = default;
-    virtual uint32_t next() = 0; // 32 bits
-
-    // A whole number of low..high.
-    int64_t between(int64_t low, int64_t high);
-    // The bits of a normal float of moderate size: 32-bit Arm flushes subnormal ones, so they and small differences of
-    // them must not come up.
-    uint32_t floatBits();
-};
-
 // A value for a scalar argument.
 double drawScalar(const Argument& argument, RandomBits& random);
 
@@ -96,7 +82,7 @@ private:
         RAVIK_TEST_Buffer buffer;   // the image
         RAVIK_TEST_Buffer initial;  // what an updated image holds before the call
         RAVIK_TEST_Buffer expected; // what an output should be
-        double number = 0;          // a scalar
+        double number = 0;          // a scalar or second size
     };
 
     const Argument& argument(size_t index) const { return m_function.arguments[index]; }
@@ -107,6 +93,7 @@ private:
     double number(size_t index) const;
     void drawNumbers(RandomBits& random);
     void drawFault(RandomBits& random);
+    void take(const std::vector<double>& numbers);
     std::vector<double> numbers() const;
     std::vector<std::string> outputsOver(uint8_t byte);
     void layOut(bool packed, RandomBits& random);

@@ -174,6 +174,7 @@ private:
         for (size_t i = 0; i < numbers.size(); i++)
             if (const Argument& argument = function.arguments[i]; argument.role == Argument::Role::scalar)
                 numbers[i] = argument.choices.empty() ? drawScalar(argument, random) : argument.choices[0];
+        function.setTypicalSizes(numbers, size);
         for (const ScriptField& field : scriptFields(function, ScriptContent::sources)) {
             const Argument& argument = function.arguments[field.argument];
             if (!field.isArray) {

@@ -129,7 +129,10 @@ private:
             if (arguments()[i].role == Role::scalar)
                 values.numbers[i] = takeScalar(arguments()[i]);
         }
-        function.setSize(values.numbers, {m_width, m_height});
+        function.drawSizes(values.numbers, {m_width, m_height}, m_input);
+        for (size_t i = 0; i < arguments().size(); i++)
+            if (arguments()[i].isSecondSize() && m_input.oneIn(2))
+                values.numbers[i] = takeSize();
     }
 
     ImageSize sizeOfImage(const Argument& image) const
@@ -205,16 +208,9 @@ private:
     // Whether the descriptor says that the numbers cannot be right.
     bool isWrong() const
     {
-        bool wrong = false, hasRows = false; // without a width there is a number of elements
-        const CaseSize least = function.leastAccepted(values.numbers);
-        for (size_t i = 0; i < arguments().size(); i++) {
-            const Argument& a = arguments()[i];
-            const double number = values.numbers[i];
-            wrong |= a.role == Role::scalar && std::find(a.refused.begin(), a.refused.end(), number) != a.refused.end();
+        bool wrong = function.refuses(values.numbers), hasRows = false; // without a width there is a number of elements
+        for (const Argument& a : arguments())
             hasRows |= a.role == Role::width;
-            wrong |= a.role == Role::width && number < std::max(1u, least.width);
-            wrong |= a.role == Role::height && number < std::max(1u, least.height);
-        }
         bool hasOutput = false, hadOutput = false;
         for (const Image& image : images) {
             const Argument& a = *image.descriptor;

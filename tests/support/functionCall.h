@@ -130,7 +130,7 @@ inline void FunctionCall::draw(CaseSize size, const Layout& layout)
     m_size = size;
     m_blocks.clear();
     std::vector<uint32_t> strides(m_function.arguments.size());
-    m_function.setSize(values.numbers, size);
+    m_function.drawSizes(values.numbers, size, m_bits);
     for (size_t i = 0; i < m_function.arguments.size(); i++)
         if (of(i).role == Role::stride)
             strides[i] = drawStride(i, layout);

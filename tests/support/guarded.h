@@ -47,7 +47,7 @@ private:
 };
 
 // Whole pages between guard pages: a region for each argument of a call, the same in all calls.
-constexpr size_t kRegionBytes = 1 << 20;
+constexpr size_t kRegionBytes = 1 << 22;
 inline uint8_t* regionOf(size_t argument)
 {
     static std::vector<GuardedMemory> regions;
