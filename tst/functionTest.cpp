@@ -34,6 +34,14 @@ Argument Argument::resized() const
                       "of a second size"});
 }
 
+Argument Argument::ofRectangleWithOneMore() const
+{
+    return measuring({[](const CaseSizes& sizes) {
+                          return ImageSize{uint64_t{sizes.rectangle.width} + 1, uint64_t{sizes.rectangle.height} + 1};
+                      },
+                      "of a rectangle + 1"});
+}
+
 ImageSize Argument::sizeIn(const CaseSizes& sizes) const
 {
     if (fixedSize)
@@ -107,15 +115,61 @@ CaseSize FunctionTest::windowOf(const std::vector<double>& numbers) const
     return givenWindow(*this, numbers, {contract.window, contract.window});
 }
 
+// A number of the role, or `otherwise`.
+static double numberOf(const FunctionTest& test, Role role, const std::vector<double>& numbers, double otherwise)
+{
+    for (size_t i = 0; i < test.arguments.size(); i++)
+        if (test.arguments[i].role == role)
+            return numbers[i];
+    return otherwise;
+}
+
+static bool has(const FunctionTest& test, Role role)
+{
+    return std::any_of(test.arguments.begin(), test.arguments.end(), [=](const Argument& a) { return a.role == role; });
+}
+
+// Where a rectangle begins and how far it reaches, across or down; of no pixels without one.
+struct Interval
+{
+    double begin, length;
+    double end() const { return begin + length; }
+};
+
+static Interval rectangle(const FunctionTest& test, Role begin, Role length, const std::vector<double>& numbers)
+{
+    double span = 0;
+    for (const Argument& a : test.arguments)
+        if (a.role == begin)
+            span = a.span;
+    return {numberOf(test, begin, numbers, 0), numberOf(test, length, numbers, span)};
+}
+
+static Interval across(const FunctionTest& test, const std::vector<double>& numbers)
+{
+    return rectangle(test, Role::left, Role::rectangleWidth, numbers);
+}
+
+static Interval down(const FunctionTest& test, const std::vector<double>& numbers)
+{
+    return rectangle(test, Role::top, Role::rectangleHeight, numbers);
+}
+
 CaseSizes FunctionTest::sizesFor(CaseSize picture, const std::vector<double>& numbers) const
 {
-    CaseSizes sizes{.picture = {picture.width, picture.height}, .window = windowOf(numbers)};
-    for (size_t i = 0; i < arguments.size(); i++) {
-        if (arguments[i].role == Role::secondWidth)
-            sizes.second.width = static_cast<uint32_t>(numbers[i]);
-        else if (arguments[i].role == Role::secondHeight)
-            sizes.second.height = static_cast<uint32_t>(numbers[i]);
-    }
+    const auto size = [&](Role width, Role height) {
+        return CaseSize{static_cast<uint32_t>(numberOf(*this, width, numbers, 1)),
+                        static_cast<uint32_t>(numberOf(*this, height, numbers, 1))};
+    };
+    const Interval columns = across(*this, numbers), rows = down(*this, numbers);
+    CaseSizes sizes{.picture = {picture.width, picture.height},
+                    .second = size(Role::secondWidth, Role::secondHeight),
+                    .rectangle = {static_cast<uint32_t>(columns.length), static_cast<uint32_t>(rows.length)},
+                    .window = windowOf(numbers)};
+    if (has(*this, Role::left) && !has(*this, Role::width))
+        sizes.picture.columns = static_cast<uint64_t>(columns.end());
+    if (has(*this, Role::top) && !has(*this, Role::height))
+        sizes.picture.rows = static_cast<uint64_t>(rows.end());
     return sizes;
 }
 
@@ -124,9 +178,8 @@ struct SecondSizes
 {
     int64_t least, most, typical;
 
-    SecondSizes(const Argument& a, CaseSize picture)
+    SecondSizes(const Argument& a, uint32_t size)
     {
-        const double size = a.role == Role::secondWidth ? picture.width : picture.height;
         const auto part = [=](double times, int64_t from) {
             return std::clamp<int64_t>(std::llround(times * size), from, UINT32_MAX);
         };
@@ -135,31 +188,68 @@ struct SecondSizes
         typical = part(a.typicalPart, least);
     }
     // The ends of the range, and the size of the case, more often than chance would have it.
-    double draw(int64_t size, RandomBits& random) const
+    int64_t draw(uint32_t size, RandomBits& random) const
     {
         const int64_t way = random.between(0, 7);
-        return static_cast<double>(way == 0   ? least
-                                   : way == 1 ? most
-                                   : way == 2 ? std::clamp(size, least, most)
-                                              : random.between(least, most));
+        return way == 0   ? least
+               : way == 1 ? most
+               : way == 2 ? std::clamp<int64_t>(size, least, most)
+                          : random.between(least, most);
     }
 };
+
+// Draws an interval inside of the size; its length stays what it is when it is no argument.
+static Interval drawInterval(uint32_t size, double span, RandomBits& random)
+{
+    int64_t length = static_cast<int64_t>(span);
+    if (length == 0)
+        length = random.between(0, 7) == 0 ? size : random.between(1, std::max(1u, size));
+    const int64_t most = std::max<int64_t>(0, size - length);
+    const int64_t way = random.between(0, 7);
+    const int64_t begin = way == 0 ? 0 : way == 1 ? most : random.between(0, most);
+    return {static_cast<double>(begin), static_cast<double>(length)};
+}
+
+static Interval typicalInterval(uint32_t size, double span)
+{
+    return span > 0 ? Interval{std::floor(std::max(0.0, size - span) / 2), span} : Interval{0, double{1} * size};
+}
+
+// Puts what `second(argument, size)` and `interval(size, span)` give into the numbers that depend on the size.
+template <class Second, class MakeInterval>
+static void setDependent(const FunctionTest& test, std::vector<double>& numbers, CaseSize size, Second second,
+                         MakeInterval interval)
+{
+    for (size_t i = 0; i < test.arguments.size(); i++) {
+        const Argument& a = test.arguments[i];
+        if (a.isSecondSize())
+            numbers[i] = static_cast<double>(second(a, a.role == Role::secondWidth ? size.width : size.height));
+        if (a.role != Role::left && a.role != Role::top)
+            continue;
+        const bool isLeft = a.role == Role::left;
+        const Interval drawn = interval(isLeft ? size.width : size.height, a.span);
+        numbers[i] = drawn.begin;
+        for (size_t j = 0; j < test.arguments.size(); j++)
+            if (test.arguments[j].role == (isLeft ? Role::rectangleWidth : Role::rectangleHeight))
+                numbers[j] = drawn.length;
+    }
+}
 
 void FunctionTest::drawSizes(std::vector<double>& numbers, CaseSize size, RandomBits& random) const
 {
     setSize(numbers, size);
-    for (size_t i = 0; i < arguments.size(); i++)
-        if (arguments[i].isSecondSize())
-            numbers[i] = SecondSizes(arguments[i], size)
-                             .draw(arguments[i].role == Role::secondWidth ? size.width : size.height, random);
+    setDependent(
+        *this, numbers, size,
+        [&](const Argument& a, uint32_t ofCase) { return SecondSizes(a, ofCase).draw(ofCase, random); },
+        [&](uint32_t ofCase, uint32_t span) { return drawInterval(ofCase, span, random); });
 }
 
 void FunctionTest::setTypicalSizes(std::vector<double>& numbers, CaseSize size) const
 {
     setSize(numbers, size);
-    for (size_t i = 0; i < arguments.size(); i++)
-        if (arguments[i].isSecondSize())
-            numbers[i] = static_cast<double>(SecondSizes(arguments[i], size).typical);
+    setDependent(
+        *this, numbers, size, [](const Argument& a, uint32_t ofCase) { return SecondSizes(a, ofCase).typical; },
+        typicalInterval);
 }
 
 static CaseSize larger(CaseSize a, CaseSize b)
@@ -177,61 +267,79 @@ CaseSize FunctionTest::leastEffective(const std::vector<double>& numbers) const
     return larger(contract.least, windowOf(numbers));
 }
 
-// The number of the first argument of the role; 1 without one.
-static double numberOf(const FunctionTest& test, Role role, const std::vector<double>& numbers)
+static bool refusesSecondSize(const Argument& a, double number, double size)
 {
-    for (size_t i = 0; i < test.arguments.size(); i++)
-        if (test.arguments[i].role == role)
-            return numbers[i];
-    return 1;
+    return number < 1 || (a.mustNotExceed && number > size) || (a.mustReach && number < size);
 }
 
 bool FunctionTest::refuses(const std::vector<double>& numbers) const
 {
     const CaseSize least = leastAccepted(numbers);
-    const double width = numberOf(*this, Role::width, numbers), height = numberOf(*this, Role::height, numbers);
-    const auto isWrong = [&](const Argument& a, double number) {
-        if (a.role == Role::width || a.role == Role::height)
-            return number < std::max(1u, a.role == Role::width ? least.width : least.height);
-        if (!a.isSecondSize())
-            return std::find(a.refused.begin(), a.refused.end(), number) != a.refused.end();
-        const double size = a.role == Role::secondWidth ? width : height;
-        return number < 1 || (a.mustNotExceed && number > size) || (a.mustReach && number < size);
-    };
-    for (size_t i = 0; i < arguments.size(); i++)
-        if (isWrong(arguments[i], numbers[i]))
-            return true;
-    return false;
-}
-
-std::vector<std::pair<size_t, double>> FunctionTest::wrongNumbers(const std::vector<double>& numbers,
-                                                                  bool sizesOf0) const
-{
-    const CaseSize least = leastAccepted(numbers);
-    const double width = numberOf(*this, Role::width, numbers), height = numberOf(*this, Role::height, numbers);
-    std::vector<std::pair<size_t, double>> wrong;
-    const auto tryNumber = [&](size_t argument, double number) {
-        std::vector<double> changed = numbers;
-        changed[argument] = number;
-        if (refuses(changed))
-            wrong.push_back({argument, number});
-    };
+    const auto number = [&](Role role, double otherwise) { return numberOf(*this, role, numbers, otherwise); };
+    const double width = number(Role::width, least.width), height = number(Role::height, least.height);
+    bool isWrong = width < std::max(1u, least.width) || height < std::max(1u, least.height);
     for (size_t i = 0; i < arguments.size(); i++) {
         const Argument& a = arguments[i];
-        for (const double number : a.refused)
-            tryNumber(i, number);
-        const bool isSize = a.role == Role::width || a.role == Role::height || a.isSecondSize();
-        if (isSize && sizesOf0)
-            tryNumber(i, 0);
-        if (a.role == Role::width && least.width > 1)
-            tryNumber(i, least.width - 1);
-        if (a.role == Role::height && least.height > 1)
-            tryNumber(i, least.height - 1);
-        if (a.isSecondSize()) {
-            const double size = a.role == Role::secondWidth ? width : height;
-            tryNumber(i, size + 1);
-            if (size > 1)
-                tryNumber(i, size - 1);
+        isWrong |=
+            a.role == Role::scalar && std::find(a.refused.begin(), a.refused.end(), numbers[i]) != a.refused.end();
+        isWrong |= a.role == Role::secondWidth && refusesSecondSize(a, numbers[i], width);
+        isWrong |= a.role == Role::secondHeight && refusesSecondSize(a, numbers[i], height);
+    }
+    if (has(*this, Role::left))
+        isWrong |= across(*this, numbers).length < 1 || across(*this, numbers).end() > number(Role::width, UINT32_MAX);
+    if (has(*this, Role::top))
+        isWrong |= down(*this, numbers).length < 1 ||
+                   (has(*this, Role::height) && down(*this, numbers).end() > number(Role::height, 0));
+    return isWrong;
+}
+
+std::vector<std::pair<size_t, double>> FunctionTest::wrongNumbers(const std::vector<double>& numbers, bool any) const
+{
+    const CaseSize least = leastAccepted(numbers);
+    const Interval columns = across(*this, numbers), rows = down(*this, numbers);
+    const double width = numberOf(*this, Role::width, numbers, columns.end());
+    const double height = numberOf(*this, Role::height, numbers, rows.end());
+    std::vector<std::pair<size_t, double>> wrong;
+    const auto tryNumbers = [&](size_t argument, const std::vector<double>& candidates) {
+        for (const double number : candidates) {
+            std::vector<double> changed = numbers;
+            changed[argument] = number;
+            const bool leavesImages = arguments[argument].role == Role::scalar || (number > 0 && number < UINT32_MAX);
+            if ((any || leavesImages) && refuses(changed))
+                wrong.push_back({argument, number});
+        }
+    };
+    for (size_t i = 0; i < arguments.size(); i++) {
+        switch (arguments[i].role) {
+        case Role::scalar:
+            tryNumbers(i, arguments[i].refused);
+            break;
+        case Role::width:
+            tryNumbers(i, {0, least.width - 1.0});
+            break;
+        case Role::height:
+            tryNumbers(i, {0, least.height - 1.0});
+            break;
+        case Role::secondWidth:
+            tryNumbers(i, {0, width - 1, width + 1});
+            break;
+        case Role::secondHeight:
+            tryNumbers(i, {0, height - 1, height + 1});
+            break;
+        case Role::left:
+            tryNumbers(i, {width - columns.length + 1, UINT32_MAX});
+            break;
+        case Role::top:
+            tryNumbers(i, {height - rows.length + 1, UINT32_MAX});
+            break;
+        case Role::rectangleWidth:
+            tryNumbers(i, {0, width - columns.begin + 1, UINT32_MAX});
+            break;
+        case Role::rectangleHeight:
+            tryNumbers(i, {0, height - rows.begin + 1, UINT32_MAX});
+            break;
+        default:
+            break;
         }
     }
     return wrong;

@@ -61,6 +61,7 @@ struct CaseSizes
 {
     ImageSize picture;
     CaseSize second{1, 1}; // that of resized images
+    CaseSize rectangle{0, 0};
     CaseSize window{1, 1};
 };
 
@@ -86,6 +87,10 @@ struct Argument
         area,        // width x height; may be 0
         secondWidth, // of resized images
         secondHeight,
+        left, // of a rectangle in the picture
+        top,
+        rectangleWidth,
+        rectangleHeight,
         stride, // in bytes, of the images listed since the previous stride
         scalar
     };
@@ -110,6 +115,7 @@ struct Argument
     // than the case's is refused.
     double leastPart = 0, mostPart = 2, typicalPart = 1;
     bool mustNotExceed = false, mustReach = false;
+    uint32_t span = 0;          // the rectangle's width or height, of a left or top without an argument for it
     bool isWindowWidth = false; // the picture is at least as wide, or high, as the scalar says
     bool isWindowHeight = false;
     bool hasWindowWidth = false;  // of an image of fixed size: no more is read of it than the window is wide, high,
@@ -142,6 +148,8 @@ struct Argument
     Argument withOneMore() const;
     // As large as the second size.
     Argument resized() const;
+    // One column and one row more than the rectangle.
+    Argument ofRectangleWithOneMore() const;
 
     Argument as(Role newRole) const
     {
@@ -183,12 +191,23 @@ struct Argument
         return changed([=](Argument& a) { a.mostPart = a.typicalPart = part; });
     }
 
+    // Left or top of a rectangle of a size that is no argument.
+    Argument spanning(uint32_t pixels) const
+    {
+        return changed([=](Argument& a) { a.span = pixels; });
+    }
+
     bool isImage() const
     {
         return role == Role::source || role == Role::destination || role == Role::updated || role == Role::value;
     }
     bool isSecondSize() const { return role == Role::secondWidth || role == Role::secondHeight; }
-    bool isNumber() const { return role == Role::scalar || isSecondSize(); } // that a case draws
+    bool isOfRectangle() const
+    {
+        return role == Role::left || role == Role::top || role == Role::rectangleWidth || role == Role::rectangleHeight;
+    }
+    bool isDependent() const { return isSecondSize() || isOfRectangle(); } // a number drawn for a size of the picture
+    bool isNumber() const { return role == Role::scalar || isDependent(); }
     bool isInput() const { return role == Role::source || role == Role::updated || isNumber(); }
     bool isOutput() const { return role == Role::destination || role == Role::updated || role == Role::value; }
     bool isPicture() const { return isImage() && fixedSize == 0; } // its size follows from that of the case
@@ -223,6 +242,12 @@ inline const Argument area{.role = Argument::Role::area};
 // The second size, which is any, from 1 to twice that of the case, unless a word says otherwise.
 inline const Argument dstWidth{.role = Argument::Role::secondWidth};
 inline const Argument dstHeight{.role = Argument::Role::secondHeight};
+// A rectangle inside the picture. A function without the width or height of a picture takes one that ends where the
+// rectangle does.
+inline const Argument left{.role = Argument::Role::left};
+inline const Argument top{.role = Argument::Role::top};
+inline const Argument rectangleWidth{.role = Argument::Role::rectangleWidth};
+inline const Argument rectangleHeight{.role = Argument::Role::rectangleHeight};
 inline const Argument stride{.role = Argument::Role::stride};
 // Less than a row is as good: rows overlap then.
 inline const Argument overlappingStride{.role = Argument::Role::stride, .mayOverlap = true};
@@ -421,9 +446,9 @@ struct FunctionTest
     CaseSize leastEffective(const std::vector<double>& numbers) const;
     // Whether the function refuses a call because of one of its sizes or other numbers.
     bool refuses(const std::vector<double>& numbers) const;
-    // Single numbers that make it do so, by their arguments; with `sizesOf0` those that leave an image none, too.
-    std::vector<std::pair<size_t, double>> wrongNumbers(const std::vector<double>& numbers, bool sizesOf0) const;
-    // Whether there are any, but for sizes of 0.
+    // Single numbers that make it do so, by their arguments: those for which there may be images, or any.
+    std::vector<std::pair<size_t, double>> wrongNumbers(const std::vector<double>& numbers, bool any) const;
+    // Whether there are any of the former.
     bool canRefuse() const;
 
     // ---- for entries ----
@@ -464,8 +489,9 @@ Argument completed(Argument argument)
     } else {
         if (argument.isImage() || argument.role == Role::null || argument.role == Role::alias)
             abort();
-        if (argument.role == Role::scalar) {
+        if (argument.isNumber())
             argument.element = elementOf<Parameter>();
+        if (argument.role == Role::scalar) {
             if (argument.choices.empty() && argument.low == argument.high) {
                 constexpr bool isInteger = std::is_integral_v<Parameter>;
                 argument.low = isInteger ? static_cast<double>(std::numeric_limits<Parameter>::lowest()) : -1000.0;

@@ -19,7 +19,8 @@ Made by `ravikTestData --functions` from the entries in `tst/ravikTest*.cpp`; a 
 
 - **types**: the elements of the images that are read, and of those that are written; `u8 x 3` has three channels, `u8 per
   2x2` one sample for so many pixels, `u8 of 1/2` half a picture's width and height, `of 2 x 1` twice its width, `of + 1`
-  a column and a row more than it has, `of a second size` that of an argument. What else a function takes or returns is in its header.
+  a column and a row more than it has, `of a second size` that of an argument, `of a rectangle +
+  1` a column and a row more than that. What else a function takes or returns is in its header.
 - **border**: the window, and what becomes of the pixels whose window reaches beyond the picture: `kept` leaves the
   destination as it was, `existing` takes the pixels that exist, `nearest` the nearest pixel for one outside, `zero` 0
   for it, `copied` the source's pixel, `unwritten` means that the destination has no such pixels, `choice` that an argument

@@ -131,7 +131,7 @@ private:
         }
         function.drawSizes(values.numbers, {m_width, m_height}, m_input);
         for (size_t i = 0; i < arguments().size(); i++)
-            if (arguments()[i].isSecondSize() && m_input.oneIn(2))
+            if (arguments()[i].isDependent() && m_input.oneIn(2))
                 values.numbers[i] = takeSize();
     }
 
