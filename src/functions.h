@@ -1,6 +1,7 @@
 // What the function lists say, in types: the slots, the C references, and the signature behind each slot.
 #pragma once
 
+#include "internal.h"
 #include "offload.h"
 
 #include <ravik/ravik.h>

@@ -27,6 +27,7 @@ int TEST_HW_Test(int loops, const char* dataDirectory);
 int TEST_MEM_Test(int loops, const char* dataDirectory);
 
 // Groups that the common routine tests: what they test, and their entries.
+const FunctionGroup& depthFunctions();
 const FunctionGroup& imageDiffFunctions();
 const FunctionGroup& transposeFunctions();
 const FunctionGroup& colorToRgbFunctions();
@@ -36,9 +37,11 @@ const FunctionGroup& blurFunctions();
 const FunctionGroup& edgesFunctions();
 const FunctionGroup& scharrFunctions();
 const FunctionGroup& thresholdFunctions();
+const FunctionGroup& copyFunctions();
 const FunctionGroup& bitCountFunctions();
 const FunctionGroup& bitwiseFunctions();
 const FunctionGroup& flipFunctions();
+const FunctionGroup& perspectiveTransformFunctions();
 const FunctionGroup& fillFunctions();
 const FunctionGroup& adaptiveThresholdFunctions();
 const FunctionGroup& absDiffFunctions();
@@ -55,6 +58,7 @@ int testFunctions(int loops, const char* dataDirectory)
 {
     return runFunctionGroup(functions(), loops, dataDirectory);
 }
+inline constexpr auto RAVIK_TEST_DEPTH = testFunctions<depthFunctions>;
 inline constexpr auto RAVIK_TEST_IDIFF_Test = testFunctions<imageDiffFunctions>;
 inline constexpr auto RAVIK_TEST_TRNS_Test = testFunctions<transposeFunctions>;
 inline constexpr auto RAVIK_TEST_COLORYUVRGB_Test = testFunctions<colorToRgbFunctions>;
@@ -64,9 +68,11 @@ inline constexpr auto RAVIK_TEST_BLUR_Test = testFunctions<blurFunctions>;
 inline constexpr auto RAVIK_TEST_EDGE_Sobel_Test = testFunctions<edgesFunctions>;
 inline constexpr auto RAVIK_TEST_EDGE_Scharr_Test = testFunctions<scharrFunctions>;
 inline constexpr auto RAVIK_TEST_THRESH_Test = testFunctions<thresholdFunctions>;
+inline constexpr auto RAVIK_TEST_COPY_Test = testFunctions<copyFunctions>;
 inline constexpr auto RAVIK_TEST_BITCNT_Test = testFunctions<bitCountFunctions>;
 inline constexpr auto RAVIK_TEST_BITWISEOP_Test = testFunctions<bitwiseFunctions>;
 inline constexpr auto RAVIK_TEST_IPP_Test = testFunctions<flipFunctions>;
+inline constexpr auto RAVIK_TEST_rvkGetPerspectiveTransform = testFunctions<perspectiveTransformFunctions>;
 inline constexpr auto RAVIK_TEST_SET = testFunctions<fillFunctions>;
 inline constexpr auto RAVIK_TEST_ADAPTIVETHRESHOLD_Test = testFunctions<adaptiveThresholdFunctions>;
 inline constexpr auto RAVIK_TEST_ABSDIFF_Test = testFunctions<absDiffFunctions>;

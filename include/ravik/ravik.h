@@ -7,6 +7,7 @@
 #ifndef RAVIK_RAVIK_H
 #define RAVIK_RAVIK_H
 
+#include "affine.h"
 #include "arithm.h"
 #include "bilateral.h"
 #include "bitcount.h"
@@ -16,6 +17,7 @@
 #include "canny.h"
 #include "channel.h"
 #include "color.h"
+#include "copy.h"
 #include "correlation.h"
 #include "diff.h"
 #include "frame.h"

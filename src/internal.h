@@ -1,0 +1,13 @@
+// Internal operations that do the work of public functions: the library calls these, so that the companion library can
+// offer the two separately. They check nothing; offload.h has the two that exist for the DSP.
+#pragma once
+
+#include <cstdint>
+
+namespace rvk {
+
+// rvkCopy, without strides of 0.
+void irvkCopy(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride, uint8_t* dst,
+              uint32_t dstStride);
+
+} // namespace rvk

@@ -1,0 +1,34 @@
+// PERSPTRANSFORM and DEPTH: transforms from points, their inverses, and depth from disparity.
+#include "groups.h"
+
+#include <ravik/affine.h>
+
+using namespace arguments;
+
+const FunctionGroup& perspectiveTransformFunctions()
+{
+    static const FunctionGroup group{
+        "ravikpersptransform",
+        "rvk",
+        false,
+        {
+            RVK_TEST_AS("rvkGetPerspectiveTransformf32", "rvkGetPerspectiveTransform", rvkGetPerspectiveTransformf32,
+                        src.ofSize(8), src.ofSize(8), dst.ofSize(9))
+                .repeated(100),
+            RVK_TEST(rvkInvertAffineTransformf32, src.ofSize(6), dst.ofSize(6)).repeated(1000),
+        }};
+    return group;
+}
+
+const FunctionGroup& depthFunctions()
+{
+    static const FunctionGroup group{"ravikdepth",
+                                     "rvk",
+                                     false,
+                                     {
+                                         RVK_TEST(rvkUndistortDisparityConvertDepthf32, src, width, height, stride,
+                                                  src.ofSize(4), src.ofSize(5).orNull(), any, dst, stride)
+                                             .keeps(Contract().onDsp({.alignment = 4, .elementsPerPixel = 4})),
+                                     }};
+    return group;
+}
