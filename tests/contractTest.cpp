@@ -9,6 +9,7 @@
 
 #include <cmath>
 #include <csignal>
+#include <deque>
 #include <fstream>
 #include <numeric>
 #include <set>
@@ -80,7 +81,7 @@ uint32_t number(const FunctionCall& call, size_t argument)
 FunctionCall plainCall(const FunctionTest& function, SeededBits& bits, CaseSize more = {12, 5})
 {
     FunctionCall call(function, bits);
-    const CaseSize least = function.leastAccepted(call.values.numbers);
+    const CaseSize least = function.leastDrawn(call.values.numbers);
     call.draw({least.width + more.width, least.height + more.height}, {});
     return call;
 }
@@ -107,7 +108,8 @@ public:
         addSharedMemory();
         addOverlaps();
     }
-    std::vector<Fault> take() { return std::move(m_all); }
+    Faults(const Faults&) = delete;
+    const std::vector<Fault>& all() const { return m_all; }
 
 private:
     template <class Change>
@@ -125,6 +127,11 @@ private:
     {
         if (a.isImage() && !a.mayBeNull)
             add("argument " + std::to_string(i) + " is null", [=](CallValues& v) { v.pointers[i] = nullptr; });
+        for (const std::vector<double>& elements : a.refusedElements) {
+            const auto& kept = m_elements.emplace_back(elements.begin(), elements.end());
+            add("argument " + std::to_string(i) + " has bad elements",
+                [&](CallValues& v) { v.pointers[i] = const_cast<float*>(kept.data()); });
+        }
         if (a.alignment > sizeOf(a.element))
             add("argument " + std::to_string(i) + " is misaligned",
                 [=](CallValues& v) { v.pointers[i] = static_cast<uint8_t*>(v.pointers[i]) + a.alignment / 2; });
@@ -247,6 +254,7 @@ private:
     const FunctionTest& m_function;
     const FunctionCall& m_call;
     std::vector<Fault> m_all;
+    std::deque<std::vector<float>> m_elements; // that faults point to
 };
 
 size_t countRefusals(const FunctionTest& function)
@@ -271,7 +279,8 @@ TEST(Contract, RefusesEveryBadArgumentAndWritesNothing)
         FunctionCall call = plainCall(function, bits);
         setCurrent(function, "good arguments");
         EXPECT_TRUE(isAccepted(function, call));
-        for (const Fault& fault : Faults(function, call).take()) {
+        Faults faults(function, call);
+        for (const Fault& fault : faults.all()) {
             setCurrent(function, fault.what);
             call.values = fault.values;
             clearLog();
@@ -293,7 +302,8 @@ TEST(Contract, QuotesKnownConditions)
     forEachFunction([&](const FunctionTest& function) {
         SeededBits bits(1);
         FunctionCall call = plainCall(function, bits);
-        for (const Fault& fault : Faults(function, call).take()) {
+        Faults faults(function, call);
+        for (const Fault& fault : faults.all()) {
             call.values = fault.values;
             clearLog();
             call.call(function.entry);

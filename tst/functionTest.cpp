@@ -5,6 +5,28 @@
 
 using Role = Argument::Role;
 
+double Range::at(double position, CaseSize picture) const
+{
+    double from = low, to = high;
+    switch (of) {
+    case Of::numbers:
+        break;
+    case Of::columns:
+        to += picture.width - 1.0;
+        break;
+    case Of::rows:
+        to += picture.height - 1.0;
+        break;
+    case Of::widths:
+        from *= picture.width, to *= picture.width;
+        break;
+    case Of::heights:
+        from *= picture.height, to *= picture.height;
+        break;
+    }
+    return to < from ? (from + to) / 2 : from + position * (to - from);
+}
+
 Argument Argument::scaled(uint32_t fromAcross, uint32_t toAcross, uint32_t fromDown, uint32_t toDown) const
 {
     const auto ratio = [](uint32_t from, uint32_t to) {
@@ -199,39 +221,57 @@ struct SecondSizes
 };
 
 // Draws an interval inside of the size; its length stays what it is when it is no argument.
-static Interval drawInterval(uint32_t size, double span, RandomBits& random)
+static Interval drawInterval(uint32_t size, double span, double least, RandomBits& random)
 {
+    const auto shortest = std::min<int64_t>(std::max(1, static_cast<int>(least)), std::max(1u, size));
     int64_t length = static_cast<int64_t>(span);
     if (length == 0)
-        length = random.between(0, 7) == 0 ? size : random.between(1, std::max(1u, size));
+        length = random.between(0, 7) == 0 ? size : random.between(shortest, std::max(1u, size));
     const int64_t most = std::max<int64_t>(0, size - length);
     const int64_t way = random.between(0, 7);
     const int64_t begin = way == 0 ? 0 : way == 1 ? most : random.between(0, most);
     return {static_cast<double>(begin), static_cast<double>(length)};
 }
 
-static Interval typicalInterval(uint32_t size, double span)
+static Interval typicalInterval(uint32_t size, double span, double)
 {
     return span > 0 ? Interval{std::floor(std::max(0.0, size - span) / 2), span} : Interval{0, double{1} * size};
 }
 
-// Puts what `second(argument, size)` and `interval(size, span)` give into the numbers that depend on the size.
-template <class Second, class MakeInterval>
+// A number for a scalar of a range.
+static double roundedFor(const Argument& a, double number)
+{
+    if (a.element == Element::f32)
+        return static_cast<float>(number);
+    return visitElement(a.element, [=](auto zero) {
+        using Limits = std::numeric_limits<decltype(zero)>;
+        return std::clamp(std::floor(number + 0.5), double{1} * Limits::lowest(), double{1} * Limits::max());
+    });
+}
+
+// Puts what `second(argument, size)`, `interval(size, span, least length)` and `position()`, 0 to 1 in a range, give into
+// the numbers that depend on the size.
+template <class Second, class MakeInterval, class Position>
 static void setDependent(const FunctionTest& test, std::vector<double>& numbers, CaseSize size, Second second,
-                         MakeInterval interval)
+                         MakeInterval interval, Position position)
 {
     for (size_t i = 0; i < test.arguments.size(); i++) {
         const Argument& a = test.arguments[i];
+        if (a.isPosition())
+            numbers[i] = roundedFor(a, a.ranges[0].at(position(), size));
         if (a.isSecondSize())
             numbers[i] = static_cast<double>(second(a, a.role == Role::secondWidth ? size.width : size.height));
         if (a.role != Role::left && a.role != Role::top)
             continue;
         const bool isLeft = a.role == Role::left;
-        const Interval drawn = interval(isLeft ? size.width : size.height, a.span);
+        const auto length = std::find_if(test.arguments.begin(), test.arguments.end(), [=](const Argument& other) {
+            return other.role == (isLeft ? Role::rectangleWidth : Role::rectangleHeight);
+        });
+        const bool hasLength = length != test.arguments.end();
+        const Interval drawn = interval(isLeft ? size.width : size.height, a.span, hasLength ? length->low : 0);
         numbers[i] = drawn.begin;
-        for (size_t j = 0; j < test.arguments.size(); j++)
-            if (test.arguments[j].role == (isLeft ? Role::rectangleWidth : Role::rectangleHeight))
-                numbers[j] = drawn.length;
+        if (hasLength)
+            numbers[static_cast<size_t>(length - test.arguments.begin())] = drawn.length;
     }
 }
 
@@ -241,7 +281,8 @@ void FunctionTest::drawSizes(std::vector<double>& numbers, CaseSize size, Random
     setDependent(
         *this, numbers, size,
         [&](const Argument& a, uint32_t ofCase) { return SecondSizes(a, ofCase).draw(ofCase, random); },
-        [&](uint32_t ofCase, uint32_t span) { return drawInterval(ofCase, span, random); });
+        [&](uint32_t ofCase, uint32_t span, double least) { return drawInterval(ofCase, span, least, random); },
+        [&] { return random.next() / 4294967295.0; });
 }
 
 void FunctionTest::setTypicalSizes(std::vector<double>& numbers, CaseSize size) const
@@ -249,12 +290,7 @@ void FunctionTest::setTypicalSizes(std::vector<double>& numbers, CaseSize size) 
     setSize(numbers, size);
     setDependent(
         *this, numbers, size, [](const Argument& a, uint32_t ofCase) { return SecondSizes(a, ofCase).typical; },
-        typicalInterval);
-}
-
-static CaseSize larger(CaseSize a, CaseSize b)
-{
-    return {std::max(a.width, b.width), std::max(a.height, b.height)};
+        typicalInterval, [] { return 0.5; });
 }
 
 CaseSize FunctionTest::leastAccepted(const std::vector<double>& numbers) const
@@ -262,9 +298,14 @@ CaseSize FunctionTest::leastAccepted(const std::vector<double>& numbers) const
     return contract.takesSmallPictures ? contract.least : larger(contract.least, givenWindow(*this, numbers, {1, 1}));
 }
 
+CaseSize FunctionTest::leastDrawn(const std::vector<double>& numbers) const
+{
+    return larger(contract.leastDrawn, leastAccepted(numbers));
+}
+
 CaseSize FunctionTest::leastEffective(const std::vector<double>& numbers) const
 {
-    return larger(contract.least, windowOf(numbers));
+    return larger(larger(contract.leastDrawn, contract.least), windowOf(numbers));
 }
 
 static bool refusesSecondSize(const Argument& a, double number, double size)
@@ -351,7 +392,9 @@ bool FunctionTest::canRefuse() const
     for (const Argument& a : arguments)
         numbers.push_back(a.choices.empty() ? a.low : a.choices[0]);
     setTypicalSizes(numbers, {64, 64});
-    return !wrongNumbers(numbers, false).empty();
+    return !wrongNumbers(numbers, false).empty() ||
+           std::any_of(arguments.begin(), arguments.end(),
+                       [](const Argument& a) { return !a.refusedElements.empty(); });
 }
 
 int64_t RandomBits::between(int64_t low, int64_t high)

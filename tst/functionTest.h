@@ -50,10 +50,33 @@ struct CaseSize
     uint32_t width, height;
 };
 
+inline CaseSize larger(CaseSize a, CaseSize b)
+{
+    return {a.width > b.width ? a.width : b.width, a.height > b.height ? a.height : b.height};
+}
+
 // What an image measures, in pixels. Products of sizes fit.
 struct ImageSize
 {
     uint64_t columns, rows;
+};
+
+// Where a number, or each element of an image, is drawn from: of low..high, or relative to the picture.
+struct Range
+{
+    enum class Of : uint8_t {
+        numbers,
+        columns, // from column `low` of the picture to `high` columns behind its last one
+        rows,
+        widths, // times the picture's width
+        heights
+    };
+
+    double low, high;
+    Of of = Of::numbers;
+
+    // From 0, the lower end, to 1. Where the picture is too small for the ends, their mean.
+    double at(double position, CaseSize picture) const;
 };
 
 // What the sizes of images follow from.
@@ -108,9 +131,12 @@ struct Argument
     bool isInterior = false; // of the result: the pixels alone whose whole window lies in the picture
     bool mayBeNull = false;
     bool mayOverlap = false;       // a stride that may be less than a row
-    double low = 0, high = 0;      // of a scalar
-    std::vector<double> choices{}; // of a scalar, instead of a range
-    std::vector<double> refused{}; // values of a scalar that the function refuses
+    double low = 0, high = 0;      // of a scalar; of the width or height of a rectangle the least
+    std::vector<Range> ranges{};   // of the elements of an image one after the other, or all of them; of a scalar
+    std::vector<double> typical{}; // elements in profiles, instead of the middle of the ranges
+    std::vector<std::vector<double>> refusedElements{}; // of an image
+    std::vector<double> choices{};                      // of a scalar, instead of a range
+    std::vector<double> refused{};                      // values of a scalar that the function refuses
     // Of a second size: how many times the case's it is at least, at most and in profiles. What must not be more or less
     // than the case's is refused.
     double leastPart = 0, mostPart = 2, typicalPart = 1;
@@ -191,6 +217,24 @@ struct Argument
         return changed([=](Argument& a) { a.mostPart = a.typicalPart = part; });
     }
 
+    // Elements, or a scalar, of these ranges. Random cases have others, too, and some that are no numbers.
+    Argument within(std::vector<Range> elements) const
+    {
+        return changed([&](Argument& a) { a.ranges = std::move(elements); });
+    }
+    Argument typically(std::vector<double> elements) const
+    {
+        return changed([&](Argument& a) { a.typical = std::move(elements); });
+    }
+    Argument refusingElements(std::vector<std::vector<double>> images) const
+    {
+        return changed([&](Argument& a) { a.refusedElements = std::move(images); });
+    }
+    // Of the width or height of a rectangle.
+    Argument atLeast(uint32_t pixels) const
+    {
+        return changed([=](Argument& a) { a.low = pixels; });
+    }
     // Left or top of a rectangle of a size that is no argument.
     Argument spanning(uint32_t pixels) const
     {
@@ -206,8 +250,10 @@ struct Argument
     {
         return role == Role::left || role == Role::top || role == Role::rectangleWidth || role == Role::rectangleHeight;
     }
-    bool isDependent() const { return isSecondSize() || isOfRectangle(); } // a number drawn for a size of the picture
+    bool isPosition() const { return role == Role::scalar && !ranges.empty(); }
+    bool isDependent() const { return isSecondSize() || isOfRectangle() || isPosition(); } // on the picture's size
     bool isNumber() const { return role == Role::scalar || isDependent(); }
+    const Range& rangeOf(size_t index) const { return ranges[index % ranges.size()]; }
     bool isInput() const { return role == Role::source || role == Role::updated || isNumber(); }
     bool isOutput() const { return role == Role::destination || role == Role::updated || role == Role::value; }
     bool isPicture() const { return isImage() && fixedSize == 0; } // its size follows from that of the case
@@ -264,6 +310,34 @@ inline const Argument any{.role = Argument::Role::scalar};
 inline Argument sameAs(size_t argument)
 {
     return {.role = Argument::Role::alias, .aliasOf = argument};
+}
+// A few numbers.
+inline Argument numbers(std::vector<Range> each)
+{
+    const auto count = static_cast<uint32_t>(each.size());
+    return src.ofSize(count).within(std::move(each));
+}
+// From so many columns inside the picture, or beyond its edges where they are negative and positive, to so many; rows
+// alike.
+inline Range columns(double fromFirst, double fromLast)
+{
+    return {fromFirst, fromLast, Range::Of::columns};
+}
+inline Range rows(double fromFirst, double fromLast)
+{
+    return {fromFirst, fromLast, Range::Of::rows};
+}
+inline Range widths(double low, double high)
+{
+    return {low, high, Range::Of::widths};
+}
+inline Range heights(double low, double high)
+{
+    return {low, high, Range::Of::heights};
+}
+inline Argument at(const Range& range)
+{
+    return any.within({range});
 }
 inline const Argument policy = oneOf({RAVIK_POLICY_SATURATE, RAVIK_POLICY_WRAP}).refusing({2, UINT32_MAX});
 // The weights of a window, at most as many: one for each of its pixels, columns or rows.
@@ -326,8 +400,9 @@ enum class InPlace : uint8_t { undefined, refused, allowed };
 // contract from it.
 struct Contract
 {
-    CaseSize least{1, 1}; // that the function accepts, besides windows that are arguments
-    uint32_t window = 1;  // width and height, where they are no arguments
+    CaseSize least{1, 1};      // that the function accepts, besides windows that are arguments
+    CaseSize leastDrawn{1, 1}; // where smaller ones may be refused for what they hold
+    uint32_t window = 1;       // width and height, where they are no arguments
     Border atBorder = Border::none;
     InPlace dstIsSrc = InPlace::undefined;
     uint64_t mostPixels = UINT64_MAX; // of a picture
@@ -340,6 +415,11 @@ struct Contract
     Contract atLeast(uint32_t width, uint32_t height) const
     {
         return changed([=](Contract& c) { c.least = {width, height}; });
+    }
+    // Some smaller pictures are refused, by where numbers point.
+    Contract drawnFrom(uint32_t width, uint32_t height) const
+    {
+        return changed([=](Contract& c) { c.leastDrawn = {width, height}; });
     }
     // Takes windows of size x size pixels, of pictures of any size.
     Contract windows(uint32_t size) const
@@ -441,8 +521,10 @@ struct FunctionTest
     CaseSizes sizesFor(CaseSize picture, const std::vector<double>& numbers) const;
     // The window for these scalars.
     CaseSize windowOf(const std::vector<double>& numbers) const;
-    // The least pictures that the function accepts, and that it does more with than keep the ring, for these scalars.
+    // The least pictures that the function does not refuse for their size, that it accepts, and that it does more with
+    // than keep the ring, for these scalars.
     CaseSize leastAccepted(const std::vector<double>& numbers) const;
+    CaseSize leastDrawn(const std::vector<double>& numbers) const;
     CaseSize leastEffective(const std::vector<double>& numbers) const;
     // Whether the function refuses a call because of one of its sizes or other numbers.
     bool refuses(const std::vector<double>& numbers) const;
@@ -492,7 +574,7 @@ Argument completed(Argument argument)
         if (argument.isNumber())
             argument.element = elementOf<Parameter>();
         if (argument.role == Role::scalar) {
-            if (argument.choices.empty() && argument.low == argument.high) {
+            if (argument.choices.empty() && argument.ranges.empty() && argument.low == argument.high) {
                 constexpr bool isInteger = std::is_integral_v<Parameter>;
                 argument.low = isInteger ? static_cast<double>(std::numeric_limits<Parameter>::lowest()) : -1000.0;
                 argument.high = isInteger ? static_cast<double>(std::numeric_limits<Parameter>::max()) : 1000.0;

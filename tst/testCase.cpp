@@ -104,7 +104,22 @@ void fillRow(T* row, size_t count, bool extreme, RandomBits& random)
     }
 }
 
-void fillImage(RAVIK_TEST_Buffer& image, const Argument& argument, RandomBits& random)
+// Elements of ranges; at times, in images of many, rounded to whole numbers.
+void fillFromRanges(RAVIK_TEST_Buffer& image, const Argument& argument, CaseSize picture, RandomBits& random)
+{
+    const bool isRounded = !argument.fixedSize && random.between(0, 3) == 0;
+    visitElement(argument.element, [&](auto zero) {
+        using T = decltype(zero);
+        for (int32_t j = 0; j < image.height; j++)
+            for (int32_t i = 0; i < image.width; i++) {
+                const double position = random.next() / 4294967295.0;
+                const double number = argument.rangeOf(static_cast<size_t>(i)).at(position, picture);
+                reinterpret_cast<T*>(image.row(j))[i] = static_cast<T>(isRounded ? std::rint(number) : number);
+            }
+    });
+}
+
+void fillWithBits(RAVIK_TEST_Buffer& image, const Argument& argument, RandomBits& random)
 {
     const bool extreme = !argument.isMask && random.between(0, 3) == 0;
     visitElement(argument.element, [&](auto zero) {
@@ -335,7 +350,7 @@ bool TestCase::draw(CaseSize size, Wanted wanted, bool packed, RandomBits& rando
 {
     drawNumbers(random);
     const CaseSize least =
-        wanted == Wanted::accepts ? m_function.leastAccepted(numbers()) : m_function.leastEffective(numbers());
+        wanted == Wanted::accepts ? m_function.leastDrawn(numbers()) : m_function.leastEffective(numbers());
     m_width = size.width + least.width - 1;
     m_height = size.height + least.height - 1;
     std::vector<double> drawn = numbers();
@@ -343,6 +358,8 @@ bool TestCase::draw(CaseSize size, Wanted wanted, bool packed, RandomBits& rando
     take(drawn);
     if (wanted == Wanted::refuses)
         drawFault(random);
+    else
+        m_fault = {};
     layOut(packed, random);
     for (size_t i = 0; i < m_data.size(); i++) {
         const Argument& a = argument(i);
@@ -351,9 +368,24 @@ bool TestCase::draw(CaseSize size, Wanted wanted, bool packed, RandomBits& rando
         RAVIK_TEST_Buffer& image = inputBuffer(i);
         if (!image.Shape(a.role == Role::updated ? packedShape(i) : m_data[i].shape, m_option, true))
             return false;
-        fillImage(image, a, random);
+        fillImage(i, random);
     }
     return true;
+}
+
+void TestCase::fillImage(size_t index, RandomBits& random)
+{
+    const Argument& a = argument(index);
+    RAVIK_TEST_Buffer& image = inputBuffer(index);
+    if (m_fault && m_fault->argument == index)
+        visitElement(a.element, [&](auto zero) {
+            const std::vector<double>& elements = a.refusedElements[m_fault->elements];
+            std::copy(elements.begin(), elements.end(), image.window<decltype(zero)>());
+        });
+    else if (!a.ranges.empty())
+        fillFromRanges(image, a, {m_width, m_height}, random);
+    else
+        fillWithBits(image, a, random);
 }
 
 void TestCase::drawNumbers(RandomBits& random)
@@ -363,14 +395,23 @@ void TestCase::drawNumbers(RandomBits& random)
             m_data[i].number = drawScalar(argument(i), random);
 }
 
-// Makes one number wrong, or the picture too small.
+// Makes one number wrong, the picture too small, or the elements of an array such as the function refuses.
 void TestCase::drawFault(RandomBits& random)
 {
     std::vector<double> all = numbers();
-    const auto faults = m_function.wrongNumbers(all, false);
-    const auto [argument, number] =
-        faults.at(static_cast<size_t>(random.between(0, static_cast<int64_t>(faults.size()) - 1)));
-    all[argument] = number;
+    const auto wrongNumbers = m_function.wrongNumbers(all, false);
+    std::vector<WrongElements> wrongElements;
+    for (size_t i = 0; i < m_data.size(); i++)
+        for (size_t k = 0; k < argument(i).refusedElements.size(); k++)
+            wrongElements.push_back({i, k});
+    const auto fault =
+        static_cast<size_t>(random.between(0, static_cast<int64_t>(wrongNumbers.size() + wrongElements.size()) - 1));
+    if (fault >= wrongNumbers.size()) {
+        m_fault = wrongElements[fault - wrongNumbers.size()];
+        return;
+    }
+    m_fault = {};
+    all[wrongNumbers[fault].first] = wrongNumbers[fault].second;
     take(all);
 }
 

@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <cstdio>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -82,7 +83,13 @@ private:
         RAVIK_TEST_Buffer buffer;   // the image
         RAVIK_TEST_Buffer initial;  // what an updated image holds before the call
         RAVIK_TEST_Buffer expected; // what an output should be
-        double number = 0;          // a scalar or second size
+        double number = 0;          // what is drawn of the other arguments
+    };
+
+    // Elements that the function refuses, by their place in the argument.
+    struct WrongElements
+    {
+        size_t argument, elements;
     };
 
     const Argument& argument(size_t index) const { return m_function.arguments[index]; }
@@ -93,6 +100,7 @@ private:
     double number(size_t index) const;
     void drawNumbers(RandomBits& random);
     void drawFault(RandomBits& random);
+    void fillImage(size_t index, RandomBits& random);
     void take(const std::vector<double>& numbers);
     std::vector<double> numbers() const;
     std::vector<std::string> outputsOver(uint8_t byte);
@@ -106,5 +114,6 @@ private:
     uint32_t m_width = 1;
     uint32_t m_height = 1;
     std::vector<ArgumentData> m_data; // per argument
+    std::optional<WrongElements> m_fault;
     Outcome m_expectedOutcome;
 };

@@ -10,6 +10,7 @@
 #include <ravik/frame.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 #include <filesystem>
 #include <map>
@@ -184,11 +185,48 @@ private:
             const ImageSize pixels = argument.sizeIn(function.sizesFor(size, numbers));
             const auto width = static_cast<uint32_t>(pixels.columns * argument.channels);
             const auto height = static_cast<uint32_t>(pixels.rows);
+            if (!argument.ranges.empty()) {
+                line.push_back(rangedSource(function, field, size, width, height));
+                continue;
+            }
             const std::string kind = argument.isMask ? "mask" : "bits" + std::to_string(8 * sizeOf(field.element));
             const char letter = letters.try_emplace(kind, 'a').first->second++;
             line.push_back(sharedSource(kind, letter, width, height, sizeOf(field.element)));
         }
         return line;
+    }
+
+    // The name of a source with elements of ranges, as a user would pass them: a few typical ones, or many that rise along
+    // rows and columns.
+    std::string rangedSource(const FunctionTest& function, const ScriptField& field, CaseSize size, uint32_t width,
+                             uint32_t height)
+    {
+        const Argument& argument = function.arguments[field.argument];
+        const Range& first = argument.ranges[0];
+        const std::string ends =
+            std::to_string(std::lround(first.at(0, size))) + "to" + std::to_string(std::lround(first.at(1, size)));
+        const bool isMap = !argument.fixedSize, isDown = first.of == Range::Of::rows;
+        const std::string name = isMap ? rawFileName((isDown ? "down" : "across") + ends, width, height)
+                                       : rawFileName(function.name + field.title + "for" + std::to_string(size.width) +
+                                                         "x" + std::to_string(size.height),
+                                                     width, height);
+        if (!m_sources.insert(name).second)
+            return name;
+        OutputFile file(profilingDirectory() + "/" + name);
+        std::vector<float> row(width);
+        for (uint32_t j = 0; j < height; j++) {
+            for (uint32_t i = 0; i < width; i++) {
+                const double along = (isDown ? j : i) + 0.5, beside = (isDown ? i : j) + 0.5; // sheared a little
+                const double position =
+                    isMap ? (along + beside / 16) / ((isDown ? height : width) + (isDown ? width : height) / 16.0)
+                          : 0.5;
+                row[i] = static_cast<float>(
+                    !isMap && !argument.typical.empty() ? argument.typical[i] : argument.rangeOf(i).at(position, size));
+            }
+            file.write(row.data(), size_t{width} * sizeof(float));
+        }
+        file.close();
+        return name;
     }
 
     // The name of a shared source, which is written when it is first asked for. Sources of 32 bits are valid as floats.

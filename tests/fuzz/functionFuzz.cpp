@@ -38,6 +38,7 @@ struct Image
     const Argument* descriptor;
     uint64_t rowBytes, rows, stride; // stride in whole elements
     bool isNull;
+    const std::vector<double>* refusedElements; // that it holds
     uint8_t* data = nullptr;
     std::vector<uint8_t> before{};
 
@@ -63,6 +64,7 @@ public:
     CallValues values;
     std::vector<Image> images;
     bool mustBeRefused = false;
+    CaseSize size() const { return {m_width, m_height}; }
 
     // Whether its pictures fit the memory that there is, and its work the time.
     bool isFeasible() const
@@ -114,9 +116,12 @@ private:
         if (way == 0 && !scalar.refused.empty())
             return scalar.refused[m_input.below(scalar.refused.size())];
         if (way == 1 && mayBeAny(scalar))
-            return visitElement(scalar.element,
-                                [&](auto zero) { return static_cast<double>(m_input.take<decltype(zero)>()); });
+            return takeAny(scalar.element);
         return drawScalar(scalar, m_input);
+    }
+    double takeAny(Element element)
+    {
+        return visitElement(element, [&](auto zero) { return static_cast<double>(m_input.take<decltype(zero)>()); });
     }
 
     void takeNumbers()
@@ -132,7 +137,7 @@ private:
         function.drawSizes(values.numbers, {m_width, m_height}, m_input);
         for (size_t i = 0; i < arguments().size(); i++)
             if (arguments()[i].isDependent() && m_input.oneIn(2))
-                values.numbers[i] = takeSize();
+                values.numbers[i] = arguments()[i].isPosition() ? takeAny(arguments()[i].element) : takeSize();
     }
 
     ImageSize sizeOfImage(const Argument& image) const
@@ -201,8 +206,16 @@ private:
                               .rowBytes = rowBytesOf(a),
                               .rows = sizeOfImage(a).rows,
                               .stride = stride,
-                              .isNull = m_input.oneIn(16)});
+                              .isNull = m_input.oneIn(16),
+                              .refusedElements = takeRefusedElements(a)});
         }
+    }
+
+    const std::vector<double>* takeRefusedElements(const Argument& a)
+    {
+        if (a.refusedElements.empty() || !m_input.oneIn(8))
+            return nullptr;
+        return &a.refusedElements[m_input.below(a.refusedElements.size())];
     }
 
     // Whether the descriptor says that the numbers cannot be right.
@@ -217,6 +230,7 @@ private:
             hadOutput |= a.isOutput();
             hasOutput |= a.isOutput() && !image.isNull;
             wrong |= image.isNull && !a.mayBeNull;
+            wrong |= image.refusedElements != nullptr;
             if (image.isNull || !a.isPicture())
                 continue;
             const size_t strideArgument = function.strideOfImage(image.argument);
@@ -313,7 +327,8 @@ private:
 
     void place(Image& image)
     {
-        const bool asSmallAsCanBe = m_case.mustBeRefused && (!image.fits() || m_input.oneIn(2));
+        const bool mayBeRead = !image.descriptor->refusedElements.empty();
+        const bool asSmallAsCanBe = m_case.mustBeRefused && !mayBeRead && (!image.fits() || m_input.oneIn(2));
         const uint64_t bytes = asSmallAsCanBe ? 0 : image.bytes();
         image.data = placeFor(image, bytes);
         m_case.values.pointers[image.argument] = image.isNull ? nullptr : image.data;
@@ -321,6 +336,24 @@ private:
         for (size_t i = 0; i < bytes; i++)
             image.before.push_back(content.empty() ? static_cast<uint8_t>(i * 37 % 251)
                                                    : content[(i + image.argument * 5) % content.size()]);
+        if (image.descriptor->element == Element::f32 && bytes > 0)
+            placeNumbers(image, bytes / sizeof(float));
+    }
+
+    // Floats of the ranges, which chance would seldom give, or those that are refused.
+    void placeNumbers(Image& image, size_t count)
+    {
+        const Argument& a = *image.descriptor;
+        const bool takesAnyBits = a.ranges.empty() || m_input.oneIn(4);
+        for (size_t i = 0; i < count; i++) {
+            float number;
+            memcpy(&number, image.before.data() + i * sizeof number, sizeof number);
+            if (image.refusedElements)
+                number = static_cast<float>((*image.refusedElements)[i % image.refusedElements->size()]);
+            else if (!takesAnyBits && image.before[i * sizeof number] % 16)
+                number = static_cast<float>(a.rangeOf(i).at(image.before[i * sizeof number] / 255.0, m_case.size()));
+            memcpy(image.before.data() + i * sizeof number, &number, sizeof number);
+        }
     }
 
     // Makes a source of the same shape the destination, too, where it is known what becomes of that.

@@ -7,6 +7,7 @@
 #include "testCase.h"
 
 #include <algorithm>
+#include <cmath>
 #include <map>
 
 namespace test {
@@ -66,7 +67,7 @@ public:
           m_function(function), m_bits(bits)
     {
         for (size_t i = 0; i < function.arguments.size(); i++)
-            if (function.arguments[i].role == Role::scalar)
+            if (function.arguments[i].role == Role::scalar && !function.arguments[i].isPosition())
                 values.numbers[i] = drawNumber(function.arguments[i], bits);
     }
 
@@ -117,6 +118,7 @@ private:
     uint32_t drawStride(size_t strideArgument, const Layout& layout);
     void place(size_t argument, uint32_t stride, const Layout& layout);
     void fill(const Block& block, Content content);
+    void fillFromRanges(const Block& block, Content content);
     void shareSource();
 
     const FunctionTest& m_function;
@@ -182,8 +184,36 @@ inline void FunctionCall::place(size_t argument, uint32_t stride, const Layout& 
     m_blocks.push_back(std::move(block));
 }
 
+// Elements of ranges, and among extreme ones what must do no harm: far outside, not finite, in arrays one at a time.
+inline void FunctionCall::fillFromRanges(const Block& block, Content content)
+{
+    constexpr size_t kPositions = 1 << 12;
+    static std::vector<float> positions;
+    while (positions.size() < kPositions)
+        positions.push_back(static_cast<float>(m_bits.next() / 4294967295.0));
+    const float odd[] = {0.0f, -0.0f, -1.0f, 1e30f, -1e30f, 3e9f, -3e9f, 65536.0f, INFINITY, -INFINITY, NAN, 1e-30f};
+    const Argument& a = of(block.argument);
+    const size_t elements = block.rowBytes / sizeof(float);
+    const bool isOdd = content == Content::extremes, isMap = !a.fixedSize;
+    for (uint32_t y = 0; y < block.rows; y++) {
+        float* const row = reinterpret_cast<float*>(block.data + size_t{y} * block.stride);
+        const uint32_t first = m_bits.below(kPositions), oddOne = m_bits.below(static_cast<uint32_t>(elements));
+        for (size_t x = 0; x < elements; x++) {
+            const double position = positions[(first + (content == Content::constant ? 0 : x)) % kPositions];
+            const double number = a.rangeOf(x).at(position, m_size);
+            row[x] = static_cast<float>(content != Content::small ? number
+                                        : isMap                   ? std::rint(number)
+                                                                  : std::rint(number * 8) / 8);
+            if (isOdd && (isMap ? m_bits.below(16) == 0 : x == oddOne))
+                row[x] = odd[m_bits.below(static_cast<uint32_t>(std::size(odd)))];
+        }
+    }
+}
+
 inline void FunctionCall::fill(const Block& block, Content content)
 {
+    if (!of(block.argument).ranges.empty())
+        return fillFromRanges(block, content);
     visitElement(block.element, [&](auto zero) {
         using T = decltype(zero);
         const size_t elements = block.rowBytes / sizeof(T);
