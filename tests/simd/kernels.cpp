@@ -1032,6 +1032,11 @@ SimdGroup floats()
                     [](const float* in, size_t i) { return in[i]; })),
         drawing(Draw::intRangeFloats,
                 mapping<float, int32_t, kLanes<float>, kLanes<float>>(
+                    "toFixed",
+                    [](const float* in, int32_t* out) { store(out, toFixed<15>(load(in) * splat(0x1p-16f))); },
+                    [](const float* in, size_t i) { return in[i] * 0.5f; })),
+        drawing(Draw::intRangeFloats,
+                mapping<float, int32_t, kLanes<float>, kLanes<float>>(
                     "roundToInt", [](const float* in, int32_t* out) { store(out, roundToInt(load(in))); },
                     [](const float* in, size_t i) { return __builtin_nearbyintf(in[i]); })),
     };
@@ -1086,6 +1091,46 @@ SimdGroup floatBits()
                 *out = all(less(absDiff(guessSquareRoot(v), root), root * splat(0x1p-19f)));
             },
             [](const uint32_t*, size_t) { return 1; }),
+    };
+    return group(list);
+}
+
+// ---- scattered memory -----------------------------------------------------------------------------------------------
+
+// What follows n words is the memory, of which offsets below `places` have all that may be read.
+SimdGroup scattered()
+{
+    static constexpr size_t n = kLanes<uint16_t>, places = 256;
+    static constexpr auto bytes = [](const auto* in) { return reinterpret_cast<const uint8_t*>(in + n); };
+    static constexpr auto offsets = [](const uint32_t* in) {
+        return both(loadSplit(in), [](auto v) { return v & splat<uint32_t>(places - 1); });
+    };
+    static constexpr SimdOperation list[] = {
+        mapping<uint32_t, uint16_t, n, n>(
+            "joinSplit", [](const uint32_t* in, uint16_t* out) { store(out, joinSplit(loadSplit(in))); },
+            [](const uint32_t* in, size_t i) { return in[i]; }),
+        mapping<uint16_t, uint16_t, 1, n>(
+            "iotaSplit", [](const uint16_t*, uint16_t* out) { store(out, joinSplit(iotaSplit<uint32_t>())); },
+            [](const uint16_t*, size_t i) { return i; }),
+        mapping<uint32_t, uint16_t, n + (places + kGatherReach + 3) / 4, n>(
+            "gatherBytes", [](const uint32_t* in, uint16_t* out) { store(out, gatherBytes(bytes(in), offsets(in))); },
+            [](const uint32_t* in, size_t i) { return bytes(in)[in[i] % places]; }),
+        mapping<uint32_t, uint16_t, n + (places + kGatherReach + 3) / 4, n>(
+            "gatherPairs", [](const uint32_t* in, uint16_t* out) { store(out, gatherPairs(bytes(in), offsets(in))); },
+            [](const uint32_t* in, size_t i) {
+                const uint8_t* const pair = bytes(in) + in[i] % places;
+                return pair[0] | pair[1] << 8;
+            }),
+        mapping<uint32_t, uint32_t, n + places / 4 + 1, n / 2>(
+            "gatherWords",
+            [](const uint32_t* in, uint32_t* out) {
+                store(out, gatherWords(bytes(in), load(in) & splat<uint32_t>(places - 1)));
+            },
+            [](const uint32_t* in, size_t i) {
+                uint32_t word;
+                __builtin_memcpy(&word, bytes(in) + in[i] % places, sizeof word);
+                return word;
+            }),
     };
     return group(list);
 }
@@ -1233,6 +1278,7 @@ SimdGroup (*const kGroups[])() = {
     totals,
     floats,
     floatBits,
+    scattered,
     transposes<1>,
     transposes<2>,
     transposes<3>,

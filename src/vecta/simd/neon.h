@@ -167,6 +167,7 @@ RVK_INLINE Vec<float> max(Vec<float> a, Vec<float> b) { return select(less(a, b)
 RVK_INLINE Vec<float> toFloat(Vec<int32_t> v) { return vec(vcvtq_f32_s32(reg(v))); }
 RVK_INLINE Vec<float> toFloat(Vec<uint32_t> v) { return toFloat(bitCast<int32_t>(v)); }
 RVK_INLINE Vec<int32_t> truncateToInt(Vec<float> v) { return vec(vcvtq_s32_f32(reg(v))); }
+template <unsigned bits> RVK_INLINE Vec<int32_t> toFixed(Vec<float> v) { return vec(vcvtq_n_s32_f32(reg(v), bits)); }
 
 // a * b + c, rounded once or twice.
 RVK_INLINE Vec<float> multiplyAdd(Vec<float> a, Vec<float> b, Vec<float> c)
@@ -896,6 +897,86 @@ RVK_INLINE void store4(int16_t* p, const Vecs<int16_t, 4>& v) { vst4q_s16(p, reg
 RVK_INLINE void store4(uint32_t* p, const Vecs<uint32_t, 4>& v) { vst4q_u32(p, regs<uint32x4x4_t>(v)); }
 RVK_INLINE void store4(int32_t* p, const Vecs<int32_t, 4>& v) { vst4q_s32(p, regs<int32x4x4_t>(v)); }
 RVK_INLINE void store4(float* p, const Vecs<float, 4>& v) { vst4q_f32(p, regs<float32x4x4_t>(v)); }
+
+// ---- 32-bit elements in two vectors, which make one of 16-bit elements ----------------------------------------------
+
+template <class T> RVK_INLINE Vecs<T, 2> loadSplit(const T* p) { return loadVecs<2>(p); }
+
+template <class T>
+RVK_INLINE Vecs<T, 2> iotaSplit()
+{
+    return {iota<T>(), iota<T>() + splat<T>(Vec<T>::lanes)};
+}
+
+// The lower halves of the elements, in their order in memory.
+RVK_INLINE Vec<uint16_t> joinSplit(const Vecs<uint32_t, 2>& v)
+{
+#if defined(__aarch64__)
+    return unzipEven(bitCast<uint16_t>(v[0]), bitCast<uint16_t>(v[1]));
+#else
+    return narrow(v);
+#endif
+}
+
+// ---- scattered memory -----------------------------------------------------------------------------------------------
+
+constexpr size_t kGatherReach = 2;
+
+// f(first, p + offset 0), f(first + 1, p + offset 1), ... Two offsets leave the vector unit at once.
+template <size_t first, class F>
+RVK_INLINE void forOffsets(const uint8_t* p, Vec<uint32_t> offset, F f)
+{
+    unrolled<2>([&](auto half) RVK_INLINE_LAMBDA {
+        constexpr size_t i = half;
+        const uint64_t two = vgetq_lane_u64(reg(bitCast<uint64_t>(offset)), i);
+        f(Constant<first + 2 * i>{}, p + static_cast<uint32_t>(two));
+        f(Constant<first + 2 * i + 1>{}, p + static_cast<uint32_t>(two >> 32));
+    });
+}
+
+template <class F>
+RVK_INLINE void forOffsets(const uint8_t* p, const Vecs<uint32_t, 2>& offsets, F f)
+{
+    forOffsets<0>(p, offsets[0], f);
+    forOffsets<4>(p, offsets[1], f);
+}
+
+// The 32 bits at p + offset.
+RVK_INLINE Vec<uint32_t> gatherWords(const uint8_t* p, Vec<uint32_t> offset)
+{
+    Vec<uint32_t> r = zero<uint32_t>();
+    forOffsets<0>(p, offset, [&](auto i, const uint8_t* at) RVK_INLINE_LAMBDA {
+        constexpr size_t lane = i;
+        uint32_t word;
+        __builtin_memcpy(&word, at, sizeof word);
+        r.raw[lane] = word;
+    });
+    return r;
+}
+
+// The two bytes at p + offset, as loaded.
+RVK_INLINE Vec<uint16_t> gatherPairs(const uint8_t* p, const Vecs<uint32_t, 2>& offsets)
+{
+    Vec<uint16_t> r = zero<uint16_t>();
+    forOffsets(p, offsets, [&](auto i, const uint8_t* at) RVK_INLINE_LAMBDA {
+        constexpr size_t lane = i;
+        uint16_t pair;
+        __builtin_memcpy(&pair, at, sizeof pair);
+        r.raw[lane] = pair;
+    });
+    return r;
+}
+
+// The byte at p + offset.
+RVK_INLINE Vec<uint16_t> gatherBytes(const uint8_t* p, const Vecs<uint32_t, 2>& offsets)
+{
+    Vec<uint8_t> r = zero<uint8_t>();
+    forOffsets(p, offsets, [&](auto i, const uint8_t* at) RVK_INLINE_LAMBDA {
+        constexpr size_t lane = 2 * i;
+        r.raw[lane] = *at;
+    });
+    return bitCast<uint16_t>(r);
+}
 
 // ---- neighbours -----------------------------------------------------------------------------------------------------
 

@@ -38,7 +38,8 @@
 //             that make 256 at most; weightedSum: clamped, for any weights of which isWeightOfSums(weight) is true
 // Floats      divide, squareRoot: IEEE everywhere; nothing is contracted, a * b + c rounds twice
 //             multiplyAdd(a, b, c): a * b + c, rounded once or twice, whichever is cheaper
-//             toFloat: s32, and u32 below 2^31; truncateToInt, roundToInt (halves to even): the value must fit int32_t
+//             toFloat: s32, and u32 below 2^31; truncateToInt, roundToInt (halves to even): the value must fit int32_t;
+//             toFixed<bits>(v): truncateToInt of v * 2^bits
 //             guessReciprocal, closeReciprocal, guessSquareRoot: of positive numbers, good to 7, 20 and 19 bits; their
 //             bits differ
 //             orderKeys(v): s32 in the order of the floats, not-a-numbers at the ends, both zeros 0
@@ -57,6 +58,8 @@
 //             multiplyQ15<factor>(v): s16, v * factor / 2^15, rounded down; multiplyQ8(a, b): u16, (a * b + 128) / 2^8,
 //             saturated
 //             both(vs, f), both(vs, ws, f): f on both halves
+//  ..Split    32-bit elements in two vectors, in the order of which joinSplit(vs) -> u16 is cheapest: their lower halves,
+//             in the order of memory. loadSplit(p) -> Vecs<T, 2>; iotaSplit<T>(): the numbers of the elements
 //  ..InLanes  widenInLanes, narrowInLanes, narrowSatInLanes<To>, multiplyWideInLanes, zipInLanes: the same, with the
 //             lanes of the wide vectors in the order that is cheapest. What one takes apart, another puts together
 //             dotInLanes(a, b): as dot; addDotInLanes(acc, a, b)
@@ -68,6 +71,8 @@
 // Tables      lookup16(loadTable16(p), indices below 16), lookup32(loadTable32(p), indices below 32),
 //             lookup(prepare(table of 256 bytes), any indices): u8. The table must stay where it is while the prepared
 //             one is in use
+// Scattered   gatherBytes, gatherPairs(p, split offsets below 2^31) -> u16: the byte, or the two bytes, at p + offset;
+//             kGatherReach: bytes from there on that may be read, 2 or more. gatherWords(p, offsets) -> u32: four bytes
 // Sums        addBytesTo(acc u32, u8), addTo(acc, v) for u16 to u32, s16 to s32, u32 to u64, s32 to s64: each element
 //             of v is added to some lane of acc; reduceAdd(v): exact for u8, u16 and s16, wrapping for 32 and 64 bits
 //             Total<T>: add(v), value(): of many; u8 modulo 2^32, s32 modulo 2^64

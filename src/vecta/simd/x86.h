@@ -241,6 +241,12 @@ RVK_INLINE Vec<float> toFloat(Vec<uint32_t> v) { return toFloat(bitCast<int32_t>
 RVK_INLINE Vec<int32_t> truncateToInt(Vec<float> v) { return vec<int32_t>(RVK_MM(cvttps_epi32)(floatReg(v))); }
 RVK_INLINE Vec<int32_t> roundToInt(Vec<float> v) { return vec<int32_t>(RVK_MM(cvtps_epi32)(floatReg(v))); }
 
+template <unsigned bits>
+RVK_INLINE Vec<int32_t> toFixed(Vec<float> v)
+{
+    return truncateToInt(v * splat(static_cast<float>(1u << bits)));
+}
+
 // The upper n bits of a, then the upper bits of b.
 template <unsigned n>
 RVK_INLINE Vec<uint8_t> joinBits(Vec<uint8_t> a, Vec<uint8_t> b)
@@ -1253,6 +1259,97 @@ RVK_INLINE Vecs<T, 3> interleave(const Vecs<T, 3>& v)
 template <class T> RVK_INLINE void store2(T* p, const Vecs<T, 2>& v) { store(p, interleave(v)); }
 template <class T> RVK_INLINE void store3(T* p, const Vecs<T, 3>& v) { store(p, interleave(v)); }
 template <class T> RVK_INLINE void store4(T* p, const Vecs<T, 4>& v) { store(p, interleave(v)); }
+
+// ---- 32-bit elements in two vectors, which make one of 16-bit elements ----------------------------------------------
+
+// The elements with an even number, and those with an odd one: so joinSplit has nothing to move across lanes.
+template <class T> RVK_INLINE Vecs<T, 2> loadSplit(const T* p) { return load2(p); }
+
+template <class T>
+RVK_INLINE Vecs<T, 2> iotaSplit()
+{
+    const Vec<T> i = iota<T>();
+    return {i + i, i + i + splat<T>(1)};
+}
+
+// The lower halves of the elements, in their order in memory.
+RVK_INLINE Vec<uint16_t> joinSplit(const Vecs<uint32_t, 2>& v)
+{
+    const Register high = reg(shiftLeft(v[1], 16));
+#if RVK_AVX512
+    return vec<uint16_t>(_mm512_mask_blend_epi16(0xaaaaaaaa, reg(v[0]), high));
+#else
+    return vec<uint16_t>(RVK_MM(blend_epi16)(reg(v[0]), high, 0xaa));
+#endif
+}
+
+// ---- scattered memory -----------------------------------------------------------------------------------------------
+
+#if defined(__AVX2__)
+
+constexpr size_t kGatherReach = 4;
+
+// The 32 bits at p + offset; offsets are below 2^31.
+RVK_INLINE Vec<uint32_t> gatherWords(const uint8_t* p, Vec<uint32_t> offset)
+{
+#if RVK_AVX512
+    return vec<uint32_t>(_mm512_i32gather_epi32(reg(offset), p, 1));
+#else
+    return vec<uint32_t>(_mm256_i32gather_epi32(reinterpret_cast<const int*>(p), reg(offset), 1));
+#endif
+}
+
+// The two bytes at p + offset, as loaded.
+RVK_INLINE Vec<uint16_t> gatherPairs(const uint8_t* p, const Vecs<uint32_t, 2>& offsets)
+{
+    return joinSplit(Vecs<uint32_t, 2>{gatherWords(p, offsets[0]), gatherWords(p, offsets[1])});
+}
+
+// The byte at p + offset.
+RVK_INLINE Vec<uint16_t> gatherBytes(const uint8_t* p, const Vecs<uint32_t, 2>& offsets)
+{
+    return gatherPairs(p, offsets) & splat<uint16_t>(255);
+}
+
+#else
+
+constexpr size_t kGatherReach = 2;
+
+RVK_INLINE Vec<uint32_t> gatherWords(const uint8_t* p, Vec<uint32_t> offset)
+{
+    Vec<uint32_t> r;
+    unrolled<4>([&](auto i) RVK_INLINE_LAMBDA {
+        constexpr size_t lane = i;
+        uint32_t word;
+        __builtin_memcpy(&word, p + offset.raw[lane], sizeof word);
+        r.raw[lane] = word;
+    });
+    return r;
+}
+
+RVK_INLINE Vec<uint16_t> gatherPairs(const uint8_t* p, const Vecs<uint32_t, 2>& offsets)
+{
+    Vec<uint16_t> r;
+    unrolled<8>([&](auto i) RVK_INLINE_LAMBDA {
+        constexpr size_t lane = i;
+        uint16_t pair;
+        __builtin_memcpy(&pair, p + offsets[lane % 2].raw[lane / 2], sizeof pair);
+        r.raw[lane] = pair;
+    });
+    return r;
+}
+
+RVK_INLINE Vec<uint16_t> gatherBytes(const uint8_t* p, const Vecs<uint32_t, 2>& offsets)
+{
+    Vec<uint16_t> r;
+    unrolled<8>([&](auto i) RVK_INLINE_LAMBDA {
+        constexpr size_t lane = i;
+        r.raw[lane] = p[offsets[lane % 2].raw[lane / 2]];
+    });
+    return r;
+}
+
+#endif
 
 // ---- neighbours -----------------------------------------------------------------------------------------------------
 
