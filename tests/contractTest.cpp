@@ -559,7 +559,7 @@ public:
         std::vector<double> numbers;
         for (const Argument& a : function.arguments)
             numbers.push_back(largestChoice(a));
-        m_widthStep = rule.widthMultiple;
+        m_widthStep = std::lcm(rule.widthMultiple, function.contract.unit.width);
         for (size_t i = 0; i < function.arguments.size(); i++) {
             const Argument& a = function.arguments[i];
             const bool hasFreeRows = a.isOutput() && rule.outputAlignment;
@@ -567,7 +567,7 @@ public:
                 m_widthStep = std::lcm(m_widthStep, stepOfAlignedRows(a, numbers));
         }
         m_leastHeight = std::max(rule.leastHeight, function.windowOf(numbers).height);
-        m_leastHeight = roundedUp(m_leastHeight, rule.heightMultiple);
+        m_leastHeight = roundedUp(m_leastHeight, std::lcm(rule.heightMultiple, function.contract.unit.height));
     }
 
     void run() const
@@ -578,8 +578,9 @@ public:
         const CaseSize least{width, m_leastHeight};
         expect(true, least, "the least work");
         expect(false, {width - m_widthStep, m_leastHeight}, "too little work");
-        if (m_leastHeight > 1)
-            expect(false, {2 * width, m_leastHeight - m_rule.heightMultiple}, "too low");
+        const uint32_t heightStep = std::lcm(m_rule.heightMultiple, m_function.contract.unit.height);
+        if (m_leastHeight > heightStep)
+            expect(false, {2 * width, m_leastHeight - heightStep}, "too low");
         if (m_rule.heightMultiple > 1)
             expect(false, {2 * width, m_leastHeight + 1}, "a wrong height");
         if (m_widthStep > 1)

@@ -319,6 +319,8 @@ bool FunctionTest::refuses(const std::vector<double>& numbers) const
     const auto number = [&](Role role, double otherwise) { return numberOf(*this, role, numbers, otherwise); };
     const double width = number(Role::width, least.width), height = number(Role::height, least.height);
     bool isWrong = width < std::max(1u, least.width) || height < std::max(1u, least.height);
+    if (contract.refusesOtherSizes)
+        isWrong |= std::fmod(width, contract.unit.width) != 0 || std::fmod(height, contract.unit.height) != 0;
     for (size_t i = 0; i < arguments.size(); i++) {
         const Argument& a = arguments[i];
         isWrong |=
@@ -356,10 +358,10 @@ std::vector<std::pair<size_t, double>> FunctionTest::wrongNumbers(const std::vec
             tryNumbers(i, arguments[i].refused);
             break;
         case Role::width:
-            tryNumbers(i, {0, least.width - 1.0});
+            tryNumbers(i, {0, least.width - 1.0, width + 1});
             break;
         case Role::height:
-            tryNumbers(i, {0, least.height - 1.0});
+            tryNumbers(i, {0, least.height - 1.0, height + 1});
             break;
         case Role::secondWidth:
             tryNumbers(i, {0, width - 1, width + 1});
@@ -384,6 +386,12 @@ std::vector<std::pair<size_t, double>> FunctionTest::wrongNumbers(const std::vec
         }
     }
     return wrong;
+}
+
+CaseSize FunctionTest::wholeUnits(CaseSize size) const
+{
+    const auto roundedUp = [](uint32_t number, uint32_t unit) { return (number + unit - 1) / unit * unit; };
+    return {roundedUp(size.width, contract.unit.width), roundedUp(size.height, contract.unit.height)};
 }
 
 bool FunctionTest::canRefuse() const

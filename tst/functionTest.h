@@ -402,7 +402,9 @@ struct Contract
 {
     CaseSize least{1, 1};      // that the function accepts, besides windows that are arguments
     CaseSize leastDrawn{1, 1}; // where smaller ones may be refused for what they hold
-    uint32_t window = 1;       // width and height, where they are no arguments
+    CaseSize unit{1, 1};       // of which sizes are multiples
+    bool refusesOtherSizes = false;
+    uint32_t window = 1; // width and height, where they are no arguments
     Border atBorder = Border::none;
     InPlace dstIsSrc = InPlace::undefined;
     uint64_t mostPixels = UINT64_MAX; // of a picture
@@ -420,6 +422,11 @@ struct Contract
     Contract drawnFrom(uint32_t width, uint32_t height) const
     {
         return changed([=](Contract& c) { c.leastDrawn = {width, height}; });
+    }
+    // Pictures of a width and height that are multiples of these, and whether others are refused.
+    Contract inUnitsOf(uint32_t width, uint32_t height, bool refused = true) const
+    {
+        return changed([=](Contract& c) { c.unit = {width, height}, c.refusesOtherSizes = refused; });
     }
     // Takes windows of size x size pixels, of pictures of any size.
     Contract windows(uint32_t size) const
@@ -526,6 +533,8 @@ struct FunctionTest
     CaseSize leastAccepted(const std::vector<double>& numbers) const;
     CaseSize leastDrawn(const std::vector<double>& numbers) const;
     CaseSize leastEffective(const std::vector<double>& numbers) const;
+    // The size, or the next larger one of whole units.
+    CaseSize wholeUnits(CaseSize size) const;
     // Whether the function refuses a call because of one of its sizes or other numbers.
     bool refuses(const std::vector<double>& numbers) const;
     // Single numbers that make it do so, by their arguments: those for which there may be images, or any.
@@ -584,9 +593,10 @@ Argument completed(Argument argument)
     return argument;
 }
 
-template <class Result, class... Parameters>
-FunctionTest describe(const char* name, const char* functionName, const char* tableName,
-                      Result (*function)(Parameters...), const std::vector<Argument>& given)
+// A function that is called by `call(function, arguments...)`.
+template <class Result, class... Parameters, class Function, class Call>
+FunctionTest describeCall(const char* name, const char* functionName, const char* tableName, Function* entry, Call call,
+                          const std::vector<Argument>& given)
 {
     if (given.size() != sizeof...(Parameters))
         abort();
@@ -599,18 +609,18 @@ FunctionTest describe(const char* name, const char* functionName, const char* ta
                           .hasStatus = std::is_same_v<Result, rvkStatus> || std::is_same_v<Result, int32_t>,
                           .hasCount = std::is_same_v<Result, uint32_t>,
                           .withoutMemory = std::is_same_v<Result, int32_t> ? -1 : RAVIK_ENORES,
-                          .entry = reinterpret_cast<AnyFunction>(function),
+                          .entry = reinterpret_cast<AnyFunction>(entry),
                           .bindTo = {}};
-        test.bindTo = [](AnyFunction any, const CallValues& callValues) -> std::function<Outcome()> {
-            return [function = reinterpret_cast<Result (*)(Parameters...)>(any),
-                    values = std::tuple(argumentAs<Parameters>(callValues, I)...)] {
+        test.bindTo = [call](AnyFunction any, const CallValues& callValues) -> std::function<Outcome()> {
+            return [call,
+                    values = std::tuple(reinterpret_cast<Function*>(any), argumentAs<Parameters>(callValues, I)...)] {
                 Outcome outcome;
                 if constexpr (std::is_void_v<Result>)
-                    std::apply(function, values);
+                    std::apply(call, values);
                 else if constexpr (!std::is_same_v<Result, uint32_t>)
-                    outcome.status = std::apply(function, values);
+                    outcome.status = std::apply(call, values);
                 else
-                    outcome.count = std::apply(function, values);
+                    outcome.count = std::apply(call, values);
                 return outcome;
             };
         };
@@ -619,6 +629,26 @@ FunctionTest describe(const char* name, const char* functionName, const char* ta
     (std::index_sequence_for<Parameters...>());
 }
 
+template <class Result, class... Parameters>
+FunctionTest describe(const char* name, const char* functionName, const char* tableName,
+                      Result (*function)(Parameters...), const std::vector<Argument>& given)
+{
+    using Function = Result(Parameters...);
+    const auto call = [](Function* any, Parameters... parameters) { return any(parameters...); };
+    return describeCall<Result, Parameters...>(name, functionName, tableName, function, call, given);
+}
+
+// A function that takes structures of images: `adapter(function, arguments...)` makes them of the arguments that are
+// described.
+template <class Function, class Result, class... Parameters>
+FunctionTest describeAdapted(const char* name, const char* tableName, Function* function,
+                             Result (*adapter)(Function*, Parameters...), const std::vector<Argument>& given)
+{
+    return describeCall<Result, Parameters...>(name, name, tableName, function, adapter, given);
+}
+
 #define RVK_TEST(function, ...) describe(#function, #function, #function, function, {__VA_ARGS__})
 // A variant of a function: tested under a name of its own, by the function's line of the test table.
 #define RVK_TEST_AS(name, tableName, function, ...) describe(name, #function, tableName, function, {__VA_ARGS__})
+#define RVK_TEST_ADAPTED(tableName, function, adapter, ...) \
+    describeAdapted(#function, tableName, function, adapter, {__VA_ARGS__})

@@ -351,10 +351,9 @@ bool TestCase::draw(CaseSize size, Wanted wanted, bool packed, RandomBits& rando
     drawNumbers(random);
     const CaseSize least =
         wanted == Wanted::accepts ? m_function.leastDrawn(numbers()) : m_function.leastEffective(numbers());
-    m_width = size.width + least.width - 1;
-    m_height = size.height + least.height - 1;
     std::vector<double> drawn = numbers();
-    m_function.drawSizes(drawn, {m_width, m_height}, random);
+    m_function.drawSizes(drawn, m_function.wholeUnits({size.width + least.width - 1, size.height + least.height - 1}),
+                         random);
     take(drawn);
     if (wanted == Wanted::refuses)
         drawFault(random);

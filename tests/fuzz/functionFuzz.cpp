@@ -128,6 +128,9 @@ private:
     {
         m_width = takeSize();
         m_height = takeSize();
+        const CaseSize unit = function.contract.unit;
+        if (!function.contract.refusesOtherSizes || m_input.oneIn(2))
+            m_width -= m_width % unit.width, m_height -= m_height % unit.height;
         for (size_t i = 0; i < arguments().size(); i++) {
             if (arguments()[i].role == Role::area)
                 m_height = 1;

@@ -129,7 +129,7 @@ private:
 
 inline void FunctionCall::draw(CaseSize size, const Layout& layout)
 {
-    m_size = size;
+    m_size = size = m_function.wholeUnits(size);
     m_blocks.clear();
     std::vector<uint32_t> strides(m_function.arguments.size());
     m_function.drawSizes(values.numbers, size, m_bits);
