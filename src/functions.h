@@ -42,6 +42,10 @@ enum class Kernel : uint32_t {
 };
 inline constexpr uint32_t kKernels = static_cast<uint32_t>(Kernel::count);
 
+// Public functions that are dispatched by the internal list.
+using ::rvkScaleDownBy2Gaussian5x5f32;
+using ::rvkScaleDownBy2Gaussian5x5f32_v2;
+
 // Every reference has the signature of its public function (of its own declaration in offload.h for internal
 // operations); a definition that deviates does not link.
 #define RVK_FUNCTION(name, reference, vecta, remote) RVK_WHEN_##reference(decltype(::name) name##C;)

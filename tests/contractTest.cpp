@@ -28,12 +28,20 @@ void forEachFunction(const std::function<void(const FunctionTest&)>& action)
         action(*function);
 }
 
-constexpr uint32_t kNoSlot = kPublicFunctions;
+// The rows of both lists, the public one first.
+constexpr uint32_t kNoSlot = kPublicFunctions + kInternalFunctions;
+
+template <class Action>
+auto ofRow(uint32_t slot, Action action)
+{
+    return slot < kPublicFunctions ? action(static_cast<Slot>(slot))
+                                   : action(static_cast<InternalSlot>(slot - kPublicFunctions));
+}
 
 uint32_t slotNamed(const std::string& name)
 {
-    for (uint32_t slot = 0; slot < kPublicFunctions; slot++)
-        if (name == nameOf(static_cast<Slot>(slot)))
+    for (uint32_t slot = 0; slot < kNoSlot; slot++)
+        if (name == ofRow(slot, [](auto row) { return nameOf(row); }))
             return slot;
     return kNoSlot;
 }
@@ -47,7 +55,12 @@ uint32_t slotOf(const FunctionTest& function)
 
 Cell referenceOf(uint32_t slot)
 {
-    return dispatchState.table[slot * kTargets];
+    return ofRow(slot, [](auto row) { return referenceCellOf(row); });
+}
+
+std::vector<NamedCell> vectaCells(uint32_t slot)
+{
+    return ofRow(slot, [](auto row) { return vectaCellsOf(row); });
 }
 
 // ---- faults that end the process ------------------------------------------------------------------------------------
@@ -475,13 +488,20 @@ class AllOnUnit
 public:
     explicit AllOnUnit(RVK_IMPL unit)
     {
-        std::fill(std::begin(dispatchState.targets), std::end(dispatchState.targets), unit);
+        setAll(unit);
         dispatchState.runtimeLog = 1;
     }
     ~AllOnUnit()
     {
-        std::fill(std::begin(dispatchState.targets), std::end(dispatchState.targets), RVK_IMPL_CPU);
+        setAll(RVK_IMPL_CPU);
         dispatchState.runtimeLog = 0;
+    }
+
+private:
+    static void setAll(RVK_IMPL unit)
+    {
+        std::fill(std::begin(dispatchState.targets), std::end(dispatchState.targets), unit);
+        std::fill(std::begin(dispatchState.internalTargets), std::end(dispatchState.internalTargets), unit);
     }
 };
 
@@ -720,7 +740,7 @@ class Comparison
 {
 public:
     Comparison(const FunctionTest& function, uint32_t slot, uint32_t seed)
-        : m_function(function), m_cells(vectaCellsOf(slot)), m_reference(referenceOf(slot)), m_bits(seed),
+        : m_function(function), m_cells(vectaCells(slot)), m_reference(referenceOf(slot)), m_bits(seed),
           m_call(function, m_bits)
     {
     }
@@ -810,7 +830,7 @@ TEST(Contract, NeedsNoMemoryOrWritesNothing)
         if (slot == kNoSlot)
             return;
         expectSafeWithoutMemory(function, {"C", referenceOf(slot)});
-        for (const NamedCell& cell : vectaCellsOf(slot))
+        for (const NamedCell& cell : vectaCells(slot))
             expectSafeWithoutMemory(function, cell);
     });
 }

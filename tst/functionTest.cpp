@@ -342,12 +342,21 @@ std::vector<std::pair<size_t, double>> FunctionTest::wrongNumbers(const std::vec
     const Interval columns = across(*this, numbers), rows = down(*this, numbers);
     const double width = numberOf(*this, Role::width, numbers, columns.end());
     const double height = numberOf(*this, Role::height, numbers, rows.end());
+    const auto hasImages = [&](const std::vector<double>& changed) {
+        const CaseSizes sizes = sizesFor({static_cast<uint32_t>(numberOf(*this, Role::width, changed, columns.end())),
+                                          static_cast<uint32_t>(numberOf(*this, Role::height, changed, rows.end()))},
+                                         changed);
+        return std::none_of(arguments.begin(), arguments.end(), [&](const Argument& a) {
+            return a.isPicture() && (a.sizeIn(sizes).columns == 0 || a.sizeIn(sizes).rows == 0);
+        });
+    };
     std::vector<std::pair<size_t, double>> wrong;
     const auto tryNumbers = [&](size_t argument, const std::vector<double>& candidates) {
         for (const double number : candidates) {
             std::vector<double> changed = numbers;
             changed[argument] = number;
-            const bool leavesImages = arguments[argument].role == Role::scalar || (number > 0 && number < UINT32_MAX);
+            const bool isSize = arguments[argument].role != Role::scalar;
+            const bool leavesImages = !isSize || (number > 0 && number < UINT32_MAX && hasImages(changed));
             if ((any || leavesImages) && refuses(changed))
                 wrong.push_back({argument, number});
         }

@@ -146,6 +146,9 @@ constexpr const char* kWithVectors[] = {
 #define RVK_FUNCTION(name, reference, vecta, remote) RVK_WHEN_##vecta(#name, )
 #include "functionList.inc"
 #undef RVK_FUNCTION
+#define RVK_INTERNAL_FUNCTION(name, reference, vecta, remote) RVK_WHEN_##vecta(#name, )
+#include "internalFunctionList.inc"
+#undef RVK_INTERNAL_FUNCTION
 };
 
 bool hasVectors(const std::string& function)

@@ -26,6 +26,7 @@
 #include "median.h"
 #include "minmax.h"
 #include "morphology.h"
+#include "scale.h"
 #include "threshold.h"
 #include "transform.h"
 #include "types.h"

@@ -2,7 +2,7 @@
 #include "simd/kernels.h"
 
 #include "vecta/simd/chroma.h"
-#include "vecta/simd/rowSums.h"
+#include "vecta/simd/scaling.h"
 #include "vecta/simd/tiles.h"
 
 namespace rvk::vecta::RVK_ISA {
@@ -493,6 +493,27 @@ SimdGroup pairs()
     return group(list);
 }
 
+// ---- rows that become shorter or longer -----------------------------------------------------------------------------
+
+SimdGroup scaling()
+{
+    constexpr size_t n = kLanes<uint8_t>;
+    static constexpr SimdOperation list[] = {
+        mapping<uint8_t, uint16_t, 2 * n + 1, n>(
+            "everySecondSum of 3",
+            [](const uint8_t* in, uint16_t* out) { store(out, everySecondSum<Weights<1, 2, 1>>(in)); },
+            [](const uint8_t* in, size_t i) { return in[2 * i] + 2 * in[2 * i + 1] + in[2 * i + 2]; }),
+        mapping<uint8_t, uint16_t, 2 * n + 3, n>(
+            "everySecondSum of 5",
+            [](const uint8_t* in, uint16_t* out) { store(out, everySecondSum<Weights<1, 4, 6, 4, 1>>(in)); },
+            [](const uint8_t* in, size_t i) {
+                const uint8_t* p = in + 2 * i;
+                return p[0] + 4 * p[1] + 6 * p[2] + 4 * p[3] + p[4];
+            }),
+    };
+    return group(list);
+}
+
 // ---- wider and narrower elements ------------------------------------------------------------------------------------
 
 template <class T>
@@ -643,11 +664,11 @@ SimdGroup narrowingWithRounding()
             },
             [](const T* in, size_t i) { return saturate<To>((int64_t{in[i] >> spare} + 1) >> 1); }),
         mapping<T, To, n, n>(
-            "narrowRoundedInLanes by half",
+            "narrowRounded by half",
             [](const T* in, To* out) {
-                const Vecs<T, 2> v = loadInLanes(in);
-                store(out, narrowRoundedInLanes<To, sizeof(To) * 8>(
-                               Vecs<T, 2>{shiftRight(v[0], spare), shiftRight(v[1], spare)}));
+                const Vecs<T, 2> v = loadVecs<2>(in);
+                store(out,
+                      narrowRounded<To, sizeof(To) * 8>(Vecs<T, 2>{shiftRight(v[0], spare), shiftRight(v[1], spare)}));
             },
             [](const T* in, size_t i) {
                 constexpr int half = 1 << (sizeof(To) * 8 - 1);
@@ -1245,6 +1266,7 @@ SimdGroup (*const kGroups[])() = {
     wideProducts<uint16_t>,
     wideProducts<int16_t>,
     pairs,
+    scaling,
     wideAndNarrowMasks<int8_t>,
     wideAndNarrowMasks<int16_t>,
     narrowing<uint16_t>,

@@ -557,6 +557,12 @@ RVK_INLINE Vec<To> narrowRoundedInLanes(const Vecs<T, 2>& v)
         return join(vqrshrun_n_s32(reg(v[0]), count), vqrshrun_n_s32(reg(v[1]), count));
 }
 
+template <class To, unsigned count, class T>
+RVK_INLINE Vec<To> narrowRounded(const Vecs<T, 2>& v)
+{
+    return narrowRoundedInLanes<To, count>(v);
+}
+
 // shiftRightRounded of the products with a number, for counts from 1 to 29.
 RVK_INLINE Vecs<int32_t, 2> multiplyAndShiftInLanes(Vec<int16_t> v, int16_t factor, unsigned count)
 {

@@ -32,7 +32,7 @@
 //             shiftLeftSat(v, count): u16, s16
 //             multiplyRounded(a, b): u8, (a * b + 2^7) >> 8; s16, (a * b + 2^14) >> 15, not of -32768 twice
 //             multiplyHighRounded(a, b): u16, (a * b + 2^15) >> 16, b below 2^15
-//             narrowRoundedInLanes<To, count>(vs): narrowSatInLanes<To> of the rounded shift, but not of u32
+//             narrowRounded<To, count>(vs), narrowRoundedInLanes: narrowSat<To> of the rounded shift, but not of u32
 //             multiplyAndShiftInLanes(v, factor, count): s16, s32: the rounded shift of the products, count < 30
 // Weights     weightedMean(a, b, weight1, weight2): u8, (a * weight1 + b * weight2 + 128) >> 8, weights from 0 to 255
 //             that make 256 at most; weightedSum: clamped, for any weights of which isWeightOfSums(weight) is true

@@ -713,10 +713,18 @@ RVK_INLINE Vec<int32_t> shiftRightRounded(Vec<int32_t> v, unsigned count)
     return shiftRight(v + splat(1 << (count - 1)), count);
 }
 
-// narrowSatInLanes of shiftRightRounded.
+// narrowSatInLanes of shiftRightRounded, and in order. (What was shifted by two bits or more has no sign bit to mistake.)
 template <class To, unsigned count, class T> RVK_INLINE Vec<To> narrowRoundedInLanes(const Vecs<T, 2>& v)
 {
-    return narrowSatInLanes<To>(both(v, [](auto half) RVK_INLINE_LAMBDA { return shiftRightRounded(half, count); }));
+    const auto rounded = both(v, [](auto half) RVK_INLINE_LAMBDA { return shiftRightRounded(half, count); });
+    if constexpr (isSame<T, uint16_t> && count >= 2)
+        return narrowSatInLanes<To>(bitCast<int16_t>(rounded));
+    else
+        return narrowSatInLanes<To>(rounded);
+}
+template <class To, unsigned count, class T> RVK_INLINE Vec<To> narrowRounded(const Vecs<T, 2>& v)
+{
+    return orderPacked(narrowRoundedInLanes<To, count>(v));
 }
 
 // shiftRightRounded of the products with a number, for counts from 1 to 29. The rounding term is a product as well, so
