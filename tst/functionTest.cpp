@@ -245,7 +245,8 @@ static double roundedFor(const Argument& a, double number)
         return static_cast<float>(number);
     return visitElement(a.element, [=](auto zero) {
         using Limits = std::numeric_limits<decltype(zero)>;
-        return std::clamp(std::floor(number + 0.5), double{1} * Limits::lowest(), double{1} * Limits::max());
+        return std::clamp(std::floor(number + 0.5), static_cast<double>(Limits::lowest()),
+                          static_cast<double>(Limits::max()));
     });
 }
 
