@@ -70,6 +70,18 @@ struct Picture
     {
         return mat(out<T>(index), height, width, channels);
     }
+    // Of another size, for functions from or to pictures that are not as large as this one.
+    template <class T>
+    cv::Mat matIn(cv::Size size, unsigned index = 0, int channels = 1) const
+    {
+        return mat(const_cast<T*>(in<T>(index)), static_cast<uint32_t>(size.height), static_cast<uint32_t>(size.width),
+                   channels);
+    }
+    template <class T>
+    cv::Mat matOut(cv::Size size, unsigned index = 0, int channels = 1) const
+    {
+        return mat(out<T>(index), static_cast<uint32_t>(size.height), static_cast<uint32_t>(size.width), channels);
+    }
     template <class T>
     cv::Mat matOutTurned(unsigned index = 0, int channels = 1) const
     {

@@ -27,6 +27,7 @@ std::span<const TestGroup> testGroups()
         {"ADAPTTHRESH", 12, RAVIK_TEST_ADAPTIVETHRESHOLD_Test, adaptiveThresholdFunctions},
         {"ABSDIFF", 7, RAVIK_TEST_ABSDIFF_Test, absDiffFunctions},
         {"AVERAGE", 7, RAVIK_TEST_AVERAGE_Test, averageFunctions},
+        {"PYRAMID", 7, RAVIK_TEST_PYRAMID_Test, pyramidFunctions},
         {"CHANNEL", 7, RAVIK_TEST_CHANNEL_Test, channelFunctions},
         {"FIR", 3, RAVIK_TEST_FIR_Test, firFunctions},
         {"EDGE", 5, RAVIK_TEST_EDGE_Test, edgeFunctions},

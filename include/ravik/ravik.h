@@ -27,6 +27,7 @@
 #include "minmax.h"
 #include "morphology.h"
 #include "scale.h"
+#include "pyramid.h"
 #include "threshold.h"
 #include "transform.h"
 #include "types.h"

@@ -1,0 +1,5 @@
+// Vector implementations of the pyramids: level after level by those of the scalers and derivatives.
+#include "cpu/ravikPyramidC.h"
+#include "vecta/vecta.h"
+
+#include "forms/ravikPyramidForms.h"
