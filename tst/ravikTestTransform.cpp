@@ -25,8 +25,8 @@ const FunctionGroup& flipFunctions()
 {
     const Argument direction = oneOf({RAVIK_FLIP_HORIZONTAL, RAVIK_FLIP_VERTICAL, RAVIK_FLIP_BOTH}).refusing({0, 4});
     const Argument pairs = src.ofChannels(2), turnedDst = dst.ofChannels(2).transposed();
-    const Argument right = oneOf({RAVIK_ROTATE_90}), around = oneOf({RAVIK_ROTATE_180}),
-                   left = oneOf({RAVIK_ROTATE_270});
+    const Argument quarter = oneOf({RAVIK_ROTATE_90}), half = oneOf({RAVIK_ROTATE_180}),
+                   threeQuarters = oneOf({RAVIK_ROTATE_270});
 
     const Contract turned = Contract().refusingInPlace().onDsp({.alignment = 8, .widthMultiple = 8});
     const Contract turnedPairs = Contract().refusingInPlace().onDsp({.alignment = 8, .elementsPerPixel = 2});
@@ -52,20 +52,20 @@ const FunctionGroup& flipFunctions()
             RVK_TEST_AS("rvkFlipRGB888u8_in_place", "rvkFlipRGB888u8", rvkFlipRGB888u8, sameAs(4), width, height,
                         stride, updated.ofChannels(3), stride, direction)
                 .keeps(flippedColours),
-            RVK_TEST(rvkRotateImageu8, src, width, height, stride, dst.transposed(), stride, right).keeps(turned),
+            RVK_TEST(rvkRotateImageu8, src, width, height, stride, dst.transposed(), stride, quarter).keeps(turned),
             RVK_TEST_AS("rvkRotateImageu8_180", "rvkRotateImageu8", rvkRotateImageu8, src, width, height, stride, dst,
-                        stride, around)
+                        stride, half)
                 .keeps(flippedBytes),
             RVK_TEST_AS("rvkRotateImageu8_270", "rvkRotateImageu8", rvkRotateImageu8, src, width, height, stride,
-                        dst.transposed(), stride, left)
+                        dst.transposed(), stride, threeQuarters)
                 .keeps(turned),
-            RVK_TEST(rvkRotateImageInterleavedu8, pairs, width, height, stride, turnedDst, stride, right)
+            RVK_TEST(rvkRotateImageInterleavedu8, pairs, width, height, stride, turnedDst, stride, quarter)
                 .keeps(turnedPairs),
             RVK_TEST_AS("rvkRotateImageInterleavedu8_180", "rvkRotateImageInterleavedu8", rvkRotateImageInterleavedu8,
-                        pairs, width, height, stride, dst.ofChannels(2), stride, around)
+                        pairs, width, height, stride, dst.ofChannels(2), stride, half)
                 .keeps(flippedPairs),
             RVK_TEST_AS("rvkRotateImageInterleavedu8_270", "rvkRotateImageInterleavedu8", rvkRotateImageInterleavedu8,
-                        pairs, width, height, stride, turnedDst, stride, left)
+                        pairs, width, height, stride, turnedDst, stride, threeQuarters)
                 .keeps(turnedPairs),
         }};
     return group;
