@@ -120,6 +120,11 @@ void irvkRowRGBA8888ToRGB888C(const uint8_t* src, uint32_t width, uint8_t* dst);
 void irvkRowRGBA8888ToBGR888C(const uint8_t* src, uint32_t width, uint8_t* dst);
 void irvkRowRGBA8888ToBGRA8888C(const uint8_t* src, uint32_t width, uint8_t* dst);
 
+// A row of `dstWidth` pixels of 1 or 2 bytes: each byte is the rounded mean of that byte of the pixels in `rows` rows of
+// the source, columns floor(x * srcWidth / dstWidth) to floor((x + 1) * srcWidth / dstWidth) - 1.
+void irvkScaleDownMNCoreC(const uint8_t* src, uint32_t srcWidth, uint32_t rows, uint32_t srcStride, uint32_t pixelSize,
+                          uint8_t* dst, uint32_t dstWidth);
+
 template <auto slot>
 struct SignatureOf; // Type: pointer to the functions that fill the slot's row; absent while the row has no reference
 

@@ -34,6 +34,7 @@ const FunctionGroup& colorToRgbFunctions();
 const FunctionGroup& colorSamplingFunctions();
 const FunctionGroup& colorFromRgbFunctions();
 const FunctionGroup& scaleFunctions();
+std::vector<FunctionTest> resizeFunctions(); // those of SCALE that are of any ratio
 const FunctionGroup& blurFunctions();
 const FunctionGroup& edgesFunctions();
 const FunctionGroup& scharrFunctions();

@@ -37,6 +37,63 @@ RVK_API void rvkScaleDownBy2Gaussian5x5f32(const float32_t* srcImg, uint32_t wid
 RVK_API void rvkScaleDownBy2Gaussian5x5f32_v2(const float32_t* srcImg, uint32_t width, uint32_t height,
                                               uint32_t srcStride, float32_t* dst, uint32_t dstStride);
 
+/* ---- any ratio ----------------------------------------------------------------------------------------------------- */
+
+/* Centres lie on centres: that of column x of the destination is at (x + 1/2) * srcWidth / dstWidth - 1/2 among the columns
+ * of the source, and rows are alike. Rows and columns have at most 2^31 - 1 bytes, a source has at most 2^55 pixels;
+ * dst == src is refused. What needs scratch memory and gets none is slower; the result is the same.
+ *
+ *   Nearest   the pixel that contains the centre; the one to the right, or below, when the centre lies on an edge.
+ *   Bilinear  positions are rounded half up to 1/8192 of a pixel. Values between columns are rounded half up to 1/128,
+ *             those between rows as well, and then half up to an integer. So a value deviates by less than 0.55 from the
+ *             exact one, and is that, rounded half up, where fractions of positions are multiples of 1/8. A neighbour of
+ *             weight 0 is not read.
+ *   Area      the mean of the exact area that the pixel covers, in integers, rounded half up. It may be less than a pixel
+ *             of the source. */
+
+/* Nearest, to a destination that is not larger. */
+RVK_API void rvkScaleDownNNu8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
+                              uint8_t* dst, uint32_t dstWidth, uint32_t dstHeight, uint32_t dstStride);
+
+/* Bilinear, to a destination that is not larger. */
+RVK_API void rvkScaleDownBLu8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
+                              uint8_t* dst, uint32_t dstWidth, uint32_t dstHeight, uint32_t dstStride);
+
+/* Area, to a destination that is not larger. Rows of the first are packed. */
+RVK_API void rvkScaleDownu8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint8_t* dst, uint32_t dstWidth,
+                            uint32_t dstHeight);
+RVK_API rvkStatus rvkScaleDownu8_v2(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
+                                    uint8_t* dst, uint32_t dstWidth, uint32_t dstHeight, uint32_t dstStride);
+
+/* To a larger or smaller destination, by RAVIK_INTERPOLATION_NEAREST, _BILINEAR or _AREA. Neighbours outside of the
+ * picture have the value of the nearest pixel inside. */
+RVK_API rvkStatus rvkScaleu8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
+                             uint8_t* dst, uint32_t dstWidth, uint32_t dstHeight, uint32_t dstStride,
+                             uint32_t interpolation);
+
+/* The same with a border, which bilinear interpolation meets where it enlarges: neighbours outside have the value of the
+ * nearest pixel (RAVIK_BORDER_REPLICATE) or borderValue (_CONSTANT), or pixels that need one stay as they are (_NONE). */
+RVK_API rvkStatus rvkScaleu8_v2(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
+                                uint8_t* dst, uint32_t dstWidth, uint32_t dstHeight, uint32_t dstStride,
+                                uint32_t interpolation, uint32_t borderType, uint8_t borderValue);
+
+/* Cubic, to a destination that is not smaller: Catmull and Rom's spline through 4 x 4 pixels (Keys, "Cubic Convolution
+ * Interpolation for Digital Image Processing", 1981, a = -1/2), clamped; neighbours outside have the value of the nearest
+ * pixel. Positions are as bilinear ones, weights have 12 bits and make 1 in sum, values between columns 6 bits of a
+ * fraction; the result is rounded half up. Pixels of the second are pairs of bytes, in which its widths are. */
+RVK_API void rvkScaleUpPolyu8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
+                              uint8_t* dst, uint32_t dstWidth, uint32_t dstHeight, uint32_t dstStride);
+RVK_API void rvkScaleUpPolyInterleaveu8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
+                                        uint8_t* dst, uint32_t dstWidth, uint32_t dstHeight, uint32_t dstStride);
+
+/* Means of whole pixels, to a destination that is not larger: column x is the mean of columns
+ * floor(x * srcWidth / dstWidth) to floor((x + 1) * srcWidth / dstWidth) - 1, rows are alike; rounded half up. Pixels of
+ * the second are pairs of bytes, in which its widths are. */
+RVK_API void rvkScaleDownMNu8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
+                              uint8_t* dst, uint32_t dstWidth, uint32_t dstHeight, uint32_t dstStride);
+RVK_API void rvkScaleDownMNInterleaveu8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
+                                        uint8_t* dst, uint32_t dstWidth, uint32_t dstHeight, uint32_t dstStride);
+
 RVK_EXTERN_C_END
 
 #endif

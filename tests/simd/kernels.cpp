@@ -383,6 +383,24 @@ SimdGroup pairsAndCopies()
     return group(list);
 }
 
+// Windows of a row of three of them begin where bytes say, indices follow.
+template <size_t n>
+constexpr SimdOperation lookingUpWindows(const char* name)
+{
+    constexpr size_t windows = kBytes / kWindow, row = 3 * kWindow;
+    return mapping<uint8_t, uint8_t, row + windows + kBytes, kBytes>(
+        name,
+        [](const uint8_t* in, uint8_t* out) {
+            uint32_t offsets[windows];
+            for (size_t i = 0; i < windows; ++i)
+                offsets[i] = in[row + i] % kWindow;
+            store(out, lookupWindows<n>(in, offsets, load(in + row + windows) & splat<uint8_t>(n * kWindow - 1)));
+        },
+        [](const uint8_t* in, size_t i) {
+            return in[in[row + i / kWindow] % kWindow + in[row + windows + i] % (n * kWindow)];
+        });
+}
+
 SimdGroup single()
 {
     static constexpr SimdOperation list[] = {
@@ -452,6 +470,8 @@ SimdGroup single()
                 store(out, lookup32(loadTable32(in), load(in + 32) & splat<uint8_t>(31)));
             },
             [](const uint8_t* in, size_t i) { return in[in[32 + i] % 32]; }),
+        lookingUpWindows<1>("lookupWindows<1>"),
+        lookingUpWindows<2>("lookupWindows<2>"),
         mapping<uint8_t, uint8_t, 256 + kLanes<uint8_t>, kLanes<uint8_t>>(
             "lookup",
             [](const uint8_t* in, uint8_t* out) {

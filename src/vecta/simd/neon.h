@@ -726,6 +726,18 @@ RVK_INLINE Vec<uint8_t> lookup(const Table256& table, Vec<uint8_t> index)
 
 #endif
 
+// Bytes of a row, chosen from a window of it of n * kWindow bytes, which begins at the offset.
+constexpr size_t kWindow = 16;
+template <size_t n>
+RVK_INLINE Vec<uint8_t> lookupWindows(const uint8_t* row, const uint32_t* offsets, Vec<uint8_t> indices)
+{
+    static_assert(n == 1 || n == 2);
+    if constexpr (n == 1)
+        return lookup16(load(row + offsets[0]), indices);
+    else
+        return lookup32(loadTable32(row + offsets[0]), indices);
+}
+
 // Set bits of a machine word, for which 32-bit Arm has no instruction outside the vector unit, and from how many bytes
 // on those of vectors are counted faster.
 RVK_INLINE uint32_t countBits(uint64_t word)

@@ -71,6 +71,8 @@
 // Tables      lookup16(loadTable16(p), indices below 16), lookup32(loadTable32(p), indices below 32),
 //             lookup(prepare(table of 256 bytes), any indices): u8. The table must stay where it is while the prepared
 //             one is in use
+//             lookupWindows<n>(row, offsets, indices): u8; lanes w * kWindow to w * kWindow + kWindow - 1 are bytes of the
+//             row, of the n * kWindow bytes from offsets[w] on those with these indices; n is 1 or 2
 // Scattered   gatherBytes, gatherPairs(p, split offsets below 2^31) -> u16: the byte, or the two bytes, at p + offset;
 //             kGatherReach: bytes from there on that may be read, 2 or more. gatherWords(p, offsets) -> u32: four bytes
 // Sums        addBytesTo(acc u32, u8), addTo(acc, v) for u16 to u32, s16 to s32, u32 to u64, s32 to s64: each element

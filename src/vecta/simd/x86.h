@@ -854,6 +854,43 @@ RVK_INLINE Vec<uint8_t> lookup32(const Table32& table, Vec<uint8_t> index)
                                    bitCast<int8_t>(lookup16(table.first, inHalf))));
 }
 
+// Bytes of a row, chosen from windows of it: windows of n * kWindow bytes begin at each of the offsets, and each is where
+// the next kWindow lanes of the result have their indices.
+#if RVK_AVX512
+constexpr size_t kWindow = 64;
+#else
+constexpr size_t kWindow = 16;
+RVK_INLINE Vec<uint8_t> loadWindows(const uint8_t* row, const uint32_t* offsets)
+{
+#if defined(__AVX2__)
+    const __m256i first = _mm256_castsi128_si256(loadBlock(row + offsets[0]));
+    return vec<uint8_t>(_mm256_inserti128_si256(first, loadBlock(row + offsets[1]), 1));
+#else
+    return vec<uint8_t>(loadBlock(row + offsets[0]));
+#endif
+}
+#endif
+
+template <size_t n>
+RVK_INLINE Vec<uint8_t> lookupWindows(const uint8_t* row, const uint32_t* offsets, Vec<uint8_t> indices)
+{
+    static_assert(n == 1 || n == 2);
+#if RVK_AVX512
+    const Register first = reg(load(row + offsets[0]));
+    if constexpr (n == 1)
+        return vec<uint8_t>(_mm512_permutexvar_epi8(reg(indices), first));
+    else
+        return vec<uint8_t>(_mm512_permutex2var_epi8(first, reg(indices), reg(load(row + offsets[0] + kWindow))));
+#else
+    const Vec<uint8_t> low = lookup16(loadWindows(row, offsets), indices);
+    if constexpr (n == 1)
+        return low;
+    const Vec<uint8_t> high = lookup16(loadWindows(row + kWindow, offsets), indices);
+    const Vec<uint16_t> isHigh = shiftLeft(bitCast<uint16_t>(indices), 3); // the upper bits of bytes
+    return vec<uint8_t>(RVK_MM(blendv_epi8)(reg(low), reg(high), reg(isHigh)));
+#endif
+}
+
 #if RVK_AVX512
 
 struct Table256 {

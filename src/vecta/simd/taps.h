@@ -1,0 +1,176 @@
+// Columns of a destination that are weighted sums of a few pixels of a row: which pixels, with which weights, is made into
+// a table once, from which rows are computed by shuffles.
+//
+// A step is as many columns as a vector has lanes of 16 bits. A column takes one or two pairs of bytes, each with two
+// weights; TapsOfStep is what the table has for one pair of each column of a step.
+#pragma once
+
+#include "vecta/simd/simd.h"
+
+namespace rvk::vecta::RVK_ISA {
+namespace {
+
+constexpr size_t kColumns = Vec<int16_t>::lanes;
+
+// Where the first and the second byte of a column's pair lie among those of a step.
+RVK_INLINE size_t laneOfPair(size_t column, size_t which)
+{
+#if defined(__x86_64__)
+    return 2 * column + which;
+#else
+    return which * kColumns + column;
+#endif
+}
+
+struct TapsOfStep
+{
+    uint8_t indices[kBytes]; // into windows
+#if defined(__x86_64__)
+    int8_t coarse[kBytes], fine[kBytes]; // of the bytes of pairs: weight = 64 * coarse + fine, or as below
+#else
+    int16_t weights[2][kColumns];
+#endif
+};
+
+// Each kind of sum has setWeights, which puts the weights of one pair of a column into the table, and sum, which takes the
+// pairs of all columns of a step and what the table has for them.
+
+// (p0 * (2^13 - weight) + p1 * weight + 2^5) / 2^6, rounded down; on x86 its negative, since a signed byte can be -128,
+// but not 128. Between two such rows, between() is of either sign.
+struct Interpolation
+{
+    static constexpr size_t pairs = 1;
+
+#if defined(__x86_64__)
+    RVK_INLINE static void setWeights(TapsOfStep& taps, size_t column, int32_t, int32_t weight)
+    {
+        const int32_t coarse = (weight + 32) >> 6, fine = weight - 64 * coarse;
+        taps.coarse[2 * column] = static_cast<int8_t>(coarse - 128);
+        taps.coarse[2 * column + 1] = static_cast<int8_t>(-coarse);
+        taps.fine[2 * column] = static_cast<int8_t>(-fine);
+        taps.fine[2 * column + 1] = static_cast<int8_t>(fine);
+    }
+    RVK_INLINE static Vec<int16_t> sum(const Vecs<uint8_t, 1>& pixels, const TapsOfStep* taps)
+    {
+        const Vec<int16_t> fine = dotPairs(pixels[0], load(taps->fine));
+        return dotPairs(pixels[0], load(taps->coarse)) - shiftRightRounded(fine, 6);
+    }
+    // (upper * (2^15 - weight) + lower * weight + 2^14) / 2^15
+    RVK_INLINE static Vec<int16_t> between(Vec<int16_t> upper, Vec<int16_t> lower, Vec<int16_t> weight)
+    {
+        return multiplyRounded(upper - lower, weight) - upper;
+    }
+#else
+    RVK_INLINE static void setWeights(TapsOfStep& taps, size_t column, int32_t, int32_t weight)
+    {
+        taps.weights[0][column] = static_cast<int16_t>(4 * weight);
+    }
+    RVK_INLINE static Vec<int16_t> sum(const Vecs<uint8_t, 1>& pixels, const TapsOfStep* taps)
+    {
+        const Vec<int16_t> first = vec(vreinterpretq_s16_u16(vshll_n_u8(lowHalf(pixels[0]), 7)));
+        const Vec<int16_t> second = vec(vreinterpretq_s16_u16(vshll_n_u8(highHalf(pixels[0]), 7)));
+        return first + multiplyRounded(second - first, load(taps->weights[0]));
+    }
+    RVK_INLINE static Vec<int16_t> between(Vec<int16_t> upper, Vec<int16_t> lower, Vec<int16_t> weight)
+    {
+        return upper + multiplyRounded(lower - upper, weight);
+    }
+#endif
+};
+
+#if defined(__x86_64__)
+RVK_INLINE void setSplitWeights(TapsOfStep& taps, size_t column, int32_t weight0, int32_t weight1)
+{
+    const int32_t coarse0 = (weight0 + 32) >> 6, coarse1 = (weight1 + 32) >> 6;
+    taps.coarse[2 * column] = static_cast<int8_t>(coarse0);
+    taps.coarse[2 * column + 1] = static_cast<int8_t>(coarse1);
+    taps.fine[2 * column] = static_cast<int8_t>(weight0 - 64 * coarse0);
+    taps.fine[2 * column + 1] = static_cast<int8_t>(weight1 - 64 * coarse1);
+}
+#else
+RVK_INLINE void setPlainWeights(TapsOfStep& taps, size_t column, int32_t weight0, int32_t weight1)
+{
+    taps.weights[0][column] = static_cast<int16_t>(weight0);
+    taps.weights[1][column] = static_cast<int16_t>(weight1);
+}
+
+// The bytes of pairs, first and second ones apart, with 16 bits.
+RVK_INLINE Vecs<int16_t, 2> widenPairs(Vec<uint8_t> pairs)
+{
+    return bitCast<int16_t>(widen(pairs));
+}
+#endif
+
+// (p0 * weight0 + ... + p3 * weight3 + 2^5) / 2^6, rounded down, for weights of a sum of 2^12 of which no two neighbours
+// make more than that.
+struct CubicInterpolation
+{
+    static constexpr size_t pairs = 2;
+
+#if defined(__x86_64__)
+    RVK_INLINE static void setWeights(TapsOfStep& taps, size_t column, int32_t weight0, int32_t weight1)
+    {
+        setSplitWeights(taps, column, weight0, weight1);
+    }
+    RVK_INLINE static Vec<int16_t> sum(const Vecs<uint8_t, 2>& pixels, const TapsOfStep* taps)
+    {
+        const auto parts = [&](auto part) RVK_INLINE_LAMBDA {
+            return dotPairs(pixels[0], load(taps[0].*part)) + dotPairs(pixels[1], load(taps[1].*part));
+        };
+        return parts(&TapsOfStep::coarse) + shiftRightRounded(parts(&TapsOfStep::fine), 6);
+    }
+#else
+    RVK_INLINE static void setWeights(TapsOfStep& taps, size_t column, int32_t weight0, int32_t weight1)
+    {
+        setPlainWeights(taps, column, weight0, weight1);
+    }
+    RVK_INLINE static Vec<int16_t> sum(const Vecs<uint8_t, 2>& pixels, const TapsOfStep* taps)
+    {
+        const auto weightsOf = [](const TapsOfStep& pair) RVK_INLINE_LAMBDA {
+            return Vecs<int16_t, 2>{load(pair.weights[0]), load(pair.weights[1])};
+        };
+        const Vecs<int32_t, 2> first = dotInLanes(widenPairs(pixels[0]), weightsOf(taps[0]));
+        const Vecs<int32_t, 2> all = addDotInLanes(first, widenPairs(pixels[1]), weightsOf(taps[1]));
+        return narrowRoundedInLanes<int16_t, 6>(all);
+    }
+#endif
+};
+
+// p0 * weight0 + ..., for weights from 0 to 127 of a sum of 128 at most.
+template <size_t count>
+struct WeightedSum
+{
+    static_assert(count == 1 || count == 2);
+    static constexpr size_t pairs = count;
+
+#if defined(__x86_64__)
+    RVK_INLINE static void setWeights(TapsOfStep& taps, size_t column, int32_t weight0, int32_t weight1)
+    {
+        setSplitWeights(taps, column, 64 * weight0, 64 * weight1);
+    }
+    RVK_INLINE static Vec<int16_t> sumOfPair(Vec<uint8_t> pixels, const TapsOfStep& taps)
+    {
+        return dotPairs(pixels, load(taps.coarse));
+    }
+#else
+    RVK_INLINE static void setWeights(TapsOfStep& taps, size_t column, int32_t weight0, int32_t weight1)
+    {
+        setPlainWeights(taps, column, weight0, weight1);
+    }
+    RVK_INLINE static Vec<int16_t> sumOfPair(Vec<uint8_t> pixels, const TapsOfStep& taps)
+    {
+        const Vecs<int16_t, 2> p = widenPairs(pixels);
+        return p[0] * load(taps.weights[0]) + p[1] * load(taps.weights[1]);
+    }
+#endif
+    RVK_INLINE static Vec<int16_t> sum(const Vecs<uint8_t, count>& pixels, const TapsOfStep* taps)
+    {
+        if constexpr (count == 1)
+            return sumOfPair(pixels[0], taps[0]);
+        else
+            return sumOfPair(pixels[0], taps[0]) + sumOfPair(pixels[1], taps[1]);
+    }
+};
+
+} // namespace
+} // namespace rvk::vecta::RVK_ISA
