@@ -13,7 +13,7 @@ std::span<const TestGroup> testGroups()
         {"COLORYUVRGB", 12, RAVIK_TEST_COLORYUVRGB_Test, colorToRgbFunctions},
         {"COLORYUV", 9, RAVIK_TEST_COLORYUV_Test, colorSamplingFunctions},
         {"COLORRGB", 9, RAVIK_TEST_COLORRGB_Test, colorFromRgbFunctions},
-        {"SCALE", 5, RAVIK_TEST_SCALE_Test, scaleFunctions},
+        {"SCALE", 5, RAVIK_TEST_SCALE_Test, scaleAndResizeFunctions},
         {"BLUR", 4, RAVIK_TEST_BLUR_Test, blurFunctions},
         {"EDGES", 6, RAVIK_TEST_EDGE_Sobel_Test, edgesFunctions},
         {"SCHARR", 6, RAVIK_TEST_EDGE_Scharr_Test, scharrFunctions},

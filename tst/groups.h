@@ -34,6 +34,7 @@ const FunctionGroup& colorToRgbFunctions();
 const FunctionGroup& colorSamplingFunctions();
 const FunctionGroup& colorFromRgbFunctions();
 const FunctionGroup& scaleFunctions();
+const FunctionGroup& scaleAndResizeFunctions();
 std::vector<FunctionTest> resizeFunctions(); // those of SCALE that are of any ratio
 const FunctionGroup& blurFunctions();
 const FunctionGroup& edgesFunctions();
@@ -67,7 +68,7 @@ inline constexpr auto RAVIK_TEST_TRNS_Test = testFunctions<transposeFunctions>;
 inline constexpr auto RAVIK_TEST_COLORYUVRGB_Test = testFunctions<colorToRgbFunctions>;
 inline constexpr auto RAVIK_TEST_COLORYUV_Test = testFunctions<colorSamplingFunctions>;
 inline constexpr auto RAVIK_TEST_COLORRGB_Test = testFunctions<colorFromRgbFunctions>;
-inline constexpr auto RAVIK_TEST_SCALE_Test = testFunctions<scaleFunctions>;
+inline constexpr auto RAVIK_TEST_SCALE_Test = testFunctions<scaleAndResizeFunctions>;
 inline constexpr auto RAVIK_TEST_BLUR_Test = testFunctions<blurFunctions>;
 inline constexpr auto RAVIK_TEST_EDGE_Sobel_Test = testFunctions<edgesFunctions>;
 inline constexpr auto RAVIK_TEST_EDGE_Scharr_Test = testFunctions<scharrFunctions>;

@@ -1,11 +1,11 @@
-// The part of SCALE that is of any ratio.
+// SCALE: any ratio, after the fixed ones of ravikTestScale.cpp.
 #include "groups.h"
 
 #include <ravik/scale.h>
 
 using namespace arguments;
 
-std::vector<FunctionTest> resizeFunctions()
+static std::vector<FunctionTest> resizeFunctions()
 {
     const Argument resized = dst.resized(), pairs = src.ofChannels(2), resizedPairs = dst.ofChannels(2).resized();
     const Argument lessWidth = dstWidth.noLarger(), lessHeight = dstHeight.noLarger();
@@ -39,4 +39,15 @@ std::vector<FunctionTest> resizeFunctions()
         RVK_TEST(rvkScaleDownMNInterleaveu8, pairs, width, height, stride, resizedPairs, lessWidth, lessHeight, stride)
             .keeps(pairsOfBytes),
     };
+}
+
+const FunctionGroup& scaleAndResizeFunctions()
+{
+    static const FunctionGroup group = [] {
+        FunctionGroup all = scaleFunctions();
+        const std::vector<FunctionTest> resizing = resizeFunctions();
+        all.functions.insert(all.functions.end(), resizing.begin(), resizing.end());
+        return all;
+    }();
+    return group;
 }
