@@ -35,7 +35,6 @@ const FunctionGroup& colorSamplingFunctions();
 const FunctionGroup& colorFromRgbFunctions();
 const FunctionGroup& scaleFunctions();
 const FunctionGroup& scaleAndResizeFunctions();
-std::vector<FunctionTest> resizeFunctions(); // those of SCALE that are of any ratio
 const FunctionGroup& blurFunctions();
 const FunctionGroup& edgesFunctions();
 const FunctionGroup& scharrFunctions();
