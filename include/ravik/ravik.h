@@ -31,5 +31,6 @@
 #include "threshold.h"
 #include "transform.h"
 #include "types.h"
+#include "warp.h"
 
 #endif

@@ -1150,6 +1150,9 @@ SimdGroup scattered()
         mapping<uint32_t, uint16_t, n, n>(
             "joinSplit", [](const uint32_t* in, uint16_t* out) { store(out, joinSplit(loadSplit(in))); },
             [](const uint32_t* in, size_t i) { return in[i]; }),
+        mapping<uint32_t, uint32_t, n, n>(
+            "orderSplit", [](const uint32_t* in, uint32_t* out) { store(out, orderSplit(loadSplit(in))); },
+            [](const uint32_t* in, size_t i) { return in[i]; }),
         mapping<uint16_t, uint16_t, 1, n>(
             "iotaSplit", [](const uint16_t*, uint16_t* out) { store(out, joinSplit(iotaSplit<uint32_t>())); },
             [](const uint16_t*, size_t i) { return i; }),

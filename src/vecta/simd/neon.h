@@ -936,6 +936,9 @@ RVK_INLINE Vec<uint16_t> joinSplit(const Vecs<uint32_t, 2>& v)
 #endif
 }
 
+// Both in the order of memory.
+template <class T> RVK_INLINE Vecs<T, 2> orderSplit(const Vecs<T, 2>& v) { return v; }
+
 // ---- scattered memory -----------------------------------------------------------------------------------------------
 
 constexpr size_t kGatherReach = 2;

@@ -59,7 +59,8 @@
 //             saturated
 //             both(vs, f), both(vs, ws, f): f on both halves
 //  ..Split    32-bit elements in two vectors, in the order of which joinSplit(vs) -> u16 is cheapest: their lower halves,
-//             in the order of memory. loadSplit(p) -> Vecs<T, 2>; iotaSplit<T>(): the numbers of the elements
+//             in the order of memory. loadSplit(p) -> Vecs<T, 2>; iotaSplit<T>(): the numbers of the elements;
+//             orderSplit(vs): all of them in the order of memory
 //  ..InLanes  widenInLanes, narrowInLanes, narrowSatInLanes<To>, multiplyWideInLanes, zipInLanes: the same, with the
 //             lanes of the wide vectors in the order that is cheapest. What one takes apart, another puts together
 //             dotInLanes(a, b): as dot; addDotInLanes(acc, a, b)

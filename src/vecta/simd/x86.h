@@ -1328,6 +1328,9 @@ RVK_INLINE Vec<uint16_t> joinSplit(const Vecs<uint32_t, 2>& v)
 #endif
 }
 
+// Both in the order of memory.
+template <class T> RVK_INLINE Vecs<T, 2> orderSplit(const Vecs<T, 2>& v) { return interleave(v); }
+
 // ---- scattered memory -----------------------------------------------------------------------------------------------
 
 #if defined(__AVX2__)
