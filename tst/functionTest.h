@@ -548,6 +548,17 @@ struct FunctionTest
         loopMultiplier = calls;
         return std::move(*this);
     }
+    // The int32_t that the function returns is a number, not a status.
+    FunctionTest returningNumber() &&
+    {
+        hasStatus = false;
+        hasCount = true;
+        bindTo = [bindStatus = std::move(bindTo)](AnyFunction any,
+                                                  const CallValues& values) -> std::function<Outcome()> {
+            return [call = bindStatus(any, values)] { return Outcome{.count = static_cast<uint32_t>(call().status)}; };
+        };
+        return std::move(*this);
+    }
     FunctionTest keeps(const Contract& promised) &&
     {
         contract = promised;

@@ -8,6 +8,7 @@ std::span<const TestGroup> testGroups()
         {"HW", 2, TEST_HW_Test, nullptr},
         {"MEM", 3, TEST_MEM_Test, nullptr},
         {"DEPTH", 5, RAVIK_TEST_DEPTH, depthFunctions},
+        {"DOT", 3, RAVIK_TEST_DOT_Test, dotProductFunctions},
         {"IDIFF", 5, RAVIK_TEST_IDIFF_Test, imageDiffFunctions},
         {"TRNS", 4, RAVIK_TEST_TRNS_Test, transposeFunctions},
         {"WARP", 4, RAVIK_TEST_WARP_Test, warpFunctions},

@@ -28,6 +28,7 @@ int TEST_MEM_Test(int loops, const char* dataDirectory);
 
 // Groups that the common routine tests: what they test, and their entries.
 const FunctionGroup& depthFunctions();
+const FunctionGroup& dotProductFunctions();
 const FunctionGroup& imageDiffFunctions();
 const FunctionGroup& transposeFunctions();
 const FunctionGroup& warpFunctions();
@@ -66,6 +67,7 @@ int testFunctions(int loops, const char* dataDirectory)
     return runFunctionGroup(functions(), loops, dataDirectory);
 }
 inline constexpr auto RAVIK_TEST_DEPTH = testFunctions<depthFunctions>;
+inline constexpr auto RAVIK_TEST_DOT_Test = testFunctions<dotProductFunctions>;
 inline constexpr auto RAVIK_TEST_IDIFF_Test = testFunctions<imageDiffFunctions>;
 inline constexpr auto RAVIK_TEST_TRNS_Test = testFunctions<transposeFunctions>;
 inline constexpr auto RAVIK_TEST_WARP_Test = testFunctions<warpFunctions>;

@@ -401,6 +401,27 @@ constexpr SimdOperation lookingUpWindows(const char* name)
         });
 }
 
+// Vectors of four dot products, one after the other.
+template <class T>
+constexpr SimdOperation fourDots()
+{
+    using Sum = Wider<Wider<T>>;
+    return mapping<T, Sum, 8 * kLanes<T>, 4>(
+        "addDot, storeSums",
+        [](const T* in, Sum* out) {
+            const auto pair = loadVecs<8>(in);
+            const auto dot = [&](size_t i) { return addDot(zero<Sum>(), pair[2 * i], pair[2 * i + 1]); };
+            storeSums(out, Vecs<Sum, 4>{dot(0), dot(1), dot(2), dot(3)});
+        },
+        [](const T* in, size_t i) {
+            const T *a = in + 2 * i * kLanes<T>, *b = a + kLanes<T>;
+            Sum sum = 0;
+            for (size_t k = 0; k < kLanes<T>; ++k)
+                sum += static_cast<Sum>(a[k] * b[k]);
+            return sum;
+        });
+}
+
 SimdGroup single()
 {
     static constexpr SimdOperation list[] = {
@@ -440,6 +461,8 @@ SimdGroup single()
                 constexpr size_t n = kLanes<int16_t>;
                 return static_cast<uint32_t>(in[i] * in[n + i]) + static_cast<uint32_t>(in[2 * n + i] * in[3 * n + i]);
             }),
+        fourDots<uint8_t>(),
+        fourDots<int8_t>(),
         UNARY(int16_t, multiplyQ15<13573>(a), a * 13573 >> 15),
         UNARY(int16_t, multiplyQ15<-16383>(a), a * -16383 >> 15),
         BINARY(uint16_t, multiplyQ8(a, b), saturate<uint16_t>((int64_t{a} * b + 128) >> 8)),

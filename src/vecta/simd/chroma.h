@@ -444,8 +444,8 @@ RVK_INLINE Vec<uint8_t> loadGrey(const uint8_t* p)
 {
     constexpr size_t quarter = Vec<uint8_t>::lanes / 4 * 3; // of the bytes of the pixels
     const Vec<uint8_t> low = thirdBytes(loadScaledGrey<0>(p), loadScaledGrey<0>(p + quarter));
-    const Vec<uint8_t> high = thirdBytes(loadScaledGrey<0>(p + 2 * quarter),
-                                         loadScaledGrey<kBytes - quarter>(p + 4 * quarter - kBytes));
+    const Vec<uint8_t> high =
+        thirdBytes(loadScaledGrey<0>(p + 2 * quarter), loadScaledGrey<kBytes - quarter>(p + 4 * quarter - kBytes));
     return blend(UINT64_MAX << 32, low, high);
 }
 

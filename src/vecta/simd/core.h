@@ -118,7 +118,7 @@ struct Constant {
 };
 
 template <class F, size_t... i>
-RVK_INLINE void unrolledOver(F f, Indices<i...>)
+RVK_INLINE void unrolledOver([[maybe_unused]] F f, Indices<i...>)
 {
     (f(Constant<i>{}), ...);
 }
@@ -220,6 +220,13 @@ RVK_INLINE void store(T* p, const Vecs<T, count>& v)
 template <class T>
 RVK_INLINE Vec<T> loadPartial(const T* p, size_t n)
 {
+    if (__builtin_constant_p(n) && n * sizeof(T) == sizeof(uint32_t)) { // not through memory
+        uint32_t word;
+        __builtin_memcpy(&word, p, sizeof word);
+        Vec<uint32_t> v = {};
+        v.raw[0] = word;
+        return bitCast<T>(v);
+    }
     Vec<T> v = {};
     __builtin_memcpy(&v, p, n * sizeof(T));
     return v;

@@ -837,6 +837,27 @@ RVK_INLINE uint32_t reduceAdd(Vec<uint32_t> v)
 
 RVK_INLINE int32_t reduceAdd(Vec<int32_t> v) { return static_cast<int32_t>(reduceAdd(bitCast<uint32_t>(v))); }
 
+// Adds the products of all elements to the lanes of acc, whichever is convenient; sums wrap.
+template <class T>
+    requires(sizeof(T) == 1)
+RVK_INLINE Vec<Wider<Wider<T>>> addPartOfDot(Vec<Wider<Wider<T>>> acc, Vec<T> a, Vec<T> b)
+{
+    const Vecs<Wider<T>, 2> products = multiplyWide(a, b);
+    return addTo(addTo(acc, products[0]), products[1]);
+}
+
+// p[i] is the sum of the elements of v[i]; sums wrap.
+template <class T>
+    requires(sizeof(T) == 4 && !isSame<T, float>)
+RVK_INLINE void storeSums(T* p, const Vecs<T, 4>& v)
+{
+    const auto halves = [&](size_t i) RVK_INLINE_LAMBDA {
+        const Vec<uint32_t> w = bitCast<uint32_t>(v[i]);
+        return vadd_u32(lowHalf(w), highHalf(w));
+    };
+    store(p, bitCast<T>(vec(vcombine_u32(vpadd_u32(halves(0), halves(1)), vpadd_u32(halves(2), halves(3))))));
+}
+
 // The sum of elements modulo 2^64.
 template <class T> struct Total;
 

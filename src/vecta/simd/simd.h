@@ -78,6 +78,9 @@
 //             kGatherReach: bytes from there on that may be read, 2 or more. gatherWords(p, offsets) -> u32: four bytes
 // Sums        addBytesTo(acc u32, u8), addTo(acc, v) for u16 to u32, s16 to s32, u32 to u64, s32 to s64: each element
 //             of v is added to some lane of acc; reduceAdd(v): exact for u8, u16 and s16, wrapping for 32 and 64 bits
+//             addDot(acc, a, b): u8, s8: each product is added to some lane of acc, 32 bits, which wrap. In two parts, where
+//             one a meets several b: addPartOfDot(acc, a, b) lacks restOfDot() of addToRestOfDot(acc, a)
+//             storeSums(p, vs): p[i] = reduceAdd(vs[i]) of four vectors of 32 bits
 //             Total<T>: add(v), value(): of many; u8 modulo 2^32, s32 modulo 2^64
 //             reduceMin, reduceMax(v): 8, 16, 32 bits, and floats without not-a-numbers
 #pragma once
@@ -190,6 +193,23 @@ struct Total<uint8_t> {
     RVK_INLINE void add(Vec<uint8_t> v) { sums = addBytesTo(sums, v); }
     RVK_INLINE uint32_t value() const { return reduceAdd(sums); }
 };
+
+// ---- products of bytes ----------------------------------------------------------------------------------------------
+
+#if !defined(__AVX512BW__) // x86.h has them in parts
+template <class T>
+    requires(sizeof(T) == 1)
+RVK_INLINE Vec<Wider<Wider<T>>> addToRestOfDot(Vec<Wider<Wider<T>>> acc, Vec<T>) { return acc; }
+template <class Sum>
+RVK_INLINE Vec<Sum> restOfDot(Vec<Sum> sum) { return sum; }
+#endif
+
+template <class T>
+    requires(sizeof(T) == 1)
+RVK_INLINE Vec<Wider<Wider<T>>> addDot(Vec<Wider<Wider<T>>> acc, Vec<T> a, Vec<T> b)
+{
+    return addPartOfDot(acc, a, b) + restOfDot(addToRestOfDot(zero<Wider<Wider<T>>>(), a));
+}
 
 // ---- floats in their order ------------------------------------------------------------------------------------------
 

@@ -994,6 +994,63 @@ RVK_INLINE Vec<int64_t> addTo(Vec<int64_t> acc, Vec<int32_t> v)
     return acc + wide[0] + wide[1];
 }
 
+// Products of bytes, each added to some lane of acc, in two parts; sums wrap. The sum of addPartOfDot(acc, a, b) lacks what
+// restOfDot() gives of a sum that addToRestOfDot(acc, a) made: a part that is the same for all b.
+#if RVK_AVX512
+// The instruction multiplies bytes with signed bytes, so b is moved by 128.
+RVK_INLINE Vec<uint32_t> addPartOfDot(Vec<uint32_t> acc, Vec<uint8_t> a, Vec<uint8_t> b)
+{
+    const Vec<int8_t> moved = bitCast<int8_t>(b ^ splat<uint8_t>(128));
+    return bitCast<uint32_t>(addDotQuads(bitCast<int32_t>(acc), a, moved));
+}
+RVK_INLINE Vec<int32_t> addPartOfDot(Vec<int32_t> acc, Vec<int8_t> a, Vec<int8_t> b)
+{
+    return addDotQuads(acc, bitCast<uint8_t>(b) ^ splat<uint8_t>(128), a);
+}
+RVK_INLINE Vec<uint32_t> addToRestOfDot(Vec<uint32_t> acc, Vec<uint8_t> a)
+{
+    return bitCast<uint32_t>(addDotQuads(bitCast<int32_t>(acc), a, splat<int8_t>(1)));
+}
+RVK_INLINE Vec<int32_t> addToRestOfDot(Vec<int32_t> acc, Vec<int8_t> a)
+{
+    return addDotQuads(acc, splat<uint8_t>(1), a);
+}
+RVK_INLINE Vec<uint32_t> restOfDot(Vec<uint32_t> sum) { return shiftLeft(sum, 7); }
+RVK_INLINE Vec<int32_t> restOfDot(Vec<int32_t> sum) { return zero<int32_t>() - shiftLeft(sum, 7); }
+#else
+template <class T>
+    requires(sizeof(T) == 1)
+RVK_INLINE Vec<Wider<Wider<T>>> addPartOfDot(Vec<Wider<Wider<T>>> acc, Vec<T> a, Vec<T> b)
+{
+    const Vecs<int32_t, 2> sums = both(bitCast<int16_t>(widenInLanes(a)), bitCast<int16_t>(widenInLanes(b)),
+                                       [](auto x, auto y) RVK_INLINE_LAMBDA { return dotPairs(x, y); });
+    return acc + bitCast<Wider<Wider<T>>>(sums[0] + sums[1]);
+}
+#endif
+
+// p[i] is the sum of the elements of v[i]; sums wrap.
+template <class T>
+    requires(sizeof(T) == 4 && !isSame<T, float>)
+RVK_INLINE void storeSums(T* p, const Vecs<T, 4>& v)
+{
+    const auto addPairs = [](Vec<uint32_t> a, Vec<uint32_t> b) RVK_INLINE_LAMBDA {
+        const Vecs<uint32_t, 2> z = zipInLanes(a, b);
+        return bitCast<uint64_t>(z[0] + z[1]);
+    };
+    const Vecs<uint32_t, 4> w = bitCast<uint32_t>(v);
+    const Vecs<uint64_t, 2> z = zipInLanes(addPairs(w[0], w[1]), addPairs(w[2], w[3]));
+    const Register sums = reg(bitCast<uint32_t>(z[0]) + bitCast<uint32_t>(z[1])); // in each 16 bytes
+#if RVK_AVX512
+    const HalfRegister half = _mm256_add_epi32(lowHalf(sums), highHalf(sums));
+    const __m128i quarter = _mm_add_epi32(_mm256_castsi256_si128(half), _mm256_extracti128_si256(half, 1));
+#elif defined(__AVX2__)
+    const __m128i quarter = _mm_add_epi32(lowHalf(sums), highHalf(sums));
+#else
+    const __m128i quarter = sums;
+#endif
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(p), quarter);
+}
+
 // The sum of elements modulo 2^64.
 template <class T> struct Total;
 
