@@ -18,13 +18,15 @@
 
 RVK_EXTERN_C_BEGIN
 
-typedef struct rvkPyramidLevel {
+typedef struct rvkPyramidLevel
+{
     void* ptr;
     uint32_t width;
     uint32_t height;
 } rvkPyramidLevel;
 
-typedef struct rvkPyramidLevel_v2 {
+typedef struct rvkPyramidLevel_v2
+{
     void* ptr;
     uint32_t width;
     uint32_t height;
