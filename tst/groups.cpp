@@ -24,6 +24,7 @@ std::span<const TestGroup> testGroups()
         {"COPY", 4, RAVIK_TEST_COPY_Test, copyFunctions},
         {"BITCNT", 6, RAVIK_TEST_BITCNT_Test, bitCountFunctions},
         {"BITWISEOP", 7, RAVIK_TEST_BITWISEOP_Test, bitwiseFunctions},
+        {"UPSAMPLE", 8, RAVIK_TEST_UPSAMPLE_Test, upsampleFunctions},
         {"IPP", 4, RAVIK_TEST_IPP_Test, flipFunctions},
         {"PERSPTRANSFORM", 14, RAVIK_TEST_rvkGetPerspectiveTransform, perspectiveTransformFunctions},
         {"SET", 3, RAVIK_TEST_SET, fillFunctions},

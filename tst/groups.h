@@ -45,6 +45,7 @@ const FunctionGroup& thresholdFunctions();
 const FunctionGroup& copyFunctions();
 const FunctionGroup& bitCountFunctions();
 const FunctionGroup& bitwiseFunctions();
+const FunctionGroup& upsampleFunctions();
 const FunctionGroup& flipFunctions();
 const FunctionGroup& perspectiveTransformFunctions();
 const FunctionGroup& fillFunctions();
@@ -83,6 +84,7 @@ inline constexpr auto RAVIK_TEST_THRESH_Test = testFunctions<thresholdFunctions>
 inline constexpr auto RAVIK_TEST_COPY_Test = testFunctions<copyFunctions>;
 inline constexpr auto RAVIK_TEST_BITCNT_Test = testFunctions<bitCountFunctions>;
 inline constexpr auto RAVIK_TEST_BITWISEOP_Test = testFunctions<bitwiseFunctions>;
+inline constexpr auto RAVIK_TEST_UPSAMPLE_Test = testFunctions<upsampleFunctions>;
 inline constexpr auto RAVIK_TEST_IPP_Test = testFunctions<flipFunctions>;
 inline constexpr auto RAVIK_TEST_rvkGetPerspectiveTransform = testFunctions<perspectiveTransformFunctions>;
 inline constexpr auto RAVIK_TEST_SET = testFunctions<fillFunctions>;

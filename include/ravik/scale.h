@@ -7,6 +7,7 @@
  *   Alignment  none is needed. The work on bytes may run on the DSP only when pointers, strides and the source's width
  *              are multiples of 8.
  *   In place   no: images must not overlap.
+ *   Floats     on 32-bit Arm the vector code reads and writes subnormal numbers as zero; the rest is exact IEEE.
  *   Errors     null pointers, empty images and rows longer than their stride are refused, and nothing is written:
  *              functions without a result log "Assertion failed @<function>: <condition>", those with a status return
  *              RAVIK_EBADPARAM, those with a plain integer -1. Otherwise the result is 0. */
@@ -19,7 +20,24 @@ RVK_EXTERN_C_BEGIN
 
 /* ---- fixed ratios: down -------------------------------------------------------------------------------------------- */
 
-/* Half of the width and height: srcWidth / 2 x srcHeight / 2 pixels, an odd last column or row of the source counts in its
+/* The mean of each block of 2x2 or 4x4 pixels, rounded down: srcWidth / 2 x srcHeight / 2 pixels, or quarters. What is left
+ * of the source on the right and below is ignored. From 2x2 and 4x4 pixels. */
+RVK_API int32_t rvkScaleDownBy2u8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
+                                  uint8_t* dst, uint32_t dstStride);
+RVK_API int32_t rvkScaleDownBy2u8_v2(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
+                                     uint8_t* dst, uint32_t dstStride);
+RVK_API int32_t rvkScaleDownBy4u8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
+                                  uint8_t* dst, uint32_t dstStride);
+RVK_API int32_t rvkScaleDownBy4u8_v2(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
+                                     uint8_t* dst, uint32_t dstStride);
+
+/* Two pixels for three in each direction: srcWidth / 3 * 2 x srcHeight / 3 * 2 pixels. Each block of 3x3 pixels becomes one
+ * of 2x2, of which each pixel has its corner of the block: (9 * corner + 3 * the corner's neighbours in the block's edges +
+ * centre) / 16, rounded down. What is left of the source is ignored. From 3x3 pixels. */
+RVK_API void rvkScaleDown3To2u8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
+                                uint8_t* dst, uint32_t dstStride);
+
+/* Half of the width and height: srcWidth / 2 x srcHeight / 2 pixels; an odd last column or row of the source counts in its
  * neighbours' windows only. Pixel (x, y) is the binomial mean of the window around the source's pixel (2x, 2y): weights 1 2
  * 1 or 1 4 6 4 1 in each direction (Burt and Adelson, "The Laplacian Pyramid as a Compact Image Code", 1983). Of windows
  * that reach beyond the picture, the pixels that exist make the mean: it is floor(1/2 + S * r) for their weighted sum S and
@@ -36,6 +54,30 @@ RVK_API void rvkScaleDownBy2Gaussian5x5u8_v2(const uint8_t* src, uint32_t srcWid
 RVK_API void rvkScaleDownBy2Gaussian5x5f32(const float32_t* srcImg, uint32_t width, uint32_t height, float32_t* dst);
 RVK_API void rvkScaleDownBy2Gaussian5x5f32_v2(const float32_t* srcImg, uint32_t width, uint32_t height,
                                               uint32_t srcStride, float32_t* dst, uint32_t dstStride);
+
+/* ---- fixed ratios: up ---------------------------------------------------------------------------------------------- */
+
+/* Twice the width and height, between the pixels by the weights of the binomial window: pixel 2i of a row is
+ * (p[i - 1] + 6 p[i] + p[i + 1]) / 8, pixel 2i + 1 (4 p[i] + 4 p[i + 1]) / 8, columns alike, and rounded once, halves upward.
+ * At the edges the pixels that exist make the mean, as in rvkScaleDownBy2Gaussian5x5u8. */
+RVK_API void rvkScaleUpBy2Gaussian5x5u8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint8_t* dst);
+RVK_API void rvkScaleUpBy2Gaussian5x5u8_v2(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight,
+                                           uint32_t srcStride, uint8_t* dst, uint32_t dstStride);
+
+/* Each pixel twice: in two rows (Vertical), beside each other (Horizontal), or both (2D). Interleaved pixels are pairs of
+ * bytes; widths then count pairs. */
+RVK_API void rvkUpsampleVerticalu8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
+                                   uint8_t* dst, uint32_t dstStride);
+RVK_API void rvkUpsampleHorizontalu8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
+                                     uint8_t* dst, uint32_t dstStride);
+RVK_API void rvkUpsample2Du8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
+                             uint8_t* dst, uint32_t dstStride);
+RVK_API void rvkUpsampleVerticalInterleavedu8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight,
+                                              uint32_t srcStride, uint8_t* dst, uint32_t dstStride);
+RVK_API void rvkUpsampleHorizontalInterleavedu8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight,
+                                                uint32_t srcStride, uint8_t* dst, uint32_t dstStride);
+RVK_API void rvkUpsample2DInterleavedu8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
+                                        uint8_t* dst, uint32_t dstStride);
 
 /* ---- any ratio ----------------------------------------------------------------------------------------------------- */
 

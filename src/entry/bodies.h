@@ -32,7 +32,9 @@ ResultOf<slot> refuse(Words words)
 {
     if (words.function)
         logArgumentAssertion(words.function, words.condition);
-    if constexpr (!std::is_void_v<ResultOf<slot>>)
+    if constexpr (std::is_same_v<ResultOf<slot>, int32_t>)
+        return -1;
+    else if constexpr (!std::is_void_v<ResultOf<slot>>)
         return RAVIK_EBADPARAM;
 }
 

@@ -1,117 +1,13 @@
-// Vector implementations of the functions on chroma and channels.
-//
-// A step is what a conversion makes of whole vectors: `units` units, each of `in` bytes of every source row and `out`
-// bytes of every destination row. One driver walks all of them over rows. Where chroma is halved or doubled across, a
-// unit is two pixels, and the last unit of a row may be one pixel alone.
+// Vector implementations of the functions on chroma and channels: steps that one driver walks over rows. Where chroma is
+// halved or doubled across, a unit is two pixels.
 #include "color.h"
-#include "vecta/simd/rows.h"
+#include "vecta/simd/steps.h"
 #include "vecta/vecta.h"
 
 namespace rvk::vecta::RVK_ISA {
 namespace {
 
-// ---- rows -----------------------------------------------------------------------------------------------------------
-
-template <class Byte, size_t count>
-struct Rows
-{
-    Byte* row[count];
-
-    RVK_INLINE void move(size_t bytes)
-    {
-        unrolled<count>([&](auto i) RVK_INLINE_LAMBDA { row[i] += bytes; });
-    }
-    RVK_INLINE void moveBack(size_t bytes)
-    {
-        unrolled<count>([&](auto i) RVK_INLINE_LAMBDA { row[i] -= bytes; });
-    }
-};
-
-// The bytes of a row of `width` pixels.
-template <class Step>
-RVK_INLINE size_t sourceBytes(size_t width)
-{
-    return Step::halvesX ? width * (Step::in / 2) : (width + Step::pixels - 1) / Step::pixels * Step::in;
-}
-template <class Step>
-RVK_INLINE size_t targetBytes(size_t width)
-{
-    return Step::doublesX ? width * (Step::out / 2) : (width + Step::pixels - 1) / Step::pixels * Step::out;
-}
-
-template <class Step, size_t sources, size_t targets>
-RVK_INLINE void applyStep(const Rows<const uint8_t, sources>& src, const Rows<uint8_t, targets>& dst)
-{
-    const auto v = Step::take(src);
-    unrolled<targets>([&](auto i) RVK_INLINE_LAMBDA { Step::put(v, i, dst.row[i]); });
-}
-
-// Two steps, one destination after the other: lines that follow each other go to the cache faster than by turns.
-template <class Step, size_t sources, size_t targets>
-RVK_INLINE void applyTwice(const Rows<const uint8_t, sources>& src, const Rows<uint8_t, targets>& dst)
-{
-    Rows<const uint8_t, sources> next = src;
-    next.move(Step::units * Step::in);
-    const auto v = Step::take(src), w = Step::take(next);
-    unrolled<targets>([&](auto i) RVK_INLINE_LAMBDA {
-        Step::put(v, i, dst.row[i]);
-        Step::put(w, i, dst.row[i] + Step::units * Step::out);
-    });
-}
-
-// Fewer pixels than a step takes, through memory that a whole one fits. A pixel alone is its own neighbour.
-template <class Step, size_t sources, size_t targets>
-RVK_NOINLINE void mapFew(size_t width, Rows<const uint8_t, sources> src, Rows<uint8_t, targets> dst)
-{
-    uint8_t in[sources][Step::units * Step::in] = {}, out[targets][Step::units * Step::out];
-    const size_t inSize = sourceBytes<Step>(width), outSize = targetBytes<Step>(width);
-    for (size_t i = 0; i < sources; ++i) {
-        __builtin_memcpy(in[i], src.row[i], inSize);
-        if (Step::halvesX && width % 2)
-            __builtin_memcpy(in[i] + inSize, in[i] + inSize - Step::in / 2, Step::in / 2);
-    }
-    Rows<const uint8_t, sources> from;
-    Rows<uint8_t, targets> to;
-    unrolled<sources>([&](auto i) RVK_INLINE_LAMBDA { from.row[i] = in[i]; });
-    unrolled<targets>([&](auto i) RVK_INLINE_LAMBDA { to.row[i] = out[i]; });
-    applyStep<Step>(from, to);
-    for (size_t i = 0; i < targets; ++i)
-        __builtin_memcpy(dst.row[i], out[i], outSize);
-}
-
-// The last step overlaps the one before it: no source is a destination.
-template <class Step, size_t sources, size_t targets>
-RVK_INLINE void mapRows(size_t width, Rows<const uint8_t, sources> src, Rows<uint8_t, targets> dst)
-{
-    constexpr size_t in = Step::units * Step::in, out = Step::units * Step::out;
-    const size_t units = width / Step::pixels;
-    size_t steps = units / Step::units;
-    if (steps == 0) {
-        mapFew<Step>(width, src, dst);
-        return;
-    }
-    if constexpr (targets > 1 && !Step::doublesX) { // those that double write two vectors anyway
-        for (; steps >= 2; steps -= 2) {
-            applyTwice<Step>(src, dst);
-            src.move(2 * in);
-            dst.move(2 * out);
-        }
-    }
-    for (; steps; --steps) {
-        applyStep<Step>(src, dst);
-        src.move(in);
-        dst.move(out);
-    }
-    if (const size_t rest = units % Step::units) {
-        src.moveBack(in - rest * Step::in);
-        dst.moveBack(out - rest * Step::out);
-        applyStep<Step>(src, dst);
-        src.move(in);
-        dst.move(out);
-    }
-    if (width % Step::pixels)
-        mapFew<Step>(1, src, dst);
-}
+// ---- past the caches ------------------------------------------------------------------------------------------------
 
 // How many pixels lie before the first one that begins a whole register; kNever when none does.
 constexpr size_t kNever = SIZE_MAX;
@@ -226,10 +122,10 @@ RVK_NOINLINE void copyPlane(size_t width, size_t height, const SourcePlane& src,
 
 // ---- steps of channels ----------------------------------------------------------------------------------------------
 
-struct PixelByPixel
+struct PixelByPixel : WholeUnits
 {
-    static constexpr bool halvesX = false, halvesY = false, doublesX = false, doublesY = false;
-    static constexpr size_t pixels = 1, units = Vec<uint8_t>::lanes;
+    static constexpr bool halvesY = false, doublesY = false;
+    static constexpr size_t units = Vec<uint8_t>::lanes;
     static constexpr bool mayWritePastCaches = kWritesPastCaches;
 };
 

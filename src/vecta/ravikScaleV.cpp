@@ -1,10 +1,116 @@
 // Vector implementations of the scalers by fixed ratios.
-#include "vecta/simd/rows.h"
 #include "vecta/simd/scaling.h"
+#include "vecta/simd/steps.h"
 #include "vecta/vecta.h"
 
 namespace rvk::vecta::RVK_ISA {
 namespace {
+
+// ---- blocks of pixels: steps over rows of them ------------------------------------------------------------------------
+
+// `across` x `down` blocks, each of srcRows rows of the source and dstRows of the destination.
+template <class Step, size_t srcRows, size_t dstRows>
+RVK_INLINE void mapBlocks(size_t across, size_t down, Plane<const uint8_t> src, Plane<uint8_t> dst)
+{
+    for (size_t y = 0; y < down; ++y) {
+        Rows<const uint8_t, srcRows> from;
+        Rows<uint8_t, dstRows> to;
+        unrolled<srcRows>([&](auto i) RVK_INLINE_LAMBDA { from.row[i] = src.row(y * srcRows + i); });
+        unrolled<dstRows>([&](auto i) RVK_INLINE_LAMBDA { to.row[i] = dst.row(y * dstRows + i); });
+        mapRows<Step>(anyNumber(across), from, to);
+    }
+}
+
+struct MeanOf2x2 : WholeUnits
+{
+    static constexpr size_t vectors = kBytes == 16 ? 2 : 1; // a step is long enough to make little of its loop
+    static constexpr size_t units = vectors * kBytes, in = 2, out = 1;
+
+    RVK_INLINE static Vecs<uint8_t, vectors> take(const Rows<const uint8_t, 2>& src)
+    {
+        Vecs<uint8_t, vectors> means;
+        unrolled<vectors>([&](auto i) RVK_INLINE_LAMBDA {
+            const auto sums = [&](size_t at) RVK_INLINE_LAMBDA {
+                return addNeighboursTo(addNeighbours(load(src.row[0] + at)), load(src.row[1] + at));
+            };
+            means[i] = narrowShifted<2>(Vecs<uint16_t, 2>{sums(2 * kBytes * i), sums(2 * kBytes * i + kBytes)});
+        });
+        return means;
+    }
+    RVK_INLINE static void put(const Vecs<uint8_t, vectors>& means, size_t, uint8_t* dst) { store(dst, means); }
+};
+
+struct MeanOf4x4 : WholeUnits
+{
+    static constexpr size_t units = kBytes, in = 4, out = 1;
+
+    RVK_INLINE static Vec<uint8_t> take(const Rows<const uint8_t, 4>& src)
+    {
+        const auto pairs = [&](size_t at) RVK_INLINE_LAMBDA {
+            Vec<uint16_t> sums = addNeighbours(load(src.row[0] + at));
+            unrolled<3>([&](auto i) RVK_INLINE_LAMBDA { sums = addNeighboursTo(sums, load(src.row[i + 1] + at)); });
+            return sums;
+        };
+        const auto fours = [&](size_t at)
+                               RVK_INLINE_LAMBDA { return addNeighboursInLanes(pairs(at), pairs(at + kBytes)); };
+        return orderPackedTwice(narrowShiftedInLanes<4>(Vecs<uint16_t, 2>{fours(0), fours(2 * kBytes)}));
+    }
+    RVK_INLINE static void put(Vec<uint8_t> means, size_t, uint8_t* dst) { store(dst, means); }
+};
+
+struct Corners
+{
+    Vecs<uint16_t, 4> sums[2]; // of the upper and of the lower row
+};
+
+// 9 corner + 3 (both neighbours of it) + centre, row by row.
+struct CornersOf3x3 : WholeUnits
+{
+    static constexpr size_t units = kBytes, in = 3, out = 2;
+
+    RVK_INLINE static Corners take(const Rows<const uint8_t, 3>& src)
+    {
+        const Vecs<uint16_t, 4> middle = thirdSums<3, 1>(src.row[1]);
+        return {{addThirdSums<9, 3>(middle, src.row[0]), addThirdSums<9, 3>(middle, src.row[2])}};
+    }
+    RVK_INLINE static void put(const Corners& corners, size_t target, uint8_t* dst)
+    {
+        storeThirds<4>(dst, corners.sums[target]);
+    }
+};
+
+// Bytes, four vectors at a time.
+struct Copy : WholeUnits
+{
+    static constexpr size_t vectors = 4, units = vectors * kBytes, in = 1, out = 1;
+
+    RVK_INLINE static Vecs<uint8_t, vectors> take(const Rows<const uint8_t, 1>& src)
+    {
+        return loadVecs<vectors>(src.row[0]);
+    }
+    RVK_INLINE static void put(const Vecs<uint8_t, vectors>& v, size_t, uint8_t* dst) { store(dst, v); }
+};
+
+// Elements T, each twice.
+template <class T>
+struct Twice : WholeUnits
+{
+    static constexpr size_t units = Vec<T>::lanes, in = sizeof(T), out = 2 * sizeof(T);
+
+    RVK_INLINE static Vec<uint8_t> take(const Rows<const uint8_t, 1>& src) { return load(src.row[0]); }
+    RVK_INLINE static void put(Vec<uint8_t> v, size_t, uint8_t* dst) { storeTwice<T>(dst, v); }
+};
+
+template <uint32_t pixelSize, uint32_t across, uint32_t down>
+RVK_INLINE void repeat(uint32_t width, uint32_t height, Plane<const uint8_t> src, Plane<uint8_t> dst)
+{
+    if constexpr (across == 1)
+        mapBlocks<Copy, 1, down>(size_t{width} * pixelSize, height, src, dst);
+    else if constexpr (pixelSize == 1)
+        mapBlocks<Twice<uint8_t>, 1, down>(width, height, src, dst);
+    else
+        mapBlocks<Twice<uint16_t>, 1, down>(width, height, src, dst);
+}
 
 // ---- weighted means -------------------------------------------------------------------------------------------------
 
@@ -38,13 +144,15 @@ struct Mean
     {
         return static_cast<uint8_t>((sum + half) * multiplier >> (16 + shift));
     }
+    RVK_INLINE Vec<uint16_t> of(Vec<uint16_t> sum) const
+    {
+        const Vec<uint16_t> product =
+            multiplyHigh(sum + splat(static_cast<uint16_t>(half)), splat(static_cast<uint16_t>(multiplier)));
+        return shiftRight(product, shift);
+    }
     RVK_INLINE Vec<uint8_t> of(const Vecs<uint16_t, 2>& sums) const
     {
-        return narrow(both(sums, [this](Vec<uint16_t> sum) RVK_INLINE_LAMBDA {
-            const Vec<uint16_t> product =
-                multiplyHigh(sum + splat(static_cast<uint16_t>(half)), splat(static_cast<uint16_t>(multiplier)));
-            return shiftRight(product, shift);
-        }));
+        return narrow(both(sums, [this](Vec<uint16_t> sum) RVK_INLINE_LAMBDA { return of(sum); }));
     }
 };
 
@@ -61,16 +169,27 @@ struct FloatMean
     RVK_INLINE Vec<float> of(Vec<float> sum) const { return sum * splat(reciprocal); }
 };
 
+// Lane i of sums.
+RVK_INLINE uint32_t laneOf(const Vecs<uint16_t, 2>& sums, size_t i)
+{
+    constexpr size_t n = Vec<uint16_t>::lanes;
+    return sums[i / n].raw[i % n];
+}
+RVK_INLINE float laneOf(Vec<float> sums, size_t i)
+{
+    return sums.raw[i];
+}
+
 // ---- binomial means at every second pixel ---------------------------------------------------------------------------
 //
 // A Halving says what the window is. Sums along the rows come first, each of every second window, and are added down
-// columns, while what two outputs have in common stays in registers. What is added is a row's sums as vectors or, at the
-// left and right edge of the picture, the sum of one window. What lies outside the picture is 0.
+// columns, while what two outputs have in common stays in registers. What lies outside the picture is 0, and the means of
+// the outputs beside it are put right one by one.
 
 // Down a column: `next` takes the two rows of sums below the last output's middle one.
-template <class Row>
 struct Down3
 {
+    using Row = Vecs<uint16_t, 2>;
     Row odd, even;
 
     RVK_INLINE Down3(Row, Row oddAbove, Row middle) : odd(oddAbove), even(middle) {}
@@ -84,9 +203,9 @@ struct Down3
 };
 
 // Sums of neighbours, taken four times.
-template <class Row>
 struct Down5
 {
+    using Row = Vecs<uint16_t, 2>;
     Row even, two, three;
 
     RVK_INLINE Down5(Row evenAbove, Row oddAbove, Row middle)
@@ -105,25 +224,15 @@ struct Down5
     }
 };
 
-RVK_INLINE float times(float factor, float v)
-{
-    return factor * v;
-}
-RVK_INLINE Vec<float> times(float factor, Vec<float> v)
-{
-    return splat(factor) * v;
-}
-
 // The reference's order of additions.
-template <class V>
-RVK_INLINE V weightedSum(V a, V b, V c, V d, V e)
+RVK_INLINE Vec<float> weightedSum(Vec<float> a, Vec<float> b, Vec<float> c, Vec<float> d, Vec<float> e)
 {
-    return ((a + e) + times(4.0f, b + d)) + times(6.0f, c);
+    return ((a + e) + splat(4.0f) * (b + d)) + splat(6.0f) * c;
 }
 
-template <class Row>
 struct FloatDown5
 {
+    using Row = Vec<float>;
     Row evenTwoAbove, oddAbove, even;
 
     RVK_INLINE FloatDown5(Row evenAbove, Row above, Row middle) : evenTwoAbove(evenAbove), oddAbove(above), even(middle)
@@ -143,68 +252,48 @@ struct Halving3x3
 {
     static constexpr size_t radius = 1, step = Vec<uint8_t>::lanes;
     static constexpr uint32_t weights[] = {1, 2, 1}, wholeLine = 4;
-    using Sums = Vecs<uint16_t, 2>;
-    using Sum = uint32_t;
-    template <class Row>
-    using Down = Down3<Row>;
+    using Down = Down3;
     using MeanOf = Mean;
     static_assert(allExact<9, 12, 16>);
 
-    static RVK_INLINE Sums sumsOf(const uint8_t* p) { return everySecondSum<Weights<1, 2, 1>>(p); }
-    static RVK_INLINE Sum leftSumOf(const uint8_t* row, size_t) { return 2u * row[0] + row[1]; }
-    static RVK_INLINE Sum rightSumOf(const uint8_t*, size_t) { return 0; } // no window reaches beyond
-    static RVK_INLINE Vec<uint8_t> wholeMean(const Sums& sums) { return narrowRounded<uint8_t, 4>(sums); }
+    template <At at>
+    static RVK_INLINE Down::Row sumsOf(const uint8_t* p)
+    {
+        return everySecondSum<Weights<1, 2, 1>, at>(p);
+    }
+    static RVK_INLINE Vec<uint8_t> wholeMeans(const Down::Row& sums) { return narrowRounded<uint8_t, 4>(sums); }
 };
 
 struct Halving5x5
 {
     static constexpr size_t radius = 2, step = Vec<uint8_t>::lanes;
     static constexpr uint32_t weights[] = {1, 4, 6, 4, 1}, wholeLine = 16;
-    using Sums = Vecs<uint16_t, 2>;
-    using Sum = uint32_t;
-    template <class Row>
-    using Down = Down5<Row>;
+    using Down = Down5;
     using MeanOf = Mean;
     static_assert(allExact<100, 110, 121, 150, 160, 165, 176, 225, 240>);
 
-    static RVK_INLINE Sums sumsOf(const uint8_t* p) { return everySecondSum<Weights<1, 4, 6, 4, 1>>(p); }
-    static RVK_INLINE Sum leftSumOf(const uint8_t* row, size_t width)
+    template <At at>
+    static RVK_INLINE Down::Row sumsOf(const uint8_t* p)
     {
-        return 6u * row[0] + 4u * row[1] + (width > 2 ? row[2] : 0u);
+        return everySecondSum<Weights<1, 4, 6, 4, 1>, at>(p);
     }
-    static RVK_INLINE Sum rightSumOf(const uint8_t* row, size_t width)
-    {
-        const uint8_t* p = row + width - 4;
-        return p[0] + 4u * p[1] + 6u * p[2] + 4u * p[3];
-    }
-    static RVK_INLINE Vec<uint8_t> wholeMean(const Sums& sums) { return narrowRounded<uint8_t, 8>(sums); }
+    static RVK_INLINE Vec<uint8_t> wholeMeans(const Down::Row& sums) { return narrowRounded<uint8_t, 8>(sums); }
 };
 
 struct FloatHalving5x5
 {
     static constexpr size_t radius = 2, step = Vec<float>::lanes;
     static constexpr uint32_t weights[] = {1, 4, 6, 4, 1}, wholeLine = 16;
-    using Sums = Vec<float>;
-    using Sum = float;
-    template <class Row>
-    using Down = FloatDown5<Row>;
+    using Down = FloatDown5;
     using MeanOf = FloatMean;
 
-    static RVK_INLINE Sums sumsOf(const float* p)
+    template <At at>
+    static RVK_INLINE Vec<float> sumsOf(const float* p)
     {
-        const Vecs<float, 2> ab = load2(p), cd = load2(p + 2);
-        return weightedSum(ab[0], ab[1], cd[0], cd[1], load2(p + 3)[1]);
+        const Vecs<float, 5> v = loadEverySecond5<at>(p);
+        return weightedSum(v[0], v[1], v[2], v[3], v[4]);
     }
-    static RVK_INLINE Sum leftSumOf(const float* row, size_t width)
-    {
-        return weightedSum(0.0f, 0.0f, row[0], row[1], width > 2 ? row[2] : 0.0f);
-    }
-    static RVK_INLINE Sum rightSumOf(const float* row, size_t width)
-    {
-        const float* p = row + width - 4;
-        return weightedSum(p[0], p[1], p[2], p[3], 0.0f);
-    }
-    static RVK_INLINE Vec<float> wholeMean(Sums sums) { return sums * splat(1.0f / 256); }
+    static RVK_INLINE Vec<float> wholeMeans(Vec<float> sums) { return sums * splat(1.0f / 256); }
 };
 
 // The weights of a window around pixel 2 * i of a line that lie on it, summed.
@@ -228,98 +317,289 @@ RVK_INLINE bool isAtEdge(size_t i, size_t size)
 // Rows of outputs that a column is followed down before the next one.
 constexpr size_t kBlockRows = 32;
 
-// Rows top..bottom - 1 of one column: sumOf(y) gives the sums of row y of the source, put(y, sums) gets those of output y.
-template <class Halving, class Row, class SumOf, class Put>
-RVK_INLINE void followDown(size_t top, size_t bottom, size_t height, SumOf sumOf, Put put)
+// Some rows of outputs, and how high the source is.
+struct RowRange
 {
-    const Row nothing = {};
-    typename Halving::template Down<Row> column(top ? sumOf(2 * top - 2) : nothing, top ? sumOf(2 * top - 1) : nothing,
-                                                sumOf(2 * top));
-    for (size_t y = top; y < bottom; ++y) {
-        const Row odd = sumOf(2 * y + 1);
-        put(y, column.next(odd, 2 * y + 2 < height ? sumOf(2 * y + 2) : nothing));
+    size_t top, bottom, height;
+};
+
+// One column of outputs: sumsOf(y) gives the sums of row y of the source, put(y, sums) gets those of output y.
+template <class Halving, class SumsOf, class Put>
+RVK_INLINE void halveDown(const RowRange& rows, SumsOf sumsOf, Put put)
+{
+    const typename Halving::Down::Row nothing = {};
+    const size_t top = rows.top;
+    typename Halving::Down column(top ? sumsOf(2 * top - 2) : nothing, top ? sumsOf(2 * top - 1) : nothing,
+                                  sumsOf(2 * top));
+    for (size_t y = top; y < rows.bottom; ++y) {
+        const auto odd = sumsOf(2 * y + 1);
+        put(y, column.next(odd, 2 * y + 2 < rows.height ? sumsOf(2 * y + 2) : nothing));
     }
 }
 
-// The means of outputs whose windows lie between the left and the right edge.
+// The means of outputs with whole windows across, and that of one whose window has these weights across.
 template <class Halving>
-RVK_INLINE auto meansOf(const typename Halving::Sums& sums, size_t y, size_t height)
+RVK_INLINE auto meansOf(const typename Halving::Down::Row& sums, size_t y, size_t height)
 {
     if (isAtEdge<Halving>(y, height)) [[unlikely]]
         return typename Halving::MeanOf(Halving::wholeLine * weightsInside<Halving>(y, height)).of(sums);
-    return Halving::wholeMean(sums);
+    return Halving::wholeMeans(sums);
 }
 
-// Such outputs, `n` in a row from dst on; the windows of the first begin in the first column of src.
-template <class Halving, class T>
-RVK_INLINE void halveMiddle(size_t n, size_t top, size_t bottom, size_t height, Plane<const T> src, Plane<T> dst)
+template <class Halving>
+struct EdgeMean
 {
-    constexpr size_t step = Halving::step;
-    using Sums = typename Halving::Sums;
-    for (size_t next = 0; next < n; next += step) {
-        const size_t x = next + step <= n ? next : n - step; // the last column may overlap the one before it
-        followDown<Halving, Sums>(
-            top, bottom, height, [&](size_t y) RVK_INLINE_LAMBDA { return Halving::sumsOf(src.row(y) + 2 * x); },
-            [&](size_t y, const Sums& sums)
-                RVK_INLINE_LAMBDA { store(dst.row(y) + x, meansOf<Halving>(sums, y, height)); });
+    using MeanOf = typename Halving::MeanOf;
+    uint32_t across;
+    MeanOf inner;
+
+    RVK_INLINE EdgeMean(size_t x, size_t width)
+        : across(weightsInside<Halving>(x, width)), inner(across * Halving::wholeLine)
+    {
     }
+    template <class Sum>
+    RVK_INLINE auto of(Sum sum, size_t y, size_t height) const
+    {
+        if (isAtEdge<Halving>(y, height)) [[unlikely]]
+            return MeanOf(across * weightsInside<Halving>(y, height)).of(sum);
+        return inner.of(sum);
+    }
+};
+
+// The outputs from column x on, as many as a vector has.
+template <class Halving, At at, class T>
+RVK_INLINE void halveColumn(size_t x, size_t width, const RowRange& rows, Plane<const T> src, Plane<T> dst)
+{
+    constexpr size_t edge = at == At::right ? Halving::step - 1 : 0;
+    const EdgeMean<Halving> edgeMean(x + edge, width);
+    halveDown<Halving>(
+        rows,
+        [&](size_t y) RVK_INLINE_LAMBDA { return Halving::template sumsOf<at>(src.row(y) + 2 * x - Halving::radius); },
+        [&](size_t y, const auto& sums) RVK_INLINE_LAMBDA {
+            T* const to = dst.row(y) + x;
+            store(to, meansOf<Halving>(sums, y, rows.height));
+            if constexpr (at != At::middle)
+                to[edge] = edgeMean.of(laneOf(sums, edge), y, rows.height);
+        });
 }
 
-// The same of fewer outputs than a vector has, in copies of the rows that have room behind them.
+// All outputs of pictures that have no more in a row than a vector has, in copies of the rows between zeros.
 template <class Halving, class T>
-RVK_INLINE void halveNarrowMiddle(size_t n, size_t top, size_t bottom, size_t height, Plane<const T> src, Plane<T> dst)
+RVK_NOINLINE void halveNarrow(size_t width, size_t height, Plane<const T> src, Plane<T> dst)
 {
-    using Sums = typename Halving::Sums;
-    T row[2 * Halving::step + 2 * Halving::radius] = {};
-    followDown<Halving, Sums>(
-        top, bottom, height,
+    const size_t columns = width / 2;
+    const EdgeMean<Halving> left(0, width), right(columns - 1, width);
+    T row[2 * Halving::step + 1 + 2 * Halving::radius] = {};
+    halveDown<Halving>(
+        {0, height / 2, height},
         [&](size_t y) RVK_INLINE_LAMBDA {
-            __builtin_memcpy(row, src.row(y), (2 * n + 2 * Halving::radius - 1) * sizeof(T));
-            return Halving::sumsOf(row);
+            __builtin_memcpy(row + Halving::radius, src.row(y), width * sizeof(T));
+            return Halving::template sumsOf<At::middle>(row);
         },
-        [&](size_t y, const Sums& sums)
-            RVK_INLINE_LAMBDA { storePartial(dst.row(y), meansOf<Halving>(sums, y, height), n); });
-}
-
-// The outputs of column x, at the left or the right edge.
-template <class Halving, class T, class SumOf>
-RVK_INLINE void halveEdge(size_t x, size_t width, size_t top, size_t bottom, size_t height, Plane<T> dst, SumOf sumOf)
-{
-    const uint32_t across = weightsInside<Halving>(x, width);
-    const typename Halving::MeanOf mean(across * Halving::wholeLine);
-    followDown<Halving, typename Halving::Sum>(
-        top, bottom, height, sumOf, [&](size_t y, typename Halving::Sum sum) RVK_INLINE_LAMBDA {
-            T& to = dst.row(y)[x];
-            if (isAtEdge<Halving>(y, height)) [[unlikely]]
-                to = typename Halving::MeanOf(across * weightsInside<Halving>(y, height)).of(sum);
-            else
-                to = mean.of(sum);
+        [&](size_t y, const auto& sums) RVK_INLINE_LAMBDA {
+            T* const to = dst.row(y);
+            storePartial(to, meansOf<Halving>(sums, y, height), columns);
+            to[0] = left.of(laneOf(sums, 0), y, height);
+            to[columns - 1] = right.of(laneOf(sums, columns - 1), y, height);
         });
 }
 
 template <class Halving, class T>
 RVK_INLINE void halve(size_t width, size_t height, Plane<const T> src, Plane<T> dst)
 {
-    const size_t columns = width / 2, rows = height / 2;
-    const bool hasRightEdge = columns > 1 && isAtEdge<Halving>(columns - 1, width);
-    const size_t middle = columns - 1 - hasRightEdge;
-    const Plane<const T> middleSrc = {src.data + 2 - Halving::radius, src.stride};
-    const Plane<T> middleDst = {dst.data + 1, dst.stride};
-    for (size_t top = 0; top < rows; top += kBlockRows) {
-        const size_t bottom = least(top + kBlockRows, rows);
-        halveEdge<Halving>(0, width, top, bottom, height, dst,
-                           [&](size_t y) RVK_INLINE_LAMBDA { return Halving::leftSumOf(src.row(y), width); });
-        if (middle >= Halving::step)
-            halveMiddle<Halving>(middle, top, bottom, height, middleSrc, middleDst);
-        else if (middle > 0)
-            halveNarrowMiddle<Halving>(middle, top, bottom, height, middleSrc, middleDst);
-        if (hasRightEdge)
-            halveEdge<Halving>(columns - 1, width, top, bottom, height, dst,
-                               [&](size_t y) RVK_INLINE_LAMBDA { return Halving::rightSumOf(src.row(y), width); });
+    constexpr size_t step = Halving::step;
+    const size_t columns = width / 2;
+    if (columns <= step)
+        return halveNarrow<Halving>(width, height, src, dst);
+    const size_t last = columns - step; // where the last column begins, which may overlap the one before it
+    for (size_t top = 0; top < height / 2; top += kBlockRows) {
+        const RowRange rows = {top, least(top + kBlockRows, height / 2), height};
+        halveColumn<Halving, At::left>(0, width, rows, src, dst);
+        for (size_t x = step; x < last; x += step)
+            halveColumn<Halving, At::middle>(x, width, rows, src, dst);
+        if (isAtEdge<Halving>(columns - 1, width))
+            halveColumn<Halving, At::right>(last, width, rows, src, dst);
+        else
+            halveColumn<Halving, At::middle>(last, width, rows, src, dst);
     }
 }
 
+// ---- binomial means between pixels ----------------------------------------------------------------------------------
+//
+// Of a row: sums for the pixels on the source's, weights 1 6 1, and for those between them, weights 1 1 in place of 4 4.
+// Edges as above.
+
+static_assert(allExact<2, 4, 6, 7, 8, 12, 14, 16, 36, 42, 48, 49, 56>);
+
+// Down a column, the same.
+RVK_INLINE Vecs<uint16_t, 2> sixTimes(const Vecs<uint16_t, 2>& v)
+{
+    return both(v, [](auto half) RVK_INLINE_LAMBDA { return half * splat<uint16_t>(6); });
+}
+RVK_INLINE EvenAndOdd evenRow(const EvenAndOdd& above, const EvenAndOdd& here, const EvenAndOdd& below)
+{
+    return {above.even + below.even + sixTimes(here.even), above.odd + below.odd + sixTimes(here.odd)};
+}
+RVK_INLINE EvenAndOdd oddRow(const EvenAndOdd& here, const EvenAndOdd& below)
+{
+    return {here.even + below.even, here.odd + below.odd};
+}
+
+// The weights of the pixels that exist around pixel i of a line.
+RVK_INLINE uint32_t evenWeights(size_t i, size_t size)
+{
+    return 6 + (i > 0) + (i + 1 < size);
+}
+RVK_INLINE uint32_t oddWeights(size_t i, size_t size)
+{
+    return 1 + (i + 1 < size);
+}
+
+// The means for sums of so many weights down and across.
+struct MeansByTurns
+{
+    Mean even, odd;
+
+    RVK_INLINE MeansByTurns(uint32_t down, uint32_t evenAcross, uint32_t oddAcross)
+        : even(down * evenAcross), odd(down * oddAcross)
+    {
+    }
+    RVK_INLINE void put(uint8_t* to, const EvenAndOdd& sums) const
+    {
+        const auto meansOf = [](const Vecs<uint16_t, 2>& v, const Mean& mean) RVK_INLINE_LAMBDA {
+            return both(v, [&](auto half) RVK_INLINE_LAMBDA { return mean.of(half); });
+        };
+        storeByTurns(to, EvenAndOdd{meansOf(sums.even, even), meansOf(sums.odd, odd)});
+    }
+    RVK_INLINE void putOne(uint8_t* to, const EvenAndOdd& sums, size_t lane) const
+    {
+        to[2 * lane] = even.of(laneOf(sums.even, lane));
+        to[2 * lane + 1] = odd.of(laneOf(sums.odd, lane));
+    }
+};
+
+// The two rows of a row of the source, and what is put there.
+struct TwoRows
+{
+    uint8_t *evenTo, *oddTo;
+    const EvenAndOdd &even, &odd;
+    uint32_t evenDown, oddDown; // weights
+
+    RVK_INLINE bool haveNeighbours() const { return evenDown == 8; }
+};
+
+// Where all columns have two neighbours.
+RVK_INLINE void store(const TwoRows& rows)
+{
+    if (rows.haveNeighbours()) [[likely]] {
+        storeRoundedByTurns<6, 4>(rows.evenTo, rows.even);
+        storeRoundedByTurns<4, 2>(rows.oddTo, rows.odd);
+    } else {
+        MeansByTurns(rows.evenDown, 8, 2).put(rows.evenTo, rows.even);
+        MeansByTurns(rows.oddDown, 8, 2).put(rows.oddTo, rows.odd);
+    }
+}
+
+// The pixels that come of pixel x of each row of the source.
+struct EdgeByTurns
+{
+    uint32_t evenAcross, oddAcross;
+    MeansByTurns innerEven, innerOdd;
+
+    RVK_INLINE EdgeByTurns(size_t x, size_t width)
+        : evenAcross(evenWeights(x, width)), oddAcross(oddWeights(x, width)), innerEven(8, evenAcross, oddAcross),
+          innerOdd(2, evenAcross, oddAcross)
+    {
+    }
+    RVK_INLINE void store(const TwoRows& rows, size_t lane) const
+    {
+        if (rows.haveNeighbours()) [[likely]] {
+            innerEven.putOne(rows.evenTo, rows.even, lane);
+            innerOdd.putOne(rows.oddTo, rows.odd, lane);
+        } else {
+            MeansByTurns(rows.evenDown, evenAcross, oddAcross).putOne(rows.evenTo, rows.even, lane);
+            MeansByTurns(rows.oddDown, evenAcross, oddAcross).putOne(rows.oddTo, rows.odd, lane);
+        }
+    }
+};
+
+// One column of the source: sumsOf(y) gives the sums of row y, targetOf(y) is where row y of the destination goes, done(y,
+// rows) gets both that come of row y.
+template <class SumsOf, class TargetOf, class Done>
+RVK_INLINE void doubleDown(const RowRange& rows, SumsOf sumsOf, TargetOf targetOf, Done done)
+{
+    const EvenAndOdd nothing = {};
+    EvenAndOdd above = rows.top ? sumsOf(rows.top - 1) : nothing, here = sumsOf(rows.top);
+    for (size_t y = rows.top; y < rows.bottom; ++y) {
+        const EvenAndOdd below = y + 1 < rows.height ? sumsOf(y + 1) : nothing;
+        const EvenAndOdd even = evenRow(above, here, below), odd = oddRow(here, below);
+        const TwoRows two = {targetOf(2 * y),           targetOf(2 * y + 1), even, odd, evenWeights(y, rows.height),
+                             oddWeights(y, rows.height)};
+        store(two);
+        done(y, two);
+        above = here;
+        here = below;
+    }
+}
+
+// As many columns of the source as a vector has lanes, from x on.
+template <At at>
+RVK_INLINE void doubleColumn(size_t x, size_t width, const RowRange& rows, Plane<const uint8_t> src, Plane<uint8_t> dst)
+{
+    constexpr size_t lane = at == At::right ? kBytes - 1 : 0;
+    const EdgeByTurns edge(x + lane, width);
+    doubleDown(
+        rows, [&](size_t y) RVK_INLINE_LAMBDA { return doubledSums<at>(src.row(y) + x - 1); },
+        [&](size_t y) RVK_INLINE_LAMBDA { return dst.row(y) + 2 * x; },
+        [&](size_t, const TwoRows& two) RVK_INLINE_LAMBDA {
+            if constexpr (at != At::middle)
+                edge.store(two, lane);
+        });
+}
+
+// All of pictures that have no more in a row than that, in copies of the rows between zeros.
+RVK_NOINLINE void doubleNarrow(size_t width, size_t height, Plane<const uint8_t> src, Plane<uint8_t> dst)
+{
+    const EdgeByTurns left(0, width), right(width - 1, width);
+    uint8_t in[kBytes + 2] = {}, out[2][2 * kBytes];
+    doubleDown(
+        {0, height, height},
+        [&](size_t y) RVK_INLINE_LAMBDA {
+            __builtin_memcpy(in + 1, src.row(y), width);
+            return doubledSums<At::middle>(in);
+        },
+        [&](size_t y) RVK_INLINE_LAMBDA { return out[y % 2]; },
+        [&](size_t y, const TwoRows& two) RVK_INLINE_LAMBDA {
+            left.store(two, 0);
+            right.store(two, width - 1);
+            __builtin_memcpy(dst.row(2 * y), out[0], 2 * width);
+            __builtin_memcpy(dst.row(2 * y + 1), out[1], 2 * width);
+        });
+}
+
 } // namespace
+
+// ---- down -------------------------------------------------------------------------------------------------------------
+
+int32_t rvkScaleDownBy2u8V(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride, uint8_t* dst,
+                           uint32_t dstStride)
+{
+    mapBlocks<MeanOf2x2, 2, 1>(srcWidth / 2, srcHeight / 2, {src, srcStride}, {dst, dstStride});
+    return 0;
+}
+
+int32_t rvkScaleDownBy4u8V(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride, uint8_t* dst,
+                           uint32_t dstStride)
+{
+    mapBlocks<MeanOf4x4, 4, 1>(srcWidth / 4, srcHeight / 4, {src, srcStride}, {dst, dstStride});
+    return 0;
+}
+
+void rvkScaleDown3To2u8V(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride, uint8_t* dst,
+                         uint32_t dstStride)
+{
+    mapBlocks<CornersOf3x3, 3, 2>(srcWidth / 3, srcHeight / 3, {src, srcStride}, {dst, dstStride});
+}
 
 rvkStatus rvkScaleDownBy2Gaussian3x3u8V(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
                                         uint8_t* dst, uint32_t dstStride)
@@ -338,6 +618,26 @@ void rvkScaleDownBy2Gaussian5x5f32_v2V(const float32_t* srcImg, uint32_t width, 
                                        float32_t* dst, uint32_t dstStride)
 {
     halve<FloatHalving5x5>(width, height, Plane{srcImg, srcStride}, Plane{dst, dstStride});
+}
+
+// ---- up ---------------------------------------------------------------------------------------------------------------
+
+void rvkScaleUpBy2Gaussian5x5u8_v2V(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
+                                    uint8_t* dst, uint32_t dstStride)
+{
+    const Plane in{src, srcStride};
+    const Plane out{dst, dstStride};
+    const size_t width = srcWidth, height = srcHeight;
+    if (width <= kBytes)
+        return doubleNarrow(width, height, in, out);
+    const size_t last = width - kBytes; // where the last column begins, which may overlap the one before it
+    for (size_t top = 0; top < height; top += kBlockRows) {
+        const RowRange rows = {top, least(top + kBlockRows, height), height};
+        doubleColumn<At::left>(0, width, rows, in, out);
+        for (size_t x = kBytes; x < last; x += kBytes)
+            doubleColumn<At::middle>(x, width, rows, in, out);
+        doubleColumn<At::right>(last, width, rows, in, out);
+    }
 }
 
 } // namespace rvk::vecta::RVK_ISA

@@ -538,20 +538,102 @@ SimdGroup pairs()
 
 // ---- rows that become shorter or longer -----------------------------------------------------------------------------
 
-SimdGroup scaling()
+Vec<uint16_t> lowBytes(Vec<uint16_t> v)
+{
+    return v & splat<uint16_t>(255);
+}
+
+// Byte i from p of a row that begins at `in` and has `size` bytes, and 0 outside.
+constexpr int beside(const uint8_t* in, size_t i, size_t before, size_t size)
+{
+    return i >= before && i - before < size ? in[i - before] : 0;
+}
+
+template <At at>
+SimdGroup everySecond()
+{
+    // The windows begin so many elements ahead of the input, or end so many behind it.
+    constexpr size_t n = kLanes<uint8_t>, lanes = kLanes<float>;
+    constexpr size_t before3 = at == At::left, before5 = 2 * before3, behind = at == At::right;
+    static constexpr size_t size3 = 2 * n + 1 - before3 - behind, size5 = 2 * n + 3 - before5 - behind;
+    static constexpr SimdOperation list[] = {
+        mapping<uint8_t, uint16_t, size3, n>(
+            "everySecondSum of 3",
+            [](const uint8_t* in, uint16_t* out) {
+                store(out, everySecondSum<Weights<1, 2, 1>, at>(in - (at == At::left)));
+            },
+            [](const uint8_t* in, size_t i) {
+                const auto tap = [&](size_t k) { return beside(in, 2 * i + k, at == At::left, size3); };
+                return tap(0) + 2 * tap(1) + tap(2);
+            }),
+        mapping<uint8_t, uint16_t, size5, n>(
+            "everySecondSum of 5",
+            [](const uint8_t* in, uint16_t* out) {
+                store(out, everySecondSum<Weights<1, 4, 6, 4, 1>, at>(in - 2 * (at == At::left)));
+            },
+            [](const uint8_t* in, size_t i) {
+                const auto tap = [&](size_t k) { return beside(in, 2 * i + k, 2 * (at == At::left), size5); };
+                return tap(0) + 4 * tap(1) + 6 * tap(2) + 4 * tap(3) + tap(4);
+            }),
+        mapping<float, float, 2 * lanes + 3 - before5 - behind, 5 * lanes>(
+            "loadEverySecond5",
+            [](const float* in, float* out) { store(out, loadEverySecond5<at>(in - 2 * (at == At::left))); },
+            [](const float* in, size_t i) {
+                constexpr size_t before = 2 * (at == At::left), size = 2 * lanes + 3 - before - (at == At::right);
+                const size_t from = i % lanes * 2 + i / lanes;
+                return from >= before && from - before < size ? in[from - before] : 0.0f;
+            }),
+        mapping<uint8_t, uint8_t, n + 2 - (at != At::middle), 4 * n>(
+            "doubledSums",
+            [](const uint8_t* in, uint8_t* out) {
+                const EvenAndOdd sums = doubledSums<at>(in - (at == At::left));
+                storeRoundedByTurns<6, 4>(out, sums);
+                storeByTurns(out + 2 * n, EvenAndOdd{both(sums.even, lowBytes), both(sums.odd, lowBytes)});
+            },
+            [](const uint8_t* in, size_t i) {
+                const auto tap = [&](size_t k) {
+                    return beside(in, i % (2 * n) / 2 + k, at == At::left, n + 2 - (at != At::middle));
+                };
+                const int even = tap(0) + 6 * tap(1) + tap(2), odd = tap(1) + tap(2);
+                return i >= 2 * n ? (i % 2 ? odd : even) & 255 : i % 2 ? (odd + 8) >> 4 : (even + 32) >> 6;
+            }),
+    };
+    return group(list);
+}
+
+SimdGroup blocksOfBytes()
 {
     constexpr size_t n = kLanes<uint8_t>;
     static constexpr SimdOperation list[] = {
-        mapping<uint8_t, uint16_t, 2 * n + 1, n>(
-            "everySecondSum of 3",
-            [](const uint8_t* in, uint16_t* out) { store(out, everySecondSum<Weights<1, 2, 1>>(in)); },
-            [](const uint8_t* in, size_t i) { return in[2 * i] + 2 * in[2 * i + 1] + in[2 * i + 2]; }),
-        mapping<uint8_t, uint16_t, 2 * n + 3, n>(
-            "everySecondSum of 5",
-            [](const uint8_t* in, uint16_t* out) { store(out, everySecondSum<Weights<1, 4, 6, 4, 1>>(in)); },
+        mapping<uint8_t, uint16_t, 2 * n, n / 2>(
+            "addNeighboursTo",
+            [](const uint8_t* in, uint16_t* out) {
+                store(out, addNeighboursTo(addNeighbours(load(in)), load(in + n)));
+            },
+            [](const uint8_t* in, size_t i) { return in[2 * i] + in[2 * i + 1] + in[2 * i + n] + in[2 * i + n + 1]; }),
+        mapping<uint8_t, uint8_t, 4 * n, n>(
+            "addNeighboursInLanes",
+            [](const uint8_t* in, uint8_t* out) {
+                const auto fours = [=](size_t at) {
+                    return addNeighboursInLanes(addNeighbours(load(in + at)), addNeighbours(load(in + at + n)));
+                };
+                store(out, orderPackedTwice(narrowShiftedInLanes<2>(Vecs<uint16_t, 2>{fours(0), fours(2 * n)})));
+            },
             [](const uint8_t* in, size_t i) {
-                const uint8_t* p = in + 2 * i;
-                return p[0] + 4 * p[1] + 6 * p[2] + 4 * p[3] + p[4];
+                const uint8_t* p = in + 4 * i;
+                return (p[0] + p[1] + p[2] + p[3]) >> 2;
+            }),
+        mapping<uint16_t, uint8_t, n, n>(
+            "narrowShifted", [](const uint16_t* in, uint8_t* out) { store(out, narrowShifted<8>(loadVecs<2>(in))); },
+            [](const uint16_t* in, size_t i) { return in[i] >> 8; }),
+        mapping<uint8_t, uint8_t, 6 * n, 2 * n>(
+            "thirds",
+            [](const uint8_t* in, uint8_t* out) {
+                storeThirds<4>(out, addThirdSums<9, 3>(thirdSums<3, 1>(in), in + 3 * n));
+            },
+            [](const uint8_t* in, size_t i) {
+                const uint8_t *p = in + i / 2 * 3, *q = p + 3 * n;
+                return (3 * p[i % 2 * 2] + p[1] + 9 * q[i % 2 * 2] + 3 * q[1]) >> 4;
             }),
     };
     return group(list);
@@ -1312,7 +1394,10 @@ SimdGroup (*const kGroups[])() = {
     wideProducts<uint16_t>,
     wideProducts<int16_t>,
     pairs,
-    scaling,
+    everySecond<At::left>,
+    everySecond<At::middle>,
+    everySecond<At::right>,
+    blocksOfBytes,
     wideAndNarrowMasks<int8_t>,
     wideAndNarrowMasks<int16_t>,
     narrowing<uint16_t>,

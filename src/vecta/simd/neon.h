@@ -425,6 +425,18 @@ RVK_INLINE Vec<To> narrowSatInLanes(Vecs<T, 2> v)
     return narrowSat<To>(v);
 }
 
+// The elements shifted right, which bytes then hold.
+template <unsigned count>
+RVK_INLINE Vec<uint8_t> narrowShifted(const Vecs<uint16_t, 2>& v)
+{
+    return join(vshrn_n_u16(reg(v[0]), count), vshrn_n_u16(reg(v[1]), count));
+}
+template <unsigned count>
+RVK_INLINE Vec<uint8_t> narrowShiftedInLanes(const Vecs<uint16_t, 2>& v)
+{
+    return narrowShifted<count>(v);
+}
+
 // ---- products -------------------------------------------------------------------------------------------------------
 
 RVK_INLINE uint16x8_t multiplyHalves(uint8x8_t a, uint8x8_t b) { return vmull_u8(a, b); }
@@ -1021,6 +1033,20 @@ RVK_INLINE Vec<uint16_t> gatherBytes(const uint8_t* p, const Vecs<uint32_t, 2>& 
 }
 
 // ---- neighbours -----------------------------------------------------------------------------------------------------
+
+// The sums of neighbours, and those added to acc.
+RVK_INLINE Vec<uint16_t> addNeighbours(Vec<uint8_t> v) { return vec(vpaddlq_u8(reg(v))); }
+RVK_INLINE Vec<uint16_t> addNeighboursTo(Vec<uint16_t> acc, Vec<uint8_t> v) { return vec(vpadalq_u8(reg(acc), reg(v))); }
+
+// Those of a followed by b, elements below 2^15.
+RVK_INLINE Vec<uint16_t> addNeighboursInLanes(Vec<uint16_t> a, Vec<uint16_t> b)
+{
+#if defined(__aarch64__)
+    return vec(vpaddq_u16(reg(a), reg(b)));
+#else
+    return join(vpadd_u16(lowHalf(a), highHalf(a)), vpadd_u16(lowHalf(b), highHalf(b)));
+#endif
+}
 
 template <class T>
 RVK_INLINE Vecs<uint8_t, 2> load2Of(const uint8_t* p)

@@ -51,7 +51,7 @@
 // Width       widen(v) -> Vecs<Wider, 2>; narrow(vs): drops the upper halves of the elements; narrowSat<To>(vs): s16 to
 //             u8 or s8, u16 to u8, s32 to s16 or u16, u32 to u16
 //             addWide, subtractWide(a, b) -> Vecs<Wider, 2>: exact, 8 and 16 bits; differences have a sign
-//             storeLowBytes(p, v): u16, narrowed
+//             narrowShifted<count>(vs): u16 to u8, where the shifted elements fit; storeLowBytes(p, v): u16, narrowed
 //             multiplyWide(a, b) -> Vecs<Wider, 2>: 8 and 16 bits; multiplyHigh: the upper halves of products, 16 bits
 //             dotPairs(a, b): s16 -> s32, a[2i] * b[2i] + a[2i + 1] * b[2i + 1]
 //             dot(a, b): two vectors of s16 each -> s32, a[0] * b[0] + a[1] * b[1], element by element
@@ -61,8 +61,9 @@
 //  ..Split    32-bit elements in two vectors, in the order of which joinSplit(vs) -> u16 is cheapest: their lower halves,
 //             in the order of memory. loadSplit(p) -> Vecs<T, 2>; iotaSplit<T>(): the numbers of the elements;
 //             orderSplit(vs): all of them in the order of memory
-//  ..InLanes  widenInLanes, narrowInLanes, narrowSatInLanes<To>, multiplyWideInLanes, zipInLanes: the same, with the
-//             lanes of the wide vectors in the order that is cheapest. What one takes apart, another puts together
+//  ..InLanes  widenInLanes, narrowInLanes, narrowSatInLanes<To>, narrowShiftedInLanes<count>, multiplyWideInLanes,
+//             zipInLanes: the same, with the lanes of the wide vectors in the order that is cheapest. What one takes
+//             apart, another puts together
 //             dotInLanes(a, b): as dot; addDotInLanes(acc, a, b)
 //             addBothInLanes(acc, vs): s32 + s16, acc + vs[0] + vs[1] of elements that are not negative
 // Lanes       reverse(v); extract<n>(a, b): lanes n, n + 1, ... of a followed by b; zipLow, zipHigh, zip(a, b):
@@ -76,7 +77,9 @@
 //             row, of the n * kWindow bytes from offsets[w] on those with these indices; n is 1 or 2
 // Scattered   gatherBytes, gatherPairs(p, split offsets below 2^31) -> u16: the byte, or the two bytes, at p + offset;
 //             kGatherReach: bytes from there on that may be read, 2 or more. gatherWords(p, offsets) -> u32: four bytes
-// Sums        addBytesTo(acc u32, u8), addTo(acc, v) for u16 to u32, s16 to s32, u32 to u64, s32 to s64: each element
+// Sums        addNeighbours(v), addNeighboursTo(acc, v): u8 to u16, v[2i] + v[2i + 1]; addNeighboursInLanes(a, b): of u16
+//             below 2^15
+//             addBytesTo(acc u32, u8), addTo(acc, v) for u16 to u32, s16 to s32, u32 to u64, s32 to s64: each element
 //             of v is added to some lane of acc; reduceAdd(v): exact for u8, u16 and s16, wrapping for 32 and 64 bits
 //             addDot(acc, a, b): u8, s8: each product is added to some lane of acc, 32 bits, which wrap. In two parts, where
 //             one a meets several b: addPartOfDot(acc, a, b) lacks restOfDot() of addToRestOfDot(acc, a)

@@ -584,6 +584,19 @@ RVK_INLINE Vec<Narrower<T>> narrow(Vecs<T, 2> v)
 #endif
 }
 
+// The elements shifted right, which bytes then hold.
+template <unsigned count>
+RVK_INLINE Vec<uint8_t> narrowShiftedInLanes(const Vecs<uint16_t, 2>& v)
+{
+    return narrowSatInLanes<uint8_t>(
+        bitCast<int16_t>(both(v, [](auto half) RVK_INLINE_LAMBDA { return shiftRight(half, count); })));
+}
+template <unsigned count>
+RVK_INLINE Vec<uint8_t> narrowShifted(const Vecs<uint16_t, 2>& v)
+{
+    return orderPacked(narrowShiftedInLanes<count>(v));
+}
+
 // The lower bytes of the elements.
 RVK_INLINE void storeLowBytes(uint8_t* p, Vec<uint16_t> v)
 {
@@ -1457,6 +1470,18 @@ RVK_INLINE Vec<uint16_t> gatherBytes(const uint8_t* p, const Vecs<uint32_t, 2>& 
 #endif
 
 // ---- neighbours -----------------------------------------------------------------------------------------------------
+
+// The sums of neighbours, and those added to acc.
+RVK_INLINE Vec<uint16_t> addNeighbours(Vec<uint8_t> v) { return bitCast<uint16_t>(dotPairs(v, splat<int8_t>(1))); }
+RVK_INLINE Vec<uint16_t> addNeighboursTo(Vec<uint16_t> acc, Vec<uint8_t> v) { return acc + addNeighbours(v); }
+
+// Those of a followed by b, elements below 2^15, in the order of narrowSatInLanes.
+RVK_INLINE Vec<uint16_t> addNeighboursInLanes(Vec<uint16_t> a, Vec<uint16_t> b)
+{
+    const Vec<int16_t> one = splat<int16_t>(1);
+    return narrowSatInLanes<uint16_t>(
+        Vecs<int32_t, 2>{dotPairs(bitCast<int16_t>(a), one), dotPairs(bitCast<int16_t>(b), one)});
+}
 
 // The rounded means of the bytes of each even element of T and those of the next, without gaps between them.
 template <class T>
