@@ -261,7 +261,10 @@ struct Halving3x3
     {
         return everySecondSum<Weights<1, 2, 1>, at>(p);
     }
-    static RVK_INLINE Vec<uint8_t> wholeMeans(const Down::Row& sums) { return narrowRounded<uint8_t, 4>(sums); }
+    static RVK_INLINE Vec<uint8_t> wholeMeans(const Down::Row& sums)
+    {
+        return narrowRounded<uint8_t, 4>(bitCast<int16_t>(sums)); // which are below 2^15
+    }
 };
 
 struct Halving5x5
@@ -337,7 +340,7 @@ RVK_INLINE void halveDown(const RowRange& rows, SumsOf sumsOf, Put put)
     }
 }
 
-// The means of outputs with whole windows across, and that of one whose window has these weights across.
+// The means of outputs whose windows lie between the left and right edge.
 template <class Halving>
 RVK_INLINE auto meansOf(const typename Halving::Down::Row& sums, size_t y, size_t height)
 {
@@ -346,6 +349,7 @@ RVK_INLINE auto meansOf(const typename Halving::Down::Row& sums, size_t y, size_
     return Halving::wholeMeans(sums);
 }
 
+// The mean of an output in a column at one of these edges.
 template <class Halving>
 struct EdgeMean
 {

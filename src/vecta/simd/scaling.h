@@ -157,12 +157,12 @@ RVK_INLINE void storeByTurns(uint8_t* p, const EvenAndOdd& v)
 template <unsigned evenShift, unsigned oddShift>
 RVK_INLINE void storeRoundedByTurns(uint8_t* p, const EvenAndOdd& v)
 {
-    unrolled<2>([&](auto half) RVK_INLINE_LAMBDA {
-        const Vec<uint16_t> even = v.even[half] + splat<uint16_t>(1 << (evenShift - 1));
-        const Vec<uint16_t> odd = v.odd[half] + splat<uint16_t>(1 << (oddShift - 1));
-        const Vec<uint16_t> upper = shiftLeft(odd, 8 - oddShift) & splat<uint16_t>(0xff00);
-        store(p + half * kBytes, bitCast<uint8_t>(shiftRight(even, evenShift) | upper));
-    });
+    const auto rounded = [](const Vecs<uint16_t, 2>& sums, unsigned count) RVK_INLINE_LAMBDA { // which are below 2^15
+        return both(sums, [=](Vec<uint16_t> half) RVK_INLINE_LAMBDA {
+            return bitCast<uint16_t>(shiftRightRounded(bitCast<int16_t>(half), count));
+        });
+    };
+    storeByTurns(p, EvenAndOdd{rounded(v.even, evenShift), rounded(v.odd, oddShift)});
 }
 
 #else
