@@ -774,7 +774,7 @@ public:
     {
         uint32_t pixel = 1;
         for (const Argument& a : m_function.arguments)
-            pixel = std::max(pixel, a.isPicture() ? a.pixelSize() : 1);
+            pixel = std::max(pixel, a.isPicture() ? a.pixelSize() >> (a.xShift + a.yShift) : 1);
         const uint32_t width = 900 + m_bits.below(1300);
         run({width, m_bits.below(std::min(90u, 900'000 / pixel / (width + 60)))});
         run({60 + m_bits.below(160), 100 + m_bits.below(60)}, 4096);

@@ -36,6 +36,7 @@ std::span<const TestGroup> testGroups()
         {"PYRAMID", 7, RAVIK_TEST_PYRAMID_Test, pyramidFunctions},
         {"CHANNEL", 7, RAVIK_TEST_CHANNEL_Test, channelFunctions},
         {"FIR", 3, RAVIK_TEST_FIR_Test, firFunctions},
+        {"IMGINTENSITY", 12, RAVIK_TEST_IMGINTENSITY_Test, imageIntensityFunctions},
         {"EDGE", 5, RAVIK_TEST_EDGE_Test, edgeFunctions},
         {"MINMAX", 6, RAVIK_TEST_MINMAX_Test, minMaxFunctions},
         {"SMOOTH", 6, RAVIK_TEST_SMOOTH_Test, smoothFunctions},

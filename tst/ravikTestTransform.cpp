@@ -1,6 +1,7 @@
 // TRNS and IPP: transposes, flips and rotations.
 #include "groups.h"
 
+#include <ravik/statistics.h>
 #include <ravik/transform.h>
 
 using namespace arguments;
@@ -67,6 +68,9 @@ const FunctionGroup& flipFunctions()
             RVK_TEST_AS("rvkRotateImageInterleavedu8_270", "rvkRotateImageInterleavedu8", rvkRotateImageInterleavedu8,
                         pairs, width, height, stride, turnedDst, stride, threeQuarters)
                 .keeps(turnedPairs),
+            RVK_TEST(rvkImageHistogramEqualizeu8, src, width, height, stride, dst, stride)
+                .keeps(Contract().inPlace().upToPixels(UINT32_MAX).onDsp({.alignment = 8, .widthMultiple = 8})),
+            RVK_TEST(rvkTableLookupu8, src, width, height, stride, src.ofSize(256), dst, stride).keeps(flippedBytes),
         }};
     return group;
 }

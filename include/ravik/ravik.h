@@ -29,6 +29,7 @@
 #include "morphology.h"
 #include "pyramid.h"
 #include "scale.h"
+#include "statistics.h"
 #include "threshold.h"
 #include "transform.h"
 #include "types.h"

@@ -2,6 +2,7 @@
 #include "simd/kernels.h"
 
 #include "vecta/simd/chroma.h"
+#include "vecta/simd/runningSums.h"
 #include "vecta/simd/scaling.h"
 #include "vecta/simd/tiles.h"
 
@@ -1151,6 +1152,41 @@ SimdGroup byteSums()
     return group(list);
 }
 
+uint64_t sumOfSquares(const uint8_t* in, size_t count)
+{
+    uint64_t sum = 0;
+    for (size_t i = 0; i < count; ++i)
+        sum += uint64_t{in[i]} * in[i];
+    return sum;
+}
+
+SimdGroup runningSumsOfBytes()
+{
+    constexpr size_t n = kLanes<uint8_t>;
+    static constexpr SimdOperation list[] = {
+        mapping<uint8_t, uint32_t, n, n>(
+            "sumsUpToEach", [](const uint8_t* in, uint32_t* out) { store(out, sumsUpToEach(load(in))); },
+            [](const uint8_t* in, size_t i) { return sumOf(in, i + 1); }),
+        mapping<uint8_t, uint32_t, n, n>(
+            "squaresUpToEach", [](const uint8_t* in, uint32_t* out) { store(out, squaresUpToEach(load(in))); },
+            [](const uint8_t* in, size_t i) { return sumOfSquares(in, i + 1); }),
+        mapping<uint8_t, uint64_t, 2 * n, 2>(
+            "ByteMoments",
+            [](const uint8_t* in, uint64_t* out) {
+                ByteMoments moments;
+                for (size_t k = 0; k < ByteMoments::most; ++k)
+                    moments.add(load(in + k % 2 * n));
+                out[0] = moments.sum();
+                out[1] = moments.squares();
+            },
+            [](const uint8_t* in, size_t i) {
+                const uint64_t times = ByteMoments::most / 2;
+                return times * (i ? sumOfSquares(in, 2 * n) : sumOf(in, 2 * n));
+            }),
+    };
+    return group(list);
+}
+
 // ---- floats ---------------------------------------------------------------------------------------------------------
 
 SimdGroup floats()
@@ -1428,6 +1464,7 @@ SimdGroup (*const kGroups[])() = {
     sums<uint32_t>,
     sums<int32_t>,
     byteSums,
+    runningSumsOfBytes,
     totals,
     floats,
     floatBits,
