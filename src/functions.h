@@ -125,6 +125,9 @@ void irvkRowRGBA8888ToBGRA8888C(const uint8_t* src, uint32_t width, uint8_t* dst
 void irvkScaleDownMNCoreC(const uint8_t* src, uint32_t srcWidth, uint32_t rows, uint32_t srcStride, uint32_t pixelSize,
                           uint8_t* dst, uint32_t dstWidth);
 
+// A row of an integral image: dst[x] is above[x] and the sum of src[0] to src[x].
+void irvkIntegralLineC(const uint8_t* src, uint32_t width, const uint32_t* above, uint32_t* dst);
+
 template <auto slot>
 struct SignatureOf; // Type: pointer to the functions that fill the slot's row; absent while the row has no reference
 

@@ -9,6 +9,8 @@ std::span<const TestGroup> testGroups()
         {"MEM", 3, TEST_MEM_Test, nullptr},
         {"DEPTH", 5, RAVIK_TEST_DEPTH, depthFunctions},
         {"DOT", 3, RAVIK_TEST_DOT_Test, dotProductFunctions},
+        {"IIMG", 5, RAVIK_TEST_IIMG_Test, integralFunctions},
+        {"IIMGYUV", 8, RAVIK_TEST_IIMGYUV_Test, integralYuvFunctions},
         {"IDIFF", 5, RAVIK_TEST_IDIFF_Test, imageDiffFunctions},
         {"TRNS", 4, RAVIK_TEST_TRNS_Test, transposeFunctions},
         {"WARP", 4, RAVIK_TEST_WARP_Test, warpFunctions},

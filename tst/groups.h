@@ -29,6 +29,8 @@ int TEST_MEM_Test(int loops, const char* dataDirectory);
 // Groups that the common routine tests: what they test, and their entries.
 const FunctionGroup& depthFunctions();
 const FunctionGroup& dotProductFunctions();
+const FunctionGroup& integralFunctions();
+const FunctionGroup& integralYuvFunctions();
 const FunctionGroup& imageDiffFunctions();
 const FunctionGroup& transposeFunctions();
 const FunctionGroup& warpFunctions();
@@ -70,6 +72,8 @@ int testFunctions(int loops, const char* dataDirectory)
 }
 inline constexpr auto RAVIK_TEST_DEPTH = testFunctions<depthFunctions>;
 inline constexpr auto RAVIK_TEST_DOT_Test = testFunctions<dotProductFunctions>;
+inline constexpr auto RAVIK_TEST_IIMG_Test = testFunctions<integralFunctions>;
+inline constexpr auto RAVIK_TEST_IIMGYUV_Test = testFunctions<integralYuvFunctions>;
 inline constexpr auto RAVIK_TEST_IDIFF_Test = testFunctions<imageDiffFunctions>;
 inline constexpr auto RAVIK_TEST_TRNS_Test = testFunctions<transposeFunctions>;
 inline constexpr auto RAVIK_TEST_WARP_Test = testFunctions<warpFunctions>;
