@@ -2,6 +2,7 @@
 #include "cpu/ravikStatisticsC.h"
 #include "vecta/simd/histogram.h"
 #include "vecta/simd/runningSums.h"
+#include "vecta/simd/tables.h"
 #include "vecta/vecta.h"
 
 #include <ravik/statistics.h>
@@ -55,9 +56,24 @@ RVK_INLINE void countPixels(size_t width, size_t height, Plane<const uint8_t> sr
 RVK_NOINLINE void lookUp(size_t width, size_t height, Plane<const uint8_t> src, const uint8_t (&table)[256],
                          Plane<uint8_t> dst)
 {
-    const auto prepared = prepare(table);
-    mapImage(
-        width, height, dst, [&](Vec<uint8_t> v) RVK_INLINE_LAMBDA { return lookup(prepared, v); }, src);
+    constexpr size_t together = 4;
+    const SharedTable prepared = prepareShared(table);
+    if (src.packed(width) && dst.packed(width)) {
+        width *= height;
+        height = 1;
+    }
+    for (size_t y = 0; y < height; ++y) {
+        const uint8_t* in = src.row(y);
+        uint8_t* out = dst.row(y);
+        size_t left = anyNumber(width);
+        for (; left >= together * kBytes; left -= together * kBytes) {
+            store(out, lookup(prepared, loadVecs<together>(in)));
+            in += together * kBytes;
+            out += together * kBytes;
+        }
+        mapRow(
+            left, out, [&](Vec<uint8_t> v) RVK_INLINE_LAMBDA { return lookup(prepared, v); }, in);
+    }
 }
 
 } // namespace

@@ -4,6 +4,7 @@
 #include "vecta/simd/chroma.h"
 #include "vecta/simd/runningSums.h"
 #include "vecta/simd/scaling.h"
+#include "vecta/simd/tables.h"
 #include "vecta/simd/tiles.h"
 
 namespace rvk::vecta::RVK_ISA {
@@ -501,6 +502,13 @@ SimdGroup single()
             [](const uint8_t* in, uint8_t* out) {
                 const Table256 table = prepare(in);
                 store(out, lookup(table, load(in + 256)));
+            },
+            [](const uint8_t* in, size_t i) { return in[in[256 + i]]; }),
+        mapping<uint8_t, uint8_t, 256 + 3 * kLanes<uint8_t>, 3 * kLanes<uint8_t>>(
+            "lookup of several vectors",
+            [](const uint8_t* in, uint8_t* out) {
+                const SharedTable table = prepareShared(*reinterpret_cast<const uint8_t(*)[256]>(in));
+                store(out, lookup(table, loadVecs<3>(in + 256)));
             },
             [](const uint8_t* in, size_t i) { return in[in[256 + i]]; }),
     };
