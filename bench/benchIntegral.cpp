@@ -7,6 +7,12 @@ namespace {
 
 using namespace bench;
 
+// Room for two words a pixel.
+uint64_t* squares(const Picture& p)
+{
+    return reinterpret_cast<uint64_t*>(p.out<u32>(1));
+}
+
 constexpr Row kRows[] = {
     {"rvkIntegrateImageu8", "integral u32", traffic(1, 4),
      RAVIK(rvkIntegrateImageu8(p.in<u8>(), p.width, p.height, p.out<u32>())),
@@ -17,11 +23,10 @@ constexpr Row kRows[] = {
      OPENCV(cv::Mat sum(static_cast<int>(p.height) + 1, static_cast<int>(p.width) + 1, CV_32S, p.out<u32>());
             cv::integral(p.matIn<u8>(), sum, CV_32S))},
     {"rvkIntegrateImageu8u64", "integral and squared u32 f64", traffic(1, 12),
-     RAVIK(rvkIntegrateImageu8u64(p.in<u8>(), p.width, p.height, 0, p.out<u32>(), p.out<uint64_t>(1), 0, 0)),
+     RAVIK(rvkIntegrateImageu8u64(p.in<u8>(), p.width, p.height, 0, p.out<u32>(), squares(p), 0, 0)),
      OPENCV(const int rows = static_cast<int>(p.height) + 1, columns = static_cast<int>(p.width) + 1;
-            cv::Mat sum(rows, columns, CV_32S, p.out<u32>());
-            cv::Mat squares(rows, columns, CV_64F, p.out<uint64_t>(1));
-            cv::integral(p.matIn<u8>(), sum, squares, CV_32S, CV_64F))},
+            cv::Mat sum(rows, columns, CV_32S, p.out<u32>()); cv::Mat ofSquares(rows, columns, CV_64F, squares(p));
+            cv::integral(p.matIn<u8>(), sum, ofSquares, CV_32S, CV_64F))},
     {"rvkTiltedIntegralu8s32", nullptr, traffic(1, 4),
      RAVIK(rvkTiltedIntegralu8s32(p.in<u8>(), p.width, p.height, 0, p.out<s32>(), 0))},
     {"rvkIntegrateImageYCbCr420PseudoPlanaru8", nullptr, traffic(1.5, 6),
