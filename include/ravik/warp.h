@@ -8,7 +8,7 @@
  *   Positions  (x, y) in pixels of the source; the centres of its pixels are at whole numbers, that of the first one at
  *              (0, 0). Both are rounded towards 0 to multiples of 2^-15.
  *   Values     RAVIK_INTERPOLATION_NEAREST takes the pixel whose square holds the position, halves rounded up;
- *              RAVIK_INTERPOLATION_BILINEAR weighs the four around it, along x, then along y, in steps of 1/128 of a grey
+ *              RAVIK_INTERPOLATION_BILINEAR weighs the four around it, along x, then along y, in steps of 1/64 of a grey
  *              level, and rounds half up. Results are within one grey level of real arithmetic. A neighbour with the
  *              weight 0 is not looked at.
  *   Outside    RAVIK_BORDER_CONSTANT takes borderValue for each pixel outside the source, so that its edges are blended with

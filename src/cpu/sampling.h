@@ -12,6 +12,7 @@ namespace rvk {
 constexpr uint32_t kPositionBits = 15;
 constexpr int32_t kPositionOne = 1 << kPositionBits;
 constexpr uint32_t kMostSampledSize = 65535; // columns, and rows, of which 32 bits hold the coordinates
+constexpr uint32_t kGreyBits = 6;            // of fraction, of what is between pixels
 
 struct SampledImage
 {
@@ -23,13 +24,15 @@ struct SampledImage
     uint8_t borderValue[4]; // of each channel
 };
 
-// The fixed point number, rounded towards 0. Coordinates that are more than a pixel outside the picture are one pixel
-// outside, and so is what is not a number: before the first pixel.
-inline int32_t fixedPosition(float32_t coordinate, uint32_t size)
+// The fixed point number of a coordinate in units of which a pixel has `one`, a power of two; rounded towards 0.
+// Coordinates that are more than a pixel outside the picture are one pixel outside, and so is what is not a number: before
+// the first pixel.
+inline int32_t fixedPosition(float32_t coordinate, uint32_t size, int32_t one = 1)
 {
-    const float32_t end = static_cast<float32_t>(size);
-    const float32_t near = coordinate > -1.0f ? (coordinate < end ? coordinate : end) : -1.0f;
-    return static_cast<int32_t>(near * kPositionOne);
+    const float32_t begin = static_cast<float32_t>(-one),
+                    end = static_cast<float32_t>(size) * static_cast<float32_t>(one);
+    const float32_t near = coordinate > begin ? (coordinate < end ? coordinate : end) : begin;
+    return static_cast<int32_t>(near * static_cast<float32_t>(kPositionOne / one));
 }
 
 // between / 2^15 of the way from one number to the other, which have 15 bits, rounded half up.
@@ -82,7 +85,7 @@ private:
             dst[channel] = static_cast<uint8_t>(at(column, row, channel));
     }
 
-    // Along x, in both rows, then along y, in steps of 1/128 of a grey level; then rounded half up to a whole one.
+    // Along x, in both rows, then along y, in steps of 1/64 of a grey level; then rounded half up to a whole one.
     void weighFour(int32_t column, int32_t row, int32_t toRight, int32_t toBottom, uint8_t* dst) const
     {
         // Neighbours without weight need not exist.
@@ -91,9 +94,12 @@ private:
             return;
         for (size_t channel = 0; channel < channels; ++channel) {
             const auto along = [&](int32_t y) {
-                return interpolate(at(column, y, channel) * 128, at(column + 1, y, channel) * 128, toRight);
+                return interpolate(at(column, y, channel) << kGreyBits, at(column + 1, y, channel) << kGreyBits,
+                                   toRight);
             };
-            dst[channel] = static_cast<uint8_t>((interpolate(along(row), along(row + 1), toBottom) + 64) >> 7);
+            constexpr int32_t kHalfGrey = 1 << (kGreyBits - 1);
+            dst[channel] =
+                static_cast<uint8_t>((interpolate(along(row), along(row + 1), toBottom) + kHalfGrey) >> kGreyBits);
         }
     }
 

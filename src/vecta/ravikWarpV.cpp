@@ -7,6 +7,7 @@ namespace rvk::vecta::RVK_ISA {
 namespace {
 
 // The positions of the pixels of a row, by the operations of the reference.
+using WarpedPositions = Positions<float, kPositionBits>;
 class PerspectiveRow
 {
 public:
@@ -18,13 +19,14 @@ public:
         }
     }
 
-    RVK_INLINE Positions<float> operator()(size_t x, size_t) const
+    RVK_INLINE WarpedPositions operator()(size_t x, size_t) const
     {
         const Vecs<float, 2> numbers = iotaSplit<float>();
-        Positions<float> p;
+        WarpedPositions p;
         unrolled<2>([&](auto i) RVK_INLINE_LAMBDA {
             const Vec<float> column = numbers[i] + splat(static_cast<float>(x));
-            const Vec<float> factor = divide(splat(1.0f), column * m_factor[2] + m_start[2]);
+            const Vec<float> factor =
+                divide(splat(static_cast<float>(kPositionOne)), column * m_factor[2] + m_start[2]);
             p.x[i] = (column * m_factor[0] + m_start[0]) * factor;
             p.y[i] = (column * m_factor[1] + m_start[1]) * factor;
         });
@@ -48,14 +50,26 @@ template <uint32_t interpolation>
 RVK_NOINLINE void warpTwoBy(const SampledImage& src1, const SampledImage& src2, uint32_t dstWidth, uint32_t dstHeight,
                             Plane<uint8_t> dst1, Plane<uint8_t> dst2, const Homography& h)
 {
-    using Sampler = StepSampler<1, interpolation, float>;
+    using Sampler = StepSampler<1, interpolation, float, kPositionBits>;
     const Sampler first(src1), second(src2);
-    forSteps(
-        dstWidth, dstHeight, [&](size_t y) RVK_INLINE_LAMBDA { return PerspectiveRow(h, static_cast<float>(y)); },
-        [&](const Positions<float>& positions, size_t x, size_t y, size_t n) RVK_INLINE_LAMBDA {
-            first.sample(positions, dst1.row(y) + x, n);
-            second.sample(positions, dst2.row(y) + x, n);
-        });
+    const auto rows = [&](size_t y) RVK_INLINE_LAMBDA { return PerspectiveRow(h, static_cast<float>(y)); };
+    if (dstWidth < kSampleStep)
+        for (size_t y = 0; y < dstHeight; ++y) {
+            first.sampleAny(rows(y)(0, dstWidth), dst1.row(y), dstWidth);
+            second.sampleAny(rows(y)(0, dstWidth), dst2.row(y), dstWidth);
+        }
+    else
+        forSteps(
+            dstWidth, dstHeight, rows,
+            [&](const auto& p) RVK_INLINE_LAMBDA { return first.areInside(p) && second.areInside(p); },
+            [&](const auto& p, size_t x, size_t y) RVK_INLINE_LAMBDA {
+                first.sampleInside(p, dst1.row(y) + x);
+                second.sampleInside(p, dst2.row(y) + x);
+            },
+            [&](const auto& p, size_t x, size_t y) RVK_INLINE_LAMBDA {
+                first.sampleAny(p, dst1.row(y) + x);
+                second.sampleAny(p, dst2.row(y) + x);
+            });
 }
 
 template <size_t channels>
@@ -88,7 +102,7 @@ RVK_NOINLINE void remapBy(const SampledImage& src, uint32_t dstWidth, uint32_t d
         const float* const xs = mapX.row(y);
         const float* const ys = mapY.row(y);
         return [=](size_t x, size_t n) RVK_INLINE_LAMBDA {
-            return Positions<float>{loadCoordinates(xs + x, n), loadCoordinates(ys + x, n)};
+            return Positions<float, 0>{loadCoordinates(xs + x, n), loadCoordinates(ys + x, n)};
         };
     });
 }
