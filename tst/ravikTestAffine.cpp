@@ -26,12 +26,15 @@ const FunctionGroup& perspectiveTransformFunctions()
 
 const FunctionGroup& depthFunctions()
 {
+    const Argument camera = numbers({{40, 600}, {40, 600}, widths(0.3, 0.7), heights(0.3, 0.7)});
+    const Argument lens = numbers({{-0.2, 0.2}, {-0.1, 0.1}, {-0.01, 0.01}, {-0.01, 0.01}, {-0.1, 0.1}});
+
     static const FunctionGroup group{"ravikdepth",
                                      "rvk",
                                      false,
                                      {
                                          RVK_TEST(rvkUndistortDisparityConvertDepthf32, src, width, height, stride,
-                                                  src.ofSize(4), src.ofSize(5).orNull(), any, dst, stride)
+                                                  camera, lens.orNull(), between(0.05, 2), dst, stride)
                                              .keeps(Contract().onDsp({.alignment = 4, .elementsPerPixel = 4})),
                                      }};
     return group;

@@ -1,6 +1,7 @@
 // WARP, 3CHANNELWARP, QUAD and REMAP: pictures sampled at the positions of matrices and maps.
 #include "groups.h"
 
+#include <ravik/affine.h>
 #include <ravik/warp.h>
 
 #include <cmath>
@@ -51,15 +52,49 @@ const Argument quadrilateral = numbers({{0.8, 0.9},
                                    .typically({0.866, -0.0618, 40, 0.0474, 0.878, 20, 9.6e-6, 1.6e-6, 1})
                                    .refusingElements(notFinite());
 
+// Affine patches of a part of the picture, all of them inside.
+const Argument patchCentre = numbers({widths(0.45, 0.55), heights(0.45, 0.55)});
+const Argument patchMatrix = numbers({{0.6, 1.2}, {-0.02, 0.02}, {-0.02, 0.02}, {0.6, 1.2}});
+const Argument patchWidth = dstWidth.upTo(0.25), patchHeight = dstHeight.upTo(0.25);
+
+// Clipped affine transforms, a part of whose destination is outside.
+const Argument centre = numbers({widths(0.3, 0.7), heights(0.3, 0.7)}).typically({320.3, 240.4});
+const Argument affine =
+    numbers({{0.5, 1.3}, {-0.5, 0.5}, {-0.5, 0.5}, {0.5, 1.3}}).typically({0.9356, -0.165, 0.165, 0.9356});
+
 } // namespace
 
 const FunctionGroup& warpFunctions()
 {
+    const Contract patches = Contract().drawnFrom(16, 16), smallPatches = Contract().drawnFrom(32, 32);
+    const Argument smallPatch = dst.measuring({[](const CaseSizes&) { return ImageSize{8, 8}; }, "8x8"});
+
     static const FunctionGroup group{
         "ravikwarp",
         "rvk",
         false,
         {
+            RVK_TEST(rvkTransformAffine8x8u8, src, width, height, patchCentre, patchMatrix, dst.ofSize(64))
+                .keeps(smallPatches)
+                .repeated(100),
+            RVK_TEST_AS("rvkTransformAffine8x8u8_v2", "rvkTransformAffine8x8u8", rvkTransformAffine8x8u8_v2, src, width,
+                        height, stride, patchCentre, patchMatrix, smallPatch, stride)
+                .keeps(smallPatches)
+                .repeated(100),
+            RVK_TEST(rvkTransformAffineu8, src, width, height, patchCentre, patchMatrix, out, patchWidth, patchHeight)
+                .keeps(patches),
+            RVK_TEST_AS("rvkTransformAffineu8_v2", "rvkTransformAffineu8", rvkTransformAffineu8_v2, src, width, height,
+                        stride, patchCentre, patchMatrix, out, patchWidth, patchHeight, stride)
+                .keeps(patches),
+            RVK_TEST(rvkTransformAffineClippedu8, src, width, height, stride, centre, affine, out, dstWidth, dstHeight,
+                     stride)
+                .keeps(sampling.drawnFrom(12, 12)),
+            RVK_TEST(rvkTransformAffineClippedu8_v2, src, width, height, stride, centre, affine, out, dstWidth,
+                     dstHeight, stride, borderType, any)
+                .keeps(withBorder),
+            RVK_TEST(rvkTransformAffineClippedu8_v3, src, width, height, stride, centre, affine, out, dstWidth,
+                     dstHeight, stride, interpolation, borderType, any)
+                .keeps(withBorder),
             RVK_TEST(rvkWarpPerspectiveu8, src, width, height, stride, out, dstWidth, dstHeight, stride, matrix)
                 .keeps(sampling),
             RVK_TEST_AS("rvkWarpPerspectiveu8_v2", "rvkWarpPerspectiveu8", rvkWarpPerspectiveu8_v2, src, width, height,
@@ -85,6 +120,9 @@ const FunctionGroup& threeChannelWarpFunctions()
         "rvk",
         false,
         {
+            RVK_TEST(rvk3ChannelTransformAffineClippedBCu8, src.ofChannels(3), width, height, stride, centre, affine,
+                     out.ofChannels(3), dstWidth, dstHeight, stride, borderType, borderValues)
+                .keeps(withBorder),
             RVK_TEST(rvk3ChannelWarpPerspectiveu8, src.ofChannels(3), width, height, stride, out.ofChannels(3),
                      dstWidth, dstHeight, stride, matrix)
                 .keeps(sampling),

@@ -2,10 +2,310 @@
 #include "cpu/ravikAffineC.h"
 #include "cpu/image.h"
 #include "functions.h"
+#include "log.h"
 
 #include <cmath>
 
 namespace rvk {
+
+// ---- patches --------------------------------------------------------------------------------------------------------
+
+namespace {
+
+// The largest float that is no more than the number.
+float floatUpTo(uint32_t number)
+{
+    const auto nearest = static_cast<float>(number);
+    return nearest > static_cast<double>(number) ? std::nextafter(nearest, 0.0f) : nearest;
+}
+
+// Everything outside becomes the nearest edge, what is no number 0.
+float clampPosition(float position, float last)
+{
+    const float fromFirst = position > 0 ? position : 0;
+    return fromFirst < last ? fromFirst : last;
+}
+
+} // namespace
+
+PatchSource patchSource(const uint8_t* src, uint32_t width, uint32_t height, uint32_t stride)
+{
+    return {src, width, height, stride, floatUpTo(width - 1), floatUpTo(height - 1)};
+}
+
+bool placePatch(const PatchSource& source, const float* position, const float* affine, uint32_t patchWidth,
+                uint32_t patchHeight, PatchStart& start)
+{
+    const float hw = static_cast<float>(patchWidth) * 0.5f, hh = static_cast<float>(patchHeight) * 0.5f;
+    const auto isInside = [&](PatchStart corner) { // no comparison with what is no number is true
+        return corner.x >= 0 && corner.x <= source.right && corner.y >= 0 && corner.y <= source.bottom;
+    };
+    const auto left = [&](float pos, float m0, float m1) { return pos - (m0 * hw + m1 * hh); };
+    const auto right = [&](float pos, float m0, float m1) { return pos + (m0 * (hw - 1) - m1 * hh); };
+    const auto bottomLeft = [&](float pos, float m0, float m1) { return pos - (m0 * hw - m1 * (hh - 1)); };
+    const auto bottomRight = [&](float pos, float m0, float m1) { return pos + (m0 * (hw - 1) + m1 * (hh - 1)); };
+    const auto both = [&](auto corner) {
+        return PatchStart{corner(position[0], affine[0], affine[1]), corner(position[1], affine[2], affine[3])};
+    };
+    start = both(left);
+    return isInside(start) && isInside(both(right)) && isInside(both(bottomLeft)) && isInside(both(bottomRight));
+}
+
+uint8_t samplePatch(const PatchSource& source, float x, float y)
+{
+    x = clampPosition(x, source.right);
+    y = clampPosition(y, source.bottom);
+    const uint32_t ix = static_cast<uint32_t>(x), iy = static_cast<uint32_t>(y);
+    const float fx = x - static_cast<float>(ix), fy = y - static_cast<float>(iy);
+    // At the last column and row the neighbour has no weight, and need not exist.
+    const uint32_t nextX = std::min(ix + 1, source.width - 1), nextY = std::min(iy + 1, source.height - 1);
+    const Plane image{source.data, source.stride};
+    const float p00 = image.row(iy)[ix], p01 = image.row(iy)[nextX];
+    const float p10 = image.row(nextY)[ix], p11 = image.row(nextY)[nextX];
+    const float top = p00 + fx * (p01 - p00), bottom = p10 + fx * (p11 - p10);
+    return static_cast<uint8_t>(top + fy * (bottom - top));
+}
+
+rvkStatus rvkTransformAffineu8_v2C(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
+                                   const float32_t* position, const float32_t* affine, uint8_t* patch,
+                                   uint32_t patchWidth, uint32_t patchHeight, uint32_t patchStride)
+{
+    const PatchSource source = patchSource(src, srcWidth, srcHeight, srcStride);
+    PatchStart start;
+    if (!placePatch(source, position, affine, patchWidth, patchHeight, start))
+        return RAVIK_EFAIL;
+    const Plane dst{patch, patchStride};
+    for (uint32_t j = 0; j < patchHeight; ++j) {
+        float x = start.x + static_cast<float>(j) * affine[1], y = start.y + static_cast<float>(j) * affine[3];
+        for (uint32_t i = 0; i < patchWidth; ++i) {
+            dst.row(j)[i] = samplePatch(source, x, y);
+            x += affine[0];
+            y += affine[2];
+        }
+    }
+    return RAVIK_SUCCESS;
+}
+
+// ---- clipped transforms of pictures ---------------------------------------------------------------------------------
+
+ClippedMap clippedMap(const ClippedSource& source, const float* position, const float* affine, uint32_t dstWidth,
+                      uint32_t dstHeight)
+{
+    const double m0 = affine[0], m1 = affine[1], m2 = affine[2], m3 = affine[3];
+    const double halfWidth = dstWidth * 0.5, halfHeight = dstHeight * 0.5;
+    return {.startX = position[0] - (m0 * halfWidth + m1 * halfHeight),
+            .startY = position[1] - (m2 * halfWidth + m3 * halfHeight),
+            .acrossX = m0,
+            .acrossY = m2,
+            .downX = m1,
+            .downY = m3,
+            .right = source.width - 1.0,
+            .bottom = source.height - 1.0};
+}
+
+namespace {
+
+constexpr double kFixedOne = 4294967296.0; // 32 bits of fraction
+
+struct ExactPosition
+{
+    double x, y;
+};
+
+ExactPosition positionOf(const ClippedMap& map, uint32_t row, uint32_t i)
+{
+    return {map.startX + row * map.downX + i * map.acrossX, map.startY + row * map.downY + i * map.acrossY};
+}
+
+bool isInside(const ClippedMap& map, ExactPosition p) // what is not a number is not
+{
+    return p.x >= 0 && p.x <= map.right && p.y >= 0 && p.y <= map.bottom;
+}
+
+int32_t fixedInside(double coordinate, double last)
+{
+    const double fromFirst = coordinate > 0 ? coordinate : 0;
+    return static_cast<int32_t>((fromFirst < last ? fromFirst : last) * 65536);
+}
+
+} // namespace
+
+ClippedRun clippedRun(const ClippedMap& map, uint32_t row, uint32_t first, uint32_t end)
+{
+    while (first < end && !isInside(map, positionOf(map, row, first)))
+        ++first;
+    while (first < end && !isInside(map, positionOf(map, row, end - 1)))
+        --end;
+    if (first == end)
+        return {first, end, 0, 0, 0, 0};
+    const auto fixed = [](double number) { return static_cast<int64_t>(number * kFixedOne); };
+    const ExactPosition start = positionOf(map, row, first);
+    ClippedRun run = {first, end, fixed(start.x), fixed(start.y), 0, 0};
+    if (end - first > 1) { // so a step does not lead out of the source
+        run.stepX = fixed(map.acrossX);
+        run.stepY = fixed(map.acrossY);
+    }
+    return run;
+}
+
+ClippedPosition clippedPosition(const ClippedSource& source, const ClippedRun& run, uint32_t k)
+{
+    const uint32_t beyondAnchor = k % kClippedAnchors;
+    const auto inside = [&](int64_t start, int64_t step, uint32_t size) {
+        const int64_t anchor = (start + (k - beyondAnchor) * step) >> 16;
+        const int64_t position = anchor + beyondAnchor * (step / 65536); // truncated, so that no anchor is passed
+        return static_cast<int32_t>(std::clamp<int64_t>(position, 0, int64_t{size - 1} << 16));
+    };
+    return {inside(run.x, run.stepX, source.width), inside(run.y, run.stepY, source.height)};
+}
+
+void sampleNearest(const ClippedSource& source, ClippedPosition position, uint8_t* dst)
+{
+    const uint8_t* const row = Plane{source.data, source.stride}.row(static_cast<size_t>((position.y + 32768) >> 16));
+    *dst = row[(position.x + 32768) >> 16];
+}
+
+void sampleBilinear(const ClippedSource& source, ClippedPosition position, uint8_t* dst)
+{
+    const int32_t ix = position.x >> 16, iy = position.y >> 16, fx = position.x & 65535, fy = position.y & 65535;
+    const uint8_t* const row = Plane{source.data, source.stride}.row(static_cast<size_t>(iy));
+    const uint8_t* const nextRow = fy ? row + source.stride : row; // neighbours without weight need not exist
+    const int32_t next = fx ? ix + 1 : ix;
+    const auto down = [&](int32_t column) { // 7 bits of fraction
+        return row[column] * 128 + (((nextRow[column] - row[column]) * 128 * (fy >> 1) + 16384) >> 15);
+    };
+    const int32_t left = down(ix), right = down(next);
+    *dst = static_cast<uint8_t>((left + ((fx * (right - left)) >> 16) + 64) >> 7);
+}
+
+namespace {
+
+// Keys' weights of the four pixels around a position, with 14 bits; they add up to 1.
+//     (-t + 2 t^2 - t^3) / 2, (2 - 5 t^2 + 3 t^3) / 2, (t + 4 t^2 - 3 t^3) / 2, (-t^2 + t^3) / 2
+struct CubicWeights
+{
+    int32_t w[4];
+
+    explicit CubicWeights(int32_t coordinate)
+    {
+        const int32_t t = (coordinate & 65535) >> 1, t2 = (t * t + 16384) >> 15, t3 = (t2 * t + 16384) >> 15;
+        w[0] = (2 * t2 - t - t3 + 2) >> 2;
+        w[2] = t2 - t3 + ((t + t3 + 2) >> 2);
+        w[3] = (t3 - t2 + 2) >> 2;
+        w[1] = 16384 - w[0] - w[2] - w[3];
+    }
+    // The rounded weighted sum, less `bits` of fraction.
+    template <class At>
+    int32_t sum(uint32_t bits, At at) const
+    {
+        return (w[0] * at(0) + w[1] * at(1) + w[2] * at(2) + w[3] * at(3) + (1 << (bits - 1))) >> bits;
+    }
+};
+
+} // namespace
+
+void sampleCubicRgb(const ClippedSource& source, ClippedPosition position, uint8_t* dst)
+{
+    const CubicWeights across(position.x), down(position.y);
+    const auto pixel = [&](int32_t row, int32_t column, int32_t channel) {
+        const int32_t y = std::clamp((position.y >> 16) - 1 + row, 0, static_cast<int32_t>(source.height) - 1);
+        const int32_t x = std::clamp((position.x >> 16) - 1 + column, 0, static_cast<int32_t>(source.width) - 1);
+        return int32_t{Plane{source.data, source.stride}.row(static_cast<size_t>(y))[3 * x + channel]};
+    };
+    for (int32_t channel = 0; channel < 3; ++channel) {
+        const auto columnSum = [&](int32_t column) { // 6 bits of fraction
+            return down.sum(8, [&](int32_t row) { return pixel(row, column, channel); });
+        };
+        dst[channel] = saturate<uint8_t>(across.sum(20, columnSum));
+    }
+}
+
+void fillClipped(const ClippedSource& source, const ClippedRules& rules, const ClippedMap& map, uint32_t row,
+                 uint32_t first, uint32_t end, uint8_t* dst)
+{
+    const size_t channels = rules.channels;
+    if (rules.borderType == RAVIK_BORDER_CONSTANT && channels == 1) {
+        std::fill(dst + first, dst + end, *rules.borderValue);
+    } else if (rules.borderType == RAVIK_BORDER_CONSTANT) {
+        for (uint32_t i = first; i < end; ++i)
+            std::copy_n(rules.borderValue, channels, dst + i * channels);
+    } else if (rules.borderType == RAVIK_BORDER_REPLICATE) {
+        for (uint32_t i = first; i < end; ++i) {
+            const ExactPosition p = positionOf(map, row, i);
+            const ClippedPosition nearest = {fixedInside(p.x, map.right), fixedInside(p.y, map.bottom)};
+            rules.sample(source, nearest, dst + i * channels);
+        }
+    }
+}
+
+namespace {
+
+bool isIntegralNumber(int64_t fixed)
+{
+    return (fixed & 0xffffffff) == 0;
+}
+
+void requireInvariant(bool holds, int line, const char* condition)
+{
+    if (!holds)
+        failInternalAssertion("src/cpu/ravikWarpC", line, condition);
+}
+
+// A run along a row of the source: nothing to interpolate down. It gives what any run does.
+void sampleHorizontalRun(const ClippedSource& source, const ClippedRun& pos, uint8_t* dst)
+{
+    requireInvariant(isIntegralNumber(pos.y), 211, "isIntegralNumber(pos.y)");
+    const uint8_t* const row = Plane{source.data, source.stride}.row(static_cast<size_t>(pos.y >> 32));
+    for (uint32_t i = pos.first; i < pos.end; ++i) {
+        const int32_t x = clippedPosition(source, pos, i - pos.first).x, ix = x >> 16, fx = x & 65535;
+        const int32_t p0 = row[ix], p1 = static_cast<uint32_t>(ix) == source.width - 1 ? p0 : row[ix + 1];
+        const int32_t c = p0 + ((fx * (p1 - p0) + 32768) >> 16);
+        requireInvariant(c >= 0 && c < 256, 224, "c>=0 && c<256");
+        dst[i] = static_cast<uint8_t>(c);
+    }
+}
+
+void transformClipped(const ClippedSource& source, const ClippedRules& rules, const float* position,
+                      const float* affine, Plane<uint8_t> dst, uint32_t dstWidth, uint32_t dstHeight)
+{
+    const ClippedMap map = clippedMap(source, position, affine, dstWidth, dstHeight);
+    for (uint32_t j = 0; j < dstHeight; ++j) {
+        const ClippedRun run = clippedRun(map, j, 0, dstWidth);
+        fillClipped(source, rules, map, j, 0, run.first, dst.row(j));
+        fillClipped(source, rules, map, j, run.end, dstWidth, dst.row(j));
+        const double y = map.startY + j * map.downY;
+        if (rules.sample == sampleBilinear && map.acrossY == 0 && y == std::floor(y))
+            sampleHorizontalRun(source, run, dst.row(j));
+        else
+            for (uint32_t i = run.first; i < run.end; ++i)
+                rules.sample(source, clippedPosition(source, run, i - run.first),
+                             dst.row(j) + size_t{i} * rules.channels);
+    }
+}
+
+} // namespace
+
+rvkStatus rvkTransformAffineClippedu8_v3C(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
+                                          const float32_t* position, const float32_t* affine, uint8_t* dst,
+                                          uint32_t dstWidth, uint32_t dstHeight, uint32_t dstStride,
+                                          uint32_t interpolation, uint32_t borderType, uint8_t borderValue)
+{
+    const bool isNearest = interpolation == RAVIK_INTERPOLATION_NEAREST;
+    transformClipped({src, srcWidth, srcHeight, srcStride},
+                     {isNearest ? sampleNearest : sampleBilinear, 1, borderType, &borderValue}, position, affine,
+                     {dst, dstStride}, dstWidth, dstHeight);
+    return RAVIK_SUCCESS;
+}
+
+rvkStatus rvk3ChannelTransformAffineClippedBCu8C(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight,
+                                                 uint32_t srcStride, const float32_t* position, const float32_t* affine,
+                                                 uint8_t* dst, uint32_t dstWidth, uint32_t dstHeight,
+                                                 uint32_t dstStride, uint32_t borderType, const uint8_t* borderValue)
+{
+    transformClipped({src, srcWidth, srcHeight, srcStride}, {sampleCubicRgb, 3, borderType, borderValue}, position,
+                     affine, {dst, dstStride}, dstWidth, dstHeight);
+    return RAVIK_SUCCESS;
+}
 
 // ---- transforms from points, inverses -------------------------------------------------------------------------------
 
@@ -167,3 +467,5 @@ rvkStatus rvkUndistortDisparityConvertDepthf32C(const float32_t* disparity, uint
 }
 
 } // namespace rvk
+
+#include "forms/ravikAffineForms.h"

@@ -1,7 +1,87 @@
 // What the C and the vector implementations of the transforms share.
 #pragma once
 
+#include <cstdint>
+
 namespace rvk {
+
+// A picture that patches are taken from.
+struct PatchSource
+{
+    const uint8_t* data;
+    uint32_t width, height, stride;
+    float right, bottom; // the last column and row, or the next smaller floats
+};
+PatchSource patchSource(const uint8_t* src, uint32_t width, uint32_t height, uint32_t stride);
+
+// Positions of a patch: its first pixel is at (x, y), which its other rows start from, too.
+struct PatchStart
+{
+    float x, y;
+};
+
+// Finds the start. Whether the whole patch lies in the picture.
+bool placePatch(const PatchSource& source, const float* position, const float* affine, uint32_t patchWidth,
+                uint32_t patchHeight, PatchStart& start);
+
+// The picture at a position, moved to its edge where it lies outside.
+uint8_t samplePatch(const PatchSource& source, float x, float y);
+
+// ---- clipped transforms of pictures ----
+
+constexpr uint32_t kMostClippedSize = 32767; // columns, and rows, of a source: 32 bits hold a position in it
+
+struct ClippedSource
+{
+    const uint8_t* data;
+    uint32_t width, height, stride;
+};
+
+// A position inside a source, with 16 bits of fraction.
+struct ClippedPosition
+{
+    int32_t x, y;
+};
+
+// How a pixel inside is sampled, all of its channels, and what becomes of those outside.
+using ClippedSample = void(const ClippedSource& source, ClippedPosition position, uint8_t* dst);
+ClippedSample sampleNearest, sampleBilinear, sampleCubicRgb;
+struct ClippedRules
+{
+    ClippedSample* sample;
+    uint32_t channels, borderType;
+    const uint8_t* borderValue; // for each channel
+};
+
+// Where the pixels of the destination are in the source: pixel i of row j is at start + j * down + i * across.
+struct ClippedMap
+{
+    double startX, startY, acrossX, acrossY, downX, downY;
+    double right, bottom; // the last column and row of the source
+};
+ClippedMap clippedMap(const ClippedSource& source, const float* position, const float* affine, uint32_t dstWidth,
+                      uint32_t dstHeight);
+
+// The pixels of a row whose positions are inside the source, the first of these positions and the step to the next one, in
+// fixed point with 32 bits of fraction.
+struct ClippedRun
+{
+    uint32_t first, end;
+    int64_t x, y, stepX, stepY;
+};
+// Those from `first` to before `end`, which all others that are inside must be between.
+ClippedRun clippedRun(const ClippedMap& map, uint32_t row, uint32_t first, uint32_t end);
+
+// Pixel number k of a run: steps of 16 bits of fraction from the anchor before it, which has all bits. What this comes to
+// beyond the edge is the edge.
+constexpr uint32_t kClippedAnchors = 64; // pixels from one to the next
+ClippedPosition clippedPosition(const ClippedSource& source, const ClippedRun& run, uint32_t k);
+
+// Pixels of a row, from `first` to before `end`, whose positions are outside.
+void fillClipped(const ClippedSource& source, const ClippedRules& rules, const ClippedMap& map, uint32_t row,
+                 uint32_t first, uint32_t end, uint8_t* dst);
+
+// ---- depth ----
 
 // A camera, what its lens does, and the depth of a disparity of 1.
 struct LensCamera
