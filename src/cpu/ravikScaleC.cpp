@@ -31,55 +31,73 @@ void repeat(uint32_t width, uint32_t height, Plane<const uint8_t> src, Plane<uin
                 dst.row(y)[x * pixelSize + i] = src.row(y / down)[x / across * pixelSize + i];
 }
 
-// ---- binomial means at every second pixel ---------------------------------------------------------------------------
+// ---- means of windows, as far as they lie in the picture --------------------------------------------------------------
 
-constexpr int binomial(int radius, int offset)
+// Where a window around `centre` meets a line of `size` pixels, as offsets from its centre.
+struct Offsets
 {
-    constexpr int weights[2][3] = {{2, 1}, {6, 4, 1}};
-    return weights[radius - 1][offset < 0 ? -offset : offset];
-}
+    int first, last;
 
-// The weights of a window around `centre` that lie on a line of `size` pixels, summed.
-template <int radius>
-uint32_t weightsInside(int64_t centre, int64_t size)
-{
-    uint32_t sum = 0;
-    for (int i = -radius; i <= radius; ++i)
-        sum += centre + i >= 0 && centre + i < size ? static_cast<uint32_t>(binomial(radius, i)) : 0;
-    return sum;
-}
+    Offsets(size_t centre, size_t size, int radius)
+        : first(-static_cast<int>(std::min<size_t>(centre, static_cast<size_t>(radius)))),
+          last(static_cast<int>(std::min<size_t>(size - 1 - centre, static_cast<size_t>(radius))))
+    {
+    }
+
+    template <class Weight>
+    uint32_t sum(Weight weight) const
+    {
+        uint32_t all = 0;
+        for (int i = first; i <= last; ++i)
+            all += weight(i);
+        return all;
+    }
+};
 
 float reciprocal(uint32_t weights)
 {
     return 1.0f / static_cast<float>(weights);
 }
 
-// What does not exist counts as 0.
-template <int radius>
-uint32_t weightedSum(const BorderedImage<uint8_t>& image, int64_t x, int64_t y)
+// A pixel of the window weighs across(its offset) * down(its offset).
+template <class Across, class Down>
+uint8_t weightedMean(const uint8_t* centre, uint32_t stride, Offsets columns, Offsets rows, Across across, Down down)
 {
-    int sum = 0;
-    for (int j = -radius; j <= radius; ++j)
-        for (int i = -radius; i <= radius; ++i)
-            sum += binomial(radius, j) * binomial(radius, i) * image.at(x + i, y + j);
-    return static_cast<uint32_t>(sum);
-}
-
-uint8_t meanOf(uint32_t sum, uint32_t weights)
-{
+    const uint32_t sum = rows.sum([&](int j) {
+        const uint8_t* const row = centre + static_cast<ptrdiff_t>(stride) * j;
+        return down(j) * columns.sum([&](int i) { return across(i) * row[i]; });
+    });
+    const uint32_t weights = columns.sum(across) * rows.sum(down);
     return static_cast<uint8_t>(0.5 + sum * static_cast<double>(reciprocal(weights)));
 }
 
-// The order of additions is part of the result.
+// ---- binomial means at every second pixel ---------------------------------------------------------------------------
+
+constexpr uint32_t kBinomial[2][3] = {{2, 1}, {6, 4, 1}}; // by the radius and the distance from the centre
+
+template <int radius>
+uint32_t binomial(int offset)
+{
+    return kBinomial[radius - 1][offset < 0 ? -offset : offset];
+}
+
+template <int radius>
+void halveBinomial(size_t width, size_t height, Plane<const uint8_t> src, Plane<uint8_t> dst)
+{
+    for (size_t y = 0; y < height / 2; ++y)
+        for (size_t x = 0; x < width / 2; ++x)
+            dst.row(y)[x] = weightedMean(src.row(2 * y) + 2 * x, src.stride, {2 * x, width, radius},
+                                         {2 * y, height, radius}, binomial<radius>, binomial<radius>);
+}
+
+// Of floats. The order of additions is part of the result.
 float weightedSum(float a, float b, float c, float d, float e)
 {
     return ((a + e) + 4.0f * (b + d)) + 6.0f * c;
 }
 
-template <int radius>
 float weightedSum(const BorderedImage<float>& image, int64_t x, int64_t y)
 {
-    static_assert(radius == 2);
     const auto row = [&](int64_t at) {
         return weightedSum(image.at(x - 2, at), image.at(x - 1, at), image.at(x, at), image.at(x + 1, at),
                            image.at(x + 2, at));
@@ -87,44 +105,35 @@ float weightedSum(const BorderedImage<float>& image, int64_t x, int64_t y)
     return weightedSum(row(y - 2), row(y - 1), row(y), row(y + 1), row(y + 2));
 }
 
-float meanOf(float sum, uint32_t weights)
+void halveBinomial5x5(size_t width, size_t height, Plane<const float> src, Plane<float> dst)
 {
-    return sum * reciprocal(weights);
-}
-
-template <int radius, class T>
-void halveBinomial(uint32_t width, uint32_t height, Plane<const T> src, Plane<T> dst)
-{
-    const BorderedImage<T> image(src, width, height, false, 0);
-    for (uint32_t y = 0; y < height / 2; ++y)
-        for (uint32_t x = 0; x < width / 2; ++x) {
-            const int64_t centreX = int64_t{2} * x, centreY = int64_t{2} * y;
-            const uint32_t weights = weightsInside<radius>(centreX, width) * weightsInside<radius>(centreY, height);
-            dst.row(y)[x] = meanOf(weightedSum<radius>(image, centreX, centreY), weights);
+    const BorderedImage<float> image(src, width, height, false, 0);
+    for (size_t y = 0; y < height / 2; ++y)
+        for (size_t x = 0; x < width / 2; ++x) {
+            const uint32_t weights =
+                Offsets(2 * x, width, 2).sum(binomial<2>) * Offsets(2 * y, height, 2).sum(binomial<2>);
+            dst.row(y)[x] =
+                weightedSum(image, static_cast<int64_t>(2 * x), static_cast<int64_t>(2 * y)) * reciprocal(weights);
         }
 }
 
 // ---- binomial means between pixels ----------------------------------------------------------------------------------
 
 // The weights of pixels x / 2 - 1, x / 2 and x / 2 + 1 in pixel x of a line that is twice as long.
-constexpr uint32_t interpolation(size_t x, int offset)
+uint32_t interpolation(size_t x, int offset)
 {
     constexpr uint32_t weights[2][3] = {{1, 6, 1}, {0, 4, 4}};
     return weights[x % 2][offset + 1];
 }
 
-uint8_t interpolate(const BorderedImage<uint8_t>& image, size_t x, size_t y)
+void doubleBinomial(size_t width, size_t height, Plane<const uint8_t> src, Plane<uint8_t> dst)
 {
-    uint32_t sum = 0, weights = 0;
-    for (int j = -1; j <= 1; ++j)
-        for (int i = -1; i <= 1; ++i) {
-            const int64_t column = static_cast<int64_t>(x / 2) + i, row = static_cast<int64_t>(y / 2) + j;
-            const bool exists = column >= 0 && column <= image.right && row >= 0 && row <= image.bottom;
-            const uint32_t weight = exists ? interpolation(x, i) * interpolation(y, j) : 0;
-            sum += weight * image.at(column, row);
-            weights += weight;
-        }
-    return meanOf(sum, weights);
+    for (size_t y = 0; y < 2 * height; ++y)
+        for (size_t x = 0; x < 2 * width; ++x)
+            dst.row(y)[x] = weightedMean(
+                src.row(y / 2) + x / 2, src.stride, {x / 2, width, 1}, {y / 2, height, 1},
+                [=](int offset) { return interpolation(x, offset); },
+                [=](int offset) { return interpolation(y, offset); });
 }
 
 } // namespace
@@ -174,7 +183,7 @@ void rvkScaleDownBy2Gaussian5x5u8_v2C(const uint8_t* src, uint32_t srcWidth, uin
 void rvkScaleDownBy2Gaussian5x5f32_v2C(const float32_t* srcImg, uint32_t width, uint32_t height, uint32_t srcStride,
                                        float32_t* dst, uint32_t dstStride)
 {
-    halveBinomial<2>(width, height, Plane{srcImg, srcStride}, Plane{dst, dstStride});
+    halveBinomial5x5(width, height, Plane{srcImg, srcStride}, Plane{dst, dstStride});
 }
 
 // ---- up ---------------------------------------------------------------------------------------------------------------
@@ -182,11 +191,7 @@ void rvkScaleDownBy2Gaussian5x5f32_v2C(const float32_t* srcImg, uint32_t width, 
 void rvkScaleUpBy2Gaussian5x5u8_v2C(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
                                     uint8_t* dst, uint32_t dstStride)
 {
-    const BorderedImage<uint8_t> image(Plane{src, srcStride}, srcWidth, srcHeight, false, 0);
-    const Plane out{dst, dstStride};
-    for (size_t y = 0; y < size_t{2} * srcHeight; ++y)
-        for (size_t x = 0; x < size_t{2} * srcWidth; ++x)
-            out.row(y)[x] = interpolate(image, x, y);
+    doubleBinomial(srcWidth, srcHeight, Plane{src, srcStride}, Plane{dst, dstStride});
 }
 
 } // namespace rvk
