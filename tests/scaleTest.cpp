@@ -2,6 +2,7 @@
 #include "support/logCapture.h"
 
 #include <array>
+#include <cmath>
 #include <numeric>
 
 #if RVK_TEST_OPENCV
