@@ -128,9 +128,11 @@ void interpolatePart(const Resizing& r, const Rectangle& part, Outside outside)
 {
     const BorderedImage<uint8_t> image = sourceOf(r, outside);
     const Plane<uint8_t> dst{r.dst, r.dstStride};
-    for (uint32_t y = part.top; y < part.bottom; ++y)
+    for (uint32_t y = part.top; y < part.bottom; ++y) {
+        const Position row = positionOf(rowsOf(r), y);
         for (uint32_t x = part.left; x < part.right; ++x)
-            dst.row(y)[x] = bilinear(image, positionOf(columnsOf(r), x), positionOf(rowsOf(r), y));
+            dst.row(y)[x] = bilinear(image, positionOf(columnsOf(r), x), row);
+    }
 }
 
 void averageAreas(const Resizing& r)
@@ -190,9 +192,11 @@ void scaleNearest(const Resizing& r)
 {
     const Plane<const uint8_t> src{r.src, r.srcStride};
     const Plane<uint8_t> dst{r.dst, r.dstStride};
-    for (uint32_t y = 0; y < r.dstHeight; ++y)
+    for (uint32_t y = 0; y < r.dstHeight; ++y) {
+        const uint8_t* const row = src.row(pixelAtCentre(rowsOf(r), y));
         for (uint32_t x = 0; x < r.dstWidth; ++x)
-            dst.row(y)[x] = src.row(pixelAtCentre(rowsOf(r), y))[pixelAtCentre(columnsOf(r), x)];
+            dst.row(y)[x] = row[pixelAtCentre(columnsOf(r), x)];
+    }
 }
 
 void scaleBilinear(const Resizing& r, uint32_t borderType, uint8_t borderValue)

@@ -1,7 +1,7 @@
 // Vector implementations of the scalers of any ratio.
 //
-// Which pixels make a column, and with which weights, is worked out once and kept in a table. A row of the source is scaled
-// across by it once; rows of the destination are made of those, of which a ring is kept.
+// Which pixels make a column, and with which weights, is worked out once and kept in a table. A row of the source is
+// scaled across by it once; rows of the destination are made of those, of which a ring is kept.
 #include "cpu/ravikResizeC.h"
 #include "scratch.h"
 #include "vecta/simd/rows.h"
@@ -29,6 +29,35 @@ void copyRows(const Resizing& r, size_t pixelSize)
 {
     for (size_t y = 0; y < r.srcHeight; ++y)
         __builtin_memcpy(targetRow(r, y), sourceRow(r, y), r.srcWidth * pixelSize);
+}
+
+// Half the size: bilinear values and areas are both the rounded means of 2 x 2 pixels.
+bool isHalf(const Resizing& r)
+{
+    return r.srcWidth == 2 * uint64_t{r.dstWidth} && r.srcHeight == 2 * uint64_t{r.dstHeight};
+}
+
+void halve(const Resizing& r)
+{
+    const size_t width = anyNumber(r.dstWidth);
+    for (size_t y = 0; y < r.dstHeight; ++y) {
+        const uint8_t *upper = sourceRow(r, 2 * y), *lower = sourceRow(r, 2 * y + 1);
+        uint8_t* dst = targetRow(r, y);
+        if (width < kBytes) {
+            for (size_t x = 0; x < width; ++x)
+                dst[x] =
+                    static_cast<uint8_t>((upper[2 * x] + upper[2 * x + 1] + lower[2 * x] + lower[2 * x + 1] + 2) >> 2);
+            continue;
+        }
+        for (size_t steps = width / kBytes; steps; --steps) {
+            store(dst, loadMeans<uint8_t>(upper, lower));
+            upper += 2 * kBytes;
+            lower += 2 * kBytes;
+            dst += kBytes;
+        }
+        if (const size_t before = (kBytes - width % kBytes) % kBytes)
+            store(dst - before, loadMeans<uint8_t>(upper - 2 * before, lower - 2 * before));
+    }
 }
 
 // ---- where pixels lie -----------------------------------------------------------------------------------------------
@@ -107,6 +136,14 @@ RVK_INLINE size_t inside(int64_t i, size_t size)
 
 constexpr size_t kWindowsOfStep = kBytes / kWindow;
 
+// Rows of the source that are scaled at once: they share what is read from the table.
+constexpr size_t kMostInBatch = 4;
+struct RowBatch
+{
+    const uint8_t* src[kMostInBatch];
+    int16_t* dst[kMostInBatch];
+};
+
 // The bytes of a row of the destination as sums of bytes of a row of the source. Steps reach beyond the end, where they
 // have the last column again and again.
 template <class Sum>
@@ -120,7 +157,8 @@ public:
     {
     }
     bool exists() const { return m_places && m_offsets && m_taps; }
-    size_t steps() const { return m_steps; }
+    // A scaled row.
+    size_t values() const { return m_steps * kValues; }
 
     // One pair of bytes of a column, with their weights.
     RVK_INLINE void set(size_t column, size_t pair, size_t place0, size_t place1, int32_t weight0, int32_t weight1)
@@ -134,20 +172,26 @@ public:
     // After the last one.
     void finish();
 
-    bool hasWindows() const { return m_hasWindows; }
+    bool hasWindows() const { return m_windowSize != 0; }
 
-    void sum(const uint8_t* row0, const uint8_t* row1, int16_t* dst0, int16_t* dst1) const;
+    // Of the first rows of a batch: kMostInBatch or half of them.
+    template <size_t rows>
+    void sum(const RowBatch& batch) const;
 
 private:
+    static constexpr size_t kValues = kColumns * Sum::values; // of a step
+
+    template <size_t n>
     bool makeWindows();
-    RVK_INLINE Vecs<uint8_t, Sum::pairs> fetch(const uint8_t* row, size_t step) const;
-    template <class Fetch>
-    RVK_INLINE void sumSteps(int16_t* dst0, int16_t* dst1, Fetch fetch) const;
+    // fetch(row, step, its taps) gives the pairs of a step.
+    template <size_t rows, class Fetch>
+    RVK_INLINE void sumSteps(const RowBatch& batch, Fetch fetch) const;
 
     size_t m_rowBytes, m_columns, m_steps;
-    Scratch<uint32_t> m_places, m_offsets; // for each lane of pairs its byte of the row; for each window its first one
+    Scratch<uint32_t> m_places;  // for each lane of pairs its byte of the row
+    Scratch<uint32_t> m_offsets; // of windows
     Scratch<TapsOfStep> m_taps;
-    bool m_hasWindows = false;
+    size_t m_windowSize = 0; // in kWindow; 0: there are places only
 };
 
 template <class Sum>
@@ -159,26 +203,24 @@ void Columns<Sum>::finish()
             const uint32_t* const places = &m_places[(last / kColumns * Sum::pairs + pair) * kBytes];
             set(column, pair, places[laneOfPair(last % kColumns, 0)], places[laneOfPair(last % kColumns, 1)], 0, 0);
         }
-    m_hasWindows = makeWindows();
+    m_windowSize = makeWindows<1>() ? 1 : m_rowBytes >= 2 * kWindow && makeWindows<2>() ? 2 : 0;
 }
 
 // Whether each window holds all the bytes that are to be taken from it; then the indices are known.
 template <class Sum>
+template <size_t n>
 bool Columns<Sum>::makeWindows()
 {
-    const size_t lastWindow = m_rowBytes < kWindow ? 0 : m_rowBytes - kWindow;
+    const size_t lastWindow = m_rowBytes < n * kWindow ? 0 : m_rowBytes - n * kWindow;
     for (size_t window = 0; window < m_steps * Sum::pairs * kWindowsOfStep; ++window) {
+        // Columns are in the order of their pixels.
         const uint32_t* const places = &m_places[window * kWindow];
-        uint32_t first = places[0], last = first;
-        for (size_t i = 1; i < kWindow; ++i) {
-            first = places[i] < first ? places[i] : first;
-            last = places[i] > last ? places[i] : last;
-        }
-        if (last - first >= kWindow)
+        const uint32_t first = places[laneOfPair(0, 0)], last = places[laneOfPair(kWindow / 2 - 1, 1)];
+        if (last - first >= n * kWindow)
             return false;
         const uint32_t offset = static_cast<uint32_t>(least(first, lastWindow));
         m_offsets[window] = offset;
-        uint8_t* const indices = m_taps[window / kWindowsOfStep].indices + window % kWindowsOfStep * kWindow;
+        uint8_t* __restrict const indices = m_taps[window / kWindowsOfStep].indices + window % kWindowsOfStep * kWindow;
         for (size_t i = 0; i < kWindow; ++i)
             indices[i] = static_cast<uint8_t>(places[i] - offset);
     }
@@ -186,90 +228,110 @@ bool Columns<Sum>::makeWindows()
 }
 
 template <class Sum>
-RVK_INLINE Vecs<uint8_t, Sum::pairs> Columns<Sum>::fetch(const uint8_t* row, size_t step) const
+template <size_t rows, class Fetch>
+RVK_INLINE void Columns<Sum>::sumSteps(const RowBatch& batch, Fetch fetch) const
 {
-    Vecs<uint8_t, Sum::pairs> pixels;
-    unrolled<Sum::pairs>([&](auto i) RVK_INLINE_LAMBDA {
-        const size_t n = step * Sum::pairs + i;
-        pixels[i] = lookupWindows<1>(row, &m_offsets[n * kWindowsOfStep], load(m_taps[n].indices));
+    const TapsOfStep* taps = m_taps.get();
+    for (size_t step = 0, x = 0, steps = m_steps; step < steps; ++step, x += kValues, taps += Sum::pairs) {
+        decltype(Sum::sum(fetch(batch.src[0], step, taps), taps)) sums[rows];
+        unrolled<rows>([&](auto i) RVK_INLINE_LAMBDA { sums[i] = Sum::sum(fetch(batch.src[i], step, taps), taps); });
+        unrolled<rows>([&](auto i) RVK_INLINE_LAMBDA { store(batch.dst[i] + x, sums[i]); });
+    }
+}
+
+// The pairs of a step, from windows n * kWindow wide.
+template <size_t n, size_t pairs>
+RVK_INLINE Vecs<uint8_t, pairs> fetchFromWindows(const uint8_t* row, const uint32_t* offsets, const TapsOfStep* taps)
+{
+    Vecs<uint8_t, pairs> pixels;
+    unrolled<pairs>([&](auto i) RVK_INLINE_LAMBDA {
+        pixels[i] = lookupWindows<n>(row, offsets + i * kWindowsOfStep, load(taps[i].indices));
     });
     return pixels;
 }
 
 template <class Sum>
-template <class Fetch>
-RVK_INLINE void Columns<Sum>::sumSteps(int16_t* dst0, int16_t* dst1, Fetch fetchStep) const
+template <size_t rows>
+RVK_NOINLINE void Columns<Sum>::sum(const RowBatch& given) const
 {
-    for (size_t step = 0; step < m_steps; ++step) {
-        const TapsOfStep* const taps = &m_taps[step * Sum::pairs];
-        store(dst0 + step * kColumns, Sum::sum(fetchStep(0, step), taps));
-        store(dst1 + step * kColumns, Sum::sum(fetchStep(1, step), taps));
-    }
+    RowBatch batch = given;
+    constexpr size_t windows = Sum::pairs * kWindowsOfStep, lanes = Sum::pairs * kBytes; // of a step
+    const uint32_t *const offsets = m_offsets.get(), *const places = m_places.get();
+    uint8_t padded[rows][kWindow];
+    if (m_rowBytes < kWindow)
+        for (size_t i = 0; i < rows; ++i) {
+            __builtin_memset(padded[i], 0, kWindow);
+            __builtin_memcpy(padded[i], batch.src[i], m_rowBytes);
+            batch.src[i] = padded[i];
+        }
+    if (m_windowSize == 1)
+        sumSteps<rows>(batch, [=](const uint8_t* row, size_t step, const TapsOfStep* taps) RVK_INLINE_LAMBDA {
+            return fetchFromWindows<1, Sum::pairs>(row, offsets + step * windows, taps);
+        });
+    else if (m_windowSize == 2)
+        sumSteps<rows>(batch, [=](const uint8_t* row, size_t step, const TapsOfStep* taps) RVK_INLINE_LAMBDA {
+            return fetchFromWindows<2, Sum::pairs>(row, offsets + step * windows, taps);
+        });
+    else
+        sumSteps<rows>(batch, [=](const uint8_t* row, size_t step, const TapsOfStep*) RVK_INLINE_LAMBDA {
+            uint8_t bytes[lanes];
+            for (size_t lane = 0; lane < lanes; ++lane)
+                bytes[lane] = row[places[step * lanes + lane]];
+            return loadVecs<Sum::pairs>(bytes);
+        });
 }
 
-// Two rows at a time: they share what is read from the table.
-template <class Sum>
-RVK_NOINLINE void Columns<Sum>::sum(const uint8_t* row0, const uint8_t* row1, int16_t* dst0, int16_t* dst1) const
-{
-    uint8_t padded[2][kWindow] = {};
-    if (m_rowBytes < kWindow) {
-        __builtin_memcpy(padded[0], row0, m_rowBytes);
-        __builtin_memcpy(padded[1], row1, m_rowBytes);
-        row0 = padded[0];
-        row1 = padded[1];
-    }
-    if (m_hasWindows) {
-        sumSteps(dst0, dst1,
-                 [&](size_t i, size_t step) RVK_INLINE_LAMBDA { return fetch(i == 0 ? row0 : row1, step); });
-        return;
-    }
-    sumSteps(dst0, dst1, [&](size_t i, size_t step) RVK_INLINE_LAMBDA {
-        const uint8_t* const row = i == 0 ? row0 : row1;
-        const uint32_t* const places = &m_places[step * Sum::pairs * kBytes];
-        uint8_t bytes[Sum::pairs * kBytes];
-        for (size_t lane = 0; lane < Sum::pairs * kBytes; ++lane)
-            bytes[lane] = row[places[lane]];
-        return loadVecs<Sum::pairs>(bytes);
-    });
-}
-
-// The last `count` rows that were scaled, and one more, since two are scaled at a time.
-template <class Sum, size_t count>
+// Rows that were scaled: `kept` of those before the one that was wanted last, and the batch that begins with it.
+template <class Sum, size_t kept>
 class ScaledRows
 {
 public:
     ScaledRows(const Resizing& r, const Columns<Sum>& columns)
-        : m_picture(r), m_columns(columns), m_stride(roundedUp(columns.steps() * kColumns, kBytes) + kBytes),
-          m_rows(count, m_stride)
+        : m_picture(r), m_columns(columns), m_scalesAll(r.srcHeight < 2 * uint64_t{r.dstHeight}),
+          m_stride(roundedUp(columns.values(), kBytes * Sum::values) + kBytes * Sum::values), m_rows(kRows, m_stride)
     {
         for (uint32_t& held : m_held)
             held = UINT32_MAX;
     }
     bool exists() const { return static_cast<bool>(m_rows); }
 
-    // Row y of the source; stays until a row is wanted that is `count` - 1 further down.
     RVK_INLINE const int16_t* at(size_t y)
     {
-        if (m_held[y % count] != y)
+        if (m_held[y % kRows] != y)
             scaleFrom(y);
-        return &m_rows[y % count * m_stride];
+        return &m_rows[y % kRows * m_stride];
     }
 
 private:
+    static constexpr size_t kRows = 8;
+    static_assert(kept + kMostInBatch <= kRows);
+
+    // Rows that will not be wanted are few in a batch: none where the ratio is less than 2.
     void scaleFrom(size_t y)
     {
-        const size_t next = least(y + 1, m_picture.srcHeight - 1);
-        m_columns.sum(sourceRow(m_picture, y), sourceRow(m_picture, next), &m_rows[y % count * m_stride],
-                      &m_rows[(y + 1) % count * m_stride]);
-        m_held[y % count] = static_cast<uint32_t>(y);
-        m_held[(y + 1) % count] = static_cast<uint32_t>(y + 1);
+        if (m_scalesAll)
+            scaleBatch<kMostInBatch>(y);
+        else
+            scaleBatch<kMostInBatch / 2>(y);
+    }
+    template <size_t count>
+    RVK_INLINE void scaleBatch(size_t y)
+    {
+        RowBatch batch;
+        unrolled<count>([&](auto i) RVK_INLINE_LAMBDA {
+            batch.src[i] = sourceRow(m_picture, least(y + i, m_picture.srcHeight - 1));
+            batch.dst[i] = &m_rows[(y + i) % kRows * m_stride];
+            m_held[(y + i) % kRows] = static_cast<uint32_t>(y + i);
+        });
+        m_columns.template sum<count>(batch);
     }
 
     const Resizing& m_picture;
     const Columns<Sum>& m_columns;
+    bool m_scalesAll;
     size_t m_stride;
     Scratch<int16_t> m_rows;
-    uint32_t m_held[count];
+    uint32_t m_held[kRows];
 };
 
 // dst = formula(x) for columns `begin` to `end` - 1, kBytes at a time; the last time fewer may count.
@@ -283,17 +345,95 @@ RVK_INLINE void mapColumns(size_t begin, size_t end, uint8_t* dst, Formula formu
         storePartial(dst + x, formula(x), end - x);
 }
 
+// ---- twice and four times as large ----------------------------------------------------------------------------------
+
+// Bilinear values at odd multiples of 1 / (2 * times) of a pixel are sums of four pixels by whole weights.
+
+// A row that is `part` parts of 2 * times below `upper`, as sums by weights in such parts. The sums before the first and
+// behind the last one repeat those.
+template <unsigned times>
+RVK_INLINE void sumRows(const uint8_t* upper, const uint8_t* lower, uint8_t part, size_t width, uint16_t* sums)
+{
+    const Vec<uint8_t> lowerWeight = splat(part), upperWeight = splat(static_cast<uint8_t>(2 * times - part));
+    const auto sumAt = [=](size_t x) RVK_INLINE_LAMBDA {
+        return both(multiplyWide(load(upper + x), upperWeight), multiplyWide(load(lower + x), lowerWeight),
+                    [](auto a, auto b) RVK_INLINE_LAMBDA { return a + b; });
+    };
+    for (size_t x = 0; x + kBytes < width; x += kBytes)
+        store(sums + x, sumAt(x));
+    store(sums + (width - kBytes), sumAt(width - kBytes));
+    sums[-1] = sums[0];
+    sums[width] = sums[width - 1];
+}
+
+// What pixels become: columns 1/4 of a pixel before and after their centres.
+RVK_INLINE void storeEnlarged(Constant<2>, const uint16_t* sums, uint8_t* dst)
+{
+    const Vec<uint16_t> three = splat<uint16_t>(3);
+    const auto column = [=](const uint16_t* beside) RVK_INLINE_LAMBDA {
+        return both(loadVecs<2>(sums), loadVecs<2>(beside),
+                    [=](auto a, auto b) RVK_INLINE_LAMBDA { return b + a * three; });
+    };
+    storeColumns<4>(dst, column(sums - 1), column(sums + 1));
+}
+
+// The same 3/8 and 1/8 before, and 1/8 and 3/8 after them.
+RVK_INLINE void storeEnlarged(Constant<4>, const uint16_t* sums, uint8_t* dst)
+{
+    const auto column = [=](const uint16_t* beside, uint16_t weight) RVK_INLINE_LAMBDA {
+        const Vec<uint16_t> besideWeight = splat(weight), weightHere = splat(static_cast<uint16_t>(8 - weight));
+        return both(loadVecs<2>(sums), loadVecs<2>(beside),
+                    [=](auto a, auto b) RVK_INLINE_LAMBDA { return a * weightHere + b * besideWeight; });
+    };
+    storeColumns<6>(dst, column(sums - 1, 3), column(sums - 1, 1), column(sums + 1, 1), column(sums + 1, 3));
+}
+
+bool isEnlarged(const Resizing& r, uint32_t times)
+{
+    return r.dstWidth == uint64_t{times} * r.srcWidth && r.dstHeight == uint64_t{times} * r.srcHeight;
+}
+
+// False when the picture is too narrow or there is no scratch memory.
+template <unsigned times>
+bool enlarge(const Resizing& r)
+{
+    const size_t width = r.srcWidth;
+    Scratch<uint16_t> scratch(width + 2 * kColumns); // with room for one before the first
+    if (!scratch || width < kBytes)
+        return false;
+    uint16_t* const sums = scratch.get() + kColumns;
+    for (size_t y = 0; y < r.dstHeight; ++y) {
+        const size_t parts = (2 * (y % times) + 1 + times) % (2 * times); // below the row above the centre
+        const int64_t above = static_cast<int64_t>(y / times) - (y % times < times / 2);
+        sumRows<times>(sourceRow(r, inside(above, r.srcHeight)), sourceRow(r, inside(above + 1, r.srcHeight)),
+                       static_cast<uint8_t>(parts), width, sums);
+        uint8_t* const dst = targetRow(r, y);
+        for (size_t x = 0; x + kBytes < width; x += kBytes)
+            storeEnlarged(Constant<times>{}, sums + x, dst + times * x);
+        storeEnlarged(Constant<times>{}, sums + (width - kBytes), dst + times * (width - kBytes));
+    }
+    return true;
+}
+
 // ---- bilinear -------------------------------------------------------------------------------------------------------
 
-RVK_NOINLINE void interpolateRows(size_t begin, size_t end, const int16_t* upper, const int16_t* lower,
-                                  uint32_t fraction, uint8_t* dst)
+RVK_NOINLINE void interpolateRows(size_t width, const int16_t* upper, const int16_t* lower, uint32_t fraction,
+                                  uint8_t* dst)
 {
     const Vec<int16_t> weight = splat(static_cast<int16_t>(fraction << (15 - kFractionBits)));
-    mapColumns(begin, end, dst, [=](size_t x) RVK_INLINE_LAMBDA {
-        return narrowRounded<uint8_t, 7>(both(loadVecs<2>(upper + x), loadVecs<2>(lower + x),
+    const auto between = [&]() RVK_INLINE_LAMBDA {
+        return narrowRounded<uint8_t, 7>(both(loadVecs<2>(upper), loadVecs<2>(lower),
                                               [=](auto a, auto b)
                                                   RVK_INLINE_LAMBDA { return Interpolation::between(a, b, weight); }));
-    });
+    };
+    for (size_t steps = width / kBytes; steps; --steps) {
+        store(dst, between());
+        upper += kBytes;
+        lower += kBytes;
+        dst += kBytes;
+    }
+    if (const size_t rest = width % kBytes)
+        storePartial(dst, between(), rest);
 }
 
 // False when there is no scratch memory.
@@ -308,7 +448,7 @@ bool interpolate(const Resizing& r, const Rectangle& part)
                     static_cast<int32_t>(column.fraction()));
     columns.finish();
 
-    ScaledRows<Interpolation, 4> rows(r, columns);
+    ScaledRows<Interpolation, 1> rows(r, columns);
     if (!rows.exists())
         return false;
     Positions row(rowsOf(r));
@@ -318,7 +458,9 @@ bool interpolate(const Resizing& r, const Rectangle& part)
         const size_t upper = inside(row.pixel(), r.srcHeight);
         const size_t lower = row.fraction() ? inside(row.pixel() + 1, r.srcHeight) : upper;
         const int16_t* const upperRow = rows.at(upper);
-        interpolateRows(part.left, part.right, upperRow, rows.at(lower), row.fraction(), targetRow(r, y));
+        const int16_t* const lowerRow = rows.at(lower);
+        interpolateRows(part.right - part.left, upperRow + part.left, lowerRow + part.left, row.fraction(),
+                        targetRow(r, y) + part.left);
     }
     return true;
 }
@@ -329,8 +471,15 @@ void scaleBilinear(const Resizing& r, uint32_t borderType, uint8_t borderValue)
         copyRows(r, 1);
         return;
     }
+    if (isHalf(r)) {
+        halve(r);
+        return;
+    }
     const uint32_t width = r.dstWidth, height = r.dstHeight;
-    const Rectangle part = borderType == RAVIK_BORDER_REPLICATE ? Rectangle{0, 0, width, height} : interiorOf(r);
+    const bool replicates = borderType == RAVIK_BORDER_REPLICATE;
+    if (replicates && ((isEnlarged(r, 2) && enlarge<2>(r)) || (isEnlarged(r, 4) && enlarge<4>(r))))
+        return;
+    const Rectangle part = replicates ? Rectangle{0, 0, width, height} : interiorOf(r);
     if (!interpolate(r, part))
         interpolatePart(r, part, {true, 0});
     if (borderType == RAVIK_BORDER_CONSTANT) {
@@ -381,7 +530,7 @@ bool interpolateCubicInVectors(const Resizing& r, size_t pixelSize)
     }
     columns.finish();
 
-    ScaledRows<CubicInterpolation, 8> rows(r, columns);
+    ScaledRows<CubicInterpolation, 3> rows(r, columns);
     if (!rows.exists())
         return false;
     Positions row(rowsOf(r));
@@ -403,15 +552,151 @@ void scaleCubic(const Resizing& r, uint32_t pixelSize)
         interpolateCubic(r, pixelSize);
 }
 
-// ---- area -----------------------------------------------------------------------------------------------------------
+// ---- nearest --------------------------------------------------------------------------------------------------------
+
+// For each byte of a row its byte of the source, and the windows in which that is.
+class Places
+{
+public:
+    Places(size_t rowBytes, size_t columns)
+        : m_rowBytes(rowBytes), m_steps((columns + kBytes - 1) / kBytes), m_places(m_steps, kBytes),
+          m_offsets(m_steps, kWindowsOfStep), m_laterOffsets(m_steps, kWindowsOfStep), m_indices(m_steps, kBytes)
+    {
+    }
+    bool exists() const { return m_places && m_offsets && m_laterOffsets && m_indices; }
+    void fill(Axis axis);
+    void pick(const uint8_t* row, size_t columns, uint8_t* dst) const;
+
+private:
+    enum class From { places, windows, wideWindows, twoWideWindows };
+
+    template <size_t n>
+    bool makeWindow(size_t first, size_t count, uint32_t& offset);
+    template <size_t n>
+    bool makeWindows();
+    bool makeTwoWindows();
+
+    size_t m_rowBytes, m_steps;
+    Scratch<uint32_t> m_places;
+    Scratch<uint32_t> m_offsets, m_laterOffsets; // of windows; of those of the later half of the lanes
+    Scratch<uint8_t> m_indices;
+    From m_from = From::places;
+};
+
+void Places::fill(Axis axis)
+{
+    Quotients pixel = pixelsAtCentres(axis);
+    for (size_t x = 0; x < m_steps * kBytes; ++x, pixel.next())
+        m_places[x] = static_cast<uint32_t>(inside(pixel.value(), axis.from));
+    m_from = makeWindows<1>()   ? From::windows
+             : makeWindows<2>() ? From::wideWindows
+             : makeTwoWindows() ? From::twoWideWindows
+                                : From::places;
+}
+
+// A window n * kWindow wide for these columns, if it holds their pixels.
+template <size_t n>
+bool Places::makeWindow(size_t first, size_t count, uint32_t& offset)
+{
+    const uint32_t* const places = &m_places[first];
+    if (m_rowBytes < n * kWindow || places[count - 1] - places[0] >= n * kWindow)
+        return false;
+    offset = static_cast<uint32_t>(least(places[0], m_rowBytes - n * kWindow));
+    for (size_t i = 0; i < count; ++i)
+        m_indices[first + i] = static_cast<uint8_t>(places[i] - offset);
+    return true;
+}
+
+template <size_t n>
+bool Places::makeWindows()
+{
+    bool hold = true;
+    for (size_t i = 0; hold && i < m_steps * kWindowsOfStep; ++i)
+        hold = makeWindow<n>(i * kWindow, kWindow, m_offsets[i]);
+    return hold;
+}
+
+bool Places::makeTwoWindows()
+{
+    constexpr size_t half = kWindow / 2;
+    bool hold = true;
+    for (size_t i = 0; hold && i < m_steps * kWindowsOfStep; ++i)
+        hold = makeWindow<2>(i * kWindow, half, m_offsets[i]) &&
+               makeWindow<2>(i * kWindow + half, half, m_laterOffsets[i]);
+    return hold;
+}
+
+RVK_NOINLINE void pickEach(const uint8_t* row, const uint32_t* places, size_t columns, uint8_t* __restrict dst)
+{
+    for (size_t x = 0; x < columns; ++x)
+        dst[x] = row[places[x]];
+}
+
+RVK_NOINLINE void Places::pick(const uint8_t* row, size_t columns, uint8_t* dst) const
+{
+    const uint32_t *const offsets = m_offsets.get(), *const laterOffsets = m_laterOffsets.get();
+    const uint8_t* const indices = m_indices.get();
+    if (m_from == From::windows) {
+        mapColumns(0, columns, dst, [=](size_t x) RVK_INLINE_LAMBDA {
+            return lookupWindows<1>(row, offsets + x / kWindow, load(indices + x));
+        });
+    } else if (m_from == From::wideWindows) {
+        mapColumns(0, columns, dst, [=](size_t x) RVK_INLINE_LAMBDA {
+            return lookupWindows<2>(row, offsets + x / kWindow, load(indices + x));
+        });
+    } else if (m_from == From::twoWideWindows) {
+        const Vec<uint8_t> lane = iota<uint8_t>() & splat<uint8_t>(kWindow - 1);
+        const Mask<uint8_t> isLater = equal(lane & splat<uint8_t>(kWindow / 2), splat<uint8_t>(kWindow / 2));
+        mapColumns(0, columns, dst, [=](size_t x) RVK_INLINE_LAMBDA {
+            const Vec<uint8_t> here = load(indices + x);
+            return select(isLater, lookupWindows<2>(row, laterOffsets + x / kWindow, here),
+                          lookupWindows<2>(row, offsets + x / kWindow, here));
+        });
+    } else {
+        pickEach(row, m_places.get(), columns, dst);
+    }
+}
+
+void scaleNearest(const Resizing& r)
+{
+    if (isCopy(r)) {
+        copyRows(r, 1);
+        return;
+    }
+    Places places(r.srcWidth, r.dstWidth);
+    const bool hasPlaces = places.exists();
+    if (hasPlaces)
+        places.fill(columnsOf(r));
+    Quotients row = pixelsAtCentres(rowsOf(r));
+    int64_t previous = -1;
+    for (size_t y = 0; y < r.dstHeight; ++y, row.next()) {
+        const uint8_t* const src = sourceRow(r, static_cast<size_t>(row.value()));
+        uint8_t* const dst = targetRow(r, y);
+        if (row.value() == previous) {
+            __builtin_memcpy(dst, targetRow(r, y - 1), r.dstWidth);
+        } else if (hasPlaces) {
+            places.pick(src, r.dstWidth, dst);
+        } else {
+            Quotients column = pixelsAtCentres(columnsOf(r));
+            for (size_t x = 0; x < r.dstWidth; ++x, column.next())
+                dst[x] = src[column.value()];
+        }
+        previous = row.value();
+    }
+}
+
+// ---- means ----------------------------------------------------------------------------------------------------------
 
 // (n + divisor / 2) / divisor for n up to 255 * divisor, by a multiplication where the divisor is below 2^23.
 class Mean
 {
 public:
-    RVK_INLINE explicit Mean(uint64_t divisor) : m_divisor(divisor), m_half(divisor / 2), m_factor(0), m_shift(32)
+    RVK_INLINE explicit Mean(uint64_t divisor)
+        : m_divisor(divisor), m_half(divisor / 2), m_factor(1u << 31), m_shift(31)
     {
-        if (divisor > 1 && divisor < 1u << 23) {
+        if (divisor >= 1u << 23) {
+            m_factor = 0;
+        } else if (divisor > 1) {
             m_shift = 63 - static_cast<unsigned>(__builtin_clzll(divisor - 1)) + 32;
             m_factor = static_cast<uint32_t>(((uint64_t{1} << m_shift) + divisor - 1) / divisor);
         }
@@ -455,218 +740,6 @@ struct Mean16
     }
 };
 
-// Rows that one row of the destination is made of, at most.
-constexpr size_t kMostRows = 7;
-
-RVK_NOINLINE void averageRows(size_t end, size_t count, const int16_t* const (&rows)[kMostRows],
-                              const uint16_t (&weights)[kMostRows], const Mean16& mean, uint8_t* dst)
-{
-    const auto rowAt = [&](size_t k, size_t x)
-                           RVK_INLINE_LAMBDA { return bitCast<uint16_t>(load(rows[k] + x)) * splat(weights[k]); };
-    mapColumns(0, end, dst, [&](size_t x) RVK_INLINE_LAMBDA {
-        Vecs<uint16_t, 2> sums = {rowAt(0, x), rowAt(0, x + kColumns)};
-        for (size_t k = 1; k < count; ++k)
-            sums = {sums[0] + rowAt(k, x), sums[1] + rowAt(k, x + kColumns)};
-        return narrow(Vecs<uint16_t, 2>{mean(sums[0]), mean(sums[1])});
-    });
-}
-
-// Weights of the pixels of a coverage, the first of which has number 0.
-RVK_INLINE uint32_t weightOf(const Coverages& c, Axis axis, size_t i)
-{
-    const size_t before = i == 0 ? 0 : c.firstWeight() + (i - 1) * axis.to;
-    return i == 0                ? c.firstWeight()
-           : before >= axis.from ? 0
-                                 : static_cast<uint32_t>(least(axis.from - before, axis.to));
-}
-
-// The most pixels, or parts of them, that one of the destination covers.
-RVK_INLINE size_t mostCovered(Axis axis)
-{
-    return axis.from % axis.to == 0 ? axis.from / axis.to : (axis.from - 1 + axis.to - 1) / axis.to + 1;
-}
-
-// Columns first, where sums fit 16 bits and few pixels make one. False when they do not, or without scratch memory.
-template <size_t pairs>
-bool averageColumnsFirst(const Resizing& r, Axis columnAxis, Axis rowAxis, const Mean16& mean)
-{
-    using Sum = WeightedSum<pairs>;
-    Columns<Sum> columns(r.srcWidth, r.dstWidth);
-    if (!columns.exists())
-        return false;
-    Coverages column(columnAxis);
-    for (size_t x = 0; x < r.dstWidth; ++x, column.next())
-        for (size_t pair = 0; pair < pairs; ++pair) {
-            const size_t i = 2 * pair;
-            columns.set(x, pair, least(column.first() + i, r.srcWidth - 1),
-                        least(column.first() + i + 1, r.srcWidth - 1),
-                        static_cast<int32_t>(weightOf(column, columnAxis, i)),
-                        static_cast<int32_t>(weightOf(column, columnAxis, i + 1)));
-        }
-    columns.finish();
-    ScaledRows<Sum, kMostRows + 1> rows(r, columns);
-    if (!columns.hasWindows() || !rows.exists())
-        return false;
-
-    Coverages row(rowAxis);
-    for (size_t y = 0; y < r.dstHeight; ++y, row.next()) {
-        const int16_t* some[kMostRows];
-        uint16_t weights[kMostRows];
-        size_t count = 0;
-        for (; count < kMostRows; ++count) {
-            weights[count] = static_cast<uint16_t>(weightOf(row, rowAxis, count));
-            if (weights[count] == 0)
-                break;
-            some[count] = rows.at(row.first() + count);
-        }
-        averageRows(r.dstWidth, count, some, weights, mean, targetRow(r, y));
-    }
-    return true;
-}
-
-// acc = weight * row, or that added to it.
-void weighRow(size_t width, const uint8_t* __restrict row, uint32_t weight, bool isFirst, uint32_t* __restrict acc)
-{
-    if (isFirst)
-        for (size_t x = 0; x < width; ++x)
-            acc[x] = weight * row[x];
-    else
-        for (size_t x = 0; x < width; ++x)
-            acc[x] += weight * row[x];
-}
-
-// Rows first, whatever the ratio, where sums of columns fit 32 bits. False when they do not, or without scratch memory.
-bool averageRowsFirst(const Resizing& r, Axis columnAxis, Axis rowAxis)
-{
-    Scratch<uint32_t> sums(r.srcWidth);
-    if (!sums || uint64_t{rowAxis.from} * 255 > UINT32_MAX)
-        return false;
-    const Mean mean(uint64_t{columnAxis.from} * rowAxis.from);
-    Coverages row(rowAxis);
-    for (size_t y = 0; y < r.dstHeight; ++y, row.next()) {
-        for (size_t i = 0; const uint32_t weight = weightOf(row, rowAxis, i); ++i)
-            weighRow(r.srcWidth, sourceRow(r, row.first() + i), weight, i == 0, sums.get());
-        uint8_t* const dst = targetRow(r, y);
-        Coverages column(columnAxis);
-        for (size_t x = 0; x < r.dstWidth; ++x, column.next()) {
-            const uint32_t* const covered = &sums[column.first()];
-            uint64_t sum = uint64_t{column.firstWeight()} * covered[0];
-            uint32_t rest = columnAxis.from - column.firstWeight();
-            size_t i = 1;
-            uint64_t whole = 0;
-            for (; rest >= columnAxis.to; ++i, rest -= columnAxis.to)
-                whole += covered[i];
-            sum += whole * columnAxis.to;
-            if (rest)
-                sum += uint64_t{rest} * covered[i];
-            dst[x] = mean(sum);
-        }
-    }
-    return true;
-}
-
-void scaleArea(const Resizing& r)
-{
-    if (isCopy(r)) {
-        copyRows(r, 1);
-        return;
-    }
-    const Axis columns = reduced(columnsOf(r)), rows = reduced(rowsOf(r));
-    const Mean16 mean(uint64_t{columns.from} * rows.from);
-    const size_t pixels = mostCovered(columns);
-    const bool columnsFirst = mean.exists() && columns.from < 128 && pixels <= 4 && mostCovered(rows) <= kMostRows;
-    if (columnsFirst &&
-        (pixels <= 2 ? averageColumnsFirst<1>(r, columns, rows, mean) : averageColumnsFirst<2>(r, columns, rows, mean)))
-        return;
-    if (!averageRowsFirst(r, columns, rows))
-        averageAreas(r);
-}
-
-// ---- nearest --------------------------------------------------------------------------------------------------------
-
-// For each byte of a row its byte of the source, and the windows in which that is.
-class Places
-{
-public:
-    Places(size_t rowBytes, size_t columns)
-        : m_rowBytes(rowBytes), m_steps((columns + kBytes - 1) / kBytes), m_places(m_steps, kBytes),
-          m_offsets(m_steps, kWindowsOfStep), m_indices(m_steps, kBytes)
-    {
-    }
-    bool exists() const { return m_places && m_offsets && m_indices; }
-    void fill(Axis axis);
-    void pick(const uint8_t* row, size_t columns, uint8_t* dst) const;
-
-private:
-    bool makeWindows();
-
-    size_t m_rowBytes, m_steps;
-    Scratch<uint32_t> m_places, m_offsets;
-    Scratch<uint8_t> m_indices;
-    bool m_hasWindows = false;
-};
-
-void Places::fill(Axis axis)
-{
-    Quotients pixel = pixelsAtCentres(axis);
-    for (size_t x = 0; x < m_steps * kBytes; ++x, pixel.next())
-        m_places[x] = static_cast<uint32_t>(inside(pixel.value(), axis.from));
-    m_hasWindows = m_rowBytes >= kWindow && makeWindows();
-}
-
-bool Places::makeWindows()
-{
-    for (size_t window = 0; window < m_steps * kWindowsOfStep; ++window) {
-        const uint32_t* const places = &m_places[window * kWindow];
-        if (places[kWindow - 1] - places[0] >= kWindow)
-            return false;
-        m_offsets[window] = static_cast<uint32_t>(least(places[0], m_rowBytes - kWindow));
-        for (size_t i = 0; i < kWindow; ++i)
-            m_indices[window * kWindow + i] = static_cast<uint8_t>(places[i] - m_offsets[window]);
-    }
-    return true;
-}
-
-RVK_NOINLINE void Places::pick(const uint8_t* row, size_t columns, uint8_t* dst) const
-{
-    if (!m_hasWindows) {
-        for (size_t x = 0; x < columns; ++x)
-            dst[x] = row[m_places[x]];
-        return;
-    }
-    mapColumns(0, columns, dst, [&](size_t x) RVK_INLINE_LAMBDA {
-        return lookupWindows<1>(row, &m_offsets[x / kWindow], load(&m_indices[x]));
-    });
-}
-
-void scaleNearest(const Resizing& r)
-{
-    if (isCopy(r)) {
-        copyRows(r, 1);
-        return;
-    }
-    Places places(r.srcWidth, r.dstWidth);
-    const bool hasPlaces = places.exists();
-    if (hasPlaces)
-        places.fill(columnsOf(r));
-    Quotients row = pixelsAtCentres(rowsOf(r));
-    int64_t previous = -1;
-    for (size_t y = 0; y < r.dstHeight; ++y, row.next()) {
-        const uint8_t* const src = sourceRow(r, static_cast<size_t>(row.value()));
-        uint8_t* const dst = targetRow(r, y);
-        if (row.value() == previous) {
-            __builtin_memcpy(dst, targetRow(r, y - 1), r.dstWidth);
-        } else if (hasPlaces) {
-            places.pick(src, r.dstWidth, dst);
-        } else {
-            Quotients column = pixelsAtCentres(columnsOf(r));
-            for (size_t x = 0; x < r.dstWidth; ++x, column.next())
-                dst[x] = src[column.value()];
-        }
-        previous = row.value();
-    }
-}
-
 // ---- means of whole pixels ------------------------------------------------------------------------------------------
 
 // Bytes of a row whose columns are added at once.
@@ -684,7 +757,105 @@ RVK_INLINE void addRows(const uint8_t* src, size_t srcStride, size_t rows, size_
     }
 }
 
-// Sums of pixels that follow each other are added as long as they fit the chunk.
+// Sums of `count` neighbours each, from sums of columns, for pixels of T: one or two sums of 16 bits.
+template <size_t count, class T>
+RVK_INLINE Vec<uint16_t> sumsOfNeighbours(const uint16_t* sums)
+{
+    const T* const p = reinterpret_cast<const T*>(sums);
+    if constexpr (count == 1) {
+        return load(sums);
+    } else {
+        Vecs<T, count> v;
+        if constexpr (count == 2)
+            v = load2(p);
+        else if constexpr (count == 3)
+            v = load3(p);
+        else
+            v = load4(p);
+        Vec<uint16_t> sum = bitCast<uint16_t>(v[0]);
+        unrolled<count - 1>([&](auto i) RVK_INLINE_LAMBDA { sum = sum + bitCast<uint16_t>(v[i + 1]); });
+        return sum;
+    }
+}
+
+// Means of `count` x `rows` pixels, of which sums fit 16 bits. The bytes of the destination are at least one step.
+template <size_t count, class T>
+void meansOfBlocks(const uint8_t* src, size_t rows, size_t srcStride, const Mean16& mean, size_t bytes, uint8_t* dst)
+{
+    const auto meansAt = [&](size_t x) RVK_INLINE_LAMBDA {
+        Vecs<uint16_t, count> columns = {};
+        const uint8_t* row = src + count * x;
+        for (size_t y = rows; y; --y, row += srcStride)
+            unrolled<count>(
+                [&](auto i) RVK_INLINE_LAMBDA { columns[i] = columns[i] + loadWiden<uint16_t>(row + i * kColumns); });
+        alignas(T) uint16_t sums[count * kColumns];
+        store(sums, columns);
+        storeLowBytes(dst + x, mean(sumsOfNeighbours<count, T>(sums)));
+    };
+    for (size_t x = 0; x + kColumns < bytes; x += kColumns)
+        meansAt(x);
+    meansAt(bytes - kColumns);
+}
+
+// The function for a count; null where there is none.
+using BlockMeans = void(const uint8_t* src, size_t rows, size_t srcStride, const Mean16& mean, size_t bytes,
+                        uint8_t* dst);
+template <class T>
+RVK_INLINE BlockMeans* blockMeans(size_t count)
+{
+    switch (count) {
+    case 1:
+        return meansOfBlocks<1, T>;
+    case 2:
+        return meansOfBlocks<2, T>;
+    case 3:
+        return meansOfBlocks<3, T>;
+    case 4:
+        return meansOfBlocks<4, T>;
+    default:
+        return nullptr;
+    }
+}
+
+template <class T>
+bool averageRowOfBlocks(const uint8_t* src, Axis axis, size_t rows, size_t srcStride, uint8_t* dst)
+{
+    const size_t count = axis.from / axis.to, bytes = size_t{axis.to} * (sizeof(T) / sizeof(uint16_t));
+    const Mean16 mean(count * rows);
+    BlockMeans* const means = axis.from % axis.to ? nullptr : blockMeans<T>(count);
+    if (!means || !mean.exists() || bytes < kColumns)
+        return false;
+    means(src, rows, srcStride, mean, bytes, dst);
+    return true;
+}
+
+// Means of `count` columns of the destination, each of `narrow` pixels or one more; the first begins at pixel `begin`.
+// Gives where the next one does.
+template <class T, size_t pixelSize, size_t fixedNarrow>
+RVK_INLINE size_t meansOfChunk(const T* sums, Quotients& nextColumn, size_t begin, size_t narrow,
+                               const Mean (&means)[2], size_t count, uint8_t* dst)
+{
+    if (fixedNarrow)
+        narrow = fixedNarrow;
+    Quotients next = nextColumn; // which no store changes
+    const Mean narrowMean = means[0], wideMean = means[1];
+    for (; count; --count, next.next()) {
+        const size_t pixels = static_cast<size_t>(next.value()) - begin;
+        const bool isWide = pixels > narrow;
+        for (size_t channel = 0; channel < pixelSize; ++channel) {
+            uint32_t sum = isWide ? sums[narrow * pixelSize + channel] : 0;
+            for (size_t i = 0; i < narrow; ++i)
+                sum += sums[i * pixelSize + channel];
+            *dst++ = isWide ? wideMean(sum) : narrowMean(sum);
+        }
+        sums += pixels * pixelSize;
+        begin += pixels;
+    }
+    nextColumn = next;
+    return begin;
+}
+
+// As many columns at once as the chunk holds.
 template <class T, size_t pixelSize>
 void meansOfColumns(const uint8_t* src, Axis axis, size_t rows, size_t srcStride, uint8_t* dst)
 {
@@ -694,23 +865,287 @@ void meansOfColumns(const uint8_t* src, Axis axis, size_t rows, size_t srcStride
     Quotients next = firstWholePixels(axis);
     next.next();
     size_t begin = 0;
-    for (size_t x = 0; x < axis.to;) {
-        const size_t count = least(kChunk / ((narrow + 1) * pixelSize), axis.to - x);
-        const size_t bytes = least(count * (narrow + 1), axis.from - begin) * pixelSize;
-        addRows(src + begin * pixelSize, srcStride, rows, bytes, sums);
-        const T* column = sums;
-        for (const size_t end = x + count; x < end; ++x, next.next()) {
-            const size_t pixels = static_cast<size_t>(next.value()) - begin;
-            for (size_t channel = 0; channel < pixelSize; ++channel) {
-                uint32_t sum = 0;
-                for (size_t i = 0; i < pixels; ++i)
-                    sum += column[i * pixelSize + channel];
-                dst[x * pixelSize + channel] = means[pixels - narrow](sum);
-            }
-            column += pixels * pixelSize;
-            begin += pixels;
-        }
+    for (size_t x = 0, count; x < axis.to; x += count) {
+        count = least(kChunk / ((narrow + 1) * pixelSize), axis.to - x);
+        addRows(src + begin * pixelSize, srcStride, rows, least(count * (narrow + 1), axis.from - begin) * pixelSize,
+                sums);
+        uint8_t* const out = dst + x * pixelSize;
+        begin = narrow == 1   ? meansOfChunk<T, pixelSize, 1>(sums, next, begin, narrow, means, count, out)
+                : narrow == 2 ? meansOfChunk<T, pixelSize, 2>(sums, next, begin, narrow, means, count, out)
+                              : meansOfChunk<T, pixelSize, 0>(sums, next, begin, narrow, means, count, out);
     }
+}
+
+// ---- area -----------------------------------------------------------------------------------------------------------
+
+// The same of 32 bits, by way of floats, whose quotient is off by one at most. The divisor is below 2^23.
+struct Mean32
+{
+    int32_t divisor;
+    float reciprocal;
+
+    RVK_INLINE explicit Mean32(uint64_t d) : divisor(static_cast<int32_t>(d)), reciprocal(1 / static_cast<float>(d)) {}
+    RVK_INLINE Vec<int32_t> operator()(Vec<int32_t> sum) const
+    {
+        const Vec<int32_t> n = sum + splat(divisor / 2);
+        const Vec<int32_t> quotient = truncateToInt(toFloat(n) * splat(reciprocal));
+        const Vec<int32_t> rest = n - quotient * splat(divisor);
+        return quotient + toVec(less(rest, zero<int32_t>())) - toVec(greater(rest, splat(divisor - 1)));
+    }
+};
+constexpr uint64_t kMostOfMean32 = (1 << 23) - 1;
+
+// The pixels that one of the destination covers, along an axis, the first of which has number 0, and their weights.
+class Covered
+{
+public:
+    RVK_INLINE Covered(const Coverages& c, Axis axis) : m_from(axis.from), m_to(axis.to), m_first(c.firstWeight()) {}
+    RVK_INLINE uint32_t weight(size_t i) const
+    {
+        const size_t before = i == 0 ? 0 : m_first + (i - 1) * m_to;
+        return i == 0 ? m_first : before >= m_from ? 0 : static_cast<uint32_t>(least(m_from - before, m_to));
+    }
+
+private:
+    size_t m_from, m_to;
+    uint32_t m_first;
+};
+
+// The most pixels, or parts of them, that one of the destination covers.
+RVK_INLINE size_t mostCovered(Axis axis)
+{
+    return axis.from % axis.to == 0 ? axis.from / axis.to : (axis.from - 1 + axis.to - 1) / axis.to + 1;
+}
+
+// Rows that one row of the destination is made of, and their weights; in pairs, of which the last row may have none.
+constexpr size_t kMostRows = 5;
+struct WeighedRows
+{
+    const int16_t* row[kMostRows + 1];
+    int16_t weight[kMostRows + 1];
+};
+
+template <size_t pairs>
+RVK_INLINE Vec<uint8_t> averageOf(const WeighedRows& rows, size_t x, const Mean16& mean)
+{
+    const auto sumAt = [&](size_t column) RVK_INLINE_LAMBDA {
+        Vec<int16_t> sum = {};
+        unrolled<2 * pairs>([&](auto k)
+                                RVK_INLINE_LAMBDA { sum = sum + load(rows.row[k] + column) * splat(rows.weight[k]); });
+        return mean(bitCast<uint16_t>(sum));
+    };
+    return narrow(Vecs<uint16_t, 2>{sumAt(x), sumAt(x + kColumns)});
+}
+
+// Each row has the coarse parts of the sums of a step and then the fine ones.
+template <size_t pairs>
+RVK_INLINE Vec<uint8_t> averageOf(const WeighedRows& rows, size_t x, const Mean32& mean)
+{
+    const auto sumAt = [&](size_t offset) RVK_INLINE_LAMBDA {
+        Vecs<int32_t, 2> sums = {};
+        unrolled<pairs>([&](auto pair) RVK_INLINE_LAMBDA {
+            constexpr size_t k = 2 * pair;
+            sums = addDotInLanes(sums, Vecs<int16_t, 2>{load(rows.row[k] + offset), load(rows.row[k + 1] + offset)},
+                                 Vecs<int16_t, 2>{splat(rows.weight[k]), splat(rows.weight[k + 1])});
+        });
+        return sums;
+    };
+    const auto meanAt = [&](size_t column) RVK_INLINE_LAMBDA {
+        return narrowSatInLanes<int16_t>(both(sumAt(2 * column), sumAt(2 * column + kColumns),
+                                              [&](auto coarse, auto fine)
+                                                  RVK_INLINE_LAMBDA { return mean(shiftLeft(coarse, 6) + fine); }));
+    };
+    return narrowSat<uint8_t>(Vecs<int16_t, 2>{meanAt(x), meanAt(x + kColumns)});
+}
+
+template <size_t pairs, class Mean>
+RVK_NOINLINE void averageRows(size_t end, const WeighedRows& given, const Mean& givenMean, uint8_t* dst)
+{
+    const WeighedRows rows = given; // which no store changes
+    const Mean mean = givenMean;
+    mapColumns(0, end, dst, [&](size_t x) RVK_INLINE_LAMBDA { return averageOf<pairs>(rows, x, mean); });
+}
+
+// Columns first, where few pixels make one. False when their windows are too narrow, or without scratch memory.
+template <class Sum, class Mean>
+bool averageColumnsFirst(const Resizing& r, Axis columnAxis, Axis rowAxis, const Mean& mean)
+{
+    Columns<Sum> columns(r.srcWidth, r.dstWidth);
+    if (!columns.exists())
+        return false;
+    Coverages column(columnAxis);
+    for (size_t x = 0; x < r.dstWidth; ++x, column.next()) {
+        const Covered covered(column, columnAxis);
+        for (size_t i = 0; i < 2 * Sum::pairs; i += 2)
+            columns.set(x, i / 2, least(column.first() + i, r.srcWidth - 1),
+                        least(column.first() + i + 1, r.srcWidth - 1), static_cast<int32_t>(covered.weight(i)),
+                        static_cast<int32_t>(covered.weight(i + 1)));
+    }
+    columns.finish();
+    ScaledRows<Sum, kMostRows - 1> scaled(r, columns);
+    if (!columns.hasWindows() || !scaled.exists())
+        return false;
+
+    Coverages row(rowAxis);
+    for (size_t y = 0; y < r.dstHeight; ++y, row.next()) {
+        const Covered covered(row, rowAxis);
+        WeighedRows rows;
+        size_t count = 0;
+        for (; const uint32_t weight = count < kMostRows ? covered.weight(count) : 0; ++count) {
+            rows.row[count] = scaled.at(row.first() + count);
+            rows.weight[count] = static_cast<int16_t>(weight);
+        }
+        if (count % 2) {
+            rows.row[count] = rows.row[0];
+            rows.weight[count++] = 0;
+        }
+        const auto average = count == 2   ? averageRows<1, Mean>
+                             : count == 4 ? averageRows<2, Mean>
+                                          : averageRows<3, Mean>;
+        average(r.dstWidth, rows, mean, targetRow(r, y));
+    }
+    return true;
+}
+
+template <template <size_t> class Sum, class Mean>
+bool averageColumnsFirst(const Resizing& r, Axis columns, Axis rows, const Mean& mean)
+{
+    return mostCovered(columns) <= 2 ? averageColumnsFirst<Sum<1>>(r, columns, rows, mean)
+                                     : averageColumnsFirst<Sum<2>>(r, columns, rows, mean);
+}
+
+// sums = first * row 0 + whole * the whole rows that follow + last * the one behind them, in columns of one vector.
+struct RowWeights
+{
+    uint16_t first, whole, last;
+    size_t wholeRows;
+};
+RVK_INLINE void sumRowsOfStep(const uint8_t* row, size_t stride, const RowWeights& w, uint32_t* sums)
+{
+    const auto weigh = [](const Vecs<uint16_t, 2>& v, uint16_t weight) RVK_INLINE_LAMBDA {
+        const Vecs<uint32_t, 2> low = multiplyWide(v[0], splat(weight)), high = multiplyWide(v[1], splat(weight));
+        return Vecs<uint32_t, 4>{low[0], low[1], high[0], high[1]};
+    };
+    Vecs<uint32_t, 4> all = weigh(widen(load(row)), w.first);
+    const auto add = [&](const Vecs<uint32_t, 4>& more) RVK_INLINE_LAMBDA {
+        unrolled<4>([&](auto i) RVK_INLINE_LAMBDA { all[i] = all[i] + more[i]; });
+    };
+    row += stride;
+    Vecs<uint16_t, 2> whole = {};
+    for (size_t i = w.wholeRows; i; --i, row += stride)
+        whole = both(whole, widen(load(row)), [](auto a, auto b) RVK_INLINE_LAMBDA { return a + b; });
+    add(weigh(whole, w.whole));
+    if (w.last)
+        add(weigh(widen(load(row)), w.last));
+    store(sums, all);
+}
+
+// The sums of a whole row, where whole rows fit 16 bits and so do the weights.
+bool sumRowsInVectors(const Resizing& r, const Coverages& row, Axis axis, uint32_t* sums)
+{
+    const size_t rest = axis.from - row.firstWeight(), wholeRows = rest / axis.to;
+    if (r.srcWidth < kBytes || wholeRows > 257 || axis.to > UINT16_MAX)
+        return false;
+    const RowWeights weights = {static_cast<uint16_t>(row.firstWeight()), static_cast<uint16_t>(axis.to),
+                                static_cast<uint16_t>(rest % axis.to), wholeRows};
+    const uint8_t* const first = sourceRow(r, row.first());
+    for (size_t x = 0; x + kBytes < r.srcWidth; x += kBytes)
+        sumRowsOfStep(first + x, r.srcStride, weights, sums + x);
+    const size_t last = r.srcWidth - kBytes;
+    sumRowsOfStep(first + last, r.srcStride, weights, sums + last);
+    return true;
+}
+
+// The same whatever they are.
+void sumRows(const Resizing& r, const Coverages& row, Axis axis, uint32_t* __restrict sums)
+{
+    if (sumRowsInVectors(r, row, axis, sums))
+        return;
+    const Covered covered(row, axis);
+    const size_t width = r.srcWidth;
+    for (size_t i = 0; const uint32_t weight = covered.weight(i); ++i) {
+        const uint8_t* __restrict src = sourceRow(r, row.first() + i);
+        for (size_t x = 0; x < width; ++x)
+            sums[x] = (i == 0 ? 0 : sums[x]) + weight * src[x];
+    }
+}
+
+// Means of areas from such sums; those of areas are of type T.
+template <class T>
+void averageSums(const uint32_t* sums, Axis axis, size_t count, const Mean& mean, uint8_t* dst)
+{
+    Coverages column(axis);
+    for (size_t x = 0; x < count; ++x, column.next()) {
+        const uint32_t* const covered = sums + column.first();
+        const size_t rest = axis.from - column.firstWeight(), wholeColumns = rest / axis.to;
+        T whole = 0;
+        for (size_t i = 1; i <= wholeColumns; ++i)
+            whole += covered[i];
+        T sum = T{column.firstWeight()} * covered[0] + whole * axis.to;
+        if (const size_t last = rest - wholeColumns * axis.to)
+            sum += static_cast<T>(last) * covered[1 + wholeColumns];
+        dst[x] = mean(sum);
+    }
+}
+
+// Rows first, whatever the ratio, where sums of columns fit 32 bits. False when they do not, or without scratch memory.
+bool averageRowsFirst(const Resizing& r, Axis columnAxis, Axis rowAxis)
+{
+    Scratch<uint32_t> sums(r.srcWidth);
+    if (!sums || uint64_t{rowAxis.from} * 255 > UINT32_MAX)
+        return false;
+    const uint64_t area = uint64_t{columnAxis.from} * rowAxis.from;
+    const Mean mean(area);
+    Coverages row(rowAxis);
+    for (size_t y = 0; y < r.dstHeight; ++y, row.next()) {
+        sumRows(r, row, rowAxis, sums.get());
+        if (area <= UINT32_MAX / 256)
+            averageSums<uint32_t>(sums.get(), columnAxis, r.dstWidth, mean, targetRow(r, y));
+        else
+            averageSums<uint64_t>(sums.get(), columnAxis, r.dstWidth, mean, targetRow(r, y));
+    }
+    return true;
+}
+
+// Areas of whole pixels. False where they are too large.
+bool averageBlocks(const Resizing& r, uint32_t across, uint32_t down, const Mean16& mean)
+{
+    const auto average = blockMeans<uint16_t>(across);
+    if (!average || !mean.exists() || r.dstWidth < kColumns)
+        return false;
+    for (size_t y = 0; y < r.dstHeight; ++y)
+        average(sourceRow(r, y * down), down, r.srcStride, mean, r.dstWidth, targetRow(r, y));
+    return true;
+}
+
+void scaleArea(const Resizing& r)
+{
+    if (isCopy(r)) {
+        copyRows(r, 1);
+        return;
+    }
+    if (isHalf(r)) {
+        halve(r);
+        return;
+    }
+    const Axis columns = reduced(columnsOf(r)), rows = reduced(rowsOf(r));
+    const uint64_t area = uint64_t{columns.from} * rows.from;
+    if (area == 1) { // each pixel covers a part of one
+        scaleNearest(r);
+        return;
+    }
+    const Mean16 shortMean(area);
+    if (columns.to == 1 && rows.to == 1 && averageBlocks(r, columns.from, rows.from, shortMean))
+        return;
+    bool done = false;
+    if (mostCovered(columns) <= 4 && mostCovered(rows) <= kMostRows) {
+        if (shortMean.exists() && columns.from < 128)
+            done = averageColumnsFirst<WeightedSum>(r, columns, rows, shortMean);
+        else if (area <= kMostOfMean32 && columns.from <= kMostOfSplitSum && rows.from <= INT16_MAX)
+            done = averageColumnsFirst<SplitSum>(r, columns, rows, Mean32(area));
+    }
+    if (!done && !averageRowsFirst(r, columns, rows))
+        averageAreas(r);
 }
 
 } // namespace
@@ -722,6 +1157,9 @@ void irvkScaleDownMNCoreV(const uint8_t* src, uint32_t srcWidth, uint32_t rows, 
     const size_t widest = (size_t{srcWidth} / dstWidth + 1) * pixelSize;
     if (widest > kChunk || uint64_t{rows} * 255 * widest > UINT32_MAX)
         irvkScaleDownMNCoreC(src, srcWidth, rows, srcStride, pixelSize, dst, dstWidth);
+    else if ((pixelSize == 1 ? averageRowOfBlocks<uint16_t> : averageRowOfBlocks<uint32_t>)(src, axis, rows, srcStride,
+                                                                                            dst))
+        return;
     else if (rows > 257)
         (pixelSize == 1 ? meansOfColumns<uint32_t, 1> : meansOfColumns<uint32_t, 2>)(src, axis, rows, srcStride, dst);
     else

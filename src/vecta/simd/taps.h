@@ -39,7 +39,7 @@ struct TapsOfStep
 // but not 128. Between two such rows, between() is of either sign.
 struct Interpolation
 {
-    static constexpr size_t pairs = 1;
+    static constexpr size_t pairs = 1, values = 1;
 
 #if defined(__x86_64__)
     RVK_INLINE static void setWeights(TapsOfStep& taps, size_t column, int32_t, int32_t weight)
@@ -105,7 +105,7 @@ RVK_INLINE Vecs<int16_t, 2> widenPairs(Vec<uint8_t> pairs)
 // make more than that.
 struct CubicInterpolation
 {
-    static constexpr size_t pairs = 2;
+    static constexpr size_t pairs = 2, values = 1;
 
 #if defined(__x86_64__)
     RVK_INLINE static void setWeights(TapsOfStep& taps, size_t column, int32_t weight0, int32_t weight1)
@@ -141,7 +141,7 @@ template <size_t count>
 struct WeightedSum
 {
     static_assert(count == 1 || count == 2);
-    static constexpr size_t pairs = count;
+    static constexpr size_t pairs = count, values = 1;
 
 #if defined(__x86_64__)
     RVK_INLINE static void setWeights(TapsOfStep& taps, size_t column, int32_t weight0, int32_t weight1)
@@ -171,6 +171,81 @@ struct WeightedSum
             return sumOfPair(pixels[0], taps[0]) + sumOfPair(pixels[1], taps[1]);
     }
 };
+
+// The same for weights of a larger sum: 64 * the first value + the second one.
+constexpr uint32_t kMostOfSplitSum = 8000;
+template <size_t count>
+struct SplitSum
+{
+    static_assert(count == 1 || count == 2);
+    static constexpr size_t pairs = count, values = 2;
+
+#if defined(__x86_64__)
+    RVK_INLINE static void setWeights(TapsOfStep& taps, size_t column, int32_t weight0, int32_t weight1)
+    {
+        setSplitWeights(taps, column, weight0, weight1);
+    }
+    RVK_INLINE static Vecs<int16_t, 2> sum(const Vecs<uint8_t, count>& pixels, const TapsOfStep* taps)
+    {
+        Vec<int16_t> coarse = dotPairs(pixels[0], load(taps[0].coarse)), fine = dotPairs(pixels[0], load(taps[0].fine));
+        if constexpr (count == 2) {
+            coarse = coarse + dotPairs(pixels[1], load(taps[1].coarse));
+            fine = fine + dotPairs(pixels[1], load(taps[1].fine));
+        }
+        return {coarse, fine};
+    }
+#else
+    RVK_INLINE static void setWeights(TapsOfStep& taps, size_t column, int32_t weight0, int32_t weight1)
+    {
+        setPlainWeights(taps, column, weight0, weight1);
+    }
+    RVK_INLINE static Vecs<int16_t, 2> sum(const Vecs<uint8_t, count>& pixels, const TapsOfStep* taps)
+    {
+        const auto weightsOf = [](const TapsOfStep& pair) RVK_INLINE_LAMBDA {
+            return Vecs<int16_t, 2>{load(pair.weights[0]), load(pair.weights[1])};
+        };
+        Vecs<int32_t, 2> all = dotInLanes(widenPairs(pixels[0]), weightsOf(taps[0]));
+        if constexpr (count == 2)
+            all = addDotInLanes(all, widenPairs(pixels[1]), weightsOf(taps[1]));
+        const auto coarse = both(all, [](auto v) RVK_INLINE_LAMBDA { return shiftRight(v, 6); });
+        return {narrowInLanes(coarse), narrowInLanes(all) & splat<int16_t>(63)};
+    }
+#endif
+};
+
+// (columns + 2^(shift - 1)) / 2^shift, below 256, of two or four vectors of bytes by turns.
+template <unsigned shift>
+RVK_INLINE void storeColumns(uint8_t* p, const Vecs<uint16_t, 2>& first, const Vecs<uint16_t, 2>& second)
+{
+#if defined(__x86_64__)
+    const auto pairs = [](Vec<uint16_t> a, Vec<uint16_t> b) RVK_INLINE_LAMBDA {
+        const Vec<uint16_t> half = splat<uint16_t>(1 << (shift - 1));
+        return bitCast<uint8_t>(shiftRight(a + half, shift) | shiftLeft(shiftRight(b + half, shift), 8));
+    };
+    store(p, both(first, second, pairs));
+#else
+    store2(p, Vecs<uint8_t, 2>{narrowRounded<uint8_t, shift>(first), narrowRounded<uint8_t, shift>(second)});
+#endif
+}
+
+template <unsigned shift>
+RVK_INLINE void storeColumns(uint8_t* p, const Vecs<uint16_t, 2>& first, const Vecs<uint16_t, 2>& second,
+                             const Vecs<uint16_t, 2>& third, const Vecs<uint16_t, 2>& fourth)
+{
+#if defined(__x86_64__)
+    const auto pairs = [](Vec<uint16_t> a, Vec<uint16_t> b) RVK_INLINE_LAMBDA {
+        const Vec<uint16_t> half = splat<uint16_t>(1 << (shift - 1));
+        return shiftRight(a + half, shift) | shiftLeft(shiftRight(b + half, shift), 8);
+    };
+    unrolled<2>([&](auto i) RVK_INLINE_LAMBDA {
+        store2(reinterpret_cast<uint16_t*>(p) + i * 2 * kColumns,
+               Vecs<uint16_t, 2>{pairs(first[i], second[i]), pairs(third[i], fourth[i])});
+    });
+#else
+    store4(p, Vecs<uint8_t, 4>{narrowRounded<uint8_t, shift>(first), narrowRounded<uint8_t, shift>(second),
+                               narrowRounded<uint8_t, shift>(third), narrowRounded<uint8_t, shift>(fourth)});
+#endif
+}
 
 } // namespace
 } // namespace rvk::vecta::RVK_ISA
