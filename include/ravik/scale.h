@@ -40,9 +40,8 @@ RVK_API void rvkScaleDown3To2u8(const uint8_t* src, uint32_t srcWidth, uint32_t 
 /* Half of the width and height: srcWidth / 2 x srcHeight / 2 pixels; an odd last column or row of the source counts in its
  * neighbours' windows only. Pixel (x, y) is the binomial mean of the window around the source's pixel (2x, 2y): weights 1 2
  * 1 or 1 4 6 4 1 in each direction (Burt and Adelson, "The Laplacian Pyramid as a Compact Image Code", 1983). Of windows
- * that reach beyond the picture, the pixels that exist make the mean: it is floor(1/2 + S * r) for their weighted sum S and
- * the single-precision reciprocal r of their weights' sum; so it rounds halves upward, but for a few sums of weights whose
- * reciprocal is rounded down. From 2x2 pixels. */
+ * that reach beyond the picture, the pixels that exist make the mean: floor(1/2 + S * r) for their weighted sum S and the
+ * single-precision reciprocal r of their weights' sum, which rounds halves upward. From 2x2 pixels. */
 RVK_API rvkStatus rvkScaleDownBy2Gaussian3x3u8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight,
                                                uint32_t srcStride, uint8_t* dst, uint32_t dstStride);
 RVK_API void rvkScaleDownBy2Gaussian5x5u8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint8_t* dst);

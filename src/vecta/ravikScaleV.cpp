@@ -114,20 +114,20 @@ RVK_INLINE void repeat(uint32_t width, uint32_t height, Plane<const uint8_t> src
 
 // ---- weighted means -------------------------------------------------------------------------------------------------
 
-// floor(1/2 + sum * reciprocal) for a single-precision reciprocal, in integers. The reciprocal's error moves no mean but
-// those that lie half way between two, which an even sum of weights has: they go up or down as the reciprocal was rounded.
+// floor(1/2 + sum * reciprocal) for the single-precision reciprocal of the weights, in integers: the mean, rounded half up.
+// The reciprocal's error is too small to matter but where the mean lies half way and the reciprocal was rounded down. Of
+// even weights only 100 and 110 have such ones, and their windows, of two columns or rows, have even sums, 100's multiples
+// of 4, which are no odd multiples of 55 and 50.
+//
 // So the mean is (sum + half) / weights, and a multiplication divides where excess * (sum + half) < 2^(16 + shift) for the
 // excess = multiplier * weights - 2^(16 + shift) (Granlund and Montgomery, "Division by Invariant Integers using
 // Multiplication", 1994).
 struct Mean
 {
-    uint32_t half, multiplier, shift;
+    uint32_t half, multiplier, shift = 0;
 
-    constexpr explicit Mean(uint32_t weights)
+    constexpr explicit Mean(uint32_t weights) : half(weights / 2)
     {
-        const double reciprocal = 1.0f / static_cast<float>(weights);
-        half = weights / 2 - (weights % 2 == 0 && reciprocal * weights < 1);
-        shift = 0;
         while ((weights - 1) >> (shift + 1))
             ++shift;
         multiplier = ((uint32_t{1} << (16 + shift)) + weights - 1) / weights;
