@@ -357,7 +357,7 @@ std::vector<std::pair<size_t, double>> FunctionTest::wrongNumbers(const std::vec
             std::vector<double> changed = numbers;
             changed[argument] = number;
             const bool isSize = arguments[argument].role != Role::scalar;
-            const bool leavesImages = !isSize || (number > 0 && number < UINT32_MAX && hasImages(changed));
+            const bool leavesImages = hasImages(changed) && (!isSize || (number > 0 && number < UINT32_MAX));
             if ((any || leavesImages) && refuses(changed))
                 wrong.push_back({argument, number});
         }

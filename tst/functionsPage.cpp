@@ -91,7 +91,8 @@ std::string types(const FunctionTest& test)
 
 bool takesWindow(const FunctionTest& test)
 {
-    return has(test, [](const Argument& a) { return a.isWindowWidth || a.isWindowHeight; });
+    return test.contract.atBorder != Border::none &&
+           has(test, [](const Argument& a) { return a.isWindowWidth || a.isWindowHeight; });
 }
 
 std::string border(const FunctionTest& test)
