@@ -175,28 +175,57 @@ RVK_INLINE void integrateBoth(size_t width, size_t height, Plane<const uint8_t> 
     }
 }
 
-RVK_INLINE void integratePatchInline(size_t width, size_t height, Plane<const uint8_t> src, Plane<uint32_t> sums,
-                                     Plane<uint32_t> squares)
+// Patches that a few vectors hold, `strips` of them: what stands above stays in registers.
+template <size_t strips, class UpToEach>
+RVK_INLINE void integrateNarrow(size_t width, size_t height, Plane<const uint8_t> src, Plane<uint32_t> dst,
+                                UpToEach upToEach)
 {
-    integrateRowsExclusive(width, height, sums, [=](size_t y, const uint32_t* above, uint32_t* row) RVK_INLINE_LAMBDA {
-        sumsOfRow(src.row(y), width, above, row);
+    Vecs<uint32_t, 4> sums[strips] = {};
+    integrateRowsExclusive(width, height, dst, [&](size_t y, const uint32_t*, uint32_t* row) RVK_INLINE_LAMBDA {
+        Vec<uint32_t> before = zero<uint32_t>();
+        unrolled<strips>([&](auto strip) RVK_INLINE_LAMBDA {
+            const size_t x = strip * kBytes, n = least(width - x, kBytes);
+            const Vecs<uint32_t, 4> ofRow = upToEach(loadFirst(src.row(y) + x, n));
+            Vecs<uint32_t, 4> all;
+            unrolled<4>([&](auto i) RVK_INLINE_LAMBDA {
+                sums[strip][i] = sums[strip][i] + ofRow[i];
+                all[i] = sums[strip][i] + before;
+            });
+            storeFirst(row + x, static_cast<const uint32_t*>(nullptr), all, n);
+            before = splatLast(all[3]);
+        });
     });
-    integrateRowsExclusive(width, height, squares,
-                           [=](size_t y, const uint32_t* above, uint32_t* row)
-                               RVK_INLINE_LAMBDA { squaresOfRow<Carry>(src.row(y), width, above, row); });
 }
 
-RVK_NOINLINE void integratePatch(size_t width, size_t height, Plane<const uint8_t> src, Plane<uint32_t> sums,
-                                 Plane<uint32_t> squares)
+template <size_t strips>
+RVK_INLINE void integrateNarrowPatch(size_t width, size_t height, Plane<const uint8_t> src, Plane<uint32_t> sums,
+                                     Plane<uint32_t> squares)
 {
-    integratePatchInline(width, height, src, sums, squares);
+    integrateNarrow<strips>(width, height, src, sums, [](Vec<uint8_t> v) RVK_INLINE_LAMBDA { return sumsUpToEach(v); });
+    integrateNarrow<strips>(width, height, src, squares,
+                            [](Vec<uint8_t> v) RVK_INLINE_LAMBDA { return squaresUpToEach(v); });
 }
 
 template <uint32_t size>
 RVK_INLINE void integrateSquarePatch(Plane<const uint8_t> src, uint32_t* sums, uint32_t* squares)
 {
     constexpr uint32_t packed = (size + 1) * sizeof(uint32_t);
-    integratePatchInline(size, size, src, {sums, packed}, {squares, packed});
+    integrateNarrowPatch<(size + kBytes - 1) / kBytes>(size, size, src, {sums, packed}, {squares, packed});
+}
+
+RVK_NOINLINE void integratePatch(size_t width, size_t height, Plane<const uint8_t> src, Plane<uint32_t> sums,
+                                 Plane<uint32_t> squares)
+{
+    if (width <= kBytes) {
+        integrateNarrowPatch<1>(width, height, src, sums, squares);
+        return;
+    }
+    integrateRowsExclusive(width, height, sums, [=](size_t y, const uint32_t* above, uint32_t* row) RVK_INLINE_LAMBDA {
+        sumsOfRow(src.row(y), width, above, row);
+    });
+    integrateRowsExclusive(width, height, squares,
+                           [=](size_t y, const uint32_t* above, uint32_t* row)
+                               RVK_INLINE_LAMBDA { squaresOfRow<Carry>(src.row(y), width, above, row); });
 }
 
 // ---- pairs ----------------------------------------------------------------------------------------------------------

@@ -11,27 +11,40 @@ namespace {
 
 // Counts in several tables: an addition to a counter would wait for the one before it, were they of the same value. Two
 // pixels are counted abreast for the same reason.
-constexpr size_t kTables = 4;
-
-RVK_INLINE void count(const uint8_t* p, size_t n, uint32_t (&tables)[kTables][256])
+template <size_t tables>
+RVK_INLINE void count(const uint8_t* p, size_t n, uint32_t* const (&table)[tables])
 {
-    uint32_t* table[kTables];
-    for (size_t k = 0; k < kTables; ++k) {
-        table[k] = tables[k];
-        __asm__("" : "+r"(table[k])); // a register each, or the place in the first table would be formed for each pixel
-    }
     constexpr size_t step = 16;
     size_t x = 0;
     for (; x + step <= n; x += step)
         unrolled<step / 2>([&](auto i) RVK_INLINE_LAMBDA {
-            uint32_t& first = table[2 * i % kTables][p[x + 2 * i]];
-            uint32_t& second = table[2 * i % kTables + 1][p[x + 2 * i + 1]];
+            uint32_t& first = table[2 * i % tables][p[x + 2 * i]];
+            uint32_t& second = table[2 * i % tables + 1][p[x + 2 * i + 1]];
             const uint32_t firstCount = first, secondCount = second;
             first = firstCount + 1;
             second = secondCount + 1;
         });
     for (; x < n; ++x)
         ++table[0][p[x]];
+}
+
+template <size_t tables>
+RVK_INLINE void countOneByOne(size_t width, size_t height, Plane<const uint8_t> src, uint32_t (&histogram)[256])
+{
+    uint32_t counts[tables][256] = {}; // in the caches, where the histogram may not be
+    uint32_t* table[tables];
+    for (size_t k = 0; k < tables; ++k) {
+        table[k] = counts[k];
+        __asm__("" : "+r"(table[k])); // a register each, or the place in the first table would be formed for each pixel
+    }
+    for (size_t y = 0; y < height; ++y)
+        count(src.row(y), width, table);
+    for (size_t i = 0; i < 256; ++i) {
+        uint32_t sum = counts[0][i];
+        for (size_t k = 1; k < tables; ++k)
+            sum += counts[k][i];
+        histogram[i] = sum;
+    }
 }
 
 // ---- in pairs ---------------------------------------------------------------------------------------------------
@@ -166,15 +179,8 @@ private:
 
 // From so many pixels on the pairs' counters are worth their clearing and summing.
 constexpr size_t kFewestForPairs = size_t{1} << 16;
-
-RVK_INLINE void countOneByOne(size_t width, size_t height, Plane<const uint8_t> src, uint32_t (&histogram)[256])
-{
-    uint32_t tables[kTables][256] = {};
-    for (size_t y = 0; y < height; ++y)
-        count(src.row(y), width, tables);
-    for (size_t i = 0; i < 256; ++i)
-        histogram[i] = tables[0][i] + tables[1][i] + tables[2][i] + tables[3][i];
-}
+// And from so many on more than two tables.
+constexpr size_t kFewestForTables = 2048;
 
 // False, with nothing done, when there is no memory for the counters.
 RVK_INLINE bool countInPairs(size_t width, size_t height, Plane<const uint8_t> src, uint32_t (&histogram)[256])
@@ -199,7 +205,8 @@ RVK_NOINLINE void countBytes(size_t width, size_t height, Plane<const uint8_t> s
 {
     const bool isLarge = width >= 2 && width * height >= kFewestForPairs;
     if (!isLarge || !countInPairs(width, height, src, histogram))
-        countOneByOne(width, height, src, histogram);
+        width* height < kFewestForTables ? countOneByOne<2>(width, height, src, histogram)
+                                         : countOneByOne<4>(width, height, src, histogram);
 }
 
 } // namespace
