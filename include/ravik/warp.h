@@ -39,39 +39,37 @@ RVK_EXTERN_C_BEGIN
 RVK_API void rvkWarpPerspectiveu8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
                                   uint8_t* dst, uint32_t dstWidth, uint32_t dstHeight, uint32_t dstStride,
                                   const float32_t* matrix);
-RVK_API rvkStatus rvkWarpPerspectiveu8_v2(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight,
-                                          uint32_t srcStride, uint8_t* dst, uint32_t dstWidth, uint32_t dstHeight,
-                                          uint32_t dstStride, const float32_t* matrix);
+RVK_API rvkStatus rvkWarpPerspectiveu8_v2(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
+                                          uint8_t* dst, uint32_t dstWidth, uint32_t dstHeight, uint32_t dstStride,
+                                          const float32_t* matrix);
 
 /* Bilinear, with a border rule. */
-RVK_API rvkStatus rvkWarpPerspectiveu8_v3(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight,
-                                          uint32_t srcStride, uint8_t* dst, uint32_t dstWidth, uint32_t dstHeight,
-                                          uint32_t dstStride, const float32_t* matrix, uint32_t borderType,
-                                          uint8_t borderValue);
+RVK_API rvkStatus rvkWarpPerspectiveu8_v3(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
+                                          uint8_t* dst, uint32_t dstWidth, uint32_t dstHeight, uint32_t dstStride,
+                                          const float32_t* matrix, uint32_t borderType, uint8_t borderValue);
 
 /* With a border rule, nearest or bilinear. */
-RVK_API rvkStatus rvkWarpPerspectiveu8_v4(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight,
-                                          uint32_t srcStride, uint8_t* dst, uint32_t dstWidth, uint32_t dstHeight,
-                                          uint32_t dstStride, const float32_t* matrix, uint32_t interpolation,
-                                          uint32_t borderType, uint8_t borderValue);
+RVK_API rvkStatus rvkWarpPerspectiveu8_v4(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
+                                          uint8_t* dst, uint32_t dstWidth, uint32_t dstHeight, uint32_t dstStride,
+                                          const float32_t* matrix, uint32_t interpolation, uint32_t borderType,
+                                          uint8_t borderValue);
 
 /* The same of interleaved pixels of three bytes. `borderValue` has one for each channel. */
-RVK_API void rvk3ChannelWarpPerspectiveu8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight,
-                                          uint32_t srcStride, uint8_t* dst, uint32_t dstWidth, uint32_t dstHeight,
-                                          uint32_t dstStride, const float32_t* matrix);
+RVK_API void rvk3ChannelWarpPerspectiveu8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
+                                          uint8_t* dst, uint32_t dstWidth, uint32_t dstHeight, uint32_t dstStride,
+                                          const float32_t* matrix);
 RVK_API rvkStatus rvk3ChannelWarpPerspectiveu8_v2(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight,
                                                   uint32_t srcStride, uint8_t* dst, uint32_t dstWidth,
                                                   uint32_t dstHeight, uint32_t dstStride, const float32_t* matrix,
                                                   uint32_t interpolation, uint32_t borderType,
                                                   const uint8_t* borderValue);
 
-/* The same of two planes of one size, at once. */
+/* The same of two planes of one size. */
 RVK_API rvkStatus rvk2PlaneWarpPerspectiveu8(const uint8_t* src1, uint32_t srcWidth, uint32_t srcHeight,
                                              uint32_t src1Stride, const uint8_t* src2, uint32_t src2Stride,
-                                             uint8_t* dst1, uint32_t dstWidth, uint32_t dstHeight,
-                                             uint32_t dst1Stride, uint8_t* dst2, uint32_t dst2Stride,
-                                             const float32_t* matrix, uint32_t interpolation, uint32_t borderType,
-                                             uint8_t borderValue);
+                                             uint8_t* dst1, uint32_t dstWidth, uint32_t dstHeight, uint32_t dst1Stride,
+                                             uint8_t* dst2, uint32_t dst2Stride, const float32_t* matrix,
+                                             uint32_t interpolation, uint32_t borderType, uint8_t borderValue);
 
 /* Remaps. The positions stand in two maps of the destination's size, whose rows are `mapStride` bytes apart. They may be
  * any floats. */

@@ -72,14 +72,6 @@ void remap(const SampledImage& src, uint32_t dstWidth, uint32_t dstHeight, Plane
     });
 }
 
-// Both pictures at the same positions.
-void warpTwo(const SampledImage& src1, const SampledImage& src2, uint32_t dstWidth, uint32_t dstHeight,
-             Plane<uint8_t> dst1, Plane<uint8_t> dst2, const float32_t* matrix)
-{
-    warpPerspective<1>(src1, dstWidth, dstHeight, dst1, matrix);
-    warpPerspective<1>(src2, dstWidth, dstHeight, dst2, matrix);
-}
-
 } // namespace
 } // namespace rvk
 

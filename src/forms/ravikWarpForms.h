@@ -1,4 +1,4 @@
-// Perspective warps and remaps by three drivers of either room: warpPerspective<channels>, warpTwo and remap<channels>.
+// Perspective warps and remaps by two drivers of either room: warpPerspective<channels> and remap<channels>.
 #pragma once
 
 #include "forms/form.h"
@@ -73,10 +73,11 @@ rvkStatus RVK_FORM(rvk2PlaneWarpPerspectiveu8)(const uint8_t* src1, uint32_t src
                                                const float32_t* matrix, uint32_t interpolation, uint32_t borderType,
                                                uint8_t borderValue)
 {
-    warpTwo({src1, srcWidth, srcHeight, src1Stride, interpolation, borderType, {borderValue}},
-            {src2, srcWidth, srcHeight, src2Stride, interpolation, borderType, {borderValue}}, dstWidth, dstHeight,
-            {dst1, dst1Stride}, {dst2, dst2Stride}, matrix);
-    return RAVIK_SUCCESS;
+    RVK_FORM(rvkWarpPerspectiveu8_v4)
+    (src1, srcWidth, srcHeight, src1Stride, dst1, dstWidth, dstHeight, dst1Stride, matrix, interpolation, borderType,
+     borderValue);
+    return RVK_FORM(rvkWarpPerspectiveu8_v4)(src2, srcWidth, srcHeight, src2Stride, dst2, dstWidth, dstHeight,
+                                             dst2Stride, matrix, interpolation, borderType, borderValue);
 }
 
 void RVK_FORM(rvkRemapu8)(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride, uint8_t* dst,

@@ -7,7 +7,7 @@ namespace rvk::vecta::RVK_ISA {
 namespace {
 
 // The positions of the pixels of a row, by the operations of the reference.
-using WarpedPositions = Positions<float, kPositionBits>;
+using WarpedPositions = Positions<kPositionBits>;
 class PerspectiveRow
 {
 public:
@@ -46,32 +46,6 @@ RVK_NOINLINE void warpPerspectiveBy(const SampledImage& src, uint32_t dstWidth, 
     });
 }
 
-template <uint32_t interpolation>
-RVK_NOINLINE void warpTwoBy(const SampledImage& src1, const SampledImage& src2, uint32_t dstWidth, uint32_t dstHeight,
-                            Plane<uint8_t> dst1, Plane<uint8_t> dst2, const Homography& h)
-{
-    using Sampler = StepSampler<1, interpolation, float, kPositionBits>;
-    const Sampler first(src1), second(src2);
-    const auto rows = [&](size_t y) RVK_INLINE_LAMBDA { return PerspectiveRow(h, static_cast<float>(y)); };
-    if (dstWidth < kSampleStep)
-        for (size_t y = 0; y < dstHeight; ++y) {
-            first.sampleAny(rows(y)(0, dstWidth), dst1.row(y), dstWidth);
-            second.sampleAny(rows(y)(0, dstWidth), dst2.row(y), dstWidth);
-        }
-    else
-        forSteps(
-            dstWidth, dstHeight, rows,
-            [&](const auto& p) RVK_INLINE_LAMBDA { return first.areInside(p) && second.areInside(p); },
-            [&](const auto& p, size_t x, size_t y) RVK_INLINE_LAMBDA {
-                first.sampleInside(p, dst1.row(y) + x);
-                second.sampleInside(p, dst2.row(y) + x);
-            },
-            [&](const auto& p, size_t x, size_t y) RVK_INLINE_LAMBDA {
-                first.sampleAny(p, dst1.row(y) + x);
-                second.sampleAny(p, dst2.row(y) + x);
-            });
-}
-
 template <size_t channels>
 RVK_INLINE void warpPerspective(const SampledImage& src, uint32_t dstWidth, uint32_t dstHeight, Plane<uint8_t> dst,
                                 const float32_t* matrix)
@@ -83,17 +57,6 @@ RVK_INLINE void warpPerspective(const SampledImage& src, uint32_t dstWidth, uint
         warpPerspectiveBy<channels, RAVIK_INTERPOLATION_BILINEAR>(src, dstWidth, dstHeight, dst, h);
 }
 
-// Both pictures at the same positions.
-RVK_INLINE void warpTwo(const SampledImage& src1, const SampledImage& src2, uint32_t dstWidth, uint32_t dstHeight,
-                        Plane<uint8_t> dst1, Plane<uint8_t> dst2, const float32_t* matrix)
-{
-    const Homography h = scaledHomography(matrix);
-    if (src1.interpolation == RAVIK_INTERPOLATION_NEAREST)
-        warpTwoBy<RAVIK_INTERPOLATION_NEAREST>(src1, src2, dstWidth, dstHeight, dst1, dst2, h);
-    else
-        warpTwoBy<RAVIK_INTERPOLATION_BILINEAR>(src1, src2, dstWidth, dstHeight, dst1, dst2, h);
-}
-
 template <size_t channels, uint32_t interpolation>
 RVK_NOINLINE void remapBy(const SampledImage& src, uint32_t dstWidth, uint32_t dstHeight, Plane<uint8_t> dst,
                           Plane<const float32_t> mapX, Plane<const float32_t> mapY)
@@ -102,7 +65,7 @@ RVK_NOINLINE void remapBy(const SampledImage& src, uint32_t dstWidth, uint32_t d
         const float* const xs = mapX.row(y);
         const float* const ys = mapY.row(y);
         return [=](size_t x, size_t n) RVK_INLINE_LAMBDA {
-            return Positions<float, 0>{loadCoordinates(xs + x, n), loadCoordinates(ys + x, n)};
+            return Positions<0>{loadCoordinates(xs + x, n), loadCoordinates(ys + x, n)};
         };
     });
 }

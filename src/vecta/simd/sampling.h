@@ -8,15 +8,18 @@
 namespace rvk::vecta::RVK_ISA {
 namespace {
 
-// The pixels of a step, and where they come from: coordinates in units of which a pixel has 2^unitBits, any floats or any
-// fixed point numbers.
+// Where the pixels of a step come from: coordinates in units of which a pixel has 2^unitBits, which may be any floats, and
+// those that are fixed point numbers.
 constexpr size_t kSampleStep = Vec<uint16_t>::lanes;
-template <class T, unsigned unitBits>
+template <unsigned unitBits>
 struct Positions
 {
-    Vecs<T, 2> x, y; // in the order of loadSplit
+    Vecs<float, 2> x, y; // in the order of loadSplit
 };
-using FixedPositions = Positions<int32_t, kPositionBits>;
+struct FixedPositions
+{
+    Vecs<int32_t, 2> x, y;
+};
 
 // between / 2^15 of the way from one number to the other, rounded half up.
 RVK_INLINE Vec<int16_t> interpolate(Vec<int16_t> from, Vec<int16_t> to, Vec<int16_t> between)
@@ -110,12 +113,19 @@ RVK_INLINE Vec<uint16_t> choose(Vec<uint16_t> mask, Vec<uint16_t> a, Vec<uint16_
 }
 
 // The first n pixels, wherever they come from: loads one by one, and the border rule.
-template <size_t channels>
-RVK_NOINLINE void sampleAnywhere(const SampledImage& image, const FixedPositions& positions, uint8_t* dst, size_t n)
+RVK_NOINLINE void sampleAnywhere(const SampledImage& image, size_t channels, const FixedPositions& positions,
+                                 uint8_t* dst, size_t n)
 {
     const bool isNearest = image.interpolation == RAVIK_INTERPOLATION_NEAREST;
     const Neighbours x(positions.x, image.width, isNearest), y(positions.y, image.height, isNearest);
-    uint8_t bytes[channels][kSampleStep], written[kSampleStep];
+    const Vec<uint16_t> some = (x.exist[0] | x.exist[1]) & (y.exist[0] | y.exist[1]);
+    if (image.borderType != RAVIK_BORDER_REPLICATE && !any(greater(some, zero<uint16_t>()))) {
+        for (size_t i = 0; i < channels * n && image.borderType == RAVIK_BORDER_CONSTANT; ++i)
+            dst[i] = image.borderValue[i % channels];
+        return;
+    }
+
+    uint8_t bytes[4][kSampleStep], written[kSampleStep];
     for (size_t channel = 0; channel < channels; ++channel) {
         const auto at = [&](size_t column, size_t row) RVK_INLINE_LAMBDA {
             uint16_t pixels[kSampleStep];
@@ -155,12 +165,6 @@ RVK_INLINE Vec<int32_t> toPosition(Vec<float> coordinate)
     else
         return toFixed<kPositionBits - unitBits>(coordinate);
 }
-template <unsigned unitBits>
-RVK_INLINE Vec<int32_t> toPosition(Vec<int32_t> coordinate)
-{
-    return shiftRight(coordinate, unitBits - kPositionBits);
-}
-
 // The fixed point numbers as cpu/sampling.h makes them of any coordinates.
 template <unsigned unitBits>
 RVK_INLINE Vecs<int32_t, 2> fixedAnywhere(const Vecs<float, 2>& coordinate, uint32_t size)
@@ -170,29 +174,19 @@ RVK_INLINE Vecs<int32_t, 2> fixedAnywhere(const Vecs<float, 2>& coordinate, uint
     return both(coordinate,
                 [=](Vec<float> v) RVK_INLINE_LAMBDA { return toPosition<unitBits>(min(end, max(begin, v))); });
 }
-template <unsigned unitBits>
-RVK_INLINE Vecs<int32_t, 2> fixedAnywhere(const Vecs<int32_t, 2>& coordinate, uint32_t)
-{
-    return both(coordinate, [](auto v) RVK_INLINE_LAMBDA { return toPosition<unitBits>(v); });
-}
-
 // The same of coordinates inside the picture.
-template <unsigned unitBits, class T>
-RVK_INLINE Vecs<uint32_t, 2> fixedInside(const Vecs<T, 2>& coordinate)
+template <unsigned unitBits>
+RVK_INLINE Vecs<uint32_t, 2> fixedInside(const Vecs<float, 2>& coordinate)
 {
     return bitCast<uint32_t>(both(coordinate, [](auto v) RVK_INLINE_LAMBDA { return toPosition<unitBits>(v); }));
 }
 
 // The bits of a coordinate that is not negative. As numbers they are in the order of the coordinates, and those of all
 // others, negative floats and what is not a number, are above them.
-template <class T, unsigned unitBits>
+template <unsigned unitBits>
 RVK_INLINE uint32_t bitsOfCoordinate(uint32_t fixed)
 {
-    T coordinate;
-    if constexpr (isSame<T, float>)
-        coordinate = static_cast<float>(fixed) / (1 << (kPositionBits - unitBits));
-    else
-        coordinate = static_cast<T>(fixed << (unitBits - kPositionBits));
+    const float coordinate = static_cast<float>(fixed) / (1 << (kPositionBits - unitBits));
     uint32_t bits;
     __builtin_memcpy(&bits, &coordinate, sizeof bits);
     return bits;
@@ -243,7 +237,7 @@ RVK_INLINE void storeTriples(uint8_t* p, Vec<uint32_t> words)
 }
 
 // Samples steps of positions.
-template <size_t channels, uint32_t interpolation, class T, unsigned unitBits>
+template <size_t channels, uint32_t interpolation, unsigned unitBits>
 class StepSampler
 {
 public:
@@ -257,7 +251,7 @@ public:
                                                                                                             << 31;
         const auto end = [=](uint32_t first) RVK_INLINE_LAMBDA { // of the coordinates of this pixel
             const uint32_t fixed = (first << kPositionBits) + (kIsNearest ? kPositionOne / 2 : kPositionOne);
-            return hasInterior ? bitsOfCoordinate<T, unitBits>(fixed) : 0;
+            return hasInterior ? bitsOfCoordinate<unitBits>(fixed) : 0;
         };
         m_hasShortRows = image.height < 32768 && image.stride < 32768;
         m_endX = end(image.width - reach);
@@ -265,14 +259,14 @@ public:
     }
 
     // All reads for these positions are inside the picture.
-    RVK_INLINE bool areInside(const Positions<T, unitBits>& p) const
+    RVK_INLINE bool areInside(const Positions<unitBits>& p) const
     {
         const Vecs<uint32_t, 2> x = bitCast<uint32_t>(p.x), y = bitCast<uint32_t>(p.y);
         return all(less(max(x[0], x[1]), splat(m_endX)) & less(max(y[0], y[1]), splat(m_endY)));
     }
 
     // A whole step of such positions.
-    RVK_INLINE void sampleInside(const Positions<T, unitBits>& p, uint8_t* dst) const
+    RVK_INLINE void sampleInside(const Positions<unitBits>& p, uint8_t* dst) const
     {
         const Vecs<uint32_t, 2> x = fixedInside<unitBits>(p.x), y = fixedInside<unitBits>(p.y);
         if constexpr (channels == 1)
@@ -282,11 +276,11 @@ public:
     }
 
     // The first n pixels of any positions.
-    RVK_INLINE void sampleAny(const Positions<T, unitBits>& p, uint8_t* dst, size_t n = kSampleStep) const
+    RVK_INLINE void sampleAny(const Positions<unitBits>& p, uint8_t* dst, size_t n = kSampleStep) const
     {
         const FixedPositions fixed = {fixedAnywhere<unitBits>(p.x, m_image.width),
                                       fixedAnywhere<unitBits>(p.y, m_image.height)};
-        sampleAnywhere<channels>(m_image, fixed, dst, n);
+        sampleAnywhere(m_image, channels, fixed, dst, n);
     }
 
 private:
@@ -407,11 +401,11 @@ RVK_INLINE void forSteps(size_t width, size_t height, Rows rows, AreInside areIn
 }
 
 // Of these positions.
-template <size_t channels, uint32_t interpolation, class T, unsigned unitBits>
-RVK_INLINE StepSampler<channels, interpolation, T, unitBits> samplerOf(const SampledImage& image,
-                                                                       const Positions<T, unitBits>&)
+template <size_t channels, uint32_t interpolation, unsigned unitBits>
+RVK_INLINE StepSampler<channels, interpolation, unitBits> samplerOf(const SampledImage& image,
+                                                                    const Positions<unitBits>&)
 {
-    return StepSampler<channels, interpolation, T, unitBits>(image);
+    return StepSampler<channels, interpolation, unitBits>(image);
 }
 
 // Fills a picture with samples of another. rows(y) gives what gives the positions of row y: row(x, n), those of n pixels
