@@ -108,7 +108,7 @@ constexpr Size kSizes[][2] = {
     {{1, 1}, {1, 1}},     {{1, 1}, {5, 3}},     {{2, 3}, {67, 9}},    {{37, 5}, {37, 5}},   {{64, 3}, {48, 2}},
     {{130, 9}, {87, 6}},  {{133, 8}, {66, 4}},  {{131, 7}, {62, 3}},  {{97, 7}, {31, 2}},   {{258, 12}, {64, 3}},
     {{61, 11}, {122, 9}}, {{40, 5}, {160, 20}}, {{85, 4}, {127, 6}},  {{300, 40}, {9, 1}},  {{5, 33}, {2, 16}},
-    {{17, 9}, {255, 10}}, {{200, 3}, {199, 3}}, {{70, 70}, {69, 68}}, {{513, 2}, {384, 1}}, {{30, 4}, {29, 90}},
+    {{17, 9}, {255, 10}}, {{200, 3}, {199, 3}}, {{70, 20}, {69, 18}}, {{513, 2}, {384, 1}}, {{30, 4}, {29, 90}},
 };
 
 enum class Direction { down, up, any };
@@ -133,13 +133,17 @@ void expectScaled(Direction direction, uint32_t channels, double tolerance, cons
         GuardedMemory src(image.bytes.size(), GuardedMemory::Flush::toEnd);
         std::copy(image.bytes.begin(), image.bytes.end(), src.data());
         const uint32_t rowBytes = to.width * channels, stride = rowBytes + gap;
+        std::vector<double> values;
+        for (uint32_t y = 0; y < to.height; ++y)
+            for (uint32_t x = 0; x < rowBytes; ++x)
+                values.push_back(expected(image, to, x / channels, y, x % channels));
         forEachImplementation<slot>([&, size = to](const char* name, auto function) {
             std::vector<uint8_t> dst(size_t{stride} * size.height, 0xA5);
             function(src.data(), image.size.width, image.size.height, image.size.width * channels, dst.data(),
                      size.width, size.height, stride, parameters...);
             for (uint32_t y = 0; y < size.height; ++y) {
                 for (uint32_t x = 0; x < rowBytes; ++x)
-                    ASSERT_NEAR(dst[y * stride + x], expected(image, size, x / channels, y, x % channels), tolerance)
+                    ASSERT_NEAR(dst[y * stride + x], values[y * rowBytes + x], tolerance)
                         << nameOf(slot) << " on " << name << ", " << image.size.width << "x" << image.size.height
                         << " to " << size.width << "x" << size.height << ", " << x << ", " << y;
                 for (uint32_t x = rowBytes; x < stride; ++x)
