@@ -895,6 +895,24 @@ struct Mean32
 };
 constexpr uint64_t kMostOfMean32 = (1 << 23) - 1;
 
+// The same of small divisors. What comes before the last rounding is off by less than 2^-14, and n + 1/2, which has the
+// quotient of n, is at least that far from a multiple of the divisor.
+struct MeanOfFloats
+{
+    float reciprocal, half;
+
+    RVK_INLINE explicit MeanOfFloats(uint64_t divisor)
+        : reciprocal(1 / static_cast<float>(divisor)),
+          half((static_cast<float>(divisor / 2) + 0.5f) / static_cast<float>(divisor))
+    {
+    }
+    RVK_INLINE Vec<int32_t> operator()(Vec<int32_t> sum) const
+    {
+        return truncateToInt(multiplyAdd(toFloat(sum), splat(reciprocal), splat(half)));
+    }
+};
+constexpr uint64_t kMostOfMeanOfFloats = 1 << 13;
+
 // The pixels that one of the destination covers, along an axis, the first of which has number 0, and their weights.
 class Covered
 {
@@ -938,8 +956,8 @@ RVK_INLINE Vec<uint8_t> averageOf(const WeighedRows& rows, size_t x, const Mean1
 }
 
 // Each row has the coarse parts of the sums of a step and then the fine ones.
-template <size_t pairs>
-RVK_INLINE Vec<uint8_t> averageOf(const WeighedRows& rows, size_t x, const Mean32& mean)
+template <size_t pairs, class MeanOf32Bits>
+RVK_INLINE Vec<uint8_t> averageOf(const WeighedRows& rows, size_t x, const MeanOf32Bits& mean)
 {
     const auto sumAt = [&](size_t offset) RVK_INLINE_LAMBDA {
         Vecs<int32_t, 2> sums = {};
@@ -1141,7 +1159,11 @@ void scaleArea(const Resizing& r)
     if (mostCovered(columns) <= 4 && mostCovered(rows) <= kMostRows) {
         if (shortMean.exists() && columns.from < 128)
             done = averageColumnsFirst<WeightedSum>(r, columns, rows, shortMean);
-        else if (area <= kMostOfMean32 && columns.from <= kMostOfSplitSum && rows.from <= INT16_MAX)
+        else if (columns.from > kMostOfSplitSum || rows.from > INT16_MAX)
+            done = false;
+        else if (area <= kMostOfMeanOfFloats)
+            done = averageColumnsFirst<SplitSum>(r, columns, rows, MeanOfFloats(area));
+        else if (area <= kMostOfMean32)
             done = averageColumnsFirst<SplitSum>(r, columns, rows, Mean32(area));
     }
     if (!done && !averageRowsFirst(r, columns, rows))
