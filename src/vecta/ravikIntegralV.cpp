@@ -278,13 +278,6 @@ struct Foreground
     }
 };
 
-// Four bytes each wider.
-RVK_INLINE Vecs<uint32_t, 4> widenTwice(const Vecs<uint16_t, 2>& v)
-{
-    const Vecs<uint32_t, 2> low = widen(v[0]), high = widen(v[1]);
-    return {low[0], low[1], high[0], high[1]};
-}
-
 } // namespace
 
 void rvkFindForegroundIntegrateImageYCbCr420u32V(const uint8_t* srcY, const uint8_t* srcC, uint32_t srcWidth,
@@ -316,7 +309,7 @@ void rvkTiltedIntegralu8s32V(const uint8_t* src, uint32_t srcWidth, uint32_t src
     __builtin_memset(sums.row(0), 0, (right + 1) * sizeof(uint32_t));
     sums.row(1)[0] = 0;
     mapRow(
-        right, sums.row(1) + 1, [](Vec<uint8_t> v) RVK_INLINE_LAMBDA { return widenTwice(widen(v)); }, source.row(0));
+        right, sums.row(1) + 1, [](Vec<uint8_t> v) RVK_INLINE_LAMBDA { return widenBoth(widen(v)); }, source.row(0));
     for (size_t y = 2; y <= srcHeight; ++y) {
         const uint32_t *above = sums.row(y - 1), *twoAbove = sums.row(y - 2);
         const uint8_t *pixels = source.row(y - 1), *pixelsAbove = source.row(y - 2);
@@ -327,7 +320,7 @@ void rvkTiltedIntegralu8s32V(const uint8_t* src, uint32_t srcWidth, uint32_t src
             anyNumber(right - 1), row + 1,
             [](const Vecs<uint32_t, 4>& left, const Vecs<uint32_t, 4>& other, const Vecs<uint32_t, 4>& common,
                Vec<uint8_t> p, Vec<uint8_t> q) RVK_INLINE_LAMBDA {
-                Vecs<uint32_t, 4> sum = widenTwice(addWide(p, q));
+                Vecs<uint32_t, 4> sum = widenBoth(addWide(p, q));
                 unrolled<4>([&](auto i) RVK_INLINE_LAMBDA { sum[i] = left[i] + other[i] - common[i] + sum[i]; });
                 return sum;
             },

@@ -13,6 +13,12 @@ RVK_INLINE Vec<T> splatLast(Vec<T> v)
     return shuffle(v, v, [](size_t) { return Vec<T>::lanes - 1; });
 }
 
+RVK_INLINE Vecs<uint32_t, 4> widenBoth(const Vecs<uint16_t, 2>& v)
+{
+    const Vecs<uint32_t, 2> low = widen(v[0]), high = widen(v[1]);
+    return {low[0], low[1], high[0], high[1]};
+}
+
 // The sums of neighbours.
 RVK_INLINE Vec<uint16_t> addPairs(Vec<uint8_t> v)
 {
@@ -77,9 +83,7 @@ RVK_INLINE Vecs<uint32_t, 4> sumsUpToEach(Vec<uint8_t> v)
 
 RVK_INLINE Vecs<uint32_t, 4> sumsUpToEach(Vec<uint8_t> v)
 {
-    const Vecs<uint16_t, 2> sums = runningSumsWide(v); // of a vector they fit
-    const Vecs<uint32_t, 2> low = widen(sums[0]), high = widen(sums[1]);
-    return {low[0], low[1], high[0], high[1]};
+    return widenBoth(runningSumsWide(v)); // sums within a vector fit 16 bits
 }
 
 #endif
