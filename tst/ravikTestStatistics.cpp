@@ -13,13 +13,12 @@ const FunctionGroup& imageIntensityFunctions()
     const Argument estimator = oneOf({RAVIK_VARIANCE_BIASED, RAVIK_VARIANCE_UNBIASED});
     const Argument twoOrWider = rectangleWidth.atLeast(2);
     // Cells are windows beside each other: the sizes of some, or as many as there are.
-    const Argument across = windowWidth({3, 1, 7}).refusing({0}), down = windowHeight({2, 1, 5}).refusing({0});
+    const Argument across = windowWidth({3, 2, 7}).refusing({0}), down = windowHeight({2, 3, 5}).refusing({0});
     const Argument cellWidth = windowWidth({32, 17}).refusing({0}), cellHeight = windowHeight({16, 9}).refusing({0});
-    const Argument histograms =
-        dst.measuring({[](const CaseSizes& s) {
-                           return ImageSize{uint64_t{256} * s.window.width * s.window.height, 1};
-                       },
-                       "per cell"});
+    const Argument histograms = dst.measuring({[](const CaseSizes& s) {
+                                                   return ImageSize{uint64_t{256} * s.window.width, s.window.height};
+                                               },
+                                               "per cell"});
     const Argument rowsOfHistograms = dst.measuring(
         {[](const CaseSizes& s) {
              const auto cells = [](uint64_t pixels, uint32_t ofCell) {
