@@ -239,6 +239,12 @@ RVK_INLINE void Columns<Sum>::sumSteps(const RowBatch& batch, Fetch fetch) const
     }
 }
 
+RVK_NOINLINE void pickEach(const uint8_t* row, const uint32_t* places, size_t columns, uint8_t* __restrict dst)
+{
+    for (size_t x = 0; x < columns; ++x)
+        dst[x] = row[places[x]];
+}
+
 // The pairs of a step, from windows n * kWindow wide.
 template <size_t n, size_t pairs>
 RVK_INLINE Vecs<uint8_t, pairs> fetchFromWindows(const uint8_t* row, const uint32_t* offsets, const TapsOfStep* taps)
@@ -275,8 +281,7 @@ RVK_NOINLINE void Columns<Sum>::sum(const RowBatch& given) const
     else
         sumSteps<rows>(batch, [=](const uint8_t* row, size_t step, const TapsOfStep*) RVK_INLINE_LAMBDA {
             uint8_t bytes[lanes];
-            for (size_t lane = 0; lane < lanes; ++lane)
-                bytes[lane] = row[places[step * lanes + lane]];
+            pickEach(row, places + step * lanes, lanes, bytes);
             return loadVecs<Sum::pairs>(bytes);
         });
 }
@@ -626,12 +631,6 @@ bool Places::makeTwoWindows()
     return hold;
 }
 
-RVK_NOINLINE void pickEach(const uint8_t* row, const uint32_t* places, size_t columns, uint8_t* __restrict dst)
-{
-    for (size_t x = 0; x < columns; ++x)
-        dst[x] = row[places[x]];
-}
-
 RVK_NOINLINE void Places::pick(const uint8_t* row, size_t columns, uint8_t* dst) const
 {
     const uint32_t *const offsets = m_offsets.get(), *const laterOffsets = m_laterOffsets.get();
@@ -745,15 +744,14 @@ struct Mean16
 // Bytes of a row whose columns are added at once.
 constexpr size_t kChunk = 2048;
 
-template <class T>
-RVK_INLINE void addRows(const uint8_t* src, size_t srcStride, size_t rows, size_t bytes, T* __restrict sums)
+RVK_NOINLINE void addRows(const uint8_t* src, size_t srcStride, size_t rows, size_t bytes, uint32_t* __restrict sums)
 {
     for (size_t i = 0; i < bytes; ++i)
         sums[i] = src[i];
     for (size_t y = 1; y < rows; ++y) {
         const uint8_t* __restrict row = src + y * srcStride;
         for (size_t i = 0; i < bytes; ++i)
-            sums[i] = static_cast<T>(sums[i] + row[i]);
+            sums[i] += row[i];
     }
 }
 
@@ -831,9 +829,9 @@ bool averageRowOfBlocks(const uint8_t* src, Axis axis, size_t rows, size_t srcSt
 
 // Means of `count` columns of the destination, each of `narrow` pixels or one more; the first begins at pixel `begin`.
 // Gives where the next one does.
-template <class T, size_t pixelSize, size_t fixedNarrow>
-RVK_INLINE size_t meansOfChunk(const T* sums, Quotients& nextColumn, size_t begin, size_t narrow,
-                               const Mean (&means)[2], size_t count, uint8_t* dst)
+template <size_t pixelSize, size_t fixedNarrow>
+RVK_NOINLINE size_t meansOfChunk(const uint32_t* sums, Quotients& nextColumn, size_t begin, size_t narrow,
+                                 const Mean (&means)[2], size_t count, uint8_t* dst)
 {
     if (fixedNarrow)
         narrow = fixedNarrow;
@@ -856,10 +854,10 @@ RVK_INLINE size_t meansOfChunk(const T* sums, Quotients& nextColumn, size_t begi
 }
 
 // As many columns at once as the chunk holds.
-template <class T, size_t pixelSize>
+template <size_t pixelSize>
 void meansOfColumns(const uint8_t* src, Axis axis, size_t rows, size_t srcStride, uint8_t* dst)
 {
-    T sums[kChunk];
+    uint32_t sums[kChunk];
     const size_t narrow = axis.from / axis.to;
     const Mean means[2] = {Mean(uint64_t{rows} * narrow), Mean(uint64_t{rows} * (narrow + 1))};
     Quotients next = firstWholePixels(axis);
@@ -869,10 +867,8 @@ void meansOfColumns(const uint8_t* src, Axis axis, size_t rows, size_t srcStride
         count = least(kChunk / ((narrow + 1) * pixelSize), axis.to - x);
         addRows(src + begin * pixelSize, srcStride, rows, least(count * (narrow + 1), axis.from - begin) * pixelSize,
                 sums);
-        uint8_t* const out = dst + x * pixelSize;
-        begin = narrow == 1   ? meansOfChunk<T, pixelSize, 1>(sums, next, begin, narrow, means, count, out)
-                : narrow == 2 ? meansOfChunk<T, pixelSize, 2>(sums, next, begin, narrow, means, count, out)
-                              : meansOfChunk<T, pixelSize, 0>(sums, next, begin, narrow, means, count, out);
+        const auto make = narrow == 1 ? meansOfChunk<pixelSize, 1> : meansOfChunk<pixelSize, 0>;
+        begin = make(sums, next, begin, narrow, means, count, dst + x * pixelSize);
     }
 }
 
@@ -1182,10 +1178,8 @@ void irvkScaleDownMNCoreV(const uint8_t* src, uint32_t srcWidth, uint32_t rows, 
     else if ((pixelSize == 1 ? averageRowOfBlocks<uint16_t> : averageRowOfBlocks<uint32_t>)(src, axis, rows, srcStride,
                                                                                             dst))
         return;
-    else if (rows > 257)
-        (pixelSize == 1 ? meansOfColumns<uint32_t, 1> : meansOfColumns<uint32_t, 2>)(src, axis, rows, srcStride, dst);
     else
-        (pixelSize == 1 ? meansOfColumns<uint16_t, 1> : meansOfColumns<uint16_t, 2>)(src, axis, rows, srcStride, dst);
+        (pixelSize == 1 ? meansOfColumns<1> : meansOfColumns<2>)(src, axis, rows, srcStride, dst);
 }
 
 } // namespace rvk::vecta::RVK_ISA
