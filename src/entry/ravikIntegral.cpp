@@ -131,6 +131,7 @@ void rvkIntegrateImageYCbCr420PseudoPlanaru8(const uint8_t* srcY, const uint8_t*
     const RVK_IMPL target = chooseTarget(Slot::rvkIntegrateImageYCbCr420PseudoPlanaru8);
     RVK_CHECK_ARGS(srcY && srcC && integralY && integralCb && integralCr && srcWidth && srcHeight && (srcYStride >= srcWidth) && (srcCStride >= srcWidth) && (integralYStride >= srcWidth*sizeof(uint32_t)) && (integralCbStride >= (srcWidth/2)*sizeof(uint32_t)) && (integralCrStride >= (srcWidth/2)*sizeof(uint32_t)));
     RVK_CHECK_ARGS(rowFits(srcWidth, sizeof(uint32_t)));
+    RVK_CHECK_ARGS(srcCStride >= rowSize(srcWidth / 2 + srcWidth % 2, 2));
     RVK_CHECK_ARGS(srcWidth > 1 && srcHeight > 1);
     RVK_CHECK_ARGS(integralY != integralCb && integralCb != integralCr && integralCr != integralY);
     implementation<Slot::rvkIntegrateImageYCbCr420PseudoPlanaru8>(target)(
