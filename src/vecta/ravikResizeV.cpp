@@ -4,6 +4,7 @@
 // scaled across by it once; rows of the destination are made of those, of which a ring is kept.
 #include "cpu/ravikResizeC.h"
 #include "scratch.h"
+#include "vecta/simd/blocks.h"
 #include "vecta/simd/rows.h"
 #include "vecta/simd/taps.h"
 #include "vecta/vecta.h"
@@ -31,33 +32,20 @@ void copyRows(const Resizing& r, size_t pixelSize)
         __builtin_memcpy(targetRow(r, y), sourceRow(r, y), r.srcWidth * pixelSize);
 }
 
-// Half the size: bilinear values and areas are both the rounded means of 2 x 2 pixels.
-bool isHalf(const Resizing& r)
+bool isReducedBy(const Resizing& r, uint32_t ratio)
 {
-    return r.srcWidth == 2 * uint64_t{r.dstWidth} && r.srcHeight == 2 * uint64_t{r.dstHeight};
+    return r.srcWidth == ratio * uint64_t{r.dstWidth} && r.srcHeight == ratio * uint64_t{r.dstHeight};
 }
 
+// To half the size both bilinear values and areas are the rounded means of 2 x 2 pixels.
 void halve(const Resizing& r)
 {
-    const size_t width = anyNumber(r.dstWidth);
-    for (size_t y = 0; y < r.dstHeight; ++y) {
-        const uint8_t *upper = sourceRow(r, 2 * y), *lower = sourceRow(r, 2 * y + 1);
-        uint8_t* dst = targetRow(r, y);
-        if (width < kBytes) {
-            for (size_t x = 0; x < width; ++x)
-                dst[x] =
-                    static_cast<uint8_t>((upper[2 * x] + upper[2 * x + 1] + lower[2 * x] + lower[2 * x + 1] + 2) >> 2);
-            continue;
-        }
-        for (size_t steps = width / kBytes; steps; --steps) {
-            store(dst, loadMeans<uint8_t>(upper, lower));
-            upper += 2 * kBytes;
-            lower += 2 * kBytes;
-            dst += kBytes;
-        }
-        if (const size_t before = (kBytes - width % kBytes) % kBytes)
-            store(dst - before, loadMeans<uint8_t>(upper - 2 * before, lower - 2 * before));
-    }
+    mapBlocks<MeanOf2x2<Rounding::halvesUp>, 2, 1>(r.dstWidth, r.dstHeight, {r.src, r.srcStride}, {r.dst, r.dstStride});
+}
+
+void quarter(const Resizing& r)
+{
+    mapBlocks<MeanOf4x4<Rounding::halvesUp>, 4, 1>(r.dstWidth, r.dstHeight, {r.src, r.srcStride}, {r.dst, r.dstStride});
 }
 
 // ---- where pixels lie -----------------------------------------------------------------------------------------------
@@ -476,7 +464,7 @@ void scaleBilinear(const Resizing& r, uint32_t borderType, uint8_t borderValue)
         copyRows(r, 1);
         return;
     }
-    if (isHalf(r)) {
+    if (isReducedBy(r, 2)) {
         halve(r);
         return;
     }
@@ -1138,8 +1126,12 @@ void scaleArea(const Resizing& r)
         copyRows(r, 1);
         return;
     }
-    if (isHalf(r)) {
+    if (isReducedBy(r, 2)) {
         halve(r);
+        return;
+    }
+    if (isReducedBy(r, 4)) {
+        quarter(r);
         return;
     }
     const Axis columns = reduced(columnsOf(r)), rows = reduced(rowsOf(r));

@@ -1,62 +1,12 @@
 // Vector implementations of the scalers by fixed ratios.
+#include "vecta/simd/blocks.h"
 #include "vecta/simd/scaling.h"
-#include "vecta/simd/steps.h"
 #include "vecta/vecta.h"
 
 namespace rvk::vecta::RVK_ISA {
 namespace {
 
 // ---- blocks of pixels: steps over rows of them ------------------------------------------------------------------------
-
-// `across` x `down` blocks, each of srcRows rows of the source and dstRows of the destination.
-template <class Step, size_t srcRows, size_t dstRows>
-RVK_INLINE void mapBlocks(size_t across, size_t down, Plane<const uint8_t> src, Plane<uint8_t> dst)
-{
-    for (size_t y = 0; y < down; ++y) {
-        Rows<const uint8_t, srcRows> from;
-        Rows<uint8_t, dstRows> to;
-        unrolled<srcRows>([&](auto i) RVK_INLINE_LAMBDA { from.row[i] = src.row(y * srcRows + i); });
-        unrolled<dstRows>([&](auto i) RVK_INLINE_LAMBDA { to.row[i] = dst.row(y * dstRows + i); });
-        mapRows<Step>(anyNumber(across), from, to);
-    }
-}
-
-struct MeanOf2x2 : WholeUnits
-{
-    static constexpr size_t vectors = kBytes == 16 ? 2 : 1; // a step is long enough to make little of its loop
-    static constexpr size_t units = vectors * kBytes, in = 2, out = 1;
-
-    RVK_INLINE static Vecs<uint8_t, vectors> take(const Rows<const uint8_t, 2>& src)
-    {
-        Vecs<uint8_t, vectors> means;
-        unrolled<vectors>([&](auto i) RVK_INLINE_LAMBDA {
-            const auto sums = [&](size_t at) RVK_INLINE_LAMBDA {
-                return addNeighboursTo(addNeighbours(load(src.row[0] + at)), load(src.row[1] + at));
-            };
-            means[i] = narrowShifted<2>(Vecs<uint16_t, 2>{sums(2 * kBytes * i), sums(2 * kBytes * i + kBytes)});
-        });
-        return means;
-    }
-    RVK_INLINE static void put(const Vecs<uint8_t, vectors>& means, size_t, uint8_t* dst) { store(dst, means); }
-};
-
-struct MeanOf4x4 : WholeUnits
-{
-    static constexpr size_t units = kBytes, in = 4, out = 1;
-
-    RVK_INLINE static Vec<uint8_t> take(const Rows<const uint8_t, 4>& src)
-    {
-        const auto pairs = [&](size_t at) RVK_INLINE_LAMBDA {
-            Vec<uint16_t> sums = addNeighbours(load(src.row[0] + at));
-            unrolled<3>([&](auto i) RVK_INLINE_LAMBDA { sums = addNeighboursTo(sums, load(src.row[i + 1] + at)); });
-            return sums;
-        };
-        const auto fours = [&](size_t at)
-                               RVK_INLINE_LAMBDA { return addNeighboursInLanes(pairs(at), pairs(at + kBytes)); };
-        return orderPackedTwice(narrowShiftedInLanes<4>(Vecs<uint16_t, 2>{fours(0), fours(2 * kBytes)}));
-    }
-    RVK_INLINE static void put(Vec<uint8_t> means, size_t, uint8_t* dst) { store(dst, means); }
-};
 
 struct Corners
 {
@@ -588,14 +538,14 @@ RVK_NOINLINE void doubleNarrow(size_t width, size_t height, Plane<const uint8_t>
 int32_t rvkScaleDownBy2u8V(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride, uint8_t* dst,
                            uint32_t dstStride)
 {
-    mapBlocks<MeanOf2x2, 2, 1>(srcWidth / 2, srcHeight / 2, {src, srcStride}, {dst, dstStride});
+    mapBlocks<MeanOf2x2<Rounding::down>, 2, 1>(srcWidth / 2, srcHeight / 2, {src, srcStride}, {dst, dstStride});
     return 0;
 }
 
 int32_t rvkScaleDownBy4u8V(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride, uint8_t* dst,
                            uint32_t dstStride)
 {
-    mapBlocks<MeanOf4x4, 4, 1>(srcWidth / 4, srcHeight / 4, {src, srcStride}, {dst, dstStride});
+    mapBlocks<MeanOf4x4<Rounding::down>, 4, 1>(srcWidth / 4, srcHeight / 4, {src, srcStride}, {dst, dstStride});
     return 0;
 }
 

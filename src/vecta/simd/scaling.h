@@ -69,18 +69,6 @@ RVK_INLINE Vecs<float, 5> loadEverySecond5(const float* p)
     }
 }
 
-// ---- blocks of pixels to one ----------------------------------------------------------------------------------------
-
-// Quarters of blocks, four to a block, that narrowing twice has left in the order of its four vectors.
-RVK_INLINE Vec<uint8_t> orderPackedTwice(Vec<uint8_t> v)
-{
-    const Vec<uint32_t> quarters = bitCast<uint32_t>(v);
-    return bitCast<uint8_t>(shuffle(quarters, quarters, [](size_t i) {
-        constexpr size_t blocks = kBytes / 16;
-        return i % blocks * 4 + i / blocks;
-    }));
-}
-
 // ---- three pixels to two --------------------------------------------------------------------------------------------
 
 // What a vector of sums is made of: x y y z of each triple from p on. Those of a vector and of the next take six quarters of
@@ -216,13 +204,6 @@ RVK_INLINE Vecs<float, 5> loadEverySecond5(const float* p)
 {
     const Vecs<float, 2> first = loadFirstTaps<at, 2>(p), second = load2(p + 2);
     return {first[0], first[1], second[0], second[1], loadLastTaps<at, 4>(p)};
-}
-
-// ---- blocks of pixels to one ----------------------------------------------------------------------------------------
-
-RVK_INLINE Vec<uint8_t> orderPackedTwice(Vec<uint8_t> v)
-{
-    return v;
 }
 
 // ---- three pixels to two --------------------------------------------------------------------------------------------
