@@ -824,15 +824,14 @@ RVK_NOINLINE size_t meansOfChunk(const uint32_t* sums, Quotients& nextColumn, si
     if (fixedNarrow)
         narrow = fixedNarrow;
     Quotients next = nextColumn; // which no store changes
-    const Mean narrowMean = means[0], wideMean = means[1];
     for (; count; --count, next.next()) {
         const size_t pixels = static_cast<size_t>(next.value()) - begin;
-        const bool isWide = pixels > narrow;
+        const size_t isWide = pixels - narrow; // 0 or 1: no jumps, which would be taken by turns
         for (size_t channel = 0; channel < pixelSize; ++channel) {
-            uint32_t sum = isWide ? sums[narrow * pixelSize + channel] : 0;
+            uint32_t sum = sums[narrow * pixelSize + channel] & (0 - static_cast<uint32_t>(isWide));
             for (size_t i = 0; i < narrow; ++i)
                 sum += sums[i * pixelSize + channel];
-            *dst++ = isWide ? wideMean(sum) : narrowMean(sum);
+            *dst++ = means[isWide](sum);
         }
         sums += pixels * pixelSize;
         begin += pixels;
@@ -841,11 +840,26 @@ RVK_NOINLINE size_t meansOfChunk(const uint32_t* sums, Quotients& nextColumn, si
     return begin;
 }
 
+template <size_t pixelSize>
+RVK_INLINE auto meansOfChunkFor(size_t narrow)
+{
+    switch (narrow) {
+    case 1:
+        return meansOfChunk<pixelSize, 1>;
+    case 2:
+        return meansOfChunk<pixelSize, 2>;
+    case 3:
+        return meansOfChunk<pixelSize, 3>;
+    default:
+        return meansOfChunk<pixelSize, 0>;
+    }
+}
+
 // As many columns at once as the chunk holds.
 template <size_t pixelSize>
 void meansOfColumns(const uint8_t* src, Axis axis, size_t rows, size_t srcStride, uint8_t* dst)
 {
-    uint32_t sums[kChunk];
+    uint32_t sums[kChunk + pixelSize]; // and a pixel that exists for those that are no wider
     const size_t narrow = axis.from / axis.to;
     const Mean means[2] = {Mean(uint64_t{rows} * narrow), Mean(uint64_t{rows} * (narrow + 1))};
     Quotients next = firstWholePixels(axis);
@@ -853,10 +867,11 @@ void meansOfColumns(const uint8_t* src, Axis axis, size_t rows, size_t srcStride
     size_t begin = 0;
     for (size_t x = 0, count; x < axis.to; x += count) {
         count = least(kChunk / ((narrow + 1) * pixelSize), axis.to - x);
-        addRows(src + begin * pixelSize, srcStride, rows, least(count * (narrow + 1), axis.from - begin) * pixelSize,
-                sums);
-        const auto make = narrow == 1 ? meansOfChunk<pixelSize, 1> : meansOfChunk<pixelSize, 0>;
-        begin = make(sums, next, begin, narrow, means, count, dst + x * pixelSize);
+        const size_t bytes = least(count * (narrow + 1), axis.from - begin) * pixelSize;
+        addRows(src + begin * pixelSize, srcStride, rows, bytes, sums);
+        for (size_t channel = 0; channel < pixelSize; ++channel)
+            sums[bytes + channel] = 0;
+        begin = meansOfChunkFor<pixelSize>(narrow)(sums, next, begin, narrow, means, count, dst + x * pixelSize);
     }
 }
 
