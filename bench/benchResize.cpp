@@ -1,4 +1,5 @@
-// Scaling by any ratio. The picture is the source of what makes it smaller, and the destination of what makes it larger.
+// Scaling by any ratio. The picture is the source of what makes it smaller, and the destination of what makes it
+// larger.
 #include "bench.h"
 
 #include <ravik/scale.h>

@@ -1,8 +1,8 @@
 // ravikBench [--count COUNTFILE [--save FILE | --beside FILE]] [FILTER]
 //
-// How long every row takes beside the other libraries. With --count, under the emulator: executed instructions per pixel;
-// the emulator's plugin writes its counts to COUNTFILE. --save keeps them in FILE, --beside shows those that the program
-// of another compiler has saved.
+// How long every row takes beside the other libraries. With --count, under the emulator: executed instructions per
+// pixel; the emulator's plugin writes its counts to COUNTFILE. --save keeps them in FILE, --beside shows those that the
+// program of another compiler has saved.
 #include "instructionCount.h"
 #include "runs.h"
 

@@ -128,8 +128,8 @@ inline bool rowFits(uint32_t width, uint32_t pixelSize)
     return rowSize(width, pixelSize) <= UINT32_MAX;
 }
 
-// A stride of 0 means packed rows: `width` pixels of `pixelSize` bytes. A size that does not fit becomes one that is too
-// short for its row, and so the check of the stride refuses it.
+// A stride of 0 means packed rows: `width` pixels of `pixelSize` bytes. A size that does not fit becomes one that is
+// too short for its row, and so the check of the stride refuses it.
 inline uint32_t packedIfZero(uint32_t stride, uint32_t width, uint32_t pixelSize = 1)
 {
     if (stride != 0)

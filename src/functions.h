@@ -58,10 +58,10 @@ using ::rvkScaleDownBy2Gaussian5x5f32_v2;
 // YES.
 void irvkRowRGBToLabC(const uint8_t* src, uint32_t width, uint8_t* dst); // src is RGBA8888
 
-// Chroma of a row. `width` counts the samples, or pairs of them, of the longer rows, and may be odd: shorter ones then have
-// (width + 1) / 2. Halved rows have the rounded means of neighbours, the last sample alone where it has none; doubled ones
-// have each sample twice. Chroma rows are of pairs, but irvkChromaUpsamplePlanar's of one component. What doubles vertically
-// writes two rows. No row may overlap another.
+// Chroma of a row. `width` counts the samples, or pairs of them, of the longer rows, and may be odd: shorter ones then
+// have (width + 1) / 2. Halved rows have the rounded means of neighbours, the last sample alone where it has none;
+// doubled ones have each sample twice. Chroma rows are of pairs, but irvkChromaUpsamplePlanar's of one component. What
+// doubles vertically writes two rows. No row may overlap another.
 void irvkRowDownsampleBy2C(const uint8_t* src, uint32_t width, uint8_t* dst);
 void irvkRowDownsampleBy2DeinterleaveC(const uint8_t* src, uint32_t width, uint8_t* dst1, uint8_t* dst2);
 void irvkRowUpsampleBy2C(const uint8_t* src, uint32_t width, uint8_t* dst);
@@ -73,8 +73,8 @@ void irvkChromaUpsamplePlanarC(const uint8_t* src, uint32_t width, uint8_t* dst,
 void irvkRowInterleaveUVC(const uint8_t* src1, const uint8_t* src2, uint32_t width, uint8_t* dst);
 void irvkRowDeinterleaveUVC(const uint8_t* src, uint32_t width, uint8_t* dst1, uint8_t* dst2);
 
-// A channel of a row of `width` pixels. `src` is the row of the plane that has it: of luma or of pairs, or the packed row,
-// which ends with a whole group of two pixels. U and V are (width + 1) / 2 samples.
+// A channel of a row of `width` pixels. `src` is the row of the plane that has it: of luma or of pairs, or the packed
+// row, which ends with a whole group of two pixels. U and V are (width + 1) / 2 samples.
 void irvkExtractYFromNV12C(const uint8_t* src, uint32_t width, uint8_t* dst);
 void irvkExtractUFromNV12C(const uint8_t* src, uint32_t width, uint8_t* dst);
 void irvkExtractVFromNV12C(const uint8_t* src, uint32_t width, uint8_t* dst);
@@ -120,8 +120,8 @@ void irvkRowRGBA8888ToRGB888C(const uint8_t* src, uint32_t width, uint8_t* dst);
 void irvkRowRGBA8888ToBGR888C(const uint8_t* src, uint32_t width, uint8_t* dst);
 void irvkRowRGBA8888ToBGRA8888C(const uint8_t* src, uint32_t width, uint8_t* dst);
 
-// A row of `dstWidth` pixels of 1 or 2 bytes: each byte is the rounded mean of that byte of the pixels in `rows` rows of
-// the source, columns floor(x * srcWidth / dstWidth) to floor((x + 1) * srcWidth / dstWidth) - 1.
+// A row of `dstWidth` pixels of 1 or 2 bytes: each byte is the rounded mean of that byte of the pixels in `rows` rows
+// of the source, columns floor(x * srcWidth / dstWidth) to floor((x + 1) * srcWidth / dstWidth) - 1.
 void irvkScaleDownMNCoreC(const uint8_t* src, uint32_t srcWidth, uint32_t rows, uint32_t srcStride, uint32_t pixelSize,
                           uint8_t* dst, uint32_t dstWidth);
 

@@ -82,7 +82,8 @@ TEST(Affine, PatchesMayTouchTheEdgesAndNoMore)
     });
 }
 
-// Values are truncated; and where all is exact in single precision, that is all that the order of operations can change.
+// Values are truncated; and where all is exact in single precision, that is all that the order of operations can
+// change.
 TEST(Affine, PatchesAreBilinearAndTruncated)
 {
     Random random(4);
@@ -173,8 +174,8 @@ TEST(Affine, ClippedTranslationsAreExact)
     }
 }
 
-// All pixels whose position is inside have what `at(x, y, channel)` gives in double precision, within one; all others the
-// border's value.
+// All pixels whose position is inside have what `at(x, y, channel)` gives in double precision, within one; all others
+// the border's value.
 template <Slot slot, class At, class... Rules>
 void expectClipped(int channels, At at, Rules... rules)
 {

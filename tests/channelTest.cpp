@@ -1,5 +1,5 @@
-// What functions on chroma and channels do that the contract test does not reach: the inner kernels by their pointers, in
-// the modes of references and of vectors, and large pictures.
+// What functions on chroma and channels do that the contract test does not reach: the inner kernels by their pointers,
+// in the modes of references and of vectors, and large pictures.
 #include "support/guarded.h"
 #include "support/kernelModes.h"
 #include "support/random.h"

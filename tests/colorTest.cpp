@@ -24,9 +24,10 @@ namespace {
 
 // ---- a model of formats ---------------------------------------------------------------------------------------------
 
-// A plane is rows of groups of bytes; a group holds what belongs to 2^xShift x 2^yShift pixels. Each byte is a component
-// by its letter: R, G, B, A, L (grey), Y, U (Cb), V (Cr), or a digit for a channel without meaning. A letter that comes
-// twice is that of the next pixel. Words of 16 bits have 5 bits, 6 and 5, whose letters they name from the high ones on.
+// A plane is rows of groups of bytes; a group holds what belongs to 2^xShift x 2^yShift pixels. Each byte is a
+// component by its letter: R, G, B, A, L (grey), Y, U (Cb), V (Cr), or a digit for a channel without meaning. A letter
+// that comes twice is that of the next pixel. Words of 16 bits have 5 bits, 6 and 5, whose letters they name from the
+// high ones on.
 struct PlaneModel
 {
     std::string letters;

@@ -796,8 +796,8 @@ private:
     FunctionCall m_call;
 };
 
-// Each allocation of a call fails in turn. A call that can do without it makes what it always makes; one that cannot says
-// so, by its status or in the log, and writes nothing; nothing stays taken.
+// Each allocation of a call fails in turn. A call that can do without it makes what it always makes; one that cannot
+// says so, by its status or in the log, and writes nothing; nothing stays taken.
 void expectSafeWithoutMemory(const FunctionTest& function, const NamedCell& cell)
 {
     SeededBits bits(8);

@@ -1,4 +1,5 @@
-// What stored vectors and random cases are worth: the reference computes something from them, or refuses them on purpose.
+// What stored vectors and random cases are worth: the reference computes something from them, or refuses them on
+// purpose.
 #include "controlScript.h"
 #include "functionsPage.h"
 #include "groups.h"

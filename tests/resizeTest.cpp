@@ -120,7 +120,8 @@ bool isScaled(Direction direction, Size from, Size to)
                                          : to.width >= from.width && to.height >= from.height);
 }
 
-// Every pixel lies within `tolerance` of what is expected; nothing is read outside of the source, nor written beside rows.
+// Every pixel lies within `tolerance` of what is expected; nothing is read outside of the source, nor written beside
+// rows.
 template <Slot slot, class... Parameter>
 void expectScaled(Direction direction, uint32_t channels, double tolerance, const Expectation& expected,
                   Parameter... parameters)

@@ -250,8 +250,8 @@ static double roundedFor(const Argument& a, double number)
     });
 }
 
-// Puts what `second(argument, size)`, `interval(size, span, least length)` and `position()`, 0 to 1 in a range, give into
-// the numbers that depend on the size.
+// Puts what `second(argument, size)`, `interval(size, span, least length)` and `position()`, 0 to 1 in a range, give
+// into the numbers that depend on the size.
 template <class Second, class MakeInterval, class Position>
 static void setDependent(const FunctionTest& test, std::vector<double>& numbers, CaseSize size, Second second,
                          MakeInterval interval, Position position)

@@ -137,8 +137,8 @@ struct Argument
     std::vector<std::vector<double>> refusedElements{}; // of an image
     std::vector<double> choices{};                      // of a scalar, instead of a range
     std::vector<double> refused{};                      // values of a scalar that the function refuses
-    // Of a second size: how many times the case's it is at least, at most and in profiles. What must not be more or less
-    // than the case's is refused.
+    // Of a second size: how many times the case's it is at least, at most and in profiles. What must not be more or
+    // less than the case's is refused.
     double leastPart = 0, mostPart = 2, typicalPart = 1;
     bool mustNotExceed = false, mustReach = false;
     uint32_t span = 0;          // the rectangle's width or height, of a left or top without an argument for it
@@ -396,8 +396,8 @@ enum class Border : uint8_t {
 // Whether the destination may be a source of the same elements and stride.
 enum class InPlace : uint8_t { undefined, refused, allowed };
 
-// What a function promises, besides what its arguments say. Functions of a kind share one: each word below makes another
-// contract from it.
+// What a function promises, besides what its arguments say. Functions of a kind share one: each word below makes
+// another contract from it.
 struct Contract
 {
     CaseSize least{1, 1};      // that the function accepts, besides windows that are arguments

@@ -38,8 +38,8 @@ const Argument matrix = numbers({{0.6, 1.3},
                             .typically({0.98, -0.17, 20, 0.17, 0.98, -30, 1e-5, 2e-5, 1})
                             .refusingElements(notFinite());
 
-// What makes a picture of the quadrilateral (40, 20), (590, 50), (620, 460), (10, 440) of 640 x 480 pixels, and its like
-// of other sizes: all of it inside.
+// What makes a picture of the quadrilateral (40, 20), (590, 50), (620, 460), (10, 440) of 640 x 480 pixels, and its
+// like of other sizes: all of it inside.
 const Argument quadrilateral = numbers({{0.8, 0.9},
                                         {-0.06, -0.04},
                                         widths(0.06, 0.1),

@@ -47,8 +47,8 @@ public:
     ScriptResult read(FILE* script, const char* dataDirectory, ScriptContent content);
 
     // Draws a case of the size, which grows by as much as the function needs more than a pixel for what is `wanted`.
-    // Unless it is `packed`, its images begin anywhere in rows that are wider than they need to be. False when memory is
-    // short, here and below.
+    // Unless it is `packed`, its images begin anywhere in rows that are wider than they need to be. False when memory
+    // is short, here and below.
     bool draw(CaseSize size, Wanted wanted, bool packed, RandomBits& random);
 
     // Widens the rows of all images that have a stride by `elements`.

@@ -196,8 +196,8 @@ private:
         return line;
     }
 
-    // The name of a source with elements of ranges, as a user would pass them: a few typical ones, or many that rise along
-    // rows and columns.
+    // The name of a source with elements of ranges, as a user would pass them: a few typical ones, or many that rise
+    // along rows and columns.
     std::string rangedSource(const FunctionTest& function, const ScriptField& field, CaseSize size, uint32_t width,
                              uint32_t height)
     {

@@ -3,8 +3,8 @@
  * Packed formats, as their bytes or bits lie in memory:
  *   RGB888, BGR888       3 bytes: red first, or blue first
  *   RGBA8888, BGRA8888   4 bytes: red first, or blue first; the fourth is alpha
- *   RGB565, BGR565       a 16-bit word in native byte order: red in its high 5 bits, green in the middle 6, blue in its low
- *                        5; or blue high and red low
+ *   RGB565, BGR565       a 16-bit word in native byte order: red in its high 5 bits, green in the middle 6, blue in its
+ *                        low 5; or blue high and red low
  *
  * But conversions to YCbCr take the bytes of RGB888 and RGBA8888 in the other order, so that the two directions do not
  * mirror each other:
@@ -28,16 +28,16 @@
  * (srcHeight + 1) / 2 high where they are halved. 4:2:0 PseudoPlanar is known as NV12, YCrCb420 as NV21.
  *
  * Common to all functions of this header:
- *   Shapes     `srcWidth` and `srcHeight` are in pixels of the picture and at least 1, odd ones too. Strides are in bytes;
- *              0 means packed rows.
- *   Alignment  none is needed, of words of RGB565 neither. The work may run on the DSP only when pointers and strides are
- *              multiples of 8.
+ *   Shapes     `srcWidth` and `srcHeight` are in pixels of the picture and at least 1, odd ones too. Strides are in
+ *              bytes; 0 means packed rows.
+ *   Alignment  none is needed, of words of RGB565 neither. The work may run on the DSP only when pointers and strides
+ *              are multiples of 8.
  *   In place   `dst` may be `src` where both have one plane and pixels of one size and the picture is not rotated; the
  *              strides must be equal then. Otherwise images must not overlap,
  *              destinations among each other neither; pictures side by side in rows of one stride do not.
  *   Errors     null pointers, empty images, strides below a row of their plane and images that overlap are refused:
- *              "Assertion failed @<function>: <condition>" is logged and nothing is written. Functions with a status return
- *              RAVIK_EBADPARAM then, otherwise RAVIK_SUCCESS.
+ *              "Assertion failed @<function>: <condition>" is logged and nothing is written. Functions with a status
+ *              return RAVIK_EBADPARAM then, otherwise RAVIK_SUCCESS.
  *   Exactness  all arithmetic is of integers; shifts to the right round down. */
 #ifndef RAVIK_COLOR_H
 #define RAVIK_COLOR_H
@@ -50,8 +50,8 @@ RVK_EXTERN_C_BEGIN
  *   Y  = (29 * blue + 150 * green + 77 * red + 128) >> 8
  *   Cb = min(128 + ((128 * blue - 85 * green - 43 * red + 128) >> 8), 255)
  *   Cr = min(128 + ((128 * red - 107 * green - 21 * blue + 128) >> 8), 255)
- * Chroma is selected, not averaged: it is that of the left one of 2 pixels, of the upper left one of 2x2. The 5 and 6 bits
- * of RGB565 are widened to 8 by repeating their high bits. */
+ * Chroma is selected, not averaged: it is that of the left one of 2 pixels, of the upper left one of 2x2. The 5 and 6
+ * bits of RGB565 are widened to 8 by repeating their high bits. */
 RVK_API void rvkColorRGB565ToYCbCr444Planaru8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight,
                                               uint32_t srcStride, uint8_t* dstY, uint32_t dstYStride, uint8_t* dstCb,
                                               uint32_t dstCbStride, uint8_t* dstCr, uint32_t dstCrStride);
@@ -111,8 +111,9 @@ RVK_API void rvkColorRGBA8888ToYCbCr420PseudoPlanaru8(const uint8_t* src, uint32
  *   red   = clamp((256 * Y + 359 * e + 128) >> 8)
  *   green = clamp((256 * Y - 88 * d - 183 * e + 128) >> 8)
  *   blue  = clamp((256 * Y + 454 * d + 128) >> 8)
- * to 0..255. A sample of chroma is taken for each of its pixels as it is. Alpha becomes 255; RGB565 takes the high bits of
- * each colour. `srcWidth` is at least 2 where chroma is halved horizontally. The functions named 8888 write RGBA8888.
+ * to 0..255. A sample of chroma is taken for each of its pixels as it is. Alpha becomes 255; RGB565 takes the high bits
+ * of each colour. `srcWidth` is at least 2 where chroma is halved horizontally. The functions named 8888 write
+ * RGBA8888.
  *
  * RGB to 4:4:4 and back gives each of the 2^24 colours within 2 in red and blue, 1 in green. OpenCV's and libyuv's
  * conversions of full range give the same pixels within 1 in each channel. */
@@ -203,8 +204,8 @@ RVK_API void rvkColorYUV420toRGB8888u8(const uint8_t* srcY, uint32_t srcWidth, u
                                        const uint8_t* srcC, uint32_t srcCStride, uint8_t* dst, uint32_t dstStride);
 
 /* Other layouts of RGB. 5 and 6 bits are widened to 8 by repeating their high bits ((v << 3) | (v >> 2) and
- * (v << 2) | (v >> 4)); 8 bits are cut to their high ones. Alpha is kept where both formats have one, otherwise 255. The
- * rotation is by 180 degrees. */
+ * (v << 2) | (v >> 4)); 8 bits are cut to their high ones. Alpha is kept where both formats have one, otherwise 255.
+ * The rotation is by 180 degrees. */
 RVK_API void rvkColorRGB565ToRGB888u8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
                                       uint8_t* dst, uint32_t dstStride);
 RVK_API void rvkColorRGB565ToRGBA8888u8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
@@ -242,15 +243,16 @@ RVK_API void rvkColorRGB888ToRGB565Rotate180u8(const uint8_t* src, uint32_t srcW
 RVK_API void rvkColorRGB888ToGrayu8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
                                     uint8_t* dst, uint32_t dstStride);
 
-/* Y, Cr, Cb of each pixel, in this order, by the formulas of RGB to YCbCr: byte 0 of the source is blue. The first form is
- * the second one with packed rows. */
+/* Y, Cr, Cb of each pixel, in this order, by the formulas of RGB to YCbCr: byte 0 of the source is blue. The first form
+ * is the second one with packed rows. */
 RVK_API void rvkColorRGB888toYCrCbu8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint8_t* dst);
 RVK_API void rvkColorRGB888toYCrCbu8_v2(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
                                         uint8_t* dst, uint32_t dstStride);
 
-/* Hue, saturation and value of each pixel, in this order, by the hexcone model (Smith, "Color Gamut Transform Pairs", 1978).
- * With v = max(red, green, blue) and d = v - min(red, green, blue):
- *   hue        = (green - blue) / d, or 2 + (blue - red) / d, or 4 + (red - green) / d where red, or green, or blue is the
+/* Hue, saturation and value of each pixel, in this order, by the hexcone model (Smith, "Color Gamut Transform Pairs",
+ * 1978). With v = max(red, green, blue) and d = v - min(red, green, blue):
+ *   hue        = (green - blue) / d, or 2 + (blue - red) / d, or 4 + (red - green) / d where red, or green, or blue is
+ *              the
  *                largest, times 256 / 6 and modulo 256: the circle has 256 steps. Grey, where d is 0, has hue 0
  *   saturation = 255 * d / v; black has saturation 0
  *   value      = v
@@ -267,8 +269,8 @@ RVK_API void rvkColorRGB888ToHSV888u8(const uint8_t* src, uint32_t srcWidth, uin
  *   byte 0 = (116 * f(Y) - 16) * 255 / 100
  *   byte 1 = 500 * (f(X) - f(Y)) + 128
  *   byte 2 = 200 * (f(Y) - f(Z)) + 128
- * Powers are polynomials in fixed point: of all 2^24 colours, no byte is further than 0.66 from the exact number, and 97 of
- * 100 are that number rounded. Greys have 128 in bytes 1 and 2. Bytes 1 and 2 lie in 42..226 and 20..222. */
+ * Powers are polynomials in fixed point: of all 2^24 colours, no byte is further than 0.66 from the exact number, and
+ * 97 of 100 are that number rounded. Greys have 128 in bytes 1 and 2. Bytes 1 and 2 lie in 42..226 and 20..222. */
 RVK_API void rvkColorRGBA8888ToLABu8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
                                      uint8_t* dst, uint32_t dstStride);
 

@@ -1,12 +1,12 @@
 /* Ravik: dot products of descriptors.
  *
  * Common to all functions of this header:
- *   Shapes     the names of the fixed forms say how many elements a descriptor has, and whether the first, `A`, is multiplied
- *              with one other or with four. Patches of 8x8 and 11x12 pixels are their rows one after the other. `length`
- *              may be any number; 0 gives 0.
- *   Result     of bytes exact: products are summed modulo 2^32, which only lengths above 66051 can reach. The scaled forms
- *              give (dot * invLenA) * invLengthsB[k] in single precision, in this order: the cosine of the angle when
- *              the factors are one over the lengths of the descriptors.
+ *   Shapes     the names of the fixed forms say how many elements a descriptor has, and whether the first, `A`, is
+ *              multiplied with one other or with four. Patches of 8x8 and 11x12 pixels are their rows one after the
+ *              other. `length` may be any number; 0 gives 0.
+ *   Result     of bytes exact: products are summed modulo 2^32, which only lengths above 66051 can reach. The scaled
+ *              forms give (dot * invLenA) * invLengthsB[k] in single precision, in this order: the cosine of the angle
+ *              when the factors are one over the lengths of the descriptors.
  *   Alignment  bytes may stand anywhere, floats and results are aligned to 4.
  *   Overlap    the inputs may be the same memory or overlap; result arrays must not overlap them.
  *   Errors     on null pointers "Assertion failed @<function>: <condition>" is logged, the result is 0, and no array is

@@ -2,8 +2,8 @@
  * Texture Mapping", 1984). The sum over a rectangle is then that of four entries.
  *
  * Two layouts differ on purpose:
- *   exclusive  has one column and one row more than the picture. The first of both are 0; entry (x + 1, y + 1) is the sum
- *              over the columns 0 to x and the rows 0 to y.
+ *   exclusive  has one column and one row more than the picture. The first of both are 0; entry (x + 1, y + 1) is the
+ *              sum over the columns 0 to x and the rows 0 to y.
  *   inclusive  is as large as the picture; entry (x, y) is that sum.
  *
  * Common to all functions of this header:
@@ -21,8 +21,8 @@
 
 RVK_EXTERN_C_BEGIN
 
-/* The exclusive integral. Rows are packed in the first form. It may run on the DSP only when pointers and strides, in the
- * first form the width, are multiples of 8. */
+/* The exclusive integral. Rows are packed in the first form. It may run on the DSP only when pointers and strides, in
+ * the first form the width, are multiples of 8. */
 RVK_API void rvkIntegrateImageu8(const uint8_t* src, uint32_t width, uint32_t height, uint32_t* dst);
 RVK_API void rvkIntegrateImageu8_v2(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
                                     uint32_t* dst, uint32_t dstStride);
@@ -58,9 +58,9 @@ RVK_API void rvkIntegrateImageYCbCr420PseudoPlanaru8(const uint8_t* srcY, const 
                                                      uint32_t integralCrStride);
 
 /* The integral turned by 45 degrees (Lienhart and Maydt, "An Extended Set of Haar-like Features for Rapid Object
- * Detection", 2002), of one column and row more than the picture: entry (x, y) is the sum over the pixels (i, j) above it,
- * j < y, with |i - x + 1| <= y - j - 1: a triangle that grows upwards from pixel (x - 1, y - 1) by one pixel a row to
- * either side. Sums of 2^31 and more wrap. */
+ * Detection", 2002), of one column and row more than the picture: entry (x, y) is the sum over the pixels (i, j) above
+ * it, j < y, with |i - x + 1| <= y - j - 1: a triangle that grows upwards from pixel (x - 1, y - 1) by one pixel a row
+ * to either side. Sums of 2^31 and more wrap. */
 RVK_API void rvkTiltedIntegralu8s32(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
                                     int32_t* dst, uint32_t dstStride);
 

@@ -1,9 +1,9 @@
 /* Ravik: the whole public interface.
  *
  * Threads: functions may be called from any number of threads at once, the first call included, as long as no call
- * writes memory that another one reads or writes. One function is excepted: rvkSetOperationMode rebuilds what all others
- * read, so no other call may be under way while it runs. What it sets holds for the whole process. An rvkBuffer is not
- * locked: it belongs to one thread at a time. */
+ * writes memory that another one reads or writes. One function is excepted: rvkSetOperationMode rebuilds what all
+ * others read, so no other call may be under way while it runs. What it sets holds for the whole process. An rvkBuffer
+ * is not locked: it belongs to one thread at a time. */
 #ifndef RAVIK_RAVIK_H
 #define RAVIK_RAVIK_H
 

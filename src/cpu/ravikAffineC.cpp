@@ -354,8 +354,8 @@ public:
         }
     }
 
-    // Twice the area of the triangle of three of the points. It is 0 where they are on a line, and, as products of floats
-    // are exact, only there, unless the points lie wider apart than doubles have digits.
+    // Twice the area of the triangle of three of the points. It is 0 where they are on a line, and, as products of
+    // floats are exact, only there, unless the points lie wider apart than doubles have digits.
     double area(int a, int b, int c) const
     {
         return (m_x[b] - m_x[a]) * (m_y[c] - m_y[a]) - (m_y[b] - m_y[a]) * (m_x[c] - m_x[a]);
@@ -365,8 +365,8 @@ public:
         return area(0, 1, 2) != 0 && area(0, 1, 3) != 0 && area(0, 2, 3) != 0 && area(1, 2, 3) != 0;
     }
 
-    // The matrix that maps (1, 0, 0), (0, 1, 0), (0, 0, 1) and (1, 1, 1) to the points: its columns are the first three,
-    // weighted so that they add up to the fourth.
+    // The matrix that maps (1, 0, 0), (0, 1, 0), (0, 0, 1) and (1, 1, 1) to the points: its columns are the first
+    // three, weighted so that they add up to the fourth.
     void basis(Matrix& m) const
     {
         const double weights[] = {area(1, 2, 3), -area(0, 2, 3), area(0, 1, 3)};

@@ -62,8 +62,8 @@ struct ClippedMap
 ClippedMap clippedMap(const ClippedSource& source, const float* position, const float* affine, uint32_t dstWidth,
                       uint32_t dstHeight);
 
-// The pixels of a row whose positions are inside the source, the first of these positions and the step to the next one, in
-// fixed point with 32 bits of fraction.
+// The pixels of a row whose positions are inside the source, the first of these positions and the step to the next one,
+// in fixed point with 32 bits of fraction.
 struct ClippedRun
 {
     uint32_t first, end;
@@ -72,8 +72,8 @@ struct ClippedRun
 // Those from `first` to before `end`, which all others that are inside must be between.
 ClippedRun clippedRun(const ClippedMap& map, uint32_t row, uint32_t first, uint32_t end);
 
-// Pixel number k of a run: steps of 16 bits of fraction from the anchor before it, which has all bits. What this comes to
-// beyond the edge is the edge.
+// Pixel number k of a run: steps of 16 bits of fraction from the anchor before it, which has all bits. What this comes
+// to beyond the edge is the edge.
 constexpr uint32_t kClippedAnchors = 64; // pixels from one to the next
 ClippedPosition clippedPosition(const ClippedSource& source, const ClippedRun& run, uint32_t k);
 

@@ -54,8 +54,8 @@ Axis reduced(Axis axis)
     return {axis.from / divisor, axis.to / divisor};
 }
 
-// Keys, "Cubic Convolution Interpolation for Digital Image Processing", 1981, with a = -1/2. Each weight is rounded half
-// up; the largest takes what the sum lacks.
+// Keys, "Cubic Convolution Interpolation for Digital Image Processing", 1981, with a = -1/2. Each weight is rounded
+// half up; the largest takes what the sum lacks.
 void cubicWeights(uint32_t fraction, int16_t (&weights)[4])
 {
     constexpr int64_t one = kFractions;

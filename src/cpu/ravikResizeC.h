@@ -1,5 +1,5 @@
-// What the reference and the vector implementation of the scalers of any ratio share: where pixels of the destination lie
-// in the source.
+// What the reference and the vector implementation of the scalers of any ratio share: where pixels of the destination
+// lie in the source.
 #pragma once
 
 #include <cstdint>
@@ -37,8 +37,8 @@ struct Axis
 Axis columnsOf(const Resizing& r);
 Axis rowsOf(const Resizing& r);
 
-// The centre of a pixel of the destination, between those of pixels `pixel` and `pixel + 1` of the source: rounded half up
-// to a fraction of 1 / kFractions. It may be half a pixel outside of the source.
+// The centre of a pixel of the destination, between those of pixels `pixel` and `pixel + 1` of the source: rounded half
+// up to a fraction of 1 / kFractions. It may be half a pixel outside of the source.
 constexpr uint32_t kFractionBits = 13;
 constexpr uint32_t kFractions = 1 << kFractionBits;
 struct Position

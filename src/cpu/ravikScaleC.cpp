@@ -31,7 +31,7 @@ void repeat(uint32_t width, uint32_t height, Plane<const uint8_t> src, Plane<uin
                 dst.row(y)[x * pixelSize + i] = src.row(y / down)[x / across * pixelSize + i];
 }
 
-// ---- means of windows, as far as they lie in the picture --------------------------------------------------------------
+// ---- means of windows, as far as they lie in the picture ------------------------------------------------------------
 
 // Where a window around `centre` meets a line of `size` pixels, as offsets from its centre.
 struct Offsets
@@ -138,7 +138,7 @@ void doubleBinomial(size_t width, size_t height, Plane<const uint8_t> src, Plane
 
 } // namespace
 
-// ---- down -------------------------------------------------------------------------------------------------------------
+// ---- down -----------------------------------------------------------------------------------------------------------
 
 int32_t rvkScaleDownBy2u8C(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride, uint8_t* dst,
                            uint32_t dstStride)
@@ -186,7 +186,7 @@ void rvkScaleDownBy2Gaussian5x5f32_v2C(const float32_t* srcImg, uint32_t width, 
     halveBinomial5x5(width, height, Plane{srcImg, srcStride}, Plane{dst, dstStride});
 }
 
-// ---- up ---------------------------------------------------------------------------------------------------------------
+// ---- up -------------------------------------------------------------------------------------------------------------
 
 void rvkScaleUpBy2Gaussian5x5u8_v2C(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
                                     uint8_t* dst, uint32_t dstStride)

@@ -30,8 +30,8 @@ struct Position
     float32_t x, y;
 };
 
-// Of the pixel (x, y) of the destination in the source, in fractions of its pixels as fixed point numbers have. The order of the operations is part of the definition. Where the
-// divisor is 0 neither number is finite.
+// Of the pixel (x, y) of the destination in the source, in fractions of its pixels as fixed point numbers have. The
+// order of the operations is part of the definition. Where the divisor is 0 neither number is finite.
 Position sourceOf(const Homography& h, float32_t x, float32_t y)
 {
     const auto& m = h.m;

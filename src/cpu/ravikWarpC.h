@@ -11,9 +11,9 @@ struct Homography
     float32_t m[9];
 };
 
-// The same map, scaled by a power of two so that the largest coefficient is from 1/2 to 1, and without those that are below
-// 2^-100 of it: no product of a coefficient and a coordinate is subnormal, and no sum of them overflows. (32-bit Arm
-// computes without subnormals.)
+// The same map, scaled by a power of two so that the largest coefficient is from 1/2 to 1, and without those that are
+// below 2^-100 of it: no product of a coefficient and a coordinate is subnormal, and no sum of them overflows. (32-bit
+// Arm computes without subnormals.)
 Homography scaledHomography(const float32_t* matrix);
 
 } // namespace rvk

@@ -1,5 +1,6 @@
-// Pictures of interleaved bytes between their pixels: what a position is, how the pixels around it are weighted, and what
-// lies outside. Warps, affine transforms and remaps share this definition; vecta/simd/sampling.h is the same in vectors.
+// Pictures of interleaved bytes between their pixels: what a position is, how the pixels around it are weighted, and
+// what lies outside. Warps, affine transforms and remaps share this definition; vecta/simd/sampling.h is the same in
+// vectors.
 #pragma once
 
 #include "cpu/image.h"
@@ -25,8 +26,8 @@ struct SampledImage
 };
 
 // The fixed point number of a coordinate in units of which a pixel has `one`, a power of two; rounded towards 0.
-// Coordinates that are more than a pixel outside the picture are one pixel outside, and so is what is not a number: before
-// the first pixel.
+// Coordinates that are more than a pixel outside the picture are one pixel outside, and so is what is not a number:
+// before the first pixel.
 inline int32_t fixedPosition(float32_t coordinate, uint32_t size, int32_t one = 1)
 {
     const float32_t begin = static_cast<float32_t>(-one),
@@ -47,7 +48,8 @@ class Sampler
 public:
     explicit Sampler(const SampledImage& image) : m_image(image) {}
 
-    // Writes the value at a position, any 32-bit numbers, to a pixel of the destination, unless the border rule leaves it.
+    // Writes the value at a position, any 32-bit numbers, to a pixel of the destination, unless the border rule leaves
+    // it.
     void sample(int32_t x, int32_t y, uint8_t* dst) const
     {
         if (m_image.interpolation == RAVIK_INTERPOLATION_NEAREST)

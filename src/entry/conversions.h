@@ -100,8 +100,8 @@ struct Extent
     uint64_t size() const { return (uint64_t{rows} - 1) * stride + rowSize; }
 };
 
-// Whether planes have bytes in common. Pictures side by side in rows of one stride have none; of other planes whose rows
-// mingle it is assumed.
+// Whether planes have bytes in common. Pictures side by side in rows of one stride have none; of other planes whose
+// rows mingle it is assumed.
 bool overlap(const Extent& a, const Extent& b);
 
 // The planes of a call, those of the source first, and what it must keep.

@@ -5,7 +5,7 @@
 
 using namespace rvk;
 
-// ---- YCbCr to YCbCr ---------------------------------------------------------------------------------------------------
+// ---- YCbCr to YCbCr -------------------------------------------------------------------------------------------------
 
 void rvkColorYCbCr444PlanarToYCbCr422Planaru8(RVK_FROM_PLANAR, RVK_TO_PLANAR)
 {
@@ -187,7 +187,7 @@ void rvkColorYCbCr420PseudoPlanarToYCbCr422PseudoPlanaru8(RVK_FROM_PSEUDO, RVK_T
         __func__, Conversion<PseudoPlanar<S420>, PseudoPlanar<S422>>{RVK_PSEUDO_SRC, RVK_PSEUDO_DST});
 }
 
-// ---- Channels ---------------------------------------------------------------------------------------------------------
+// ---- Channels -------------------------------------------------------------------------------------------------------
 
 void rvkColorCbCrSwapu8(RVK_FROM_PACKED, RVK_TO_PACKED)
 {

@@ -5,7 +5,7 @@
 
 using namespace rvk;
 
-// ---- RGB to YCbCr -----------------------------------------------------------------------------------------------------
+// ---- RGB to YCbCr ---------------------------------------------------------------------------------------------------
 
 void rvkColorRGB565ToYCbCr444Planaru8(RVK_FROM_PACKED, RVK_TO_PLANAR)
 {
@@ -115,7 +115,7 @@ void rvkColorRGBA8888ToYCbCr420PseudoPlanaru8(RVK_FROM_PACKED, RVK_TO_PSEUDO)
         __func__, Conversion<Bgra8888, PseudoPlanar<S420>>{RVK_PACKED_SRC, RVK_PSEUDO_DST});
 }
 
-// ---- YCbCr to RGB -----------------------------------------------------------------------------------------------------
+// ---- YCbCr to RGB ---------------------------------------------------------------------------------------------------
 
 void rvkColorYCbCr444PlanarToRGB565u8(RVK_FROM_PLANAR, RVK_TO_PACKED)
 {
@@ -272,7 +272,7 @@ void rvkColorYUV420toRGB8888u8(RVK_FROM_PSEUDO, RVK_TO_PACKED)
                                              Conversion<CrCb<S420>, Rgba8888>{RVK_PSEUDO_SRC, RVK_PACKED_DST});
 }
 
-// ---- Layouts of RGB ---------------------------------------------------------------------------------------------------
+// ---- Layouts of RGB -------------------------------------------------------------------------------------------------
 
 void rvkColorRGB565ToRGB888u8(RVK_FROM_PACKED, RVK_TO_PACKED)
 {
@@ -356,7 +356,7 @@ void rvkColorRGB888ToRGB565Rotate180u8(RVK_FROM_PACKED, RVK_TO_PACKED)
         __func__, Conversion<Rgb888, Rotated180<Rgb565>>{RVK_PACKED_SRC, RVK_PACKED_DST});
 }
 
-// ---- Other colour spaces ----------------------------------------------------------------------------------------------
+// ---- Other colour spaces --------------------------------------------------------------------------------------------
 
 void rvkColorRGB888ToGrayu8(RVK_FROM_PACKED, RVK_TO_PACKED)
 {

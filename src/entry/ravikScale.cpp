@@ -5,8 +5,8 @@ using namespace rvk;
 
 namespace {
 
-// How many of the source's columns, and rows, become how many of the destination's. The DSP takes pictures that hold the
-// window.
+// How many of the source's columns, and rows, become how many of the destination's. The DSP takes pictures that hold
+// the window.
 struct Ratio
 {
     uint32_t from, to, window = 1;
@@ -47,7 +47,7 @@ void scaleUp(uint32_t pixelSize, uint32_t across, Words words, const uint8_t* sr
 
 } // namespace
 
-// ---- fixed ratios: down -----------------------------------------------------------------------------------------------
+// ---- fixed ratios: down ---------------------------------------------------------------------------------------------
 
 int32_t rvkScaleDownBy2u8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride, uint8_t* dst,
                           uint32_t dstStride)
@@ -125,7 +125,7 @@ void rvkScaleDownBy2Gaussian5x5f32_v2(const float32_t* srcImg, uint32_t width, u
     halve(srcImg, width, height, srcStride, dst, dstStride);
 }
 
-// ---- fixed ratios: up -------------------------------------------------------------------------------------------------
+// ---- fixed ratios: up -----------------------------------------------------------------------------------------------
 
 void rvkScaleUpBy2Gaussian5x5u8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint8_t* dst)
 {

@@ -11,8 +11,8 @@ uint64_t rowEnd(uint32_t xBegin, uint32_t recWidth)
     return uint64_t{xBegin} + recWidth;
 }
 
-// Rows of a picture whose width is not known end with the rectangle. One that does not fit 32 bits becomes a stride that is
-// too short for it.
+// Rows of a picture whose width is not known end with the rectangle. One that does not fit 32 bits becomes a stride
+// that is too short for it.
 uint32_t packedToRectangle(uint32_t stride, uint32_t xBegin, uint32_t recWidth)
 {
     if (stride != 0)

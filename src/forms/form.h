@@ -11,8 +11,8 @@
 //
 //     } // namespace RVK_ROOM
 //
-// A driver has one name and one list of parameters in both rooms. What differs between the rooms is no form and stands in
-// the units.
+// A driver has one name and one list of parameters in both rooms. What differs between the rooms is no form and stands
+// in the units.
 #pragma once
 
 #if defined(RVK_ISA)

@@ -1,4 +1,5 @@
-// Affine patches of 8 x 8 pixels and the plainer clipped transforms, by the functions of any size and rule of either room.
+// Affine patches of 8 x 8 pixels and the plainer clipped transforms, by the functions of any size and rule of either
+// room.
 #pragma once
 
 #include "forms/form.h"

@@ -5,7 +5,7 @@
 
 namespace RVK_ROOM {
 
-// ---- YCbCr to YCbCr ---------------------------------------------------------------------------------------------------
+// ---- YCbCr to YCbCr -------------------------------------------------------------------------------------------------
 
 void RVK_FORM(rvkColorYCbCr444PlanarToYCbCr422Planaru8)(RVK_FROM_PLANAR, RVK_TO_PLANAR)
 {
@@ -157,7 +157,7 @@ void RVK_FORM(rvkColorYCbCr420PseudoPlanarToYCbCr422PseudoPlanaru8)(RVK_FROM_PSE
     convert(Conversion<PseudoPlanar<S420>, PseudoPlanar<S422>>{RVK_PSEUDO_SRC, RVK_PSEUDO_DST});
 }
 
-// ---- Channels ---------------------------------------------------------------------------------------------------------
+// ---- Channels -------------------------------------------------------------------------------------------------------
 
 void RVK_FORM(rvkColorCbCrSwapu8)(RVK_FROM_PACKED, RVK_TO_PACKED)
 {
@@ -202,7 +202,7 @@ rvkStatus RVK_FORM(rvkChannelExtractu8)(const uint8_t* src1, uint32_t srcWidth, 
     return RAVIK_SUCCESS;
 }
 
-// ---- rows: pictures of one row, or two, of which only the chroma counts -----------------------------------------------
+// ---- rows: pictures of one row, or two, of which only the chroma counts ---------------------------------------------
 
 void RVK_FORM(irvkRowDownsampleBy2)(const uint8_t* src, uint32_t width, uint8_t* dst)
 {

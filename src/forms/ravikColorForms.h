@@ -5,7 +5,7 @@
 
 namespace RVK_ROOM {
 
-// ---- RGB to YCbCr -----------------------------------------------------------------------------------------------------
+// ---- RGB to YCbCr ---------------------------------------------------------------------------------------------------
 
 void RVK_FORM(rvkColorRGB565ToYCbCr444Planaru8)(RVK_FROM_PACKED, RVK_TO_PLANAR)
 {
@@ -97,7 +97,7 @@ void RVK_FORM(rvkColorRGBA8888ToYCbCr420PseudoPlanaru8)(RVK_FROM_PACKED, RVK_TO_
     convert(Conversion<Bgra8888, PseudoPlanar<S420>>{RVK_PACKED_SRC, RVK_PSEUDO_DST});
 }
 
-// ---- YCbCr to RGB -----------------------------------------------------------------------------------------------------
+// ---- YCbCr to RGB ---------------------------------------------------------------------------------------------------
 
 void RVK_FORM(rvkColorYCbCr444PlanarToRGB565u8)(RVK_FROM_PLANAR, RVK_TO_PACKED)
 {
@@ -229,7 +229,7 @@ void RVK_FORM(rvkColorYUV420toRGB8888u8)(RVK_FROM_PSEUDO, RVK_TO_PACKED)
     convert(Conversion<CrCb<S420>, Rgba8888>{RVK_PSEUDO_SRC, RVK_PACKED_DST});
 }
 
-// ---- Layouts of RGB ---------------------------------------------------------------------------------------------------
+// ---- Layouts of RGB -------------------------------------------------------------------------------------------------
 
 void RVK_FORM(rvkColorRGB565ToRGB888u8)(RVK_FROM_PACKED, RVK_TO_PACKED)
 {
@@ -311,7 +311,7 @@ void RVK_FORM(rvkColorRGB888ToRGB565Rotate180u8)(RVK_FROM_PACKED, RVK_TO_PACKED)
     convert(Conversion<Rgb888, Rotated180<Rgb565>>{RVK_PACKED_SRC, RVK_PACKED_DST});
 }
 
-// ---- Other colour spaces ----------------------------------------------------------------------------------------------
+// ---- Other colour spaces --------------------------------------------------------------------------------------------
 
 void RVK_FORM(rvkColorRGB888ToGrayu8)(RVK_FROM_PACKED, RVK_TO_PACKED)
 {

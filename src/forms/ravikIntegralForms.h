@@ -1,5 +1,5 @@
-// The integral images, by the drivers integrateImage, integrateBoth, integratePatch, integrateSquarePatch, integrateInclusive,
-// integratePairs and integrateLine of either room.
+// The integral images, by the drivers integrateImage, integrateBoth, integratePatch, integrateSquarePatch,
+// integrateInclusive, integratePairs and integrateLine of either room.
 #pragma once
 
 #include "forms/form.h"

@@ -1,5 +1,5 @@
-// Scaling by any ratio, by the drivers of either room: scaleNearest, scaleBilinear, scaleArea, scaleCubic; and by the kernel
-// of means.
+// Scaling by any ratio, by the drivers of either room: scaleNearest, scaleBilinear, scaleArea, scaleCubic; and by the
+// kernel of means.
 #pragma once
 
 #include "forms/form.h"

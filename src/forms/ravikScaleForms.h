@@ -5,7 +5,7 @@
 
 namespace RVK_ROOM {
 
-// ---- down -------------------------------------------------------------------------------------------------------------
+// ---- down -----------------------------------------------------------------------------------------------------------
 
 int32_t RVK_FORM(rvkScaleDownBy2u8_v2)(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
                                        uint8_t* dst, uint32_t dstStride)
@@ -25,7 +25,7 @@ void RVK_FORM(rvkScaleDownBy2Gaussian5x5f32)(const float32_t* srcImg, uint32_t w
     RVK_FORM(rvkScaleDownBy2Gaussian5x5f32_v2)(srcImg, width, height, width * size, dst, width / 2 * size);
 }
 
-// ---- up: `repeat` gives each pixel of so many bytes so many times across and down ----------------------------------------
+// ---- up: `repeat` gives each pixel of so many bytes so many times across and down -----------------------------------
 
 void RVK_FORM(rvkUpsampleVerticalu8)(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
                                      uint8_t* dst, uint32_t dstStride)

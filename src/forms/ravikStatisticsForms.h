@@ -1,5 +1,5 @@
-// The statistics of grey values, and pictures changed by tables of them, by the drivers sumsOf, countPixels and lookUp of
-// either room.
+// The statistics of grey values, and pictures changed by tables of them, by the drivers sumsOf, countPixels and lookUp
+// of either room.
 #pragma once
 
 #include "cpu/ravikStatisticsC.h"

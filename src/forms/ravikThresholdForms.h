@@ -1,5 +1,5 @@
-// Thresholds by three drivers of either room: `threshold` tells pixels from `least` on from the others, `range` those from
-// low to high, `adaptive` compares pixels with the picture that a filter writes to the destination.
+// Thresholds by three drivers of either room: `threshold` tells pixels from `least` on from the others, `range` those
+// from low to high, `adaptive` compares pixels with the picture that a filter writes to the destination.
 #pragma once
 
 #include "forms/form.h"

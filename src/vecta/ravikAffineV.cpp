@@ -8,8 +8,8 @@ namespace rvk::vecta::RVK_ISA {
 
 // ---- patches --------------------------------------------------------------------------------------------------------
 //
-// Positions add up along rows, so rows stand beside each other in vectors: squares of 8 x 8 pixels are computed column by
-// column and transposed at the end.
+// Positions add up along rows, so rows stand beside each other in vectors: squares of 8 x 8 pixels are computed column
+// by column and transposed at the end.
 
 namespace {
 
@@ -176,8 +176,8 @@ rvkStatus rvkTransformAffineu8_v2V(const uint8_t* src, uint32_t srcWidth, uint32
 
 namespace {
 
-// Which of the pixels 0 .. count of a row may have coordinates from 0 to `last`, when pixel i is at start + i * step: all
-// those, and few others, for rounding.
+// Which of the pixels 0 .. count of a row may have coordinates from 0 to `last`, when pixel i is at start + i * step:
+// all those, and few others, for rounding.
 struct Candidates
 {
     uint32_t first, end;
@@ -235,8 +235,8 @@ private:
     Vecs<uint32_t, 2> m_lanes;
 };
 
-// The pixels of a run for whose positions a condition holds, which holds for those between two of them, too; and a call for
-// each other one.
+// The pixels of a run for whose positions a condition holds, which holds for those between two of them, too; and a call
+// for each other one.
 struct Interior
 {
     size_t first, end;
@@ -451,8 +451,8 @@ struct CubicWeights
     }
 };
 
-// Interleaved pixels of three bytes, bicubic. A pixel at a time: its window's four rows are weighted side by side in one
-// vector or two, then the four pixels of their sum.
+// Interleaved pixels of three bytes, bicubic. A pixel at a time: its window's four rows are weighted side by side in
+// one vector or two, then the four pixels of their sum.
 class CubicRgbSampler
 {
 public:
@@ -648,7 +648,8 @@ struct NearestPixels
     }
 };
 
-// The depths of a vector of columns. Whether disparities are positive is asked of their bits, because subnormals are, too.
+// The depths of a vector of columns. Whether disparities are positive is asked of their bits, because subnormals are,
+// too.
 RVK_INLINE Vec<float> depthAt(const LensRow& row, Vec<int32_t> column, const uint8_t* src, uint32_t width,
                               uint32_t height, uint32_t stride, float ofOne)
 {

@@ -270,8 +270,8 @@ RVK_INLINE Quad toFloats(Bytes v)
 
 #if defined(__arm__)
 
-// Looked up, because there is no division of vectors: the filter takes 22.0 instructions a pixel, computed as below 34.6
-// (with g++; with clang 25.2 and 25.5), one of them a division.
+// Looked up, because there is no division of vectors: the filter takes 22.0 instructions a pixel, computed as below
+// 34.6 (with g++; with clang 25.2 and 25.5), one of them a division.
 class RecursiveWeights
 {
 public:
@@ -396,8 +396,8 @@ RVK_INLINE void interleaveInLanes(Vec<T> (&v)[n])
     });
 }
 
-// As many rows side by side as a vector has lanes: all rows' first pixels, second pixels, ... Weights at the edges of the
-// picture are 0, and so the filters begin with the first pixel inside.
+// As many rows side by side as a vector has lanes: all rows' first pixels, second pixels, ... Weights at the edges of
+// the picture are 0, and so the filters begin with the first pixel inside.
 class RowBlock
 {
     static constexpr size_t kRows = Floats::lanes;

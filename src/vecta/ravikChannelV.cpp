@@ -1,5 +1,5 @@
-// Vector implementations of the functions on chroma and channels: steps that one driver walks over rows. Where chroma is
-// halved or doubled across, a unit is two pixels.
+// Vector implementations of the functions on chroma and channels: steps that one driver walks over rows. Where chroma
+// is halved or doubled across, a unit is two pixels.
 #include "color.h"
 #include "vecta/simd/steps.h"
 #include "vecta/vecta.h"
@@ -77,8 +77,8 @@ RVK_INLINE bool allPacked(const Plane (&planes)[count], size_t rowBytes)
 // More bytes than second-level caches hold.
 constexpr size_t kLargePicture = size_t{3} << 20;
 
-// Planes of `width` pixels; a plane has `height` rows, or half of them where the other side has two for each of its own.
-// Rows without gaps are walked as one.
+// Planes of `width` pixels; a plane has `height` rows, or half of them where the other side has two for each of its
+// own. Rows without gaps are walked as one.
 template <class Step, size_t sources, size_t targets>
 RVK_NOINLINE void mapPlanes(size_t width, size_t height, const SourcePlane (&src)[sources],
                             const TargetPlane (&dst)[targets])

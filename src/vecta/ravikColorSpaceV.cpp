@@ -49,8 +49,9 @@ struct Quotients
     Vec<int32_t> hue, saturation;
 };
 
-// 256/6 * sixths / range and 255 * range / value, rounded, of 255 * range. Exact quotients of numbers this small that are no
-// halves are further from a half than 2^-11; what is added to the half lifts saturations that are halves over the error.
+// 256/6 * sixths / range and 255 * range / value, rounded, of 255 * range. Exact quotients of numbers this small that
+// are no halves are further from a half than 2^-11; what is added to the half lifts saturations that are halves over
+// the error.
 RVK_INLINE Quotients quotients(Vec<uint32_t> sixths, Vec<uint32_t> range255, Vec<uint32_t> value)
 {
     const Vec<float> d = toFloat(range255), v = toFloat(value);
@@ -80,8 +81,8 @@ RVK_INLINE Vecs<uint8_t, 3> hsvOf(const Vecs<uint8_t, 3>& rgb)
     const Vec<uint8_t> range = max(value - least, one); // greys divide by 1
     const Mask<uint8_t> isRed = equal(value, red), isGreen = equal(value, green);
 
-    // The sixths of the circle, in units of 1/range, and a whole turn more where red is the largest: none is negative, and
-    // greys have hue 0.
+    // The sixths of the circle, in units of 1/range, and a whole turn more where red is the largest: none is negative,
+    // and greys have hue 0.
     const Vec<uint8_t> whole = select(isRed, splat<uint8_t>(6), select(isGreen, splat<uint8_t>(2), splat<uint8_t>(4)));
     const Vec<uint8_t> minuend = select(isRed, green, select(isGreen, blue, red));
     const Vec<uint8_t> subtrahend = select(isRed, blue, select(isGreen, red, green));

@@ -117,8 +117,8 @@ RVK_INLINE void putStep(const TwoRowsOf<Vecs<int16_t, 2>>& step, TwoRowsOf<D*> d
 
 // ---- kernels of two dimensions ------------------------------------------------------------------
 
-// What the windows of `outputColumns` x `outputRows` outputs cover: they begin beforeX columns and beforeY rows ahead of
-// the source.
+// What the windows of `outputColumns` x `outputRows` outputs cover: they begin beforeX columns and beforeY rows ahead
+// of the source.
 template <class S>
 struct Source
 {
@@ -318,8 +318,8 @@ RVK_INLINE bool canShiftLeft(const Taps<int16_t>& kernel, Range sums, unsigned l
     return Range{sums.lowest * factor, sums.highest * factor}.isWithin(INT32_MIN, INT32_MAX);
 }
 
-// A filter does not amplify, as a rule. Then sums that are shifted left first, by way of the weights, still fit 32 bits,
-// and the shift to the right is 16. Small weights that are not negative even have sums of 16 bits on bytes.
+// A filter does not amplify, as a rule. Then sums that are shifted left first, by way of the weights, still fit 32
+// bits, and the shift to the right is 16. Small weights that are not negative even have sums of 16 bits on bytes.
 RVK_NOINLINE ShiftedLine shiftedLine(const Taps<int16_t>& kernel, unsigned shift, Range elements, int16_t* to)
 {
     const size_t count = kernel.M * kernel.N;

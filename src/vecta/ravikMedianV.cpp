@@ -136,9 +136,9 @@ RVK_INLINE void filterWithRing(const Ring& ring)
 
 using Shorts = Vec<int16_t>;
 
-// The rows that the windows of two neighbouring rows of outputs have in common. When each row is in order, and then each
-// column, the core is in order along both, as are zeros and ones in it. The median of a window is among as many values
-// of the core as the row that is missing has, and one more.
+// The rows that the windows of two neighbouring rows of outputs have in common. When each row is in order, and then
+// each column, the core is in order along both, as are zeros and ones in it. The median of a window is among as many
+// values of the core as the row that is missing has, and one more.
 template <size_t M, size_t N>
 struct Core
 {

@@ -342,8 +342,8 @@ RVK_INLINE void mapColumns(size_t begin, size_t end, uint8_t* dst, Formula formu
 
 // Bilinear values at odd multiples of 1 / (2 * times) of a pixel are sums of four pixels by whole weights.
 
-// A row that is `part` parts of 2 * times below `upper`, as sums by weights in such parts. The sums before the first and
-// behind the last one repeat those.
+// A row that is `part` parts of 2 * times below `upper`, as sums by weights in such parts. The sums before the first
+// and behind the last one repeat those.
 template <unsigned times>
 RVK_INLINE void sumRows(const uint8_t* upper, const uint8_t* lower, uint8_t part, size_t width, uint16_t* sums)
 {

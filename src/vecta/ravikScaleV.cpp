@@ -6,7 +6,7 @@
 namespace rvk::vecta::RVK_ISA {
 namespace {
 
-// ---- blocks of pixels: steps over rows of them ------------------------------------------------------------------------
+// ---- blocks of pixels: steps over rows of them ----------------------------------------------------------------------
 
 struct Corners
 {
@@ -64,13 +64,13 @@ RVK_INLINE void repeat(uint32_t width, uint32_t height, Plane<const uint8_t> src
 
 // ---- weighted means -------------------------------------------------------------------------------------------------
 
-// floor(1/2 + sum * reciprocal) for the single-precision reciprocal of the weights, in integers: the mean, rounded half up.
-// The reciprocal's error is too small to matter but where the mean lies half way and the reciprocal was rounded down. Of
-// even weights only 100 and 110 have such ones, and their windows, of two columns or rows, have even sums, 100's multiples
-// of 4, which are no odd multiples of 55 and 50.
+// floor(1/2 + sum * reciprocal) for the single-precision reciprocal of the weights, in integers: the mean, rounded half
+// up. The reciprocal's error is too small to matter but where the mean lies half way and the reciprocal was rounded
+// down. Of even weights only 100 and 110 have such ones, and their windows, of two columns or rows, have even sums,
+// 100's multiples of 4, which are no odd multiples of 55 and 50.
 //
-// So the mean is (sum + half) / weights, and a multiplication divides where excess * (sum + half) < 2^(16 + shift) for the
-// excess = multiplier * weights - 2^(16 + shift) (Granlund and Montgomery, "Division by Invariant Integers using
+// So the mean is (sum + half) / weights, and a multiplication divides where excess * (sum + half) < 2^(16 + shift) for
+// the excess = multiplier * weights - 2^(16 + shift) (Granlund and Montgomery, "Division by Invariant Integers using
 // Multiplication", 1994).
 struct Mean
 {
@@ -133,8 +133,8 @@ RVK_INLINE float laneOf(Vec<float> sums, size_t i)
 // ---- binomial means at every second pixel ---------------------------------------------------------------------------
 //
 // A Halving says what the window is. Sums along the rows come first, each of every second window, and are added down
-// columns, while what two outputs have in common stays in registers. What lies outside the picture is 0, and the means of
-// the outputs beside it are put right one by one.
+// columns, while what two outputs have in common stays in registers. What lies outside the picture is 0, and the means
+// of the outputs beside it are put right one by one.
 
 // Down a column: `next` takes the two rows of sums below the last output's middle one.
 struct Down3
@@ -380,8 +380,8 @@ RVK_INLINE void halve(size_t width, size_t height, Plane<const T> src, Plane<T> 
 
 // ---- binomial means between pixels ----------------------------------------------------------------------------------
 //
-// Of a row: sums for the pixels on the source's, weights 1 6 1, and for those between them, weights 1 1 in place of 4 4.
-// Edges as above.
+// Of a row: sums for the pixels on the source's, weights 1 6 1, and for those between them, weights 1 1 in place of 4
+// 4. Edges as above.
 
 static_assert(allExact<2, 4, 6, 7, 8, 12, 14, 16, 36, 42, 48, 49, 56>);
 
@@ -477,8 +477,8 @@ struct EdgeByTurns
     }
 };
 
-// One column of the source: sumsOf(y) gives the sums of row y, targetOf(y) is where row y of the destination goes, done(y,
-// rows) gets both that come of row y.
+// One column of the source: sumsOf(y) gives the sums of row y, targetOf(y) is where row y of the destination goes,
+// done(y, rows) gets both that come of row y.
 template <class SumsOf, class TargetOf, class Done>
 RVK_INLINE void doubleDown(const RowRange& rows, SumsOf sumsOf, TargetOf targetOf, Done done)
 {
@@ -533,7 +533,7 @@ RVK_NOINLINE void doubleNarrow(size_t width, size_t height, Plane<const uint8_t>
 
 } // namespace
 
-// ---- down -------------------------------------------------------------------------------------------------------------
+// ---- down -----------------------------------------------------------------------------------------------------------
 
 int32_t rvkScaleDownBy2u8V(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride, uint8_t* dst,
                            uint32_t dstStride)
@@ -574,7 +574,7 @@ void rvkScaleDownBy2Gaussian5x5f32_v2V(const float32_t* srcImg, uint32_t width, 
     halve<FloatHalving5x5>(width, height, Plane{srcImg, srcStride}, Plane{dst, dstStride});
 }
 
-// ---- up ---------------------------------------------------------------------------------------------------------------
+// ---- up -------------------------------------------------------------------------------------------------------------
 
 void rvkScaleUpBy2Gaussian5x5u8_v2V(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
                                     uint8_t* dst, uint32_t dstStride)

@@ -3,8 +3,8 @@
 // where the call must be refused before it looks at them.
 //
 // No call reads or writes outside of its pictures, or writes to a source; a refused one writes nothing; what the
-// descriptor says is refused is; VECTA gives what the reference gives. With RAVIK_FUZZ_TRACE in the environment each call
-// is printed: functionFuzz FIND shows what was found.
+// descriptor says is refused is; VECTA gives what the reference gives. With RAVIK_FUZZ_TRACE in the environment each
+// call is printed: functionFuzz FIND shows what was found.
 #include "fuzzing.h"
 
 #include "../support/guarded.h"

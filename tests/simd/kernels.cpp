@@ -3,6 +3,7 @@
 
 #include "vecta/simd/chroma.h"
 #include "vecta/simd/runningSums.h"
+#include "vecta/simd/blocks.h"
 #include "vecta/simd/scaling.h"
 #include "vecta/simd/tables.h"
 #include "vecta/simd/tiles.h"

@@ -1,10 +1,10 @@
 // Between red, green, blue and luma, chroma: full-range BT.601 in fixed point, a vector of pixels at a time.
 //
-// Of luma and grey, all pixels of a vector are summed in 16 bits. x86 multiplies neighbouring bytes by two weights and adds
-// the products in one instruction, so there the sums of even and of odd pixels lie apart, and nothing is shuffled.
+// Of luma and grey, all pixels of a vector are summed in 16 bits. x86 multiplies neighbouring bytes by two weights and
+// adds the products in one instruction, so there the sums of even and of odd pixels lie apart, and nothing is shuffled.
 //
-// What chroma adds to a channel lies between -255 and 255. For pixels that share it, it is made once and kept as two bytes,
-// of which one is zero: the channel of a pixel is luma + more - less, each saturated.
+// What chroma adds to a channel lies between -255 and 255. For pixels that share it, it is made once and kept as two
+// bytes, of which one is zero: the channel of a pixel is luma + more - less, each saturated.
 #pragma once
 
 #include "vecta/simd/simd.h"
@@ -350,7 +350,8 @@ struct OwnOffsets
     }
 };
 
-// d = Cb - 128 and e = Cr - 128. Of red, 359e is 256e + 103e; of green, -183e is 73e - 256e; of blue, 454d is 512d - 58d.
+// d = Cb - 128 and e = Cr - 128. Of red, 359e is 256e + 103e; of green, -183e is 73e - 256e; of blue, 454d is 512d -
+// 58d.
 RVK_INLINE OwnOffsets offsetsOf(Chroma c)
 {
     const Vec<uint8_t> offset = splat<uint8_t>(128);
@@ -415,8 +416,8 @@ RVK_INLINE void loadSharedOffsets(const uint8_t* cb, const uint8_t* cr, Offsets 
 
 #if RVK_AVX512
 
-// The products of four bytes are summed at once: red, green, blue, and green again, since its weight is too large for one
-// signed byte.
+// The products of four bytes are summed at once: red, green, blue, and green again, since its weight is too large for
+// one signed byte.
 RVK_INLINE Vec<int32_t> scaledGreyOf(Vec<uint8_t> pixels)
 {
     const auto weights = [](uint32_t red, uint32_t green, uint32_t blue, uint32_t greenAgain) RVK_INLINE_LAMBDA {

@@ -167,8 +167,8 @@ RVK_INLINE void pin(P*&... p)
     (hide(p), ...);
 }
 
-// The same number, but the compilers cannot tell: for loops over rows, which clang would otherwise have once for each kind
-// of width that their body treats in a way of its own.
+// The same number, but the compilers cannot tell: for loops over rows, which clang would otherwise have once for each
+// kind of width that their body treats in a way of its own.
 RVK_INLINE size_t anyNumber(size_t n)
 {
     __asm__ volatile("" : "+r"(n));

@@ -82,8 +82,9 @@ struct QuickExtremes<float>
 
 #elif defined(__ARM_NEON)
 
-// The float comparisons of this vector unit take subnormal numbers for zero, so floats are compared by their order keys.
-// What is not a number lies beyond both infinities there; an offset that wraps it around makes it lose every comparison.
+// The float comparisons of this vector unit take subnormal numbers for zero, so floats are compared by their order
+// keys. What is not a number lies beyond both infinities there; an offset that wraps it around makes it lose every
+// comparison.
 template <>
 struct Order<float>
 {
@@ -93,8 +94,8 @@ struct Order<float>
 };
 
 // Without keys for every element. As unsigned numbers the bits of floats have their order for numbers that are not
-// negative, and above these the reverse order for negative ones; as signed numbers, the reverse order below. So each lane's
-// extremes are among these three: the largest unsigned, the least unsigned and the largest signed.
+// negative, and above these the reverse order for negative ones; as signed numbers, the reverse order below. So each
+// lane's extremes are among these three: the largest unsigned, the least unsigned and the largest signed.
 template <>
 struct QuickExtremes<float>
 {

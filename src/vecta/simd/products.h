@@ -1,9 +1,9 @@
-// Sums of products of 16-bit elements and 16-bit weights that the caller gives. Sums wrap at 32 bits, so that their order
-// is free.
+// Sums of products of 16-bit elements and 16-bit weights that the caller gives. Sums wrap at 32 bits, so that their
+// order is free.
 //
 // x86 multiplies two pairs and adds the products in one instruction. Two rows of elements therefore lie in memory as a
-// pair, an element of the one beside that of the other. Arm multiplies and adds one product at a time; there the two rows
-// lie one after the other. Rows of a pair are `size` elements long.
+// pair, an element of the one beside that of the other. Arm multiplies and adds one product at a time; there the two
+// rows lie one after the other. Rows of a pair are `size` elements long.
 //
 // A window of two dimensions is summed by addProducts, a pair and two weights at a time. Windows of one dimension have
 // lines of weights:

@@ -1,5 +1,5 @@
-// Pictures of interleaved bytes between their pixels, as cpu/sampling.h defines them: as many pixels at once as there are
-// 16-bit elements in a vector.
+// Pictures of interleaved bytes between their pixels, as cpu/sampling.h defines them: as many pixels at once as there
+// are 16-bit elements in a vector.
 #pragma once
 
 #include "cpu/sampling.h" // SampledImage and constants; none of its functions
@@ -8,8 +8,8 @@
 namespace rvk::vecta::RVK_ISA {
 namespace {
 
-// Where the pixels of a step come from: coordinates in units of which a pixel has 2^unitBits, which may be any floats, and
-// those that are fixed point numbers.
+// Where the pixels of a step come from: coordinates in units of which a pixel has 2^unitBits, which may be any floats,
+// and those that are fixed point numbers.
 constexpr size_t kSampleStep = Vec<uint16_t>::lanes;
 template <unsigned unitBits>
 struct Positions
@@ -369,9 +369,9 @@ RVK_INLINE Vecs<float, 2> loadCoordinates(const float* p, size_t n)
 }
 
 // Fills a picture of at least a step's width, by steps that begin at (x, y): inside(positions, x, y) where all of
-// areInside(positions) are, otherwise anywhere(positions, x, y). Some pixels come twice. Pictures are walked in columns of
-// tiles, so that what neighbouring rows share is still in the cache when the next one comes, whichever way a row takes
-// through the source.
+// areInside(positions) are, otherwise anywhere(positions, x, y). Some pixels come twice. Pictures are walked in columns
+// of tiles, so that what neighbouring rows share is still in the cache when the next one comes, whichever way a row
+// takes through the source.
 template <class Rows, class AreInside, class Inside, class Anywhere>
 RVK_INLINE void forSteps(size_t width, size_t height, Rows rows, AreInside areInside, Inside inside, Anywhere anywhere)
 {
@@ -408,8 +408,8 @@ RVK_INLINE StepSampler<channels, interpolation, unitBits> samplerOf(const Sample
     return StepSampler<channels, interpolation, unitBits>(image);
 }
 
-// Fills a picture with samples of another. rows(y) gives what gives the positions of row y: row(x, n), those of n pixels
-// from x on.
+// Fills a picture with samples of another. rows(y) gives what gives the positions of row y: row(x, n), those of n
+// pixels from x on.
 template <size_t channels, uint32_t interpolation, class Rows>
 RVK_INLINE void sampleImage(const SampledImage& image, size_t width, size_t height, Plane<uint8_t> dst, Rows rows)
 {

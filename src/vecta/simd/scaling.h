@@ -1,5 +1,5 @@
-// Sums of the bytes of a row that becomes shorter or longer, and how they become bytes again. Steps are as many outputs, or
-// whole groups of bytes, as a vector of bytes has lanes.
+// Sums of the bytes of a row that becomes shorter or longer, and how they become bytes again. Steps are as many
+// outputs, or whole groups of bytes, as a vector of bytes has lanes.
 #pragma once
 
 #include "vecta/simd/rowSums.h"
@@ -20,8 +20,8 @@ struct EvenAndOdd
 
 // ---- every second pixel ---------------------------------------------------------------------------------------------
 
-// The weighted sums of the windows that start at p, p + 2, ..., in this order: as many as a vector of bytes has lanes. Reads
-// no further than to the end of the last window.
+// The weighted sums of the windows that start at p, p + 2, ..., in this order: as many as a vector of bytes has lanes.
+// Reads no further than to the end of the last window.
 template <class W, At at>
 RVK_INLINE Vecs<SumOf<uint8_t, W>, 2> everySecondSum(const uint8_t* p)
 {
@@ -71,8 +71,8 @@ RVK_INLINE Vecs<float, 5> loadEverySecond5(const float* p)
 
 // ---- three pixels to two --------------------------------------------------------------------------------------------
 
-// What a vector of sums is made of: x y y z of each triple from p on. Those of a vector and of the next take six quarters of
-// a vector; the second is loaded from a quarter ahead of its triples, so that nothing behind them is read.
+// What a vector of sums is made of: x y y z of each triple from p on. Those of a vector and of the next take six
+// quarters of a vector; the second is loaded from a quarter ahead of its triples, so that nothing behind them is read.
 template <bool second>
 RVK_INLINE Vec<uint8_t> loadThirds(const uint8_t* p)
 {

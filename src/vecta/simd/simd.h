@@ -11,12 +11,12 @@
 //             be 0; loads give zero in the lanes after them
 //             loadWiden<To>(p): Vec<To>::lanes elements half as wide, or bytes to 32 bits
 //             load2, load3, load4(p) -> Vecs<T, n>: the channels of interleaved pixels; store2, store3, store4(p, vs)
-//             loadMeans<T>(p), loadMeans<T>(p, q): u8, the rounded means of the bytes of each element of T, 8 or 16 bits,
-//             with those of its neighbour; with q, of those and the two in the row there. load2Means -> Vecs<uint8_t, 2>:
-//             of pairs of bytes, the two apart
+//             loadMeans<T>(p), loadMeans<T>(p, q): u8, the rounded means of the bytes of each element of T, 8 or 16
+//             bits, with those of its neighbour; with q, of those and the two in the row there. load2Means ->
+//             Vecs<uint8_t, 2>: of pairs of bytes, the two apart
 //             storeTwice<T>(p, v): u8, each element of T, 8 or 16 bits, twice; store2Twice(p, vs): each pair twice
-//             copyPastCaches(from, to, n): of what will not be found in the caches again; kWritesPastCaches: whether that
-//             is any different; storeInterleavedPastCaches(p, vs): store2, store3, store4 to an address of whole
+//             copyPastCaches(from, to, n): of what will not be found in the caches again; kWritesPastCaches: whether
+//             that is any different; storeInterleavedPastCaches(p, vs): store2, store3, store4 to an address of whole
 //             registers; finishWritesPastCaches() after the last one
 //             prefetch(p, n): n elements are wanted soon; nothing on Arm, where it takes instructions that filters feel
 // Constants   splat(x), zero<T>(), iota<T>(): 0, 1, 2, ...
@@ -58,8 +58,8 @@
 //             multiplyQ15<factor>(v): s16, v * factor / 2^15, rounded down; multiplyQ8(a, b): u16, (a * b + 128) / 2^8,
 //             saturated
 //             both(vs, f), both(vs, ws, f): f on both halves
-//  ..Split    32-bit elements in two vectors, in the order of which joinSplit(vs) -> u16 is cheapest: their lower halves,
-//             in the order of memory. loadSplit(p) -> Vecs<T, 2>; iotaSplit<T>(): the numbers of the elements;
+//  ..Split    32-bit elements in two vectors, in the order of which joinSplit(vs) -> u16 is cheapest: their lower
+//             halves, in the order of memory. loadSplit(p) -> Vecs<T, 2>; iotaSplit<T>(): the numbers of the elements;
 //             orderSplit(vs): all of them in the order of memory
 //  ..InLanes  widenInLanes, narrowInLanes, narrowSatInLanes<To>, narrowShiftedInLanes<count>, multiplyWideInLanes,
 //             zipInLanes: the same, with the lanes of the wide vectors in the order that is cheapest. What one takes
@@ -73,16 +73,16 @@
 // Tables      lookup16(loadTable16(p), indices below 16), lookup32(loadTable32(p), indices below 32),
 //             lookup(prepare(table of 256 bytes), any indices): u8. The table must stay where it is while the prepared
 //             one is in use
-//             lookupWindows<n>(row, offsets, indices): u8; lanes w * kWindow to w * kWindow + kWindow - 1 are bytes of the
-//             row, of the n * kWindow bytes from offsets[w] on those with these indices; n is 1 or 2
+//             lookupWindows<n>(row, offsets, indices): u8; lanes w * kWindow to w * kWindow + kWindow - 1 are bytes of
+//             the row, of the n * kWindow bytes from offsets[w] on those with these indices; n is 1 or 2
 // Scattered   gatherBytes, gatherPairs(p, split offsets below 2^31) -> u16: the byte, or the two bytes, at p + offset;
 //             kGatherReach: bytes from there on that may be read, 2 or more. gatherWords(p, offsets) -> u32: four bytes
-// Sums        addNeighbours(v), addNeighboursTo(acc, v): u8 to u16, v[2i] + v[2i + 1]; addNeighboursInLanes(a, b): of u16
-//             below 2^15
+// Sums        addNeighbours(v), addNeighboursTo(acc, v): u8 to u16, v[2i] + v[2i + 1]; addNeighboursInLanes(a, b): of
+//             u16 below 2^15
 //             addBytesTo(acc u32, u8), addTo(acc, v) for u16 to u32, s16 to s32, u32 to u64, s32 to s64: each element
 //             of v is added to some lane of acc; reduceAdd(v): exact for u8, u16 and s16, wrapping for 32 and 64 bits
-//             addDot(acc, a, b): u8, s8: each product is added to some lane of acc, 32 bits, which wrap. In two parts, where
-//             one a meets several b: addPartOfDot(acc, a, b) lacks restOfDot() of addToRestOfDot(acc, a)
+//             addDot(acc, a, b): u8, s8: each product is added to some lane of acc, 32 bits, which wrap. In two parts,
+//             where one a meets several b: addPartOfDot(acc, a, b) lacks restOfDot() of addToRestOfDot(acc, a)
 //             storeSums(p, vs): p[i] = reduceAdd(vs[i]) of four vectors of 32 bits
 //             Total<T>: add(v), value(): of many; u8 modulo 2^32, s32 modulo 2^64
 //             reduceMin, reduceMax(v): 8, 16, 32 bits, and floats without not-a-numbers

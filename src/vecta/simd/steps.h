@@ -1,5 +1,5 @@
-// Rows made of other rows, a step at a time. A step is what is made of whole vectors: `units` units, each of `in` bytes of
-// every source row and `out` bytes of every destination row:
+// Rows made of other rows, a step at a time. A step is what is made of whole vectors: `units` units, each of `in` bytes
+// of every source row and `out` bytes of every destination row:
 //
 //     struct Interleave : WholeUnits {
 //         static constexpr size_t units = Vec<uint8_t>::lanes, in = 1, out = 2;

@@ -1,5 +1,5 @@
-// Columns of a destination that are weighted sums of a few pixels of a row: which pixels, with which weights, is made into
-// a table once, from which rows are computed by shuffles.
+// Columns of a destination that are weighted sums of a few pixels of a row: which pixels, with which weights, is made
+// into a table once, from which rows are computed by shuffles.
 //
 // A step is as many columns as a vector has lanes of 16 bits. A column takes one or two pairs of bytes, each with two
 // weights; TapsOfStep is what the table has for one pair of each column of a step.
@@ -32,8 +32,8 @@ struct TapsOfStep
 #endif
 };
 
-// Each kind of sum has setWeights, which puts the weights of one pair of a column into the table, and sum, which takes the
-// pairs of all columns of a step and what the table has for them.
+// Each kind of sum has setWeights, which puts the weights of one pair of a column into the table, and sum, which takes
+// the pairs of all columns of a step and what the table has for them.
 
 // (p0 * (2^13 - weight) + p1 * weight + 2^5) / 2^6, rounded down; on x86 its negative, since a signed byte can be -128,
 // but not 128. Between two such rows, between() is of either sign.
@@ -101,8 +101,8 @@ RVK_INLINE Vecs<int16_t, 2> widenPairs(Vec<uint8_t> pairs)
 }
 #endif
 
-// (p0 * weight0 + ... + p3 * weight3 + 2^5) / 2^6, rounded down, for weights of a sum of 2^12 of which no two neighbours
-// make more than that.
+// (p0 * weight0 + ... + p3 * weight3 + 2^5) / 2^6, rounded down, for weights of a sum of 2^12 of which no two
+// neighbours make more than that.
 struct CubicInterpolation
 {
     static constexpr size_t pairs = 2, values = 1;

@@ -1,5 +1,5 @@
-// Squares of pixels that are transposed in registers, and runs of pixels that are mirrored. Pixels are 1, 2, 3 or 4 bytes
-// at any address, rows a signed number of bytes apart.
+// Squares of pixels that are transposed in registers, and runs of pixels that are mirrored. Pixels are 1, 2, 3 or 4
+// bytes at any address, rows a signed number of bytes apart.
 #pragma once
 
 #include "vecta/simd/rows.h"
@@ -152,8 +152,8 @@ RVK_INLINE void forRows(Byte* p, ptrdiff_t step, F f)
 }
 
 // A tile is the part of an image that is transposed in registers: `columns` x `rows` pixels. It consists of `across` x
-// `down` squares of 16-byte blocks. A square is as many columns wide as it has registers: one for each pixel of a block,
-// or half as many where that is too many for the instruction set.
+// `down` squares of 16-byte blocks. A square is as many columns wide as it has registers: one for each pixel of a
+// block, or half as many where that is too many for the instruction set.
 template <class Lane, size_t bytes, size_t across = 1, size_t down = 1>
 struct Tile
 {
@@ -190,7 +190,8 @@ struct Tile
                                                                   unrolled<down>([&](auto y) RVK_INLINE_LAMBDA {
                                                                       auto& column = r[i / side][y][i % side];
 #if defined(__aarch64__) && defined(__clang__)
-                                                                      // clang merges the last zips into stores of interleaved halves, which are more.
+                                                                      // clang merges the last zips into stores of
+                                                                      // interleaved halves, which are more.
                                                                       __asm__("" : "+w"(column.raw));
 #endif
                                                                       storeReg(row + bytes * y, column);
@@ -330,7 +331,7 @@ struct Tiles<4>
     using Small = Tile<uint32_t, 16>;
 };
 
-// ---- mirrored runs ---------------------------------------------------------------------------------------------------
+// ---- mirrored runs --------------------------------------------------------------------------------------------------
 
 // As many pixels as registers hold, the other way round.
 template <class Lane, size_t bytes>

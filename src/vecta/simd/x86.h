@@ -694,8 +694,8 @@ RVK_INLINE Vec<int16_t> multiplyRounded(Vec<int16_t> a, Vec<int16_t> b)
     return vec<int16_t>(RVK_MM(mulhrs_epi16)(reg(a), reg(b)));
 }
 
-// (a * b + 2^7) >> 8: the even bytes in the low halves of 16 bits, the odd ones in the high halves, so that nothing need be
-// shuffled, for which 512-bit registers have one port.
+// (a * b + 2^7) >> 8: the even bytes in the low halves of 16 bits, the odd ones in the high halves, so that nothing
+// need be shuffled, for which 512-bit registers have one port.
 RVK_INLINE Vec<uint8_t> multiplyRounded(Vec<uint8_t> a, Vec<uint8_t> b)
 {
     const Vec<uint16_t> x = bitCast<uint16_t>(a), y = bitCast<uint16_t>(b);
@@ -726,7 +726,8 @@ RVK_INLINE Vec<int32_t> shiftRightRounded(Vec<int32_t> v, unsigned count)
     return shiftRight(v + splat(1 << (count - 1)), count);
 }
 
-// narrowSatInLanes of shiftRightRounded, and in order. (What was shifted by two bits or more has no sign bit to mistake.)
+// narrowSatInLanes of shiftRightRounded, and in order. (What was shifted by two bits or more has no sign bit to
+// mistake.)
 template <class To, unsigned count, class T> RVK_INLINE Vec<To> narrowRoundedInLanes(const Vecs<T, 2>& v)
 {
     const auto rounded = both(v, [](auto half) RVK_INLINE_LAMBDA { return shiftRightRounded(half, count); });
@@ -867,8 +868,8 @@ RVK_INLINE Vec<uint8_t> lookup32(const Table32& table, Vec<uint8_t> index)
                                    bitCast<int8_t>(lookup16(table.first, inHalf))));
 }
 
-// Bytes of a row, chosen from windows of it: windows of n * kWindow bytes begin at each of the offsets, and each is where
-// the next kWindow lanes of the result have their indices.
+// Bytes of a row, chosen from windows of it: windows of n * kWindow bytes begin at each of the offsets, and each is
+// where the next kWindow lanes of the result have their indices.
 #if RVK_AVX512
 constexpr size_t kWindow = 64;
 #else
@@ -1007,8 +1008,8 @@ RVK_INLINE Vec<int64_t> addTo(Vec<int64_t> acc, Vec<int32_t> v)
     return acc + wide[0] + wide[1];
 }
 
-// Products of bytes, each added to some lane of acc, in two parts; sums wrap. The sum of addPartOfDot(acc, a, b) lacks what
-// restOfDot() gives of a sum that addToRestOfDot(acc, a) made: a part that is the same for all b.
+// Products of bytes, each added to some lane of acc, in two parts; sums wrap. The sum of addPartOfDot(acc, a, b) lacks
+// what restOfDot() gives of a sum that addToRestOfDot(acc, a) made: a part that is the same for all b.
 #if RVK_AVX512
 // The instruction multiplies bytes with signed bytes, so b is moved by 128.
 RVK_INLINE Vec<uint32_t> addPartOfDot(Vec<uint32_t> acc, Vec<uint8_t> a, Vec<uint8_t> b)
