@@ -1,9 +1,9 @@
 // The vector layer beside its scalar definitions.
 #include "simd/kernels.h"
 
+#include "vecta/simd/blocks.h"
 #include "vecta/simd/chroma.h"
 #include "vecta/simd/runningSums.h"
-#include "vecta/simd/blocks.h"
 #include "vecta/simd/scaling.h"
 #include "vecta/simd/tables.h"
 #include "vecta/simd/tiles.h"
