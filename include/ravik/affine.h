@@ -112,9 +112,10 @@ RVK_API rvkStatus rvkInvertAffineTransformf32(const float32_t* matrix, float32_t
  *     radial = 1 + k1 * r2 + k2 * r2^2 + k3 * r2^3
  *     u = fx * (x * radial + 2 * p1 * x * y + p2 * (r2 + 2 * x^2)) + cx
  *     v = fy * (y * radial + p1 * (r2 + 2 * y^2) + 2 * p2 * x * y) + cy
- * in single precision. Of the disparities the nearest is taken, halves rounded up: mixing them across edges would
- * invent depths. depth = fx * baseline / disparity, in the unit of the baseline; 0 where the disparity is 0, negative
- * or no number, and where there is none because (u, v) lies outside of the picture or is not finite.
+ * in single precision, with the reciprocals of fx and fy. Of the disparities the nearest is taken, halves rounded up:
+ * mixing them across edges would invent depths. depth = fx * baseline / disparity, in the unit of the baseline; 0 where
+ * the disparity is 0, negative or no number, and where there is none because (u, v) lies outside of the picture or is
+ * not finite.
  *
  * Strides that are not a multiple of 4 are rounded down to one. The work may run on the DSP only when pointers and
  * strides are multiples of 4. */

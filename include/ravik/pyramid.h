@@ -6,7 +6,7 @@
  *              rvkPyramidLevel_v2 are `stride` bytes apart, 0 meaning packed rows.
  *   Sizes      widths and heights are in pixels, strides and alignments in bytes. A pyramid has at least one level, and
  *              none of them is empty: so it has 32 at most.
- *   Alignment  none is needed.
+ *   Alignment  levels of floats are aligned to 4 bytes, their strides rounded down to that; bytes need none.
  *   Overlap    levels must not overlap; where one begins at the address of another of the same call, the call is
  *              refused.
  *   Errors     null pointers, empty levels, levels without memory, rows longer than their stride and sizes that 32 bits

@@ -4,8 +4,8 @@
  *   Shapes     widths and heights are in pixels and at least 1. Strides are in bytes; 0 means packed rows. A function
  *              that is not given the size of the destination says what it is; sources of which nothing would be left
  *              are refused, and so are sizes that 32 bits do not hold.
- *   Alignment  none is needed. The work on bytes may run on the DSP only when pointers, strides and the source's width
- *              are multiples of 8.
+ *   Alignment  floats are aligned to 4 bytes, bytes need none. The work on bytes may run on the DSP only when pointers,
+ *              strides and the source's width are multiples of 8.
  *   In place   no: images must not overlap.
  *   Floats     on 32-bit Arm the vector code reads and writes subnormal numbers as zero; the rest is exact IEEE.
  *   Errors     null pointers, empty images and rows longer than their stride are refused, and nothing is written:

@@ -409,8 +409,8 @@ private:
         if constexpr (kReadsPairs) {
             const Vec<int16_t> factors = bitCast<int16_t>(splat(m_pitch | kPixel << 16));
             return both(x, y, [=](auto column, auto row) RVK_INLINE_LAMBDA {
-                const auto places = _mm512_mask_blend_epi16(0xaaaaaaaa, reg(shiftRight(row, 16)), reg(column));
-                return bitCast<uint32_t>(dotPairs(vec<int16_t>(places), factors));
+                const Vec<int16_t> rows = bitCast<int16_t>(shiftRight(row, 16));
+                return bitCast<uint32_t>(dotPairs(blend(0xaaaaaaaa, rows, bitCast<int16_t>(column)), factors));
             });
         }
 #endif
