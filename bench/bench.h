@@ -104,6 +104,7 @@ struct Traffic
     double bytesPerPixel;
     bool streaming = false; // element by element: memcpy speed is the goal, and 0.6 instructions a pixel of u8 on Arm
     bool byContent = false; // the work depends on the content: the row runs on a natural picture, too
+    bool onNatural = false; // the row runs on a natural picture alone
 };
 constexpr Traffic streaming(double reads, double writes)
 {
@@ -116,6 +117,10 @@ constexpr Traffic traffic(double reads, double writes)
 constexpr Traffic trafficByContent(double reads, double writes)
 {
     return {.bytesPerPixel = reads + writes, .byContent = true};
+}
+constexpr Traffic trafficOnNatural(double reads, double writes)
+{
+    return {.bytesPerPixel = reads + writes, .onNatural = true};
 }
 
 using Work = void (*)(const Picture&);

@@ -60,6 +60,11 @@ std::string contentOf(const Row& row, Content content)
     return content == Content::natural ? ", natural" : ", random";
 }
 
+bool runsOn(const Traffic& bytes, Content content)
+{
+    return content == Content::natural ? bytes.byContent || bytes.onNatural : !bytes.onNatural;
+}
+
 bool isIntel()
 {
     std::ifstream information("/proc/cpuinfo");
@@ -90,7 +95,7 @@ std::vector<Run> runsOf(std::string_view filter, std::initializer_list<Picture> 
     };
     for (const Row& row : allRows())
         for (const Content content : {Content::random, Content::natural}) {
-            if (content == Content::natural && !row.bytes.byContent)
+            if (!runsOn(row.bytes, content))
                 continue;
             if (row.shape.width)
                 add(row, row.shape, content);
