@@ -138,7 +138,7 @@ private:
     }
     void addForArgument(size_t i, const Argument& a)
     {
-        if (a.isImage() && !a.mayBeNull)
+        if (a.isImage() && !a.mayBeNull && !a.isVital)
             add("argument " + std::to_string(i) + " is null", [=](CallValues& v) { v.pointers[i] = nullptr; });
         for (const std::vector<double>& elements : a.refusedElements) {
             const auto& kept = m_elements.emplace_back(elements.begin(), elements.end());
@@ -363,7 +363,8 @@ std::vector<uint8_t> contents(const FunctionCall& call)
 {
     std::vector<uint8_t> all;
     for (const FunctionCall::Block& block : call.blocks())
-        all.insert(all.end(), block.data, block.data + block.bytes());
+        if (!call.isScratch(block))
+            all.insert(all.end(), block.data, block.data + block.bytes());
     return all;
 }
 
@@ -714,6 +715,8 @@ std::string difference(const FunctionCall& call, const std::vector<uint8_t>& exp
 {
     const uint8_t* e = expected.data();
     for (const FunctionCall::Block& block : call.blocks()) {
+        if (call.isScratch(block))
+            continue;
         const bool isFloat = block.element == Element::f32;
         const uint32_t step = isFloat ? 4 : 1;
         for (size_t i = 0; i < block.bytes(); i += step, e += step) {

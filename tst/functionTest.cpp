@@ -64,6 +64,28 @@ Argument Argument::ofRectangleWithOneMore() const
                       "of a rectangle + 1"});
 }
 
+namespace arguments {
+
+Argument scratchForRows(uint32_t words)
+{
+    Argument scratch = dst.measuring({[=](const CaseSizes& sizes) {
+                                          return ImageSize{words + sizes.picture.rows, 1};
+                                      },
+                                      "of scratch"});
+    scratch.isScratch = true;
+    return scratch;
+}
+
+Argument bits()
+{
+    return mask.measuring({[](const CaseSizes& sizes) {
+                               return ImageSize{(uint64_t{sizes.second.width} + 7) / 8, sizes.second.height};
+                           },
+                           "of bits of a second size,"});
+}
+
+} // namespace arguments
+
 ImageSize Argument::sizeIn(const CaseSizes& sizes) const
 {
     if (fixedSize)
@@ -220,6 +242,18 @@ struct SecondSizes
     }
 };
 
+// The case's size by a power of two, 8 at most, that divides both; or any.
+static CaseSize drawSizeByPowerOfTwo(CaseSize size, RandomBits& random)
+{
+    const auto shift = static_cast<uint32_t>(random.between(0, 4));
+    if (shift == 4)
+        return {static_cast<uint32_t>(random.between(0, 2 * size.width)),
+                static_cast<uint32_t>(random.between(0, 2 * size.height))};
+    const bool isDivided = ((size.width | size.height) & ((1u << shift) - 1)) == 0 && random.between(0, 1);
+    return isDivided ? CaseSize{size.width >> shift, size.height >> shift}
+                     : CaseSize{size.width << shift, size.height << shift};
+}
+
 // Draws an interval inside of the size; its length stays what it is when it is no argument.
 static Interval drawInterval(uint32_t size, double span, double least, RandomBits& random)
 {
@@ -279,9 +313,16 @@ static void setDependent(const FunctionTest& test, std::vector<double>& numbers,
 void FunctionTest::drawSizes(std::vector<double>& numbers, CaseSize size, RandomBits& random) const
 {
     setSize(numbers, size);
+    CaseSize byPower{};
+    if (std::any_of(arguments.begin(), arguments.end(), [](const Argument& a) { return a.isByPowerOfTwo; }))
+        byPower = drawSizeByPowerOfTwo(size, random);
     setDependent(
         *this, numbers, size,
-        [&](const Argument& a, uint32_t ofCase) { return SecondSizes(a, ofCase).draw(ofCase, random); },
+        [&](const Argument& a, uint32_t ofCase) -> int64_t {
+            if (a.isByPowerOfTwo)
+                return a.role == Role::secondWidth ? byPower.width : byPower.height;
+            return SecondSizes(a, ofCase).draw(ofCase, random);
+        },
         [&](uint32_t ofCase, uint32_t span, double least) { return drawInterval(ofCase, span, least, random); },
         [&] { return random.next() / 4294967295.0; });
 }
@@ -311,7 +352,7 @@ CaseSize FunctionTest::leastEffective(const std::vector<double>& numbers) const
 
 static bool refusesSecondSize(const Argument& a, double number, double size)
 {
-    return number < 1 || (a.mustNotExceed && number > size) || (a.mustReach && number < size);
+    return (number < 1 && !a.isByPowerOfTwo) || (a.mustNotExceed && number > size) || (a.mustReach && number < size);
 }
 
 bool FunctionTest::refuses(const std::vector<double>& numbers) const

@@ -127,6 +127,11 @@ struct Argument
     uint32_t fixedSize = 0;          // elements in one row, whatever the case; 0: as large as the case
     uint32_t alignment = 0;          // bytes that the address must be a multiple of; 0: of an element
     bool isMask = false;             // half of the elements are 0
+    bool isNatural = false;          // a picture of things, with edges and corners
+    bool isWhole = false;            // floats that are whole numbers
+    bool isList = false;             // an output of which a call writes as much as it finds
+    bool isScratch = false;          // memory that a call may use; what it leaves there does not count
+    bool isVital = false;            // without which the function ends the process
     size_t aliasOf = 0;
     bool isInterior = false; // of the result: the pixels alone whose whole window lies in the picture
     bool mayBeNull = false;
@@ -141,8 +146,10 @@ struct Argument
     // less than the case's is refused.
     double leastPart = 0, mostPart = 2, typicalPart = 1;
     bool mustNotExceed = false, mustReach = false;
-    uint32_t span = 0;          // the rectangle's width or height, of a left or top without an argument for it
-    bool isWindowWidth = false; // the picture is at least as wide, or high, as the scalar says
+    bool isByPowerOfTwo = false; // mostly the case's times a power of two, the same for both
+    bool isCapacity = false;     // of a scalar: there is no room for more
+    uint32_t span = 0;           // the rectangle's width or height, of a left or top without an argument for it
+    bool isWindowWidth = false;  // the picture is at least as wide, or high, as the scalar says
     bool isWindowHeight = false;
     bool hasWindowWidth = false;  // of an image of fixed size: no more is read of it than the window is wide, high,
     bool hasWindowHeight = false; // or the product of both
@@ -193,6 +200,18 @@ struct Argument
     Argument interior() const
     {
         return changed([](Argument& a) { a.isInterior = true; });
+    }
+    Argument natural() const
+    {
+        return changed([](Argument& a) { a.isNatural = true; });
+    }
+    Argument whole() const
+    {
+        return changed([](Argument& a) { a.isWhole = true; });
+    }
+    Argument vital() const
+    {
+        return changed([](Argument& a) { a.isVital = true; });
     }
     Argument orNull() const
     {
@@ -256,6 +275,7 @@ struct Argument
     const Range& rangeOf(size_t index) const { return ranges[index % ranges.size()]; }
     bool isInput() const { return role == Role::source || role == Role::updated || isNumber(); }
     bool isOutput() const { return role == Role::destination || role == Role::updated || role == Role::value; }
+    bool isResult() const { return isOutput() && !isScratch; }
     bool isPicture() const { return isImage() && fixedSize == 0; } // its size follows from that of the case
     bool isSampled() const { return xShift || yShift; }
     bool isMeasured() const { return static_cast<bool>(measure.size); }
@@ -282,12 +302,28 @@ inline const Argument updated{.role = Argument::Role::updated};
 inline const Argument value{.role = Argument::Role::value, .fixedSize = 1};
 inline const Argument mask{.role = Argument::Role::source, .isMask = true};
 inline const Argument null{.role = Argument::Role::null};
+// A list of at most so many elements, of which a call writes as many as it finds, and the argument that says how many
+// there is room for: the least and the largest number.
+inline Argument list(uint32_t elements)
+{
+    return {.role = Argument::Role::destination, .fixedSize = elements, .isList = true};
+}
+inline Argument capacity(double least, double most)
+{
+    return {.role = Argument::Role::scalar, .low = least, .high = most, .isCapacity = true};
+}
+// Scratch memory of the caller: `words` elements and as many as the picture has rows.
+Argument scratchForRows(uint32_t words);
 inline const Argument width{.role = Argument::Role::width};
 inline const Argument height{.role = Argument::Role::height};
 inline const Argument area{.role = Argument::Role::area};
 // The second size, which is any, from 1 to twice that of the case, unless a word says otherwise.
 inline const Argument dstWidth{.role = Argument::Role::secondWidth};
 inline const Argument dstHeight{.role = Argument::Role::secondHeight};
+// A packed mask of one bit for each pixel of another size, and that size.
+Argument bits();
+inline const Argument bitsAcross{.role = Argument::Role::secondWidth, .isByPowerOfTwo = true};
+inline const Argument bitsDown{.role = Argument::Role::secondHeight, .isByPowerOfTwo = true};
 // A rectangle inside the picture. A function without the width or height of a picture takes one that ends where the
 // rectangle does.
 inline const Argument left{.role = Argument::Role::left};

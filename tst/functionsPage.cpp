@@ -20,7 +20,7 @@ Made by `ravikTestData --functions` from the entries in `tst/ravikTest*.cpp`; a 
 - **types**: the elements of the images that are read, and of those that are written; `u8 x 3` has three channels, `u8 per
   2x2` one sample for so many pixels, `u8 of 1/2` half a picture's width and height, `of 2 x 1` twice its width, `of + 1`
   a column and a row more than it has, `of a second size` that of an argument, `of a rectangle +
-  1` a column and a row more than that. What else a function takes or returns is in its header.
+  1` a column and a row more than that, `list` as much as the call finds. What else a function takes or returns is in its header.
 - **border**: the window, and what becomes of the pixels whose window reaches beyond the picture: `kept` leaves the
   destination as it was, `existing` takes the pixels that exist, `nearest` the nearest pixel for one outside, `zero` 0
   for it, `copied` the source's pixel, `unwritten` means that the destination has no such pixels, `choice` that an argument
@@ -52,6 +52,8 @@ std::string typeName(const FunctionTest& test, const Argument& argument)
         name += " mask";
     else if (image.hasWindowWidth || image.hasWindowHeight)
         name += " weights";
+    else if (image.isList)
+        name += " list";
     else if (image.fixedSize > 1)
         name += " x " + std::to_string(image.fixedSize);
     return name;
@@ -81,7 +83,7 @@ std::string types(const FunctionTest& test)
         const bool isRead = argument.role == Role::updated ? !isAliased : argument.role == Role::source;
         if (isRead || argument.role == Role::alias)
             inputs.push_back(typeName(test, argument));
-        if (argument.isOutput())
+        if (argument.isResult())
             outputs.push_back(typeName(test, argument));
     }
     if (test.hasCount)

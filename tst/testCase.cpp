@@ -2,6 +2,7 @@
 
 #include "compareBuffers.h"
 #include "controlScript.h"
+#include "naturalPicture.h"
 #include "testLog.h"
 
 #include <algorithm>
@@ -107,7 +108,7 @@ void fillRow(T* row, size_t count, bool extreme, RandomBits& random)
 // Elements of ranges; at times, in images of many, rounded to whole numbers.
 void fillFromRanges(RAVIK_TEST_Buffer& image, const Argument& argument, CaseSize picture, RandomBits& random)
 {
-    const bool isRounded = !argument.fixedSize && random.between(0, 3) == 0;
+    const bool isRounded = argument.isWhole || (!argument.fixedSize && random.between(0, 3) == 0);
     visitElement(argument.element, [&](auto zero) {
         using T = decltype(zero);
         for (int32_t j = 0; j < image.height; j++)
@@ -161,7 +162,7 @@ std::vector<ScriptField> scriptFields(const FunctionTest& function, ScriptConten
     add(ScriptField::Kind::input, "in", [](const Argument& argument) { return argument.isInput(); });
     if (content == ScriptContent::sources)
         return fields;
-    add(ScriptField::Kind::result, "out", [](const Argument& argument) { return argument.isOutput(); });
+    add(ScriptField::Kind::result, "out", [](const Argument& argument) { return argument.isResult(); });
     if (function.hasCount)
         fields.push_back({ScriptField::Kind::count, 0, Element::u32, false, "count"});
     if (function.hasStatus)
@@ -383,6 +384,9 @@ void TestCase::fillImage(size_t index, RandomBits& random)
         });
     else if (!a.ranges.empty())
         fillFromRanges(image, a, {m_width, m_height}, random);
+    else if (a.isNatural)
+        drawNaturalPicture(image.row(0), static_cast<uint32_t>(image.width), static_cast<uint32_t>(image.height),
+                           image.strideBytes(), random);
     else
         fillWithBits(image, a, random);
 }
@@ -477,7 +481,7 @@ bool TestCase::expectThisOutput(const Outcome& outcome)
 {
     m_expectedOutcome = outcome;
     for (size_t i = 0; i < m_data.size(); i++) {
-        if (!argument(i).isOutput())
+        if (!argument(i).isResult())
             continue;
         if (!m_data[i].expected.Shape(packedShape(i), m_option, true))
             return false;
@@ -495,7 +499,7 @@ int TestCase::compare(const Outcome& outcome, float tolerance)
     }
     int failure = 0;
     for (size_t i = 0; i < m_data.size(); i++) {
-        if (!argument(i).isOutput())
+        if (!argument(i).isResult())
             continue;
         failure |= compareImages(m_data[i].expected, m_data[i].buffer, argument(i).element, tolerance);
         if (!surroundingsAreZero(m_data[i].buffer)) {
@@ -506,7 +510,8 @@ int TestCase::compare(const Outcome& outcome, float tolerance)
     return failure;
 }
 
-// The bytes of each output after a call on memory that is full of `byte`; images that are read keep their contents.
+// The bytes of each output but lists after a call on memory that is full of `byte`; images that are read keep their
+// contents.
 std::vector<std::string> TestCase::outputsOver(uint8_t byte)
 {
     std::vector<std::string> outputs;
@@ -517,7 +522,7 @@ std::vector<std::string> TestCase::outputsOver(uint8_t byte)
             memset(m_data[i].buffer.block(), byte, m_data[i].buffer.blockBytes());
     call();
     for (size_t i = 0; i < m_data.size(); i++)
-        if (argument(i).isOutput())
+        if (argument(i).isResult() && !argument(i).isList)
             outputs.emplace_back(reinterpret_cast<char*>(m_data[i].buffer.block()), m_data[i].buffer.blockBytes());
     return outputs;
 }

@@ -3,6 +3,7 @@
 #include "controlScript.h"
 #include "groups.h"
 #include "inputFile.h"
+#include "naturalPicture.h"
 #include "outputFiles.h"
 #include "testCase.h"
 #include "testTable.h"
@@ -189,7 +190,9 @@ private:
                 line.push_back(rangedSource(function, field, size, width, height));
                 continue;
             }
-            const std::string kind = argument.isMask ? "mask" : "bits" + std::to_string(8 * sizeOf(field.element));
+            const std::string kind = argument.isMask      ? "mask"
+                                     : argument.isNatural ? "natural"
+                                                          : "bits" + std::to_string(8 * sizeOf(field.element));
             const char letter = letters.try_emplace(kind, 'a').first->second++;
             line.push_back(sharedSource(kind, letter, width, height, sizeOf(field.element)));
         }
@@ -220,8 +223,9 @@ private:
                 const double position =
                     isMap ? (along + beside / 16) / ((isDown ? height : width) + (isDown ? width : height) / 16.0)
                           : 0.5;
-                row[i] = static_cast<float>(
-                    !isMap && !argument.typical.empty() ? argument.typical[i] : argument.rangeOf(i).at(position, size));
+                const double number =
+                    !isMap && !argument.typical.empty() ? argument.typical[i] : argument.rangeOf(i).at(position, size);
+                row[i] = static_cast<float>(argument.isWhole ? std::rint(number) : number);
             }
             file.write(row.data(), size_t{width} * sizeof(float));
         }
@@ -238,6 +242,13 @@ private:
             return name;
         NamedRandom random(name);
         OutputFile file(profilingDirectory() + "/" + name);
+        if (kind == "natural") {
+            std::vector<uint8_t> picture(size_t{width} * height);
+            drawNaturalPicture(picture.data(), width, height, width, random);
+            file.write(picture.data(), picture.size());
+            file.close();
+            return name;
+        }
         std::vector<uint32_t> row(width * elementSize / 4 + 1);
         for (uint32_t j = 0; j < height; j++) {
             std::generate(row.begin(), row.end(), [&] {

@@ -106,6 +106,8 @@ private:
         const bool hasKernel = std::any_of(arguments().begin(), arguments().end(),
                                            [](const Argument& a) { return a.role == Role::source && a.fixedSize; });
         const bool isWindow = scalar.isWindowWidth || scalar.isWindowHeight;
+        if (scalar.isCapacity)
+            return false;
         return scalar.choices.empty() ||
                (!scalar.refused.empty() && scalar.choices.size() > 1 && !(isWindow && hasKernel));
     }
@@ -209,7 +211,7 @@ private:
                               .rowBytes = rowBytesOf(a),
                               .rows = sizeOfImage(a).rows,
                               .stride = stride,
-                              .isNull = m_input.oneIn(16),
+                              .isNull = !a.isVital && m_input.oneIn(16),
                               .refusedElements = takeRefusedElements(a)});
         }
     }
@@ -347,14 +349,16 @@ private:
     void placeNumbers(Image& image, size_t count)
     {
         const Argument& a = *image.descriptor;
-        const bool takesAnyBits = a.ranges.empty() || m_input.oneIn(4);
+        const bool takesAnyBits = a.ranges.empty() || (!a.isWhole && m_input.oneIn(4));
         for (size_t i = 0; i < count; i++) {
             float number;
             memcpy(&number, image.before.data() + i * sizeof number, sizeof number);
             if (image.refusedElements)
                 number = static_cast<float>((*image.refusedElements)[i % image.refusedElements->size()]);
-            else if (!takesAnyBits && image.before[i * sizeof number] % 16)
+            else if (!takesAnyBits && (a.isWhole || image.before[i * sizeof number] % 16))
                 number = static_cast<float>(a.rangeOf(i).at(image.before[i * sizeof number] / 255.0, m_case.size()));
+            if (a.isWhole)
+                number = std::rint(number);
             memcpy(image.before.data() + i * sizeof number, &number, sizeof number);
         }
     }
@@ -397,7 +401,8 @@ private:
     // The bits of NaNs may differ, and what a row leaves of an overlapping one.
     bool equalsImage(const Image& image, const std::vector<uint8_t>& expected) const
     {
-        if (image.stride < image.rowBytes || std::equal(expected.begin(), expected.end(), image.data))
+        if (image.descriptor->isScratch || image.stride < image.rowBytes ||
+            std::equal(expected.begin(), expected.end(), image.data))
             return true;
         if (image.descriptor->element != Element::f32)
             return false;

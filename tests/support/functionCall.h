@@ -3,6 +3,7 @@
 
 #include "functionTest.h"
 #include "guarded.h"
+#include "naturalPicture.h"
 #include "random.h"
 #include "testCase.h"
 
@@ -94,6 +95,7 @@ public:
 
     const std::vector<Block>& blocks() const { return m_blocks; }
     CaseSize size() const { return m_size; }
+    bool isScratch(const Block& block) const { return of(block.argument).isScratch; }
     // Bytes of a row of an image, and its rows.
     uint32_t rowBytes(size_t argument) const
     {
@@ -201,10 +203,11 @@ inline void FunctionCall::fillFromRanges(const Block& block, Content content)
         for (size_t x = 0; x < elements; x++) {
             const double position = positions[(first + (content == Content::constant ? 0 : x)) % kPositions];
             const double number = a.rangeOf(x).at(position, m_size);
-            row[x] = static_cast<float>(content != Content::small ? number
-                                        : isMap                   ? std::rint(number)
-                                                                  : std::rint(number * 8) / 8);
-            if (isOdd && (isMap ? m_bits.below(16) == 0 : x == oddOne))
+            row[x] = static_cast<float>(a.isWhole                   ? std::rint(number)
+                                        : content != Content::small ? number
+                                        : isMap                     ? std::rint(number)
+                                                                    : std::rint(number * 8) / 8);
+            if (isOdd && !a.isWhole && (isMap ? m_bits.below(16) == 0 : x == oddOne))
                 row[x] = odd[m_bits.below(static_cast<uint32_t>(std::size(odd)))];
         }
     }
@@ -214,6 +217,8 @@ inline void FunctionCall::fill(const Block& block, Content content)
 {
     if (!of(block.argument).ranges.empty())
         return fillFromRanges(block, content);
+    if (of(block.argument).isNatural && content == Content::uniform)
+        return drawNaturalPicture(block.data, block.rowBytes, block.rows, block.stride, m_bits);
     visitElement(block.element, [&](auto zero) {
         using T = decltype(zero);
         const size_t elements = block.rowBytes / sizeof(T);
