@@ -71,6 +71,12 @@ typedef enum rvkMemOption {
     RAVIK_MEM_LIBRARY = 2 /* rvkMemAlloc */
 } rvkMemOption;
 
+/* A rectangle of pixels: its left column, its top row, its size. */
+typedef struct rvkRectangle
+{
+    int32_t x, y, width, height;
+} rvkRectangle;
+
 /* Conversion policy of the add, subtract and multiply families. */
 #define RAVIK_POLICY_WRAP 0u     /* keep the low bits of the exact result */
 #define RAVIK_POLICY_SATURATE 1u /* clamp to the range of the destination */
