@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Speed beside the other libraries.
 #
-#   ./bench.sh [FILTER]            every function whose name contains FILTER, in times of a memcpy of the same bytes
+#   ./bench.sh [FILTER]            every function whose name contains FILTER, in times of a memcpy of the same bytes;
+#                                  then there is a page to look at, build/bench.html
 #   ./bench.sh --arm [FILTER]      executed instructions per pixel on 32-bit Arm, counted under emulation
 #   ./bench.sh --aarch64 [FILTER]  the same on AArch64
 #
@@ -57,7 +58,13 @@ main()
     *)
         needOpenCv
         need /usr/include/libyuv.h:libyuv-dev
-        build release ravikBench && "$root/build/release/bench/ravikBench" "$@"
+        needReport
+        local rows=$root/build/bench.out status
+        build release ravikBench || return
+        "$root/build/release/bench/ravikBench" "$@" | tee "$rows"
+        status=${PIPESTATUS[0]}
+        "$root/tools/report" --machine --options "$*" -o "$root/build/bench.html" "$rows"
+        return "$status"
         ;;
     esac
 }

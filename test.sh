@@ -3,8 +3,8 @@
 #
 #   ./test.sh          host, sanitizers, 32-bit Arm as clang builds it, under emulation
 #   ./test.sh --all    also the format, clang on the host, the Android compile check, 32-bit Arm as g++ builds it, AArch64,
-#                      the thread sanitizer, bounded fuzzing
-#   ./test.sh STEP...  only these: host asan arm-clang format clang android arm aarch64 tsan fuzz
+#                      the thread sanitizer, bounded fuzzing, the report page in a browser
+#   ./test.sh STEP...  only these: host asan arm-clang format clang android arm aarch64 tsan fuzz report
 #
 # --fuzz-seconds N, before these, gives each fuzz target N seconds instead of 60.
 # The last line says how many tests passed and failed; what a failed one printed is above it and in build/logs.
@@ -19,7 +19,7 @@ cd "$root" || exit 1
 
 fuzzSeconds=60
 usual="host asan arm-clang"
-extra="format clang android arm aarch64 tsan fuzz"
+extra="format clang android arm aarch64 tsan fuzz report"
 
 passed=0
 failed=0
@@ -29,7 +29,7 @@ mkdir -p "$logs"
 
 logOf() { echo "$logs/${1//[: \/]/-}.log"; }
 
-report() # NAME PASSED FAILED SECONDS LOG: adds to the totals, and shows the log of a failure
+record() # NAME PASSED FAILED SECONDS LOG: adds to the totals, and shows the log of a failure
 {
     passed=$((passed + $2))
     failed=$((failed + $3))
@@ -68,10 +68,10 @@ finish()
         read -r status seconds <"$log.status"
         rm "$log.status"
         if [ "$status" = 0 ]; then
-            report "$name" 1 0 "$seconds" "$log"
+            record "$name" 1 0 "$seconds" "$log"
         else
             echo "exit status $status" >>"$log"
-            report "$name" 0 1 "$seconds" "$log"
+            record "$name" 0 1 "$seconds" "$log"
             failures=1
         fi
     done
@@ -107,7 +107,7 @@ unitTests()
         counts="0 1"
     fi
     set -- $counts
-    report "$preset: unit tests" "$1" "$2" $((SECONDS - start)) "$log"
+    record "$preset: unit tests" "$1" "$2" $((SECONDS - start)) "$log"
     grep -ho 'NEON text: .*' "$log" "$root/build/$preset/Testing/Temporary/LastTest.log" 2>/dev/null | sort -u
 }
 
@@ -187,12 +187,19 @@ fuzz()
     finish
 }
 
+report()
+{
+    one "report: build" build gcc ravikTest || return
+    one "report: pages in a browser" tests/reportTest.sh build/gcc/tst/ravikTest "$testData" build/report
+}
+
 needs() # STEP
 {
     local googletest=/usr/src/googletest/CMakeLists.txt:googletest
     case $1 in
     host) needBuildTools pkg-config:pkg-config $googletest && needOpenCv ;;
     tsan) needBuildTools $googletest ;;
+    report) needBuildTools $googletest chromium:chromium && needReport ;;
     format) need clang-format-14:clang-format-14 ;;
     arm) needBuildTools $googletest && needArm ;;
     arm-clang) needBuildTools $googletest clang++-14:clang-14 && needArm ;;
@@ -255,7 +262,7 @@ for step in $steps; do
 done
 touch "$logs/begin"
 case $steps in
-*host* | *asan* | *arm* | *clang* | *aarch64*) one "test data" build gcc testData ;;
+*host* | *asan* | *arm* | *clang* | *aarch64* | *report*) one "test data" build gcc testData ;;
 esac
 for step in $steps; do
     start=$SECONDS

@@ -60,6 +60,12 @@ needAarch64()
         /usr/aarch64-linux-gnu/include/stdio.h:libc6-dev-arm64-cross qemu-aarch64:qemu-user
 }
 
+needReport()
+{
+    need python3:python3 /usr/share/javascript/chart.js/chart.min.js:libjs-chart.js \
+        /usr/share/javascript/jquery/jquery.min.js:libjs-jquery \
+        /usr/share/javascript/jquery-datatables/jquery.dataTables.min.js:libjs-jquery-datatables
+}
 needOpenCv() { need /usr/include/opencv4/opencv2/imgproc.hpp:libopencv-imgproc-dev; }
 
 # build PRESET [TARGET...]: configures and builds; quiet unless something is wrong.
