@@ -77,5 +77,7 @@ Rectangle interiorOf(const Resizing& r);
 void interpolatePart(const Resizing& r, const Rectangle& part, Outside outside);
 void averageAreas(const Resizing& r);
 void interpolateCubic(const Resizing& r, uint32_t pixelSize);
+void irvkScaleDownMNCoreC(const uint8_t* src, uint32_t srcWidth, uint32_t rows, uint32_t srcStride, uint32_t pixelSize,
+                          uint8_t* dst, uint32_t dstWidth);
 
 } // namespace rvk

@@ -11,6 +11,10 @@
 //
 //     } // namespace RVK_ROOM
 //
+// What forms call before it is defined, or of another family, they declare by the type of the public function:
+//
+//     decltype(::rvkAdds16_v2) RVK_FORM(rvkAdds16_v2);
+//
 // A driver has one name and one list of parameters in both rooms. What differs between the rooms is no form and stands
 // in the units.
 #pragma once

@@ -6,6 +6,8 @@
 
 namespace RVK_ROOM {
 
+decltype(::rvkAdds16_v2) RVK_FORM(rvkAdds16_v2);
+
 rvkStatus RVK_FORM(rvkAdds16)(const int16_t* src1, uint32_t width, uint32_t height, uint32_t src1Stride,
                               const int16_t* src2, uint32_t src2Stride, int16_t* dst, uint32_t dstStride)
 {

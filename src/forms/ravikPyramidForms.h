@@ -4,6 +4,13 @@
 #include "forms/form.h"
 
 namespace RVK_ROOM {
+
+decltype(::rvkScaleDownBy2Gaussian5x5u8_v2) RVK_FORM(rvkScaleDownBy2Gaussian5x5u8_v2);
+decltype(::rvkScaleDownBy2Gaussian3x3u8) RVK_FORM(rvkScaleDownBy2Gaussian3x3u8);
+decltype(::rvkScaleDownBy2Gaussian5x5f32_v2) RVK_FORM(rvkScaleDownBy2Gaussian5x5f32_v2);
+decltype(::rvkImageGradientSobelPlanars8_v2) RVK_FORM(rvkImageGradientSobelPlanars8_v2);
+decltype(::rvkImageGradientSobelPlanarf32f32_v2) RVK_FORM(rvkImageGradientSobelPlanarf32f32_v2);
+
 namespace {
 
 // The bytes from row to row.

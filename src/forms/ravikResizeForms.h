@@ -6,6 +6,8 @@
 
 namespace RVK_ROOM {
 
+decltype(::rvkScaleu8_v2) RVK_FORM(rvkScaleu8_v2);
+
 void RVK_FORM(rvkScaleDownNNu8)(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
                                 uint8_t* dst, uint32_t dstWidth, uint32_t dstHeight, uint32_t dstStride)
 {

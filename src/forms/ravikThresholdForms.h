@@ -6,6 +6,13 @@
 
 namespace RVK_ROOM {
 
+decltype(::rvkFilterGaussian3x3u8_v2) RVK_FORM(rvkFilterGaussian3x3u8_v2);
+decltype(::rvkFilterGaussian5x5u8_v2) RVK_FORM(rvkFilterGaussian5x5u8_v2);
+decltype(::rvkFilterGaussian11x11u8_v2) RVK_FORM(rvkFilterGaussian11x11u8_v2);
+decltype(::rvkBoxFilter3x3u8) RVK_FORM(rvkBoxFilter3x3u8);
+decltype(::rvkBoxFilter5x5u8) RVK_FORM(rvkBoxFilter5x5u8);
+decltype(::rvkBoxFilter11x11u8) RVK_FORM(rvkBoxFilter11x11u8);
+
 void RVK_FORM(rvkFilterThresholdu8)(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
                                     uint8_t* dst, uint32_t dstStride, uint32_t value)
 {

@@ -5,6 +5,12 @@
 
 namespace RVK_ROOM {
 
+decltype(::rvkWarpPerspectiveu8_v2) RVK_FORM(rvkWarpPerspectiveu8_v2);
+decltype(::rvkWarpPerspectiveu8_v3) RVK_FORM(rvkWarpPerspectiveu8_v3);
+decltype(::rvkWarpPerspectiveu8_v4) RVK_FORM(rvkWarpPerspectiveu8_v4);
+decltype(::rvk3ChannelWarpPerspectiveu8_v2) RVK_FORM(rvk3ChannelWarpPerspectiveu8_v2);
+decltype(::rvkRemapu8_v2) RVK_FORM(rvkRemapu8_v2);
+
 void RVK_FORM(rvkWarpPerspectiveu8)(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
                                     uint8_t* dst, uint32_t dstWidth, uint32_t dstHeight, uint32_t dstStride,
                                     const float32_t* matrix)

@@ -4,6 +4,12 @@
 #include "vecta/simd/tiles.h"
 #include "vecta/vecta.h"
 
+#include <ravik/affine.h>
+
+namespace rvk {
+decltype(::rvkUndistortDisparityConvertDepthf32) rvkUndistortDisparityConvertDepthf32C;
+} // namespace rvk
+
 namespace rvk::vecta::RVK_ISA {
 
 // ---- patches --------------------------------------------------------------------------------------------------------

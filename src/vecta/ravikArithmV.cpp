@@ -3,6 +3,17 @@
 #include "vecta/simd/rows.h"
 #include "vecta/vecta.h"
 
+#include <ravik/arithm.h>
+
+namespace rvk {
+decltype(::rvkAddSquaredu8u16) rvkAddSquaredu8u16C;
+decltype(::rvkAddWeightedu8) rvkAddWeightedu8C;
+decltype(::rvkElementMultiplys16) rvkElementMultiplys16C;
+decltype(::rvkElementMultiplyu8) rvkElementMultiplyu8C;
+decltype(::rvkElementMultiplyu8s16) rvkElementMultiplyu8s16C;
+decltype(::rvkMultiplyScalars16) rvkMultiplyScalars16C;
+} // namespace rvk
+
 namespace rvk::vecta::RVK_ISA {
 namespace {
 

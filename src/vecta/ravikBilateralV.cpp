@@ -5,6 +5,8 @@
 #include "vecta/simd/rows.h"
 #include "vecta/vecta.h"
 
+#include <ravik/bilateral.h>
+
 namespace rvk::vecta::RVK_ISA {
 namespace {
 

@@ -2,6 +2,8 @@
 #include "vecta/simd/simd.h"
 #include "vecta/vecta.h"
 
+#include <ravik/bitcount.h>
+
 namespace rvk::vecta::RVK_ISA {
 namespace {
 

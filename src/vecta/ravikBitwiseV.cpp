@@ -2,6 +2,8 @@
 #include "vecta/simd/rows.h"
 #include "vecta/vecta.h"
 
+#include <ravik/bitwise.h>
+
 namespace rvk::vecta::RVK_ISA {
 namespace {
 

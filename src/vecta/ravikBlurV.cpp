@@ -4,6 +4,16 @@
 #include "vecta/simd/windows.h"
 #include "vecta/vecta.h"
 
+#include <ravik/blur.h>
+
+namespace rvk {
+decltype(::rvkFilterGaussian3x3u8_v2) rvkFilterGaussian3x3u8_v2C;
+decltype(::rvkFilterGaussian3x3u8_v3) rvkFilterGaussian3x3u8_v3C;
+decltype(::rvkFilterGaussian5x5u8_v2) rvkFilterGaussian5x5u8_v2C;
+decltype(::rvkFilterGaussian5x5s16_v2) rvkFilterGaussian5x5s16_v2C;
+decltype(::rvkFilterGaussian11x11u8_v2) rvkFilterGaussian11x11u8_v2C;
+} // namespace rvk
+
 namespace rvk::vecta::RVK_ISA {
 namespace {
 

@@ -9,6 +9,8 @@
 #include "vecta/simd/sobel.h"
 #include "vecta/vecta.h"
 
+#include <ravik/canny.h>
+
 namespace rvk::vecta::RVK_ISA {
 namespace {
 

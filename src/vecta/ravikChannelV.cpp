@@ -4,6 +4,8 @@
 #include "vecta/simd/steps.h"
 #include "vecta/vecta.h"
 
+#include <ravik/channel.h>
+
 namespace rvk::vecta::RVK_ISA {
 namespace {
 

@@ -5,6 +5,8 @@
 #include "vecta/simd/rows.h"
 #include "vecta/vecta.h"
 
+#include <ravik/color.h>
+
 namespace rvk::vecta::RVK_ISA {
 namespace {
 

@@ -3,6 +3,12 @@
 #include "vecta/simd/simd.h"
 #include "vecta/vecta.h"
 
+#include <ravik/copy.h>
+
+namespace rvk {
+decltype(::rvkCopyRotated17x17u8) rvkCopyRotated17x17u8C;
+} // namespace rvk
+
 namespace rvk::vecta::RVK_ISA {
 namespace {
 

@@ -7,6 +7,8 @@
 #include "vecta/simd/rows.h"
 #include "vecta/vecta.h"
 
+#include <ravik/correlation.h>
+
 namespace rvk::vecta::RVK_ISA {
 namespace {
 

@@ -2,6 +2,8 @@
 #include "vecta/simd/sobel.h"
 #include "vecta/vecta.h"
 
+#include <ravik/gradient.h>
+
 namespace rvk::vecta::RVK_ISA {
 namespace {
 

@@ -5,6 +5,8 @@
 #include "vecta/simd/runningSums.h"
 #include "vecta/vecta.h"
 
+#include <ravik/integral.h>
+
 namespace rvk::vecta::RVK_ISA {
 namespace {
 

@@ -4,6 +4,8 @@
 #include "vecta/simd/rows.h"
 #include "vecta/vecta.h"
 
+#include <ravik/magnitude.h>
+
 namespace rvk::vecta::RVK_ISA {
 namespace {
 

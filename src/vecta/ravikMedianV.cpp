@@ -3,6 +3,12 @@
 #include "vecta/simd/windows.h"
 #include "vecta/vecta.h"
 
+#include <ravik/median.h>
+
+namespace rvk {
+decltype(::rvkFilterMedianMxNs16) rvkFilterMedianMxNs16C;
+} // namespace rvk
+
 namespace rvk::vecta::RVK_ISA {
 namespace {
 

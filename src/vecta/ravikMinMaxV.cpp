@@ -6,6 +6,8 @@
 #include "vecta/simd/extremes.h"
 #include "vecta/vecta.h"
 
+#include <ravik/minmax.h>
+
 namespace rvk::vecta::RVK_ISA {
 namespace {
 

@@ -3,6 +3,8 @@
 #include "vecta/simd/windows.h"
 #include "vecta/vecta.h"
 
+#include <ravik/morphology.h>
+
 namespace rvk::vecta::RVK_ISA {
 namespace {
 

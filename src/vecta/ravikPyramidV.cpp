@@ -2,4 +2,8 @@
 #include "cpu/ravikPyramidC.h"
 #include "vecta/vecta.h"
 
+#include <ravik/gradient.h>
+#include <ravik/pyramid.h>
+#include <ravik/scale.h>
+
 #include "forms/ravikPyramidForms.h"

@@ -9,6 +9,8 @@
 #include "vecta/simd/taps.h"
 #include "vecta/vecta.h"
 
+#include <ravik/scale.h>
+
 namespace rvk::vecta::RVK_ISA {
 namespace {
 

@@ -3,6 +3,8 @@
 #include "vecta/simd/scaling.h"
 #include "vecta/vecta.h"
 
+#include <ravik/scale.h>
+
 namespace rvk::vecta::RVK_ISA {
 namespace {
 

@@ -4,6 +4,9 @@
 #include "vecta/simd/rows.h"
 #include "vecta/vecta.h"
 
+#include <ravik/blur.h>
+#include <ravik/threshold.h>
+
 namespace rvk::vecta::RVK_ISA {
 namespace {
 

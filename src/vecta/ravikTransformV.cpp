@@ -6,6 +6,8 @@
 #include "vecta/simd/tiles.h"
 #include "vecta/vecta.h"
 
+#include <ravik/transform.h>
+
 namespace rvk::vecta::RVK_ISA {
 namespace {
 

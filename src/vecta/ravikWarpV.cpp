@@ -3,6 +3,8 @@
 #include "vecta/simd/sampling.h"
 #include "vecta/vecta.h"
 
+#include <ravik/warp.h>
+
 namespace rvk::vecta::RVK_ISA {
 namespace {
 
