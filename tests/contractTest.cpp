@@ -581,6 +581,8 @@ public:
         for (const Argument& a : function.arguments)
             numbers.push_back(largestChoice(a));
         m_widthStep = std::lcm(rule.widthMultiple, function.contract.unit.width);
+        if (rule.strideMultiple > 1) // so that strides, which are multiples of 64, have no gaps
+            m_widthStep = std::lcm(m_widthStep, 64u);
         for (size_t i = 0; i < function.arguments.size(); i++) {
             const Argument& a = function.arguments[i];
             const bool hasFreeRows = a.isOutput() && rule.outputAlignment;

@@ -409,6 +409,7 @@ struct OffloadRule
 {
     uint32_t alignment = 1;       // of pictures, their strides and packed rows, in bytes
     uint32_t outputAlignment = 0; // of the outputs, whose strides are free; 0: as all pictures
+    uint32_t strideMultiple = 1;  // of the first picture's rows
     uint32_t widthMultiple = 1;   // of the picture
     uint32_t heightMultiple = 1;
     uint32_t leastWidth = 1;

@@ -171,6 +171,7 @@ std::string offload(const FunctionTest& test)
     const uint32_t least = std::max(rule.leastHeight, test.contract.window);
     return joined({when(rule.alignment > 1, "multiples of ", rule.alignment),
                    when(rule.outputAlignment, "outputs of ", rule.outputAlignment),
+                   when(rule.strideMultiple > 1, "stride of ", rule.strideMultiple),
                    when(rule.widthMultiple > 1, "width of ", rule.widthMultiple),
                    when(rule.heightMultiple > 1, "height of ", rule.heightMultiple),
                    when(rule.leastWidth > 1, "", rule.leastWidth, " wide"), when(least > 1, "", least, " high"),

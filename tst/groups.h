@@ -64,6 +64,8 @@ const FunctionGroup& edgeFunctions();
 const FunctionGroup& minMaxFunctions();
 const FunctionGroup& smoothFunctions();
 const FunctionGroup& arithmeticFunctions();
+const FunctionGroup& floodFillFunctions();
+const FunctionGroup& segmentationFunctions();
 
 template <const FunctionGroup& (*functions)()>
 int testFunctions(int loops, const char* dataDirectory)
@@ -106,3 +108,5 @@ inline constexpr auto RAVIK_TEST_EDGE_Test = testFunctions<edgeFunctions>;
 inline constexpr auto RAVIK_TEST_MINMAX_Test = testFunctions<minMaxFunctions>;
 inline constexpr auto RAVIK_TEST_SMOOTH_Test = testFunctions<smoothFunctions>;
 inline constexpr auto RAVIK_TEST_ARITHM_Test = testFunctions<arithmeticFunctions>;
+inline constexpr auto RAVIK_TEST_FLOODFILL = testFunctions<floodFillFunctions>;
+inline constexpr auto RAVIK_TEST_IMGSEGMENTATION_Test = testFunctions<segmentationFunctions>;

@@ -29,6 +29,7 @@
 #include "minmax.h"
 #include "morphology.h"
 #include "pyramid.h"
+#include "region.h"
 #include "scale.h"
 #include "statistics.h"
 #include "threshold.h"

@@ -6,6 +6,7 @@
 // A step is kBytes pixels. All working rows have room for whole steps.
 #include "cpu/ravikCannyC.h"
 #include "scratch.h"
+#include "vecta/simd/bitRows.h"
 #include "vecta/simd/sobel.h"
 #include "vecta/vecta.h"
 
@@ -224,13 +225,6 @@ RVK_INLINE Vec<M> largest(const M* p)
     return most;
 }
 
-// Bit i of a row of bits is pixel i.
-RVK_INLINE void storeBits(uint8_t* bits, Mask<int8_t> mask)
-{
-    const auto lanes = laneBits(Mask<uint8_t>{mask.bits});
-    __builtin_memcpy(bits, &lanes, kBytes / 8);
-}
-
 // Leaves the bits of steps of pixels alone that have no magnitude above the lower threshold.
 template <class M>
 RVK_INLINE void thinRow(size_t width, Column<M> at, const int16_t* dx, const int16_t* dy, CannyThresholds limits,
@@ -251,10 +245,6 @@ RVK_INLINE void thinRow(size_t width, Column<M> at, const int16_t* dx, const int
 }
 
 // ---- hysteresis ----------------------------------------------------------------------------------------------------
-
-using Word = size_t;
-constexpr size_t kWordBits = 8 * sizeof(Word);
-static_assert(kBytes <= kWordBits);
 
 // A bit for each pixel, in rows of words with at least one word of zeros around them on all sides.
 struct EdgeMap
@@ -338,13 +328,8 @@ struct EdgeMap
 // 255 for each bit that is set, else 0. Reads 16 bytes where the row of bits has fewer.
 RVK_INLINE void expandBits(size_t width, const uint8_t* bits, uint8_t* dst)
 {
-    const Vec<uint8_t> byteOfLane = shiftRight(iota<uint8_t>(), 3);
-    Vec<uint8_t> bitOfLane;
-    for (size_t i = 0; i < kBytes; ++i)
-        bitOfLane.raw[i] = static_cast<uint8_t>(1u << i % 8);
     for (size_t x = 0; x < width; x += kBytes) {
-        const Vec<uint8_t> own = lookup16(loadTable16(bits + x / 8), byteOfLane) & bitOfLane;
-        const Vec<uint8_t> result = toVec(equal(own, bitOfLane));
+        const Vec<uint8_t> result = toVec(loadBits(bits + x / 8));
         if (x + kBytes <= width)
             store(dst + x, result);
         else

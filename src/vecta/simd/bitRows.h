@@ -1,0 +1,50 @@
+// Rows of bits, one for each pixel, the first pixel in the least significant bit of the first byte.
+#pragma once
+
+#include "vecta/simd/simd.h"
+
+namespace rvk::vecta::RVK_ISA {
+namespace {
+
+// Words of such a row, as the machine has them.
+using Word = size_t;
+constexpr size_t kWordBits = 8 * sizeof(Word);
+static_assert(kBytes <= kWordBits);
+
+// The bits of kBytes pixels.
+template <class T>
+requires(sizeof(T) == 1) RVK_INLINE void storeBits(uint8_t* bits, Mask<T> mask)
+{
+    const auto lanes = laneBits(Mask<uint8_t>{mask.bits});
+    __builtin_memcpy(bits, &lanes, kBytes / 8);
+}
+
+// The pixels whose bits are set. Reads 16 bytes.
+RVK_INLINE Mask<uint8_t> loadBits(const uint8_t* bits)
+{
+    const Vec<uint8_t> byteOfLane = shiftRight(iota<uint8_t>(), 3);
+    Vec<uint8_t> bitOfLane;
+    for (size_t i = 0; i < kBytes; ++i)
+        bitOfLane.raw[i] = static_cast<uint8_t>(1u << i % 8);
+    return equal(lookup16(loadTable16(bits), byteOfLane) & bitOfLane, bitOfLane);
+}
+
+// The number of the first and of the last bit that is set; there must be one.
+static_assert(sizeof(Word) == sizeof(unsigned long));
+RVK_INLINE size_t firstBit(Word bits)
+{
+    return static_cast<size_t>(__builtin_ctzl(bits));
+}
+RVK_INLINE size_t lastBit(Word bits)
+{
+    return kWordBits - 1 - static_cast<size_t>(__builtin_clzl(bits));
+}
+
+// The bits of the pixels from the first to number i of a word, i < kWordBits.
+RVK_INLINE Word bitsUpTo(size_t i)
+{
+    return (Word{2} << i) - 1;
+}
+
+} // namespace
+} // namespace rvk::vecta::RVK_ISA
