@@ -134,30 +134,30 @@ struct RowBatch
     int16_t* dst[kMostInBatch];
 };
 
-// The bytes of a row of the destination as sums of bytes of a row of the source. Steps reach beyond the end, where they
-// have the last column again and again.
+// The bytes of a row of the destination as sums of pairs of bytes of a row of the source. Steps reach beyond the end,
+// where they have the last column again and again.
 template <class Sum>
 class Columns
 {
 public:
-    Columns(size_t rowBytes, size_t columns)
-        : m_rowBytes(rowBytes), m_columns(columns), m_steps((columns + kColumns - 1) / kColumns),
-          m_places(m_steps * Sum::pairs, kBytes), m_offsets(m_steps * Sum::pairs, kWindowsOfStep),
-          m_taps(m_steps * Sum::pairs)
+    // The bytes of a pair are `apart` from each other, but for those whose second one would be beyond the row: there it
+    // is the first one again.
+    Columns(size_t rowBytes, size_t columns, size_t apart = 1)
+        : m_rowBytes(rowBytes), m_apart(apart), m_columns(columns), m_steps((columns + kColumns - 1) / kColumns),
+          m_pairs(m_steps * Sum::pairs), m_offsets(m_steps * Sum::pairs, kWindowsOfStep), m_taps(m_steps * Sum::pairs)
     {
     }
-    bool exists() const { return m_places && m_offsets && m_taps; }
+    bool exists() const { return m_pairs && m_offsets && m_taps; }
     // A scaled row.
     size_t values() const { return m_steps * kValues; }
 
-    // One pair of bytes of a column, with their weights.
-    RVK_INLINE void set(size_t column, size_t pair, size_t place0, size_t place1, int32_t weight0, int32_t weight1)
+    // One pair of bytes of a column: where the first one is, and their weights.
+    RVK_INLINE void set(size_t column, size_t pair, size_t place, int32_t weight0, int32_t weight1)
     {
-        const size_t first = column / kColumns * Sum::pairs + pair, inStep = column % kColumns;
-        uint32_t* const places = &m_places[first * kBytes];
-        places[laneOfPair(inStep, 0)] = static_cast<uint32_t>(place0);
-        places[laneOfPair(inStep, 1)] = static_cast<uint32_t>(place1);
-        Sum::setWeights(m_taps[first], inStep, weight0, weight1);
+        PairsOfStep& p = m_pairs[column / kColumns * Sum::pairs + pair];
+        p.places[column % kColumns] = static_cast<uint32_t>(place);
+        p.weights[0][column % kColumns] = static_cast<int16_t>(weight0);
+        p.weights[1][column % kColumns] = static_cast<int16_t>(weight1);
     }
     // After the last one.
     void finish();
@@ -171,17 +171,30 @@ public:
 private:
     static constexpr size_t kValues = kColumns * Sum::values; // of a step
 
+    struct PairsOfStep
+    {
+        uint32_t places[kColumns];
+        int16_t weights[2][kColumns];
+    };
+
+    RVK_INLINE uint32_t secondPlace(uint32_t place) const
+    {
+        return place + (place + m_apart < m_rowBytes ? static_cast<uint32_t>(m_apart) : 0);
+    }
     template <size_t n>
     bool makeWindows();
+    RVK_INLINE Vecs<uint8_t, Sum::pairs> fetchEach(const uint8_t* row, size_t step) const;
     // fetch(row, step, its taps) gives the pairs of a step.
     template <size_t rows, class Fetch>
     RVK_INLINE void sumSteps(const RowBatch& batch, Fetch fetch) const;
+    template <size_t rows>
+    RVK_NOINLINE void sumWholeWindows(const RowBatch& batch) const;
 
-    size_t m_rowBytes, m_columns, m_steps;
-    Scratch<uint32_t> m_places;  // for each lane of pairs its byte of the row
+    size_t m_rowBytes, m_apart, m_columns, m_steps;
+    Scratch<PairsOfStep> m_pairs;
     Scratch<uint32_t> m_offsets; // of windows
     Scratch<TapsOfStep> m_taps;
-    size_t m_windowSize = 0; // in kWindow; 0: there are places only
+    size_t m_windowSize = 0; // in kWindow; 0: there are pairs only
 };
 
 template <class Sum>
@@ -189,11 +202,11 @@ void Columns<Sum>::finish()
 {
     const size_t last = m_columns - 1;
     for (size_t column = m_columns; column < m_steps * kColumns; ++column)
-        for (size_t pair = 0; pair < Sum::pairs; ++pair) {
-            const uint32_t* const places = &m_places[(last / kColumns * Sum::pairs + pair) * kBytes];
-            set(column, pair, places[laneOfPair(last % kColumns, 0)], places[laneOfPair(last % kColumns, 1)], 0, 0);
-        }
+        for (size_t pair = 0; pair < Sum::pairs; ++pair)
+            set(column, pair, m_pairs[last / kColumns * Sum::pairs + pair].places[last % kColumns], 0, 0);
     m_windowSize = makeWindows<1>() ? 1 : m_rowBytes >= 2 * kWindow && makeWindows<2>() ? 2 : 0;
+    for (size_t i = 0; i < m_steps * Sum::pairs; ++i)
+        Sum::setWeights(m_taps[i], load(m_pairs[i].weights[0]), load(m_pairs[i].weights[1]));
 }
 
 // Whether each window holds all the bytes that are to be taken from it; then the indices are known.
@@ -201,20 +214,38 @@ template <class Sum>
 template <size_t n>
 bool Columns<Sum>::makeWindows()
 {
+    constexpr size_t columns = kColumns / kWindowsOfStep; // of a window
     const size_t lastWindow = m_rowBytes < n * kWindow ? 0 : m_rowBytes - n * kWindow;
-    for (size_t window = 0; window < m_steps * Sum::pairs * kWindowsOfStep; ++window) {
-        // Columns are in the order of their pixels.
-        const uint32_t* const places = &m_places[window * kWindow];
-        const uint32_t first = places[laneOfPair(0, 0)], last = places[laneOfPair(kWindow / 2 - 1, 1)];
-        if (last - first >= n * kWindow)
-            return false;
-        const uint32_t offset = static_cast<uint32_t>(least(first, lastWindow));
-        m_offsets[window] = offset;
-        uint8_t* __restrict const indices = m_taps[window / kWindowsOfStep].indices + window % kWindowsOfStep * kWindow;
-        for (size_t i = 0; i < kWindow; ++i)
-            indices[i] = static_cast<uint8_t>(places[i] - offset);
-    }
+    for (size_t i = 0; i < m_steps * Sum::pairs; ++i)
+        for (size_t window = 0; window < kWindowsOfStep; ++window) {
+            // Columns are in the order of their pixels.
+            const uint32_t* const places = m_pairs[i].places + window * columns;
+            const uint32_t first = places[0], last = secondPlace(places[columns - 1]);
+            if (last - first >= n * kWindow)
+                return false;
+            const uint32_t offset = static_cast<uint32_t>(least(first, lastWindow));
+            m_offsets[i * kWindowsOfStep + window] = offset;
+            uint8_t* __restrict const indices = m_taps[i].indices;
+            for (size_t k = 0; k < columns; ++k) {
+                indices[laneOfPair(window * columns + k, 0)] = static_cast<uint8_t>(places[k] - offset);
+                indices[laneOfPair(window * columns + k, 1)] = static_cast<uint8_t>(secondPlace(places[k]) - offset);
+            }
+        }
     return true;
+}
+
+// Byte by byte, where there are no windows.
+template <class Sum>
+RVK_INLINE Vecs<uint8_t, Sum::pairs> Columns<Sum>::fetchEach(const uint8_t* row, size_t step) const
+{
+    uint8_t bytes[Sum::pairs * kBytes];
+    for (size_t pair = 0; pair < Sum::pairs; ++pair)
+        for (size_t column = 0; column < kColumns; ++column) {
+            const uint32_t place = m_pairs[step * Sum::pairs + pair].places[column];
+            bytes[pair * kBytes + laneOfPair(column, 0)] = row[place];
+            bytes[pair * kBytes + laneOfPair(column, 1)] = row[secondPlace(place)];
+        }
+    return loadVecs<Sum::pairs>(bytes);
 }
 
 template <class Sum>
@@ -222,17 +253,17 @@ template <size_t rows, class Fetch>
 RVK_INLINE void Columns<Sum>::sumSteps(const RowBatch& batch, Fetch fetch) const
 {
     const TapsOfStep* taps = m_taps.get();
+    const uint8_t* src[rows];
+    int16_t* dst[rows];
+    unrolled<rows>([&](auto i) RVK_INLINE_LAMBDA {
+        src[i] = batch.src[i];
+        dst[i] = batch.dst[i];
+    });
     for (size_t step = 0, x = 0, steps = m_steps; step < steps; ++step, x += kValues, taps += Sum::pairs) {
-        decltype(Sum::sum(fetch(batch.src[0], step, taps), taps)) sums[rows];
-        unrolled<rows>([&](auto i) RVK_INLINE_LAMBDA { sums[i] = Sum::sum(fetch(batch.src[i], step, taps), taps); });
-        unrolled<rows>([&](auto i) RVK_INLINE_LAMBDA { store(batch.dst[i] + x, sums[i]); });
+        decltype(Sum::sum(fetch(src[0], step, taps), taps)) sums[rows];
+        unrolled<rows>([&](auto i) RVK_INLINE_LAMBDA { sums[i] = Sum::sum(fetch(src[i], step, taps), taps); });
+        unrolled<rows>([&](auto i) RVK_INLINE_LAMBDA { store(dst[i] + x, sums[i]); });
     }
-}
-
-RVK_NOINLINE void pickEach(const uint8_t* row, const uint32_t* places, size_t columns, uint8_t* __restrict dst)
-{
-    for (size_t x = 0; x < columns; ++x)
-        dst[x] = row[places[x]];
 }
 
 // The pairs of a step, from windows n * kWindow wide.
@@ -248,18 +279,10 @@ RVK_INLINE Vecs<uint8_t, pairs> fetchFromWindows(const uint8_t* row, const uint3
 
 template <class Sum>
 template <size_t rows>
-RVK_NOINLINE void Columns<Sum>::sum(const RowBatch& given) const
+RVK_NOINLINE void Columns<Sum>::sumWholeWindows(const RowBatch& batch) const
 {
-    RowBatch batch = given;
-    constexpr size_t windows = Sum::pairs * kWindowsOfStep, lanes = Sum::pairs * kBytes; // of a step
-    const uint32_t *const offsets = m_offsets.get(), *const places = m_places.get();
-    uint8_t padded[rows][kWindow];
-    if (m_rowBytes < kWindow)
-        for (size_t i = 0; i < rows; ++i) {
-            __builtin_memset(padded[i], 0, kWindow);
-            __builtin_memcpy(padded[i], batch.src[i], m_rowBytes);
-            batch.src[i] = padded[i];
-        }
+    constexpr size_t windows = Sum::pairs * kWindowsOfStep; // of a step
+    const uint32_t* const offsets = m_offsets.get();
     if (m_windowSize == 1)
         sumSteps<rows>(batch, [=](const uint8_t* row, size_t step, const TapsOfStep* taps) RVK_INLINE_LAMBDA {
             return fetchFromWindows<1, Sum::pairs>(row, offsets + step * windows, taps);
@@ -269,15 +292,27 @@ RVK_NOINLINE void Columns<Sum>::sum(const RowBatch& given) const
             return fetchFromWindows<2, Sum::pairs>(row, offsets + step * windows, taps);
         });
     else
-        sumSteps<rows>(batch, [=](const uint8_t* row, size_t step, const TapsOfStep*) RVK_INLINE_LAMBDA {
-            uint8_t bytes[lanes];
-            pickEach(row, places + step * lanes, lanes, bytes);
-            return loadVecs<Sum::pairs>(bytes);
-        });
+        sumSteps<rows>(batch, [this](const uint8_t* row, size_t step, const TapsOfStep*)
+                                  RVK_INLINE_LAMBDA { return fetchEach(row, step); });
 }
 
-// Rows that were scaled: `kept` of those before the one that was wanted last, and the batch that begins with it.
-template <class Sum, size_t kept>
+template <class Sum>
+template <size_t rows>
+void Columns<Sum>::sum(const RowBatch& batch) const
+{
+    if (m_rowBytes >= kWindow) {
+        sumWholeWindows<rows>(batch);
+        return;
+    }
+    uint8_t padded[rows][kWindow] = {};
+    RowBatch wider = batch;
+    for (size_t i = 0; i < rows; ++i)
+        wider.src[i] = static_cast<uint8_t*>(__builtin_memcpy(padded[i], batch.src[i], m_rowBytes));
+    sumWholeWindows<rows>(wider);
+}
+
+// Rows that were scaled: a batch, and those before it that are still wanted. They are few, to stay in the cache.
+template <class Sum, size_t kRows>
 class ScaledRows
 {
 public:
@@ -298,9 +333,6 @@ public:
     }
 
 private:
-    static constexpr size_t kRows = 8;
-    static_assert(kept + kMostInBatch <= kRows);
-
     // Rows that will not be wanted are few in a batch: none where the ratio is less than 2.
     void scaleFrom(size_t y)
     {
@@ -439,11 +471,11 @@ bool interpolate(const Resizing& r, const Rectangle& part)
         return false;
     Positions column(columnsOf(r));
     for (size_t x = 0; x < r.dstWidth; ++x, column.next())
-        columns.set(x, 0, inside(column.pixel(), r.srcWidth), inside(column.pixel() + 1, r.srcWidth), 0,
-                    static_cast<int32_t>(column.fraction()));
+        columns.set(x, 0, inside(column.pixel(), r.srcWidth), 0,
+                    column.pixel() < 0 ? 0 : static_cast<int32_t>(column.fraction()));
     columns.finish();
 
-    ScaledRows<Interpolation, 1> rows(r, columns);
+    ScaledRows<Interpolation, 1 + kMostInBatch> rows(r, columns);
     if (!rows.exists())
         return false;
     Positions row(rowsOf(r));
@@ -508,24 +540,25 @@ RVK_NOINLINE void interpolateCubicRows(size_t end, const int16_t* const (&rows)[
 
 bool interpolateCubicInVectors(const Resizing& r, size_t pixelSize)
 {
-    Columns<CubicInterpolation> columns(r.srcWidth * pixelSize, r.dstWidth * pixelSize);
+    Columns<CubicInterpolation> columns(r.srcWidth * pixelSize, r.dstWidth * pixelSize, pixelSize);
     if (!columns.exists())
         return false;
     int16_t weights[4];
     Positions column(columnsOf(r));
     for (size_t x = 0; x < r.dstWidth; ++x, column.next()) {
         cubicWeights(column.fraction(), weights);
-        for (size_t channel = 0; channel < pixelSize; ++channel)
-            for (size_t pair = 0; pair < 2; ++pair) {
-                const int64_t pixel = column.pixel() - 1 + 2 * static_cast<int64_t>(pair);
+        for (size_t pair = 0; pair < 2; ++pair) {
+            const int64_t pixel = column.pixel() - 1 + 2 * static_cast<int64_t>(pair);
+            const int32_t first = weights[2 * pair], second = weights[2 * pair + 1];
+            const bool isOnePixel = pixel < 0; // to the left of the first column
+            for (size_t channel = 0; channel < pixelSize; ++channel)
                 columns.set(x * pixelSize + channel, pair, inside(pixel, r.srcWidth) * pixelSize + channel,
-                            inside(pixel + 1, r.srcWidth) * pixelSize + channel, weights[2 * pair],
-                            weights[2 * pair + 1]);
-            }
+                            isOnePixel ? first + second : first, isOnePixel ? 0 : second);
+        }
     }
     columns.finish();
 
-    ScaledRows<CubicInterpolation, 3> rows(r, columns);
+    ScaledRows<CubicInterpolation, 3 + kMostInBatch> rows(r, columns);
     if (!rows.exists())
         return false;
     Positions row(rowsOf(r));
@@ -642,7 +675,9 @@ RVK_NOINLINE void Places::pick(const uint8_t* row, size_t columns, uint8_t* dst)
                           lookupWindows<2>(row, offsets + x / kWindow, here));
         });
     } else {
-        pickEach(row, m_places.get(), columns, dst);
+        const uint32_t* const places = m_places.get();
+        for (size_t x = 0; x < columns; ++x)
+            dst[x] = row[places[x]];
     }
 }
 
@@ -725,7 +760,7 @@ struct Mean16
     RVK_INLINE bool exists() const { return factor != 0; }
     RVK_INLINE Vec<uint16_t> operator()(Vec<uint16_t> sum) const
     {
-        return shiftRight(multiplyHigh(sum + splat(half), splat(factor)), shift);
+        return shiftRightByVariable(multiplyHigh(sum + splat(half), splat(factor)), shift);
     }
 };
 
@@ -953,7 +988,7 @@ RVK_INLINE Vec<uint8_t> averageOf(const WeighedRows& rows, size_t x, const Mean1
                                 RVK_INLINE_LAMBDA { sum = sum + load(rows.row[k] + column) * splat(rows.weight[k]); });
         return mean(bitCast<uint16_t>(sum));
     };
-    return narrow(Vecs<uint16_t, 2>{sumAt(x), sumAt(x + kColumns)});
+    return narrowSat<uint8_t>(bitCast<int16_t>(Vecs<uint16_t, 2>{sumAt(x), sumAt(x + kColumns)}));
 }
 
 // Each row has the coarse parts of the sums of a step and then the fine ones.
@@ -996,12 +1031,12 @@ bool averageColumnsFirst(const Resizing& r, Axis columnAxis, Axis rowAxis, const
     for (size_t x = 0; x < r.dstWidth; ++x, column.next()) {
         const Covered covered(column, columnAxis);
         for (size_t i = 0; i < 2 * Sum::pairs; i += 2)
-            columns.set(x, i / 2, least(column.first() + i, r.srcWidth - 1),
-                        least(column.first() + i + 1, r.srcWidth - 1), static_cast<int32_t>(covered.weight(i)),
+            columns.set(x, i / 2, least(column.first() + i, r.srcWidth - 1), static_cast<int32_t>(covered.weight(i)),
                         static_cast<int32_t>(covered.weight(i + 1)));
     }
     columns.finish();
-    ScaledRows<Sum, kMostRows - 1> scaled(r, columns);
+    // Where whole batches are scaled, at most three rows make one.
+    ScaledRows<Sum, kMostRows - 1 + kMostInBatch / 2> scaled(r, columns);
     if (!columns.hasWindows() || !scaled.exists())
         return false;
 

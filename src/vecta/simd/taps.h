@@ -32,8 +32,27 @@ struct TapsOfStep
 #endif
 };
 
-// Each kind of sum has setWeights, which puts the weights of one pair of a column into the table, and sum, which takes
-// the pairs of all columns of a step and what the table has for them.
+// Each kind of sum has setWeights, which puts the weights of one pair of each column into the table, and sum, which
+// takes the pairs of all columns of a step and what the table has for them.
+
+#if defined(__x86_64__)
+// weight = 64 * coarse + fine
+struct SplitWeight
+{
+    Vec<int16_t> coarse, fine;
+
+    RVK_INLINE explicit SplitWeight(Vec<int16_t> weight)
+        : coarse(shiftRight(weight + splat<int16_t>(32), 6)), fine(weight - shiftLeft(coarse, 6))
+    {
+    }
+};
+
+// What fits bytes, by turns.
+RVK_INLINE Vec<int8_t> bytePairs(Vec<int16_t> first, Vec<int16_t> second)
+{
+    return bitCast<int8_t>((first & splat<int16_t>(255)) | shiftLeft(second, 8));
+}
+#endif
 
 // (p0 * (2^13 - weight) + p1 * weight + 2^5) / 2^6, rounded down; on x86 its negative, since a signed byte can be -128,
 // but not 128. Between two such rows, between() is of either sign.
@@ -42,13 +61,11 @@ struct Interpolation
     static constexpr size_t pairs = 1, values = 1;
 
 #if defined(__x86_64__)
-    RVK_INLINE static void setWeights(TapsOfStep& taps, size_t column, int32_t, int32_t weight)
+    RVK_INLINE static void setWeights(TapsOfStep& taps, Vec<int16_t>, Vec<int16_t> weight)
     {
-        const int32_t coarse = (weight + 32) >> 6, fine = weight - 64 * coarse;
-        taps.coarse[2 * column] = static_cast<int8_t>(coarse - 128);
-        taps.coarse[2 * column + 1] = static_cast<int8_t>(-coarse);
-        taps.fine[2 * column] = static_cast<int8_t>(-fine);
-        taps.fine[2 * column + 1] = static_cast<int8_t>(fine);
+        const SplitWeight split(weight);
+        store(taps.coarse, bytePairs(split.coarse - splat<int16_t>(128), zero<int16_t>() - split.coarse));
+        store(taps.fine, bytePairs(zero<int16_t>() - split.fine, split.fine));
     }
     RVK_INLINE static Vec<int16_t> sum(const Vecs<uint8_t, 1>& pixels, const TapsOfStep* taps)
     {
@@ -61,9 +78,9 @@ struct Interpolation
         return multiplyRounded(upper - lower, weight) - upper;
     }
 #else
-    RVK_INLINE static void setWeights(TapsOfStep& taps, size_t column, int32_t, int32_t weight)
+    RVK_INLINE static void setWeights(TapsOfStep& taps, Vec<int16_t>, Vec<int16_t> weight)
     {
-        taps.weights[0][column] = static_cast<int16_t>(4 * weight);
+        store(taps.weights[0], shiftLeft(weight, 2));
     }
     RVK_INLINE static Vec<int16_t> sum(const Vecs<uint8_t, 1>& pixels, const TapsOfStep* taps)
     {
@@ -79,19 +96,17 @@ struct Interpolation
 };
 
 #if defined(__x86_64__)
-RVK_INLINE void setSplitWeights(TapsOfStep& taps, size_t column, int32_t weight0, int32_t weight1)
+RVK_INLINE void setSplitWeights(TapsOfStep& taps, Vec<int16_t> weight0, Vec<int16_t> weight1)
 {
-    const int32_t coarse0 = (weight0 + 32) >> 6, coarse1 = (weight1 + 32) >> 6;
-    taps.coarse[2 * column] = static_cast<int8_t>(coarse0);
-    taps.coarse[2 * column + 1] = static_cast<int8_t>(coarse1);
-    taps.fine[2 * column] = static_cast<int8_t>(weight0 - 64 * coarse0);
-    taps.fine[2 * column + 1] = static_cast<int8_t>(weight1 - 64 * coarse1);
+    const SplitWeight first(weight0), second(weight1);
+    store(taps.coarse, bytePairs(first.coarse, second.coarse));
+    store(taps.fine, bytePairs(first.fine, second.fine));
 }
 #else
-RVK_INLINE void setPlainWeights(TapsOfStep& taps, size_t column, int32_t weight0, int32_t weight1)
+RVK_INLINE void setPlainWeights(TapsOfStep& taps, Vec<int16_t> weight0, Vec<int16_t> weight1)
 {
-    taps.weights[0][column] = static_cast<int16_t>(weight0);
-    taps.weights[1][column] = static_cast<int16_t>(weight1);
+    store(taps.weights[0], weight0);
+    store(taps.weights[1], weight1);
 }
 
 // The bytes of pairs, first and second ones apart, with 16 bits.
@@ -108,9 +123,9 @@ struct CubicInterpolation
     static constexpr size_t pairs = 2, values = 1;
 
 #if defined(__x86_64__)
-    RVK_INLINE static void setWeights(TapsOfStep& taps, size_t column, int32_t weight0, int32_t weight1)
+    RVK_INLINE static void setWeights(TapsOfStep& taps, Vec<int16_t> weight0, Vec<int16_t> weight1)
     {
-        setSplitWeights(taps, column, weight0, weight1);
+        setSplitWeights(taps, weight0, weight1);
     }
     RVK_INLINE static Vec<int16_t> sum(const Vecs<uint8_t, 2>& pixels, const TapsOfStep* taps)
     {
@@ -120,9 +135,9 @@ struct CubicInterpolation
         return parts(&TapsOfStep::coarse) + shiftRightRounded(parts(&TapsOfStep::fine), 6);
     }
 #else
-    RVK_INLINE static void setWeights(TapsOfStep& taps, size_t column, int32_t weight0, int32_t weight1)
+    RVK_INLINE static void setWeights(TapsOfStep& taps, Vec<int16_t> weight0, Vec<int16_t> weight1)
     {
-        setPlainWeights(taps, column, weight0, weight1);
+        setPlainWeights(taps, weight0, weight1);
     }
     RVK_INLINE static Vec<int16_t> sum(const Vecs<uint8_t, 2>& pixels, const TapsOfStep* taps)
     {
@@ -144,18 +159,18 @@ struct WeightedSum
     static constexpr size_t pairs = count, values = 1;
 
 #if defined(__x86_64__)
-    RVK_INLINE static void setWeights(TapsOfStep& taps, size_t column, int32_t weight0, int32_t weight1)
+    RVK_INLINE static void setWeights(TapsOfStep& taps, Vec<int16_t> weight0, Vec<int16_t> weight1)
     {
-        setSplitWeights(taps, column, 64 * weight0, 64 * weight1);
+        store(taps.coarse, bytePairs(weight0, weight1));
     }
     RVK_INLINE static Vec<int16_t> sumOfPair(Vec<uint8_t> pixels, const TapsOfStep& taps)
     {
         return dotPairs(pixels, load(taps.coarse));
     }
 #else
-    RVK_INLINE static void setWeights(TapsOfStep& taps, size_t column, int32_t weight0, int32_t weight1)
+    RVK_INLINE static void setWeights(TapsOfStep& taps, Vec<int16_t> weight0, Vec<int16_t> weight1)
     {
-        setPlainWeights(taps, column, weight0, weight1);
+        setPlainWeights(taps, weight0, weight1);
     }
     RVK_INLINE static Vec<int16_t> sumOfPair(Vec<uint8_t> pixels, const TapsOfStep& taps)
     {
@@ -181,9 +196,9 @@ struct SplitSum
     static constexpr size_t pairs = count, values = 2;
 
 #if defined(__x86_64__)
-    RVK_INLINE static void setWeights(TapsOfStep& taps, size_t column, int32_t weight0, int32_t weight1)
+    RVK_INLINE static void setWeights(TapsOfStep& taps, Vec<int16_t> weight0, Vec<int16_t> weight1)
     {
-        setSplitWeights(taps, column, weight0, weight1);
+        setSplitWeights(taps, weight0, weight1);
     }
     RVK_INLINE static Vecs<int16_t, 2> sum(const Vecs<uint8_t, count>& pixels, const TapsOfStep* taps)
     {
@@ -195,9 +210,9 @@ struct SplitSum
         return {coarse, fine};
     }
 #else
-    RVK_INLINE static void setWeights(TapsOfStep& taps, size_t column, int32_t weight0, int32_t weight1)
+    RVK_INLINE static void setWeights(TapsOfStep& taps, Vec<int16_t> weight0, Vec<int16_t> weight1)
     {
-        setPlainWeights(taps, column, weight0, weight1);
+        setPlainWeights(taps, weight0, weight1);
     }
     RVK_INLINE static Vecs<int16_t, 2> sum(const Vecs<uint8_t, count>& pixels, const TapsOfStep* taps)
     {
@@ -212,6 +227,16 @@ struct SplitSum
     }
 #endif
 };
+
+// shiftRight by what is no constant.
+RVK_INLINE Vec<uint16_t> shiftRightByVariable(Vec<uint16_t> v, unsigned count)
+{
+#if defined(__AVX512BW__) // a number for each lane: one operation, where one for all of them takes two
+    return vec<uint16_t>(_mm512_srlv_epi16(reg(v), reg(splat(static_cast<uint16_t>(count)))));
+#else
+    return shiftRight(v, count);
+#endif
+}
 
 // (columns + 2^(shift - 1)) / 2^shift, below 256, of two or four vectors of bytes by turns.
 template <unsigned shift>
