@@ -125,6 +125,20 @@ void irvkRowRGBA8888ToBGRA8888C(const uint8_t* src, uint32_t width, uint8_t* dst
 void irvkScaleDownMNCoreC(const uint8_t* src, uint32_t srcWidth, uint32_t rows, uint32_t srcStride, uint32_t pixelSize,
                           uint8_t* dst, uint32_t dstWidth);
 
+// The moments of a tile of at most 32x32 pixels, of which those that are not 0 count as 1 when `binary` is not 0.
+struct RawMoments;
+void irvkTileMomentsu8C(const uint8_t* src, uint32_t width, uint32_t height, uint32_t stride, uint32_t binary,
+                        RawMoments* moments);
+void irvkTileMomentss32C(const int32_t* src, uint32_t width, uint32_t height, uint32_t stride, uint32_t binary,
+                         RawMoments* moments);
+void irvkTileMomentsf32C(const float32_t* src, uint32_t width, uint32_t height, uint32_t stride, uint32_t binary,
+                         RawMoments* moments);
+
+// The sum of the pixels of a block; and of two blocks the sum of absolute differences, each pixel less the whole part
+// of the mean of its block. *mean2 is that of the second.
+uint32_t irvkBlockSum16x16C(const uint8_t* block, uint32_t stride);
+uint32_t irvkBlockZeroMeanSad16x16C(const uint8_t* block1, const uint8_t* block2, uint32_t stride, uint32_t* mean2);
+
 // A row of an integral image: dst[x] is above[x] and the sum of src[0] to src[x].
 void irvkIntegralLineC(const uint8_t* src, uint32_t width, const uint32_t* above, uint32_t* dst);
 

@@ -10,4 +10,11 @@ namespace rvk {
 void irvkCopy(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride, uint8_t* dst,
               uint32_t dstStride);
 
+// rvkSumOfAbsoluteDiff8x8u8 and so on, likewise.
+uint32_t irvkSumOfAbsoluteDiff8x8u8(const uint8_t* src1, uint32_t src1Stride, const uint8_t* src2, uint32_t src2Stride);
+uint32_t irvkSumOfAbsoluteDiff16x16u8(const uint8_t* src1, uint32_t src1Stride, const uint8_t* src2,
+                                      uint32_t src2Stride);
+void irvkSumOfAbsoluteDiffs16x16u8(const uint8_t* patch, const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight,
+                                   uint32_t srcStride, uint16_t* dst, uint32_t dstStride);
+
 } // namespace rvk

@@ -22,10 +22,12 @@ std::span<const TestGroup> testGroups()
         {"BLUR", 4, RAVIK_TEST_BLUR_Test, blurFunctions},
         {"EDGES", 6, RAVIK_TEST_EDGE_Sobel_Test, edgesFunctions},
         {"SCHARR", 6, RAVIK_TEST_EDGE_Scharr_Test, scharrFunctions},
+        {"SAD", 3, RAVIK_TEST_SAD_Test, sadFunctions},
         {"THRESH", 6, RAVIK_TEST_THRESH_Test, thresholdFunctions},
         {"COPY", 4, RAVIK_TEST_COPY_Test, copyFunctions},
         {"BITCNT", 6, RAVIK_TEST_BITCNT_Test, bitCountFunctions},
         {"BITWISEOP", 7, RAVIK_TEST_BITWISEOP_Test, bitwiseFunctions},
+        {"OFBM", 4, RAVIK_TEST_OPTICAL_FLOW_BM_Test, blockMatchingFunctions},
         {"UPSAMPLE", 8, RAVIK_TEST_UPSAMPLE_Test, upsampleFunctions},
         {"IPP", 4, RAVIK_TEST_IPP_Test, flipFunctions},
         {"PERSPTRANSFORM", 14, RAVIK_TEST_rvkGetPerspectiveTransform, perspectiveTransformFunctions},
@@ -35,10 +37,11 @@ std::span<const TestGroup> testGroups()
         {"QUAD", 4, RAVIK_TEST_QUAD_Test, quadFunctions},
         {"AVERAGE", 7, RAVIK_TEST_AVERAGE_Test, averageFunctions},
         {"FLOODFILL", 9, RAVIK_TEST_FLOODFILL, floodFillFunctions},
+        {"SHIFT", 5, RAVIK_TEST_SHIFT_Test, shiftFunctions},
+        {"MOTION", 6, RAVIK_TEST_UPDATEMOTIONHISTORY, motionHistoryFunctions},
         {"REMAP", 5, RAVIK_TEST_REMAP_Test, remapFunctions},
         {"PYRAMID", 7, RAVIK_TEST_PYRAMID_Test, pyramidFunctions},
         {"IMGSEGMENTATION", 15, RAVIK_TEST_IMGSEGMENTATION_Test, segmentationFunctions},
-        {"CORNERSUBPIX", 12, RAVIK_TEST_CORNERSUBPIX_Test, cornerSubPixFunctions},
         {"CHANNEL", 7, RAVIK_TEST_CHANNEL_Test, channelFunctions},
         {"FIR", 3, RAVIK_TEST_FIR_Test, firFunctions},
         {"IMGINTENSITY", 12, RAVIK_TEST_IMGINTENSITY_Test, imageIntensityFunctions},
@@ -46,7 +49,6 @@ std::span<const TestGroup> testGroups()
         {"MINMAX", 6, RAVIK_TEST_MINMAX_Test, minMaxFunctions},
         {"SMOOTH", 6, RAVIK_TEST_SMOOTH_Test, smoothFunctions},
         {"ARITHM", 6, RAVIK_TEST_ARITHM_Test, arithmeticFunctions},
-        {"HARRIS", 6, RAVIK_TEST_HARRIS_Test, harrisFunctions},
     };
     return groups;
 }

@@ -43,10 +43,12 @@ const FunctionGroup& scaleAndResizeFunctions();
 const FunctionGroup& blurFunctions();
 const FunctionGroup& edgesFunctions();
 const FunctionGroup& scharrFunctions();
+const FunctionGroup& sadFunctions();
 const FunctionGroup& thresholdFunctions();
 const FunctionGroup& copyFunctions();
 const FunctionGroup& bitCountFunctions();
 const FunctionGroup& bitwiseFunctions();
+const FunctionGroup& blockMatchingFunctions();
 const FunctionGroup& upsampleFunctions();
 const FunctionGroup& flipFunctions();
 const FunctionGroup& perspectiveTransformFunctions();
@@ -55,6 +57,8 @@ const FunctionGroup& adaptiveThresholdFunctions();
 const FunctionGroup& absDiffFunctions();
 const FunctionGroup& quadFunctions();
 const FunctionGroup& averageFunctions();
+const FunctionGroup& shiftFunctions();
+const FunctionGroup& motionHistoryFunctions();
 const FunctionGroup& remapFunctions();
 const FunctionGroup& pyramidFunctions();
 const FunctionGroup& channelFunctions();
@@ -66,8 +70,6 @@ const FunctionGroup& smoothFunctions();
 const FunctionGroup& arithmeticFunctions();
 const FunctionGroup& floodFillFunctions();
 const FunctionGroup& segmentationFunctions();
-const FunctionGroup& harrisFunctions();
-const FunctionGroup& cornerSubPixFunctions();
 
 template <const FunctionGroup& (*functions)()>
 int testFunctions(int loops, const char* dataDirectory)
@@ -89,10 +91,12 @@ inline constexpr auto RAVIK_TEST_SCALE_Test = testFunctions<scaleAndResizeFuncti
 inline constexpr auto RAVIK_TEST_BLUR_Test = testFunctions<blurFunctions>;
 inline constexpr auto RAVIK_TEST_EDGE_Sobel_Test = testFunctions<edgesFunctions>;
 inline constexpr auto RAVIK_TEST_EDGE_Scharr_Test = testFunctions<scharrFunctions>;
+inline constexpr auto RAVIK_TEST_SAD_Test = testFunctions<sadFunctions>;
 inline constexpr auto RAVIK_TEST_THRESH_Test = testFunctions<thresholdFunctions>;
 inline constexpr auto RAVIK_TEST_COPY_Test = testFunctions<copyFunctions>;
 inline constexpr auto RAVIK_TEST_BITCNT_Test = testFunctions<bitCountFunctions>;
 inline constexpr auto RAVIK_TEST_BITWISEOP_Test = testFunctions<bitwiseFunctions>;
+inline constexpr auto RAVIK_TEST_OPTICAL_FLOW_BM_Test = testFunctions<blockMatchingFunctions>;
 inline constexpr auto RAVIK_TEST_UPSAMPLE_Test = testFunctions<upsampleFunctions>;
 inline constexpr auto RAVIK_TEST_IPP_Test = testFunctions<flipFunctions>;
 inline constexpr auto RAVIK_TEST_rvkGetPerspectiveTransform = testFunctions<perspectiveTransformFunctions>;
@@ -101,6 +105,8 @@ inline constexpr auto RAVIK_TEST_ADAPTIVETHRESHOLD_Test = testFunctions<adaptive
 inline constexpr auto RAVIK_TEST_ABSDIFF_Test = testFunctions<absDiffFunctions>;
 inline constexpr auto RAVIK_TEST_QUAD_Test = testFunctions<quadFunctions>;
 inline constexpr auto RAVIK_TEST_AVERAGE_Test = testFunctions<averageFunctions>;
+inline constexpr auto RAVIK_TEST_SHIFT_Test = testFunctions<shiftFunctions>;
+inline constexpr auto RAVIK_TEST_UPDATEMOTIONHISTORY = testFunctions<motionHistoryFunctions>;
 inline constexpr auto RAVIK_TEST_REMAP_Test = testFunctions<remapFunctions>;
 inline constexpr auto RAVIK_TEST_PYRAMID_Test = testFunctions<pyramidFunctions>;
 inline constexpr auto RAVIK_TEST_CHANNEL_Test = testFunctions<channelFunctions>;
@@ -112,5 +118,3 @@ inline constexpr auto RAVIK_TEST_SMOOTH_Test = testFunctions<smoothFunctions>;
 inline constexpr auto RAVIK_TEST_ARITHM_Test = testFunctions<arithmeticFunctions>;
 inline constexpr auto RAVIK_TEST_FLOODFILL = testFunctions<floodFillFunctions>;
 inline constexpr auto RAVIK_TEST_IMGSEGMENTATION_Test = testFunctions<segmentationFunctions>;
-inline constexpr auto RAVIK_TEST_HARRIS_Test = testFunctions<harrisFunctions>;
-inline constexpr auto RAVIK_TEST_CORNERSUBPIX_Test = testFunctions<cornerSubPixFunctions>;

@@ -1,6 +1,7 @@
-// TRNS and IPP: transposes, flips and rotations.
+// TRNS and IPP: transposes, flips and rotations; tables and moments.
 #include "groups.h"
 
+#include <ravik/moments.h>
 #include <ravik/statistics.h>
 #include <ravik/transform.h>
 
@@ -22,12 +23,26 @@ const FunctionGroup& transposeFunctions()
     return group;
 }
 
+namespace {
+
+template <class T>
+rvkStatus takeMoments(rvkStatus (*function)(const T*, uint32_t, uint32_t, uint32_t, uint32_t, rvkMoments*),
+                      const T* picture, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride, uint32_t binary,
+                      float32_t* moments)
+{
+    return function(picture, srcWidth, srcHeight, srcStride, binary, reinterpret_cast<rvkMoments*>(moments));
+}
+
+} // namespace
+
 const FunctionGroup& flipFunctions()
 {
     const Argument direction = oneOf({RAVIK_FLIP_HORIZONTAL, RAVIK_FLIP_VERTICAL, RAVIK_FLIP_BOTH}).refusing({0, 4});
     const Argument pairs = src.ofChannels(2), turnedDst = dst.ofChannels(2).transposed();
     const Argument quarter = oneOf({RAVIK_ROTATE_90}), half = oneOf({RAVIK_ROTATE_180}),
                    threeQuarters = oneOf({RAVIK_ROTATE_270});
+
+    const Argument binary = oneOf({0, 1, 7}), moments = dst.ofSize(24);
 
     const Contract turned = Contract().refusingInPlace().onDsp({.alignment = 8, .widthMultiple = 8});
     const Contract turnedPairs = Contract().refusingInPlace().onDsp({.alignment = 8, .elementsPerPixel = 2});
@@ -71,6 +86,12 @@ const FunctionGroup& flipFunctions()
             RVK_TEST(rvkImageHistogramEqualizeu8, src, width, height, stride, dst, stride)
                 .keeps(Contract().inPlace().upToPixels(UINT32_MAX).onDsp({.alignment = 8, .widthMultiple = 8})),
             RVK_TEST(rvkTableLookupu8, src, width, height, stride, src.ofSize(256), dst, stride).keeps(flippedBytes),
+            RVK_TEST_ADAPTED("rvkImageMomentsu8", rvkImageMomentsu8, takeMoments<uint8_t>, src, width, height, stride,
+                             binary, moments),
+            RVK_TEST_ADAPTED("rvkImageMomentss32", rvkImageMomentss32, takeMoments<int32_t>, src, width, height, stride,
+                             binary, moments),
+            RVK_TEST_ADAPTED("rvkImageMomentsf32", rvkImageMomentsf32, takeMoments<float32_t>, src, width, height,
+                             stride, binary, moments),
         }};
     return group;
 }

@@ -77,6 +77,13 @@ typedef struct rvkRectangle
     int32_t x, y, width, height;
 } rvkRectangle;
 
+/* A rectangle in any orientation: its centre in pixels, its size along its longer and its shorter side, and the angle
+ * of the longer one in degrees, from 0 to below 180, from the x axis towards the y axis, which points down. */
+typedef struct rvkRotatedBox
+{
+    float32_t x, y, width, height, angle;
+} rvkRotatedBox;
+
 /* Conversion policy of the add, subtract and multiply families. */
 #define RAVIK_POLICY_WRAP 0u     /* keep the low bits of the exact result */
 #define RAVIK_POLICY_SATURATE 1u /* clamp to the range of the destination */

@@ -1,0 +1,428 @@
+// Vector implementations of the moments.
+#include "vecta/ravikMomentsV.h"
+
+#include "cpu/ravikMomentsC.h"
+#include "vecta/simd/rows.h"
+#include "vecta/vecta.h"
+
+namespace rvk::vecta::RVK_ISA {
+namespace {
+
+// Sums of integers first have the weights C(x, p) * C(y, q), binomial coefficients, which additions alone make: where
+// each sum is added to the next one before the next row, from the last row to the first.
+template <class Sum>
+struct BinomialSums
+{
+    Sum s00, s10, s01, s20, s11, s02, s30, s21, s12, s03;
+
+    // y = C(y, 1), y^2 = 2 C(y, 2) + C(y, 1), y^3 = 6 C(y, 3) + 6 C(y, 2) + C(y, 1); sums wrap on the way.
+    template <class Total>
+    RVK_INLINE RawMoments toMoments() const
+    {
+        const auto exact = [](Sum sum) RVK_INLINE_LAMBDA { return static_cast<double>(static_cast<Total>(sum)); };
+        return {exact(s00),
+                exact(s10),
+                exact(s01),
+                exact(2 * s20 + s10),
+                exact(s11),
+                exact(2 * s02 + s01),
+                exact(6 * (s30 + s20) + s10),
+                exact(2 * s21 + s11),
+                exact(2 * s12 + s11),
+                exact(6 * (s03 + s02) + s01)};
+    }
+};
+
+// f(p) for the rows of a tile from the last to the first, p the first of them.
+template <class T, class F>
+RVK_INLINE void forRowsUpwards(const T* p, size_t rowElements, size_t height, F f)
+{
+    constexpr size_t together = 4;
+    p += (height - 1) * rowElements;
+    for (; height >= together; height -= together)
+        unrolled<together>([&](auto) RVK_INLINE_LAMBDA {
+            f(p);
+            p -= rowElements;
+        });
+    for (; height; --height, p -= rowElements)
+        f(p);
+}
+
+// ---- bytes --------------------------------------------------------------------------------------
+
+// C(x, p) for the columns of a tile, and 0 for as many before them, which do not count.
+struct ColumnWeights
+{
+    uint16_t of[4][2 * kMomentTile] = {};
+
+    constexpr ColumnWeights()
+    {
+        for (uint32_t x = 0; x < kMomentTile; ++x) {
+            of[0][kMomentTile + x] = 1;
+            for (uint32_t p = 1; p < 4; ++p) // C(x, p) = C(x - 1, p) + C(x - 1, p - 1)
+                of[p][kMomentTile + x] =
+                    static_cast<uint16_t>(of[p][kMomentTile + x - 1] + of[p - 1][kMomentTile + x - 1]);
+        }
+    }
+};
+constexpr ColumnWeights kColumnWeights;
+
+using Halves = Vecs<uint32_t, 2>;
+
+RVK_INLINE Halves addHalves(const Halves& a, const Halves& b)
+{
+    return both(a, b, [](auto x, auto y) RVK_INLINE_LAMBDA { return x + y; });
+}
+
+template <bool binary>
+RVK_INLINE Vec<uint16_t> loadPixels(const uint8_t* p)
+{
+    const Vec<uint16_t> v = loadWiden<uint16_t>(p);
+    return binary ? min(v, splat<uint16_t>(1)) : v;
+}
+
+// The sums down as many columns as a vector has 16-bit lanes, up to an order. Those of order 0 are below 2^15.
+template <unsigned degree>
+struct ByteColumns
+{
+    Vec<uint16_t> order0 = {};
+    Halves higher[degree] = {};
+
+    template <bool binary>
+    RVK_INLINE void add(const uint8_t* p, size_t rowElements, size_t height)
+    {
+        forRowsUpwards(p, rowElements, height, [this](const uint8_t* row) RVK_INLINE_LAMBDA {
+            unrolled<degree - 1>([this](auto i) RVK_INLINE_LAMBDA {
+                constexpr size_t q = degree - 1 - i;
+                higher[q] = addHalves(higher[q], higher[q - 1]);
+            });
+            higher[0] = addHalves(higher[0], widenInLanes(order0));
+            order0 = order0 + loadPixels<binary>(row);
+        });
+    }
+    template <size_t q>
+    RVK_INLINE Halves order() const
+    {
+        return higher[q - 1];
+    }
+};
+
+// The first order alone fits 16 bits, too, for 16 rows. What was summed before is that many rows farther from the first
+// row then.
+template <>
+struct ByteColumns<1>
+{
+    Vec<uint16_t> order0 = {};
+    Halves order1 = {};
+
+    template <bool binary>
+    RVK_INLINE void add(const uint8_t* p, size_t rowElements, size_t height)
+    {
+        constexpr size_t most = 16;
+        if (height > most)
+            addRows<binary>(p + most * rowElements, rowElements, height - most);
+        addRows<binary>(p, rowElements, least(height, most));
+    }
+    template <size_t>
+    RVK_INLINE Halves order() const
+    {
+        return order1;
+    }
+
+private:
+    template <bool binary>
+    RVK_INLINE void addRows(const uint8_t* p, size_t rowElements, size_t height)
+    {
+        order1 = addHalves(order1, widenInLanes(order0 * splat(static_cast<uint16_t>(height))));
+        Vec<uint16_t> sum0 = zero<uint16_t>(), sum1 = zero<uint16_t>();
+        forRowsUpwards(p, rowElements, height, [&](const uint8_t* row) RVK_INLINE_LAMBDA {
+            sum1 = sum1 + sum0;
+            sum0 = sum0 + loadPixels<binary>(row);
+        });
+        order0 = order0 + sum0;
+        order1 = addHalves(order1, widenInLanes(sum1));
+    }
+};
+
+template <unsigned degree, bool binary>
+RVK_INLINE BinomialSums<uint32_t> binomialSums(const uint8_t* p, size_t rowElements, size_t height, size_t first,
+                                               size_t /*end: what comes after it is 0*/)
+{
+    constexpr size_t lanes = Vec<uint16_t>::lanes, count = degree == 3 ? 10 : 3;
+    Vecs<uint32_t, 12> sums = {}; // in the order of BinomialSums
+    for (size_t column = 0; column < kMomentTile; column += lanes) {
+        ByteColumns<degree> columns;
+        columns.template add<binary>(p + column, rowElements, height);
+        const auto weights = [=](size_t power) RVK_INLINE_LAMBDA {
+            return load(kColumnWeights.of[power] + kMomentTile - first + column);
+        };
+        const Halves ones = widenInLanes(weights(0)); // and zeros
+        const auto sumUp = [&](auto i, auto across, auto down) RVK_INLINE_LAMBDA {
+            if constexpr (i >= count) {
+                return;
+            } else if constexpr (down == 0) {
+                const Vec<int32_t> products =
+                    dotPairs(bitCast<int16_t>(columns.order0), bitCast<int16_t>(weights(across)));
+                sums[i] = sums[i] + bitCast<uint32_t>(products);
+            } else {
+                constexpr bool isOfColumns = across == 0;
+                const Halves s = columns.template order<down>();
+                const auto weighted = [=](auto half) RVK_INLINE_LAMBDA {
+                    if constexpr (isOfColumns)
+                        return s[half] & (zero<uint32_t>() - ones[half]);
+                    else
+                        return s[half] * widenInLanes(weights(across))[half];
+                };
+                sums[i] = sums[i] + (weighted(Constant<0>{}) + weighted(Constant<1>{}));
+            }
+        };
+        sumUp(Constant<0>{}, Constant<0>{}, Constant<0>{});
+        sumUp(Constant<1>{}, Constant<1>{}, Constant<0>{});
+        sumUp(Constant<2>{}, Constant<0>{}, Constant<1>{});
+        sumUp(Constant<3>{}, Constant<2>{}, Constant<0>{});
+        sumUp(Constant<4>{}, Constant<1>{}, Constant<1>{});
+        sumUp(Constant<5>{}, Constant<0>{}, Constant<2>{});
+        sumUp(Constant<6>{}, Constant<3>{}, Constant<0>{});
+        sumUp(Constant<7>{}, Constant<2>{}, Constant<1>{});
+        sumUp(Constant<8>{}, Constant<1>{}, Constant<2>{});
+        sumUp(Constant<9>{}, Constant<0>{}, Constant<3>{});
+    }
+    uint32_t s[12] = {};
+    unrolled<(count + 3) / 4>([&](auto i) RVK_INLINE_LAMBDA {
+        storeSums(s + 4 * i, Vecs<uint32_t, 4>{sums[4 * i], sums[4 * i + 1], sums[4 * i + 2], sums[4 * i + 3]});
+    });
+    return {s[0], s[1], s[2], s[3], s[4], s[5], s[6], s[7], s[8], s[9]};
+}
+
+template <unsigned degree, bool binary>
+RVK_INLINE RawMoments tileMoments(const uint8_t* p, size_t rowElements, size_t height, size_t first, size_t end)
+{
+    return binomialSums<degree, binary>(p, rowElements, height, first, end).template toMoments<uint32_t>();
+}
+
+// ---- 32-bit integers ----------------------------------------------------------------------------
+
+// The sums of a column up to an order, of which the last ones are of the columns before.
+template <unsigned degree, bool binary>
+RVK_INLINE BinomialSums<uint64_t> binomialSums(const int32_t* p, size_t rowElements, size_t height, size_t first,
+                                               size_t end)
+{
+    constexpr size_t lanes = Vec<int32_t>::lanes;
+    MomentColumns<uint64_t> columns;
+    for (size_t column = 0; column < kMomentTile; column += lanes) {
+        Vecs<int64_t, 2> sums[degree + 1] = {};
+        forRowsUpwards(p + column, rowElements, height, [&](const int32_t* row) RVK_INLINE_LAMBDA {
+            Vec<int32_t> v = load(row);
+            if constexpr (binary)
+                v = select(equal(v, zero<int32_t>()), v, splat<int32_t>(1));
+            const auto add = [](auto a, auto b) RVK_INLINE_LAMBDA { return a + b; };
+            unrolled<degree>([&](auto i) RVK_INLINE_LAMBDA {
+                constexpr size_t q = degree - i;
+                sums[q] = both(sums[q], sums[q - 1], add);
+            });
+            sums[0] = both(sums[0], widen(v), add);
+        });
+        unrolled<degree + 1>([&](auto q) RVK_INLINE_LAMBDA { store(columns[q] + column, bitCast<uint64_t>(sums[q])); });
+    }
+    BinomialSums<uint64_t> s = {};
+    for (size_t column = end; column-- > first;) {
+        if constexpr (degree == 3) {
+            s.s30 += s.s20, s.s20 += s.s10;
+            s.s21 += s.s11, s.s11 += s.s01;
+            s.s12 += s.s02;
+            s.s02 += columns[2][column];
+            s.s03 += columns[3][column];
+        }
+        s.s10 += s.s00;
+        s.s00 += columns[0][column];
+        s.s01 += columns[1][column];
+    }
+    return s;
+}
+
+template <unsigned degree, bool binary>
+RVK_INLINE RawMoments tileMoments(const int32_t* p, size_t rowElements, size_t height, size_t first, size_t end)
+{
+    return binomialSums<degree, binary>(p, rowElements, height, first, end).template toMoments<int64_t>();
+}
+
+// ---- floats -------------------------------------------------------------------------------------
+
+// Whether a number is 0 is asked of its bits, because subnormals are not.
+RVK_INLINE Vec<float> onesForNumbers(Vec<float> v)
+{
+    const Vec<uint32_t> magnitude = shiftLeft(bitCast<uint32_t>(v), 1);
+    const Vec<uint32_t> one = bitCast<uint32_t>(splat(1.0f));
+    return bitCast<float>(select(equal(magnitude, zero<uint32_t>()), zero<uint32_t>(), one));
+}
+
+#if defined(__arm__) // has no vectors of doubles
+
+RVK_INLINE RawMoments sumColumns(const MomentColumns<float32_t>& columns, size_t first, size_t end)
+{
+    return momentsOfColumns(columns, first, end);
+}
+
+#else
+
+// The same with the sums of an order beside each other: a third of the time of scalar sums.
+RVK_INLINE RawMoments sumColumns(const MomentColumns<float32_t>& columns, size_t first, size_t end)
+{
+    using Four __attribute__((vector_size(32))) = double;
+    Four order0 = {}, order1 = {}, order2 = {};
+    double order3 = 0;
+    for (size_t column = first; column < end; ++column) {
+        const double x = static_cast<double>(column - first);
+        const Four powers = {1, x, x * x, x * x * x};
+        order0 += powers * static_cast<double>(columns[0][column]);
+        order1 += powers * static_cast<double>(columns[1][column]);
+        order2 += powers * static_cast<double>(columns[2][column]);
+        order3 += columns[3][column];
+    }
+    return {order0[0], order0[1], order1[0], order0[2], order1[1], order2[0], order0[3], order1[2], order2[1], order3};
+}
+
+#endif
+
+template <unsigned degree, bool binary>
+RVK_INLINE RawMoments tileMoments(const float32_t* p, size_t rowElements, size_t height, size_t first, size_t end)
+{
+    constexpr size_t lanes = Vec<float>::lanes;
+    MomentColumns<float32_t> columns = {};
+    for (size_t column = 0; column < kMomentTile; column += 2 * lanes) {
+        Vecs<float, 2> sums[degree + 1] = {};
+        const float32_t* row = p + column;
+        for (size_t y = 0; y < height; ++y, row += rowElements) {
+            const auto weight = [=](size_t power) RVK_INLINE_LAMBDA { return splat(static_cast<float>(power)); };
+            const Vec<float> weights[] = {weight(1), weight(y), weight(y * y), weight(y * y * y)};
+            unrolled<2>([&](auto half) RVK_INLINE_LAMBDA {
+                Vec<float> v = load(row + half * lanes);
+                if constexpr (binary)
+                    v = onesForNumbers(v);
+                sums[0][half] = sums[0][half] + v;
+                unrolled<degree>([&](auto q)
+                                     RVK_INLINE_LAMBDA { sums[q + 1][half] = sums[q + 1][half] + weights[q + 1] * v; });
+            });
+        }
+        unrolled<degree + 1>([&](auto q) RVK_INLINE_LAMBDA { store(columns[q] + column, sums[q]); });
+    }
+    return degree == 1 ? firstMomentsOfColumns(columns, first, end) : sumColumns(columns, first, end);
+}
+
+// ---- pictures -----------------------------------------------------------------------------------
+
+// As addTile, of as much as the degree asks for.
+template <unsigned degree>
+RVK_INLINE void add(RawMoments& sums, const RawMoments& tile, uint32_t x, uint32_t y)
+{
+    if constexpr (degree == 3) {
+        addTile(sums, tile, x, y);
+    } else {
+        sums.m00 += tile.m00;
+        sums.m10 += tile.m10 + static_cast<double>(x) * tile.m00;
+        sums.m01 += tile.m01 + static_cast<double>(y) * tile.m00;
+    }
+}
+
+// A tile takes whole rows of kMomentTile columns: the last ones of a row begin where they end with the picture, and the
+// columns before `first` do not count. Those of a narrower picture are copied.
+template <unsigned degree, bool binary, class T>
+RVK_NOINLINE RawMoments rawMoments(const T* src, uint32_t width, uint32_t height, uint32_t stride)
+{
+    const bool isNarrow = width < kMomentTile;
+    T copy[kMomentTile * kMomentTile];
+    if (isNarrow)
+        __builtin_memset(copy, 0, sizeof copy);
+    const Plane<const T> plane{src, stride};
+    RawMoments sums = {};
+    for (uint32_t y = 0; y < height;) {
+        const uint32_t rows = height - y < kMomentTile ? height - y : kMomentTile;
+        for (uint32_t x = 0; x < width;) {
+            const uint32_t columns = width - x < kMomentTile ? width - x : kMomentTile;
+            const uint32_t first = isNarrow ? 0 : kMomentTile - columns;
+            const T* tile = plane.row(y) + x - first;
+            size_t rowElements = stride / sizeof(T);
+            if (isNarrow) {
+                for (size_t i = 0; i < rows; ++i)
+                    __builtin_memcpy(copy + i * kMomentTile, tile + i * rowElements, columns * sizeof(T));
+                tile = copy;
+                rowElements = kMomentTile;
+            }
+            add<degree>(sums, tileMoments<degree, binary>(tile, rowElements, rows, first, first + columns), x, y);
+            x += columns;
+        }
+        y += rows;
+    }
+    return sums;
+}
+
+template <class T>
+RVK_INLINE RawMoments allMoments(const T* src, uint32_t width, uint32_t height, uint32_t stride, uint32_t binary)
+{
+    return binary ? rawMoments<3, true>(src, width, height, stride) : rawMoments<3, false>(src, width, height, stride);
+}
+
+template <class T>
+RVK_INLINE FirstMoments roundedFirstMoments(const T* src, uint32_t width, uint32_t height, uint32_t stride)
+{
+    const RawMoments raw = rawMoments<1, false>(src, width, height, stride);
+    return {static_cast<float32_t>(raw.m00), static_cast<float32_t>(raw.m10), static_cast<float32_t>(raw.m01)};
+}
+
+} // namespace
+
+FirstMoments firstMoments(const uint8_t* src, uint32_t width, uint32_t height, uint32_t stride)
+{
+    return roundedFirstMoments(src, width, height, stride);
+}
+
+FirstMoments firstMoments(const int32_t* src, uint32_t width, uint32_t height, uint32_t stride)
+{
+    return roundedFirstMoments(src, width, height, stride);
+}
+
+FirstMoments firstMoments(const float32_t* src, uint32_t width, uint32_t height, uint32_t stride)
+{
+    return roundedFirstMoments(src, width, height, stride);
+}
+
+void irvkTileMomentsu8V(const uint8_t* src, uint32_t width, uint32_t height, uint32_t stride, uint32_t binary,
+                        RawMoments* moments)
+{
+    *moments = allMoments(src, width, height, stride, binary);
+}
+
+void irvkTileMomentss32V(const int32_t* src, uint32_t width, uint32_t height, uint32_t stride, uint32_t binary,
+                         RawMoments* moments)
+{
+    *moments = allMoments(src, width, height, stride, binary);
+}
+
+void irvkTileMomentsf32V(const float32_t* src, uint32_t width, uint32_t height, uint32_t stride, uint32_t binary,
+                         RawMoments* moments)
+{
+    *moments = allMoments(src, width, height, stride, binary);
+}
+
+rvkStatus rvkImageMomentsu8V(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
+                             uint32_t binary, rvkMoments* moments)
+{
+    storeMoments(allMoments(src, srcWidth, srcHeight, srcStride, binary), moments);
+    return RAVIK_SUCCESS;
+}
+
+rvkStatus rvkImageMomentss32V(const int32_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
+                              uint32_t binary, rvkMoments* moments)
+{
+    storeMoments(allMoments(src, srcWidth, srcHeight, srcStride, binary), moments);
+    return RAVIK_SUCCESS;
+}
+
+rvkStatus rvkImageMomentsf32V(const float32_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
+                              uint32_t binary, rvkMoments* moments)
+{
+    storeMoments(allMoments(src, srcWidth, srcHeight, srcStride, binary), moments);
+    return RAVIK_SUCCESS;
+}
+
+} // namespace rvk::vecta::RVK_ISA
