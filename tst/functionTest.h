@@ -277,6 +277,8 @@ struct Argument
     bool isOutput() const { return role == Role::destination || role == Role::updated || role == Role::value; }
     bool isResult() const { return isOutput() && !isScratch; }
     bool isPicture() const { return isImage() && fixedSize == 0; } // its size follows from that of the case
+    // And not of bits: remote units want it aligned.
+    bool isOfPixels() const { return isPicture() && !(isMask && isMeasured()); }
     bool isSampled() const { return xShift || yShift; }
     bool isMeasured() const { return static_cast<bool>(measure.size); }
     uint32_t pixelSize() const { return channels * sizeOf(element); }
@@ -542,6 +544,7 @@ struct FunctionTest
     bool hasStatus = false;
     bool hasCount = false;
     int32_t withoutMemory = RAVIK_ENORES; // the status
+    bool endsWithoutMemory = false;       // the process
     float tolerance = 0;                  // that the test table gets
     uint32_t loopMultiplier = 1;          // calls per profiling sample, for functions that the clock cannot see
     Contract contract{};
@@ -594,6 +597,11 @@ struct FunctionTest
                                                   const CallValues& values) -> std::function<Outcome()> {
             return [call = bindStatus(any, values)] { return Outcome{.count = static_cast<uint32_t>(call().status)}; };
         };
+        return std::move(*this);
+    }
+    FunctionTest endingWithoutMemory() &&
+    {
+        endsWithoutMemory = true;
         return std::move(*this);
     }
     FunctionTest keeps(const Contract& promised) &&

@@ -42,6 +42,7 @@ std::span<const TestGroup> testGroups()
         {"REMAP", 5, RAVIK_TEST_REMAP_Test, remapFunctions},
         {"PYRAMID", 7, RAVIK_TEST_PYRAMID_Test, pyramidFunctions},
         {"IMGSEGMENTATION", 15, RAVIK_TEST_IMGSEGMENTATION_Test, segmentationFunctions},
+        {"CORNERSUBPIX", 12, RAVIK_TEST_CORNERSUBPIX_Test, cornerSubPixFunctions},
         {"CHANNEL", 7, RAVIK_TEST_CHANNEL_Test, channelFunctions},
         {"FIR", 3, RAVIK_TEST_FIR_Test, firFunctions},
         {"IMGINTENSITY", 12, RAVIK_TEST_IMGINTENSITY_Test, imageIntensityFunctions},
@@ -49,6 +50,7 @@ std::span<const TestGroup> testGroups()
         {"MINMAX", 6, RAVIK_TEST_MINMAX_Test, minMaxFunctions},
         {"SMOOTH", 6, RAVIK_TEST_SMOOTH_Test, smoothFunctions},
         {"ARITHM", 6, RAVIK_TEST_ARITHM_Test, arithmeticFunctions},
+        {"HARRIS", 6, RAVIK_TEST_HARRIS_Test, harrisFunctions},
     };
     return groups;
 }

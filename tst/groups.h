@@ -70,6 +70,8 @@ const FunctionGroup& smoothFunctions();
 const FunctionGroup& arithmeticFunctions();
 const FunctionGroup& floodFillFunctions();
 const FunctionGroup& segmentationFunctions();
+const FunctionGroup& harrisFunctions();
+const FunctionGroup& cornerSubPixFunctions();
 
 template <const FunctionGroup& (*functions)()>
 int testFunctions(int loops, const char* dataDirectory)
@@ -118,3 +120,5 @@ inline constexpr auto RAVIK_TEST_SMOOTH_Test = testFunctions<smoothFunctions>;
 inline constexpr auto RAVIK_TEST_ARITHM_Test = testFunctions<arithmeticFunctions>;
 inline constexpr auto RAVIK_TEST_FLOODFILL = testFunctions<floodFillFunctions>;
 inline constexpr auto RAVIK_TEST_IMGSEGMENTATION_Test = testFunctions<segmentationFunctions>;
+inline constexpr auto RAVIK_TEST_HARRIS_Test = testFunctions<harrisFunctions>;
+inline constexpr auto RAVIK_TEST_CORNERSUBPIX_Test = testFunctions<cornerSubPixFunctions>;

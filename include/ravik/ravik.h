@@ -23,6 +23,7 @@
 #include "dotproduct.h"
 #include "frame.h"
 #include "gradient.h"
+#include "harris.h"
 #include "integral.h"
 #include "magnitude.h"
 #include "median.h"

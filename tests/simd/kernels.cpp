@@ -439,6 +439,7 @@ SimdGroup single()
         UNARY(int16_t, abs(a), a < 0 ? -a : a),
         UNARY(int32_t, abs(a), a < 0 ? 0 - uint32_t(a) : uint32_t(a)),
         BINARY(uint8_t, average(a, b), (a + b + 1) >> 1),
+        BINARY(uint8_t, bitCast<uint8_t>(halfDifference(a, b)), (a - b) >> 1),
         BINARY(uint8_t, multiplyRounded(a, b), (a * b + 128) >> 8),
         BINARY(uint8_t, joinBits<3>(a, b), (a & 0xe0) | b >> 3),
         BINARY(uint8_t, joinBits<6>(a, b), (a & 0xfc) | b >> 6),
@@ -454,6 +455,9 @@ SimdGroup single()
                 const int16_t *a = in + 2 * i, *b = a + kLanes<int16_t>;
                 return static_cast<uint32_t>(a[0] * b[0]) + static_cast<uint32_t>(a[1] * b[1]);
             }),
+        mapping<int16_t, int32_t, kLanes<int16_t>, kLanes<int16_t>>(
+            "orderWidened", [](const int16_t* in, int32_t* out) { store(out, orderWidened(widenInLanes(load(in)))); },
+            [](const int16_t* in, size_t i) { return in[i]; }),
         mapping<int16_t, int32_t, 4 * kLanes<int16_t>, kLanes<int16_t>>(
             "dot",
             [](const int16_t* in, int32_t* out) {

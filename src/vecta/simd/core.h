@@ -410,19 +410,29 @@ RVK_INLINE Vecs<T, 2> zipInLanes(Vec<T> a, Vec<T> b)
             shuffle(a, b, [](size_t i) { return i / n * n + n / 2 + i % n / 2 + i % 2 * Vec<T>::lanes; })};
 }
 
-// zipLow and zipHigh. Where there are more blocks than one, both halves are made of the same two vectors.
+// What an ...InLanes function made twice as wide, in the order of memory.
 template <class T>
-RVK_INLINE Vecs<T, 2> zip(Vec<T> a, Vec<T> b)
+RVK_INLINE Vecs<T, 2> orderWidened(const Vecs<T, 2>& v)
 {
     if constexpr (kBytes > 16) {
-        const Vecs<uint64_t, 2> z = bitCast<uint64_t>(zipInLanes(a, b)); // halves of blocks
+        const Vecs<uint64_t, 2> z = bitCast<uint64_t>(v); // halves of blocks
         return bitCast<T>(Vecs<uint64_t, 2>{
             shuffle(z[0], z[1], [](size_t i) { return i % 2 + i / 4 * 2 + i / 2 % 2 * Vec<uint64_t>::lanes; }),
             shuffle(z[0], z[1], [](size_t i) {
                 return i % 2 + i / 4 * 2 + i / 2 % 2 * Vec<uint64_t>::lanes + Vec<uint64_t>::lanes / 2; })});
     } else {
-        return {zipLow(a, b), zipHigh(a, b)};
+        return v;
     }
+}
+
+// zipLow and zipHigh. Where there are more blocks than one, both halves are made of the same two vectors.
+template <class T>
+RVK_INLINE Vecs<T, 2> zip(Vec<T> a, Vec<T> b)
+{
+    if constexpr (kBytes > 16)
+        return orderWidened(zipInLanes(a, b));
+    else
+        return {zipLow(a, b), zipHigh(a, b)};
 }
 
 // ---- comparison and selection ---------------------------------------------------------------------------------------

@@ -22,7 +22,7 @@
 // Constants   splat(x), zero<T>(), iota<T>(): 0, 1, 2, ...
 // Arithmetic  + - * (integers wrap; * of bytes is slow), & | ^ ~, shiftLeft, shiftRight(v, count): count < width of T
 //             min, max: of floats b < a ? b : a and a < b ? b : a, so a when equal or when either is not a number
-//             addSat, subSat: 8 and 16 bits; average: (a + b + 1) >> 1, u8 and u16
+//             addSat, subSat: 8 and 16 bits; average: (a + b + 1) >> 1, u8 and u16; halfDifference: u8, (a - b) >> 1
 //             abs: s8, s16, s32 (the least value stays), float (clears the sign bit)
 //             absDiff: exact modulo the width; but s32: abs of the wrapped difference; float: abs(a - b)
 //             distance: s16, |a - b| where a - b fits
@@ -63,7 +63,7 @@
 //             orderSplit(vs): all of them in the order of memory
 //  ..InLanes  widenInLanes, narrowInLanes, narrowSatInLanes<To>, narrowShiftedInLanes<count>, multiplyWideInLanes,
 //             zipInLanes: the same, with the lanes of the wide vectors in the order that is cheapest. What one takes
-//             apart, another puts together
+//             apart, another puts together; orderWidened(vs): those of 16 and more bits in the order of memory
 //             dotInLanes(a, b): as dot; addDotInLanes(acc, a, b)
 //             addBothInLanes(acc, vs): s32 + s16, acc + vs[0] + vs[1] of elements that are not negative
 // Lanes       reverse(v); extract<n>(a, b): lanes n, n + 1, ... of a followed by b; zipLow, zipHigh, zip(a, b):

@@ -176,6 +176,12 @@ RVK_INLINE auto subSat(Vec<int16_t> a, Vec<int16_t> b) { return vec<int16_t>(RVK
 RVK_INLINE auto average(Vec<uint8_t> a, Vec<uint8_t> b) { return vec<uint8_t>(RVK_MM(avg_epu8)(reg(a), reg(b))); }
 RVK_INLINE auto average(Vec<uint16_t> a, Vec<uint16_t> b) { return vec<uint16_t>(RVK_MM(avg_epu16)(reg(a), reg(b))); }
 
+// (a - b) >> 1: the average of a and 255 - b is 128 more.
+RVK_INLINE Vec<int8_t> halfDifference(Vec<uint8_t> a, Vec<uint8_t> b)
+{
+    return bitCast<int8_t>(average(a, ~b) ^ splat<uint8_t>(128));
+}
+
 RVK_INLINE Vec<int16_t> multiplyHigh(Vec<int16_t> a, Vec<int16_t> b)
 {
     return vec<int16_t>(RVK_MM(mulhi_epi16)(reg(a), reg(b)));
