@@ -2,6 +2,7 @@
 #include "cpu/ravikCannyC.h"
 
 #include "cpu/ravikGradientC.h"
+#include "cpu/thinning.h"
 #include "functions.h"
 #include "scratch.h"
 
@@ -23,27 +24,6 @@ CannyThresholds cannyThresholds(int32_t low, int32_t high, uint32_t apertureSize
 }
 
 namespace {
-
-uint32_t magnitude(int32_t dx, int32_t dy, bool squared)
-{
-    return static_cast<uint32_t>(squared ? dx * dx + dy * dy : std::abs(dx) + std::abs(dy));
-}
-
-// ---- thinning ------------------------------------------------------------------------------------------------------
-
-// Whether the magnitude here[0] is the largest across the edge. The pointers are to the magnitudes at one column of
-// three rows.
-bool isRidge(const uint32_t* above, const uint32_t* here, const uint32_t* below, int32_t dx, int32_t dy)
-{
-    const int32_t x = std::abs(dx), y = std::abs(dy); // below 2^14: products fit 32 bits
-    const uint32_t m = here[0];
-    if (y * 32768 <= x * kTan22)
-        return m > here[-1] && m >= here[1];
-    if (y * 32768 > x * (kTan22 + 65536))
-        return m > above[0] && m >= below[0];
-    const int side = (dx < 0) == (dy < 0) ? -1 : 1;
-    return m > above[side] && m > below[-side];
-}
 
 // ---- hysteresis ----------------------------------------------------------------------------------------------------
 
@@ -79,35 +59,23 @@ template <class FillGradient>
 rvkStatus canny(uint32_t width, uint32_t height, CannyThresholds thresholds, bool squared, Plane<uint8_t> dst,
                 Plane<int16_t> dx, Plane<int16_t> dy, FillGradient fillGradient)
 {
-    const size_t pitch = size_t{width} + 2; // of magnitudes and map: the pixels of a row between two that are 0
-    const Scratch<uint32_t> magnitudes(3, pitch), places(height, width);
+    const size_t pitch = size_t{width} + 2; // of the map: the pixels of a row between two that are nothing
+    const Scratch<uint32_t> magnitudes(kRowsOfThinning, pitch), places(height, width);
     const Scratch<uint8_t> map(uint64_t{height} + 2, pitch);
     if (!magnitudes || !places || !map)
         return RAVIK_ENORES;
 
     fillGradient();
-    std::fill_n(magnitudes.get(), 3 * pitch, 0u);
     std::fill_n(map.get(), pitch * (size_t{height} + 2), uint8_t{kNothing});
     Stack stack{places.get()};
-    const auto magnitudeRow = [&](size_t y) { return magnitudes.get() + (y + 3) % 3 * pitch + 1; };
-    const auto computeMagnitudes = [&](size_t y) {
-        for (size_t x = 0; x < width; ++x)
-            magnitudeRow(y)[x] = y < height ? magnitude(dx.row(y)[x], dy.row(y)[x], squared) : 0;
-    };
-    computeMagnitudes(0);
-    for (size_t y = 0; y < height; ++y) {
-        computeMagnitudes(y + 1);
-        const uint32_t *above = magnitudeRow(y + 2), *here = magnitudeRow(y), *below = magnitudeRow(y + 1);
-        for (size_t x = 0; x < width; ++x) {
-            if (here[x] <= thresholds.low || !isRidge(above + x, here + x, below + x, dx.row(y)[x], dy.row(y)[x]))
-                continue;
-            const size_t place = (y + 1) * pitch + x + 1;
-            if (here[x] > thresholds.high)
-                stack.markEdge(map.get(), place);
-            else
-                map[place] = kCandidate;
-        }
-    }
+    forEachRidge(width, height, Plane<const int16_t>{dx.data, dx.stride}, Plane<const int16_t>{dy.data, dy.stride},
+                 squared, thresholds.low, magnitudes.get(), [&](size_t x, size_t y, uint32_t magnitude) {
+                     const size_t place = (y + 1) * pitch + x + 1;
+                     if (magnitude > thresholds.high)
+                         stack.markEdge(map.get(), place);
+                     else
+                         map[place] = kCandidate;
+                 });
     track(map.get(), pitch, stack);
     for (size_t y = 0; y < height; ++y)
         for (size_t x = 0; x < width; ++x)

@@ -1,7 +1,7 @@
 // Rows of bits, one for each pixel, the first pixel in the least significant bit of the first byte.
 #pragma once
 
-#include "vecta/simd/simd.h"
+#include "vecta/simd/rows.h"
 
 namespace rvk::vecta::RVK_ISA {
 namespace {
@@ -10,6 +10,12 @@ namespace {
 using Word = size_t;
 constexpr size_t kWordBits = 8 * sizeof(Word);
 static_assert(kBytes <= kWordBits);
+
+// Words that a row takes.
+RVK_INLINE size_t wordsOfRow(size_t width)
+{
+    return roundedUp(width, kWordBits) / kWordBits;
+}
 
 // The bits of kBytes pixels.
 template <class T>
@@ -44,6 +50,31 @@ RVK_INLINE size_t lastBit(Word bits)
 RVK_INLINE Word bitsUpTo(size_t i)
 {
     return (Word{2} << i) - 1;
+}
+
+// visit(x) for each bit that is set, from the lowest up; bit 0 is pixel `first`.
+template <class Visit>
+RVK_INLINE void forEachBit(Word bits, uint32_t first, Visit visit)
+{
+    for (; bits; bits &= bits - 1)
+        visit(first + static_cast<uint32_t>(firstBit(bits)));
+}
+
+// The non-zero pixels of a row; writes whole words. Returns how many there are.
+RVK_INLINE uint32_t findNonZero(size_t width, const uint8_t* row, Word* bits)
+{
+    uint32_t count = 0;
+    for (size_t x = 0; x < width; x += kWordBits) {
+        Word word = 0;
+        for (size_t i = 0; i < kWordBits && x + i < width; i += kBytes) {
+            const size_t left = width - x - i;
+            const Vec<uint8_t> pixels = left < kBytes ? loadPartial(row + x + i, left) : load(row + x + i);
+            word |= static_cast<Word>(laneBits(~equal(pixels, zero<uint8_t>()))) << i;
+        }
+        bits[x / kWordBits] = word;
+        count += countBits(word);
+    }
+    return count;
 }
 
 } // namespace
