@@ -142,6 +142,10 @@ uint32_t irvkBlockZeroMeanSad16x16C(const uint8_t* block1, const uint8_t* block2
 // A row of an integral image: dst[x] is above[x] and the sum of src[0] to src[x].
 void irvkIntegralLineC(const uint8_t* src, uint32_t width, const uint32_t* above, uint32_t* dst);
 
+// Votes of pixels, x + 65536 * y, for the lines of one angle: each for bin (x * c + y * s + 16384) >> 15, where `votes` is
+// bin 0. The sums fit 32 bits.
+void irvkHoughAccumulateAreaC(const uint32_t* pixels, uint32_t nPixels, int32_t c, int32_t s, uint32_t* votes);
+
 template <auto slot>
 struct SignatureOf; // Type: pointer to the functions that fill the slot's row; absent while the row has no reference
 

@@ -39,6 +39,8 @@ std::span<const TestGroup> testGroups()
         {"FLOODFILL", 9, RAVIK_TEST_FLOODFILL, floodFillFunctions},
         {"SHIFT", 5, RAVIK_TEST_SHIFT_Test, shiftFunctions},
         {"MOTION", 6, RAVIK_TEST_UPDATEMOTIONHISTORY, motionHistoryFunctions},
+        {"HOUGHCIRCLE", 10, RAVIK_TEST_HoughCircle_Test, houghCircleFunctions},
+        {"HOUGHLINE", 10, RAVIK_TEST_HoughLine_Test, houghLineFunctions},
         {"REMAP", 5, RAVIK_TEST_REMAP_Test, remapFunctions},
         {"PYRAMID", 7, RAVIK_TEST_PYRAMID_Test, pyramidFunctions},
         {"IMGSEGMENTATION", 15, RAVIK_TEST_IMGSEGMENTATION_Test, segmentationFunctions},

@@ -72,6 +72,8 @@ const FunctionGroup& floodFillFunctions();
 const FunctionGroup& segmentationFunctions();
 const FunctionGroup& harrisFunctions();
 const FunctionGroup& cornerSubPixFunctions();
+const FunctionGroup& houghLineFunctions();
+const FunctionGroup& houghCircleFunctions();
 
 template <const FunctionGroup& (*functions)()>
 int testFunctions(int loops, const char* dataDirectory)
@@ -122,3 +124,5 @@ inline constexpr auto RAVIK_TEST_FLOODFILL = testFunctions<floodFillFunctions>;
 inline constexpr auto RAVIK_TEST_IMGSEGMENTATION_Test = testFunctions<segmentationFunctions>;
 inline constexpr auto RAVIK_TEST_HARRIS_Test = testFunctions<harrisFunctions>;
 inline constexpr auto RAVIK_TEST_CORNERSUBPIX_Test = testFunctions<cornerSubPixFunctions>;
+inline constexpr auto RAVIK_TEST_HoughLine_Test = testFunctions<houghLineFunctions>;
+inline constexpr auto RAVIK_TEST_HoughCircle_Test = testFunctions<houghCircleFunctions>;

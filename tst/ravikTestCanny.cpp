@@ -1,7 +1,17 @@
-// EDGE: Canny edges.
+// EDGE: Canny edges, edge pixels, line segments.
 #include "groups.h"
 
 #include <ravik/canny.h>
+#include <ravik/hough.h>
+
+// Segments are words.
+static rvkStatus findSegments(decltype(&rvkImageDetectLineSegmentsu8) find, const uint8_t* src, uint32_t srcWidth,
+                              uint32_t srcHeight, uint32_t srcStride, uint32_t threshold, float minLength,
+                              float maxError, uint32_t* segments, uint32_t nSegmentsMax, uint32_t* nSegments)
+{
+    return find(src, srcWidth, srcHeight, srcStride, threshold, minLength, maxError,
+                reinterpret_cast<rvkLineSegment*>(segments), nSegmentsMax, nSegments);
+}
 
 using namespace arguments;
 
@@ -17,6 +27,11 @@ const FunctionGroup& edgeFunctions()
                                .refusingInPlace()
                                .upToPixels(UINT32_MAX / 4)
                                .onDsp({.alignment = 8, .leastHeight = 5});
+    const Argument threshold = oneOf({100, 0, 40, 10, UINT32_MAX});
+    const Argument minLength = oneOf({10, 0, 3.5, 2}).refusing({-1});
+    const Argument maxError = oneOf({1, 0, 0.4, 1e6}).refusing({-0.5});
+    const Contract detection = Contract().windows(3).border(Border::replicated).upToPixels(UINT32_MAX / 4);
+    constexpr uint32_t mostPixels = 300, mostSegments = 60, wordsOfSegment = sizeof(rvkLineSegment) / sizeof(uint32_t);
 
     static const FunctionGroup group{
         "ravikedge",
@@ -32,6 +47,13 @@ const FunctionGroup& edgeFunctions()
             RVK_TEST(rvkFilterCannyu8, src, width, height, stride, apertureSize, lowThreshold, highThreshold, normType,
                      dst, stride, dst, dst, stride)
                 .keeps(canny.ofSmallPictures()),
+            RVK_TEST(rvkImageDetectEdgePixelsu8, src.natural(), width, height, stride, threshold, list(2 * mostPixels),
+                     capacity(0, mostPixels), value, list(2 * mostPixels).orNull())
+                .keeps(detection),
+            RVK_TEST_ADAPTED("rvkImageDetectLineSegmentsu8", rvkImageDetectLineSegmentsu8, findSegments, src.natural(),
+                             width, height, stride, threshold, minLength, maxError, list(mostSegments * wordsOfSegment),
+                             capacity(0, mostSegments), value)
+                .keeps(detection),
         }};
     return group;
 }

@@ -24,6 +24,7 @@
 #include "frame.h"
 #include "gradient.h"
 #include "harris.h"
+#include "hough.h"
 #include "integral.h"
 #include "magnitude.h"
 #include "median.h"
