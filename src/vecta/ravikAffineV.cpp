@@ -2,6 +2,7 @@
 #include "cpu/ravikAffineC.h"
 #include "scratch.h"
 #include "vecta/simd/tiles.h"
+#include "vecta/simd/words.h"
 #include "vecta/vecta.h"
 
 #include <ravik/affine.h>
@@ -214,14 +215,31 @@ RVK_INLINE Candidates candidatesOf(const ClippedMap& map, uint32_t row, uint32_t
 
 constexpr size_t kClippedChunk = kClippedAnchors; // pixels of three bytes: whole vectors of each element
 
+// The numbers of the pixels of a step: next to each other in two vectors, as loadSplit has them, or in more.
+template <size_t vectors>
+RVK_INLINE Vecs<uint32_t, vectors> numbersOfPixels()
+{
+    if constexpr (vectors == 2) {
+        return iotaSplit<uint32_t>();
+    } else {
+        Vecs<uint32_t, vectors> numbers;
+        unrolled<vectors>([&](auto i) RVK_INLINE_LAMBDA {
+            numbers[i] = iota<uint32_t>() * splat<uint32_t>(vectors) + splat(static_cast<uint32_t>(i));
+        });
+        return numbers;
+    }
+}
+
 // One coordinate of the pixels of a run, with 16 bits of fraction.
+template <size_t vectors>
 class CarriedCoordinate
 {
 public:
-    RVK_INLINE CarriedCoordinate(int64_t start, int64_t step) : m_start(start), m_step(step), m_carried(step / 65536)
+    RVK_INLINE CarriedCoordinate(int64_t start, int64_t step)
+        : m_start(start), m_step(step), m_carried(step / 65536), m_lanes(numbersOfPixels<vectors>())
     {
         const auto carried = static_cast<uint32_t>(m_carried);
-        m_lanes = both(iotaSplit<uint32_t>(), [=](auto i) RVK_INLINE_LAMBDA { return i * splat(carried); });
+        unrolled<vectors>([&](auto i) RVK_INLINE_LAMBDA { m_lanes[i] = m_lanes[i] * splat(carried); });
     }
 
     RVK_INLINE int64_t at(size_t k) const
@@ -229,16 +247,18 @@ public:
         const auto beyondAnchor = static_cast<int64_t>(k % kClippedAnchors);
         return ((m_start + (static_cast<int64_t>(k) - beyondAnchor) * m_step) >> 16) + beyondAnchor * m_carried;
     }
-    // From pixel k on, a multiple of the number of elements.
-    RVK_INLINE Vecs<uint32_t, 2> from(size_t k) const
+    // From pixel k on, a multiple of the number of elements, and so much more.
+    RVK_INLINE Vecs<uint32_t, vectors> from(size_t k, uint32_t more = 0) const
     {
-        const Vec<uint32_t> first = splat(static_cast<uint32_t>(at(k)));
-        return both(m_lanes, [=](auto lanes) RVK_INLINE_LAMBDA { return first + lanes; });
+        const Vec<uint32_t> first = splat(static_cast<uint32_t>(at(k)) + more);
+        Vecs<uint32_t, vectors> all;
+        unrolled<vectors>([&](auto i) RVK_INLINE_LAMBDA { all[i] = first + m_lanes[i]; });
+        return all;
     }
 
 private:
     int64_t m_start, m_step, m_carried;
-    Vecs<uint32_t, 2> m_lanes;
+    Vecs<uint32_t, vectors> m_lanes;
 };
 
 // The pixels of a run for whose positions a condition holds, which holds for those between two of them, too; and a call
@@ -323,7 +343,7 @@ public:
 
     RVK_INLINE void sample(const ClippedRun& run, uint8_t* dst) const
     {
-        const CarriedCoordinate x(run.x, run.stepX), y(run.y, run.stepY);
+        const CarriedCoordinate<kVectors> x(run.x, run.stepX), y(run.y, run.stepY);
         const bool isHorizontal = run.stepY == 0 && (y.at(0) & 65535) == 0;
         const uint32_t nextRow = reading == Reading::bilinear && !isHorizontal ? 1 : 0;
         // Positions up to these have all that is read.
@@ -339,43 +359,79 @@ public:
 
         const size_t nextOffset = nextRow * m_pitch;
         for (size_t k = first / kStep * kStep; k < end; k += kStep) {
-            if (k >= first && k + kStep <= end) {
-                sampleStep(x.from(k), y.from(k), nextOffset, dst + k);
-                continue;
-            }
-            const auto limited = [](const Vecs<uint32_t, 2>& v, int64_t last) RVK_INLINE_LAMBDA {
+            for (; k >= first && k + kStep <= end; k += kStep) // without calls, so that constants stay in registers
+                sampleStep(x.from(k, kHalf), y.from(k, kHalf), nextOffset, dst + k);
+            if (k >= end)
+                break;
+            const auto limited = [](Coordinates v, int64_t last) RVK_INLINE_LAMBDA {
                 const Vec<int32_t> most = splat(static_cast<int32_t>(last));
-                return bitCast<uint32_t>(both(bitCast<int32_t>(v), [=](auto one) RVK_INLINE_LAMBDA {
-                    return min(max(one, zero<int32_t>()), most);
-                }));
+                unrolled<kVectors>([&](auto i) RVK_INLINE_LAMBDA {
+                    v[i] = bitCast<uint32_t>(min(max(bitCast<int32_t>(v[i]), zero<int32_t>()), most));
+                });
+                return v;
             };
             uint8_t pixels[kStep];
-            sampleStep(limited(x.from(k), lastX), limited(y.from(k), lastY), nextOffset, pixels);
+            sampleStep(limited(x.from(k, kHalf), lastX + kHalf), limited(y.from(k, kHalf), lastY + kHalf), nextOffset,
+                       pixels);
             const size_t from = k < first ? first - k : 0;
             __builtin_memcpy(dst + k + from, pixels + from, least(end - k, kStep) - from);
         }
     }
 
 private:
-    static constexpr size_t kStep = Vec<uint16_t>::lanes;
     static constexpr bool kReadsPairs = reading == Reading::bilinearOfPairs;
     static constexpr uint32_t kPixel = kReadsPairs ? 2 : 1;
     static constexpr int64_t kReach = kReadsPairs ? 1 : kGatherReach;          // columns
     static constexpr uint32_t kHalf = reading == Reading::nearest ? 32768 : 0; // added before the fraction is dropped
+#if defined(__AVX512VNNI__)
+    static constexpr size_t kVectors = 4;
+#else
+    static constexpr size_t kVectors = 2;
+#endif
+    static constexpr size_t kStep = kVectors * Vec<uint32_t>::lanes;
+    using Coordinates = Vecs<uint32_t, kVectors>;
 
     RVK_INLINE ByteSampler(const ClippedSource& source, const uint8_t* data, uint32_t pitch)
-        : m_source(source), m_data(data), m_pitch(pitch),
+        : m_source(source), m_data(data), m_pitch(pitch), m_hasShortRows(pitch <= INT16_MAX),
           m_hasInterior(uint64_t{pitch} * source.height < uint64_t{1} << 31)
     {
     }
 
-    // Pixels times 128.
-    static RVK_INLINE Vec<int16_t> scaled(Vec<uint16_t> v) { return bitCast<int16_t>(v & splat<uint16_t>(255 << 7)); }
-
-    RVK_INLINE void sampleStep(const Vecs<uint32_t, 2>& x, const Vecs<uint32_t, 2>& y, size_t nextRow,
-                               uint8_t* dst) const
+    // Of coordinates to which kHalf was added.
+    RVK_INLINE Vec<uint32_t> offset(Vec<uint32_t> x, Vec<uint32_t> y) const
     {
-        const Vecs<uint32_t, 2> offsets = offsetsOf(x, y);
+#if defined(__AVX512VNNI__)
+        if (kReadsPairs || m_hasShortRows)
+            return addProductOfUpperHalves(productOfUpperHalves(y, m_pitch), x, kPixel);
+#endif
+        const Vec<uint32_t> pixel = shiftRight(x, 16);
+        return shiftRight(y, 16) * splat(m_pitch) + (kReadsPairs ? pixel + pixel : pixel);
+    }
+
+#if defined(__AVX512VNNI__)
+    RVK_INLINE void sampleStep(const Coordinates& x, const Coordinates& y, size_t nextRow, uint8_t* dst) const
+    {
+        Coordinates pixels;
+        unrolled<kVectors>([&](auto i) RVK_INLINE_LAMBDA {
+            const Vec<uint32_t> from = offset(x[i], y[i]);
+            pixels[i] = gatherWords(m_data, from);
+            if constexpr (reading == Reading::bilinear)
+                pixels[i] = pairsOfRows(pixels[i], gatherWords(m_data + nextRow, from));
+            if constexpr (reading != Reading::nearest)
+                pixels[i] = bilinearOfWords(pixels[i], x[i], y[i]);
+        });
+        storeBits<reading == Reading::nearest ? 0 : kBilinearBits>(dst, pixels);
+    }
+#else
+    // Pixels times 128.
+    static RVK_INLINE Vec<int16_t> scaled(Vec<uint16_t> v)
+    {
+        return bitCast<int16_t>(v & splat<uint16_t>(255 << 7));
+    }
+
+    RVK_INLINE void sampleStep(const Coordinates& x, const Coordinates& y, size_t nextRow, uint8_t* dst) const
+    {
+        const Vecs<uint32_t, 2> offsets = {offset(x[0], y[0]), offset(x[1], y[1])};
         const auto write = [&](Vec<int16_t> topLeft, Vec<int16_t> topRight, Vec<int16_t> bottomLeft,
                                Vec<int16_t> bottomRight) RVK_INLINE_LAMBDA {
             const Vec<int16_t> fy = bitCast<int16_t>(shiftRight(joinSplit(y), 1));
@@ -402,41 +458,20 @@ private:
                   scaled(shiftRight(bottom, 1)));
         }
     }
-
-    RVK_INLINE Vecs<uint32_t, 2> offsetsOf(const Vecs<uint32_t, 2>& x, const Vecs<uint32_t, 2>& y) const
-    {
-        const auto rounded = [](auto v) RVK_INLINE_LAMBDA {
-            if constexpr (reading == Reading::nearest)
-                v = v + splat<uint32_t>(kHalf);
-            return v;
-        };
-#if defined(__AVX512BW__)
-        // Products of 16 bits, and halves joined by one instruction: a tenth of the time of a picture.
-        if constexpr (kReadsPairs) {
-            const Vec<int16_t> factors = bitCast<int16_t>(splat(m_pitch | kPixel << 16));
-            return both(x, y, [=](auto column, auto row) RVK_INLINE_LAMBDA {
-                const Vec<int16_t> rows = bitCast<int16_t>(shiftRight(row, 16));
-                return bitCast<uint32_t>(dotPairs(blend(0xaaaaaaaa, rows, bitCast<int16_t>(column)), factors));
-            });
-        }
 #endif
-        const Vec<uint32_t> pitch = splat(m_pitch);
-        return both(x, y, [=](auto column, auto row) RVK_INLINE_LAMBDA {
-            const Vec<uint32_t> pixel = shiftRight(rounded(column), 16);
-            return shiftRight(rounded(row), 16) * pitch + (kReadsPairs ? pixel + pixel : pixel);
-        });
-    }
 
     const ClippedSource m_source;
     const uint8_t* m_data;
     uint32_t m_pitch;
+    [[maybe_unused]] bool m_hasShortRows; // 15 bits hold the pitch
     bool m_hasInterior;
 };
 
-// The weights of the four pixels of a row or column, 14 bits, for some positions.
+// The weights of the four pixels of a row or column, 14 bits, for some positions: each two neighbours' side by side,
+// as they are multiplied.
 struct CubicWeights
 {
-    int16_t w[4][kClippedChunk];
+    int16_t w[2][2 * kClippedChunk];
 
     RVK_INLINE void find(size_t i, const Vecs<uint32_t, 2>& coordinate)
     {
@@ -445,15 +480,26 @@ struct CubicWeights
         const Vec<int16_t> w0 = shiftRight(t2 + t2 - t - t3 + two, 2);
         const Vec<int16_t> w2 = t2 - t3 + bitCast<int16_t>(shiftRight(bitCast<uint16_t>(t + t3 + two), 2));
         const Vec<int16_t> w3 = shiftRight(t3 - t2 + two, 2);
-        store(w[0] + i, w0);
-        store(w[1] + i, splat<int16_t>(16384) - w0 - w2 - w3);
-        store(w[2] + i, w2);
-        store(w[3] + i, w3);
+        store2(w[0] + 2 * i, Vecs<int16_t, 2>{w0, splat<int16_t>(16384) - w0 - w2 - w3});
+        store2(w[1] + 2 * i, Vecs<int16_t, 2>{w2, w3});
     }
-    // Of two neighbours.
-    RVK_INLINE Vecs<int16_t, 2> pair(size_t first, size_t i) const
+    // The products of two vectors with the weights of the first or the last two neighbours, added up.
+    RVK_INLINE Vecs<int32_t, 2> dot(const Vecs<int16_t, 2>& v, size_t pair, size_t i) const
     {
-        return {splat(w[first][i]), splat(w[first + 1][i])};
+        const int16_t* const weights = w[pair] + 2 * i;
+#if defined(__x86_64__) // a word that is loaded into all lanes, where two vectors would have to be zipped
+        uint32_t both;
+        __builtin_memcpy(&both, weights, sizeof both);
+        const Vecs<int16_t, 2> zipped = zipInLanes(v[0], v[1]);
+        return {dotPairs(zipped[0], bitCast<int16_t>(splat(both))), dotPairs(zipped[1], bitCast<int16_t>(splat(both)))};
+#else
+        return dotInLanes(v, {splat(weights[0]), splat(weights[1])});
+#endif
+    }
+    // Of all four.
+    RVK_INLINE Vecs<int32_t, 2> dot(const Vecs<int16_t, 2>& first, const Vecs<int16_t, 2>& last, size_t i) const
+    {
+        return both(dot(first, 0, i), dot(last, 1, i), [](auto a, auto b) RVK_INLINE_LAMBDA { return a + b; });
     }
 };
 
@@ -469,7 +515,7 @@ public:
 
     RVK_INLINE void sample(const ClippedRun& run, uint8_t* dst) const
     {
-        const CarriedCoordinate x(run.x, run.stepX), y(run.y, run.stepY);
+        const CarriedCoordinate<2> x(run.x, run.stepX), y(run.y, run.stepY);
         const int64_t lastColumn = int64_t{m_source.width} - kReach + 1, lastRow = int64_t{m_source.height} - 3;
         const auto isInterior = [&](size_t k) RVK_INLINE_LAMBDA {
             const int64_t column = x.at(k) >> 16, row = y.at(k) >> 16;
@@ -503,15 +549,9 @@ private:
         constexpr size_t lanes = Vec<int16_t>::lanes;
         return extract<n % lanes>(row[n / lanes], row[n / lanes + 1 < kVectors ? n / lanes + 1 : n / lanes]);
     }
-    static RVK_INLINE Vecs<int32_t, 2> sumOfPairs(const Vecs<int16_t, 2>& a, const Vecs<int16_t, 2>& aWeights,
-                                                  const Vecs<int16_t, 2>& b, const Vecs<int16_t, 2>& bWeights)
-    {
-        return addDotInLanes(dotInLanes(a, aWeights), b, bWeights);
-    }
-
     // Pixels `begin` to before `end` of the chunk that begins with number `first` of the run.
-    RVK_INLINE void sampleChunk(const CarriedCoordinate& x, const CarriedCoordinate& y, size_t first, size_t begin,
-                                size_t end, uint8_t* dst) const
+    RVK_INLINE void sampleChunk(const CarriedCoordinate<2>& x, const CarriedCoordinate<2>& y, size_t first,
+                                size_t begin, size_t end, uint8_t* dst) const
     {
         constexpr size_t step = Vec<uint16_t>::lanes, sums = channels * kClippedChunk;
         CubicWeights across, down;
@@ -534,11 +574,10 @@ private:
             Row pixels[4], sum;
             unrolled<4>([&](auto r) RVK_INLINE_LAMBDA { pixels[r] = loadRow(p + r * m_source.stride); });
             unrolled<kVectors>([&](auto v) RVK_INLINE_LAMBDA {
-                sum[v] = narrowRoundedInLanes<int16_t, 8>(sumOfPairs({pixels[0][v], pixels[1][v]}, down.pair(0, i),
-                                                                     {pixels[2][v], pixels[3][v]}, down.pair(2, i)));
+                sum[v] = narrowRoundedInLanes<int16_t, 8>(
+                    down.dot({pixels[0][v], pixels[1][v]}, {pixels[2][v], pixels[3][v]}, i));
             });
-            store(values + channels * i, sumOfPairs({sum[0], from<3>(sum)}, across.pair(0, i),
-                                                    {from<6>(sum), from<9>(sum)}, across.pair(2, i))[0]);
+            store(values + channels * i, across.dot({sum[0], from<3>(sum)}, {from<6>(sum), from<9>(sum)}, i)[0]);
         }
 
         uint8_t bytes[sums];

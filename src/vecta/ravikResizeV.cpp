@@ -124,193 +124,6 @@ RVK_INLINE size_t inside(int64_t i, size_t size)
 
 // ---- rows scaled across ---------------------------------------------------------------------------------------------
 
-constexpr size_t kWindowsOfStep = kBytes / kWindow;
-
-// Rows of the source that are scaled at once: they share what is read from the table.
-constexpr size_t kMostInBatch = 4;
-struct RowBatch
-{
-    const uint8_t* src[kMostInBatch];
-    int16_t* dst[kMostInBatch];
-};
-
-// The bytes of a row of the destination as sums of pairs of bytes of a row of the source. Steps reach beyond the end,
-// where they have the last column again and again.
-template <class Sum>
-class Columns
-{
-public:
-    // The bytes of a pair are `apart` from each other, but for those whose second one would be beyond the row: there it
-    // is the first one again.
-    Columns(size_t rowBytes, size_t columns, size_t apart = 1)
-        : m_rowBytes(rowBytes), m_apart(apart), m_columns(columns), m_steps((columns + kColumns - 1) / kColumns),
-          m_pairs(m_steps * Sum::pairs), m_offsets(m_steps * Sum::pairs, kWindowsOfStep), m_taps(m_steps * Sum::pairs)
-    {
-    }
-    bool exists() const { return m_pairs && m_offsets && m_taps; }
-    // A scaled row.
-    size_t values() const { return m_steps * kValues; }
-
-    // One pair of bytes of a column: where the first one is, and their weights.
-    RVK_INLINE void set(size_t column, size_t pair, size_t place, int32_t weight0, int32_t weight1)
-    {
-        PairsOfStep& p = m_pairs[column / kColumns * Sum::pairs + pair];
-        p.places[column % kColumns] = static_cast<uint32_t>(place);
-        p.weights[0][column % kColumns] = static_cast<int16_t>(weight0);
-        p.weights[1][column % kColumns] = static_cast<int16_t>(weight1);
-    }
-    // After the last one.
-    void finish();
-
-    bool hasWindows() const { return m_windowSize != 0; }
-
-    // Of the first rows of a batch: kMostInBatch or half of them.
-    template <size_t rows>
-    void sum(const RowBatch& batch) const;
-
-private:
-    static constexpr size_t kValues = kColumns * Sum::values; // of a step
-
-    struct PairsOfStep
-    {
-        uint32_t places[kColumns];
-        int16_t weights[2][kColumns];
-    };
-
-    RVK_INLINE uint32_t secondPlace(uint32_t place) const
-    {
-        return place + (place + m_apart < m_rowBytes ? static_cast<uint32_t>(m_apart) : 0);
-    }
-    template <size_t n>
-    bool makeWindows();
-    RVK_INLINE Vecs<uint8_t, Sum::pairs> fetchEach(const uint8_t* row, size_t step) const;
-    // fetch(row, step, its taps) gives the pairs of a step.
-    template <size_t rows, class Fetch>
-    RVK_INLINE void sumSteps(const RowBatch& batch, Fetch fetch) const;
-    template <size_t rows>
-    RVK_NOINLINE void sumWholeWindows(const RowBatch& batch) const;
-
-    size_t m_rowBytes, m_apart, m_columns, m_steps;
-    Scratch<PairsOfStep> m_pairs;
-    Scratch<uint32_t> m_offsets; // of windows
-    Scratch<TapsOfStep> m_taps;
-    size_t m_windowSize = 0; // in kWindow; 0: there are pairs only
-};
-
-template <class Sum>
-void Columns<Sum>::finish()
-{
-    const size_t last = m_columns - 1;
-    for (size_t column = m_columns; column < m_steps * kColumns; ++column)
-        for (size_t pair = 0; pair < Sum::pairs; ++pair)
-            set(column, pair, m_pairs[last / kColumns * Sum::pairs + pair].places[last % kColumns], 0, 0);
-    m_windowSize = makeWindows<1>() ? 1 : m_rowBytes >= 2 * kWindow && makeWindows<2>() ? 2 : 0;
-    for (size_t i = 0; i < m_steps * Sum::pairs; ++i)
-        Sum::setWeights(m_taps[i], load(m_pairs[i].weights[0]), load(m_pairs[i].weights[1]));
-}
-
-// Whether each window holds all the bytes that are to be taken from it; then the indices are known.
-template <class Sum>
-template <size_t n>
-bool Columns<Sum>::makeWindows()
-{
-    constexpr size_t columns = kColumns / kWindowsOfStep; // of a window
-    const size_t lastWindow = m_rowBytes < n * kWindow ? 0 : m_rowBytes - n * kWindow;
-    for (size_t i = 0; i < m_steps * Sum::pairs; ++i)
-        for (size_t window = 0; window < kWindowsOfStep; ++window) {
-            // Columns are in the order of their pixels.
-            const uint32_t* const places = m_pairs[i].places + window * columns;
-            const uint32_t first = places[0], last = secondPlace(places[columns - 1]);
-            if (last - first >= n * kWindow)
-                return false;
-            const uint32_t offset = static_cast<uint32_t>(least(first, lastWindow));
-            m_offsets[i * kWindowsOfStep + window] = offset;
-            uint8_t* __restrict const indices = m_taps[i].indices;
-            for (size_t k = 0; k < columns; ++k) {
-                indices[laneOfPair(window * columns + k, 0)] = static_cast<uint8_t>(places[k] - offset);
-                indices[laneOfPair(window * columns + k, 1)] = static_cast<uint8_t>(secondPlace(places[k]) - offset);
-            }
-        }
-    return true;
-}
-
-// Byte by byte, where there are no windows.
-template <class Sum>
-RVK_INLINE Vecs<uint8_t, Sum::pairs> Columns<Sum>::fetchEach(const uint8_t* row, size_t step) const
-{
-    uint8_t bytes[Sum::pairs * kBytes];
-    for (size_t pair = 0; pair < Sum::pairs; ++pair)
-        for (size_t column = 0; column < kColumns; ++column) {
-            const uint32_t place = m_pairs[step * Sum::pairs + pair].places[column];
-            bytes[pair * kBytes + laneOfPair(column, 0)] = row[place];
-            bytes[pair * kBytes + laneOfPair(column, 1)] = row[secondPlace(place)];
-        }
-    return loadVecs<Sum::pairs>(bytes);
-}
-
-template <class Sum>
-template <size_t rows, class Fetch>
-RVK_INLINE void Columns<Sum>::sumSteps(const RowBatch& batch, Fetch fetch) const
-{
-    const TapsOfStep* taps = m_taps.get();
-    const uint8_t* src[rows];
-    int16_t* dst[rows];
-    unrolled<rows>([&](auto i) RVK_INLINE_LAMBDA {
-        src[i] = batch.src[i];
-        dst[i] = batch.dst[i];
-    });
-    for (size_t step = 0, x = 0, steps = m_steps; step < steps; ++step, x += kValues, taps += Sum::pairs) {
-        decltype(Sum::sum(fetch(src[0], step, taps), taps)) sums[rows];
-        unrolled<rows>([&](auto i) RVK_INLINE_LAMBDA { sums[i] = Sum::sum(fetch(src[i], step, taps), taps); });
-        unrolled<rows>([&](auto i) RVK_INLINE_LAMBDA { store(dst[i] + x, sums[i]); });
-    }
-}
-
-// The pairs of a step, from windows n * kWindow wide.
-template <size_t n, size_t pairs>
-RVK_INLINE Vecs<uint8_t, pairs> fetchFromWindows(const uint8_t* row, const uint32_t* offsets, const TapsOfStep* taps)
-{
-    Vecs<uint8_t, pairs> pixels;
-    unrolled<pairs>([&](auto i) RVK_INLINE_LAMBDA {
-        pixels[i] = lookupWindows<n>(row, offsets + i * kWindowsOfStep, load(taps[i].indices));
-    });
-    return pixels;
-}
-
-template <class Sum>
-template <size_t rows>
-RVK_NOINLINE void Columns<Sum>::sumWholeWindows(const RowBatch& batch) const
-{
-    constexpr size_t windows = Sum::pairs * kWindowsOfStep; // of a step
-    const uint32_t* const offsets = m_offsets.get();
-    if (m_windowSize == 1)
-        sumSteps<rows>(batch, [=](const uint8_t* row, size_t step, const TapsOfStep* taps) RVK_INLINE_LAMBDA {
-            return fetchFromWindows<1, Sum::pairs>(row, offsets + step * windows, taps);
-        });
-    else if (m_windowSize == 2)
-        sumSteps<rows>(batch, [=](const uint8_t* row, size_t step, const TapsOfStep* taps) RVK_INLINE_LAMBDA {
-            return fetchFromWindows<2, Sum::pairs>(row, offsets + step * windows, taps);
-        });
-    else
-        sumSteps<rows>(batch, [this](const uint8_t* row, size_t step, const TapsOfStep*)
-                                  RVK_INLINE_LAMBDA { return fetchEach(row, step); });
-}
-
-template <class Sum>
-template <size_t rows>
-void Columns<Sum>::sum(const RowBatch& batch) const
-{
-    if (m_rowBytes >= kWindow) {
-        sumWholeWindows<rows>(batch);
-        return;
-    }
-    uint8_t padded[rows][kWindow] = {};
-    RowBatch wider = batch;
-    for (size_t i = 0; i < rows; ++i)
-        wider.src[i] = static_cast<uint8_t*>(__builtin_memcpy(padded[i], batch.src[i], m_rowBytes));
-    sumWholeWindows<rows>(wider);
-}
-
 // Rows that were scaled: a batch, and those before it that are still wanted. They are few, to stay in the cache.
 template <class Sum, size_t kRows>
 class ScaledRows
@@ -334,7 +147,7 @@ public:
 
 private:
     // Rows that will not be wanted are few in a batch: none where the ratio is less than 2.
-    void scaleFrom(size_t y)
+    RVK_NOINLINE void scaleFrom(size_t y)
     {
         if (m_scalesAll)
             scaleBatch<kMostInBatch>(y);
@@ -1012,28 +825,47 @@ RVK_INLINE Vec<uint8_t> averageOf(const WeighedRows& rows, size_t x, const MeanO
     return narrowSat<uint8_t>(Vecs<int16_t, 2>{meanAt(x), meanAt(x + kColumns)});
 }
 
-template <size_t pairs, class Mean>
-RVK_NOINLINE void averageRows(size_t end, const WeighedRows& given, const Mean& givenMean, uint8_t* dst)
+// Of areas, each where it is possible.
+struct Means
+{
+    Mean16 ofShortSums;
+    MeanOfFloats ofSmallSums;
+    Mean32 ofSums;
+
+    explicit Means(uint64_t area) : ofShortSums(area), ofSmallSums(area), ofSums(area) {}
+};
+
+using AverageRows = void(size_t end, const WeighedRows& rows, const Means& means, uint8_t* dst);
+template <size_t pairs, auto kind>
+RVK_NOINLINE void averageRows(size_t end, const WeighedRows& given, const Means& means, uint8_t* dst)
 {
     const WeighedRows rows = given; // which no store changes
-    const Mean mean = givenMean;
+    const auto mean = means.*kind;
     mapColumns(0, end, dst, [&](size_t x) RVK_INLINE_LAMBDA { return averageOf<pairs>(rows, x, mean); });
+}
+template <auto kind>
+constexpr AverageRows* kAverageRows[3] = {averageRows<1, kind>, averageRows<2, kind>, averageRows<3, kind>};
+
+RVK_NOINLINE void setCoverages(ColumnTable& table, const Resizing& r, Axis axis, size_t pairs)
+{
+    Coverages column(axis);
+    for (size_t x = 0; x < r.dstWidth; ++x, column.next()) {
+        const Covered covered(column, axis);
+        for (size_t i = 0; i < 2 * pairs; i += 2)
+            table.set(x, i / 2, least(column.first() + i, r.srcWidth - 1), static_cast<int32_t>(covered.weight(i)),
+                      static_cast<int32_t>(covered.weight(i + 1)));
+    }
 }
 
 // Columns first, where few pixels make one. False when their windows are too narrow, or without scratch memory.
-template <class Sum, class Mean>
-bool averageColumnsFirst(const Resizing& r, Axis columnAxis, Axis rowAxis, const Mean& mean)
+template <class Sum>
+bool averageColumnsFirst(const Resizing& r, Axis columnAxis, Axis rowAxis, const Means& means,
+                         AverageRows* const (&average)[3])
 {
     Columns<Sum> columns(r.srcWidth, r.dstWidth);
     if (!columns.exists())
         return false;
-    Coverages column(columnAxis);
-    for (size_t x = 0; x < r.dstWidth; ++x, column.next()) {
-        const Covered covered(column, columnAxis);
-        for (size_t i = 0; i < 2 * Sum::pairs; i += 2)
-            columns.set(x, i / 2, least(column.first() + i, r.srcWidth - 1), static_cast<int32_t>(covered.weight(i)),
-                        static_cast<int32_t>(covered.weight(i + 1)));
-    }
+    setCoverages(columns, r, columnAxis, Sum::pairs);
     columns.finish();
     // Where whole batches are scaled, at most three rows make one.
     ScaledRows<Sum, kMostRows - 1 + kMostInBatch / 2> scaled(r, columns);
@@ -1053,19 +885,17 @@ bool averageColumnsFirst(const Resizing& r, Axis columnAxis, Axis rowAxis, const
             rows.row[count] = rows.row[0];
             rows.weight[count++] = 0;
         }
-        const auto average = count == 2   ? averageRows<1, Mean>
-                             : count == 4 ? averageRows<2, Mean>
-                                          : averageRows<3, Mean>;
-        average(r.dstWidth, rows, mean, targetRow(r, y));
+        average[count / 2 - 1](r.dstWidth, rows, means, targetRow(r, y));
     }
     return true;
 }
 
-template <template <size_t> class Sum, class Mean>
-bool averageColumnsFirst(const Resizing& r, Axis columns, Axis rows, const Mean& mean)
+template <template <size_t> class Sum>
+bool averageColumnsFirst(const Resizing& r, Axis columns, Axis rows, const Means& means,
+                         AverageRows* const (&average)[3])
 {
-    return mostCovered(columns) <= 2 ? averageColumnsFirst<Sum<1>>(r, columns, rows, mean)
-                                     : averageColumnsFirst<Sum<2>>(r, columns, rows, mean);
+    return mostCovered(columns) <= 2 ? averageColumnsFirst<Sum<1>>(r, columns, rows, means, average)
+                                     : averageColumnsFirst<Sum<2>>(r, columns, rows, means, average);
 }
 
 // sums = first * row 0 + whole * the whole rows that follow + last * the one behind them, in columns of one vector.
@@ -1192,19 +1022,19 @@ void scaleArea(const Resizing& r)
         scaleNearest(r);
         return;
     }
-    const Mean16 shortMean(area);
-    if (columns.to == 1 && rows.to == 1 && averageBlocks(r, columns.from, rows.from, shortMean))
+    const Means means(area);
+    if (columns.to == 1 && rows.to == 1 && averageBlocks(r, columns.from, rows.from, means.ofShortSums))
         return;
     bool done = false;
     if (mostCovered(columns) <= 4 && mostCovered(rows) <= kMostRows) {
-        if (shortMean.exists() && columns.from < 128)
-            done = averageColumnsFirst<WeightedSum>(r, columns, rows, shortMean);
-        else if (columns.from > kMostOfSplitSum || rows.from > INT16_MAX)
+        if (means.ofShortSums.exists() && columns.from < 128)
+            done = averageColumnsFirst<WeightedSum>(r, columns, rows, means, kAverageRows<&Means::ofShortSums>);
+        else if (columns.from > kMostOfSplitSum || rows.from > INT16_MAX || area > kMostOfMean32)
             done = false;
-        else if (area <= kMostOfMeanOfFloats)
-            done = averageColumnsFirst<SplitSum>(r, columns, rows, MeanOfFloats(area));
-        else if (area <= kMostOfMean32)
-            done = averageColumnsFirst<SplitSum>(r, columns, rows, Mean32(area));
+        else
+            done = averageColumnsFirst<SplitSum>(r, columns, rows, means,
+                                                 area <= kMostOfMeanOfFloats ? kAverageRows<&Means::ofSmallSums>
+                                                                             : kAverageRows<&Means::ofSums>);
     }
     if (!done && !averageRowsFirst(r, columns, rows))
         averageAreas(r);

@@ -9,42 +9,63 @@ namespace {
 
 // ---- one by one -------------------------------------------------------------------------------------------------
 
-// Counts in several tables: an addition to a counter would wait for the one before it, were they of the same value. Two
-// pixels are counted abreast for the same reason.
-template <size_t tables>
-RVK_INLINE void count(const uint8_t* p, size_t n, uint32_t* const (&table)[tables])
+// Counts in one table or several: an addition to a counter would wait for the one before it, were they of the same
+// value. Two pixels are counted abreast for the same reason.
+template <class Counter, size_t tables>
+RVK_INLINE void count(const uint8_t* p, size_t n, Counter* const (&table)[tables])
 {
     constexpr size_t step = 16;
     size_t x = 0;
     for (; x + step <= n; x += step)
         unrolled<step / 2>([&](auto i) RVK_INLINE_LAMBDA {
-            uint32_t& first = table[2 * i % tables][p[x + 2 * i]];
-            uint32_t& second = table[2 * i % tables + 1][p[x + 2 * i + 1]];
-            const uint32_t firstCount = first, secondCount = second;
-            first = firstCount + 1;
-            second = secondCount + 1;
+            if constexpr (tables == 1) {
+                ++table[0][p[x + 2 * i]];
+                ++table[0][p[x + 2 * i + 1]];
+                return;
+            }
+            Counter& first = table[2 * i % tables][p[x + 2 * i]];
+            Counter& second = table[(2 * i + 1) % tables][p[x + 2 * i + 1]];
+            const Counter firstCount = first, secondCount = second;
+            first = static_cast<Counter>(firstCount + 1);
+            second = static_cast<Counter>(secondCount + 1);
         });
     for (; x < n; ++x)
         ++table[0][p[x]];
 }
 
-template <size_t tables>
+template <class Counter, size_t tables>
 RVK_INLINE void countOneByOne(size_t width, size_t height, Plane<const uint8_t> src, uint32_t (&histogram)[256])
 {
-    uint32_t counts[tables][256] = {}; // in the caches, where the histogram may not be
-    uint32_t* table[tables];
+    constexpr size_t lanes = Vec<Counter>::lanes;
+    Counter counts[tables][256]; // in the caches, where the histogram may not be
+    Counter* table[tables];
     for (size_t k = 0; k < tables; ++k) {
+        for (size_t i = 0; i < 256; i += lanes)
+            store(counts[k] + i, zero<Counter>());
         table[k] = counts[k];
         __asm__("" : "+r"(table[k])); // a register each, or the place in the first table would be formed for each pixel
     }
     for (size_t y = 0; y < height; ++y)
         count(src.row(y), width, table);
-    for (size_t i = 0; i < 256; ++i) {
-        uint32_t sum = counts[0][i];
+    for (size_t i = 0; i < 256; i += lanes) {
+        Vec<Counter> sum = load(counts[0] + i);
         for (size_t k = 1; k < tables; ++k)
-            sum += counts[k][i];
-        histogram[i] = sum;
+            sum = sum + load(counts[k] + i);
+        if constexpr (sizeof(Counter) < sizeof(uint32_t))
+            store(histogram + i, widen(sum));
+        else
+            store(histogram + i, sum);
     }
+}
+
+// Of so few pixels that tables of their own would take longer than the waiting.
+RVK_INLINE void countFew(size_t width, size_t height, Plane<const uint8_t> src, uint32_t (&histogram)[256])
+{
+    for (size_t i = 0; i < 256; i += Vec<uint32_t>::lanes)
+        store(histogram + i, zero<uint32_t>());
+    uint32_t* const table[1] = {histogram};
+    for (size_t y = 0; y < height; ++y)
+        count(src.row(y), width, table);
 }
 
 // ---- in pairs ---------------------------------------------------------------------------------------------------
@@ -179,8 +200,13 @@ private:
 
 // From so many pixels on the pairs' counters are worth their clearing and summing.
 constexpr size_t kFewestForPairs = size_t{1} << 16;
-// And from so many on more than two tables.
-constexpr size_t kFewestForTables = 2048;
+// And from so many on four tables, or two.
+constexpr size_t kFewestForFourTables = 2048;
+#if defined(__x86_64__)
+constexpr size_t kFewestForTwoTables = 128;
+#else
+constexpr size_t kFewestForTwoTables = 768;
+#endif
 
 // False, with nothing done, when there is no memory for the counters.
 RVK_INLINE bool countInPairs(size_t width, size_t height, Plane<const uint8_t> src, uint32_t (&histogram)[256])
@@ -203,10 +229,13 @@ RVK_INLINE bool countInPairs(size_t width, size_t height, Plane<const uint8_t> s
 // histogram[v] = how many pixels are v.
 RVK_NOINLINE void countBytes(size_t width, size_t height, Plane<const uint8_t> src, uint32_t (&histogram)[256])
 {
-    const bool isLarge = width >= 2 && width * height >= kFewestForPairs;
-    if (!isLarge || !countInPairs(width, height, src, histogram))
-        width* height < kFewestForTables ? countOneByOne<2>(width, height, src, histogram)
-                                         : countOneByOne<4>(width, height, src, histogram);
+    const size_t pixels = width * height;
+    if (pixels < kFewestForTwoTables)
+        countFew(width, height, src, histogram);
+    else if (pixels < kFewestForFourTables)
+        countOneByOne<uint16_t, 2>(width, height, src, histogram);
+    else if (width < 2 || pixels < kFewestForPairs || !countInPairs(width, height, src, histogram))
+        countOneByOne<uint32_t, 4>(width, height, src, histogram);
 }
 
 } // namespace

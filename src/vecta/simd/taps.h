@@ -2,9 +2,11 @@
 // into a table once, from which rows are computed by shuffles.
 //
 // A step is as many columns as a vector has lanes of 16 bits. A column takes one or two pairs of bytes, each with two
-// weights; TapsOfStep is what the table has for one pair of each column of a step.
+// weights; TapsOfStep is what the table has for one pair of each column of a step. Columns is the table for a kind of
+// sum: set() each pair of each column, finish(), then sum() rows.
 #pragma once
 
+#include "scratch.h"
 #include "vecta/simd/simd.h"
 
 namespace rvk::vecta::RVK_ISA {
@@ -270,6 +272,208 @@ RVK_INLINE void storeColumns(uint8_t* p, const Vecs<uint16_t, 2>& first, const V
     store4(p, Vecs<uint8_t, 4>{narrowRounded<uint8_t, shift>(first), narrowRounded<uint8_t, shift>(second),
                                narrowRounded<uint8_t, shift>(third), narrowRounded<uint8_t, shift>(fourth)});
 #endif
+}
+
+// ---- tables ---------------------------------------------------------------------------------------------------------
+
+constexpr size_t kWindowsOfStep = kBytes / kWindow;
+
+// Rows of the source that are scaled at once: they share what is read from the table.
+constexpr size_t kMostInBatch = 4;
+struct RowBatch
+{
+    const uint8_t* src[kMostInBatch];
+    int16_t* dst[kMostInBatch];
+};
+
+// One pair of bytes of each column of a step: where the first byte is, and their weights.
+struct PairsOfStep
+{
+    uint32_t places[kColumns];
+    int16_t weights[2][kColumns];
+};
+
+// Which bytes of a row of the source make the columns of a row of the destination: as many pairs for each. Steps reach
+// beyond the end, where they have the last column again and again.
+class ColumnTable
+{
+public:
+    // The bytes of a pair are `apart` from each other, but for those whose second one would be beyond the row: there it
+    // is the first one again.
+    ColumnTable(size_t rowBytes, size_t apart, size_t columns, size_t pairs)
+        : m_rowBytes(rowBytes), m_apart(apart), m_columns(columns), m_pairs(pairs),
+          m_steps((columns + kColumns - 1) / kColumns), m_given(m_steps, pairs),
+          m_offsets(m_steps * pairs, kWindowsOfStep), m_taps(m_steps, pairs)
+    {
+    }
+    bool exists() const { return m_given && m_offsets && m_taps; }
+    bool hasWindows() const { return m_windowSize != 0; }
+
+    // One pair of a column: where its first byte is, and the weights.
+    RVK_INLINE void set(size_t column, size_t pair, size_t place, int32_t weight0, int32_t weight1)
+    {
+        PairsOfStep& p = m_given[column / kColumns * m_pairs + pair];
+        p.places[column % kColumns] = static_cast<uint32_t>(place);
+        p.weights[0][column % kColumns] = static_cast<int16_t>(weight0);
+        p.weights[1][column % kColumns] = static_cast<int16_t>(weight1);
+    }
+
+protected:
+    // After the last column was set.
+    void findWindows();
+    // The bytes of a pair of a step, one by one, where there are no windows.
+    void fetchEach(const uint8_t* row, const PairsOfStep& pairs, uint8_t* bytes) const;
+
+    size_t m_rowBytes, m_apart, m_columns, m_pairs, m_steps;
+    Scratch<PairsOfStep> m_given;
+    Scratch<uint32_t> m_offsets; // of windows
+    Scratch<TapsOfStep> m_taps;
+    size_t m_windowSize = 0; // in kWindow; 0: there are pairs only
+
+private:
+    RVK_INLINE uint32_t secondPlace(uint32_t place) const
+    {
+        return place + (place + m_apart < m_rowBytes ? static_cast<uint32_t>(m_apart) : 0);
+    }
+    bool makeWindows(size_t size);
+};
+
+RVK_NOINLINE void ColumnTable::findWindows()
+{
+    const size_t last = m_columns - 1;
+    for (size_t column = m_columns; column < m_steps * kColumns; ++column)
+        for (size_t pair = 0; pair < m_pairs; ++pair)
+            set(column, pair, m_given[last / kColumns * m_pairs + pair].places[last % kColumns], 0, 0);
+    m_windowSize = makeWindows(1) ? 1 : m_rowBytes >= 2 * kWindow && makeWindows(2) ? 2 : 0;
+}
+
+// Whether windows of so many kWindow hold all the bytes that are to be taken from each; then the indices are known.
+RVK_NOINLINE bool ColumnTable::makeWindows(size_t size)
+{
+    constexpr size_t columns = kColumns / kWindowsOfStep; // of a window
+    const size_t bytes = size * kWindow, lastWindow = m_rowBytes < bytes ? 0 : m_rowBytes - bytes;
+    for (size_t i = 0; i < m_steps * m_pairs; ++i)
+        for (size_t window = 0; window < kWindowsOfStep; ++window) {
+            // Columns are in the order of their pixels.
+            const uint32_t* const places = m_given[i].places + window * columns;
+            const uint32_t first = places[0], last = secondPlace(places[columns - 1]);
+            if (last - first >= bytes)
+                return false;
+            const uint32_t offset = static_cast<uint32_t>(least(first, lastWindow));
+            m_offsets[i * kWindowsOfStep + window] = offset;
+            uint8_t* __restrict const indices = m_taps[i].indices;
+            for (size_t k = 0; k < columns; ++k) {
+                indices[laneOfPair(window * columns + k, 0)] = static_cast<uint8_t>(places[k] - offset);
+                indices[laneOfPair(window * columns + k, 1)] = static_cast<uint8_t>(secondPlace(places[k]) - offset);
+            }
+        }
+    return true;
+}
+
+RVK_NOINLINE void ColumnTable::fetchEach(const uint8_t* row, const PairsOfStep& pairs, uint8_t* bytes) const
+{
+    for (size_t column = 0; column < kColumns; ++column) {
+        bytes[laneOfPair(column, 0)] = row[pairs.places[column]];
+        bytes[laneOfPair(column, 1)] = row[secondPlace(pairs.places[column])];
+    }
+}
+
+// The bytes of a row of the destination as sums of pairs of bytes of a row of the source.
+template <class Sum>
+class Columns : public ColumnTable
+{
+public:
+    Columns(size_t rowBytes, size_t columns, size_t apart = 1) : ColumnTable(rowBytes, apart, columns, Sum::pairs) {}
+    // A scaled row.
+    size_t values() const { return m_steps * kValues; }
+
+    // After the last column was set.
+    void finish()
+    {
+        findWindows();
+        for (size_t i = 0; i < m_steps * Sum::pairs; ++i)
+            Sum::setWeights(m_taps[i], load(m_given[i].weights[0]), load(m_given[i].weights[1]));
+    }
+
+    // Of the first rows of a batch: kMostInBatch or half of them.
+    template <size_t rows>
+    void sum(const RowBatch& batch) const;
+
+private:
+    static constexpr size_t kValues = kColumns * Sum::values; // of a step
+
+    // fetch(row, step, its taps) gives the pairs of a step.
+    template <size_t rows, class Fetch>
+    RVK_INLINE void sumSteps(const RowBatch& batch, Fetch fetch) const;
+    template <size_t rows>
+    RVK_NOINLINE void sumWholeWindows(const RowBatch& batch) const;
+};
+
+template <class Sum>
+template <size_t rows, class Fetch>
+RVK_INLINE void Columns<Sum>::sumSteps(const RowBatch& batch, Fetch fetch) const
+{
+    const TapsOfStep* taps = m_taps.get();
+    const uint8_t* src[rows];
+    int16_t* dst[rows];
+    unrolled<rows>([&](auto i) RVK_INLINE_LAMBDA {
+        src[i] = batch.src[i];
+        dst[i] = batch.dst[i];
+    });
+    for (size_t step = 0, x = 0, steps = m_steps; step < steps; ++step, x += kValues, taps += Sum::pairs) {
+        decltype(Sum::sum(fetch(src[0], step, taps), taps)) sums[rows];
+        unrolled<rows>([&](auto i) RVK_INLINE_LAMBDA { sums[i] = Sum::sum(fetch(src[i], step, taps), taps); });
+        unrolled<rows>([&](auto i) RVK_INLINE_LAMBDA { store(dst[i] + x, sums[i]); });
+    }
+}
+
+// The pairs of a step, from windows n * kWindow wide.
+template <size_t n, size_t pairs>
+RVK_INLINE Vecs<uint8_t, pairs> fetchFromWindows(const uint8_t* row, const uint32_t* offsets, const TapsOfStep* taps)
+{
+    Vecs<uint8_t, pairs> pixels;
+    unrolled<pairs>([&](auto i) RVK_INLINE_LAMBDA {
+        pixels[i] = lookupWindows<n>(row, offsets + i * kWindowsOfStep, load(taps[i].indices));
+    });
+    return pixels;
+}
+
+template <class Sum>
+template <size_t rows>
+RVK_NOINLINE void Columns<Sum>::sumWholeWindows(const RowBatch& batch) const
+{
+    constexpr size_t windows = Sum::pairs * kWindowsOfStep; // of a step
+    const uint32_t* const offsets = m_offsets.get();
+    if (m_windowSize == 1)
+        sumSteps<rows>(batch, [=](const uint8_t* row, size_t step, const TapsOfStep* taps) RVK_INLINE_LAMBDA {
+            return fetchFromWindows<1, Sum::pairs>(row, offsets + step * windows, taps);
+        });
+    else if (m_windowSize == 2)
+        sumSteps<rows>(batch, [=](const uint8_t* row, size_t step, const TapsOfStep* taps) RVK_INLINE_LAMBDA {
+            return fetchFromWindows<2, Sum::pairs>(row, offsets + step * windows, taps);
+        });
+    else
+        sumSteps<rows>(batch, [this](const uint8_t* row, size_t step, const TapsOfStep*) RVK_INLINE_LAMBDA {
+            uint8_t bytes[Sum::pairs * kBytes];
+            for (size_t pair = 0; pair < Sum::pairs; ++pair)
+                fetchEach(row, m_given[step * Sum::pairs + pair], bytes + pair * kBytes);
+            return loadVecs<Sum::pairs>(bytes);
+        });
+}
+
+template <class Sum>
+template <size_t rows>
+void Columns<Sum>::sum(const RowBatch& batch) const
+{
+    if (m_rowBytes >= kWindow) {
+        sumWholeWindows<rows>(batch);
+        return;
+    }
+    uint8_t padded[rows][kWindow] = {};
+    RowBatch wider = batch;
+    for (size_t i = 0; i < rows; ++i)
+        wider.src[i] = static_cast<uint8_t*>(__builtin_memcpy(padded[i], batch.src[i], m_rowBytes));
+    sumWholeWindows<rows>(wider);
 }
 
 } // namespace

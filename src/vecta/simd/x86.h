@@ -1417,10 +1417,17 @@ constexpr size_t kGatherReach = 4;
 // The 32 bits at p + offset; offsets are below 2^31.
 RVK_INLINE Vec<uint32_t> gatherWords(const uint8_t* p, Vec<uint32_t> offset)
 {
+    // Lanes whose mask is not set stay as they are. All are set, but the processor waits for what the register had
+    // before: so it gets zeros, of a mask that compilers do not know, or they would leave them out.
+    const Register none = reg(zero<uint32_t>());
 #if RVK_AVX512
-    return vec<uint32_t>(_mm512_i32gather_epi32(reg(offset), p, 1));
+    __mmask16 all = 0xffff;
+    __asm__("" : "+Yk"(all));
+    return vec<uint32_t>(_mm512_mask_i32gather_epi32(none, all, reg(offset), p, 1));
 #else
-    return vec<uint32_t>(_mm256_i32gather_epi32(reinterpret_cast<const int*>(p), reg(offset), 1));
+    Register all = reg(splat(UINT32_MAX));
+    __asm__("" : "+x"(all));
+    return vec<uint32_t>(_mm256_mask_i32gather_epi32(none, reinterpret_cast<const int*>(p), reg(offset), all, 1));
 #endif
 }
 
