@@ -1,6 +1,7 @@
 // The vector layer beside its scalar definitions.
 #include "simd/kernels.h"
 
+#include "vecta/simd/bits.h"
 #include "vecta/simd/blocks.h"
 #include "vecta/simd/chroma.h"
 #include "vecta/simd/runningSums.h"
@@ -441,6 +442,10 @@ SimdGroup single()
         BINARY(uint8_t, average(a, b), (a + b + 1) >> 1),
         BINARY(uint8_t, bitCast<uint8_t>(halfDifference(a, b)), (a - b) >> 1),
         BINARY(uint8_t, multiplyRounded(a, b), (a * b + 128) >> 8),
+        BINARY(uint8_t, narrowSatInLanes<uint8_t>(subtractWideInLanes(a, b)), a > b ? a - b : 0),
+        BINARY(uint8_t, narrowSatInLanes<uint8_t>(subtractWideInLanes(b, a)), a < b ? b - a : 0),
+        BINARY(uint8_t, selectBits(splat<uint8_t>(0x1e), a, b), (a & 0x1e) | (b & 0xe1)),
+        BINARY(int8_t, withBits(a & splat<int8_t>(15), greater(a, b), splat<int8_t>(48)), (a & 15) | (a > b ? 48 : 0)),
         BINARY(uint8_t, joinBits<3>(a, b), (a & 0xe0) | b >> 3),
         BINARY(uint8_t, joinBits<6>(a, b), (a & 0xfc) | b >> 6),
         BINARY(uint16_t, average(a, b), (a + b + 1) >> 1),
