@@ -53,6 +53,13 @@ void multiplyStrings(const Picture& p, Dot (*function)(const T*, const T*, uint3
         p.out<Dot>()[i] = function(p.in<T>(), p.in<T>() + i * 128, 128);
 }
 
+template <class T, class D>
+void multiplyBlocks(const Picture& p, rvkStatus (*function)(const T*, const T*, uint32_t, uint32_t, uint32_t, uint32_t,
+                                                            uint32_t, uint32_t, D*, uint32_t))
+{
+    function(p.in<T>(0), p.in<T>(1), p.width, p.height, 0, 0, 8, 8, p.out<D>(), 0);
+}
+
 #if RVK_BENCH_OPENCV
 template <class T, uint32_t length>
 void multiplyEachByOpenCv(const Picture& p)
@@ -111,6 +118,10 @@ constexpr Row kRows[] = {
      OPENCV_DOTS(s8, 128), nullptr, kBatch},
     {"rvkDotProductu8, 128", nullptr, traffic(128, 4), RAVIK(multiplyStrings(p, rvkDotProductu8)), OPENCV_DOTS(u8, 128),
      nullptr, kBatch},
+    {"rvkDotProductf32, 128", nullptr, traffic(512, 4), RAVIK(multiplyStrings(p, rvkDotProductf32)),
+     OPENCV_DOTS(f32, 128), nullptr, kBatch},
+    {"rvkBlockDotProductu8, 8x8", nullptr, traffic(2, 1.0 / 16), RAVIK(multiplyBlocks(p, rvkBlockDotProductu8))},
+    {"rvkBlockDotProductf32, 8x8", nullptr, traffic(8, 1.0 / 16), RAVIK(multiplyBlocks(p, rvkBlockDotProductf32))},
     {"rvkDotProductu8", "dot of planes u8", streaming(2, 0),
      RAVIK(p.out<u32>()[0] = rvkDotProductu8(p.in<u8>(0), p.in<u8>(1), p.width* p.height)),
      OPENCV(p.out<f32>()[0] = static_cast<f32>(p.matIn<u8>(0).dot(p.matIn<u8>(1))))},

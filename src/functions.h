@@ -146,6 +146,9 @@ void irvkIntegralLineC(const uint8_t* src, uint32_t width, const uint32_t* above
 // bin 0. The sums fit 32 bits.
 void irvkHoughAccumulateAreaC(const uint32_t* pixels, uint32_t nPixels, int32_t c, int32_t s, uint32_t* votes);
 
+// The dot product of n elements modulo 2^32.
+int32_t irvkDotProductNC(const int8_t* a, const int8_t* b, uint32_t n);
+
 template <auto slot>
 struct SignatureOf; // Type: pointer to the functions that fill the slot's row; absent while the row has no reference
 

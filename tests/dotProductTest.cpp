@@ -1,6 +1,7 @@
 #include "support/implementations.h"
 #include "support/random.h"
 
+#include <cmath>
 #include <numeric>
 
 using namespace test;
@@ -79,6 +80,65 @@ TEST(DotProduct, OfAnyLength)
                 << n << " on " << name;
         });
     }
+}
+
+// Of floats within length * 2^-23 of the sum of magnitudes, which the exact product is, too.
+TEST(DotProduct, OfFloats)
+{
+    Random random(3);
+    for (const uint32_t n : {0u, 1u, 3u, 16u, 31u, 63u, 64u, 100u, 128u, 1000u}) {
+        std::vector<float> a(n + 1), b(n + 1);
+        double exact = 0, magnitudes = 0;
+        for (size_t i = 0; i < n; ++i) {
+            a[i] = static_cast<float>(static_cast<int32_t>(random.next())) * (i % 5 ? 1e-9f : 1e3f);
+            b[i] = static_cast<float>(static_cast<int32_t>(random.next())) * 1e-7f;
+            exact += double{a[i]} * b[i];
+            magnitudes += std::fabs(double{a[i]} * b[i]);
+        }
+        const float reference = referenceOf<Slot::rvkDotProductf32>()(a.data(), b.data(), n);
+        forEachImplementation<Slot::rvkDotProductf32>([&](const char* name, auto function) {
+            const double product = function(a.data(), b.data(), n), tolerance = n * 0x1p-23 * magnitudes;
+            EXPECT_LE(std::fabs(product - exact), tolerance) << n << " on " << name;
+            EXPECT_LE(std::fabs(product - reference), tolerance) << n << " on " << name;
+        });
+    }
+    const float ones[4] = {1e8f, 1, -1e8f, 1}, one[4] = {1, 1, 1, 1};
+    EXPECT_EQ(referenceOf<Slot::rvkDotProductf32>()(ones, one, 4), 1) << "in the order of the elements";
+}
+
+template <Slot slot, class T, class D>
+void expectBlockProducts(T largest)
+{
+    const uint32_t width = 300, height = 5, stride = 310; // longer than what is summed at a time
+    for (const uint32_t blockWidth : {1u, 7u, 64u, 299u, 4000u}) {
+        const std::vector<T> a(stride * height, largest), b(stride * height, 3);
+        const uint32_t across = (width + blockWidth - 1) / blockWidth;
+        forEachImplementation<slot>([&](const char* name, auto function) {
+            std::vector<D> dst(3 * (across + 1), 77);
+            EXPECT_EQ(function(a.data(), b.data(), width, height, stride * sizeof(T), stride * sizeof(T), blockWidth, 2,
+                               dst.data(), (across + 1) * sizeof(D)),
+                      RAVIK_SUCCESS);
+            for (uint32_t y = 0; y < 3; y++)
+                for (uint32_t x = 0; x <= across; x++) {
+                    const uint32_t columns = std::min(blockWidth, width - std::min(width, x * blockWidth));
+                    const D expected = x < across ? static_cast<D>(3 * largest * columns * (y < 2 ? 2 : 1)) : D{77};
+                    EXPECT_EQ(dst[y * (across + 1) + x], expected) << nameOf(slot) << " on " << name << ", " << x;
+                }
+        });
+    }
+}
+
+TEST(DotProduct, OfBlocks)
+{
+    expectBlockProducts<Slot::rvkBlockDotProductu8, uint8_t, uint32_t>(255);
+    expectBlockProducts<Slot::rvkBlockDotProductf32, float, float>(-5);
+    // Columns first.
+    const float a[4] = {1e8f, 1, -1e8f, 1}, ones[4] = {1, 1, 1, 1};
+    forEachImplementation<Slot::rvkBlockDotProductf32>([&](const char* name, auto function) {
+        float dot = 77;
+        EXPECT_EQ(function(a, ones, 2, 2, 8, 8, 2, 2, &dot, 4), RAVIK_SUCCESS);
+        EXPECT_EQ(dot, 2) << name;
+    });
 }
 
 TEST(DotProduct, OfPatches)

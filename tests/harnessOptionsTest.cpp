@@ -185,8 +185,9 @@ TEST_F(HarnessRun, TestsFunctionsBeforeAModeIsSet)
 {
     const ProgramRun result = runProgram({testData().string(), "-TWOp", "-m", "none"});
     EXPECT_EQ(result.exitStatus, 0) << result.err;
-    EXPECT_TRUE(result.logged("RAVIK_TEST, rvkFilterMedian3x3u8_C =>PASS")) << result.err;
-    EXPECT_TRUE(result.logged("RAVIK_TEST, rvkColorYUV420toRGB565u8Rotate180_C =>PASS")) << result.err;
+    for (const char* name :
+         {"FilterMedian3x3u8", "DotProduct36x1s8", "SumOfSquaredDiffs36x4s8", "ColorYUV420toRGB565u8Rotate180"})
+        EXPECT_TRUE(result.logged("RAVIK_TEST, rvk" + std::string(name) + "_C =>PASS")) << name << "\n" << result.err;
     EXPECT_TRUE(result.logged("Running ravik API without calling setOperationMode is pass\n")) << result.err;
     const ProgramRun withoutVectors = run({"-TWOp", "-m", "none"});
     EXPECT_EQ(withoutVectors.exitStatus, 0) << "the verdict does not count";

@@ -9,6 +9,7 @@ std::span<const TestGroup> testGroups()
         {"MEM", 3, TEST_MEM_Test, nullptr},
         {"DEPTH", 5, RAVIK_TEST_DEPTH, depthFunctions},
         {"DOT", 3, RAVIK_TEST_DOT_Test, dotProductFunctions},
+        {"SSD", 3, RAVIK_TEST_SSD_Test, squaredDiffFunctions},
         {"IIMG", 5, RAVIK_TEST_IIMG_Test, integralFunctions},
         {"IIMGYUV", 8, RAVIK_TEST_IIMGYUV_Test, integralYuvFunctions},
         {"IDIFF", 5, RAVIK_TEST_IDIFF_Test, imageDiffFunctions},
@@ -23,8 +24,10 @@ std::span<const TestGroup> testGroups()
         {"EDGES", 6, RAVIK_TEST_EDGE_Sobel_Test, edgesFunctions},
         {"SCHARR", 6, RAVIK_TEST_EDGE_Scharr_Test, scharrFunctions},
         {"SAD", 3, RAVIK_TEST_SAD_Test, sadFunctions},
+        {"DESCRIPTOR", 9, RAVIK_TEST_DESCRIPTOR_Test, descriptorFunctions},
         {"THRESH", 6, RAVIK_TEST_THRESH_Test, thresholdFunctions},
         {"COPY", 4, RAVIK_TEST_COPY_Test, copyFunctions},
+        {"VEC", 3, RAVIK_TEST_VecNormalize36xNi8f32, vectorFunctions},
         {"BITCNT", 6, RAVIK_TEST_BITCNT_Test, bitCountFunctions},
         {"BITWISEOP", 7, RAVIK_TEST_BITWISEOP_Test, bitwiseFunctions},
         {"OFBM", 4, RAVIK_TEST_OPTICAL_FLOW_BM_Test, blockMatchingFunctions},
@@ -44,8 +47,10 @@ std::span<const TestGroup> testGroups()
         {"REMAP", 5, RAVIK_TEST_REMAP_Test, remapFunctions},
         {"PYRAMID", 7, RAVIK_TEST_PYRAMID_Test, pyramidFunctions},
         {"IMGSEGMENTATION", 15, RAVIK_TEST_IMGSEGMENTATION_Test, segmentationFunctions},
+        {"LBP", 3, RAVIK_TEST_LBP_Test, lbpFunctions},
         {"CORNERSUBPIX", 12, RAVIK_TEST_CORNERSUBPIX_Test, cornerSubPixFunctions},
         {"CHANNEL", 7, RAVIK_TEST_CHANNEL_Test, channelFunctions},
+        {"STATS", 5, RAVIK_TEST_StatsSampleMeanAndVarSpecialN36f32, sampleStatisticsFunctions},
         {"FIR", 3, RAVIK_TEST_FIR_Test, firFunctions},
         {"IMGINTENSITY", 12, RAVIK_TEST_IMGINTENSITY_Test, imageIntensityFunctions},
         {"EDGE", 5, RAVIK_TEST_EDGE_Test, edgeFunctions},
@@ -68,16 +73,19 @@ std::vector<const FunctionTest*> allFunctions()
 }
 
 // Random cases would set the mode of the reference.
-static int runStoredVectors(FunctionGroup group, const std::string& name, const char* dataDirectory)
+static int runStoredVectors(FunctionGroup group, const std::string& name, const char* dataDirectory,
+                            float tolerance = 0)
 {
     group.isStored = true;
     const auto function = std::find_if(group.functions.begin(), group.functions.end(),
                                        [&](const FunctionTest& f) { return f.name == name; });
-    return unitTest(group, *function, dataDirectory, kTargetC, 0, RAVIK_TEST_UNIT, 0, nullptr);
+    return unitTest(group, *function, dataDirectory, kTargetC, tolerance, RAVIK_TEST_UNIT, 0, nullptr);
 }
 
 int runUnsetModeTests(const char* dataDirectory)
 {
     return runStoredVectors(blurFunctions(), "rvkFilterMedian3x3u8", dataDirectory) |
+           runStoredVectors(dotProductFunctions(), "rvkDotProduct36x1s8", dataDirectory) |
+           runStoredVectors(squaredDiffFunctions(), "rvkSumOfSquaredDiffs36x4s8", dataDirectory, 1e-6f) |
            runStoredVectors(colorToRgbFunctions(), "rvkColorYUV420toRGB565u8Rotate180", dataDirectory);
 }

@@ -1,4 +1,4 @@
-/* Ravik: dot products of descriptors.
+/* Ravik: dot products of descriptors, of vectors of any length and of blocks of pictures.
  *
  * Common to all functions of this header:
  *   Shapes     the names of the fixed forms say how many elements a descriptor has, and whether the first, `A`, is
@@ -67,6 +67,28 @@ RVK_API uint32_t rvkDotProduct11x12u8(const uint8_t* A, const uint8_t* B);
 /* Of any length. */
 RVK_API int32_t rvkDotProducts8(const int8_t* a, const int8_t* b, uint32_t length);
 RVK_API uint32_t rvkDotProductu8(const uint8_t* a, const uint8_t* b, uint32_t length);
+
+/* The same of floats, in single precision. The reference adds the products in the order of the elements; vector
+ * implementations add them in another order, and their result differs by at most length * 2^-23 of the sum of the
+ * products' magnitudes where no sum overflows. On 32-bit Arm they take subnormal numbers as zero. */
+RVK_API float32_t rvkDotProductf32(const float32_t* a, const float32_t* b, uint32_t length);
+
+/* The dot product of each block of one picture with the block at its place in the other. The blocks, blockWidth x
+ * blockHeight pixels, are laid side by side from the upper left corner on; those at the right and lower edges are as
+ * large as what is left. dst has one number for each: ceil(srcWidth / blockWidth) x ceil(srcHeight / blockHeight).
+ *
+ * Sums of bytes are modulo 2^32, which only blocks of more than 66051 pixels can reach. Sums of floats are in single
+ * precision: each column from top to bottom, then the columns' sums from left to right, with the same bits on all
+ * targets, but that vector code on 32-bit Arm takes subnormal numbers as zero.
+ *
+ * Strides are in bytes; 0 means packed rows. The pictures may be the same memory or overlap, dst must not overlap them.
+ * Null pointers, sizes of 0 and strides shorter than a row are refused with RAVIK_EBADPARAM, and nothing is written. */
+RVK_API rvkStatus rvkBlockDotProductu8(const uint8_t* src1, const uint8_t* src2, uint32_t srcWidth, uint32_t srcHeight,
+                                       uint32_t src1Stride, uint32_t src2Stride, uint32_t blockWidth,
+                                       uint32_t blockHeight, uint32_t* dst, uint32_t dstStride);
+RVK_API rvkStatus rvkBlockDotProductf32(const float32_t* src1, const float32_t* src2, uint32_t srcWidth,
+                                        uint32_t srcHeight, uint32_t src1Stride, uint32_t src2Stride,
+                                        uint32_t blockWidth, uint32_t blockHeight, float32_t* dst, uint32_t dstStride);
 
 RVK_EXTERN_C_END
 

@@ -40,6 +40,23 @@ void multiplyAndScale(const char* function, const T* A, float32_t invLenA, const
     implementation<slot>(target)(A, invLenA, vB0, vB1, vB2, vB3, invLengthsB, dotProducts);
 }
 
+// Blocks of T, and a number of type D for each.
+template <Slot slot, class T, class D>
+rvkStatus multiplyBlocks(const T* src1, const T* src2, uint32_t srcWidth, uint32_t srcHeight, uint32_t src1Stride,
+                         uint32_t src2Stride, uint32_t blockWidth, uint32_t blockHeight, D* dst, uint32_t dstStride)
+{
+    const uint32_t blocksAcross = blockWidth && srcWidth ? (srcWidth - 1) / blockWidth + 1 : 0;
+    src1Stride = packedIfZero(src1Stride, srcWidth, sizeof(T));
+    src2Stride = packedIfZero(src2Stride, srcWidth, sizeof(T));
+    dstStride = packedIfZero(dstStride, blocksAcross, sizeof(D));
+    const RVK_IMPL target = chooseTarget(slot);
+    RVK_CHECK_STATUS(src1 && src2 && dst && blocksAcross && srcHeight && blockHeight &&
+                     src1Stride >= rowSize(srcWidth, sizeof(T)) && src2Stride >= rowSize(srcWidth, sizeof(T)) &&
+                     dstStride >= rowSize(blocksAcross, sizeof(D)));
+    return implementation<slot>(target)(src1, src2, srcWidth, srcHeight, src1Stride, src2Stride, blockWidth,
+                                        blockHeight, dst, dstStride);
+}
+
 } // namespace
 
 int32_t rvkDotProduct36x1s8(const int8_t* A, const int8_t* B)
@@ -172,4 +189,27 @@ uint32_t rvkDotProductu8(const uint8_t* a, const uint8_t* b, uint32_t length)
     const RVK_IMPL target = chooseTarget(Slot::rvkDotProductu8);
     RVK_CHECK_ARGS_OR(0, a && b);
     return implementation<Slot::rvkDotProductu8>(target)(a, b, length);
+}
+
+float32_t rvkDotProductf32(const float32_t* a, const float32_t* b, uint32_t length)
+{
+    const RVK_IMPL target = chooseTarget(Slot::rvkDotProductf32);
+    RVK_CHECK_ARGS_OR(0, a && b);
+    return implementation<Slot::rvkDotProductf32>(target)(a, b, length);
+}
+
+rvkStatus rvkBlockDotProductu8(const uint8_t* src1, const uint8_t* src2, uint32_t srcWidth, uint32_t srcHeight,
+                               uint32_t src1Stride, uint32_t src2Stride, uint32_t blockWidth, uint32_t blockHeight,
+                               uint32_t* dst, uint32_t dstStride)
+{
+    return multiplyBlocks<Slot::rvkBlockDotProductu8>(src1, src2, srcWidth, srcHeight, src1Stride, src2Stride,
+                                                      blockWidth, blockHeight, dst, dstStride);
+}
+
+rvkStatus rvkBlockDotProductf32(const float32_t* src1, const float32_t* src2, uint32_t srcWidth, uint32_t srcHeight,
+                                uint32_t src1Stride, uint32_t src2Stride, uint32_t blockWidth, uint32_t blockHeight,
+                                float32_t* dst, uint32_t dstStride)
+{
+    return multiplyBlocks<Slot::rvkBlockDotProductf32>(src1, src2, srcWidth, srcHeight, src1Stride, src2Stride,
+                                                       blockWidth, blockHeight, dst, dstStride);
 }

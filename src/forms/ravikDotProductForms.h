@@ -1,4 +1,5 @@
-// Dot products of a fixed number of elements, by the drivers dot<n> and dotFour<n> of either room.
+// Dot products of a fixed number of elements, by the drivers dot<n> and dotFour<n> of either room, and of blocks, by the
+// driver dotEachBlock.
 #pragma once
 
 #include "forms/form.h"
@@ -135,6 +136,27 @@ void RVK_FORM(rvkDotProductNorm128x4u8)(const uint8_t* A, float32_t invLenA, con
                                         float32_t* dotProducts)
 {
     dotFourScaled<128>(A, invLenA, {vB0, vB1, vB2, vB3}, invLengthsB, dotProducts);
+}
+
+int32_t RVK_FORM(irvkDotProductN)(const int8_t* a, const int8_t* b, uint32_t n)
+{
+    return RVK_FORM(rvkDotProducts8)(a, b, n);
+}
+
+rvkStatus RVK_FORM(rvkBlockDotProductu8)(const uint8_t* src1, const uint8_t* src2, uint32_t srcWidth,
+                                         uint32_t srcHeight, uint32_t src1Stride, uint32_t src2Stride,
+                                         uint32_t blockWidth, uint32_t blockHeight, uint32_t* dst, uint32_t dstStride)
+{
+    return dotEachBlock(srcWidth, srcHeight, Plane{src1, src1Stride}, Plane{src2, src2Stride}, blockWidth, blockHeight,
+                        Plane{dst, dstStride});
+}
+
+rvkStatus RVK_FORM(rvkBlockDotProductf32)(const float32_t* src1, const float32_t* src2, uint32_t srcWidth,
+                                          uint32_t srcHeight, uint32_t src1Stride, uint32_t src2Stride,
+                                          uint32_t blockWidth, uint32_t blockHeight, float32_t* dst, uint32_t dstStride)
+{
+    return dotEachBlock(srcWidth, srcHeight, Plane{src1, src1Stride}, Plane{src2, src2Stride}, blockWidth, blockHeight,
+                        Plane{dst, dstStride});
 }
 
 } // namespace RVK_ROOM

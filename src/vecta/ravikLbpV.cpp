@@ -1,0 +1,276 @@
+// Vector implementations of local binary patterns.
+#include "cpu/ravikLbpC.h"
+#include "vecta/simd/bits.h"
+#include "vecta/simd/rows.h"
+#include "vecta/vecta.h"
+
+#include <ravik/lbp.h>
+
+namespace rvk::vecta::RVK_ISA {
+namespace {
+
+using Bytes = Vec<uint8_t>;
+
+// ---- eight points around a pixel ------------------------------------------------------------------------------------
+//
+// At a radius of 1, the points beside, above and below a pixel are not darker when the neighbour there is not: the pixel
+// itself has the other part of the weights.
+//
+// A point on a diagonal lies between four pixels that make a square
+//
+//     a b
+//     c d
+//
+// and each of them is the centre of one such point. With A = 3474775 and B = 8388264, that of a is not darker when
+//
+//     A * (b + c - 2a) + B * (d - a) >= 2a - 1020.
+//
+// The right side lies between -1020 and -510. The left side is never between that and 0, as its values for all bytes show;
+// nor does its sign change when A / B is any other number between 99 / 239 and 29 / 70. So with x = b + c - a - d and
+// r = A / (A + B), between 99 / 338 and 29 / 99,
+//
+//     d - a >= -r * x,  and alike  a - d >= -r * x  for d,  c - b >= r * x  for b,  b - c >= r * x  for c:
+//
+// the four have one product in common, whose fraction does not count once it is rounded down. Clamping both sides to
+// signed bytes changes no answer, since differences of 128 and products of 128 leave no room for the other one.
+
+// Pixels as signed bytes: their order is the same, and their differences saturate in one operation.
+RVK_INLINE Vec<int8_t> toSigned(Bytes v)
+{
+    return bitCast<int8_t>(v ^ splat<uint8_t>(128));
+}
+
+// A row of pixels and those to the right of them.
+struct Row
+{
+    Vec<int8_t> left, right;
+    Vecs<int16_t, 2> fall; // left - right
+
+    RVK_INLINE static Row at(const uint8_t* p)
+    {
+        const Bytes first = load(p), second = load(p + 1);
+        return {toSigned(first), toSigned(second), subtractWideInLanes(first, second)};
+    }
+};
+
+// A row of squares has two answers for the pixels in each of its corners. Those of a code, 1 for what is darker here,
+// come from four squares.
+class EightAroundPixel
+{
+public:
+    static constexpr size_t step = Bytes::lanes - 1, columns = 3;
+
+    // The rows above the first output, the upper one first.
+    RVK_INLINE void prime(const uint8_t* upper, const uint8_t* lower)
+    {
+        m_row = Row::at(upper);
+        next(lower);
+    }
+
+    // The row below an output: its codes, but in the last lane.
+    RVK_INLINE Bytes next(const uint8_t* p)
+    {
+        constexpr uint8_t ofUpperLeft = 0xc1, ofLowerLeft = 0x30, ofLower = 0x38; // corners of squares
+        const Row below = Row::at(p);
+        const Bytes squares = answers(m_row, below);
+        const Bytes toTheRight = extract<1>(squares, squares);
+        const Bytes inLowerSquares = selectBits(splat(ofUpperLeft), toTheRight, squares);
+        const Bytes codes = ~selectBits(splat(ofLower), m_fromAbove, inLowerSquares);
+        m_fromAbove = selectBits(splat(ofLowerLeft), toTheRight, squares);
+        m_row = below;
+        return codes;
+    }
+
+private:
+    // Bits as in the codes.
+    RVK_INLINE static Bytes answers(const Row& above, const Row& below)
+    {
+        const Vec<int8_t> a = above.left, b = above.right, c = below.left, d = below.right;
+        const auto product = [](Vec<int16_t> from, Vec<int16_t> to) RVK_INLINE_LAMBDA {
+            return multiplyQ15<19196 / 2>(from - to); // 19196 / 2^16
+        };
+        const Vec<int8_t> ofX = narrowSatInLanes<int8_t>(both(below.fall, above.fall, product));
+        const Vec<int8_t> ofMinusX = narrowSatInLanes<int8_t>(both(above.fall, below.fall, product));
+        const Vec<int8_t> falling = subSat(d, a), rising = subSat(c, b), none = zero<int8_t>();
+        // Clockwise from the point below.
+        const Mask<int8_t> darker[8] = {greater(a, c), greater(subSat(none, ofMinusX), rising),
+                                        greater(b, a), greater(falling, ofX),
+                                        greater(c, a), greater(rising, ofMinusX),
+                                        greater(a, b), greater(subSat(none, ofX), falling)};
+        Vec<int8_t> bits = none;
+        unrolled<8>([&](auto i)
+                        RVK_INLINE_LAMBDA { bits = withBits(bits, darker[i], splat(static_cast<int8_t>(1u << i))); });
+        return bitCast<uint8_t>(bits);
+    }
+
+    Row m_row = {};
+    Bytes m_fromAbove = {}; // what the squares above say of the row
+};
+
+// Down columns as wide as the kernel's step, in blocks of rows that the first-level cache keeps for the next column.
+RVK_NOINLINE void codeEightAround(size_t width, size_t height, Plane<const uint8_t> src, Plane<uint8_t> dst)
+{
+    using Kernel = EightAroundPixel;
+    constexpr size_t step = Kernel::step, blockRows = 32;
+    Kernel kernel;
+    if (width < step) {
+        uint8_t rows[2][step + Kernel::columns - 1] = {};
+        const auto copy = [&](size_t y) -> const uint8_t* {
+            __builtin_memcpy(rows[y & 1], src.row(y), width + Kernel::columns - 1);
+            return rows[y & 1];
+        };
+        kernel.prime(copy(0), copy(1));
+        for (size_t y = 0; y < height; ++y)
+            storePartial(dst.row(y), kernel.next(copy(y + 2)), width);
+        return;
+    }
+    for (size_t top = 0; top < height; top += blockRows) {
+        const size_t bottom = least(top + blockRows, height);
+        for (size_t next = 0; next < width; next += step) {
+            const size_t x = least(next, width - step);     // the last column may overlap the one before it
+            const bool hasRoom = x + Bytes::lanes <= width; // for the last lane, which the next column writes
+            kernel.prime(src.row(top) + x, src.row(top + 1) + x);
+            for (size_t y = top; y < bottom; ++y) {
+                const Bytes codes = kernel.next(src.row(y + 2) + x);
+                if (hasRoom)
+                    store(dst.row(y) + x, codes);
+                else
+                    storePartial(dst.row(y) + x, codes, step);
+            }
+        }
+    }
+}
+
+// ---- any point ------------------------------------------------------------------------------------------------------
+
+// Where the pixels around a point are, relative to the centre, and their weights.
+struct Point
+{
+    ptrdiff_t offsets[4];
+    uint32_t weights[4];
+    enum class Kind : uint8_t { pixel, heavy, any } kind;
+    size_t pixel, minor; // that of all weight, or of most of it, and the only other one
+
+    RVK_INLINE Point(const CirclePoint& p, size_t stride)
+        : offsets{offset(p.x0, p.y0, stride), offset(p.x1, p.y0, stride), offset(p.x0, p.y1, stride),
+                  offset(p.x1, p.y1, stride)},
+          weights{p.w00, p.w01, p.w10, p.w11}, kind(Kind::any), pixel(0), minor(0)
+    {
+        for (size_t i = 1; i < 4; ++i)
+            if (weights[i] > weights[pixel])
+                pixel = i;
+        for (size_t i = 0; i < 4; ++i)
+            if (i != pixel && weights[i] >= weights[minor == pixel ? i : minor])
+                minor = i;
+        if (weights[pixel] == 1u << 24)
+            kind = Kind::pixel;
+        // Less than 1 of 256 parts: the other pixel decides where the heavy one equals the centre.
+        else if (weights[pixel] + weights[minor] == 1u << 24 && weights[minor] < 1u << 16)
+            kind = Kind::heavy;
+    }
+
+private:
+    RVK_INLINE static ptrdiff_t offset(int32_t x, int32_t y, size_t stride)
+    {
+        return static_cast<ptrdiff_t>(y) * static_cast<ptrdiff_t>(stride) + x;
+    }
+};
+
+// In 32 bits: the weights' upper 12 bits against the centre, and their lower 12 bits, which are carried over.
+template <class Take>
+RVK_INLINE Vec<int8_t> differenceOf(const Point& point, Bytes centre, Take take)
+{
+    const auto wide = [](Bytes v) RVK_INLINE_LAMBDA { return bitCast<int16_t>(widenInLanes(v)); };
+    const Vecs<int16_t, 2> pixels[4] = {wide(take(point.offsets[0])), wide(take(point.offsets[1])),
+                                        wide(take(point.offsets[2])), wide(take(point.offsets[3]))};
+    const auto dots = [&](size_t half, auto part) RVK_INLINE_LAMBDA {
+        const auto pair = [&](size_t i) RVK_INLINE_LAMBDA {
+            return Vecs<int16_t, 2>{pixels[i][half], pixels[i + 1][half]};
+        };
+        const auto weights = [&](size_t i) RVK_INLINE_LAMBDA {
+            return Vecs<int16_t, 2>{splat(static_cast<int16_t>(part(point.weights[i]))),
+                                    splat(static_cast<int16_t>(part(point.weights[i + 1])))};
+        };
+        return addDotInLanes(dotInLanes(pair(0), weights(0)), pair(2), weights(2));
+    };
+    const Vecs<int16_t, 2> centres = wide(centre);
+    const auto ofHalf = [&](size_t half) RVK_INLINE_LAMBDA {
+        const Vecs<int32_t, 2> low = dots(half, [](uint32_t w) RVK_INLINE_LAMBDA { return w & 4095; });
+        const Vecs<int32_t, 2> high = dots(half, [](uint32_t w) RVK_INLINE_LAMBDA { return w >> 12; });
+        const Vec<int16_t> whole = splat<int16_t>(-4096);
+        const Vecs<int32_t, 2> all = addDotInLanes(high, {centres[half], zero<int16_t>()}, {whole, whole});
+        return narrowSatInLanes<int16_t>(both(all, low, [](auto h, auto l) RVK_INLINE_LAMBDA {
+            return h + shiftRight(l + splat(static_cast<int32_t>(kBiasOfCircle)), 12);
+        }));
+    };
+    return narrowSatInLanes<int8_t>(Vecs<int16_t, 2>{ofHalf(0), ofHalf(1)});
+}
+
+template <class Take>
+RVK_INLINE Mask<uint8_t> isNotDarker(const Point& point, Bytes centre, Take take)
+{
+    switch (point.kind) {
+    case Point::Kind::pixel:
+        return ~less(take(point.offsets[point.pixel]), centre);
+    case Point::Kind::heavy: {
+        const Bytes pixel = take(point.offsets[point.pixel]), minor = take(point.offsets[point.minor]);
+        return greater(pixel, centre) | (equal(pixel, centre) & ~less(minor, centre));
+    }
+    default: {
+        const Vec<uint8_t> sign = bitCast<uint8_t>(differenceOf(point, centre, take));
+        return less(sign, splat<uint8_t>(128));
+    }
+    }
+}
+
+// A vector of codes of the pixels that take(0) gives.
+template <class Take>
+RVK_INLINE Bytes codesOf(const Point* points, size_t neighbors, Take take)
+{
+    const Bytes centre = take(0);
+    Bytes codes = zero<uint8_t>();
+    for (size_t k = 0; k < neighbors; ++k)
+        codes = codes | (toVec(isNotDarker(points[k], centre, take)) & splat(static_cast<uint8_t>(1u << k)));
+    return codes;
+}
+
+RVK_NOINLINE void codeRow(const uint8_t* centres, size_t width, const Point* points, size_t neighbors, uint8_t* dst)
+{
+    const auto whole = [&](size_t x) RVK_INLINE_LAMBDA {
+        return codesOf(points, neighbors,
+                       [=](ptrdiff_t offset) RVK_INLINE_LAMBDA { return load(centres + x + offset); });
+    };
+    if (width < Bytes::lanes) {
+        const auto take = [=](ptrdiff_t offset) RVK_INLINE_LAMBDA { return loadPartial(centres + offset, width); };
+        storePartial(dst, codesOf(points, neighbors, take), width);
+        return;
+    }
+    for (size_t x = 0; x < width; x += Bytes::lanes) {
+        x = least(x, width - Bytes::lanes);
+        store(dst + x, whole(x));
+    }
+}
+
+} // namespace
+
+rvkStatus rvkGLBPu8V(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride, uint32_t radius,
+                     uint32_t neighbors, uint8_t* dst, uint32_t dstStride)
+{
+    const Plane from{src, srcStride};
+    const Plane to{dst, dstStride};
+    const size_t width = srcWidth - 2 * radius, height = srcHeight - 2 * radius;
+    if (neighbors == 8 && radius == 1) {
+        codeEightAround(width, height, from, to);
+        return RAVIK_SUCCESS;
+    }
+    const auto pointAt = [=](uint32_t k) {
+        return Point(circlePoint(neighbors, k < neighbors ? k : 0, radius), srcStride);
+    };
+    const Point points[8] = {pointAt(0), pointAt(1), pointAt(2), pointAt(3),
+                             pointAt(4), pointAt(5), pointAt(6), pointAt(7)};
+    for (size_t y = 0; y < height; ++y)
+        codeRow(from.row(y + radius) + radius, width, points, neighbors, to.row(y));
+    return RAVIK_SUCCESS;
+}
+
+} // namespace rvk::vecta::RVK_ISA
