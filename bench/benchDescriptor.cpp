@@ -24,7 +24,7 @@ const T* const* listOf(const Picture& p, uint32_t length)
 
 void compareFours(const Picture& p)
 {
-    const s8* const v = p.in<s8>();
+    const s8* v = p.in<s8>();
     for (uint32_t i = 0; i < p.width; i += 4, v += 4 * 36)
         rvkSumOfSquaredDiffs36x4s8(p.in<s8>(), 0.5f, v, v + 36, v + 72, v + 108, p.in<f32>() + i, p.out<f32>() + i);
 }
