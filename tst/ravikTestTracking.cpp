@@ -87,8 +87,10 @@ uint32_t track(uint32_t (*function)(const T*, uint32_t, uint32_t, uint32_t, rvkR
 
 const FunctionGroup& blockMatchingFunctions()
 {
-    const Argument vectors = list(120 * 70); // of a picture of 1920x1080
-    const Argument frame = src.natural(), shiftSize = oneOf({16, 20, 37}).refusing({0});
+    // The lists have room for a picture of 1920x1080. Smaller shifts find more, larger searches take long.
+    Argument shiftSize = oneOf({16, 20, 37}).refusing({0});
+    shiftSize.isCapacity = true;
+    const Argument vectors = list(120 * 70), frame = src.natural(), search = capacity(0, 12);
     const Argument searchStep = oneOf({4, 1, 2}).refusing({0});
 
     static const FunctionGroup group{
@@ -98,8 +100,7 @@ const FunctionGroup& blockMatchingFunctions()
         {
             RVK_TEST_ADAPTED("rvkTrackBMOpticalFlow16x16u8", rvkTrackBMOpticalFlow16x16u8, trackBlocks, frame, frame,
                              width, height, stride, left, top, rectangleWidth.atLeast(16), rectangleHeight.atLeast(16),
-                             shiftSize, between(0, 12), between(0, 12), searchStep, any, value, vectors, vectors,
-                             vectors, vectors)
+                             shiftSize, search, search, searchStep, any, value, vectors, vectors, vectors, vectors)
                 .keeps(Contract().atLeast(16, 16)),
         }};
     return group;
