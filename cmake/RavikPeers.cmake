@@ -11,6 +11,14 @@ if(OPENCV_INCLUDE AND OPENCV_CORE AND OPENCV_IMGPROC)
     add_library(ravikOpenCv INTERFACE)
     target_include_directories(ravikOpenCv SYSTEM INTERFACE ${OPENCV_INCLUDE})
     target_link_libraries(ravikOpenCv INTERFACE ${OPENCV_IMGPROC} ${OPENCV_CORE})
+
+    # And its detectors: target ravikOpenCvFeatures.
+    find_path(OPENCV_FEATURES2D_INCLUDE opencv2/features2d.hpp PATH_SUFFIXES opencv4)
+    find_library(OPENCV_FEATURES2D opencv_features2d)
+    if(OPENCV_FEATURES2D_INCLUDE AND OPENCV_FEATURES2D)
+        add_library(ravikOpenCvFeatures INTERFACE)
+        target_link_libraries(ravikOpenCvFeatures INTERFACE ${OPENCV_FEATURES2D} ravikOpenCv)
+    endif()
 endif()
 
 find_path(LIBYUV_INCLUDE libyuv.h)

@@ -149,6 +149,21 @@ void irvkHoughAccumulateAreaC(const uint32_t* pixels, uint32_t nPixels, int32_t 
 // The dot product of n elements modulo 2^32.
 int32_t irvkDotProductNC(const int8_t* a, const int8_t* b, uint32_t n);
 
+// MSER. The cells of a picture (cpu/ravikMserC.h) and how many there are of each grey value. Plus takes 255 - src for
+// bright regions, minus src for dark ones. The cells for 4 and for 8 neighbours are the same.
+void irvkMserPreprocessPlusNN4C(const uint8_t* src, uint32_t width, uint32_t height, uint32_t stride, uint16_t* cells,
+                                uint32_t* histogram);
+void irvkMserPreprocessMinusNN4C(const uint8_t* src, uint32_t width, uint32_t height, uint32_t stride, uint16_t* cells,
+                                 uint32_t* histogram);
+void irvkMserPreprocessPlusNN8C(const uint8_t* src, uint32_t width, uint32_t height, uint32_t stride, uint16_t* cells,
+                                uint32_t* histogram);
+void irvkMserPreprocessMinusNN8C(const uint8_t* src, uint32_t width, uint32_t height, uint32_t stride, uint16_t* cells,
+                                 uint32_t* histogram);
+// The bounds of lists of pixels, one list behind the other, each with one pixel at least, and the least place of each.
+// A place is a cell's number; rows have `pitch` cells.
+void irvkMserBoundingBoxesC(const uint32_t* places, const uint32_t* counts, uint32_t nLists, uint32_t pitch,
+                            rvkRectangle* boxes, uint32_t* firsts);
+
 template <auto slot>
 struct SignatureOf; // Type: pointer to the functions that fill the slot's row; absent while the row has no reference
 

@@ -2,6 +2,8 @@
 // offer the two separately. They check nothing; offload.h has the two that exist for the DSP.
 #pragma once
 
+#include <ravik/mser.h>
+
 #include <cstdint>
 
 namespace rvk {
@@ -16,5 +18,13 @@ uint32_t irvkSumOfAbsoluteDiff16x16u8(const uint8_t* src1, uint32_t src1Stride, 
                                       uint32_t src2Stride);
 void irvkSumOfAbsoluteDiffs16x16u8(const uint8_t* patch, const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight,
                                    uint32_t srcStride, uint16_t* dst, uint32_t dstStride);
+
+// rvkMserSplitExtu8, without strides of 0, on the calling thread alone.
+uint32_t irvkMserSplitExtu8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
+                            uint32_t delta, uint32_t minArea, uint32_t maxArea, float maxVariation, float minDiversity,
+                            rvkMserRegion* brightRegions, uint32_t nBrightRegionsMax, uint32_t* nBrightRegions,
+                            uint32_t* brightPixels, uint32_t nBrightPixelsMax, rvkMserRegion* darkRegions,
+                            uint32_t nDarkRegionsMax, uint32_t* nDarkRegions, uint32_t* darkPixels,
+                            uint32_t nDarkPixelsMax);
 
 } // namespace rvk

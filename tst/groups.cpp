@@ -58,6 +58,7 @@ std::span<const TestGroup> testGroups()
         {"SMOOTH", 6, RAVIK_TEST_SMOOTH_Test, smoothFunctions},
         {"ARITHM", 6, RAVIK_TEST_ARITHM_Test, arithmeticFunctions},
         {"HARRIS", 6, RAVIK_TEST_HARRIS_Test, harrisFunctions},
+        {"MSER", 4, RAVIK_TEST_Mser, mserFunctions},
     };
     return groups;
 }

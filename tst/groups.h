@@ -79,6 +79,7 @@ const FunctionGroup& harrisFunctions();
 const FunctionGroup& cornerSubPixFunctions();
 const FunctionGroup& houghLineFunctions();
 const FunctionGroup& houghCircleFunctions();
+const FunctionGroup& mserFunctions();
 
 template <const FunctionGroup& (*functions)()>
 int testFunctions(int loops, const char* dataDirectory)
@@ -136,3 +137,4 @@ inline constexpr auto RAVIK_TEST_HARRIS_Test = testFunctions<harrisFunctions>;
 inline constexpr auto RAVIK_TEST_CORNERSUBPIX_Test = testFunctions<cornerSubPixFunctions>;
 inline constexpr auto RAVIK_TEST_HoughLine_Test = testFunctions<houghLineFunctions>;
 inline constexpr auto RAVIK_TEST_HoughCircle_Test = testFunctions<houghCircleFunctions>;
+inline constexpr auto RAVIK_TEST_Mser = testFunctions<mserFunctions>;

@@ -33,6 +33,7 @@
 #include "minmax.h"
 #include "moments.h"
 #include "morphology.h"
+#include "mser.h"
 #include "pyramid.h"
 #include "region.h"
 #include "sad.h"

@@ -3,6 +3,7 @@
 
 #include "memory.h"
 
+#include <atomic>
 #include <cstdlib>
 
 namespace test {
@@ -29,7 +30,7 @@ public:
     bool allIsReleased() const { return s_live == 0; }
 
 private:
-    inline static int s_left, s_live;
+    inline static std::atomic<int> s_left, s_live; // functions may have threads
     rvk::SystemAllocator m_system;
 };
 

@@ -1,0 +1,864 @@
+// Maximally stable extremal regions. A pass floods the picture and makes the tree of its regions, selects some of them
+// and lists these. All of it follows pointers and branches on what it finds, so the vector implementations are of the
+// kernels that prepare and measure.
+#include "cpu/ravikMserC.h"
+
+#include "cpu/image.h"
+#include "functions.h"
+#include "kernels.h"
+#include "scratch.h"
+
+#include <bit>
+#include <pthread.h>
+
+namespace rvk {
+
+// ---- kernels -------------------------------------------------------------------------------------------------------
+
+namespace {
+
+template <class GreyOf>
+void prepareCells(const uint8_t* src, uint32_t width, uint32_t height, uint32_t stride, uint16_t* cells,
+                  uint32_t* histogram, GreyOf greyOf)
+{
+    const Plane<const uint8_t> image = {src, stride};
+    std::fill_n(cells, static_cast<size_t>(mserCells(width, height)), kMserSeen);
+    std::fill_n(histogram, 256, 0u);
+    for (size_t y = 0; y < height; ++y)
+        for (size_t x = 0; x < width; ++x) {
+            const uint8_t grey = greyOf(image.row(y)[x]);
+            cells[(y + 1) * mserPitch(width) + x + 1] = grey;
+            ++histogram[grey];
+        }
+}
+
+uint8_t inverted(uint8_t value)
+{
+    return static_cast<uint8_t>(255 - value);
+}
+
+uint8_t unchanged(uint8_t value)
+{
+    return value;
+}
+
+} // namespace
+
+void irvkMserPreprocessPlusNN4C(const uint8_t* src, uint32_t width, uint32_t height, uint32_t stride, uint16_t* cells,
+                                uint32_t* histogram)
+{
+    prepareCells(src, width, height, stride, cells, histogram, inverted);
+}
+
+void irvkMserPreprocessMinusNN4C(const uint8_t* src, uint32_t width, uint32_t height, uint32_t stride, uint16_t* cells,
+                                 uint32_t* histogram)
+{
+    prepareCells(src, width, height, stride, cells, histogram, unchanged);
+}
+
+void irvkMserPreprocessPlusNN8C(const uint8_t* src, uint32_t width, uint32_t height, uint32_t stride, uint16_t* cells,
+                                uint32_t* histogram)
+{
+    prepareCells(src, width, height, stride, cells, histogram, inverted);
+}
+
+void irvkMserPreprocessMinusNN8C(const uint8_t* src, uint32_t width, uint32_t height, uint32_t stride, uint16_t* cells,
+                                 uint32_t* histogram)
+{
+    prepareCells(src, width, height, stride, cells, histogram, unchanged);
+}
+
+void irvkMserBoundingBoxesC(const uint32_t* places, const uint32_t* counts, uint32_t nLists, uint32_t pitch,
+                            rvkRectangle* boxes, uint32_t* firsts)
+{
+    for (size_t i = 0; i < nLists; ++i) {
+        uint32_t first = UINT32_MAX, last = 0, left = UINT32_MAX, right = 0;
+        for (const uint32_t* const end = places + counts[i]; places < end; ++places) {
+            const uint32_t column = *places % pitch;
+            first = std::min(first, *places);
+            last = std::max(last, *places);
+            left = std::min(left, column);
+            right = std::max(right, column);
+        }
+        const uint32_t top = first / pitch, bottom = last / pitch;
+        boxes[i] = {static_cast<int32_t>(left - 1), static_cast<int32_t>(top - 1),
+                    static_cast<int32_t>(right - left + 1), static_cast<int32_t>(bottom - top + 1)};
+        firsts[i] = first;
+    }
+}
+
+namespace {
+
+// ---- flooding ------------------------------------------------------------------------------------------------------
+
+// A region. Its pixels are the places that the flood left from number `begin` to `end` - 1.
+struct Node
+{
+    uint32_t begin, end, level;
+
+    uint32_t area() const { return end - begin; }
+};
+
+// Working memory of a pass, in one block.
+struct Workspace
+{
+    static constexpr uint64_t kAlignment = 64;
+
+    uint16_t* cells;
+    uint32_t* words; // as many as cells; first the flood's shore
+    uint32_t* order; // the places of all pixels in the order in which the flood left them
+    Node* nodes;     // the regions, each after those in it
+
+    // Calls visit(bytes) for each of the four.
+    template <class Visit>
+    static void forEachPart(uint32_t width, uint32_t height, Visit visit)
+    {
+        const uint64_t cells = mserCells(width, height), pixels = uint64_t{width} * height;
+        for (const uint64_t bytes :
+             {cells * sizeof(uint16_t), cells * sizeof(uint32_t), pixels * sizeof(uint32_t), pixels * sizeof(Node)})
+            visit((bytes + kAlignment - 1) / kAlignment * kAlignment);
+    }
+    Workspace(uint8_t* memory, uint32_t width, uint32_t height)
+    {
+        uint8_t *parts[4], **next = parts;
+        forEachPart(width, height, [&](uint64_t bytes) {
+            *next++ = memory;
+            memory += bytes;
+        });
+        cells = reinterpret_cast<uint16_t*>(parts[0]);
+        words = reinterpret_cast<uint32_t*>(parts[1]);
+        order = reinterpret_cast<uint32_t*>(parts[2]);
+        nodes = reinterpret_cast<Node*>(parts[3]);
+    }
+};
+
+// Floods the picture from its first pixel: always on the lowest level that it can reach, so that a region is left when
+// all its pixels are. Returns the number of nodes. Regions of less than minArea pixels that lie in others such are no
+// nodes: nobody will ask for them.
+//
+// The shore, the pixels that the flood has reached and not left, is a stack for each level. No pixel is there twice, so
+// the histogram tells how many a level has at most. What is new around a pixel cannot be foreseen: it is collected in
+// bits without a branch.
+template <uint32_t neighbours>
+uint32_t flood(const Workspace& work, uint32_t pitch, const uint32_t (&histogram)[256], uint32_t minArea)
+{
+    // Of regions that the flood has not left, each in the one before it.
+    struct Open
+    {
+        uint32_t level, begin, firstNode;
+    } open[256];
+    constexpr uint32_t kLevels = 256; // and one above them that always has pixels
+    uint32_t begin[kLevels + 1], end[kLevels + 1], nextLevel[kLevels];
+    uint32_t room = 0;
+    for (uint32_t level = 0; level < kLevels; ++level) {
+        begin[level] = end[level] = room;
+        room += histogram[level];
+    }
+    begin[kLevels] = 0;
+    end[kLevels] = 1;
+    for (uint32_t level = kLevels, next = kLevels; level-- > 0;) {
+        nextLevel[level] = next;
+        next = histogram[level] ? level : next;
+    }
+
+    uint16_t* const cells = work.cells;
+    uint32_t *const shore = work.words, *const order = work.order;
+    const ptrdiff_t row = static_cast<ptrdiff_t>(pitch);
+    const ptrdiff_t all8[8] = {-row - 1, -row + 1, row - 1, row + 1, -row, row, -1, 1};
+    const ptrdiff_t* const distances = all8 + (8 - neighbours); // the last one is where the flood goes first
+    uint32_t left = 0, nodes = 0, place = pitch + 1, level = cells[place];
+    cells[place] |= kMserSeen;
+    Open* top = open;
+    *top = {level, 0, 0};
+    for (;;) {
+        uint16_t* const cell = cells + place;
+        uint32_t lowest = UINT32_MAX, seen = 0;
+#pragma GCC unroll 8
+        for (uint32_t i = 0; i < neighbours; ++i) {
+            const uint32_t grey = cell[distances[i]]; // above all levels where the flood has been
+            lowest = std::min(lowest, grey);
+            seen |= (grey & kMserSeen) << i;
+        }
+        if (lowest < level) {
+            shore[end[level]++] = place;
+            level = lowest;
+            uint32_t i = 0;
+            while (cell[distances[i]] != lowest)
+                ++i;
+            cell[distances[i]] |= kMserSeen;
+            place += static_cast<uint32_t>(distances[i]);
+            *++top = {level, left, nodes};
+            continue;
+        }
+        constexpr uint32_t all = (1u << neighbours) - 1;
+        uint32_t next = 0; // on this level, the last one pushed
+        for (uint32_t fresh = seen / kMserSeen ^ all; fresh; fresh &= fresh - 1) {
+            const ptrdiff_t distance = distances[std::countr_zero(fresh)];
+            const uint32_t grey = cell[distance], neighbour = place + static_cast<uint32_t>(distance);
+            cell[distance] = static_cast<uint16_t>(grey | kMserSeen);
+            shore[end[grey]++] = neighbour;
+            next = grey == level ? neighbour : next;
+        }
+        order[left++] = place;
+        if (next != 0) { // popped without waiting for what has just been stored
+            --end[level];
+            place = next;
+            continue;
+        }
+        if (end[level] == begin[level]) {
+            do
+                level = nextLevel[level];
+            while (end[level] == begin[level]);
+            if (left - top->begin < minArea)
+                nodes = top->firstNode;
+            work.nodes[nodes++] = {top->begin, left, top->level};
+            if (level == kLevels)
+                return nodes;
+            if (top > open && top[-1].level == level)
+                --top; // a pixel of the region around waits there
+            else
+                top->level = level;
+        }
+        place = shore[--end[level]];
+    }
+}
+
+// ---- selection -----------------------------------------------------------------------------------------------------
+
+// The regions around a node, the largest first, while the nodes are taken from the last to the first: each comes after
+// those around it. Their levels differ, so there are no more than 256.
+template <class T>
+class Path
+{
+public:
+    void leaveWhatEndsBefore(const Node& node)
+    {
+        while (m_size > 0 && m_nodes[m_size - 1].node.begin > node.begin)
+            --m_size;
+    }
+    void enter(const Node& node, const T& value) { m_nodes[m_size++] = {node, value}; }
+    bool isEmpty() const { return m_size == 0; }
+    const Node& node() const { return m_nodes[m_size - 1].node; }
+    const T& value() const { return m_nodes[m_size - 1].value; }
+    // The area of the largest one on a level of at most `level`, or of the node itself.
+    uint32_t areaAt(uint32_t level, const Node& node) const
+    {
+        const auto* const found =
+            std::partition_point(m_nodes, m_nodes + m_size, [=](const Entry& e) { return e.node.level > level; });
+        return found == m_nodes + m_size ? node.area() : found->node.area();
+    }
+
+private:
+    struct Entry
+    {
+        Node node;
+        T value;
+    } m_nodes[256];
+    size_t m_size = 0;
+};
+
+// A region that is kept.
+struct Kept
+{
+    Node node;
+    uint32_t grown;  // the area delta levels higher
+    uint32_t parent; // the kept region around it, kNone
+    uint32_t first;  // the least place
+    uint32_t rank;   // its place in the list
+    rvkRectangle bounds;
+
+    static constexpr uint32_t kNone = UINT32_MAX;
+};
+
+// Whether each of the nodes is stable, and its area delta levels higher.
+void findStable(const Node* nodes, uint32_t count, uint32_t delta, uint8_t* isStable, uint32_t* grown)
+{
+    Path<uint32_t> around; // by their numbers
+    for (uint32_t i = count; i-- > 0;) {
+        const Node& node = nodes[i];
+        around.leaveWhatEndsBefore(node);
+        grown[i] = around.areaAt(std::min(node.level + delta, 255u), node);
+        isStable[i] = 1;
+        if (!around.isEmpty()) {
+            const uint32_t parent = around.value();
+            const bool variesMore = uint64_t{grown[i]} * nodes[parent].area() > uint64_t{grown[parent]} * node.area();
+            isStable[variesMore ? i : parent] = 0;
+        }
+        around.enter(node, i);
+    }
+}
+
+// Leaves the flags of those that are kept, and returns their number.
+uint32_t select(const Node* nodes, uint32_t count, const MserParameters& parameters, uint8_t* isKept,
+                const uint32_t* grown)
+{
+    uint32_t kept = 0;
+    Path<char> around;
+    for (uint32_t i = count; i-- > 0;) {
+        if (!isKept[i])
+            continue;
+        const Node& node = nodes[i];
+        const double area = node.area(), growth = grown[i] - node.area();
+        around.leaveWhatEndsBefore(node);
+        const double areaAround = around.isEmpty() ? 0 : around.node().area();
+        isKept[i] = node.area() >= parameters.minArea && node.area() <= parameters.maxArea &&
+                    growth <= double{parameters.maxVariation} * area &&
+                    (around.isEmpty() || areaAround - area >= double{parameters.minDiversity} * areaAround);
+        if (!isKept[i])
+            continue;
+        around.enter(node, 0);
+        ++kept;
+    }
+    return kept;
+}
+
+// Each after those around it.
+void listKept(const Node* nodes, uint32_t count, const uint8_t* isKept, const uint32_t* grown, Kept* list)
+{
+    uint32_t kept = 0;
+    Path<uint32_t> around;
+    for (uint32_t i = count; i-- > 0;) {
+        if (!isKept[i])
+            continue;
+        around.leaveWhatEndsBefore(nodes[i]);
+        list[kept] = {nodes[i], grown[i], around.isEmpty() ? Kept::kNone : around.value(), UINT32_MAX, 0, {}};
+        around.enter(nodes[i], kept);
+        ++kept;
+    }
+}
+
+// ---- pieces --------------------------------------------------------------------------------------------------------
+
+// The pixels in their order, cut where kept regions begin and end. Each piece belongs to the innermost one around it.
+struct Pieces
+{
+    // From the last piece to the first.
+    uint32_t *counts, *owners, *firsts;
+    rvkRectangle* boxes;
+    uint32_t count = 0;
+
+    static uint64_t most(uint32_t kept) { return uint64_t{kept} * 2 + 1; }
+
+    void cut(const Kept* list, uint32_t kept, uint32_t pixels)
+    {
+        uint32_t end = pixels, owner = Kept::kNone;
+        const auto cutAt = [&](uint32_t begin) {
+            if (begin == end)
+                return;
+            counts[count] = end - begin;
+            owners[count] = owner;
+            ++count;
+            end = begin;
+        };
+        const auto leave = [&] {
+            cutAt(list[owner].node.begin);
+            owner = list[owner].parent;
+        };
+        for (uint32_t i = 0; i < kept; ++i) {
+            while (owner != list[i].parent)
+                leave();
+            cutAt(list[i].node.end);
+            owner = i;
+        }
+        while (owner != Kept::kNone)
+            leave();
+        cutAt(0);
+        std::reverse(counts, counts + count);
+        std::reverse(owners, owners + count);
+    }
+
+    // Calls visit(owner, its places, their number) for each piece that has an owner.
+    template <class Visit>
+    void forEach(const uint32_t* order, Visit visit) const
+    {
+        for (uint32_t i = 0; i < count; order += counts[i], ++i)
+            if (owners[i] != Kept::kNone)
+                visit(owners[i], order, counts[i]);
+    }
+};
+
+void unite(rvkRectangle& box, const rvkRectangle& other)
+{
+    if (box.width == 0) {
+        box = other;
+        return;
+    }
+    const int32_t right = std::max(box.x + box.width, other.x + other.width);
+    const int32_t bottom = std::max(box.y + box.height, other.y + other.height);
+    box.x = std::min(box.x, other.x);
+    box.y = std::min(box.y, other.y);
+    box.width = right - box.x;
+    box.height = bottom - box.y;
+}
+
+void measure(Kept* list, uint32_t kept, const Pieces& pieces, const uint32_t* order, uint32_t pitch)
+{
+    kernel<Kernel::irvkMserBoundingBoxes>()(order, pieces.counts, pieces.count, pitch, pieces.boxes, pieces.firsts);
+    const auto add = [&](uint32_t owner, uint32_t first, const rvkRectangle& box) {
+        list[owner].first = std::min(list[owner].first, first);
+        unite(list[owner].bounds, box);
+    };
+    for (uint32_t i = 0; i < pieces.count; ++i)
+        if (pieces.owners[i] != Kept::kNone)
+            add(pieces.owners[i], pieces.firsts[i], pieces.boxes[i]);
+    for (uint32_t i = kept; i-- > 0;)
+        if (list[i].parent != Kept::kNone)
+            add(list[i].parent, list[i].first, list[i].bounds);
+}
+
+// ---- a pass --------------------------------------------------------------------------------------------------------
+
+struct Picture
+{
+    const uint8_t* src;
+    uint32_t width, height, stride;
+};
+
+// Where regions go: either bounds and areas or all of it; pixels may be null.
+struct Output
+{
+    rvkRectangle* bounds;
+    uint32_t* areas;
+    rvkMserRegion* regions;
+    uint32_t capacity;
+    uint32_t* count;
+    uint32_t* pixels;
+    uint32_t pixelCapacity;
+};
+
+// What is in an output.
+struct Filled
+{
+    uint32_t regions = 0, pixels = 0;
+    bool isFull = false; // there was one that did not fit
+};
+
+// Scratch memory that is taken later than its owner is made.
+template <class T>
+class LateScratch
+{
+public:
+    LateScratch() = default;
+    ~LateScratch() { releaseScratch(m_data); }
+    LateScratch(const LateScratch&) = delete;
+    LateScratch& operator=(const LateScratch&) = delete;
+
+    bool take(uint64_t count)
+    {
+        m_data = static_cast<T*>(getScratchRows(count, 1, sizeof(T)));
+        return m_data != nullptr;
+    }
+    T* get() const { return m_data; }
+    T& operator[](size_t i) const { return m_data[i]; }
+
+private:
+    T* m_data = nullptr;
+};
+
+enum class Polarity { dark, bright };
+
+// One pass. Its memory is taken and released by the thread that makes and destroys it.
+class Pass
+{
+public:
+    // `memory` is its workspace; null takes scratch memory.
+    Pass(Polarity polarity, const Picture& picture, const MserParameters& parameters, uint32_t connectivity,
+         uint8_t* memory)
+        : m_polarity(polarity), m_picture(picture), m_parameters(parameters), m_connectivity(connectivity),
+          m_memory(memory)
+    {
+    }
+
+    // False when there is no memory.
+    bool run()
+    {
+        if (!m_memory) {
+            if (!m_ownMemory.take(mserWorkspaceSize(m_picture.width, m_picture.height)))
+                return false;
+            m_memory = m_ownMemory.get();
+        }
+        const Workspace work(m_memory, m_picture.width, m_picture.height);
+        const uint32_t pitch = mserPitch(m_picture.width);
+        uint32_t histogram[256];
+        prepare(work.cells, histogram);
+        const uint32_t nodes = m_connectivity == 8 ? flood<8>(work, pitch, histogram, m_parameters.minArea)
+                                                   : flood<4>(work, pitch, histogram, m_parameters.minArea);
+        // The flood is over, and its memory free for what is known of the nodes.
+        auto* const flags = reinterpret_cast<uint8_t*>(work.cells);
+        uint32_t* const grown = work.words;
+        findStable(work.nodes, nodes, m_parameters.delta, flags, grown);
+        m_kept = select(work.nodes, nodes, m_parameters, flags, grown);
+        if (!m_list.take(uint64_t{m_kept} + 1) || !m_ranked.take(uint64_t{m_kept} + 1) || !takePieces()) {
+            m_kept = 0;
+            return false;
+        }
+        listKept(work.nodes, nodes, flags, grown, m_list.get());
+        m_pieces.cut(m_list.get(), m_kept, m_picture.width * m_picture.height);
+        measure(m_list.get(), m_kept, m_pieces, work.order, pitch);
+        rank();
+        return true;
+    }
+
+    // What will be in the output, of which so much is taken.
+    Filled fit(const Output& output, Filled filled) const
+    {
+        for (uint32_t i = 0; i < m_kept && !filled.isFull; ++i) {
+            const uint32_t area = m_list[m_ranked[i]].node.area();
+            filled.isFull =
+                filled.regions == output.capacity || (output.pixels && area > output.pixelCapacity - filled.pixels);
+            if (filled.isFull)
+                break;
+            filled.regions++;
+            filled.pixels += output.pixels ? area : 0;
+        }
+        return filled;
+    }
+
+    // Fills the output behind what is there.
+    void put(const Output& output, Filled before) const
+    {
+        const uint32_t count = fit(output, before).regions - before.regions;
+        for (uint32_t i = 0; i < count; ++i) {
+            const Kept& kept = m_list[m_ranked[i]];
+            const size_t index = size_t{before.regions} + i;
+            if (output.regions)
+                output.regions[index] = record(kept, before.regions);
+            else {
+                output.bounds[index] = kept.bounds;
+                output.areas[index] = kept.node.area();
+            }
+        }
+        if (output.pixels)
+            putPixels(output.pixels + size_t{2} * before.pixels, count);
+    }
+
+private:
+    Polarity m_polarity;
+    Picture m_picture;
+    MserParameters m_parameters;
+    uint32_t m_connectivity;
+    uint8_t* m_memory;
+    LateScratch<uint8_t> m_ownMemory;
+    uint32_t m_kept = 0;
+    LateScratch<Kept> m_list;
+    LateScratch<uint32_t> m_ranked; // their numbers, in the order of the output
+    LateScratch<uint32_t> m_pieceWords;
+    LateScratch<rvkRectangle> m_pieceBoxes;
+    Pieces m_pieces = {};
+
+    void prepare(uint16_t* cells, uint32_t (&histogram)[256]) const
+    {
+        const bool isBright = m_polarity == Polarity::bright;
+        const auto prepareNN4 =
+            isBright ? kernel<Kernel::irvkMserPreprocessPlusNN4>() : kernel<Kernel::irvkMserPreprocessMinusNN4>();
+        const auto prepareNN8 =
+            isBright ? kernel<Kernel::irvkMserPreprocessPlusNN8>() : kernel<Kernel::irvkMserPreprocessMinusNN8>();
+        (m_connectivity == 8 ? prepareNN8 : prepareNN4)(m_picture.src, m_picture.width, m_picture.height,
+                                                        m_picture.stride, cells, histogram);
+    }
+
+    bool takePieces()
+    {
+        const uint64_t most = Pieces::most(m_kept);
+        if (!m_pieceWords.take(3 * most) || !m_pieceBoxes.take(most))
+            return false;
+        m_pieces = {m_pieceWords.get(), m_pieceWords.get() + most, m_pieceWords.get() + 2 * most, m_pieceBoxes.get()};
+        return true;
+    }
+
+    void rank() const
+    {
+        for (uint32_t i = 0; i < m_kept; ++i)
+            m_ranked[i] = i;
+        std::sort(m_ranked.get(), m_ranked.get() + m_kept, [this](uint32_t a, uint32_t b) {
+            const Kept &first = m_list[a], &second = m_list[b];
+            return first.node.level != second.node.level ? first.node.level > second.node.level
+                                                         : first.first < second.first;
+        });
+        for (uint32_t i = 0; i < m_kept; ++i)
+            m_list[m_ranked[i]].rank = i;
+    }
+
+    rvkMserRegion record(const Kept& kept, uint32_t before) const
+    {
+        const uint32_t area = kept.node.area();
+        const bool isBright = m_polarity == Polarity::bright;
+        return {kept.bounds,
+                area,
+                isBright ? 1 : -1,
+                isBright ? 255 - kept.node.level : kept.node.level,
+                static_cast<float>(double{1} * (kept.grown - area) / area),
+                kept.parent == Kept::kNone ? -1 : static_cast<int32_t>(before + m_list[kept.parent].rank)};
+    }
+
+    // The pixels of the first `count` regions.
+    void putPixels(uint32_t* pixels, uint32_t count) const
+    {
+        const Workspace work(m_memory, m_picture.width, m_picture.height);
+        const uint32_t pitch = mserPitch(m_picture.width);
+        uint32_t* const innermost = work.words; // by place: the innermost of these regions
+        std::fill_n(innermost, static_cast<size_t>(mserCells(m_picture.width, m_picture.height)), Kept::kNone);
+        m_pieces.forEach(work.order, [&](uint32_t owner, const uint32_t* places, uint32_t n) {
+            while (owner != Kept::kNone && m_list[owner].rank >= count)
+                owner = m_list[owner].parent;
+            for (uint32_t i = 0; i < n; ++i)
+                innermost[places[i]] = owner;
+        });
+        // By number of the region: where its next pixel goes.
+        uint32_t* const next = work.order;
+        uint32_t used = 0;
+        for (uint32_t i = 0; i < count; ++i) {
+            next[m_ranked[i]] = used;
+            used += m_list[m_ranked[i]].node.area();
+        }
+        for (uint32_t y = 0; y < m_picture.height; ++y)
+            for (uint32_t x = 0; x < m_picture.width; ++x)
+                for (uint32_t i = innermost[(size_t{y} + 1) * pitch + x + 1]; i != Kept::kNone; i = m_list[i].parent) {
+                    uint32_t* const pixel = pixels + size_t{2} * next[i]++;
+                    pixel[0] = x;
+                    pixel[1] = y;
+                }
+    }
+};
+
+// ---- both passes ---------------------------------------------------------------------------------------------------
+
+// Two threads that tell each other what they found, and wait for the other's.
+class Meeting
+{
+public:
+    struct Report
+    {
+        bool hasMemory;
+        Filled filled;
+    };
+
+    // Gives the report of the other one.
+    Report exchange(size_t mine, const Report& report)
+    {
+        pthread_mutex_lock(&m_mutex);
+        m_reports[mine] = report;
+        m_hasCome[mine] = true;
+        pthread_cond_signal(&m_condition);
+        while (!m_hasCome[1 - mine])
+            pthread_cond_wait(&m_condition, &m_mutex);
+        const Report other = m_reports[1 - mine];
+        pthread_mutex_unlock(&m_mutex);
+        return other;
+    }
+
+private:
+    pthread_mutex_t m_mutex = PTHREAD_MUTEX_INITIALIZER;
+    pthread_cond_t m_condition = PTHREAD_COND_INITIALIZER;
+    Report m_reports[2] = {};
+    bool m_hasCome[2] = {};
+};
+
+// A call of both passes. `output` of dark regions is that of the bright ones, behind them, or another.
+struct Extraction
+{
+    Picture picture;
+    MserParameters parameters;
+    uint32_t connectivity;
+    uint8_t* memory; // two workspaces, or null
+    Output bright, dark;
+    bool isSplit;
+    // Between the threads.
+    Meeting meeting{};
+    Filled afterDark{};
+
+    uint8_t* memoryOf(Polarity polarity) const
+    {
+        const uint64_t size = mserWorkspaceSize(picture.width, picture.height);
+        return memory && polarity == Polarity::dark ? memory + size : memory;
+    }
+    Pass makePass(Polarity polarity) const { return {polarity, picture, parameters, connectivity, memoryOf(polarity)}; }
+    // What is in the output for dark regions before they come.
+    Filled beforeDark(const Filled& afterBright) const { return isSplit ? Filled{} : afterBright; }
+    // Where both have one output, what is in it at the end counts.
+    void setCounts(const Filled& afterBright, const Filled& atEnd) const
+    {
+        *bright.count = afterBright.regions;
+        *dark.count = atEnd.regions;
+    }
+
+    bool runOnOneThread() const
+    {
+        Pass brightPass = makePass(Polarity::bright), darkPass = makePass(Polarity::dark);
+        if (!brightPass.run() || !darkPass.run())
+            return false;
+        const Filled afterBright = brightPass.fit(bright, {}), before = beforeDark(afterBright);
+        brightPass.put(bright, {});
+        darkPass.put(dark, before);
+        setCounts(afterBright, darkPass.fit(dark, before));
+        return true;
+    }
+
+    bool run()
+    {
+        pthread_t thread;
+        if (pthread_create(&thread, nullptr, runDark, this) != 0)
+            return runOnOneThread();
+        Pass pass = makePass(Polarity::bright);
+        const bool hasMemory = pass.run();
+        const Filled filled = pass.fit(bright, {});
+        const bool bothHave = meeting.exchange(0, {hasMemory, filled}).hasMemory && hasMemory;
+        if (bothHave)
+            pass.put(bright, {});
+        pthread_join(thread, nullptr);
+        if (bothHave)
+            setCounts(filled, afterDark);
+        return bothHave;
+    }
+
+    static void* runDark(void* extraction)
+    {
+        Extraction& self = *static_cast<Extraction*>(extraction);
+        Pass pass = self.makePass(Polarity::dark);
+        const bool hasMemory = pass.run();
+        const Meeting::Report other = self.meeting.exchange(1, {hasMemory, {}});
+        if (!hasMemory || !other.hasMemory)
+            return nullptr;
+        const Filled before = self.beforeDark(other.filled);
+        pass.put(self.dark, before);
+        self.afterDark = pass.fit(self.dark, before);
+        return nullptr;
+    }
+};
+
+Extraction extraction(const Picture& picture, const MserParameters& parameters, uint32_t connectivity, uint8_t* memory,
+                      const Output& output)
+{
+    return {picture, parameters, connectivity, memory, output, output, false, {}, {}};
+}
+
+} // namespace
+
+uint64_t mserWorkspaceSize(uint32_t width, uint32_t height)
+{
+    uint64_t size = 0;
+    Workspace::forEachPart(width, height, [&](uint64_t bytes) { size += bytes; });
+    return size;
+}
+
+// ---- functions -----------------------------------------------------------------------------------------------------
+
+uint32_t rvkMseru8C(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t delta, uint32_t minArea,
+                    uint32_t maxArea, float maxVariation, float minDiversity, rvkRectangle* bounds, uint32_t* areas,
+                    uint32_t nRegionsMax, uint32_t* nRegions, uint32_t* pixels, uint32_t nPixelsMax)
+{
+    return rvkMseru8_v2C(src, srcWidth, srcHeight, srcWidth, delta, minArea, maxArea, maxVariation, minDiversity,
+                         bounds, areas, nRegionsMax, nRegions, pixels, nPixelsMax);
+}
+
+uint32_t rvkMserExtu8C(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t delta, uint32_t minArea,
+                       uint32_t maxArea, float maxVariation, float minDiversity, rvkMserRegion* regions,
+                       uint32_t nRegionsMax, uint32_t* nRegions, uint32_t* pixels, uint32_t nPixelsMax)
+{
+    return rvkMserExtu8_v2C(src, srcWidth, srcHeight, srcWidth, delta, minArea, maxArea, maxVariation, minDiversity,
+                            regions, nRegionsMax, nRegions, pixels, nPixelsMax);
+}
+
+uint32_t rvkMseru8_v2C(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride, uint32_t delta,
+                       uint32_t minArea, uint32_t maxArea, float maxVariation, float minDiversity, rvkRectangle* bounds,
+                       uint32_t* areas, uint32_t nRegionsMax, uint32_t* nRegions, uint32_t* pixels, uint32_t nPixelsMax)
+{
+    const Output output = {bounds, areas, nullptr, nRegionsMax, nRegions, pixels, nPixelsMax};
+    return extraction({src, srcWidth, srcHeight, srcStride}, {delta, minArea, maxArea, maxVariation, minDiversity}, 4,
+                      nullptr, output)
+        .run();
+}
+
+uint32_t rvkMserExtu8_v2C(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride, uint32_t delta,
+                          uint32_t minArea, uint32_t maxArea, float maxVariation, float minDiversity,
+                          rvkMserRegion* regions, uint32_t nRegionsMax, uint32_t* nRegions, uint32_t* pixels,
+                          uint32_t nPixelsMax)
+{
+    return rvkMserExtu8_v3C(src, srcWidth, srcHeight, srcStride, delta, minArea, maxArea, maxVariation, minDiversity, 4,
+                            RAVIK_MSER_BRIGHT | RAVIK_MSER_DARK, regions, nRegionsMax, nRegions, pixels, nPixelsMax);
+}
+
+uint32_t rvkMserExtu8_v3C(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride, uint32_t delta,
+                          uint32_t minArea, uint32_t maxArea, float maxVariation, float minDiversity,
+                          uint32_t connectivity, uint32_t polarities, rvkMserRegion* regions, uint32_t nRegionsMax,
+                          uint32_t* nRegions, uint32_t* pixels, uint32_t nPixelsMax)
+{
+    const Picture picture = {src, srcWidth, srcHeight, srcStride};
+    const MserParameters parameters = {delta, minArea, maxArea, maxVariation, minDiversity};
+    const Output output = {nullptr, nullptr, regions, nRegionsMax, nRegions, pixels, nPixelsMax};
+    if (polarities == (RAVIK_MSER_BRIGHT | RAVIK_MSER_DARK))
+        return extraction(picture, parameters, connectivity, nullptr, output).run();
+    Pass pass(polarities == RAVIK_MSER_BRIGHT ? Polarity::bright : Polarity::dark, picture, parameters, connectivity,
+              nullptr);
+    if (!pass.run())
+        return 0;
+    pass.put(output, {});
+    *nRegions = pass.fit(output, {}).regions;
+    return 1;
+}
+
+namespace {
+
+Extraction splitExtraction(const Picture& picture, const MserParameters& parameters, const Output& bright,
+                           const Output& dark)
+{
+    return {picture, parameters, 4, nullptr, bright, dark, true, {}, {}};
+}
+
+} // namespace
+
+uint32_t rvkMserSplitExtu8C(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
+                            uint32_t delta, uint32_t minArea, uint32_t maxArea, float maxVariation, float minDiversity,
+                            rvkMserRegion* brightRegions, uint32_t nBrightRegionsMax, uint32_t* nBrightRegions,
+                            uint32_t* brightPixels, uint32_t nBrightPixelsMax, rvkMserRegion* darkRegions,
+                            uint32_t nDarkRegionsMax, uint32_t* nDarkRegions, uint32_t* darkPixels,
+                            uint32_t nDarkPixelsMax)
+{
+    return splitExtraction(
+               {src, srcWidth, srcHeight, srcStride}, {delta, minArea, maxArea, maxVariation, minDiversity},
+               {nullptr, nullptr, brightRegions, nBrightRegionsMax, nBrightRegions, brightPixels, nBrightPixelsMax},
+               {nullptr, nullptr, darkRegions, nDarkRegionsMax, nDarkRegions, darkPixels, nDarkPixelsMax})
+        .run();
+}
+
+uint32_t irvkMserSplitExtu8C(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
+                             uint32_t delta, uint32_t minArea, uint32_t maxArea, float maxVariation, float minDiversity,
+                             rvkMserRegion* brightRegions, uint32_t nBrightRegionsMax, uint32_t* nBrightRegions,
+                             uint32_t* brightPixels, uint32_t nBrightPixelsMax, rvkMserRegion* darkRegions,
+                             uint32_t nDarkRegionsMax, uint32_t* nDarkRegions, uint32_t* darkPixels,
+                             uint32_t nDarkPixelsMax)
+{
+    return splitExtraction(
+               {src, srcWidth, srcHeight, srcStride}, {delta, minArea, maxArea, maxVariation, minDiversity},
+               {nullptr, nullptr, brightRegions, nBrightRegionsMax, nBrightRegions, brightPixels, nBrightPixelsMax},
+               {nullptr, nullptr, darkRegions, nDarkRegionsMax, nDarkRegions, darkPixels, nDarkPixelsMax})
+        .runOnOneThread();
+}
+
+namespace {
+
+uint32_t extractByHandle(void* handle, const Picture& picture, const Output& output)
+{
+    auto* const header = static_cast<MserHandle*>(handle);
+    return extraction(picture, header->parameters, 8, reinterpret_cast<uint8_t*>(header + 1), output).run();
+}
+
+} // namespace
+
+uint32_t rvkMserNN8u8C(void* handle, const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
+                       rvkRectangle* bounds, uint32_t* areas, uint32_t nRegionsMax, uint32_t* nRegions,
+                       uint32_t* pixels, uint32_t nPixelsMax)
+{
+    return extractByHandle(handle, {src, srcWidth, srcHeight, srcStride},
+                           {bounds, areas, nullptr, nRegionsMax, nRegions, pixels, nPixelsMax});
+}
+
+uint32_t rvkMserExtNN8u8C(void* handle, const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
+                          rvkMserRegion* regions, uint32_t nRegionsMax, uint32_t* nRegions, uint32_t* pixels,
+                          uint32_t nPixelsMax)
+{
+    return extractByHandle(handle, {src, srcWidth, srcHeight, srcStride},
+                           {nullptr, nullptr, regions, nRegionsMax, nRegions, pixels, nPixelsMax});
+}
+
+} // namespace rvk
