@@ -513,7 +513,7 @@ double largestChoice(const Argument& a)
 }
 
 // A call that ends when its unit has been chosen: all sources and outputs that must not be null are, but for the one
-// whose address matters. So pictures of any size need no memory.
+// whose address matters. Where there is no other, a number is refused. So pictures of any size need no memory.
 class UnitChoice
 {
 public:
@@ -522,9 +522,13 @@ public:
         const size_t count = function.arguments.size();
         m_values = {std::vector<void*>(count), std::vector<double>(count)};
         function.setTypicalSizes(m_values.numbers, size);
-        for (size_t i = 0; i < count; i++)
-            if (function.arguments[i].role == Role::scalar)
-                m_values.numbers[i] = largestChoice(function.arguments[i]);
+        const bool hasOneImage = std::count_if(function.arguments.begin(), function.arguments.end(),
+                                               [](const Argument& a) { return a.isImage(); }) == 1;
+        for (size_t i = 0; i < count; i++) {
+            const Argument& a = function.arguments[i];
+            if (a.role == Role::scalar)
+                m_values.numbers[i] = hasOneImage && !a.refused.empty() ? a.refused[0] : largestChoice(a);
+        }
         for (size_t i = 0; i < count; i++) {
             const Argument& a = function.arguments[i];
             if (a.role == Role::stride)
