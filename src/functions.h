@@ -6,6 +6,7 @@
 
 #include <ravik/ravik.h>
 
+#include <cstddef>
 #include <cstdint>
 
 // RVK_WHEN_YES(x) is x, RVK_WHEN_NO(x) is nothing: for the YES and NO columns of the lists.
@@ -163,6 +164,11 @@ void irvkMserPreprocessMinusNN8C(const uint8_t* src, uint32_t width, uint32_t he
 // A place is a cell's number; rows have `pitch` cells.
 void irvkMserBoundingBoxesC(const uint32_t* places, const uint32_t* counts, uint32_t nLists, uint32_t pitch,
                             rvkRectangle* boxes, uint32_t* firsts);
+
+// The largest threshold from `barrier` on at which a pixel is a FAST corner, if it is one at `barrier`. The offsets are
+// those of the 16 pixels of the circle around it, in their order.
+uint32_t irvkCornerFast9ScoreC(const uint8_t* pixel, const ptrdiff_t* offsets, int32_t barrier);
+uint32_t irvkCornerFast10ScoreC(const uint8_t* pixel, const ptrdiff_t* offsets, int32_t barrier);
 
 template <auto slot>
 struct SignatureOf; // Type: pointer to the functions that fill the slot's row; absent while the row has no reference

@@ -173,7 +173,7 @@ private:
         for (size_t i = 0; i < m_function.arguments.size(); i++)
             for (const Role wrong : {Role::width, Role::height, Role::secondWidth}) {
                 const Argument& a = m_function.arguments[i];
-                if (!a.isPicture() || !has(wrong) || !rowWraps(a, wrong, UINT32_MAX))
+                if (!a.isPicture() || a.isScratch || !has(wrong) || !rowWraps(a, wrong, UINT32_MAX))
                     continue;
                 const double size = secondThatWraps(a, wrong);
                 for (const double stride : {0.0, double{1} * UINT32_MAX, double{64}})
@@ -647,7 +647,7 @@ private:
             const std::vector<size_t> images = m_function.imagesOfStride(i);
             matters = !images.empty() && !(m_function.arguments[images[0]].isOutput() && m_rule.outputAlignment);
         }
-        if ((a.isPicture() || a.role == Role::stride) && alignment > 1) {
+        if ((a.isOfPixels() || a.role == Role::stride) && alignment > 1) {
             EXPECT_EQ(UnitChoice(m_function, size).misalign(i, alignment / 2).unit(), matters ? "VECTA" : m_unit)
                 << m_function.name << ", argument " << i << " is misaligned";
         }

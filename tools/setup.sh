@@ -66,7 +66,11 @@ needReport()
         /usr/share/javascript/jquery/jquery.min.js:libjs-jquery \
         /usr/share/javascript/jquery-datatables/jquery.dataTables.min.js:libjs-jquery-datatables
 }
-needOpenCv() { need /usr/include/opencv4/opencv2/imgproc.hpp:libopencv-imgproc-dev; }
+needOpenCv()
+{
+    need /usr/include/opencv4/opencv2/imgproc.hpp:libopencv-imgproc-dev \
+        /usr/include/opencv4/opencv2/features2d.hpp:libopencv-features2d-dev
+}
 
 # build PRESET [TARGET...]: configures and builds; quiet unless something is wrong.
 build()

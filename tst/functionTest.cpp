@@ -247,8 +247,8 @@ static CaseSize drawSizeByPowerOfTwo(CaseSize size, RandomBits& random)
 {
     const auto shift = static_cast<uint32_t>(random.between(0, 4));
     if (shift == 4)
-        return {static_cast<uint32_t>(random.between(0, 2 * size.width)),
-                static_cast<uint32_t>(random.between(0, 2 * size.height))};
+        return {static_cast<uint32_t>(random.between(1, 2 * size.width)),
+                static_cast<uint32_t>(random.between(1, 2 * size.height))};
     const bool isDivided = ((size.width | size.height) & ((1u << shift) - 1)) == 0 && random.between(0, 1);
     return isDivided ? CaseSize{size.width >> shift, size.height >> shift}
                      : CaseSize{size.width << shift, size.height << shift};

@@ -277,8 +277,8 @@ struct Argument
     bool isOutput() const { return role == Role::destination || role == Role::updated || role == Role::value; }
     bool isResult() const { return isOutput() && !isScratch; }
     bool isPicture() const { return isImage() && fixedSize == 0; } // its size follows from that of the case
-    // And not of bits: remote units want it aligned.
-    bool isOfPixels() const { return isPicture() && !(isMask && isMeasured()); }
+    // And neither of bits nor scratch memory: remote units want it aligned.
+    bool isOfPixels() const { return isPicture() && !isScratch && !(isMask && isMeasured()); }
     bool isSampled() const { return xShift || yShift; }
     bool isMeasured() const { return static_cast<bool>(measure.size); }
     uint32_t pixelSize() const { return channels * sizeOf(element); }

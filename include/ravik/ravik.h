@@ -22,6 +22,7 @@
 #include "correlation.h"
 #include "descriptor.h"
 #include "diff.h"
+#include "fast.h"
 #include "dotproduct.h"
 #include "drawing.h"
 #include "frame.h"

@@ -5,6 +5,7 @@
 
 #include "dispatch.h"
 
+#include <algorithm>
 #include <type_traits>
 
 namespace rvk {
@@ -146,6 +147,24 @@ ResultOf<slot> filter(FilterSizes sizes, Words words, const T* src, uint32_t src
     if (src == dst)
         return refuse<slot>({words.function, "src != dst"});
     return implementation<slot>(target)(src, srcWidth, srcHeight, srcStride, dst, dstStride, parameters...);
+}
+
+// ---- corners on a circle of radius 3 -------------------------------------------------------------
+
+// `hasList`: whether the pointers behind `xy` that must not be null are none.
+template <Slot slot, class... Parameters>
+void detectCorners(Words words, bool hasList, const uint8_t* src, uint32_t width, uint32_t height, uint32_t stride,
+                   int32_t barrier, uint32_t border, uint32_t* xy, Parameters... parameters)
+{
+    stride = packedIfZero(stride, width);
+    border = std::max(border, 3u);
+    const RVK_IMPL target = chooseTarget(slot, [&] { return aligned(8, src, stride) && enoughWork(width, height); });
+    const uint64_t borders = uint64_t{border} * 2;
+    if (!(src && xy && hasList && stride >= width && borders < width && borders < height))
+        return refuse<slot>(words);
+    if (stride > INT32_MAX)
+        return refuse<slot>({words.function, "stride <= INT32_MAX"});
+    implementation<slot>(target)(src, width, height, stride, barrier, border, xy, parameters...);
 }
 
 } // namespace rvk

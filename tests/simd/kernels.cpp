@@ -405,6 +405,21 @@ constexpr SimdOperation lookingUpWindows(const char* name)
         });
 }
 
+// Blocks of 16 bytes, each from one behind where a byte says on.
+constexpr SimdOperation loadingBlocks()
+{
+    constexpr size_t blocks = kBytes / 16;
+    return mapping<uint8_t, uint8_t, blocks + 1 + 255 + 16, kBytes>(
+        "loadEach16",
+        [](const uint8_t* in, uint8_t* out) {
+            const uint8_t* addresses[blocks];
+            for (size_t i = 0; i < blocks; ++i)
+                addresses[i] = in + blocks + in[i];
+            store(out, loadEach16(addresses, 1));
+        },
+        [](const uint8_t* in, size_t i) { return in[blocks + in[i / 16] + 1 + i % 16]; });
+}
+
 // Vectors of four dot products, one after the other.
 template <class T>
 constexpr SimdOperation fourDots()
@@ -505,6 +520,7 @@ SimdGroup single()
                 store(out, lookup32(loadTable32(in), load(in + 32) & splat<uint8_t>(31)));
             },
             [](const uint8_t* in, size_t i) { return in[in[32 + i] % 32]; }),
+        loadingBlocks(),
         lookingUpWindows<1>("lookupWindows<1>"),
         lookingUpWindows<2>("lookupWindows<2>"),
         mapping<uint8_t, uint8_t, 256 + kLanes<uint8_t>, kLanes<uint8_t>>(

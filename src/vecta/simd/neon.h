@@ -744,6 +744,9 @@ RVK_INLINE Vec<uint8_t> lookup(const Table256& table, Vec<uint8_t> index)
 
 #endif
 
+// A register of blocks of 16 bytes, each from an address of its own.
+RVK_INLINE Vec<uint8_t> loadEach16(const uint8_t* const* p, ptrdiff_t offset) { return load(p[0] + offset); }
+
 // Bytes of a row, chosen from a window of it of n * kWindow bytes, which begins at the offset.
 constexpr size_t kWindow = 16;
 template <size_t n>

@@ -11,6 +11,7 @@
 //             be 0; loads give zero in the lanes after them
 //             loadWiden<To>(p): Vec<To>::lanes elements half as wide, or bytes to 32 bits
 //             load2, load3, load4(p) -> Vecs<T, n>: the channels of interleaved pixels; store2, store3, store4(p, vs)
+//             loadEach16(addresses, offset): u8, blocks of 16 bytes, block i from addresses[i] + offset
 //             loadMeans<T>(p), loadMeans<T>(p, q): u8, the rounded means of the bytes of each element of T, 8 or 16
 //             bits, with those of its neighbour; with q, of those and the two in the row there. load2Means ->
 //             Vecs<uint8_t, 2>: of pairs of bytes, the two apart

@@ -447,6 +447,22 @@ RVK_INLINE __m128i loadBlock(const void* p)
     return _mm_loadu_si128(static_cast<const __m128i*>(p));
 }
 
+// A register of blocks of 16 bytes, each from an address of its own.
+RVK_INLINE Vec<uint8_t> loadEach16(const uint8_t* const* p, ptrdiff_t offset)
+{
+#if RVK_AVX512
+    __m512i v = _mm512_castsi128_si512(loadBlock(p[0] + offset));
+    v = _mm512_inserti32x4(v, loadBlock(p[1] + offset), 1);
+    v = _mm512_inserti32x4(v, loadBlock(p[2] + offset), 2);
+    return vec<uint8_t>(_mm512_inserti32x4(v, loadBlock(p[3] + offset), 3));
+#elif defined(__AVX2__)
+    return vec<uint8_t>(
+        _mm256_inserti128_si256(_mm256_castsi128_si256(loadBlock(p[0] + offset)), loadBlock(p[1] + offset), 1));
+#else
+    return vec<uint8_t>(loadBlock(p[0] + offset));
+#endif
+}
+
 // The first kBytes / ratio bytes from p, in the low end of a register.
 template <size_t ratio>
 RVK_INLINE auto loadFraction(const void* p)

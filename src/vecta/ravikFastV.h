@@ -1,0 +1,390 @@
+// Vector implementation of the FAST corners, for both lengths of the arc.
+//
+// A pixel's contrast is by how much the least bright pixel of the brightest arc exceeds it, or it the brightest pixel of
+// the darkest arc: above the barrier it is a corner, and its score is one less. Steps of kBytes pixels whose opposite
+// pixels on the circle rule out corners are skipped; of the others all contrasts are computed, and the corners are taken
+// from left to right, until the list is full.
+//
+// Suppression works on rows of contrasts, 0 where there is no corner.
+#pragma once
+
+#include "cpu/ravikFastC.h"
+#include "vecta/simd/simd.h"
+#include "vecta/vecta.h"
+
+#include <ravik/fast.h>
+
+namespace rvk::vecta::RVK_ISA {
+namespace {
+
+using Bytes = Vec<uint8_t>;
+using LaneBits = decltype(laneBits(Mask<uint8_t>{}));
+
+RVK_INLINE size_t lowestBit(LaneBits bits)
+{
+    return static_cast<size_t>(sizeof bits == 8 ? __builtin_ctzll(bits) : __builtin_ctz(static_cast<unsigned>(bits)));
+}
+
+// ---- contrasts -----------------------------------------------------------------------------------------------------
+
+struct Brighter // arcs that are brighter than their centre: the least bright pixel, the best arc
+{
+    static RVK_INLINE Bytes worst(Bytes a, Bytes b) { return min(a, b); }
+    static RVK_INLINE Bytes best(Bytes a, Bytes b) { return max(a, b); }
+};
+struct Darker
+{
+    static RVK_INLINE Bytes worst(Bytes a, Bytes b) { return max(a, b); }
+    static RVK_INLINE Bytes best(Bytes a, Bytes b) { return min(a, b); }
+};
+
+using Circle = Vecs<uint8_t, kCirclePoints>;
+
+RVK_INLINE ptrdiff_t offsetOf(size_t i, ptrdiff_t stride)
+{
+    return kCircle[i].y * stride + kCircle[i].x;
+}
+
+// The worst pixel of the best arc. Two arcs that begin side by side have all but one pixel each in common, so that it
+// takes one arc's length less one for two of them, of which pairs, fours and eights serve several.
+template <uint32_t arc, class Side>
+RVK_INLINE Bytes bestArc(const Circle& circle)
+{
+    constexpr size_t n = kCirclePoints;
+    static_assert(arc == 9 || arc == 10);
+    Vecs<uint8_t, n / 2> pairs, fours; // from pixel 2k + 1 on
+    Bytes best{};
+    unrolled<n / 2>([&](auto k)
+                        RVK_INLINE_LAMBDA { pairs[k] = Side::worst(circle[2 * k + 1], circle[(2 * k + 2) % n]); });
+    unrolled<n / 2>([&](auto k) RVK_INLINE_LAMBDA { fours[k] = Side::worst(pairs[k], pairs[(k + 1) % (n / 2)]); });
+    unrolled<n / 2>([&](auto k) RVK_INLINE_LAMBDA {
+        constexpr size_t first = 2 * k + 1;
+        Bytes common = Side::worst(fours[k], fours[(k + 2) % (n / 2)]);
+        if constexpr (arc == 10)
+            common = Side::worst(common, circle[(first + 8) % n]);
+        const Bytes arcs = Side::worst(common, Side::best(circle[2 * k], circle[(first + arc - 1) % n]));
+        best = k == 0 ? arcs : Side::best(best, arcs);
+    });
+    return best;
+}
+
+template <uint32_t arc>
+RVK_INLINE Bytes contrasts(const uint8_t* const* blocks, ptrdiff_t stride)
+{
+    Circle circle;
+    unrolled<kCirclePoints>([&](auto i) RVK_INLINE_LAMBDA { circle[i] = loadEach16(blocks, offsetOf(i, stride)); });
+    const Bytes centre = loadEach16(blocks, 0);
+    return max(subSat(bestArc<arc, Brighter>(circle), centre), subSat(centre, bestArc<arc, Darker>(circle)));
+}
+
+// Which pixels of a step may be corners: of two pixels that are opposite, every arc has one. The numbers are those of the
+// first ones.
+template <size_t... i>
+RVK_INLINE Mask<uint8_t> mayBeCorners(const uint8_t* pixel, ptrdiff_t stride, Bytes barrier, Indices<i...>)
+{
+    constexpr size_t pairs = sizeof...(i), half = kCirclePoints / 2;
+    const Vecs<uint8_t, pairs> first = {{load(pixel + offsetOf(i, stride))...}};
+    const Vecs<uint8_t, pairs> second = {{load(pixel + offsetOf(i + half, stride))...}};
+    const Bytes centre = load(pixel);
+    if constexpr (kBytes == 64) { // a unit of its own compares, while one alone has min, max and saturation
+        const Bytes high = addSat(centre, barrier), low = subSat(centre, barrier);
+        Mask<uint8_t> bright = greater(max(first[0], second[0]), high), dark = less(min(first[0], second[0]), low);
+        unrolled<pairs - 1>([&](auto k) RVK_INLINE_LAMBDA {
+            bright = bright & greater(max(first[k + 1], second[k + 1]), high);
+            dark = dark & less(min(first[k + 1], second[k + 1]), low);
+        });
+        return bright | dark;
+    } else {
+        Bytes bright = max(first[0], second[0]), dark = min(first[0], second[0]);
+        unrolled<pairs - 1>([&](auto k) RVK_INLINE_LAMBDA {
+            bright = min(bright, max(first[k + 1], second[k + 1]));
+            dark = max(dark, min(first[k + 1], second[k + 1]));
+        });
+        return greater(max(subSat(bright, centre), subSat(centre, dark)), barrier);
+    }
+}
+
+// ---- corners -------------------------------------------------------------------------------------------------------
+
+// Rows of contrasts, by their columns, 0 where there is no corner; each is followed by room for a step.
+struct ContrastRows
+{
+    static constexpr size_t kBand = 8, kRows = kBand + 2; // rows that are searched at once, and their neighbours
+
+    uint8_t* data; // null: none
+    size_t pitch;
+
+    RVK_INLINE uint8_t* row(uint32_t y) const { return data + y % kRows * pitch; }
+    RVK_INLINE void clear(uint32_t y) const { __builtin_memset(row(y), 0, pitch); }
+};
+
+// Where corners go: into a list, or their contrasts into rows.
+struct Corners
+{
+    const BitMask* mask;
+    CornerList list;
+    ContrastRows contrasts;
+    uint32_t count = 0;
+    uint32_t lastX = 0, lastY = 0; // of the pixel taken last
+
+    // False when there is no room for another one.
+    RVK_INLINE bool take(uint32_t x, uint32_t y, uint8_t contrast)
+    {
+        if (y == lastY && x <= lastX) // the last step of a row, which overlaps the one before, found it again
+            return true;
+        lastX = x;
+        lastY = y;
+        if (mask && mask->excludes(x, y))
+            return true;
+        if (contrasts.data) {
+            contrasts.row(y)[x] = contrast;
+        } else {
+            list.xy[size_t{2} * count] = x;
+            list.xy[size_t{2} * count + 1] = y;
+            if (list.scores)
+                list.scores[count] = contrast - 1u;
+        }
+        return ++count < list.capacity;
+    }
+};
+
+// What the steps along a row have in common.
+struct Search
+{
+    uint32_t begin, end; // columns
+    uint32_t last;       // where the last step begins, whose circles end with the row
+    uint8_t barrier;
+    ptrdiff_t stride;
+};
+
+// Steps that may have corners, row by row.
+struct Candidates
+{
+    static constexpr size_t kMost = 128;
+    struct Row
+    {
+        const uint8_t* pixels; // its column 0
+        uint32_t y;
+        size_t end; // behind its steps, later its blocks
+    };
+
+    const uint8_t* steps[kMost + 1];
+    LaneBits bits[kMost + 1]; // of the pixels that may be corners
+    size_t count;
+    Row rows[ContrastRows::kBand];
+    size_t rowCount;
+
+    RVK_INLINE void endRow(const uint8_t* pixels, uint32_t y) { rows[rowCount++] = {pixels, y, count}; }
+};
+
+// The parts of steps that are worked on, together with those of other steps.
+constexpr size_t kBlockBytes = 16, kBlocks = kBytes / kBlockBytes;
+constexpr size_t kMostBlocks = Candidates::kMost * kBlocks;
+
+// The blocks of the candidates that may have corners. How many there are.
+RVK_INLINE size_t takeBlocks(Candidates& candidates, const uint8_t* (&blocks)[kMostBlocks + kBlocks])
+{
+    size_t count = 0, step = 0;
+    for (size_t r = 0; r < candidates.rowCount; ++r) {
+        for (; step < candidates.rows[r].end; ++step)
+            for (size_t i = 0; i < kBlocks; ++i) {
+                blocks[count] = candidates.steps[step] + i * kBlockBytes;
+                count += (candidates.bits[step] >> i * kBlockBytes & 0xffff) != 0;
+            }
+        candidates.rows[r].end = count;
+    }
+    for (size_t i = 0; i < kBlocks && count; ++i)
+        blocks[count + i] = blocks[count - 1];
+    return count;
+}
+
+// Takes the corners of the candidates, of which there are none then. False when there is no room for another corner.
+template <uint32_t arc>
+RVK_NOINLINE bool takeCorners(const Search& search, Candidates& candidates, Corners& corners)
+{
+    const Bytes barrier = splat(search.barrier);
+    const uint8_t* blocks[kMostBlocks + kBlocks];
+    const size_t count = takeBlocks(candidates, blocks);
+    const Candidates::Row* row = candidates.rows;
+    for (size_t i = 0; i < count; i += kBlocks) {
+        const Bytes contrast = contrasts<arc>(blocks + i, search.stride);
+        LaneBits bits = laneBits(greater(contrast, barrier));
+        if (!bits)
+            continue;
+        uint8_t each[kBytes];
+        store(each, contrast);
+        for (; bits; bits &= bits - 1) {
+            const size_t lane = lowestBit(bits), block = i + lane / kBlockBytes;
+            if (block >= count)
+                break;
+            while (block >= row->end)
+                ++row;
+            const uint32_t x = static_cast<uint32_t>(blocks[block] - row->pixels + lane % kBlockBytes);
+            if (x >= search.begin && x < search.end && !corners.take(x, row->y, each[lane]))
+                return false;
+        }
+    }
+    candidates.count = candidates.rowCount = 0;
+    return true;
+}
+
+// Adds the candidates of row y, whose column 0 is at `row`. False when there is no room for another corner.
+template <uint32_t arc>
+RVK_NOINLINE bool searchRow(const Search& search, const uint8_t* row, uint32_t y, Candidates& candidates,
+                            Corners& corners)
+{
+    const Bytes barrier = splat(search.barrier);
+    const ptrdiff_t stride = search.stride;
+    size_t count = candidates.count;
+    for (uint32_t x = search.begin; x < search.end; x += kBytes) {
+        const uint8_t* const pixel = row + (x < search.last ? x : search.last);
+        LaneBits bits;
+        if constexpr (kBytes == kBlockBytes) { // most steps end with few pixels
+            if (!any(mayBeCorners(pixel, stride, barrier, Indices<0, 4>{})))
+                continue;
+            bits = any(mayBeCorners(pixel, stride, barrier, Indices<2, 6>{}));
+        } else { // chance decides
+            bits = laneBits(mayBeCorners(pixel, stride, barrier, Indices<0, 4, 2, 6>{}));
+        }
+        candidates.steps[count] = pixel;
+        candidates.bits[count] = bits;
+        count += bits != 0;
+        if (count == Candidates::kMost) {
+            candidates.count = count;
+            candidates.endRow(row, y);
+            if (!takeCorners<arc>(search, candidates, corners))
+                return false;
+            count = 0;
+        }
+    }
+    candidates.count = count;
+    candidates.endRow(row, y);
+    return true;
+}
+
+// Rows that are too short for a step, longer: the seven that a circle reaches.
+struct ShortRows
+{
+    static constexpr size_t kStride = kBytes + 6;
+    uint8_t pixels[7 * kStride] = {};
+
+    // Row y; its column 0.
+    RVK_INLINE const uint8_t* fill(const FastPicture& picture, uint32_t y)
+    {
+        for (size_t k = 0; k < 7; ++k)
+            __builtin_memcpy(pixels + k * kStride, picture.src + (y - 3 + k) * picture.stride, picture.width);
+        return pixels + 3 * kStride;
+    }
+};
+
+// Appends the corners of row y that are above all of their neighbours to the list.
+RVK_NOINLINE void takeMaxima(const ContrastRows& rows, const FastPicture& picture, uint32_t y, const CornerList& list)
+{
+    const uint8_t *above = rows.row(y - 1), *here = rows.row(y), *below = rows.row(y + 1);
+    uint32_t count = *list.count;
+    for (uint32_t x = picture.border; x < picture.width - picture.border; x += kBytes) {
+        const Bytes contrast = load(here + x);
+        if (!any(greater(contrast, zero<uint8_t>())))
+            continue;
+        const auto around = [=](const uint8_t* row)
+                                RVK_INLINE_LAMBDA { return max(load(row + x - 1), load(row + x + 1)); };
+        const Bytes neighbours =
+            max(max(max(around(above), load(above + x)), max(around(below), load(below + x))), around(here));
+        for (LaneBits bits = laneBits(greater(contrast, neighbours)); bits; bits &= bits - 1) {
+            const uint32_t column = x + static_cast<uint32_t>(lowestBit(bits));
+            list.xy[size_t{2} * count] = column;
+            list.xy[size_t{2} * count + 1] = y;
+            list.scores[count++] = here[column] - 1u;
+        }
+    }
+    *list.count = count;
+}
+
+// ---- all together --------------------------------------------------------------------------------------------------
+
+// The corners of all rows into the list, or, where there are rows of contrasts, the best ones.
+template <uint32_t arc>
+RVK_NOINLINE void search(const FastPicture& picture, const BitMask* mask, const CornerList& list,
+                         const ContrastRows& contrasts)
+{
+    constexpr uint32_t step = kBytes;
+    const uint32_t right = picture.width - 3, bottom = picture.height - picture.border;
+    const bool isShort = right < step + 3;
+    const Search search = {picture.border, picture.width - picture.border, isShort ? 3 : right - step,
+                           static_cast<uint8_t>(picture.barrier < 255 ? picture.barrier : 255),
+                           static_cast<ptrdiff_t>(isShort ? ShortRows::kStride : picture.stride)};
+    Corners corners = {mask, list, contrasts};
+    ShortRows rows;
+    Candidates candidates;
+    candidates.count = candidates.rowCount = 0;
+    const uint32_t band = isShort ? 1 : ContrastRows::kBand;
+    if (contrasts.data)
+        contrasts.clear(picture.border - 1);
+
+    bool hasRoom = true;
+    uint32_t top = picture.border;
+    while (top < bottom && hasRoom) {
+        const uint32_t end = bottom - top < band ? bottom : top + band;
+        if (contrasts.data)
+            for (uint32_t y = top; y < end; ++y)
+                contrasts.clear(y);
+        for (uint32_t y = top; y < end && hasRoom; ++y) {
+            const uint8_t* const row = isShort ? rows.fill(picture, y) : picture.src + size_t{y} * picture.stride;
+            hasRoom = searchRow<arc>(search, row, y, candidates, corners);
+        }
+        hasRoom = hasRoom && takeCorners<arc>(search, candidates, corners);
+        if (contrasts.data)
+            for (uint32_t y = top == picture.border ? top : top - 1; y < end - 1; ++y)
+                takeMaxima(contrasts, picture, y, list);
+        top = end;
+    }
+    if (contrasts.data) {
+        contrasts.clear(top);
+        takeMaxima(contrasts, picture, top - 1, list);
+    } else {
+        *list.count = corners.count;
+    }
+}
+
+template <uint32_t arc>
+RVK_INLINE void detectCorners(const SegmentTest& test, const FastPicture& picture, const BitMask* mask,
+                              const CornerList& list, uint32_t* tempBuf)
+{
+    if (picture.barrier < 0) { // contrasts have no sign
+        detect(test, picture, mask, list, tempBuf);
+        return;
+    }
+    *list.count = 0;
+    if ((mask && !*mask) || (tempBuf && list.capacity == 0))
+        return;
+    const uint64_t pitch = uint64_t{picture.width} + kBytes;
+    const uint64_t room = (uint64_t{3} * list.capacity + picture.height) * sizeof *tempBuf;
+    if (!tempBuf || ContrastRows::kRows * pitch <= room) {
+        search<arc>(picture, mask, list, {reinterpret_cast<uint8_t*>(tempBuf), static_cast<size_t>(pitch)});
+    } else { // too few corners are wanted for rows of contrasts
+        const CornerList raw = {tempBuf, tempBuf + size_t{2} * list.capacity, list.capacity, list.count};
+        search<arc>(picture, mask, raw, {});
+        nms_processing(raw.xy, raw.scores, *raw.count, list);
+    }
+}
+
+// The score of one corner.
+template <uint32_t arc>
+RVK_INLINE uint32_t scoreOf(const uint8_t* pixel, const ptrdiff_t* offsets, int32_t barrier)
+{
+    // Each lane begins another arc, the lanes behind the sixteenth repeat some of them.
+    uint8_t circle[3 * kCirclePoints + kBytes];
+    for (size_t i = 0; i < sizeof circle; ++i)
+        circle[i] = pixel[offsets[i % kCirclePoints]];
+    Bytes least = load(circle), most = least;
+    for (size_t i = 1; i < arc; ++i) {
+        least = min(least, load(circle + i));
+        most = max(most, load(circle + i));
+    }
+    const int32_t brighter = reduceMax(least) - *pixel, darker = *pixel - reduceMin(most);
+    const int32_t score = (brighter > darker ? brighter : darker) - 1;
+    return static_cast<uint32_t>(score > barrier ? score : barrier);
+}
+
+} // namespace
+} // namespace rvk::vecta::RVK_ISA
