@@ -12,8 +12,8 @@ namespace {
 using namespace bench;
 
 constexpr u32 kMost = 5000;
-constexpr s32 kThreshold = 20000;
-constexpr f32 kEigenvalue = 60;
+constexpr s32 kThreshold = 2000;
+constexpr f32 kEigenvalue = 20;
 
 // A corner somewhere in each of many fields of a picture.
 struct Places

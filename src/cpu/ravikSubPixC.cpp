@@ -85,14 +85,16 @@ public:
     SubPixSums sums() const { return {array(2), array(3), array(4), array(5), array(6)}; }
     float32_t* columnWeights() const { return array(0); }
 
-    // The patch around a window.
-    SubPixPatch copyPatch(const Plane<const uint8_t>& src, uint32_t width, uint32_t height, Point centre) const
+    // The patch around a window: of the picture where that has all its columns and those that vectors read, or a copy.
+    SubPixPatch patchAround(const Plane<const uint8_t>& src, uint32_t width, uint32_t height, Point centre) const
     {
         const Place x(centre.x), y(centre.y);
         const size_t pitch = m_pitch + kSubPixLanes, columns = m_columns + 3, rows = m_rows + 3;
         const int64_t left = x.whole - static_cast<int64_t>(m_columns / 2) - 1;
         const int64_t top = y.whole - static_cast<int64_t>(m_rows / 2) - 1;
-        const bool isInside = left >= 0 && left + static_cast<int64_t>(columns) <= width;
+        const bool isInside = left >= 0 && left + static_cast<int64_t>(pitch) <= width;
+        if (isInside && top >= 0 && top + static_cast<int64_t>(rows) <= height)
+            return {src.row(static_cast<size_t>(top)) + left, src.stride, x.fraction, y.fraction};
         for (size_t row = 0; row < rows; ++row) {
             const int64_t nearest = std::clamp<int64_t>(top + static_cast<int64_t>(row), 0, int64_t{height} - 1);
             const uint8_t* from = src.row(static_cast<size_t>(nearest));
@@ -184,7 +186,7 @@ rvkStatus refineCorners(SumSubPixColumns* sumColumns, const uint8_t* src, uint32
     const SubPixSums sums = workspace.sums();
     for (size_t i = 0; i < nCorners; ++i) {
         const Point corner = refined({xy[2 * i], xy[2 * i + 1]}, srcWidth, srcHeight, search, [&](Point at) {
-            sumColumns(window, workspace.copyPatch({src, srcStride}, srcWidth, srcHeight, at), sums);
+            sumColumns(window, workspace.patchAround({src, srcStride}, srcWidth, srcHeight, at), sums);
             return solve(window, workspace.columnWeights(), sums);
         });
         xy[2 * i] = corner.x;

@@ -14,19 +14,26 @@ RVK_INLINE Floats between(Floats a, Floats b, Floats fraction)
     return a + fraction * (b - a);
 }
 
-// The samples of a row left of the columns, in them and right of them.
+// The samples of a row from the one left of the columns on. The last but two have no pixels for them and do not count.
 struct Samples
 {
-    Floats v[3];
+    Floats first, second;
 
     static RVK_INLINE Samples across(const uint8_t* p, Floats fraction)
     {
-        Floats pixels[4];
-        unrolled<4>([&](auto i) RVK_INLINE_LAMBDA { pixels[i] = toFloat(loadWiden<uint32_t>(p + i)); });
-        Samples row;
-        unrolled<3>([&](auto i) RVK_INLINE_LAMBDA { row.v[i] = between(pixels[i], pixels[i + 1], fraction); });
-        return row;
+        const Floats a = toFloat(loadWiden<uint32_t>(p)), b = toFloat(loadWiden<uint32_t>(p + Floats::lanes));
+        return {between(a, extract<1>(a, b), fraction), between(b, extract<1>(b, b), fraction)};
     }
+    static RVK_INLINE Samples down(const Samples& upper, const Samples& lower, Floats fraction)
+    {
+        return {between(upper.first, lower.first, fraction), between(upper.second, lower.second, fraction)};
+    }
+
+    RVK_INLINE Floats inColumns() const { return extract<1>(first, second); }
+    RVK_INLINE Floats acrossColumns() const
+    {
+        return extract<2>(first, second) - first;
+    } // right of each less left of it
 };
 
 struct Sums
@@ -54,14 +61,13 @@ void sumColumns(const SubPixWindow& window, const SubPixPatch& patch, const SubP
         const auto nextRow = [&]() RVK_INLINE_LAMBDA {
             p += patch.pitch;
             const Samples lower = Samples::across(p, right);
-            Samples row;
-            unrolled<3>([&](auto i) RVK_INLINE_LAMBDA { row.v[i] = between(upper.v[i], lower.v[i], below); });
+            const Samples row = Samples::down(upper, lower, below);
             upper = lower;
             return row;
         };
         const Floats isAlive = load(window.isAlive + column);
         Sums sum;
-        Floats above = nextRow().v[1];
+        Floats above = nextRow().inColumns();
         Samples here = nextRow();
         for (size_t row = 0; row < window.rows; ++row) {
             const Samples next = nextRow();
@@ -69,8 +75,8 @@ void sumColumns(const SubPixWindow& window, const SubPixPatch& patch, const SubP
             if (row >= window.deadTop && row < window.deadBottom)
                 weight = weight * isAlive;
             const float distance = static_cast<float>(row) - static_cast<float>(window.rows / 2);
-            sum.add(here.v[2] - here.v[0], next.v[1] - above, weight, splat(distance));
-            above = here.v[1];
+            sum.add(here.acrossColumns(), next.inColumns() - above, weight, splat(distance));
+            above = here.inColumns();
             here = next;
         }
         store(sums.xx + column, sum.xx);

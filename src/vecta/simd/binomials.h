@@ -43,13 +43,59 @@ struct Sums
     }
 };
 
+// As rowSum. Of 16-bit elements with AVX-512 by the instruction that adds products: 5x5 windows then take a tenth less.
+// On Arm the windows of 5 by shifts of what one load and a half bring, which on 32 bits spares the addresses of others.
+template <class W, class T>
+RVK_INLINE Pairs<SumOf<T, W>> sumRow(const T* p)
+{
+    return rowSum<W>(p);
+}
+
+#if RVK_AVX512
+template <int even, int odd>
+RVK_INLINE Vec<int32_t> addWeightedPairs(Vec<int32_t> acc, Vec<int16_t> a)
+{
+    const uint32_t both = static_cast<uint32_t>(odd & 65535) << 16 | static_cast<uint32_t>(even & 65535);
+    return vec<int32_t>(_mm512_dpwssd_epi32(reg(acc), reg(a), reg(splat(both))));
+}
+
+template <class W>
+RVK_INLINE Pairs<int32_t> sumRow(const int16_t* p)
+{
+    Pairs<int32_t> sum = {};
+    unrolled<W::count / 2 + 1>([&](auto j) RVK_INLINE_LAMBDA {
+        const Vec<int16_t> v = loadOnce(p + 2 * j);
+        sum = {{addWeightedPairs<W::at(2 * j), W::at(2 * j + 1)>(sum[0], v),
+                addWeightedPairs<W::at(2 * j - 1), W::at(2 * j)>(sum[1], v)}};
+    });
+    return sum;
+}
+#elif defined(__ARM_NEON)
+template <class W>
+requires(W::count == 5) RVK_INLINE Pairs<int32_t> sumRow(const int16_t* p)
+{
+    const Vec<int16_t> first = load(p);
+    const int16x4_t last = loadHalf(p + 8);
+    const Vec<int16_t> rest = join(last, last);
+    auto low = productsOfEnds<W::at(0), W::at(4)>(lowHalf(first), highHalf(first));
+    auto high = productsOfEnds<W::at(0), W::at(4)>(highHalf(first), last);
+    unrolled<3>([&](auto j) RVK_INLINE_LAMBDA {
+        constexpr size_t k = j + 1;
+        const Vec<int16_t> v = extract<k>(first, rest);
+        low = addTap<W, k>(low, lowHalf(v));
+        high = addTap<W, k>(high, highHalf(v));
+    });
+    return {{vec(low), vec(high)}};
+}
+#endif
+
 template <class T, class RowWeights, class Output>
 struct Binomial
 {
     static constexpr size_t rows = RowWeights::count, columns = rows, step = Vec<T>::lanes;
     NeighbourSums<rows - 1, Pairs<SumOf<T, RowWeights>>> sums;
 
-    RVK_INLINE auto next(const T* p) { return Output::of(sums.add(rowSum<RowWeights>(p))); }
+    RVK_INLINE auto next(const T* p) { return Output::of(sums.add(sumRow<RowWeights>(p))); }
 };
 
 template <class Output>
