@@ -35,7 +35,7 @@ Picture<uint8_t> naturalPicture(int width, int height, Random& random)
 // The circle: point i is kAround[i] columns and kAround[(i + 4) % 16] rows away.
 constexpr int kAround[] = {0, 1, 2, 3, 3, 3, 2, 1, 0, -1, -2, -3, -3, -3, -2, -1};
 
-// The contrast of a pixel: by how much the worst pixel of its best arc differs from it. Above the barrier it is a corner.
+// The contrast of a pixel: by how much the worst pixel of its best arc differs from it. Corners' are above the barrier.
 int contrastAt(const Picture<uint8_t>& src, int x, int y, int arc)
 {
     int best = -255;

@@ -14,17 +14,17 @@
  *              row, from left to right. `xy` and `scores` have room for nCornersMax corners; with more in the picture
  *              the list ends with the first nCornersMax of them, and the count is nCornersMax. nCornersMax is compared
  *              after a corner was stored, so that 0 lets one be stored (not so with suppression).
- *   Score      the largest barrier at which the pixel is still a corner, never less than `barrier` and, as that is below
- *              255, at most 254; negative ones in two's complement.
+ *   Score      the largest barrier at which the pixel is still a corner, never less than `barrier` and at most 254;
+ *              negative ones in two's complement.
  *   Masks      maskWidth x maskHeight bits, 1 excludes the pixel: rows of (maskWidth + 7) / 8 bytes, the leftmost pixel
  *              in the most significant bit. A mask measures as much as the picture, or 2, 4 or 8 times as much, or a
  *              2nd, 4th or 8th of it, in both directions alike: of several bits of a pixel the top left one counts, a
  *              bit for several pixels counts for all of them. With a mask of any other size there is no corner.
- *   Suppression where nmsEnabled is not 0, of the corners of the list (those that nCornersMax cut off are none) only
- *              those remain whose score is above that of all 8 neighbours; of two neighbours with equal scores none does.
- *              `tempBuf` is memory for 3 * nCornersMax + height words, whose contents mean nothing afterwards. With
- *              nCornersMax 0 there is no corner. A null tempBuf ends the process with status 1, after a line in the
- *              log. Without suppression tempBuf is not used and may be null.
+ *   Maxima     where nmsEnabled is not 0, of the corners of the list (those that nCornersMax cut off are none) only
+ *              those remain whose score is above that of all 8 neighbours; of two neighbours with equal scores none
+ *              does. `tempBuf` is memory for 3 * nCornersMax + height words, whose contents mean nothing afterwards.
+ *              With nCornersMax 0 there is no corner. A null tempBuf ends the process with status 1, after a line in
+ *              the log. Without suppression tempBuf is not used and may be null.
  *   Alignment  of pictures and masks none, lists are aligned to 4. The work may run on the DSP only when src and the
  *              stride are multiples of 8.
  *   Overlap    no list may overlap another memory of the call.

@@ -44,7 +44,7 @@ extern const SegmentTest kFast9, kFast10;
 // The circle as offsets from its centre in memory.
 void make_offsets(ptrdiff_t (&offsets)[kCirclePoints], uint32_t stride);
 
-// Whether a pixel is a corner, and the largest threshold from `barrier` on at which it is one if it is one at `barrier`.
+// Whether a pixel is a corner; and the largest threshold from `barrier` on at which it is one, if it is one there.
 bool isCorner(const SegmentTest& test, const uint8_t* pixel, const ptrdiff_t* offsets, int32_t threshold);
 uint32_t cornerScore(const SegmentTest& test, const uint8_t* pixel, const ptrdiff_t* offsets, int32_t barrier);
 

@@ -1,9 +1,10 @@
 // Vector implementation of the FAST corners, for both lengths of the arc.
 //
-// A pixel's contrast is by how much the least bright pixel of the brightest arc exceeds it, or it the brightest pixel of
-// the darkest arc: above the barrier it is a corner, and its score is one less. Steps of kBytes pixels whose opposite
-// pixels on the circle rule out corners are skipped; of the others all contrasts are computed, and the corners are taken
-// from left to right, until the list is full.
+// A pixel's contrast is by how much the least bright pixel of the brightest arc exceeds it, or it the brightest pixel
+// of the darkest arc: above the barrier it is a corner, and its score is one less. Two passes over a band of rows: the
+// first compares a few pairs of opposite pixels of the circle, which rule out most corners, a step of kBytes pixels at
+// a time; the second computes the contrasts of what is left, in blocks of 16 pixels, as many as a register holds,
+// wherever they lie. Corners come from left to right, until the list is full.
 //
 // Suppression works on rows of contrasts, 0 where there is no corner.
 #pragma once
@@ -77,8 +78,8 @@ RVK_INLINE Bytes contrasts(const uint8_t* const* blocks, ptrdiff_t stride)
     return max(subSat(bestArc<arc, Brighter>(circle), centre), subSat(centre, bestArc<arc, Darker>(circle)));
 }
 
-// Which pixels of a step may be corners: of two pixels that are opposite, every arc has one. The numbers are those of the
-// first ones.
+// Which pixels of a step may be corners: of two pixels that are opposite, every arc has one. The numbers are those of
+// the first ones.
 template <size_t... i>
 RVK_INLINE Mask<uint8_t> mayBeCorners(const uint8_t* pixel, ptrdiff_t stride, Bytes barrier, Indices<i...>)
 {
