@@ -32,8 +32,8 @@ int32_t commonLength(int32_t cell, int32_t x)
 int32_t sumOfCell(Plane<const uint8_t> patch, int32_t column, int32_t row)
 {
     int32_t sum = 0;
-    for (int32_t y = 0; y < kPixels; ++y)
-        for (int32_t x = 0; x < kPixels; ++x)
+    for (int32_t y = row * kPixels / kCells; commonLength(row, y) > 0; ++y)
+        for (int32_t x = column * kPixels / kCells; commonLength(column, x) > 0; ++x)
             sum += commonLength(column, x) * commonLength(row, y) * patch.row(static_cast<size_t>(y))[x];
     return sum;
 }

@@ -176,32 +176,26 @@ private:
     }
 };
 
-// In 32 bits: the weights' upper 12 bits against the centre, and their lower 12 bits, which are carried over.
+// The sign of the weighted sum less the centre, in 32 bits, of which it needs all: so both are halved, and the centre
+// has no last bit to lose.
 template <class Take>
 RVK_INLINE Vec<int8_t> differenceOf(const Point& point, Bytes centre, Take take)
 {
-    const auto wide = [](Bytes v) RVK_INLINE_LAMBDA { return bitCast<int16_t>(widenInLanes(v)); };
-    const Vecs<int16_t, 2> pixels[4] = {wide(take(point.offsets[0])), wide(take(point.offsets[1])),
-                                        wide(take(point.offsets[2])), wide(take(point.offsets[3]))};
-    const auto dots = [&](size_t half, auto part) RVK_INLINE_LAMBDA {
-        const auto pair = [&](size_t i) RVK_INLINE_LAMBDA {
-            return Vecs<int16_t, 2>{pixels[i][half], pixels[i + 1][half]};
-        };
-        const auto weights = [&](size_t i) RVK_INLINE_LAMBDA {
-            return Vecs<int16_t, 2>{splat(static_cast<int16_t>(part(point.weights[i]))),
-                                    splat(static_cast<int16_t>(part(point.weights[i + 1])))};
-        };
-        return addDotInLanes(dotInLanes(pair(0), weights(0)), pair(2), weights(2));
-    };
-    const Vecs<int16_t, 2> centres = wide(centre);
+    const Vecs<uint16_t, 2> pixels[4] = {widenInLanes(take(point.offsets[0])), widenInLanes(take(point.offsets[1])),
+                                         widenInLanes(take(point.offsets[2])), widenInLanes(take(point.offsets[3]))};
+    const Vecs<uint16_t, 2> centres = widenInLanes(centre);
     const auto ofHalf = [&](size_t half) RVK_INLINE_LAMBDA {
-        const Vecs<int32_t, 2> low = dots(half, [](uint32_t w) RVK_INLINE_LAMBDA { return w & 4095; });
-        const Vecs<int32_t, 2> high = dots(half, [](uint32_t w) RVK_INLINE_LAMBDA { return w >> 12; });
-        const Vec<int16_t> whole = splat<int16_t>(-4096);
-        const Vecs<int32_t, 2> all = addDotInLanes(high, {centres[half], zero<int16_t>()}, {whole, whole});
-        return narrowSatInLanes<int16_t>(both(all, low, [](auto h, auto l) RVK_INLINE_LAMBDA {
-            return h + shiftRight(l + splat(static_cast<int32_t>(kBiasOfCircle)), 12);
-        }));
+        const Vec<uint32_t> bias = splat(kBiasOfCircle);
+        Vecs<uint32_t, 2> sums = {bias, bias};
+        unrolled<4>([&](auto i) RVK_INLINE_LAMBDA {
+            const Vec<uint32_t> weight = splat(point.weights[i]);
+            sums = both(sums, widenInLanes(pixels[i][half]),
+                        [=](auto sum, auto pixel) RVK_INLINE_LAMBDA { return sum + pixel * weight; });
+        });
+        return narrowSatInLanes<int16_t>(
+            both(sums, widenInLanes(centres[half]), [](auto sum, auto c) RVK_INLINE_LAMBDA {
+                return bitCast<int32_t>(shiftRight(sum, 1) - shiftLeft(c, 23));
+            }));
     };
     return narrowSatInLanes<int8_t>(Vecs<int16_t, 2>{ofHalf(0), ofHalf(1)});
 }
