@@ -137,8 +137,9 @@ void irvkTileMomentsf32C(const float32_t* src, uint32_t width, uint32_t height, 
 
 // The sum of the pixels of a block; and of two blocks the sum of absolute differences, each pixel less the whole part
 // of the mean of its block. *mean2 is that of the second.
-uint32_t irvkBlockSum16x16C(const uint8_t* block, uint32_t stride);
-uint32_t irvkBlockZeroMeanSad16x16C(const uint8_t* block1, const uint8_t* block2, uint32_t stride, uint32_t* mean2);
+uint32_t calculateBlockSum16x16C(const uint8_t* block, uint32_t stride);
+uint32_t calculateBlockSAD_ZeroMean16x16C(const uint8_t* block1, const uint8_t* block2, uint32_t stride,
+                                          uint32_t* mean2);
 
 // A row of an integral image: dst[x] is above[x] and the sum of src[0] to src[x].
 void irvkIntegralLineC(const uint8_t* src, uint32_t width, const uint32_t* above, uint32_t* dst);
@@ -167,8 +168,8 @@ void irvkMserBoundingBoxesC(const uint32_t* places, const uint32_t* counts, uint
 
 // The largest threshold from `barrier` on at which a pixel is a FAST corner, if it is one at `barrier`. The offsets are
 // those of the 16 pixels of the circle around it, in their order.
-uint32_t irvkCornerFast9ScoreC(const uint8_t* pixel, const ptrdiff_t* offsets, int32_t barrier);
-uint32_t irvkCornerFast10ScoreC(const uint8_t* pixel, const ptrdiff_t* offsets, int32_t barrier);
+uint32_t fast9_corner_scoreC(const uint8_t* pixel, const ptrdiff_t* offsets, int32_t barrier);
+uint32_t fast10_corner_scoreC(const uint8_t* pixel, const ptrdiff_t* offsets, int32_t barrier);
 
 template <auto slot>
 struct SignatureOf; // Type: pointer to the functions that fill the slot's row; absent while the row has no reference

@@ -227,8 +227,8 @@ TEST(Fast, KernelsScoreOneCorner)
                           static_cast<uint32_t>(std::max(barrier, contrastAt(src, 3, 3, arc) - 1)));
         }
     };
-    inBothModes(Kernel::irvkCornerFast9Score, "FAST-9", [&] { check(9, kernel<Kernel::irvkCornerFast9Score>()); });
-    inBothModes(Kernel::irvkCornerFast10Score, "FAST-10", [&] { check(10, kernel<Kernel::irvkCornerFast10Score>()); });
+    inBothModes(Kernel::fast9_corner_score, "FAST-9", [&] { check(9, kernel<Kernel::fast9_corner_score>()); });
+    inBothModes(Kernel::fast10_corner_score, "FAST-10", [&] { check(10, kernel<Kernel::fast10_corner_score>()); });
 }
 
 // ---- what the descriptors cannot say -------------------------------------------------------------------------------

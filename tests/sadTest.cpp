@@ -106,12 +106,12 @@ TEST(Sad, KernelsOfBlockMatching)
             sumA += a.at(i % 16, i / 16), sumB += b.at(i % 16, i / 16);
         for (int i = 0; i < 256; ++i)
             expected += std::abs((a.at(i % 16, i / 16) - sumA / 256) - (b.at(i % 16, i / 16) - sumB / 256));
-        inBothModes(Kernel::irvkBlockSum16x16, "irvkBlockSum16x16", [&] {
-            EXPECT_EQ(kernel<Kernel::irvkBlockSum16x16>()(a.pixels.data(), 20), static_cast<uint32_t>(sumA));
+        inBothModes(Kernel::calculateBlockSum16x16, "calculateBlockSum16x16", [&] {
+            EXPECT_EQ(kernel<Kernel::calculateBlockSum16x16>()(a.pixels.data(), 20), static_cast<uint32_t>(sumA));
         });
-        inBothModes(Kernel::irvkBlockZeroMeanSad16x16, "irvkBlockZeroMeanSad16x16", [&] {
+        inBothModes(Kernel::calculateBlockSAD_ZeroMean16x16, "calculateBlockSAD_ZeroMean16x16", [&] {
             uint32_t mean = 0;
-            const auto function = kernel<Kernel::irvkBlockZeroMeanSad16x16>();
+            const auto function = kernel<Kernel::calculateBlockSAD_ZeroMean16x16>();
             EXPECT_EQ(function(a.pixels.data(), b.pixels.data(), 20, &mean), static_cast<uint32_t>(expected));
             EXPECT_EQ(mean, static_cast<uint32_t>(sumB / 256));
         });

@@ -10,7 +10,7 @@
  *   Seeds      u32 pairs x, y of pixels in the picture, at least one.
  *   Memory     takes scratch memory: RAVIK_ENORES without it. Flood fill takes up to 5 bytes a pixel, vector
  *              implementations half a byte; growing by colour 8 bytes, growing from seeds 8 bytes for 4 neighbours and
- *              16 for 8, and 8 bytes for each step of maxDifference.
+ *              16 for 8, 16 bytes for each seed, and 8 bytes for each step of maxDifference.
  *   In place   flood fill works in place; labels must not overlap the picture.
  *   Errors     bad arguments give RAVIK_EBADPARAM, of rvkImageSegmentationRegionGrow RAVIK_EFAIL. Whatever the error,
  *              nothing is written. */

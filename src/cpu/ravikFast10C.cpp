@@ -7,7 +7,7 @@ namespace {
 
 void score_10(const FastPicture& picture, const CornerList& list)
 {
-    scoreCorners(picture, list, kernel<Kernel::irvkCornerFast10Score>());
+    scoreCorners(picture, list, kernel<Kernel::fast10_corner_score>());
 }
 
 void fast10(const FastPicture& picture, const BitMask* mask, const CornerList& list, uint32_t* tempBuf)
@@ -19,7 +19,7 @@ void fast10(const FastPicture& picture, const BitMask* mask, const CornerList& l
 
 const SegmentTest kFast10 = {10, score_10, "src/cpu/ravikFast10C"};
 
-uint32_t irvkCornerFast10ScoreC(const uint8_t* pixel, const ptrdiff_t* offsets, int32_t barrier)
+uint32_t fast10_corner_scoreC(const uint8_t* pixel, const ptrdiff_t* offsets, int32_t barrier)
 {
     return cornerScore(kFast10, pixel, offsets, barrier);
 }

@@ -175,7 +175,7 @@ namespace {
 
 void score_9(const FastPicture& picture, const CornerList& list)
 {
-    scoreCorners(picture, list, kernel<Kernel::irvkCornerFast9Score>());
+    scoreCorners(picture, list, kernel<Kernel::fast9_corner_score>());
 }
 
 void fast9(const FastPicture& picture, const BitMask* mask, const CornerList& list, uint32_t* tempBuf)
@@ -187,7 +187,7 @@ void fast9(const FastPicture& picture, const BitMask* mask, const CornerList& li
 
 const SegmentTest kFast9 = {9, score_9, "src/cpu/ravikFastC"};
 
-uint32_t irvkCornerFast9ScoreC(const uint8_t* pixel, const ptrdiff_t* offsets, int32_t barrier)
+uint32_t fast9_corner_scoreC(const uint8_t* pixel, const ptrdiff_t* offsets, int32_t barrier)
 {
     return cornerScore(kFast9, pixel, offsets, barrier);
 }

@@ -31,7 +31,7 @@ void patchDistances(const uint8_t* patch, uint32_t width, uint32_t height, Plane
 
 // ---- kernels of block matching ------------------------------------------------------------------
 
-uint32_t irvkBlockSum16x16C(const uint8_t* block, uint32_t stride)
+uint32_t calculateBlockSum16x16C(const uint8_t* block, uint32_t stride)
 {
     uint32_t sum = 0;
     for (size_t y = 0; y < 16; ++y)
@@ -40,11 +40,12 @@ uint32_t irvkBlockSum16x16C(const uint8_t* block, uint32_t stride)
     return sum;
 }
 
-uint32_t irvkBlockZeroMeanSad16x16C(const uint8_t* block1, const uint8_t* block2, uint32_t stride, uint32_t* mean2)
+uint32_t calculateBlockSAD_ZeroMean16x16C(const uint8_t* block1, const uint8_t* block2, uint32_t stride,
+                                          uint32_t* mean2)
 {
     const Plane a{block1, stride}, b{block2, stride};
-    *mean2 = irvkBlockSum16x16C(block2, stride) >> 8;
-    const int shift = static_cast<int>((irvkBlockSum16x16C(block1, stride) >> 8) - *mean2);
+    *mean2 = calculateBlockSum16x16C(block2, stride) >> 8;
+    const int shift = static_cast<int>((calculateBlockSum16x16C(block1, stride) >> 8) - *mean2);
     uint32_t sum = 0;
     for (size_t y = 0; y < 16; ++y)
         for (size_t x = 0; x < 16; ++x)

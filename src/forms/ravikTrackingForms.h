@@ -8,9 +8,9 @@ namespace RVK_ROOM {
 decltype(::rvkImageMomentsu8) RVK_FORM(rvkImageMomentsu8);
 decltype(::rvkImageMomentss32) RVK_FORM(rvkImageMomentss32);
 decltype(::rvkImageMomentsf32) RVK_FORM(rvkImageMomentsf32);
-uint32_t RVK_FORM(irvkBlockSum16x16)(const uint8_t* block, uint32_t stride);
-uint32_t RVK_FORM(irvkBlockZeroMeanSad16x16)(const uint8_t* block1, const uint8_t* block2, uint32_t stride,
-                                             uint32_t* mean2);
+uint32_t RVK_FORM(calculateBlockSum16x16)(const uint8_t* block, uint32_t stride);
+uint32_t RVK_FORM(calculateBlockSAD_ZeroMean16x16)(const uint8_t* block1, const uint8_t* block2, uint32_t stride,
+                                                   uint32_t* mean2);
 
 rvkStatus RVK_FORM(rvkTrackBMOpticalFlow16x16u8)(const uint8_t* src1, const uint8_t* src2, uint32_t srcWidth,
                                                  uint32_t srcHeight, uint32_t srcStride, uint32_t roiLeft,
@@ -19,7 +19,7 @@ rvkStatus RVK_FORM(rvkTrackBMOpticalFlow16x16u8)(const uint8_t* src1, const uint
                                                  uint32_t searchStep, uint32_t /*flags*/, uint32_t* numMv,
                                                  uint32_t* locX, uint32_t* locY, uint32_t* mvX, uint32_t* mvY)
 {
-    trackBlocks({RVK_FORM(irvkBlockSum16x16), RVK_FORM(irvkBlockZeroMeanSad16x16)},
+    trackBlocks({RVK_FORM(calculateBlockSum16x16), RVK_FORM(calculateBlockSAD_ZeroMean16x16)},
                 {src1, src2, srcWidth, srcHeight, srcStride}, {roiLeft, roiTop, roiRight, roiBottom, shiftSize},
                 {searchWidth, searchHeight, searchStep}, {numMv, locX, locY, mvX, mvY});
     return RAVIK_SUCCESS;

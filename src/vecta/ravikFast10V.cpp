@@ -11,7 +11,7 @@ RVK_NOINLINE void fast10(const FastPicture& picture, const BitMask* mask, const 
 
 } // namespace
 
-uint32_t irvkCornerFast10ScoreV(const uint8_t* pixel, const ptrdiff_t* offsets, int32_t barrier)
+uint32_t fast10_corner_scoreV(const uint8_t* pixel, const ptrdiff_t* offsets, int32_t barrier)
 {
     return scoreOf<10>(pixel, offsets, barrier);
 }

@@ -11,7 +11,7 @@ RVK_NOINLINE void fast9(const FastPicture& picture, const BitMask* mask, const C
 
 } // namespace
 
-uint32_t irvkCornerFast9ScoreV(const uint8_t* pixel, const ptrdiff_t* offsets, int32_t barrier)
+uint32_t fast9_corner_scoreV(const uint8_t* pixel, const ptrdiff_t* offsets, int32_t barrier)
 {
     return scoreOf<9>(pixel, offsets, barrier);
 }

@@ -37,7 +37,7 @@ RVK_INLINE Vec<uint8_t> loadRowsOf16(const uint8_t* p, size_t stride)
 
 // ---- kernels of block matching ------------------------------------------------------------------
 
-uint32_t irvkBlockSum16x16V(const uint8_t* block, uint32_t stride)
+uint32_t calculateBlockSum16x16V(const uint8_t* block, uint32_t stride)
 {
     Vec<uint32_t> sums = zero<uint32_t>();
     for (size_t y = 0; y < 16; y += kRows)
@@ -45,10 +45,11 @@ uint32_t irvkBlockSum16x16V(const uint8_t* block, uint32_t stride)
     return reduceAdd(sums);
 }
 
-uint32_t irvkBlockZeroMeanSad16x16V(const uint8_t* block1, const uint8_t* block2, uint32_t stride, uint32_t* mean2)
+uint32_t calculateBlockSAD_ZeroMean16x16V(const uint8_t* block1, const uint8_t* block2, uint32_t stride,
+                                          uint32_t* mean2)
 {
-    *mean2 = irvkBlockSum16x16V(block2, stride) >> 8;
-    const Vec<int16_t> shift = splat(static_cast<int16_t>((irvkBlockSum16x16V(block1, stride) >> 8) - *mean2));
+    *mean2 = calculateBlockSum16x16V(block2, stride) >> 8;
+    const Vec<int16_t> shift = splat(static_cast<int16_t>((calculateBlockSum16x16V(block1, stride) >> 8) - *mean2));
     Vec<uint16_t> sums = zero<uint16_t>(); // 32 distances below 512 at most
     for (size_t y = 0; y < 16; y += kRows) {
         const Vecs<int16_t, 2> differences =
