@@ -80,4 +80,17 @@ TEST(FunctionsPage, IsThatOfTheDescriptors)
         << "docs/functions.md is out of date: ravikTestData --functions > docs/functions.md";
 }
 
+TEST(GuideToRavikTest, ListsTheGroupsInTheOrderInWhichTheyRun)
+{
+    const std::string guide = readFile(RVK_SOURCE_DIR "/docs/ravikTest.md");
+    std::string table = guide.substr(guide.find("| group | match | tests |"));
+    table.resize(table.find("\n\n"));
+    size_t at = 0;
+    for (const TestGroup& group : testGroups()) {
+        at = table.find(std::string("\n| ") + group.keyword + " | ", at);
+        ASSERT_NE(at, std::string::npos) << group.keyword;
+    }
+    EXPECT_EQ(std::count(table.begin(), table.end(), '\n'), testGroups().size() + 1);
+}
+
 } // namespace
