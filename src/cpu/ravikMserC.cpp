@@ -1,14 +1,11 @@
-// Maximally stable extremal regions. A pass floods the picture and makes the tree of its regions, selects some of them
-// and lists these. All of it follows pointers and branches on what it finds, so the vector implementations are of the
-// kernels that prepare and measure.
-#include "cpu/ravikMserC.h"
-
+// Maximally stable extremal regions. A pass finds the regions that are kept and lists them. Most of it follows pointers
+// and branches on what it finds, so the vector implementations are of the kernels that prepare and measure.
 #include "cpu/image.h"
+#include "cpu/mserTree.h"
 #include "functions.h"
 #include "kernels.h"
 #include "scratch.h"
 
-#include <bit>
 #include <pthread.h>
 
 namespace rvk {
@@ -89,244 +86,6 @@ void irvkMserBoundingBoxesC(const uint32_t* places, const uint32_t* counts, uint
 
 namespace {
 
-// ---- flooding ------------------------------------------------------------------------------------------------------
-
-// A region. Its pixels are the places that the flood left from number `begin` to `end` - 1.
-struct Node
-{
-    uint32_t begin, end, level;
-
-    uint32_t area() const { return end - begin; }
-};
-
-// Working memory of a pass, in one block.
-struct Workspace
-{
-    static constexpr uint64_t kAlignment = 64;
-
-    uint16_t* cells;
-    uint32_t* words; // as many as cells; first the flood's shore
-    uint32_t* order; // the places of all pixels in the order in which the flood left them
-    Node* nodes;     // the regions, each after those in it
-
-    // Calls visit(bytes) for each of the four.
-    template <class Visit>
-    static void forEachPart(uint32_t width, uint32_t height, Visit visit)
-    {
-        const uint64_t cells = mserCells(width, height), pixels = uint64_t{width} * height;
-        for (const uint64_t bytes :
-             {cells * sizeof(uint16_t), cells * sizeof(uint32_t), pixels * sizeof(uint32_t), pixels * sizeof(Node)})
-            visit((bytes + kAlignment - 1) / kAlignment * kAlignment);
-    }
-    Workspace(uint8_t* memory, uint32_t width, uint32_t height)
-    {
-        uint8_t *parts[4], **next = parts;
-        forEachPart(width, height, [&](uint64_t bytes) {
-            *next++ = memory;
-            memory += bytes;
-        });
-        cells = reinterpret_cast<uint16_t*>(parts[0]);
-        words = reinterpret_cast<uint32_t*>(parts[1]);
-        order = reinterpret_cast<uint32_t*>(parts[2]);
-        nodes = reinterpret_cast<Node*>(parts[3]);
-    }
-};
-
-// Floods the picture from its first pixel: always on the lowest level that it can reach, so that a region is left when
-// all its pixels are. Returns the number of nodes. Regions of less than minArea pixels that lie in others such are no
-// nodes: nobody will ask for them.
-//
-// The shore, the pixels that the flood has reached and not left, is a stack for each level. No pixel is there twice, so
-// the histogram tells how many a level has at most. What is new around a pixel cannot be foreseen: it is collected in
-// bits without a branch.
-template <uint32_t neighbours>
-uint32_t flood(const Workspace& work, uint32_t pitch, const uint32_t (&histogram)[256], uint32_t minArea)
-{
-    // Of regions that the flood has not left, each in the one before it.
-    struct Open
-    {
-        uint32_t level, begin, firstNode;
-    } open[256];
-    constexpr uint32_t kLevels = 256; // and one above them that always has pixels
-    uint32_t begin[kLevels + 1], end[kLevels + 1], nextLevel[kLevels];
-    uint32_t room = 0;
-    for (uint32_t level = 0; level < kLevels; ++level) {
-        begin[level] = end[level] = room;
-        room += histogram[level];
-    }
-    begin[kLevels] = 0;
-    end[kLevels] = 1;
-    for (uint32_t level = kLevels, next = kLevels; level-- > 0;) {
-        nextLevel[level] = next;
-        next = histogram[level] ? level : next;
-    }
-
-    uint16_t* const cells = work.cells;
-    uint32_t *const shore = work.words, *const order = work.order;
-    const ptrdiff_t row = static_cast<ptrdiff_t>(pitch);
-    const ptrdiff_t all8[8] = {-row - 1, -row + 1, row - 1, row + 1, -row, row, -1, 1};
-    const ptrdiff_t* const distances = all8 + (8 - neighbours); // the last one is where the flood goes first
-    uint32_t left = 0, nodes = 0, place = pitch + 1, level = cells[place];
-    cells[place] |= kMserSeen;
-    Open* top = open;
-    *top = {level, 0, 0};
-    for (;;) {
-        uint16_t* const cell = cells + place;
-        uint32_t lowest = UINT32_MAX, seen = 0;
-#pragma GCC unroll 8
-        for (uint32_t i = 0; i < neighbours; ++i) {
-            const uint32_t grey = cell[distances[i]]; // above all levels where the flood has been
-            lowest = std::min(lowest, grey);
-            seen |= (grey & kMserSeen) << i;
-        }
-        if (lowest < level) {
-            shore[end[level]++] = place;
-            level = lowest;
-            uint32_t i = 0;
-            while (cell[distances[i]] != lowest)
-                ++i;
-            cell[distances[i]] |= kMserSeen;
-            place += static_cast<uint32_t>(distances[i]);
-            *++top = {level, left, nodes};
-            continue;
-        }
-        constexpr uint32_t all = (1u << neighbours) - 1;
-        uint32_t next = 0; // on this level, the last one pushed
-        for (uint32_t fresh = seen / kMserSeen ^ all; fresh; fresh &= fresh - 1) {
-            const ptrdiff_t distance = distances[std::countr_zero(fresh)];
-            const uint32_t grey = cell[distance], neighbour = place + static_cast<uint32_t>(distance);
-            cell[distance] = static_cast<uint16_t>(grey | kMserSeen);
-            shore[end[grey]++] = neighbour;
-            next = grey == level ? neighbour : next;
-        }
-        order[left++] = place;
-        if (next != 0) { // popped without waiting for what has just been stored
-            --end[level];
-            place = next;
-            continue;
-        }
-        if (end[level] == begin[level]) {
-            do
-                level = nextLevel[level];
-            while (end[level] == begin[level]);
-            if (left - top->begin < minArea)
-                nodes = top->firstNode;
-            work.nodes[nodes++] = {top->begin, left, top->level};
-            if (level == kLevels)
-                return nodes;
-            if (top > open && top[-1].level == level)
-                --top; // a pixel of the region around waits there
-            else
-                top->level = level;
-        }
-        place = shore[--end[level]];
-    }
-}
-
-// ---- selection -----------------------------------------------------------------------------------------------------
-
-// The regions around a node, the largest first, while the nodes are taken from the last to the first: each comes after
-// those around it. Their levels differ, so there are no more than 256.
-template <class T>
-class Path
-{
-public:
-    void leaveWhatEndsBefore(const Node& node)
-    {
-        while (m_size > 0 && m_nodes[m_size - 1].node.begin > node.begin)
-            --m_size;
-    }
-    void enter(const Node& node, const T& value) { m_nodes[m_size++] = {node, value}; }
-    bool isEmpty() const { return m_size == 0; }
-    const Node& node() const { return m_nodes[m_size - 1].node; }
-    const T& value() const { return m_nodes[m_size - 1].value; }
-    // The area of the largest one on a level of at most `level`, or of the node itself.
-    uint32_t areaAt(uint32_t level, const Node& node) const
-    {
-        const auto* const found =
-            std::partition_point(m_nodes, m_nodes + m_size, [=](const Entry& e) { return e.node.level > level; });
-        return found == m_nodes + m_size ? node.area() : found->node.area();
-    }
-
-private:
-    struct Entry
-    {
-        Node node;
-        T value;
-    } m_nodes[256];
-    size_t m_size = 0;
-};
-
-// A region that is kept.
-struct Kept
-{
-    Node node;
-    uint32_t grown;  // the area delta levels higher
-    uint32_t parent; // the kept region around it, kNone
-    uint32_t first;  // the least place
-    uint32_t rank;   // its place in the list
-    rvkRectangle bounds;
-
-    static constexpr uint32_t kNone = UINT32_MAX;
-};
-
-// Whether each of the nodes is stable, and its area delta levels higher.
-void findStable(const Node* nodes, uint32_t count, uint32_t delta, uint8_t* isStable, uint32_t* grown)
-{
-    Path<uint32_t> around; // by their numbers
-    for (uint32_t i = count; i-- > 0;) {
-        const Node& node = nodes[i];
-        around.leaveWhatEndsBefore(node);
-        grown[i] = around.areaAt(std::min(node.level + delta, 255u), node);
-        isStable[i] = 1;
-        if (!around.isEmpty()) {
-            const uint32_t parent = around.value();
-            const bool variesMore = uint64_t{grown[i]} * nodes[parent].area() > uint64_t{grown[parent]} * node.area();
-            isStable[variesMore ? i : parent] = 0;
-        }
-        around.enter(node, i);
-    }
-}
-
-// Leaves the flags of those that are kept, and returns their number.
-uint32_t select(const Node* nodes, uint32_t count, const MserParameters& parameters, uint8_t* isKept,
-                const uint32_t* grown)
-{
-    uint32_t kept = 0;
-    Path<char> around;
-    for (uint32_t i = count; i-- > 0;) {
-        if (!isKept[i])
-            continue;
-        const Node& node = nodes[i];
-        const double area = node.area(), growth = grown[i] - node.area();
-        around.leaveWhatEndsBefore(node);
-        const double areaAround = around.isEmpty() ? 0 : around.node().area();
-        isKept[i] = node.area() >= parameters.minArea && node.area() <= parameters.maxArea &&
-                    growth <= double{parameters.maxVariation} * area &&
-                    (around.isEmpty() || areaAround - area >= double{parameters.minDiversity} * areaAround);
-        if (!isKept[i])
-            continue;
-        around.enter(node, 0);
-        ++kept;
-    }
-    return kept;
-}
-
-// Each after those around it.
-void listKept(const Node* nodes, uint32_t count, const uint8_t* isKept, const uint32_t* grown, Kept* list)
-{
-    uint32_t kept = 0;
-    Path<uint32_t> around;
-    for (uint32_t i = count; i-- > 0;) {
-        if (!isKept[i])
-            continue;
-        around.leaveWhatEndsBefore(nodes[i]);
-        list[kept] = {nodes[i], grown[i], around.isEmpty() ? Kept::kNone : around.value(), UINT32_MAX, 0, {}};
-        around.enter(nodes[i], kept);
-        ++kept;
-    }
-}
-
 // ---- pieces --------------------------------------------------------------------------------------------------------
 
 // The pixels in their order, cut where kept regions begin and end. Each piece belongs to the innermost one around it.
@@ -339,9 +98,9 @@ struct Pieces
 
     static uint64_t most(uint32_t kept) { return uint64_t{kept} * 2 + 1; }
 
-    void cut(const Kept* list, uint32_t kept, uint32_t pixels)
+    void cut(const MserKept* list, uint32_t kept, uint32_t pixels)
     {
-        uint32_t end = pixels, owner = Kept::kNone;
+        uint32_t end = pixels, owner = MserKept::kNone;
         const auto cutAt = [&](uint32_t begin) {
             if (begin == end)
                 return;
@@ -360,7 +119,7 @@ struct Pieces
             cutAt(list[i].node.end);
             owner = i;
         }
-        while (owner != Kept::kNone)
+        while (owner != MserKept::kNone)
             leave();
         cutAt(0);
         std::reverse(counts, counts + count);
@@ -372,7 +131,7 @@ struct Pieces
     void forEach(const uint32_t* order, Visit visit) const
     {
         for (uint32_t i = 0; i < count; order += counts[i], ++i)
-            if (owners[i] != Kept::kNone)
+            if (owners[i] != MserKept::kNone)
                 visit(owners[i], order, counts[i]);
     }
 };
@@ -391,7 +150,7 @@ void unite(rvkRectangle& box, const rvkRectangle& other)
     box.height = bottom - box.y;
 }
 
-void measure(Kept* list, uint32_t kept, const Pieces& pieces, const uint32_t* order, uint32_t pitch)
+void measure(MserKept* list, uint32_t kept, const Pieces& pieces, const uint32_t* order, uint32_t pitch)
 {
     kernel<Kernel::irvkMserBoundingBoxes>()(order, pieces.counts, pieces.count, pitch, pieces.boxes, pieces.firsts);
     const auto add = [&](uint32_t owner, uint32_t first, const rvkRectangle& box) {
@@ -399,10 +158,10 @@ void measure(Kept* list, uint32_t kept, const Pieces& pieces, const uint32_t* or
         unite(list[owner].bounds, box);
     };
     for (uint32_t i = 0; i < pieces.count; ++i)
-        if (pieces.owners[i] != Kept::kNone)
+        if (pieces.owners[i] != MserKept::kNone)
             add(pieces.owners[i], pieces.firsts[i], pieces.boxes[i]);
     for (uint32_t i = kept; i-- > 0;)
-        if (list[i].parent != Kept::kNone)
+        if (list[i].parent != MserKept::kNone)
             add(list[i].parent, list[i].first, list[i].bounds);
 }
 
@@ -477,22 +236,17 @@ public:
                 return false;
             m_memory = m_ownMemory.get();
         }
-        const Workspace work(m_memory, m_picture.width, m_picture.height);
+        const MserWorkspace work(m_memory, m_picture.width, m_picture.height);
         const uint32_t pitch = mserPitch(m_picture.width);
         uint32_t histogram[256];
         prepare(work.cells, histogram);
-        const uint32_t nodes = m_connectivity == 8 ? flood<8>(work, pitch, histogram, m_parameters.minArea)
-                                                   : flood<4>(work, pitch, histogram, m_parameters.minArea);
-        // The flood is over, and its memory free for what is known of the nodes.
-        auto* const flags = reinterpret_cast<uint8_t*>(work.cells);
-        uint32_t* const grown = work.words;
-        findStable(work.nodes, nodes, m_parameters.delta, flags, grown);
-        m_kept = select(work.nodes, nodes, m_parameters, flags, grown);
+        const uint32_t nodes = floodMserTree(work, pitch, histogram, m_parameters.minArea, m_connectivity);
+        m_kept = selectMserRegions(work, nodes, m_parameters);
         if (!m_list.take(uint64_t{m_kept} + 1) || !m_ranked.take(uint64_t{m_kept} + 1) || !takePieces()) {
             m_kept = 0;
             return false;
         }
-        listKept(work.nodes, nodes, flags, grown, m_list.get());
+        listMserRegions(work, nodes, m_list.get());
         m_pieces.cut(m_list.get(), m_kept, m_picture.width * m_picture.height);
         measure(m_list.get(), m_kept, m_pieces, work.order, pitch);
         rank();
@@ -519,7 +273,7 @@ public:
     {
         const uint32_t count = fit(output, before).regions - before.regions;
         for (uint32_t i = 0; i < count; ++i) {
-            const Kept& kept = m_list[m_ranked[i]];
+            const MserKept& kept = m_list[m_ranked[i]];
             const size_t index = size_t{before.regions} + i;
             if (output.regions)
                 output.regions[index] = record(kept, before.regions);
@@ -540,7 +294,7 @@ private:
     uint8_t* m_memory;
     LateScratch<uint8_t> m_ownMemory;
     uint32_t m_kept = 0;
-    LateScratch<Kept> m_list;
+    LateScratch<MserKept> m_list;
     LateScratch<uint32_t> m_ranked; // their numbers, in the order of the output
     LateScratch<uint32_t> m_pieceWords;
     LateScratch<rvkRectangle> m_pieceBoxes;
@@ -571,7 +325,7 @@ private:
         for (uint32_t i = 0; i < m_kept; ++i)
             m_ranked[i] = i;
         std::sort(m_ranked.get(), m_ranked.get() + m_kept, [this](uint32_t a, uint32_t b) {
-            const Kept &first = m_list[a], &second = m_list[b];
+            const MserKept &first = m_list[a], &second = m_list[b];
             return first.node.level != second.node.level ? first.node.level > second.node.level
                                                          : first.first < second.first;
         });
@@ -579,7 +333,7 @@ private:
             m_list[m_ranked[i]].rank = i;
     }
 
-    rvkMserRegion record(const Kept& kept, uint32_t before) const
+    rvkMserRegion record(const MserKept& kept, uint32_t before) const
     {
         const uint32_t area = kept.node.area();
         const bool isBright = m_polarity == Polarity::bright;
@@ -588,18 +342,18 @@ private:
                 isBright ? 1 : -1,
                 isBright ? 255 - kept.node.level : kept.node.level,
                 static_cast<float>(double{1} * (kept.grown - area) / area),
-                kept.parent == Kept::kNone ? -1 : static_cast<int32_t>(before + m_list[kept.parent].rank)};
+                kept.parent == MserKept::kNone ? -1 : static_cast<int32_t>(before + m_list[kept.parent].rank)};
     }
 
     // The pixels of the first `count` regions.
     void putPixels(uint32_t* pixels, uint32_t count) const
     {
-        const Workspace work(m_memory, m_picture.width, m_picture.height);
+        const MserWorkspace work(m_memory, m_picture.width, m_picture.height);
         const uint32_t pitch = mserPitch(m_picture.width);
         uint32_t* const innermost = work.words; // by place: the innermost of these regions
-        std::fill_n(innermost, static_cast<size_t>(mserCells(m_picture.width, m_picture.height)), Kept::kNone);
+        std::fill_n(innermost, static_cast<size_t>(mserCells(m_picture.width, m_picture.height)), MserKept::kNone);
         m_pieces.forEach(work.order, [&](uint32_t owner, const uint32_t* places, uint32_t n) {
-            while (owner != Kept::kNone && m_list[owner].rank >= count)
+            while (owner != MserKept::kNone && m_list[owner].rank >= count)
                 owner = m_list[owner].parent;
             for (uint32_t i = 0; i < n; ++i)
                 innermost[places[i]] = owner;
@@ -613,7 +367,8 @@ private:
         }
         for (uint32_t y = 0; y < m_picture.height; ++y)
             for (uint32_t x = 0; x < m_picture.width; ++x)
-                for (uint32_t i = innermost[(size_t{y} + 1) * pitch + x + 1]; i != Kept::kNone; i = m_list[i].parent) {
+                for (uint32_t i = innermost[(size_t{y} + 1) * pitch + x + 1]; i != MserKept::kNone;
+                     i = m_list[i].parent) {
                     uint32_t* const pixel = pixels + size_t{2} * next[i]++;
                     pixel[0] = x;
                     pixel[1] = y;
@@ -737,7 +492,7 @@ Extraction extraction(const Picture& picture, const MserParameters& parameters, 
 uint64_t mserWorkspaceSize(uint32_t width, uint32_t height)
 {
     uint64_t size = 0;
-    Workspace::forEachPart(width, height, [&](uint64_t bytes) { size += bytes; });
+    MserWorkspace::forEachPart(width, height, [&](uint64_t bytes) { size += bytes; });
     return size;
 }
 

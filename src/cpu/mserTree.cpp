@@ -1,0 +1,213 @@
+#include "cpu/mserTree.h"
+
+#include <algorithm>
+#include <bit>
+
+namespace rvk {
+namespace {
+
+// ---- flooding ------------------------------------------------------------------------------------------------------
+
+// Floods the picture from its first pixel: always on the lowest level that it can reach, so that a region is left when
+// all its pixels are.
+//
+// The shore, the pixels that the flood has reached and not left, is a stack for each level. No pixel is there twice, so
+// the histogram tells how many a level has at most. What is new around a pixel cannot be foreseen: it is collected in
+// bits without a branch.
+template <uint32_t neighbours>
+uint32_t flood(const MserWorkspace& work, uint32_t pitch, const uint32_t (&histogram)[256], uint32_t minArea)
+{
+    // Of regions that the flood has not left, each in the one before it.
+    struct Open
+    {
+        uint32_t level, begin, firstNode;
+    } open[256];
+    constexpr uint32_t kLevels = 256; // and one above them that always has pixels
+    uint32_t begin[kLevels + 1], end[kLevels + 1], nextLevel[kLevels];
+    uint32_t room = 0;
+    for (uint32_t level = 0; level < kLevels; ++level) {
+        begin[level] = end[level] = room;
+        room += histogram[level];
+    }
+    begin[kLevels] = 0;
+    end[kLevels] = 1;
+    for (uint32_t level = kLevels, next = kLevels; level-- > 0;) {
+        nextLevel[level] = next;
+        next = histogram[level] ? level : next;
+    }
+
+    uint16_t* const cells = work.cells;
+    uint32_t *const shore = work.words, *const order = work.order;
+    const ptrdiff_t row = static_cast<ptrdiff_t>(pitch);
+    const ptrdiff_t all8[8] = {-row - 1, -row + 1, row - 1, row + 1, -row, row, -1, 1};
+    const ptrdiff_t* const distances = all8 + (8 - neighbours); // the last one is where the flood goes first
+    uint32_t left = 0, nodes = 0, place = pitch + 1, level = cells[place];
+    cells[place] |= kMserSeen;
+    Open* top = open;
+    *top = {level, 0, 0};
+    for (;;) {
+        uint16_t* const cell = cells + place;
+        uint32_t lowest = UINT32_MAX, seen = 0;
+#pragma GCC unroll 8
+        for (uint32_t i = 0; i < neighbours; ++i) {
+            const uint32_t grey = cell[distances[i]]; // above all levels where the flood has been
+            lowest = std::min(lowest, grey);
+            seen |= (grey & kMserSeen) << i;
+        }
+        if (lowest < level) {
+            shore[end[level]++] = place;
+            level = lowest;
+            uint32_t i = 0;
+            while (cell[distances[i]] != lowest)
+                ++i;
+            cell[distances[i]] |= kMserSeen;
+            place += static_cast<uint32_t>(distances[i]);
+            *++top = {level, left, nodes};
+            continue;
+        }
+        constexpr uint32_t all = (1u << neighbours) - 1;
+        uint32_t next = 0; // on this level, the last one pushed
+        for (uint32_t fresh = seen / kMserSeen ^ all; fresh; fresh &= fresh - 1) {
+            const ptrdiff_t distance = distances[std::countr_zero(fresh)];
+            const uint32_t grey = cell[distance], neighbour = place + static_cast<uint32_t>(distance);
+            cell[distance] = static_cast<uint16_t>(grey | kMserSeen);
+            shore[end[grey]++] = neighbour;
+            next = grey == level ? neighbour : next;
+        }
+        order[left++] = place;
+        if (next != 0) { // popped without waiting for what has just been stored
+            --end[level];
+            place = next;
+            continue;
+        }
+        if (end[level] == begin[level]) {
+            do
+                level = nextLevel[level];
+            while (end[level] == begin[level]);
+            if (left - top->begin < minArea)
+                nodes = top->firstNode;
+            work.nodes[nodes++] = {top->begin, left, top->level};
+            if (level == kLevels)
+                return nodes;
+            if (top > open && top[-1].level == level)
+                --top; // a pixel of the region around waits there
+            else
+                top->level = level;
+        }
+        place = shore[--end[level]];
+    }
+}
+
+// ---- selection -----------------------------------------------------------------------------------------------------
+
+// The regions around a node, the largest first, while the nodes are taken from the last to the first: each comes after
+// those around it. Their levels differ, so there are no more than 256.
+template <class T>
+class Path
+{
+public:
+    void leaveWhatEndsBefore(const MserNode& node)
+    {
+        while (m_size > 0 && m_nodes[m_size - 1].node.begin > node.begin)
+            --m_size;
+    }
+    void enter(const MserNode& node, const T& value) { m_nodes[m_size++] = {node, value}; }
+    bool isEmpty() const { return m_size == 0; }
+    const MserNode& node() const { return m_nodes[m_size - 1].node; }
+    const T& value() const { return m_nodes[m_size - 1].value; }
+    // The area of the largest one on a level of at most `level`, or of the node itself.
+    uint32_t areaAt(uint32_t level, const MserNode& node) const
+    {
+        const auto* const found =
+            std::partition_point(m_nodes, m_nodes + m_size, [=](const Entry& e) { return e.node.level > level; });
+        return found == m_nodes + m_size ? node.area() : found->node.area();
+    }
+
+private:
+    struct Entry
+    {
+        MserNode node;
+        T value;
+    } m_nodes[256];
+    size_t m_size = 0;
+};
+
+// Whether each of the nodes is stable, and its area delta levels higher.
+void findStable(const MserNode* nodes, uint32_t count, uint32_t delta, uint8_t* isStable, uint32_t* grown)
+{
+    Path<uint32_t> around; // by their numbers
+    for (uint32_t i = count; i-- > 0;) {
+        const MserNode& node = nodes[i];
+        around.leaveWhatEndsBefore(node);
+        grown[i] = around.areaAt(std::min(node.level + delta, 255u), node);
+        isStable[i] = 1;
+        if (!around.isEmpty()) {
+            const uint32_t parent = around.value();
+            const bool variesMore = uint64_t{grown[i]} * nodes[parent].area() > uint64_t{grown[parent]} * node.area();
+            isStable[variesMore ? i : parent] = 0;
+        }
+        around.enter(node, i);
+    }
+}
+
+// Leaves the flags of those that are kept, and returns their number.
+uint32_t select(const MserNode* nodes, uint32_t count, const MserParameters& parameters, uint8_t* isKept,
+                const uint32_t* grown)
+{
+    uint32_t kept = 0;
+    Path<char> around;
+    for (uint32_t i = count; i-- > 0;) {
+        if (!isKept[i])
+            continue;
+        const MserNode& node = nodes[i];
+        const double area = node.area(), growth = grown[i] - node.area();
+        around.leaveWhatEndsBefore(node);
+        const double areaAround = around.isEmpty() ? 0 : around.node().area();
+        isKept[i] = node.area() >= parameters.minArea && node.area() <= parameters.maxArea &&
+                    growth <= double{parameters.maxVariation} * area &&
+                    (around.isEmpty() || areaAround - area >= double{parameters.minDiversity} * areaAround);
+        if (!isKept[i])
+            continue;
+        around.enter(node, 0);
+        ++kept;
+    }
+    return kept;
+}
+
+// In place of the cells, once the flood is over.
+uint8_t* flagsOf(const MserWorkspace& work)
+{
+    return reinterpret_cast<uint8_t*>(work.cells);
+}
+
+} // namespace
+
+uint32_t floodMserTree(const MserWorkspace& work, uint32_t pitch, const uint32_t (&histogram)[256], uint32_t minArea,
+                       uint32_t connectivity)
+{
+    return connectivity == 8 ? flood<8>(work, pitch, histogram, minArea) : flood<4>(work, pitch, histogram, minArea);
+}
+
+uint32_t selectMserRegions(const MserWorkspace& work, uint32_t nodes, const MserParameters& parameters)
+{
+    findStable(work.nodes, nodes, parameters.delta, flagsOf(work), work.words);
+    return select(work.nodes, nodes, parameters, flagsOf(work), work.words);
+}
+
+void listMserRegions(const MserWorkspace& work, uint32_t nodes, MserKept* list)
+{
+    const uint8_t* const isKept = flagsOf(work);
+    const uint32_t* const grown = work.words;
+    uint32_t kept = 0;
+    Path<uint32_t> around;
+    for (uint32_t i = nodes; i-- > 0;) {
+        if (!isKept[i])
+            continue;
+        around.leaveWhatEndsBefore(work.nodes[i]);
+        list[kept] = {work.nodes[i], grown[i], around.isEmpty() ? MserKept::kNone : around.value(), UINT32_MAX, 0, {}};
+        around.enter(work.nodes[i], kept);
+        ++kept;
+    }
+}
+
+} // namespace rvk
