@@ -267,11 +267,11 @@ struct Channels
     }
 
     // Whether kBytes pixels from x on have no channel that differs by more than the threshold from that of the pixels
-    // from otherX on.
-    RVK_INLINE Mask<uint8_t> areSimilar(size_t x, const Channels& other, size_t otherX, Vec<uint8_t> threshold) const
+    // `shift` beside them, -1 to 1.
+    RVK_INLINE Mask<uint8_t> areSimilar(size_t x, const Channels& other, ptrdiff_t shift, Vec<uint8_t> threshold) const
     {
         const auto difference = [&](size_t c) RVK_INLINE_LAMBDA {
-            return absDiff(load(channel[c] + x), load(other.channel[c] + otherX));
+            return absDiff(load(channel[c] + x), load(other.channel[c] + x + shift));
         };
         const Vec<uint8_t> most = max(max(difference(0), difference(1)), difference(2));
         return equal(min(most, threshold), most);
@@ -399,8 +399,7 @@ RVK_NOINLINE void findRegions(size_t width, size_t height, Plane<const uint8_t> 
         const auto compare = [&](Word* bits, const Channels& other, ptrdiff_t shift) RVK_INLINE_LAMBDA {
             bits[words - 1] = 0;
             for (size_t x = 0; x < width; x += kBytes)
-                storeBits(reinterpret_cast<uint8_t*>(bits) + x / 8,
-                          here.areSimilar(x, other, x + static_cast<size_t>(shift), thresholds));
+                storeBits(reinterpret_cast<uint8_t*>(bits) + x / 8, here.areSimilar(x, other, shift, thresholds));
             bits[words - 1] &= inLast;
         };
         Word* const rowStarts = starts + y * words;
