@@ -217,6 +217,11 @@ struct Argument
     {
         return changed([](Argument& a) { a.mayBeNull = true; });
     }
+    // A scalar that is never more than what it is drawn as: the images have no room for it, or it would take too long.
+    Argument limited() const
+    {
+        return changed([](Argument& a) { a.isCapacity = true; });
+    }
     Argument refusing(std::vector<double> numbers) const
     {
         return changed([&](Argument& a) { a.refused = std::move(numbers); });

@@ -99,7 +99,7 @@ const FunctionGroup& descriptorFunctions()
 
 const FunctionGroup& vectorFunctions()
 {
-    const Argument count = oneOf({kDescriptors, 1, 4}).refusing({0});
+    const Argument count = oneOf({kDescriptors, 1, 4}).refusing({0}).limited();
 
     static const FunctionGroup group{
         "ravikvec",
@@ -114,7 +114,7 @@ const FunctionGroup& vectorFunctions()
 
 const FunctionGroup& sampleStatisticsFunctions()
 {
-    const Argument count = oneOf({kDescriptors, 1, 2}).refusing({0});
+    const Argument count = oneOf({kDescriptors, 1, 2}).refusing({0}).limited();
 
     static const FunctionGroup group{"ravikstats",
                                      "rvk",

@@ -40,7 +40,7 @@ rvkStatus drawPlanar(decltype(rvkDrawContourPlanaru8)* function, uint8_t* dst1, 
 
 const FunctionGroup& drawContourFunctions()
 {
-    const Argument coordinates = src.ofSize(2 * kTestPoints), nContours = between(0, kContours);
+    const Argument coordinates = src.ofSize(2 * kTestPoints), nContours = capacity(0, kContours);
     const Argument thickness = oneOf({RAVIK_DRAW_FILLED, 1, 2, 5, 255}).refusing({256, UINT32_MAX});
 
     static const FunctionGroup group{

@@ -30,7 +30,7 @@ using namespace arguments;
 
 const FunctionGroup& houghLineFunctions()
 {
-    const Argument nAngles = oneOf({180, 1, 2, 3, 37}).refusing({0});
+    const Argument nAngles = oneOf({180, 1, 2, 3, 37}).refusing({0}).limited();
     const Argument rhoStep = oneOf({1, 0.5, 0.7, 3}).refusing({0, -1, 0.49});
     const Argument threshold = oneOf({20, 1, 2, 5, UINT32_MAX}).refusing({0});
     const Argument lines = list(kMostFound * sizeof(rvkLine) / sizeof(uint32_t));

@@ -35,7 +35,7 @@ rvkStatus fill(decltype(rvkFillConvexPolyu8)* function, uint8_t* dst, uint32_t w
 }
 
 const Argument kCoordinates = src.ofSize(2 * kTestPoints);
-const Argument kCount = oneOf({kTestPoints, 1, 2, 3, 5, 17}).refusing({0});
+const Argument kCount = oneOf({kTestPoints, 1, 2, 3, 5, 17}).refusing({0}).limited();
 
 } // namespace
 
