@@ -43,51 +43,46 @@ uint32_t RVK_FORM(rvkMeanShiftf32)(const float32_t* src, uint32_t srcWidth, uint
     return meanShift<float32_t>({src, srcWidth, srcHeight, srcStride}, firstMoments, window, maxIterations, epsilon);
 }
 
+namespace {
+
+// Mean shift, then the box around what the window, a little larger, found.
+template <class T>
+uint32_t trackAdaptively(const WeightPicture<T>& picture,
+                         rvkStatus (*imageMoments)(const T*, uint32_t, uint32_t, uint32_t, uint32_t, rvkMoments*),
+                         rvkRectangle* window, uint32_t maxIterations, float32_t epsilon, rvkRotatedBox* box)
+{
+    const uint32_t steps = meanShift<T>(picture, firstMoments, window, maxIterations, epsilon);
+    const rvkRectangle grown = grownWindow(*window, picture.width, picture.height);
+    rvkMoments moments;
+    imageMoments(picture.at(grown), static_cast<uint32_t>(grown.width), static_cast<uint32_t>(grown.height),
+                 picture.stride, 0, &moments);
+    *box = boxAround(moments, grown, picture.width, picture.height, window);
+    return steps;
+}
+
+} // namespace
+
 uint32_t RVK_FORM(rvkConAdaTracku8)(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
                                     rvkRectangle* window, uint32_t maxIterations, float32_t epsilon, rvkRotatedBox* box)
 {
-    const uint32_t steps =
-        RVK_FORM(rvkMeanShiftu8)(src, srcWidth, srcHeight, srcStride, window, maxIterations, epsilon);
-    const rvkRectangle grown = grownWindow(*window, srcWidth, srcHeight);
-    const WeightPicture<uint8_t> picture{src, srcWidth, srcHeight, srcStride};
-    rvkMoments moments;
-    RVK_FORM(rvkImageMomentsu8)
-    (picture.at(grown), static_cast<uint32_t>(grown.width), static_cast<uint32_t>(grown.height), srcStride, 0,
-     &moments);
-    *box = boxAround(moments, grown, srcWidth, srcHeight, window);
-    return steps;
+    return trackAdaptively<uint8_t>({src, srcWidth, srcHeight, srcStride}, RVK_FORM(rvkImageMomentsu8), window,
+                                    maxIterations, epsilon, box);
 }
 
 uint32_t RVK_FORM(rvkConAdaTracks32)(const int32_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
                                      rvkRectangle* window, uint32_t maxIterations, float32_t epsilon,
                                      rvkRotatedBox* box)
 {
-    const uint32_t steps =
-        RVK_FORM(rvkMeanShifts32)(src, srcWidth, srcHeight, srcStride, window, maxIterations, epsilon);
-    const rvkRectangle grown = grownWindow(*window, srcWidth, srcHeight);
-    const WeightPicture<int32_t> picture{src, srcWidth, srcHeight, srcStride};
-    rvkMoments moments;
-    RVK_FORM(rvkImageMomentss32)
-    (picture.at(grown), static_cast<uint32_t>(grown.width), static_cast<uint32_t>(grown.height), srcStride, 0,
-     &moments);
-    *box = boxAround(moments, grown, srcWidth, srcHeight, window);
-    return steps;
+    return trackAdaptively<int32_t>({src, srcWidth, srcHeight, srcStride}, RVK_FORM(rvkImageMomentss32), window,
+                                    maxIterations, epsilon, box);
 }
 
 uint32_t RVK_FORM(rvkConAdaTrackf32)(const float32_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
                                      rvkRectangle* window, uint32_t maxIterations, float32_t epsilon,
                                      rvkRotatedBox* box)
 {
-    const uint32_t steps =
-        RVK_FORM(rvkMeanShiftf32)(src, srcWidth, srcHeight, srcStride, window, maxIterations, epsilon);
-    const rvkRectangle grown = grownWindow(*window, srcWidth, srcHeight);
-    const WeightPicture<float32_t> picture{src, srcWidth, srcHeight, srcStride};
-    rvkMoments moments;
-    RVK_FORM(rvkImageMomentsf32)
-    (picture.at(grown), static_cast<uint32_t>(grown.width), static_cast<uint32_t>(grown.height), srcStride, 0,
-     &moments);
-    *box = boxAround(moments, grown, srcWidth, srcHeight, window);
-    return steps;
+    return trackAdaptively<float32_t>({src, srcWidth, srcHeight, srcStride}, RVK_FORM(rvkImageMomentsf32), window,
+                                      maxIterations, epsilon, box);
 }
 
 } // namespace RVK_ROOM
