@@ -4,7 +4,8 @@
  *   Shapes     a descriptor of "36" has 36 elements. Strides are in bytes, from one descriptor or row to the next; 0
  *              means packed ones.
  *   Floats     single precision, operation by operation as written below, with the same bits on all targets; only that
- *              vector code on 32-bit Arm takes subnormal numbers as zero.
+ *              rvkSumOfSquaredDiffsf32 has the tolerance of rvkDotProductf32, and that vector code on 32-bit Arm takes
+ *              subnormal numbers as zero.
  *   Alignment  bytes may stand anywhere, floats and pointers are aligned to their size.
  *   Overlap    outputs must not overlap inputs, but for rvkSort8Scoresf32.
  *   Errors     functions without a result log "Assertion failed @<function>: <condition>" on bad arguments, the others

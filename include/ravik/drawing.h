@@ -11,8 +11,10 @@
  *              enclose: the pixels with an odd number of crossings strictly to the right in their row, of the edges of
  *              all contours together. An edge crosses the rows from its upper end to the one before its lower end. So
  *              the borders of holes leave the holes open.
- *   Shapes     widths and heights are in pixels and at least 1, strides in bytes; 0 means packed rows. No alignment is
- *              needed. Pictures of dstStride x dstHeight above 2^32 - 1 bytes are refused.
+ *   Shapes     widths and heights are in pixels and at least 1, strides in bytes; 0 means packed rows. Pictures of
+ *              dstStride x dstHeight above 2^32 - 1 bytes are refused.
+ *   Alignment  pictures may stand anywhere, points and sizes are aligned to 4.
+ *   Overlap    pictures must not overlap the points and sizes, nor planes each other.
  *   Errors     RAVIK_EBADPARAM; RAVIK_ENORES without scratch memory, of which filling takes up to a bit a pixel. Whatever
  *              the error, nothing is written. */
 #ifndef RAVIK_DRAWING_H

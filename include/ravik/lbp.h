@@ -17,6 +17,7 @@ RVK_EXTERN_C_BEGIN
  *   Shapes     dst is (srcWidth - 2 * radius) x (srcHeight - 2 * radius); its pixel (0, 0) belongs to the picture's
  *              (radius, radius). Strides are in bytes; 0 means packed rows. neighbors is 1 to 8; a radius of 0 compares
  *              each pixel with itself.
+ *   Alignment  both may stand anywhere. Bytes of dst between its rows are left alone.
  *   Overlap    dst must not overlap src.
  *   Errors     null pointers, sizes of 0, strides shorter than a row, other numbers of neighbours and pictures without
  *              such pixels are refused with RAVIK_EBADPARAM, and nothing is written.

@@ -3,6 +3,7 @@
  * Common to all functions of this header:
  *   Shapes     widths and heights are in pixels and at least 1. Strides are in bytes; 0 means packed rows.
  *   Alignment  pixels and `moments` are aligned to their elements.
+ *   Overlap    `moments` must not overlap the picture.
  *   Errors     RAVIK_EBADPARAM for null pointers, sizes of 0 and strides shorter than a row; nothing is written. */
 #ifndef RAVIK_MOMENTS_H
 #define RAVIK_MOMENTS_H

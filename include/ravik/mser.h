@@ -30,6 +30,7 @@
  *   Shapes     widths and heights are in pixels and at least 1, pictures have at most 2^30 - 1 pixels. Strides are in
  *              bytes; 0 means packed rows.
  *   Alignment  that of the elements.
+ *   Overlap    lists must not overlap the picture or each other.
  *   Threads    the dark pass runs on a thread of its own, or after the bright one when none can be started.
  *   Memory     22 bytes of scratch memory a pixel for each pass, and about 100 bytes for each region that is kept. */
 #ifndef RAVIK_MSER_H

@@ -2,7 +2,10 @@
  *
  * Points are pairs x, y of -2^29 to 2^29 - 1, with y growing downwards; there is at least one.
  *
- *   Errors     RAVIK_EBADPARAM, or RAVIK_ENORES without scratch memory. Whatever the error, nothing is written. */
+ *   Alignment  that of the elements.
+ *   Overlap    results must not overlap the points, but for the hull, which may be in their place.
+ *   Errors     RAVIK_EBADPARAM for null pointers, no points, points out of range and queries that are not finite;
+ *              RAVIK_ENORES without scratch memory. Whatever the error, nothing is written. */
 #ifndef RAVIK_POLYGON_H
 #define RAVIK_POLYGON_H
 
