@@ -16,8 +16,9 @@
  *              the order of contours; -1 for none. External and List know no parents.
  *   Alignment  pictures may stand anywhere, lists are aligned to their elements.
  *   Overlap    lists must not overlap the picture or each other.
- *   Errors     RAVIK_EBADPARAM for null pointers that are not said to be allowed, sizes of 0, strides shorter than a row and what
- *              the functions say; RAVIK_ENORES without scratch memory. Whatever the error, nothing is written. */
+ *   Errors     RAVIK_EBADPARAM for null pointers that are not said to be allowed, sizes of 0, strides shorter than a row
+ *              and what the functions say; RAVIK_ENORES without scratch memory. Whatever the error, nothing is
+ *              written. */
 #ifndef RAVIK_CONTOUR_H
 #define RAVIK_CONTOUR_H
 
