@@ -3,8 +3,8 @@
 #
 #   ./test.sh          host, sanitizers, 32-bit Arm as clang builds it, under emulation
 #   ./test.sh --all    also the format, clang on the host, the Android compile check, 32-bit Arm as g++ builds it, AArch64,
-#                      the thread sanitizer, bounded fuzzing, the report page in a browser
-#   ./test.sh STEP...  only these: host asan arm-clang format clang android arm aarch64 tsan fuzz report
+#                      the thread sanitizer, bounded fuzzing, the report page in a browser, the reference
+#   ./test.sh STEP...  only these: host asan arm-clang format clang android arm aarch64 tsan fuzz report docs
 #
 # --fuzz-seconds N, before these, gives each fuzz target N seconds instead of 60.
 # The last line says how many tests passed and failed; what a failed one printed is above it and in build/logs.
@@ -19,7 +19,7 @@ cd "$root" || exit 1
 
 fuzzSeconds=60
 usual="host asan arm-clang"
-extra="format clang android arm aarch64 tsan fuzz report"
+extra="format clang android arm aarch64 tsan fuzz report docs"
 
 passed=0
 failed=0
@@ -165,7 +165,7 @@ arm-clang() { emulatedArm arm-clang; }
 arm() { emulatedArm arm; }
 wellFormatted()
 {
-    find bench data examples include src tests tst -name '*.h' -o -name '*.cpp' | xargs clang-format-14 --dry-run -Werror
+    find bench data docs examples include src tests tst -name '*.h' -o -name '*.cpp' | xargs clang-format-14 --dry-run -Werror
 }
 format() { one "format" wellFormatted; }
 clang() { buildAndTest clang && ravikTests clang "$(instructionSets)"; }
@@ -193,6 +193,12 @@ report()
     one "report: pages in a browser" tests/reportTest.sh build/gcc/tst/ravikTest "$testData" build/report
 }
 
+docs()
+{
+    one "docs: headers as they are read" tests/docsTest.sh
+    one "docs: the reference, without a warning" ./docs.sh
+}
+
 needs() # STEP
 {
     local googletest=/usr/src/googletest/CMakeLists.txt:googletest
@@ -200,6 +206,7 @@ needs() # STEP
     host) needBuildTools pkg-config:pkg-config $googletest && needOpenCv ;;
     tsan) needBuildTools $googletest ;;
     report) needBuildTools $googletest chromium:chromium && needReport ;;
+    docs) needBuildTools $googletest doxygen:doxygen /usr/include/png.h:libpng-dev python3:python3 ;;
     format) need clang-format-14:clang-format-14 ;;
     arm) needBuildTools $googletest && needArm ;;
     arm-clang) needBuildTools $googletest clang++-14:clang-14 && needArm ;;

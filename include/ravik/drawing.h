@@ -26,6 +26,7 @@ RVK_EXTERN_C_BEGIN
 
 #define RAVIK_DRAW_FILLED 0u /* as the thickness */
 
+/* Draws contours with one value. */
 RVK_API rvkStatus rvkDrawContouru8(uint8_t* dst, uint32_t dstWidth, uint32_t dstHeight, uint32_t dstStride,
                                    const int32_t* points, const uint32_t* contourSizes, uint32_t nContours,
                                    uint32_t thickness, uint8_t value);

@@ -18,6 +18,7 @@
 
 RVK_EXTERN_C_BEGIN
 
+/* The smallest and the largest element and their places. */
 RVK_API void rvkMinMaxLocu8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
                             uint8_t* minVal, uint8_t* maxVal, uint32_t* minLocX, uint32_t* minLocY, uint32_t* maxLocX,
                             uint32_t* maxLocY);

@@ -40,13 +40,15 @@
 
 RVK_EXTERN_C_BEGIN
 
-#define RAVIK_MSER_BRIGHT 1u
-#define RAVIK_MSER_DARK 2u
+/* The bits of `polarities`. */
+#define RAVIK_MSER_BRIGHT 1u /* regions brighter than what is around them */
+#define RAVIK_MSER_DARK 2u   /* darker ones */
 
+/* All that is known of a region. */
 typedef struct rvkMserRegion
 {
-    rvkRectangle bounds;
-    uint32_t area;
+    rvkRectangle bounds; /* the smallest upright rectangle around it */
+    uint32_t area;       /* in pixels */
     int32_t polarity;    /* 1 of the bright pass, -1 of the dark one */
     uint32_t level;      /* as a value of src */
     float32_t variation; /* within 1e-6 of its size */
@@ -81,7 +83,7 @@ RVK_API uint32_t rvkMserExtu8_v3(const uint8_t* src, uint32_t srcWidth, uint32_t
                                  rvkMserRegion* regions, uint32_t nRegionsMax, uint32_t* nRegions, uint32_t* pixels,
                                  uint32_t nPixelsMax);
 
-/* A list for each pass. */
+/* A list for each pass: brightRegions with brightPixels, darkRegions with darkPixels. */
 RVK_API uint32_t rvkMserSplitExtu8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
                                    uint32_t delta, uint32_t minArea, uint32_t maxArea, float32_t maxVariation,
                                    float32_t minDiversity, rvkMserRegion* brightRegions, uint32_t nBrightRegionsMax,

@@ -19,16 +19,18 @@
 
 RVK_EXTERN_C_BEGIN
 
+/* A level with packed rows. */
 typedef struct rvkPyramidLevel
 {
-    void* ptr;
+    void* ptr; /* its first pixel */
     uint32_t width;
     uint32_t height;
 } rvkPyramidLevel;
 
+/* A level with rows `stride` bytes apart. */
 typedef struct rvkPyramidLevel_v2
 {
-    void* ptr;
+    void* ptr; /* its first pixel */
     uint32_t width;
     uint32_t height;
     uint32_t stride;

@@ -16,6 +16,7 @@
 /* Marks what the shared library exports; everything else stays hidden. */
 #define RVK_API __attribute__((visibility("default")))
 
+/* Single precision of IEEE 754. */
 typedef float float32_t;
 
 /* Result of a status function. */
