@@ -385,7 +385,7 @@ TEST(Contract, TakesImagesThatTouchWhereTheyMayNotOverlap)
             call.values.pointers[block.argument] = together.data() + used;
             used += block.bytes();
         }
-        function.bind(call.values)();
+        function.call(call.values);
         EXPECT_TRUE(together == expected) << currentCall;
     });
 }
@@ -474,7 +474,7 @@ TEST(Contract, EntriesPassOnTheirArguments)
                 call.call(referenceOf(slotOf(function)));
             } else {
                 const FunctionTest& strided = testNamed(function.function + "_v2");
-                strided.bindTo(referenceOf(slotOf(strided)), withStrides(function, call, strided))();
+                strided.call(referenceOf(slotOf(strided)), withStrides(function, call, strided));
             }
             EXPECT_TRUE(contents(call) == actual) << function.name;
         }
@@ -549,7 +549,7 @@ public:
     std::string unit() const
     {
         clearLog();
-        m_function.bind(m_values)();
+        m_function.call(m_values);
         const std::string head = "6 ravik_runtime_log: " + m_function.function;
         for (const std::string& line : logLines)
             if (line.starts_with(head))

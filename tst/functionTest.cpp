@@ -310,6 +310,12 @@ static void setDependent(const FunctionTest& test, std::vector<double>& numbers,
     }
 }
 
+Outcome FunctionTest::call(AnyFunction function, const CallValues& values, uint32_t times) const
+{
+    const Outcome outcome = caller(function, adapter, values, times);
+    return returnsNumber ? Outcome{.count = static_cast<uint32_t>(outcome.status)} : outcome;
+}
+
 void FunctionTest::drawSizes(std::vector<double>& numbers, CaseSize size, RandomBits& random) const
 {
     setSize(numbers, size);

@@ -540,6 +540,9 @@ struct CallValues
     std::vector<double> numbers; // of all others
 };
 
+// Calls a function of some type, or the adapter with it as first argument.
+using Caller = Outcome (*)(AnyFunction function, AnyFunction adapter, const CallValues& values, uint32_t times);
+
 struct FunctionTest
 {
     std::string name;      // of the test: the function's, or that of one of its variants
@@ -554,9 +557,13 @@ struct FunctionTest
     uint32_t loopMultiplier = 1;          // calls per profiling sample, for functions that the clock cannot see
     Contract contract{};
     AnyFunction entry = nullptr; // the public function
-    // The call of a function of the same type with these values, ready to be made and timed.
-    std::function<std::function<Outcome()>(AnyFunction, const CallValues&)> bindTo;
-    std::function<Outcome()> bind(const CallValues& values) const { return bindTo(entry, values); }
+    Caller caller = nullptr;
+    AnyFunction adapter = nullptr; // that makes the arguments of those that are described
+    bool returnsNumber = false;    // an int32_t that is no status
+
+    // Calls a function of the same type with these values, so many times. Returns what the last call gave.
+    Outcome call(AnyFunction function, const CallValues& values, uint32_t times = 1) const;
+    Outcome call(const CallValues& values, uint32_t times = 1) const { return call(entry, values, times); }
 
     // The images whose stride the argument at `index` gives.
     std::vector<size_t> imagesOfStride(size_t index) const;
@@ -597,11 +604,7 @@ struct FunctionTest
     FunctionTest returningNumber() &&
     {
         hasStatus = false;
-        hasCount = true;
-        bindTo = [bindStatus = std::move(bindTo)](AnyFunction any,
-                                                  const CallValues& values) -> std::function<Outcome()> {
-            return [call = bindStatus(any, values)] { return Outcome{.count = static_cast<uint32_t>(call().status)}; };
-        };
+        hasCount = returnsNumber = true;
         return std::move(*this);
     }
     FunctionTest endingWithoutMemory() &&
@@ -654,49 +657,77 @@ Argument completed(Argument argument)
     return argument;
 }
 
-// A function that is called by `call(function, arguments...)`.
-template <class Result, class... Parameters, class Function, class Call>
-FunctionTest describeCall(const char* name, const char* functionName, const char* tableName, Function* entry, Call call,
-                          const std::vector<Argument>& given)
+// Arguments are converted before the first call, so that calls in a row take what the function takes.
+template <class Result, class... Parameters>
+Outcome callRepeatedly(uint32_t times, Result (*function)(Parameters...), Parameters... parameters)
+{
+    Outcome outcome;
+    for (; times > 0; times--) {
+        if constexpr (std::is_void_v<Result>)
+            function(parameters...);
+        else if constexpr (std::is_same_v<Result, uint32_t>)
+            outcome.count = function(parameters...);
+        else
+            outcome.status = function(parameters...);
+    }
+    return outcome;
+}
+
+template <class Result, class... Parameters>
+Outcome callPlainly(AnyFunction any, AnyFunction, const CallValues& values, uint32_t times)
+{
+    return [&]<size_t... I>(std::index_sequence<I...>)
+    {
+        return callRepeatedly(times, reinterpret_cast<Result (*)(Parameters...)>(any),
+                              argumentAs<Parameters>(values, I)...);
+    }
+    (std::index_sequence_for<Parameters...>());
+}
+
+template <class Function, class Result, class... Parameters>
+Outcome callAdapted(AnyFunction any, AnyFunction adapter, const CallValues& values, uint32_t times)
+{
+    return [&]<size_t... I>(std::index_sequence<I...>)
+    {
+        return callRepeatedly(times, reinterpret_cast<Result (*)(Function*, Parameters...)>(adapter),
+                              reinterpret_cast<Function*>(any), argumentAs<Parameters>(values, I)...);
+    }
+    (std::index_sequence_for<Parameters...>());
+}
+
+template <class Result, class... Parameters>
+std::vector<Argument> completedArguments(const std::vector<Argument>& given)
 {
     if (given.size() != sizeof...(Parameters))
         abort();
     return [&]<size_t... I>(std::index_sequence<I...>)
     {
-        FunctionTest test{.name = name,
-                          .function = functionName,
-                          .tableName = tableName,
-                          .arguments = {completed<Parameters>(given[I])...},
-                          .hasStatus = std::is_same_v<Result, rvkStatus> || std::is_same_v<Result, int32_t>,
-                          .hasCount = std::is_same_v<Result, uint32_t>,
-                          .withoutMemory = std::is_same_v<Result, int32_t> ? -1 : RAVIK_ENORES,
-                          .entry = reinterpret_cast<AnyFunction>(entry),
-                          .bindTo = {}};
-        test.bindTo = [call](AnyFunction any, const CallValues& callValues) -> std::function<Outcome()> {
-            return [call,
-                    values = std::tuple(reinterpret_cast<Function*>(any), argumentAs<Parameters>(callValues, I)...)] {
-                Outcome outcome;
-                if constexpr (std::is_void_v<Result>)
-                    std::apply(call, values);
-                else if constexpr (!std::is_same_v<Result, uint32_t>)
-                    outcome.status = std::apply(call, values);
-                else
-                    outcome.count = std::apply(call, values);
-                return outcome;
-            };
-        };
-        return test;
+        return std::vector<Argument>{completed<Parameters>(given[I])...};
     }
     (std::index_sequence_for<Parameters...>());
+}
+
+template <class Result>
+FunctionTest describeResult(const char* name, const char* functionName, const char* tableName, AnyFunction entry,
+                            Caller caller, std::vector<Argument> arguments)
+{
+    return {.name = name,
+            .function = functionName,
+            .tableName = tableName,
+            .arguments = std::move(arguments),
+            .hasStatus = std::is_same_v<Result, rvkStatus> || std::is_same_v<Result, int32_t>,
+            .hasCount = std::is_same_v<Result, uint32_t>,
+            .withoutMemory = std::is_same_v<Result, int32_t> ? -1 : RAVIK_ENORES,
+            .entry = entry,
+            .caller = caller};
 }
 
 template <class Result, class... Parameters>
 FunctionTest describe(const char* name, const char* functionName, const char* tableName,
                       Result (*function)(Parameters...), const std::vector<Argument>& given)
 {
-    using Function = Result(Parameters...);
-    const auto call = [](Function* any, Parameters... parameters) { return any(parameters...); };
-    return describeCall<Result, Parameters...>(name, functionName, tableName, function, call, given);
+    return describeResult<Result>(name, functionName, tableName, reinterpret_cast<AnyFunction>(function),
+                                  callPlainly<Result, Parameters...>, completedArguments<Result, Parameters...>(given));
 }
 
 // A function that takes structures of images: `adapter(function, arguments...)` makes them of the arguments that are
@@ -705,7 +736,11 @@ template <class Function, class Result, class... Parameters>
 FunctionTest describeAdapted(const char* name, const char* tableName, Function* function,
                              Result (*adapter)(Function*, Parameters...), const std::vector<Argument>& given)
 {
-    return describeCall<Result, Parameters...>(name, name, tableName, function, adapter, given);
+    FunctionTest test = describeResult<Result>(name, name, tableName, reinterpret_cast<AnyFunction>(function),
+                                               callAdapted<Function, Result, Parameters...>,
+                                               completedArguments<Result, Parameters...>(given));
+    test.adapter = reinterpret_cast<AnyFunction>(adapter);
+    return test;
 }
 
 #define RVK_TEST(function, ...) describe(#function, #function, #function, function, {__VA_ARGS__})

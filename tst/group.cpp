@@ -201,14 +201,13 @@ int FunctionRun::profile(int loops, RAVIK_TEST_Times& times)
     if (!testCase.prepareOutputs())
         return outOfMemory();
 
-    const std::function<Outcome()> call = testCase.bind();
+    const CallValues values = testCase.callValues();
     const auto dspLoops = static_cast<uint32_t>(std::max(settings.dspLoops, 0));
     for (int i = 0; i < loops; i++) {
         testCase.flush();
         times.dspStart = rvk::probeX6Time(kProbeStart, dspLoops);
         times.start = rvkGetTime();
-        for (uint32_t repeat = 0; repeat < m_function.loopMultiplier; repeat++)
-            call();
+        m_function.call(values, m_function.loopMultiplier);
         times.end = rvkGetTime();
         times.dspEnd = rvk::probeX6Time(kProbeRead, dspLoops);
         recordSample(times, dspLoops);

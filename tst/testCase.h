@@ -56,8 +56,8 @@ public:
 
     // Makes the outputs ready for a call.
     bool prepareOutputs();
-    std::function<Outcome()> bind() const;
-    Outcome call() const { return bind()(); }
+    CallValues callValues() const;
+    Outcome call() const { return m_function.call(callValues()); }
 
     // Makes what the last call gave the result that the next ones should give.
     bool expectThisOutput(const Outcome& outcome);

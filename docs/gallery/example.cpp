@@ -203,7 +203,7 @@ Example::Example(const FunctionTest& function) : m_function(function), m_numbers
     for (size_t i = 0; i < m_numbers.size(); i++)
         if (function.arguments[i].role == Role::alias)
             values.pointers[i] = values.pointers[function.arguments[i].aliasOf];
-    m_succeeded = m_function.bind(values)().status == RAVIK_SUCCESS || !m_function.hasStatus;
+    m_succeeded = m_function.call(values).status == RAVIK_SUCCESS || !m_function.hasStatus;
 }
 
 std::vector<std::pair<size_t, double>> Example::numbers() const

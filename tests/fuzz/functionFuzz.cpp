@@ -290,7 +290,7 @@ public:
         for (const Image& image : m_case.images)
             std::copy(image.before.begin(), image.before.end(), image.data);
         fuzz::logLines = 0;
-        const Outcome outcome = m_case.function.bind(m_case.values)();
+        const Outcome outcome = m_case.function.call(m_case.values);
         const bool refused = m_case.function.hasStatus ? outcome.status != RAVIK_SUCCESS : fuzz::logLines > 0;
         require(refused || !m_case.mustBeRefused, "what cannot be done is refused");
         for (const Image& image : m_case.images)

@@ -90,7 +90,7 @@ public:
     Outcome call(AnyFunction function) const
     {
         restore();
-        return m_function.bindTo(function, values)();
+        return m_function.call(function, values);
     }
 
     const std::vector<Block>& blocks() const { return m_blocks; }
