@@ -310,7 +310,15 @@ TEST_F(DataFile, RectsCorrespondencesAndContours)
     EXPECT_EQ(pairs.count, 2u);
     EXPECT_EQ(pairs.from, (std::vector<float>{1, 2, 3, 6, 7, 8}));
     EXPECT_EQ(pairs.to, (std::vector<float>{4, 5, 9, 10}));
-    EXPECT_FALSE(loadContents("rvkaCorrespondences", "c.csv", "1,2,3\n", pairs));
+    EXPECT_TRUE(pairs.mask.empty());
+    pairs.fromDimensions = 2;
+    ASSERT_TRUE(loadContents("rvkaCorrespondences", "c.csv", "1,2,4,5,0\n6,7,9,10,255\n", pairs));
+    EXPECT_EQ(pairs.to, (std::vector<float>{4, 5, 9, 10}));
+    EXPECT_EQ(pairs.mask, (std::vector<uint8_t>{0, 255}));
+    for (const char* bad : {"1,2,3\n", "1,2,3,4,256\n", "1,2,3,4,-1\n", "1,2,3,4,5,6\n"}) {
+        pairs.fromDimensions = 2;
+        EXPECT_FALSE(loadContents("rvkaCorrespondences", "c.csv", bad, pairs)) << bad;
+    }
 
     TestContours contours;
     ASSERT_TRUE(loadContents("rvkaContours", "k.csv", "0,1,2\n0,3,4\n1,5,6\n", contours));

@@ -160,7 +160,7 @@ struct Field
     bool into(std::vector<TestRect>* rects) const { return type == "rvkaRect" && loadRects(path(), *rects); }
     bool into(TestCorrespondences* correspondences) const
     {
-        return type == "rvkaCorrespondences" && loadCorrespondences(path(), *correspondences);
+        return type == kPairsTypeWord && loadCorrespondences(path(), *correspondences);
     }
     bool into(TestContours* contours) const { return type == "rvkaContours" && loadContours(path(), *contours); }
     bool into(TestPyramid* pyramid) const

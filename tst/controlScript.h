@@ -77,3 +77,5 @@ ScriptResult RAVIK_TEST_SkipScriptLine(FILE* script);
 // The type words for a scalar and for an array of elements.
 const char* scalarTypeWord(Element element);
 const char* arrayTypeWord(Element element);
+// The type word for correspondences.
+inline constexpr char kPairsTypeWord[] = "rvkaCorrespondences";

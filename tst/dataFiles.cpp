@@ -301,18 +301,27 @@ bool loadRects(const std::string& path, std::vector<TestRect>& rects)
 
 bool loadCorrespondences(const std::string& path, TestCorrespondences& correspondences)
 {
+    uint32_t dimensions = correspondences.fromDimensions;
     correspondences = {};
     Grid<float> grid;
     if (!loadGrid(path, grid))
         return false;
-    if (grid.columns != 4 && grid.columns != 5)
-        return fail(path, "a correspondence has four or five numbers");
-    correspondences.fromDimensions = static_cast<uint32_t>(grid.columns) - 2;
+    if (dimensions == 0)
+        dimensions = grid.columns == 4 ? 2 : 3;
+    const bool hasMask = grid.columns == dimensions + 3;
+    if (grid.columns != dimensions + 2 && !hasMask)
+        return fail(path, "a correspondence has four, five or six numbers");
+    correspondences.fromDimensions = dimensions;
     correspondences.count = static_cast<uint32_t>(grid.rows);
     for (auto row = grid.numbers.begin(); row != grid.numbers.end(); row += static_cast<ptrdiff_t>(grid.columns)) {
         const auto to = row + correspondences.fromDimensions;
         correspondences.from.insert(correspondences.from.end(), row, to);
         correspondences.to.insert(correspondences.to.end(), to, to + 2);
+        if (!hasMask)
+            continue;
+        if (!(to[2] >= 0 && to[2] <= UINT8_MAX))
+            return fail(path, "a mask has bytes");
+        correspondences.mask.push_back(static_cast<uint8_t>(to[2]));
     }
     return true;
 }

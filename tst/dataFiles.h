@@ -24,10 +24,11 @@ struct TestPoint
 
 struct TestCorrespondences
 {
-    uint32_t fromDimensions = 0; // 2 or 3
+    uint32_t fromDimensions = 0; // 2 or 3; before it is loaded that which is wanted, or 0
     uint32_t count = 0;
-    std::vector<float> from; // fromDimensions numbers each
-    std::vector<float> to;   // x, y each
+    std::vector<float> from;   // fromDimensions numbers each
+    std::vector<float> to;     // x, y each
+    std::vector<uint8_t> mask; // one each; empty where the file has none
 };
 
 using TestContours = std::vector<std::vector<TestPoint>>;

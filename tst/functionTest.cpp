@@ -84,6 +84,27 @@ Argument bits()
                            "of bits of a second size,"});
 }
 
+std::vector<Argument> pointPairsWithoutMask(uint32_t coordinates, std::vector<Range> from, std::vector<Range> deviation,
+                                            std::function<void(const float* from, float* to)> mapping)
+{
+    Argument first = src.ofPoints(coordinates).within(std::move(from));
+    Argument second = src.ofPoints(2).within(std::move(deviation));
+    first.pairPart = Argument::PairPart::from;
+    second.pairPart = Argument::PairPart::to;
+    second.mapping = std::move(mapping);
+    return {first, wholeStride, second, wholeStride, height};
+}
+
+std::vector<Argument> pointPairs(uint32_t coordinates, std::vector<Range> from, std::vector<Range> deviation,
+                                 std::function<void(const float* from, float* to)> mapping)
+{
+    std::vector<Argument> all =
+        pointPairsWithoutMask(coordinates, std::move(from), std::move(deviation), std::move(mapping));
+    all.push_back(arguments::mask.perPoint().orNull());
+    all.back().pairPart = Argument::PairPart::mask;
+    return all;
+}
+
 } // namespace arguments
 
 ImageSize Argument::sizeIn(const CaseSizes& sizes) const
@@ -92,10 +113,11 @@ ImageSize Argument::sizeIn(const CaseSizes& sizes) const
         return {fixedSize, 1};
     if (isMeasured())
         return measure.size(sizes);
+    const uint64_t across = columns ? columns : sizes.picture.columns;
     if (isTransposed)
-        return {sizes.picture.rows, sizes.picture.columns};
+        return {sizes.picture.rows, across};
     const auto samples = [](uint64_t pixels, uint32_t shift) { return (pixels + (1u << shift) - 1) >> shift; };
-    return {samples(sizes.picture.columns, xShift), samples(sizes.picture.rows, yShift)};
+    return {samples(across, xShift), samples(sizes.picture.rows, yShift)};
 }
 
 ImageSize Argument::usedIn(const CaseSizes& sizes) const
@@ -108,6 +130,14 @@ ImageSize Argument::usedIn(const CaseSizes& sizes) const
     };
     const ImageSize size = sizeIn(sizes);
     return isInterior ? ImageSize{inside(size.columns, window.width), inside(size.rows, window.height)} : size;
+}
+
+size_t FunctionTest::sourceOfMapping(size_t index) const
+{
+    while (index-- > 0)
+        if (arguments[index].role == Role::source)
+            return index;
+    return npos;
 }
 
 std::vector<size_t> FunctionTest::imagesOfStride(size_t index) const
@@ -343,7 +373,7 @@ void FunctionTest::setTypicalSizes(std::vector<double>& numbers, CaseSize size) 
 
 CaseSize FunctionTest::leastAccepted(const std::vector<double>& numbers) const
 {
-    return contract.takesSmallPictures ? contract.least : larger(contract.least, givenWindow(*this, numbers, {1, 1}));
+    return contract.takesSmallPictures ? contract.least : larger(contract.least, givenWindow(*this, numbers, {0, 0}));
 }
 
 CaseSize FunctionTest::leastDrawn(const std::vector<double>& numbers) const
@@ -366,7 +396,7 @@ bool FunctionTest::refuses(const std::vector<double>& numbers) const
     const CaseSize least = leastAccepted(numbers);
     const auto number = [&](Role role, double otherwise) { return numberOf(*this, role, numbers, otherwise); };
     const double width = number(Role::width, least.width), height = number(Role::height, least.height);
-    bool isWrong = width < std::max(1u, least.width) || height < std::max(1u, least.height);
+    bool isWrong = width < least.width || height < least.height;
     if (contract.refusesOtherSizes)
         isWrong |= std::fmod(width, contract.unit.width) != 0 || std::fmod(height, contract.unit.height) != 0;
     for (size_t i = 0; i < arguments.size(); i++) {
@@ -401,6 +431,8 @@ std::vector<std::pair<size_t, double>> FunctionTest::wrongNumbers(const std::vec
     std::vector<std::pair<size_t, double>> wrong;
     const auto tryNumbers = [&](size_t argument, const std::vector<double>& candidates) {
         for (const double number : candidates) {
+            if (number < 0 && arguments[argument].role != Role::scalar)
+                continue;
             std::vector<double> changed = numbers;
             changed[argument] = number;
             const bool isSize = arguments[argument].role != Role::scalar;

@@ -10,7 +10,7 @@
 
 #include "element.h"
 
-#include <ravik/types.h>
+#include <ravik/correspondences.h>
 
 #include <cstdlib>
 #include <functional>
@@ -118,6 +118,9 @@ struct Argument
         scalar
     };
 
+    // The correspondences that a control script names as one file consist of these, in this order.
+    enum class PairPart : uint8_t { none, from, to, mask };
+
     Role role;
     Element element = Element::u8; // of images, values and scalars
     uint32_t channels = 1;
@@ -126,16 +129,20 @@ struct Argument
     Measure measure{};               // of an image that is no picture of the case's size
     uint32_t fixedSize = 0;          // elements in one row, whatever the case; 0: as large as the case
     uint32_t alignment = 0;          // bytes that the address must be a multiple of; 0: of an element
+    uint32_t columns = 0;            // of a picture as high as the case: so many, whatever the case's width
     bool isMask = false;             // half of the elements are 0
     bool isNatural = false;          // a picture of things, with edges and corners
-    bool isWhole = false;            // floats that are whole numbers
-    bool isList = false;             // an output of which a call writes as much as it finds
-    bool isScratch = false;          // memory that a call may use; what it leaves there does not count
-    bool isVital = false;            // without which the function ends the process
+    bool isWhole = false;   // floats that are whole numbers; a stride of whole elements, without which it is refused
+    bool isList = false;    // an output of which a call writes as much as it finds
+    bool isScratch = false; // memory that a call may use; what it leaves there does not count
+    bool isVital = false;   // without which the function ends the process
     size_t aliasOf = 0;
     bool isInterior = false; // of the result: the pixels alone whose whole window lies in the picture
     bool mayBeNull = false;
-    bool mayOverlap = false;       // a stride that may be less than a row
+    bool mayOverlap = false; // a stride that may be less than a row
+    PairPart pairPart = PairPart::none;
+    // Adds to a row what the row of the source before it becomes by a mapping; what is drawn is how far off it lies.
+    std::function<void(const float* from, float* to)> mapping{};
     double low = 0, high = 0;      // of a scalar; of the width or height of a rectangle the least
     std::vector<Range> ranges{};   // of the elements of an image one after the other, or all of them; of a scalar
     std::vector<double> typical{}; // elements in profiles, instead of the middle of the ranges
@@ -165,6 +172,16 @@ struct Argument
     Argument sampled(uint32_t horizontalShift, uint32_t verticalShift) const
     {
         return changed([=](Argument& a) { a.xShift = horizontalShift, a.yShift = verticalShift; });
+    }
+    // A row for each point.
+    Argument ofPoints(uint32_t coordinates) const
+    {
+        return changed([=](Argument& a) { a.channels = coordinates, a.columns = 1; });
+    }
+    // An element for each point, side by side.
+    Argument perPoint() const
+    {
+        return changed([](Argument& a) { a.columns = 1, a.isTransposed = true; });
     }
     // An image of another size. A row and a column of it do not get shorter when the case gets larger.
     Argument measuring(const Measure& what) const
@@ -338,6 +355,8 @@ inline const Argument top{.role = Argument::Role::top};
 inline const Argument rectangleWidth{.role = Argument::Role::rectangleWidth};
 inline const Argument rectangleHeight{.role = Argument::Role::rectangleHeight};
 inline const Argument stride{.role = Argument::Role::stride};
+// A multiple of an element's size; what is not is refused.
+inline const Argument wholeStride{.role = Argument::Role::stride, .isWhole = true};
 // Less than a row is as good: rows overlap then.
 inline const Argument overlappingStride{.role = Argument::Role::stride, .mayOverlap = true};
 inline Argument between(double low, double high)
@@ -396,6 +415,12 @@ inline Argument columnOfWeights(uint32_t most)
 {
     return {.role = Argument::Role::source, .fixedSize = most, .hasWindowHeight = true};
 }
+// Correspondences of points of `coordinates` numbers, drawn of these ranges, with points in a plane: what the mapping
+// adds, and a deviation. These are five arguments, points and strides and how many pairs there are, and with the mask six.
+std::vector<Argument> pointPairsWithoutMask(uint32_t coordinates, std::vector<Range> from, std::vector<Range> deviation,
+                                            std::function<void(const float* from, float* to)> mapping);
+std::vector<Argument> pointPairs(uint32_t coordinates, std::vector<Range> from, std::vector<Range> deviation,
+                                 std::function<void(const float* from, float* to)> mapping);
 // Sizes of a window, which the picture holds.
 inline Argument windowWidth(std::vector<double> sizes)
 {
@@ -453,7 +478,7 @@ struct Contract
     InPlace dstIsSrc = InPlace::undefined;
     uint64_t mostPixels = UINT64_MAX; // of a picture
     bool takesSmallPictures = false;  // smaller than a window that is an argument
-    bool logs = false;                // refusals, although it has a status; functions without one always do
+    bool logs = false;                // refusals, although it has a status; functions without one do
     bool writesNothing = false;       // whatever the picture
     bool refusesOverlap = false;      // of images, but for a destination that is the source where that is allowed
     std::optional<OffloadRule> dspRule{}, gpuRule{};
@@ -553,6 +578,7 @@ struct FunctionTest
     bool hasCount = false;
     int32_t withoutMemory = RAVIK_ENORES; // the status
     bool endsWithoutMemory = false;       // the process
+    bool isSilent = false;                // about refusals, although it has no status
     float tolerance = 0;                  // that the test table gets
     uint32_t loopMultiplier = 1;          // calls per profiling sample, for functions that the clock cannot see
     Contract contract{};
@@ -565,6 +591,11 @@ struct FunctionTest
     Outcome call(AnyFunction function, const CallValues& values, uint32_t times = 1) const;
     Outcome call(const CallValues& values, uint32_t times = 1) const { return call(entry, values, times); }
 
+    // Whether refusals are logged.
+    bool logsRefusals() const { return contract.logs || (!hasStatus && !isSilent); }
+
+    // The image whose rows the rows of the argument at `index` are mapped from.
+    size_t sourceOfMapping(size_t index) const;
     // The images whose stride the argument at `index` gives.
     std::vector<size_t> imagesOfStride(size_t index) const;
     // The stride argument of an image; npos when its rows are packed.
@@ -598,6 +629,18 @@ struct FunctionTest
     FunctionTest repeated(uint32_t calls) &&
     {
         loopMultiplier = calls;
+        return std::move(*this);
+    }
+    // Refuses by a count of 0 alone.
+    FunctionTest silent() &&
+    {
+        isSilent = true;
+        return std::move(*this);
+    }
+    // Floats may differ by so much, and for numbers above 1 by so much of them where the contract is tested.
+    FunctionTest within(float difference) &&
+    {
+        tolerance = difference;
         return std::move(*this);
     }
     // The int32_t that the function returns is a number, not a status.
@@ -743,8 +786,37 @@ FunctionTest describeAdapted(const char* name, const char* tableName, Function* 
     return test;
 }
 
+// A function that takes correspondences, the first arguments of the descriptor, as a structure ...
+template <class Result, class... Rest>
+Result callWithPairs(Result (*function)(const rvkaCorrespondences*, Rest...), const float* src, uint32_t srcStride,
+                     const float* dst, uint32_t dstStride, uint32_t count, const uint8_t* mask, Rest... rest)
+{
+    const rvkaCorrespondences pairs{src, srcStride, dst, dstStride, count, mask};
+    return function(&pairs, rest...);
+}
+
+template <class Result, class... Rest>
+FunctionTest describeWithPairs(const char* name, const char* tableName,
+                               Result (*function)(const rvkaCorrespondences*, Rest...), std::vector<Argument> pairs,
+                               const std::vector<Argument>& others)
+{
+    pairs.insert(pairs.end(), others.begin(), others.end());
+    return describeAdapted(name, tableName, function, callWithPairs<Result, Rest...>, pairs);
+}
+
+// ... or one by one.
+template <class Result, class... Parameters>
+FunctionTest describeWithPairs(const char* name, const char* tableName, Result (*function)(Parameters...),
+                               std::vector<Argument> pairs, const std::vector<Argument>& others)
+{
+    pairs.insert(pairs.end(), others.begin(), others.end());
+    return describe(name, name, tableName, function, pairs);
+}
+
 #define RVK_TEST(function, ...) describe(#function, #function, #function, function, {__VA_ARGS__})
 // A variant of a function: tested under a name of its own, by the function's line of the test table.
 #define RVK_TEST_AS(name, tableName, function, ...) describe(name, #function, tableName, function, {__VA_ARGS__})
 #define RVK_TEST_ADAPTED(tableName, function, adapter, ...) \
     describeAdapted(#function, tableName, function, adapter, {__VA_ARGS__})
+#define RVK_TEST_WITH_PAIRS(tableName, function, pairs, ...) \
+    describeWithPairs(#function, tableName, function, pairs, {__VA_ARGS__})

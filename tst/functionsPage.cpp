@@ -44,6 +44,8 @@ std::string typeName(const FunctionTest& test, const Argument& argument)
     std::string name = elementName(image.element);
     if (image.channels > 1)
         name += " x " + std::to_string(image.channels);
+    if (image.columns)
+        name += image.isTransposed ? " per point" : " points";
     if (image.isMeasured())
         name += " " + image.measure.name;
     if (image.isSampled())

@@ -102,3 +102,22 @@ std::string writeImage(const std::string& directory, const std::string& name, co
     file.close();
     return fileName;
 }
+
+std::string writePairs(const std::string& directory, const std::string& name, const TestCorrespondences& pairs)
+{
+    const std::string fileName = name + ".csv";
+    OutputFile file(directory + "/" + fileName);
+    const auto text = [](float number) { return numberText(static_cast<double>(number), Element::f32); };
+    for (size_t i = 0; i < pairs.count; i++) {
+        std::vector<std::string> fields;
+        for (size_t k = 0; k < pairs.fromDimensions; k++)
+            fields.push_back(text(pairs.from[i * pairs.fromDimensions + k]));
+        fields.push_back(text(pairs.to[2 * i]));
+        fields.push_back(text(pairs.to[2 * i + 1]));
+        if (!pairs.mask.empty())
+            fields.push_back(std::to_string(pairs.mask[i]));
+        file.write(csvLine(fields));
+    }
+    file.close();
+    return fileName;
+}

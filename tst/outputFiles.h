@@ -1,6 +1,7 @@
 // Files of the test data. What cannot be written throws std::runtime_error.
 #pragma once
 
+#include "dataFiles.h"
 #include "testBuffer.h"
 
 #include "element.h"
@@ -37,6 +38,9 @@ std::string numberText(double number, Element element);
 // for what can be looked at, "data" for the rest. Returns the file's name: `name` with the format's suffix.
 std::string writeImage(const std::string& directory, const std::string& name, const RAVIK_TEST_Buffer& image,
                        Element element);
+
+// Writes correspondences, a line each. Returns the file's name.
+std::string writePairs(const std::string& directory, const std::string& name, const TestCorrespondences& pairs);
 
 // The name of a raw file, which tells its shape.
 std::string rawFileName(const std::string& name, uint32_t width, uint32_t height);

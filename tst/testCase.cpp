@@ -154,19 +154,23 @@ std::vector<ScriptField> scriptFields(const FunctionTest& function, ScriptConten
     const auto add = [&](ScriptField::Kind kind, const char* title, auto wanted) {
         for (size_t i = 0; i < function.arguments.size(); i++) {
             const Argument& argument = function.arguments[i];
+            const bool isPairs = argument.pairPart == Argument::PairPart::from;
             if (wanted(argument))
                 fields.push_back({kind, i, argument.element, argument.isImage() && argument.role != Role::value,
-                                  title + std::to_string(i)});
+                                  isPairs, title + std::to_string(i)});
         }
     };
-    add(ScriptField::Kind::input, "in", [](const Argument& argument) { return argument.isInput(); });
+    add(ScriptField::Kind::input, "in", [](const Argument& argument) {
+        using Part = Argument::PairPart;
+        return argument.isInput() && (argument.pairPart == Part::none || argument.pairPart == Part::from);
+    });
     if (content == ScriptContent::sources)
         return fields;
     add(ScriptField::Kind::result, "out", [](const Argument& argument) { return argument.isResult(); });
     if (function.hasCount)
-        fields.push_back({ScriptField::Kind::count, 0, Element::u32, false, "count"});
+        fields.push_back({ScriptField::Kind::count, 0, Element::u32, false, false, "count"});
     if (function.hasStatus)
-        fields.push_back({ScriptField::Kind::status, 0, Element::s32, false, "status"});
+        fields.push_back({ScriptField::Kind::status, 0, Element::s32, false, false, "status"});
     return fields;
 }
 
@@ -190,6 +194,53 @@ const RAVIK_TEST_Buffer& TestCase::image(const ScriptField& field) const
     return argument(field.argument).role == Role::updated ? data.initial : data.buffer;
 }
 
+// The argument behind the field's that has this part; npos where there is none.
+size_t TestCase::pairPart(const ScriptField& field, Argument::PairPart part) const
+{
+    for (size_t i = field.argument; i < m_data.size(); i++)
+        if (argument(i).pairPart == part)
+            return i;
+    return FunctionTest::npos;
+}
+
+TestCorrespondences TestCase::pairs(const ScriptField& field) const
+{
+    TestCorrespondences pairs;
+    const RAVIK_TEST_Buffer& from = m_data[field.argument].buffer;
+    const RAVIK_TEST_Buffer& to = m_data[pairPart(field, Argument::PairPart::to)].buffer;
+    pairs.fromDimensions = static_cast<uint32_t>(from.width);
+    pairs.count = static_cast<uint32_t>(from.height);
+    const auto append = [](std::vector<float>& numbers, const RAVIK_TEST_Buffer& points, int32_t row) {
+        const float* const point = reinterpret_cast<const float*>(points.row(row));
+        numbers.insert(numbers.end(), point, point + points.width);
+    };
+    for (int32_t j = 0; j < from.height; j++) {
+        append(pairs.from, from, j);
+        append(pairs.to, to, j);
+    }
+    if (const size_t mask = pairPart(field, Argument::PairPart::mask); mask != FunctionTest::npos)
+        pairs.mask.assign(m_data[mask].buffer.row(0), m_data[mask].buffer.row(0) + pairs.count);
+    return pairs;
+}
+
+// Makes correspondences that were read the images that the call takes; a mask that is missing has all of them.
+bool TestCase::takePairs(const ScriptField& field, const TestCorrespondences& pairs)
+{
+    const auto count = static_cast<int32_t>(pairs.count);
+    const auto fill = [&](size_t index, int32_t width, int32_t height, const auto& elements) {
+        RAVIK_TEST_Buffer& image = m_data[index].buffer;
+        if (!image.Shape(MemShape_::packed(width, height, sizeof elements[0]), m_option, true))
+            return false;
+        memcpy(image.block(), elements.data(), elements.size() * sizeof elements[0]);
+        return true;
+    };
+    const size_t to = pairPart(field, Argument::PairPart::to), mask = pairPart(field, Argument::PairPart::mask);
+    return fill(field.argument, static_cast<int32_t>(pairs.fromDimensions), count, pairs.from) &&
+           fill(to, 2, count, pairs.to) &&
+           (mask == FunctionTest::npos ||
+            fill(mask, count, 1, pairs.mask.empty() ? std::vector<uint8_t>(pairs.count, 1) : pairs.mask));
+}
+
 double TestCase::scalar(const ScriptField& field) const
 {
     switch (field.kind) {
@@ -211,10 +262,14 @@ ScriptResult TestCase::read(FILE* script, const char* dataDirectory, ScriptConte
 {
     const std::vector<ScriptField> fields = scriptFields(m_function, content);
     std::vector<double> numbers(fields.size());
+    std::vector<TestCorrespondences> pairs(fields.size());
     std::vector<ScriptColumn> columns;
     for (size_t i = 0; i < fields.size(); i++) {
         const ScriptField& field = fields[i];
-        if (!field.isArray)
+        if (field.isPairs) {
+            pairs[i].fromDimensions = argument(field.argument).channels;
+            columns.emplace_back(pairs[i]);
+        } else if (!field.isArray)
             columns.emplace_back(numbers[i]);
         else if (field.kind == ScriptField::Kind::input)
             columns.push_back(ScriptColumn::array(inputBuffer(field.argument), m_option));
@@ -225,10 +280,13 @@ ScriptResult TestCase::read(FILE* script, const char* dataDirectory, ScriptConte
     if (result != ScriptResult::line)
         return result;
 
-    for (size_t i = 0; i < fields.size(); i++)
+    bool hasPairs = true;
+    for (size_t i = 0; i < fields.size(); i++) {
         if (fields[i].kind == ScriptField::Kind::input)
             m_data[fields[i].argument].number = numbers[i];
-    if (takeInputs(content) && (content == ScriptContent::sources || takeResults(numbers)))
+        hasPairs = hasPairs && (!fields[i].isPairs || takePairs(fields[i], pairs[i]));
+    }
+    if (hasPairs && takeInputs(content) && (content == ScriptContent::sources || takeResults(numbers)))
         return ScriptResult::line;
     testLog("ERROR: %s: the data of a script line do not fit the function.\n", m_function.name.c_str());
     return ScriptResult::badLine;
@@ -370,7 +428,18 @@ bool TestCase::draw(CaseSize size, Wanted wanted, bool packed, RandomBits& rando
             return false;
         fillImage(i, random);
     }
+    for (size_t i = 0; i < m_data.size(); i++)
+        if (argument(i).mapping)
+            addMapped(i);
     return true;
+}
+
+void TestCase::addMapped(size_t index)
+{
+    RAVIK_TEST_Buffer& from = inputBuffer(m_function.sourceOfMapping(index));
+    RAVIK_TEST_Buffer& to = inputBuffer(index);
+    for (int32_t j = 0; j < to.height; j++)
+        argument(index).mapping(reinterpret_cast<const float*>(from.row(j)), reinterpret_cast<float*>(to.row(j)));
 }
 
 void TestCase::fillImage(size_t index, RandomBits& random)

@@ -1,6 +1,7 @@
 // One call of a function under test: its inputs, its outputs, and what the outputs should be.
 #pragma once
 
+#include "dataFiles.h"
 #include "functionTest.h"
 #include "testBuffer.h"
 
@@ -32,6 +33,7 @@ struct ScriptField
     size_t argument; // of inputs and results
     Element element;
     bool isArray;
+    bool isPairs; // correspondences, of which the argument is the first points
     std::string title;
 };
 
@@ -72,7 +74,8 @@ public:
     void flush() const;
 
     const FunctionTest& function() const { return m_function; }
-    // What a script holds in a field: an image or a number.
+    // What a script holds in a field: correspondences, an image or a number.
+    TestCorrespondences pairs(const ScriptField& field) const;
     const RAVIK_TEST_Buffer& image(const ScriptField& field) const;
     double scalar(const ScriptField& field) const;
 
@@ -101,6 +104,9 @@ private:
     void drawNumbers(RandomBits& random);
     void drawFault(RandomBits& random);
     void fillImage(size_t index, RandomBits& random);
+    void addMapped(size_t index);
+    size_t pairPart(const ScriptField& field, Argument::PairPart part) const;
+    bool takePairs(const ScriptField& field, const TestCorrespondences& pairs);
     void take(const std::vector<double>& numbers);
     std::vector<double> numbers() const;
     std::vector<std::string> outputsOver(uint8_t byte);

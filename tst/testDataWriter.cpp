@@ -71,7 +71,9 @@ public:
         std::vector<std::string> titles, types;
         for (const ScriptField& field : fields) {
             titles.push_back(field.title);
-            types.push_back(field.isArray ? arrayTypeWord(field.element) : scalarTypeWord(field.element));
+            types.push_back(field.isPairs   ? kPairsTypeWord
+                            : field.isArray ? arrayTypeWord(field.element)
+                                            : scalarTypeWord(field.element));
         }
         add(titles);
         add(types);
@@ -132,8 +134,11 @@ private:
             require(testCase.draw(sizes[i], wanted, true, random));
             runReference(testCase);
             const std::string name = function.name.substr(group.prefix.size()) + "_" + std::to_string(i) + "_";
-            script.add(texts(fields, testCase, [&](const ScriptField& field, const RAVIK_TEST_Buffer& image) {
-                return writeImage(m_directory + "/" + group.directory, name + field.title, image, field.element);
+            script.add(texts(fields, testCase, [&](const ScriptField& field) {
+                const std::string directory = m_directory + "/" + group.directory;
+                if (field.isPairs)
+                    return writePairs(directory, name + field.title, testCase.pairs(field));
+                return writeImage(directory, name + field.title, testCase.image(field), field.element);
             }));
         }
         script.close();
@@ -150,9 +155,10 @@ private:
                 TestCase testCase(function, RAVIK_MEM_SYSTEM);
                 readBack(testCase, line);
                 runReference(testCase);
-                line = texts(fields, testCase, [&](const ScriptField& field, const RAVIK_TEST_Buffer& image) {
+                line = texts(fields, testCase, [&](const ScriptField& field) {
                     if (field.kind == ScriptField::Kind::input)
                         return line[static_cast<size_t>(&field - fields.data())];
+                    const RAVIK_TEST_Buffer& image = testCase.image(field);
                     const std::string name = rawFileName(function.name, static_cast<uint32_t>(image.width),
                                                          static_cast<uint32_t>(image.height));
                     OutputFile file(profilingDirectory() + "/" + name);
@@ -183,6 +189,10 @@ private:
                 line.push_back(numberText(numbers[field.argument], field.element));
                 continue;
             }
+            if (field.isPairs) {
+                line.push_back(drawnPairs(function, field, size));
+                continue;
+            }
             const ImageSize pixels = argument.sizeIn(function.sizesFor(size, numbers));
             const auto width = static_cast<uint32_t>(pixels.columns * argument.channels);
             const auto height = static_cast<uint32_t>(pixels.rows);
@@ -197,6 +207,16 @@ private:
             line.push_back(sharedSource(kind, letter, width, height, sizeOf(field.element)));
         }
         return line;
+    }
+
+    // The name of a file of as many correspondences as the picture has rows, or some more.
+    std::string drawnPairs(const FunctionTest& function, const ScriptField& field, CaseSize size)
+    {
+        NamedRandom random(function.name + " pairs");
+        TestCase drawn(function, RAVIK_MEM_SYSTEM);
+        require(drawn.draw(size, Wanted::computes, true, random));
+        return writePairs(profilingDirectory(), function.name + "For" + std::to_string(size.height),
+                          drawn.pairs(field));
     }
 
     // The name of a source with elements of ranges, as a user would pass them: a few typical ones, or many that rise
@@ -284,15 +304,14 @@ private:
         require(testCase.expectThisOutput(testCase.call()));
     }
 
-    // The texts of a script line; `writeFile` writes an image and returns its name.
+    // The texts of a script line; `writeFile` writes what is no number and returns the file's name.
     template <class WriteFile>
     static std::vector<std::string> texts(const std::vector<ScriptField>& fields, const TestCase& testCase,
                                           WriteFile writeFile)
     {
         std::vector<std::string> line;
         for (const ScriptField& field : fields)
-            line.push_back(field.isArray ? writeFile(field, testCase.image(field))
-                                         : numberText(testCase.scalar(field), field.element));
+            line.push_back(field.isArray ? writeFile(field) : numberText(testCase.scalar(field), field.element));
         return line;
     }
 

@@ -20,6 +20,7 @@
 #include "contour.h"
 #include "copy.h"
 #include "correlation.h"
+#include "correspondences.h"
 #include "descriptor.h"
 #include "diff.h"
 #include "dotproduct.h"

@@ -20,8 +20,9 @@ namespace {
 using Role = Argument::Role;
 using fuzz::require;
 
-constexpr uint64_t kMostBytes = 1 << 16;           // of a picture
-constexpr uint64_t kMostWork = 1 << 21;            // elements of windows in a call
+constexpr uint64_t kMostBytes = 1 << 16; // of a picture
+constexpr uint64_t kMostWork = 1 << 21;  // elements of windows in a call
+constexpr uint32_t kPointElement = sizeof(float);
 constexpr uint64_t kLargest32Bits = 0xFFFFFFFFull; // sizes are kept in 64 bits, whatever their parameters can hold
 
 // The input as the harness draws from it.
@@ -183,11 +184,18 @@ private:
         }
     }
 
+    // Mostly a multiple of an element's size where others are refused.
+    uint32_t wholeStride(size_t argument, uint32_t stride)
+    {
+        const bool isAny = !arguments()[argument].isWhole || m_input.oneIn(8);
+        return isAny ? stride : stride / kPointElement * kPointElement;
+    }
+
     void takeStrides()
     {
         for (size_t i = 0; i < arguments().size(); i++)
             if (arguments()[i].role == Role::stride)
-                values.numbers[i] = takeStride(widestRow(i));
+                values.numbers[i] = wholeStride(i, takeStride(widestRow(i)));
         for (size_t i = 0; i < arguments().size(); i++)
             if (arguments()[i].role == Role::alias) {
                 const size_t own = function.strideOfImage(i), original = function.strideOfImage(arguments()[i].aliasOf);
@@ -241,9 +249,11 @@ private:
             const size_t strideArgument = function.strideOfImage(image.argument);
             const bool mayOverlap = strideArgument != FunctionTest::npos && arguments()[strideArgument].mayOverlap;
             wrong |= !mayOverlap && image.stride < image.rowBytes;
+            wrong |= strideArgument != FunctionTest::npos && arguments()[strideArgument].isWhole &&
+                     std::fmod(values.numbers[strideArgument], sizeOf(a.element)) != 0;
             wrong |= hasRows && image.rowBytes > kLargest32Bits;
         }
-        wrong |= hadOutput && !hasOutput;
+        wrong |= hadOutput && !hasOutput && !function.hasCount;
         return wrong || uint64_t{m_width} * m_height > function.contract.mostPixels;
     }
 

@@ -121,6 +121,7 @@ private:
     void place(size_t argument, uint32_t stride, const Layout& layout);
     void fill(const Block& block, Content content);
     void fillFromRanges(const Block& block, Content content);
+    void addMapped(Block& block);
     void shareSource();
 
     const FunctionTest& m_function;
@@ -143,6 +144,9 @@ inline void FunctionCall::draw(CaseSize size, const Layout& layout)
             const size_t stride = m_function.strideOfImage(i);
             place(i, stride == FunctionTest::npos ? rowBytes(i) : strides[stride], layout);
         }
+    for (Block& block : m_blocks)
+        if (of(block.argument).mapping)
+            addMapped(block);
     for (size_t i = 0; i < m_function.arguments.size(); i++)
         if (of(i).role == Role::alias) {
             values.pointers[i] = values.pointers[of(i).aliasOf];
@@ -164,7 +168,8 @@ inline uint32_t FunctionCall::drawStride(size_t strideArgument, const Layout& la
     }
     const uint32_t padded = widest + m_bits.below(layout.mostPadding + 1) * largestElement;
     const uint32_t stride = (padded + layout.strideUnit - 1) / layout.strideUnit * layout.strideUnit;
-    values.numbers[strideArgument] = stride + (layout.mostPadding ? m_bits.below(largestElement) : 0);
+    const bool hasRest = layout.mostPadding && !of(strideArgument).isWhole;
+    values.numbers[strideArgument] = stride + (hasRest ? m_bits.below(largestElement) : 0);
     return stride;
 }
 
@@ -184,6 +189,18 @@ inline void FunctionCall::place(size_t argument, uint32_t stride, const Layout& 
     block.before.assign(block.data, block.data + block.bytes());
     values.pointers[argument] = block.data;
     m_blocks.push_back(std::move(block));
+}
+
+inline void FunctionCall::addMapped(Block& to)
+{
+    const size_t source = m_function.sourceOfMapping(to.argument);
+    const auto from =
+        std::find_if(m_blocks.begin(), m_blocks.end(), [=](const Block& block) { return block.argument == source; });
+    for (uint32_t y = 0; y < to.rows; y++)
+        of(to.argument)
+            .mapping(reinterpret_cast<const float*>(from->data + size_t{y} * from->stride),
+                     reinterpret_cast<float*>(to.data + size_t{y} * to.stride));
+    to.before.assign(to.data, to.data + to.bytes());
 }
 
 // Elements of ranges, and among extreme ones what must do no harm: far outside, not finite, in arrays one at a time.
