@@ -19,6 +19,14 @@ if(OPENCV_INCLUDE AND OPENCV_CORE AND OPENCV_IMGPROC)
         add_library(ravikOpenCvFeatures INTERFACE)
         target_link_libraries(ravikOpenCvFeatures INTERFACE ${OPENCV_FEATURES2D} ravikOpenCv)
     endif()
+
+    # And its cameras: target ravikOpenCvCalib3d.
+    find_path(OPENCV_CALIB3D_INCLUDE opencv2/calib3d.hpp PATH_SUFFIXES opencv4)
+    find_library(OPENCV_CALIB3D opencv_calib3d)
+    if(OPENCV_CALIB3D_INCLUDE AND OPENCV_CALIB3D)
+        add_library(ravikOpenCvCalib3d INTERFACE)
+        target_link_libraries(ravikOpenCvCalib3d INTERFACE ${OPENCV_CALIB3D} ravikOpenCv)
+    endif()
 endif()
 
 find_path(LIBYUV_INCLUDE libyuv.h)

@@ -151,6 +151,10 @@ void irvkHoughAccumulateAreaC(const uint32_t* pixels, uint32_t nPixels, int32_t 
 // The dot product of n elements modulo 2^32.
 int32_t irvkDotProductNC(const int8_t* a, const int8_t* b, uint32_t n);
 
+// Interleaved points moved and scaled: (point - centre) * scale.
+void irvkNormalizePoints2DC(const float32_t* points, uint32_t count, const double* centre, double scale,
+                            double* normalized);
+
 // MSER. The cells of a picture (cpu/ravikMserC.h) and how many there are of each grey value. Plus takes 255 - src for
 // bright regions, minus src for dark ones. The cells for 4 and for 8 neighbours are the same.
 void irvkMserPreprocessPlusNN4C(const uint8_t* src, uint32_t width, uint32_t height, uint32_t stride, uint16_t* cells,

@@ -69,7 +69,8 @@ needReport()
 needOpenCv()
 {
     need /usr/include/opencv4/opencv2/imgproc.hpp:libopencv-imgproc-dev \
-        /usr/include/opencv4/opencv2/features2d.hpp:libopencv-features2d-dev
+        /usr/include/opencv4/opencv2/features2d.hpp:libopencv-features2d-dev \
+        /usr/include/opencv4/opencv2/calib3d.hpp:libopencv-calib3d-dev
 }
 
 # build PRESET [TARGET...]: configures and builds; quiet unless something is wrong.

@@ -27,6 +27,7 @@
 #include "drawing.h"
 #include "fast.h"
 #include "frame.h"
+#include "geometry.h"
 #include "gradient.h"
 #include "harris.h"
 #include "hough.h"
