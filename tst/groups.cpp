@@ -62,6 +62,7 @@ std::span<const TestGroup> testGroups()
         {"CORNERSUBPIX", 12, RAVIK_TEST_CORNERSUBPIX_Test, cornerSubPixFunctions},
         {"CHANNEL", 7, RAVIK_TEST_CHANNEL_Test, channelFunctions},
         {"STATS", 5, RAVIK_TEST_StatsSampleMeanAndVarSpecialN36f32, sampleStatisticsFunctions},
+        {"NCC", 3, RAVIK_TEST_NCC_Test, nccFunctions},
         {"FIR", 3, RAVIK_TEST_FIR_Test, firFunctions},
         {"FAST", 5, RAVIK_TEST_FAST_Test, fastFunctions},
         {"IMGINTENSITY", 12, RAVIK_TEST_IMGINTENSITY_Test, imageIntensityFunctions},

@@ -39,6 +39,7 @@
 #include "moments.h"
 #include "morphology.h"
 #include "mser.h"
+#include "ncc.h"
 #include "polygon.h"
 #include "pyramid.h"
 #include "region.h"
