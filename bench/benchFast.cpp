@@ -3,7 +3,7 @@
 
 #include <ravik/fast.h>
 
-#if RVK_BENCH_OPENCV_FEATURES
+#if RVK_BENCH_OPENCV_FEATURES2D
 #include <opencv2/features2d.hpp>
 #endif
 
@@ -26,7 +26,7 @@ struct Lists
     }
 };
 
-#if RVK_BENCH_OPENCV_FEATURES
+#if RVK_BENCH_OPENCV_FEATURES2D
 template <bool suppresses>
 void opencvFast9(const Picture& p)
 {

@@ -5,7 +5,7 @@
 #include <ravik/frame.h>
 #include <ravik/mser.h>
 
-#if RVK_BENCH_OPENCV_FEATURES
+#if RVK_BENCH_OPENCV_FEATURES2D
 #include <opencv2/features2d.hpp>
 #define OPENCV_FEATURES(...) OPENCV(__VA_ARGS__)
 #else
@@ -64,7 +64,7 @@ void split(const Picture& p)
                       kMostRegions, &darkCount, p.out<u32>(3), kRoomForPixels);
 }
 
-#if RVK_BENCH_OPENCV_FEATURES
+#if RVK_BENCH_OPENCV_FEATURES2D
 void openCv(const Picture& p)
 {
     static const cv::Ptr<cv::MSER> mser = cv::MSER::create();

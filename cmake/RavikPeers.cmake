@@ -12,21 +12,16 @@ if(OPENCV_INCLUDE AND OPENCV_CORE AND OPENCV_IMGPROC)
     target_include_directories(ravikOpenCv SYSTEM INTERFACE ${OPENCV_INCLUDE})
     target_link_libraries(ravikOpenCv INTERFACE ${OPENCV_IMGPROC} ${OPENCV_CORE})
 
-    # And its detectors: target ravikOpenCvFeatures.
-    find_path(OPENCV_FEATURES2D_INCLUDE opencv2/features2d.hpp PATH_SUFFIXES opencv4)
-    find_library(OPENCV_FEATURES2D opencv_features2d)
-    if(OPENCV_FEATURES2D_INCLUDE AND OPENCV_FEATURES2D)
-        add_library(ravikOpenCvFeatures INTERFACE)
-        target_link_libraries(ravikOpenCvFeatures INTERFACE ${OPENCV_FEATURES2D} ravikOpenCv)
-    endif()
-
-    # And its cameras: target ravikOpenCvCalib3d.
-    find_path(OPENCV_CALIB3D_INCLUDE opencv2/calib3d.hpp PATH_SUFFIXES opencv4)
-    find_library(OPENCV_CALIB3D opencv_calib3d)
-    if(OPENCV_CALIB3D_INCLUDE AND OPENCV_CALIB3D)
-        add_library(ravikOpenCvCalib3d INTERFACE)
-        target_link_libraries(ravikOpenCvCalib3d INTERFACE ${OPENCV_CALIB3D} ravikOpenCv)
-    endif()
+    # Its other modules, each a package of its own: targets ravikOpenCv_features2d and so on.
+    set(ravikOpenCvModules features2d calib3d video ml)
+    foreach(module IN LISTS ravikOpenCvModules)
+        find_path(OPENCV_${module}_INCLUDE opencv2/${module}.hpp PATH_SUFFIXES opencv4)
+        find_library(OPENCV_${module} opencv_${module})
+        if(OPENCV_${module}_INCLUDE AND OPENCV_${module})
+            add_library(ravikOpenCv_${module} INTERFACE)
+            target_link_libraries(ravikOpenCv_${module} INTERFACE ${OPENCV_${module}} ravikOpenCv)
+        endif()
+    endforeach()
 endif()
 
 find_path(LIBYUV_INCLUDE libyuv.h)

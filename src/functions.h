@@ -148,6 +148,13 @@ void irvkIntegralLineC(const uint8_t* src, uint32_t width, const uint32_t* above
 // bin 0. The sums fit 32 bits.
 void irvkHoughAccumulateAreaC(const uint32_t* pixels, uint32_t nPixels, int32_t c, int32_t s, uint32_t* votes);
 
+// Scharr's derivatives across and down, weights 3 10 3 by 32, of width x height samples; there is one more around them,
+// where `src` begins.
+void irvkGradientIxf32C(const float32_t* src, uint32_t width, uint32_t height, uint32_t srcStride, float32_t* dst,
+                        uint32_t dstStride);
+void irvkGradientIyf32C(const float32_t* src, uint32_t width, uint32_t height, uint32_t srcStride, float32_t* dst,
+                        uint32_t dstStride);
+
 // The dot product of n elements modulo 2^32.
 int32_t irvkDotProductNC(const int8_t* a, const int8_t* b, uint32_t n);
 

@@ -431,6 +431,12 @@ TEST(Contract, TakesAStrideOf0AsPackedRows)
     });
 }
 
+std::ptrdiff_t countWithoutStrides(const FunctionTest& function)
+{
+    return std::count_if(function.arguments.begin(), function.arguments.end(),
+                         [](const Argument& a) { return a.role != Role::stride; });
+}
+
 // What `function` is called with, for its form that has strides.
 CallValues withStrides(const FunctionTest& function, const FunctionCall& call, const FunctionTest& strided)
 {
@@ -476,6 +482,8 @@ TEST(Contract, EntriesPassOnTheirArguments)
                 call.call(referenceOf(slotOf(function)));
             } else {
                 const FunctionTest& strided = testNamed(function.function + "_v2");
+                if (countWithoutStrides(strided) > countWithoutStrides(function))
+                    return; // it has options, for which the family's test knows the defaults
                 strided.call(referenceOf(slotOf(strided)), withStrides(function, call, strided));
             }
             EXPECT_TRUE(contents(call) == actual) << function.name;

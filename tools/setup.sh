@@ -70,7 +70,8 @@ needOpenCv()
 {
     need /usr/include/opencv4/opencv2/imgproc.hpp:libopencv-imgproc-dev \
         /usr/include/opencv4/opencv2/features2d.hpp:libopencv-features2d-dev \
-        /usr/include/opencv4/opencv2/calib3d.hpp:libopencv-calib3d-dev
+        /usr/include/opencv4/opencv2/calib3d.hpp:libopencv-calib3d-dev \
+        /usr/include/opencv4/opencv2/video.hpp:libopencv-video-dev
 }
 
 # build PRESET [TARGET...]: configures and builds; quiet unless something is wrong.

@@ -67,6 +67,7 @@ std::span<const TestGroup> testGroups()
         {"FAST", 5, RAVIK_TEST_FAST_Test, fastFunctions},
         {"IMGINTENSITY", 12, RAVIK_TEST_IMGINTENSITY_Test, imageIntensityFunctions},
         {"EDGE", 5, RAVIK_TEST_EDGE_Test, edgeFunctions},
+        {"KLT", 3, RAVIK_TEST_KLT_Test, lucasKanadeFunctions},
         {"MINMAX", 6, RAVIK_TEST_MINMAX_Test, minMaxFunctions},
         {"SMOOTH", 6, RAVIK_TEST_SMOOTH_Test, smoothFunctions},
         {"ARITHM", 6, RAVIK_TEST_ARITHM_Test, arithmeticFunctions},

@@ -33,6 +33,7 @@
 #include "hough.h"
 #include "integral.h"
 #include "lbp.h"
+#include "lucaskanade.h"
 #include "magnitude.h"
 #include "median.h"
 #include "minmax.h"
