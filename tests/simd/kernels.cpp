@@ -4,6 +4,7 @@
 #include "vecta/simd/bits.h"
 #include "vecta/simd/blocks.h"
 #include "vecta/simd/chroma.h"
+#include "vecta/simd/doubles.h"
 #include "vecta/simd/runningSums.h"
 #include "vecta/simd/scaling.h"
 #include "vecta/simd/tables.h"
@@ -1259,6 +1260,69 @@ SimdGroup floats()
     return group(list);
 }
 
+// Points x, y, or x, y, z, in doubles.
+SimdGroup doubles()
+{
+    constexpr size_t n = Doubles::lanes;
+    static constexpr SimdOperation list[] = {
+        calculation(mapping<float, float, 2 * n, 2 * n>(
+            "doubles: + - * /",
+            [](const float* in, float* out) {
+                const DoublePoints<2> p = loadPoints<2>(in);
+                storePoints(out, {p[0] * p[1] + p[0], p[0] / p[1] - p[1]});
+            },
+            [](const float* in, size_t i) {
+                const double x = in[i / 2 * 2], y = in[i / 2 * 2 + 1];
+                return i % 2 ? x / y - y : x * y + x;
+            })),
+        calculation(mapping<float, float, 2 * n, 2 * n>(
+            "doubles: comparisons, select, abs",
+            [](const float* in, float* out) {
+                const DoublePoints<2> p = loadPoints<2>(in);
+                const DoubleMask isGreater = greater(p[0], p[1]), isNot = notGreater(p[0], splatDouble(1));
+                storePoints(out, {select(isGreater | isNot, abs(p[0]), p[1]), select(isGreater & ~isNot, p[0], p[1])});
+            },
+            [](const float* in, size_t i) {
+                const double x = in[i / 2 * 2], y = in[i / 2 * 2 + 1];
+                const bool isGreater = x > y, isNot = x <= 1;
+                return i % 2 ? (isGreater && !isNot ? x : y) : isGreater || isNot ? __builtin_fabs(x) : y;
+            })),
+        mapping<float, uint32_t, 2 * n, 2>(
+            "doubles: any, all",
+            [](const float* in, uint32_t* out) {
+                const DoublePoints<2> p = loadPoints<2>(in);
+                out[0] = any(greater(p[0], p[1]));
+                out[1] = all(greater(p[0], p[1]));
+            },
+            [](const float* in, size_t i) {
+                size_t count = 0;
+                for (size_t k = 0; k < n; ++k)
+                    count += in[2 * k] > in[2 * k + 1];
+                return i ? count == n : count > 0;
+            }),
+        calculation(mapping<float, float, 3 * n, 2 * n>(
+            "doubles: loadPoints<3>",
+            [](const float* in, float* out) {
+                const DoublePoints<3> p = loadPoints<3>(in);
+                storePoints(out, {p[0] - p[2], p[1] - p[2]});
+            },
+            [](const float* in, size_t i) { return double{in[i / 2 * 3 + i % 2]} - in[i / 2 * 3 + 2]; })),
+        calculation(mapping<float, float, 3 * n, 3 * n>(
+            "doubles: lists", // of n points at a time, and of one
+            [](const float* in, float* out) {
+                for (size_t i = 2; i < 3 * n; i += 3)
+                    out[i] = 0;
+                const DoublePoints<2> all = loadPoints<2>(in, 3, n), first = loadPoints<2>(in, 3, 1);
+                storePoints(out, {all[0] - first[0], all[1] - first[1]}, 3, n);
+                storePoints(out, all, 3, 1);
+            },
+            [](const float* in, size_t i) { return i % 3 == 2 ? 0
+                                                   : i < 3    ? in[i]
+                                                              : double{in[i]} - in[i % 3]; })),
+    };
+    return group(list);
+}
+
 // Numbers in the order of floats, around 0 for the finite ones.
 int32_t orderKey(float x)
 {
@@ -1502,6 +1566,7 @@ SimdGroup (*const kGroups[])() = {
     totals,
     floats,
     floatBits,
+    doubles,
     scattered,
     transposes<1>,
     transposes<2>,
