@@ -734,7 +734,8 @@ std::string difference(const FunctionCall& call, const std::vector<uint8_t>& exp
         if (call.isScratch(block))
             continue;
         const bool isFloat = block.element == Element::f32;
-        const uint32_t step = isFloat ? 4 : 1;
+        const bool isWord = tolerance > 0 && block.element == Element::u16; // others have no tolerance
+        const uint32_t step = isFloat ? 4 : isWord ? 2 : 1;
         for (size_t i = 0; i < block.bytes(); i += step, e += step) {
             const size_t column = i % block.stride;
             const auto place = [&] {
@@ -745,9 +746,14 @@ std::string difference(const FunctionCall& call, const std::vector<uint8_t>& exp
             if (isFloat) {
                 memcpy(&wanted, e, 4);
                 memcpy(&got, block.data + i, 4);
+            } else if (isWord) {
+                wanted = static_cast<float>(e[0] | e[1] << 8);
+                got = static_cast<float>(block.data[i] | block.data[i + 1] << 8);
             }
-            const bool isNear = std::fabs(wanted - got) <= tolerance * std::max(1.0f, std::fabs(wanted));
-            const bool same = isFloat ? sameFloat(wanted, got) || isNear : wanted == got;
+            const float allowed = isFloat                             ? tolerance * std::max(1.0f, std::fabs(wanted))
+                                  : isWord && column < block.rowBytes ? tolerance
+                                                                      : 0;
+            const bool same = (isFloat && sameFloat(wanted, got)) || std::fabs(wanted - got) <= allowed;
             if (!same)
                 return place() + ": expected " + std::to_string(wanted) + ", got " + std::to_string(got);
         }

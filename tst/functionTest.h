@@ -637,7 +637,14 @@ struct FunctionTest
         isSilent = true;
         return std::move(*this);
     }
-    // Floats may differ by so much, and for numbers above 1 by so much of them where the contract is tested.
+    // A variant of the function, tested under a name of its own.
+    FunctionTest named(const char* variant) &&
+    {
+        name = variant;
+        return std::move(*this);
+    }
+    // Floats may differ by so much, and for numbers above 1 by so much of them where the contract is tested. So may the
+    // numbers of u16.
     FunctionTest within(float difference) &&
     {
         tolerance = difference;
