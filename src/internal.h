@@ -2,6 +2,7 @@
 // offer the two separately. They check nothing; offload.h has the two that exist for the DSP.
 #pragma once
 
+#include <ravik/hog.h>
 #include <ravik/mser.h>
 
 #include <cstdint>
@@ -26,5 +27,12 @@ uint32_t irvkMserSplitExtu8(const uint8_t* src, uint32_t srcWidth, uint32_t srcH
                             uint32_t* brightPixels, uint32_t nBrightPixelsMax, rvkMserRegion* darkRegions,
                             uint32_t nDarkRegionsMax, uint32_t* nDarkRegions, uint32_t* darkPixels,
                             uint32_t nDarkPixelsMax);
+
+// rvkExtractHOGu16, without strides of 0, and the making and release of its handle.
+rvkStatus irvkExtractHOGu16(const rvkHOG* hog, const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight,
+                            uint32_t srcStride, uint16_t* dst, uint32_t dstStride);
+rvkStatus irvkHOGInit(uint32_t method, uint32_t cellSize, uint32_t blockSize, uint32_t blockStep, uint32_t binCount,
+                      rvkHOG** hog);
+void irvkHOGDeInit(rvkHOG* hog);
 
 } // namespace rvk

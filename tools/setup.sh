@@ -72,6 +72,7 @@ needOpenCv()
         /usr/include/opencv4/opencv2/features2d.hpp:libopencv-features2d-dev \
         /usr/include/opencv4/opencv2/calib3d.hpp:libopencv-calib3d-dev \
         /usr/include/opencv4/opencv2/video.hpp:libopencv-video-dev
+        /usr/include/opencv4/opencv2/objdetect.hpp:libopencv-objdetect-dev
 }
 
 # build PRESET [TARGET...]: configures and builds; quiet unless something is wrong.

@@ -71,6 +71,7 @@ std::span<const TestGroup> testGroups()
         {"IMGINTENSITY", 12, RAVIK_TEST_IMGINTENSITY_Test, imageIntensityFunctions},
         {"EDGE", 5, RAVIK_TEST_EDGE_Test, edgeFunctions},
         {"KLT", 3, RAVIK_TEST_KLT_Test, lucasKanadeFunctions},
+        {"HOG", 3, RAVIK_TEST_HOG_test, hogFunctions},
         {"MINMAX", 6, RAVIK_TEST_MINMAX_Test, minMaxFunctions},
         {"SMOOTH", 6, RAVIK_TEST_SMOOTH_Test, smoothFunctions},
         {"ARITHM", 6, RAVIK_TEST_ARITHM_Test, arithmeticFunctions},

@@ -31,6 +31,7 @@
 #include "geometry.h"
 #include "gradient.h"
 #include "harris.h"
+#include "hog.h"
 #include "hough.h"
 #include "integral.h"
 #include "lbp.h"
