@@ -54,6 +54,7 @@ std::span<const TestGroup> testGroups()
         {"FLOODFILL", 9, RAVIK_TEST_FLOODFILL, floodFillFunctions},
         {"MOTION", 6, RAVIK_TEST_UPDATEMOTIONHISTORY, motionHistoryFunctions},
         {"POLYGON", 7, RAVIK_TEST_POLYGON, polygonFunctions},
+        {"BGCODEBOOK", 10, RAVIK_TEST_BGCodeBook_Test, codeBookFunctions},
         {"DRAWCONTOUR", 9, RAVIK_TEST_DrawContour_Test, drawContourFunctions},
         {"HOUGHCIRCLE", 10, RAVIK_TEST_HoughCircle_Test, houghCircleFunctions},
         {"HOUGHLINE", 10, RAVIK_TEST_HoughLine_Test, houghLineFunctions},

@@ -17,6 +17,7 @@
 #include "camera.h"
 #include "canny.h"
 #include "channel.h"
+#include "codebook.h"
 #include "color.h"
 #include "contour.h"
 #include "copy.h"
