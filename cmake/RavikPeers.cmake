@@ -13,7 +13,7 @@ if(OPENCV_INCLUDE AND OPENCV_CORE AND OPENCV_IMGPROC)
     target_link_libraries(ravikOpenCv INTERFACE ${OPENCV_IMGPROC} ${OPENCV_CORE})
 
     # Its other modules, each a package of its own: targets ravikOpenCv_features2d and so on.
-    set(ravikOpenCvModules features2d calib3d video ml)
+    set(ravikOpenCvModules features2d calib3d video ml objdetect)
     foreach(module IN LISTS ravikOpenCvModules)
         find_path(OPENCV_${module}_INCLUDE opencv2/${module}.hpp PATH_SUFFIXES opencv4)
         find_library(OPENCV_${module} opencv_${module})
@@ -22,21 +22,6 @@ if(OPENCV_INCLUDE AND OPENCV_CORE AND OPENCV_IMGPROC)
             target_link_libraries(ravikOpenCv_${module} INTERFACE ${OPENCV_${module}} ravikOpenCv)
         endif()
     endforeach()
-    # And its detectors: target ravikOpenCvFeatures.
-    find_path(OPENCV_FEATURES2D_INCLUDE opencv2/features2d.hpp PATH_SUFFIXES opencv4)
-    find_library(OPENCV_FEATURES2D opencv_features2d)
-    if(OPENCV_FEATURES2D_INCLUDE AND OPENCV_FEATURES2D)
-        add_library(ravikOpenCvFeatures INTERFACE)
-        target_link_libraries(ravikOpenCvFeatures INTERFACE ${OPENCV_FEATURES2D} ravikOpenCv)
-    endif()
-
-    # And its detectors of objects: target ravikOpenCvObjdetect.
-    find_path(OPENCV_OBJDETECT_INCLUDE opencv2/objdetect.hpp PATH_SUFFIXES opencv4)
-    find_library(OPENCV_OBJDETECT opencv_objdetect)
-    if(OPENCV_OBJDETECT_INCLUDE AND OPENCV_OBJDETECT)
-        add_library(ravikOpenCvObjdetect INTERFACE)
-        target_link_libraries(ravikOpenCvObjdetect INTERFACE ${OPENCV_OBJDETECT} ravikOpenCv)
-    endif()
 endif()
 
 find_path(LIBYUV_INCLUDE libyuv.h)

@@ -68,11 +68,11 @@ needReport()
 }
 needOpenCv()
 {
-    need /usr/include/opencv4/opencv2/imgproc.hpp:libopencv-imgproc-dev \
-        /usr/include/opencv4/opencv2/features2d.hpp:libopencv-features2d-dev \
-        /usr/include/opencv4/opencv2/calib3d.hpp:libopencv-calib3d-dev \
-        /usr/include/opencv4/opencv2/video.hpp:libopencv-video-dev
-        /usr/include/opencv4/opencv2/objdetect.hpp:libopencv-objdetect-dev
+    local module modules=()
+    for module in imgproc features2d calib3d video ml objdetect; do
+        modules+=("/usr/include/opencv4/opencv2/$module.hpp:libopencv-$module-dev")
+    done
+    need "${modules[@]}"
 }
 
 # build PRESET [TARGET...]: configures and builds; quiet unless something is wrong.
