@@ -146,8 +146,8 @@ void expectTracks(Options... useGuess)
     for (uint32_t i = 0; i < kPoints; ++i) {
         points.push_back(static_cast<float>(random.below(kWidth * 64 - 63)) / 64);
         points.push_back(static_cast<float>(random.below(kHeight * 64 - 63)) / 64);
-        guesses.push_back(points[2 * i] + (sizeof...(useGuess) ? 4 : 0));
-        guesses.push_back(points[2 * i + 1] - (sizeof...(useGuess) ? 2 : 0));
+        guesses.push_back(points[2 * i] + (sizeof...(useGuess) ? 14 : 0));
+        guesses.push_back(points[2 * i + 1] - (sizeof...(useGuess) ? 10 : 0));
     }
     for (const WindowSize window : {WindowSize{13, 15}, {35, 9}}) {
         std::vector<Point> wanted;
