@@ -62,7 +62,7 @@ public:
             e.isSound = less(ofDenominator, splat(0.5f));
             e.isAccurate = less(ofDenominator, splat(2 * kRounding)) & less(size, splat(kLargestNumber));
             if constexpr (coordinates == 3) // in front of the camera
-                e.isAccurate = e.isAccurate & greater(w, zero<float>());
+                e.isSound = e.isSound & greater(w, zero<float>());
         }
         bound = bound + (abs(dst[0]) + abs(dst[1])) * splat(kRounding);
         const Vec<float> x = u - dst[0], y = v - dst[1], twice = bound + bound;
@@ -149,90 +149,95 @@ RVK_INLINE Vecs<float, coordinates> loadPoints(const float* p)
         return load3(p);
 }
 
-// The squared errors of pairs, and which are small enough, all bits set.
-struct Judgement
+// The lanes of four vectors of numbers as bytes.
+RVK_INLINE Vec<uint8_t> bytesOf(const Vecs<uint32_t, 4>& v)
 {
-    float squaredErrors[kChunk];
-    uint32_t isInside[kChunk];
-};
-
-template <bool wantsErrors, size_t coordinates, bool hasDenominator>
-RVK_INLINE void judge(const Model<coordinates, hasDenominator>& model, const Chunk<coordinates>& chunk, size_t count,
-                      float maxSquaredError, Judgement& judgement)
-{
-    constexpr size_t lanes = Vec<float>::lanes;
-    uint32_t isDoubtful[kChunk];
-    const Vec<float> most = splat(maxSquaredError);
-    bool hasDoubts = false;
-    for (size_t i = 0; i < count; i += lanes) {
-        const Estimate e =
-            model.estimate(loadPoints<coordinates>(chunk.src + i * coordinates), load2(chunk.dst + 2 * i));
-        const Mask<float> isInside = less(e.squaredError + e.slack, most);
-        Mask<float> isSure = (isInside | greater(e.squaredError - e.slack, most)) & e.isSound;
-        if constexpr (wantsErrors)
-            isSure = isSure & e.isAccurate;
-        if (!all(isSure)) {
-            if (!hasDoubts)
-                __builtin_memset(isDoubtful, 0, sizeof isDoubtful);
-            hasDoubts = true;
-            store(isDoubtful + i, bitCast<uint32_t>(toVec(~isSure)));
-        }
-        store(judgement.isInside + i, bitCast<uint32_t>(toVec(isInside)));
-        if constexpr (wantsErrors)
-            store(judgement.squaredErrors + i, e.squaredError);
-    }
-    for (size_t i = 0; hasDoubts && i < count; ++i)
-        if (isDoubtful[i]) {
-            const float exact = model.exact(chunk.src + i * coordinates, chunk.dst + 2 * i);
-            judgement.squaredErrors[i] = exact;
-            judgement.isInside[i] = exact <= maxSquaredError && exact < __builtin_inff();
-        }
+    return narrow(Vecs<uint16_t, 2>{narrow(Vecs<uint32_t, 2>{v[0], v[1]}), narrow(Vecs<uint32_t, 2>{v[2], v[3]})});
 }
 
-template <size_t coordinates, bool hasDenominator>
+// Which pairs of a chunk have an error that is small enough, a byte for each, which is 1; and, where they are wanted, the
+// squared errors of all of them.
+template <bool wantsErrors, size_t coordinates, bool hasDenominator>
+RVK_INLINE void judge(const Model<coordinates, hasDenominator>& model, const Chunk<coordinates>& chunk, size_t count,
+                      float maxSquaredError, float* squaredErrors, uint8_t* isInside)
+{
+    constexpr size_t lanes = Vec<float>::lanes, step = 4 * lanes;
+    const Vec<float> most = splat(maxSquaredError);
+    uint8_t isSure[kChunk];
+    bool hasDoubts = false;
+    for (size_t i = 0; i < kChunk; i += step) {
+        Vecs<uint32_t, 4> inside, sure;
+        unrolled<4>([&](auto k) RVK_INLINE_LAMBDA {
+            const size_t at = i + k * lanes;
+            const Estimate e =
+                model.estimate(loadPoints<coordinates>(chunk.src + at * coordinates), load2(chunk.dst + 2 * at));
+            const Mask<float> isLess = less(e.squaredError + e.slack, most);
+            Mask<float> isKnown = (isLess | greater(e.squaredError - e.slack, most)) & e.isSound;
+            if constexpr (wantsErrors) {
+                isKnown = isKnown & e.isAccurate;
+                store(squaredErrors + at, e.squaredError);
+            }
+            inside[k] = bitCast<uint32_t>(toVec(isLess));
+            sure[k] = bitCast<uint32_t>(toVec(isKnown));
+            hasDoubts |= !all(isKnown);
+        });
+        store(isInside + i, bytesOf(inside) & splat<uint8_t>(1));
+        store(isSure + i, bytesOf(sure));
+    }
+    for (size_t i = 0; hasDoubts && i < count; ++i)
+        if (!isSure[i]) {
+            const float exact = model.exact(chunk.src + i * coordinates, chunk.dst + 2 * i);
+            if constexpr (wantsErrors)
+                squaredErrors[i] = exact;
+            isInside[i] = exact <= maxSquaredError && exact < __builtin_inff();
+        }
+    if (count < kChunk)
+        __builtin_memset(isInside + count, 0, kChunk - count);
+}
+
+// It stops where it sees that there are no more inliers than `best`.
+template <bool wantsErrors, size_t coordinates, bool hasDenominator>
 RVK_INLINE uint32_t evaluate(const Model<coordinates, hasDenominator>& model, const rvkaCorrespondences& pairs,
-                             float maxSquaredError, float* squaredErrors, uint8_t* inliers)
+                             float maxSquaredError, uint32_t best, float* squaredErrors, uint8_t* inliers)
 {
     uint32_t found = 0;
     for (size_t first = 0; first < pairs.count; first += kChunk) {
-        const size_t count = least(pairs.count - first, kChunk);
+        const size_t left = pairs.count - first, count = least(left, kChunk);
+        if (found + left <= best)
+            break;
         const Chunk<coordinates> chunk(pairs, first, count);
-        Judgement judgement;
-        judge<true>(model, chunk, count, maxSquaredError, judgement);
+        float errors[kChunk];
         uint8_t isInlier[kChunk];
-        for (size_t i = 0; i < count; ++i)
-            isInlier[i] = judgement.isInside[i] & 1;
+        float* const wholeErrors = wantsErrors && count == kChunk ? squaredErrors + first : errors;
+        judge<wantsErrors>(model, chunk, count, maxSquaredError, wholeErrors, isInlier);
+        if (wantsErrors && count < kChunk)
+            __builtin_memcpy(squaredErrors + first, errors, count * sizeof(float));
         if (pairs.mask)
             for (size_t i = 0; i < count; ++i)
-                isInlier[i] &= pairs.mask[first + i] != 0;
-        for (size_t i = 0; i < count; ++i)
-            found += isInlier[i];
+                isInlier[i] = pairs.mask[first + i] ? isInlier[i] : 0;
+        Total<uint8_t> total;
+        for (size_t i = 0; i < kChunk; i += kBytes)
+            total.add(load(isInlier + i));
+        found += total.value();
         if (inliers)
             __builtin_memcpy(inliers + first, isInlier, count);
-        if (squaredErrors)
-            __builtin_memcpy(squaredErrors + first, judgement.squaredErrors, count * sizeof(float));
     }
     return found;
+}
+
+template <class AnyModel>
+RVK_INLINE uint32_t evaluateAll(const AnyModel& model, const rvkaCorrespondences& pairs, float maxSquaredError,
+                                float* squaredErrors, uint8_t* inliers)
+{
+    return squaredErrors ? evaluate<true>(model, pairs, maxSquaredError, 0, squaredErrors, inliers)
+                         : evaluate<false>(model, pairs, maxSquaredError, 0, nullptr, inliers);
 }
 
 uint32_t countInliers(const rvkaCorrespondences& packed, const float* homography, float maxSquaredError, uint32_t best,
                       uint8_t* inliers)
 {
-    const Homography model(homography, homographySquaredError);
-    uint32_t found = 0;
-    for (size_t first = 0; first < packed.count; first += kChunk) {
-        const size_t left = packed.count - first, count = least(left, kChunk);
-        if (found + left <= best)
-            return found;
-        const Chunk<2> chunk(packed, first, count);
-        Judgement judgement;
-        judge<false>(model, chunk, count, maxSquaredError, judgement);
-        for (size_t i = 0; i < count; ++i)
-            found += judgement.isInside[i] & 1;
-        for (size_t i = 0; inliers && i < count; ++i)
-            inliers[first + i] = judgement.isInside[i] & 1;
-    }
-    return found;
+    return evaluate<false>(Homography(homography, homographySquaredError), packed, maxSquaredError, best, nullptr,
+                           inliers);
 }
 
 } // namespace
@@ -240,19 +245,19 @@ uint32_t countInliers(const rvkaCorrespondences& packed, const float* homography
 uint32_t rvkGeomAffineEvaluatef32V(const rvkaCorrespondences* pairs, const float32_t* affine, float32_t maxSquaredError,
                                    float32_t* squaredErrors, uint8_t* inliers)
 {
-    return evaluate(Affine(affine, affineSquaredError), *pairs, maxSquaredError, squaredErrors, inliers);
+    return evaluateAll(Affine(affine, affineSquaredError), *pairs, maxSquaredError, squaredErrors, inliers);
 }
 
 uint32_t rvkGeomHomographyEvaluatef32V(const rvkaCorrespondences* pairs, const float32_t* homography,
                                        float32_t maxSquaredError, float32_t* squaredErrors, uint8_t* inliers)
 {
-    return evaluate(Homography(homography, homographySquaredError), *pairs, maxSquaredError, squaredErrors, inliers);
+    return evaluateAll(Homography(homography, homographySquaredError), *pairs, maxSquaredError, squaredErrors, inliers);
 }
 
 uint32_t rvkGeomPoseEvaluatef32V(const rvkaCorrespondences* pairs, const float32_t* pose, float32_t maxSquaredError,
                                  float32_t* squaredErrors, uint8_t* inliers)
 {
-    return evaluate(Pose(pose, poseSquaredError), *pairs, maxSquaredError, squaredErrors, inliers);
+    return evaluateAll(Pose(pose, poseSquaredError), *pairs, maxSquaredError, squaredErrors, inliers);
 }
 
 // The compilers make vectors of doubles of it where there are any.
