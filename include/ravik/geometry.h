@@ -41,8 +41,8 @@ RVK_API uint32_t rvkGeomPoseEvaluatef32(const rvkaCorrespondences* pairs, const 
 /* The same with the number as an output. */
 RVK_API rvkStatus rvkGeomHomographyEvaluatef32_v2(const float32_t* src, uint32_t srcStride, const float32_t* dst,
                                                   uint32_t dstStride, uint32_t count, const float32_t homography[9],
-                                                  float32_t maxSquaredError, float32_t* squaredErrors,
-                                                  uint8_t* inliers, uint32_t* numInliers);
+                                                  float32_t maxSquaredError, float32_t* squaredErrors, uint8_t* inliers,
+                                                  uint32_t* numInliers);
 
 /* ---- fits to all pairs -----------------------------------------------------------------------------------------
  *
