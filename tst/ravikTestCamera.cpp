@@ -39,6 +39,8 @@ const FunctionGroup& calibrateFunctions()
     const Argument ideal = src.ofPoints(2).within(normalised), real = src.ofPoints(2).within(pixels);
     const Argument pose = near(kPose, 0.1), world = src.ofPoints(3).within(kWorld);
     const Argument results = dst.ofPoints(2), result = dst.ofSize(2);
+    // Without vectors of doubles: 2^-19 of the terms of pixels, and 2^-18 of ideal coordinates.
+    constexpr float ofPixels = 0.002f, ofIdeal = 2e-5f;
     const Contract ofLists = Contract().atLeast(1, 0), inPlace = ofLists.inPlace();
 
     static const FunctionGroup group{
@@ -48,12 +50,15 @@ const FunctionGroup& calibrateFunctions()
         {
             RVK_TEST(rvkGeomDistortPoint2x1f32, camera, lens, numbers(normalised), result).repeated(kShortCalls),
             RVK_TEST(rvkGeomDistortPoint2xNf32, camera, lens, ideal, wholeStride, height, results, wholeStride)
+                .within(ofPixels)
                 .keeps(inPlace),
             RVK_TEST(rvkGeomUndistortPoint2x1f32, camera, lens, numbers(pixels), result).repeated(kShortCalls),
             RVK_TEST(rvkGeomUndistortPoint2xNf32, camera, lens, real, wholeStride, height, results, wholeStride)
+                .within(ofIdeal)
                 .keeps(inPlace),
             RVK_TEST(rvkGeomProjectPoint3x1f32, camera, lens, pose, numbers(kWorld), result).repeated(kShortCalls),
             RVK_TEST(rvkGeomProjectPoint3xNf32, camera, lens, pose, world, wholeStride, height, results, wholeStride)
+                .within(ofPixels)
                 .keeps(ofLists),
         }};
     return group;

@@ -7,7 +7,9 @@
  *               packed ones. No points are as good as any number. A list has less than 2^31 bytes.
  *   Alignment   that of floats.
  *   In place    `points` may be the result where the strides are equal; otherwise the two must not overlap.
- *   Rounding    everything is computed in double precision and rounded once.
+ *   Rounding    everything is computed in double precision and rounded once; but on 32-bit Arm the vector
+ *               implementations of lists may be off: pixels by 2^-19 of the formula with the magnitudes of all terms,
+ *               normalised coordinates by 2^-18 * (1 + |x| + |y|).
  *   Errors      RAVIK_EBADPARAM for null pointers, strides and cameras that are none, and a result in the place of
  *               points of another stride; nothing is written then. RAVIK_EFAIL when there are points that have no
  *               result: these get not-a-numbers, the others theirs. The result must be finite. */

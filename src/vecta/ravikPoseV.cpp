@@ -1,9 +1,14 @@
-// Vector implementation of residuals of poses: the reference's operations in its order.
+// Vector implementation of residuals of poses: the reference's operations in its order, where there are vectors of
+// doubles.
 #include "cpu/ravikCameraC.h"
 #include "vecta/simd/doubles.h"
 #include "vecta/vecta.h"
 
 #include <ravik/pose.h>
+
+namespace rvk {
+decltype(::rvkGeomPoseEvaluateErrorf32) rvkGeomPoseEvaluateErrorf32C;
+} // namespace rvk
 
 namespace rvk::vecta::RVK_ISA {
 
@@ -11,6 +16,8 @@ rvkStatus rvkGeomPoseEvaluateErrorf32V(const rvkaCorrespondences* pairs, const f
                                        float32_t* meanSquaredError)
 {
     constexpr size_t lanes = Doubles::lanes;
+    if constexpr (lanes == 1)
+        return rvkGeomPoseEvaluateErrorf32C(pairs, pose, residuals, meanSquaredError);
     const size_t srcStep = pairs->srcStride / sizeof(float), dstStep = pairs->dstStride / sizeof(float);
     const Doubles infinity = splatDouble(__builtin_inf()), largest = splatDouble(kLargestFloat);
     const PoseMatrix matrix(pose);
