@@ -127,7 +127,7 @@ TEST(CodeBook, IsItsDefinition)
     const auto updates = implementations<Slot::rvkBGCodeBookUpdateu8>();
     const auto clears = implementations<Slot::rvkBGCodeBookClearStaleu8>();
     Random random(1);
-    for (int trial = 0; trial < 25; ++trial) {
+    for (int trial = 0; trial < 12; ++trial) {
         const uint32_t width = 1 + random.below(trial % 3 ? 150 : 30), height = 1 + random.below(3);
         rvkBGCodeBookModel* model = nullptr;
         ASSERT_EQ(rvkCreateBGCodeBookModel(width, height, &model), RAVIK_SUCCESS);
@@ -192,7 +192,7 @@ TEST(CodeBook, SeesWhatMovesBeforeANoisyScene)
     };
     rvkBGCodeBookModel* model = nullptr;
     ASSERT_EQ(rvkCreateBGCodeBookModel(width, height, &model), RAVIK_SUCCESS);
-    for (int frame = 0; frame < 60; ++frame)
+    for (int frame = 0; frame < 40; ++frame)
         EXPECT_EQ(rvkBGCodeBookUpdateu8(model, sceneWith(width).bytes.data(), width, height, 0, nullptr, 0),
                   RAVIK_SUCCESS);
     for (uint32_t left = 0; left <= width; left += 50) {

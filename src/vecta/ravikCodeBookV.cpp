@@ -59,8 +59,8 @@ RVK_INLINE void forEachBlock(const rvkBGCodeBookModel& model, Action action)
         CodeBookBlock* const row = model.blocks + y * model.blocksAcross;
         for (size_t i = 0; i < model.blocksAcross; ++i) {
             const size_t x = i * kCodeBookBlock;
-            if (i + 1 < model.blocksAcross)
-                prefetch(reinterpret_cast<const uint8_t*>(row[i + 1].first), sizeof(CodeBookLayer::min) * 2);
+            if (i + 1 < model.blocksAcross && row[i + 1].first)
+                prefetch(row[i + 1].first->min[0], 2 * sizeof(CodeBookLayer::min)); // and max
             action(row[i], x, y, least(model.width - x, kCodeBookBlock));
         }
     }
