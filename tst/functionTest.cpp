@@ -340,9 +340,9 @@ static void setDependent(const FunctionTest& test, std::vector<double>& numbers,
     }
 }
 
-Outcome FunctionTest::call(AnyFunction function, const CallValues& values, uint32_t times) const
+Outcome FunctionTest::call(AnyFunction callee, const CallValues& values, uint32_t times) const
 {
-    const Outcome outcome = caller(function, adapter, values, times);
+    const Outcome outcome = caller(callee, adapter, values, times);
     return returnsNumber ? Outcome{.count = static_cast<uint32_t>(outcome.status)} : outcome;
 }
 

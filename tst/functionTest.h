@@ -588,7 +588,7 @@ struct FunctionTest
     bool returnsNumber = false;    // an int32_t that is no status
 
     // Calls a function of the same type with these values, so many times. Returns what the last call gave.
-    Outcome call(AnyFunction function, const CallValues& values, uint32_t times = 1) const;
+    Outcome call(AnyFunction callee, const CallValues& values, uint32_t times = 1) const;
     Outcome call(const CallValues& values, uint32_t times = 1) const { return call(entry, values, times); }
 
     // Whether refusals are logged.
