@@ -64,6 +64,8 @@ const FunctionGroup& boundingRectangleFunctions();
 const FunctionGroup& upsampleFunctions();
 const FunctionGroup& flipFunctions();
 const FunctionGroup& contourFunctions();
+const FunctionGroup& solveFunctions();
+const FunctionGroup& svdFunctions();
 const FunctionGroup& perspectiveTransformFunctions();
 const FunctionGroup& fillFunctions();
 const FunctionGroup& adaptiveThresholdFunctions();
@@ -141,6 +143,8 @@ inline constexpr auto RAVIK_TEST_rvkBoundingRect = testFunctions<boundingRectang
 inline constexpr auto RAVIK_TEST_UPSAMPLE_Test = testFunctions<upsampleFunctions>;
 inline constexpr auto RAVIK_TEST_IPP_Test = testFunctions<flipFunctions>;
 inline constexpr auto RAVIK_TEST_CONTOUR_Test = testFunctions<contourFunctions>;
+inline constexpr auto RAVIK_TEST_Solve = testFunctions<solveFunctions>;
+inline constexpr auto RAVIK_TEST_SVD_Test = testFunctions<svdFunctions>;
 inline constexpr auto RAVIK_TEST_rvkGetPerspectiveTransform = testFunctions<perspectiveTransformFunctions>;
 inline constexpr auto RAVIK_TEST_SET = testFunctions<fillFunctions>;
 inline constexpr auto RAVIK_TEST_ADAPTIVETHRESHOLD_Test = testFunctions<adaptiveThresholdFunctions>;

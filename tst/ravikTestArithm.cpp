@@ -2,6 +2,7 @@
 #include "groups.h"
 
 #include <ravik/arithm.h>
+#include <ravik/linearalgebra.h>
 
 using namespace arguments;
 
@@ -13,6 +14,17 @@ const FunctionGroup& arithmeticFunctions()
     const Contract shorts = Contract().inPlace().onDsp({.alignment = 8});
     const Contract oneFloat = Contract().inPlace().onDsp({.alignment = 4, .elementsPerPixel = 4});
     const Contract twoFloats = Contract().inPlace().onDsp({.alignment = 4, .elementsPerPixel = 8});
+
+    Argument columns = dstWidth.upTo(0.2); // of the second matrix
+    columns.leastPart = 0.16;
+    const Argument second = src.measuring({[](const CaseSizes& s) {
+                                               return ImageSize{s.second.width, s.picture.columns};
+                                           },
+                                           "of a second width,"});
+    const Argument product = dst.measuring({[](const CaseSizes& s) {
+                                                return ImageSize{s.second.width, s.picture.rows};
+                                            },
+                                            "of a second width,"});
 
     static const FunctionGroup group{
         "ravikarithm",
@@ -29,6 +41,9 @@ const FunctionGroup& arithmeticFunctions()
                 .keeps(widened.logging()),
             RVK_TEST(rvkElementMultiplyf32, src, width, height, stride, src, stride, dst, stride)
                 .keeps(twoFloats.logging()),
+            RVK_TEST(rvkMatrixMultiplys8s32, src, width, height, stride, second, columns, stride, product, wholeStride),
+            RVK_TEST(rvkMatrixMultiplyf32, src, width, height, wholeStride, second, columns, wholeStride, product,
+                     wholeStride),
             RVK_TEST(rvkAddu8u16, src, width, height, stride, src, stride, dst, stride).keeps(widened),
             RVK_TEST(rvkAdds16, src, width, height, stride, src, stride, dst, stride).keeps(shorts.logging()),
             RVK_TEST(rvkAddf32, src, width, height, stride, src, stride, dst, stride).keeps(twoFloats),

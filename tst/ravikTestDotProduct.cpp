@@ -1,7 +1,8 @@
-// DOT: dot products.
+// DOT: dot and cross products.
 #include "groups.h"
 
 #include <ravik/dotproduct.h>
+#include <ravik/linearalgebra.h>
 
 #include <algorithm>
 #include <cstring>
@@ -78,6 +79,7 @@ const FunctionGroup& dotProductFunctions()
             RVK_TEST(rvkDotProducts8, src, src, area).returningNumber(),
             RVK_TEST(rvkDotProductu8, src, src, area),
             RVK_TEST_ADAPTED("rvkDotProductf32", rvkDotProductf32, bitsOfDotProduct, whole, whole, area),
+            RVK_TEST(rvkCrossProduct3x1f32, src.ofSize(3), src.ofSize(3), dst.ofSize(3)).repeated(shortCalls),
             RVK_TEST_ADAPTED("rvkBlockDotProductu8", rvkBlockDotProductu8, (multiplyBlocks<uint8_t, uint32_t>), src,
                              stride, src, stride, width, height, blockWidth, blockHeight, perBlock, stride)
                 .keeps(ofBlocks),

@@ -37,6 +37,7 @@
 #include "integral.h"
 #include "lbp.h"
 #include "lucaskanade.h"
+#include "linearalgebra.h"
 #include "magnitude.h"
 #include "median.h"
 #include "minmax.h"

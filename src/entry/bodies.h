@@ -39,6 +39,13 @@ ResultOf<slot> refuse(Words words)
         return RAVIK_EBADPARAM;
 }
 
+// Whether a matrix or picture of such pixels has a size, rows of whole elements, and less than 2^31 bytes.
+inline bool isMatrix(uint32_t width, uint32_t height, uint32_t stride, uint32_t elementSize, uint32_t channels = 1)
+{
+    return width && height && isMultipleOf(elementSize, stride) && stride >= rowSize(width, elementSize * channels) &&
+           rowSize(stride, height) < uint64_t{1} << 31;
+}
+
 // ---- element by element -------------------------------------------------------------------------
 
 // Two images, each with a stride of its own.

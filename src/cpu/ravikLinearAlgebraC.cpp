@@ -1,0 +1,685 @@
+// Products of vectors and matrices, decompositions and linear equations: the C reference.
+#include "functions.h"
+#include "image.h"
+#include "scratch.h"
+
+#include <bit>
+#include <cfloat>
+#include <cmath>
+#include <optional>
+#include <utility>
+
+namespace rvk {
+
+// ---- products -------------------------------------------------------------------------------------------------------
+
+void rvkCrossProduct3x1f32C(const float32_t* a, const float32_t* b, float32_t* dst)
+{
+    const float product[3] = {a[1] * b[2] - a[2] * b[1], a[2] * b[0] - a[0] * b[2], a[0] * b[1] - a[1] * b[0]};
+    std::copy_n(product, 3, dst);
+}
+
+namespace {
+
+template <class Sum, class T, class D>
+void multiplyMatrices(Plane<const T> src1, uint32_t width1, uint32_t height1, Plane<const T> src2, uint32_t width2,
+                      Plane<D> dst)
+{
+    for (uint32_t y = 0; y < height1; ++y)
+        for (uint32_t x = 0; x < width2; ++x) {
+            Sum sum = 0;
+            for (uint32_t k = 0; k < width1; ++k)
+                sum += static_cast<Sum>(src1.row(y)[k] * src2.row(k)[x]);
+            dst.row(y)[x] = static_cast<D>(sum);
+        }
+}
+
+} // namespace
+
+rvkStatus rvkMatrixMultiplyf32C(const float32_t* src1, uint32_t width1, uint32_t height1, uint32_t stride1,
+                                const float32_t* src2, uint32_t width2, uint32_t stride2, float32_t* dst,
+                                uint32_t dstStride)
+{
+    multiplyMatrices<float>(Plane{src1, stride1}, width1, height1, Plane{src2, stride2}, width2, Plane{dst, dstStride});
+    return RAVIK_SUCCESS;
+}
+
+rvkStatus rvkMatrixMultiplys8s32C(const int8_t* src1, uint32_t width1, uint32_t height1, uint32_t stride1,
+                                  const int8_t* src2, uint32_t width2, uint32_t stride2, int32_t* dst,
+                                  uint32_t dstStride)
+{
+    multiplyMatrices<uint32_t>(Plane{src1, stride1}, width1, height1, Plane{src2, stride2}, width2,
+                               Plane{dst, dstStride});
+    return RAVIK_SUCCESS;
+}
+
+// ---- what all that follows is made of -------------------------------------------------------------------------------
+//
+// Small matrices take longer to walk than to compute with. So rows are longer than they need be, and loops over them take
+// steps of four elements, which also begin where a step begins: they may touch what is no longer, or not yet, used.
+
+namespace {
+
+constexpr size_t kStep = 4;
+
+constexpr size_t stepOf(size_t i)
+{
+    return i / kStep * kStep;
+}
+constexpr size_t wholeSteps(size_t count)
+{
+    return stepOf(count + kStep - 1);
+}
+
+// A matrix of doubles by rows, not initialised: small ones lie here, which a call of nanoseconds is glad of, others in
+// scratch memory. Test it before use.
+class Matrix
+{
+public:
+    Matrix(uint64_t rows, uint32_t columns) : m_rowSize(wholeSteps(columns)), m_data(m_small)
+    {
+        if (rows * m_rowSize > kSmall)
+            m_data = m_large.emplace(rows, m_rowSize).get();
+    }
+    explicit operator bool() const { return m_data != nullptr; }
+    double* row(size_t i) const { return m_data + i * m_rowSize; }
+    size_t rowSize() const { return m_rowSize; }
+
+private:
+    static constexpr size_t kSmall = (12 + 2) * wholeSteps(12 + 1); // for 12 equations
+    const size_t m_rowSize;
+    double* m_data;
+    std::optional<Scratch<double>> m_large;
+    double m_small[kSmall];
+};
+
+// The largest magnitude of elements, and whether all are finite. Magnitudes of floats are ordered as their bits are.
+class Largest
+{
+public:
+    double take(float element)
+    {
+        m_bits = std::max(m_bits, std::bit_cast<uint32_t>(element) & INT32_MAX);
+        return element;
+    }
+    bool isFinite() const { return m_bits <= std::bit_cast<uint32_t>(FLT_MAX); }
+    // What a pivot of a matrix of n columns must be larger than.
+    double boundOfPivots(uint32_t n) const { return n * 0x1p-48 * std::bit_cast<float>(m_bits); }
+
+private:
+    uint32_t m_bits = 0;
+};
+
+bool fitFloats(const double* values, size_t count)
+{
+    bool fit = true;
+    for (size_t i = 0; i < count; ++i)
+        fit &= std::fabs(values[i]) <= FLT_MAX;
+    return fit;
+}
+
+// Subtracts a multiple of a row, from an element on.
+void subtract(double* __restrict from, double factor, const double* __restrict row, size_t first, size_t end)
+{
+    for (size_t i = stepOf(first); i < end; i += kStep)
+        for (size_t k = 0; k < kStep; ++k)
+            from[i + k] -= factor * row[i + k];
+}
+
+// Of rows that are 0 where they are not used.
+double dot(const double* a, const double* b, size_t first, size_t end)
+{
+    double sums[kStep] = {};
+    for (size_t i = stepOf(first); i < end; i += kStep)
+        for (size_t k = 0; k < kStep; ++k)
+            sums[k] += a[i + k] * b[i + k];
+    return (sums[0] + sums[1]) + (sums[2] + sums[3]);
+}
+
+// ---- singular values ------------------------------------------------------------------------------------------------
+//
+// The columns of A, or its rows where they are fewer, are the vectors. Rotations of pairs of them make them orthogonal:
+// rotations * A = diag(w) * directions.
+
+class SingularValues
+{
+public:
+    // k vectors of `length` elements, which is no less than k.
+    SingularValues(uint32_t k, uint32_t length)
+        : m_k(k), m_length(length), m_vectors(k, length), m_rotations(k, k), m_values(1, k)
+    {
+    }
+    explicit operator bool() const { return m_vectors && m_rotations && m_values; }
+
+    double* vector(size_t i) const { return m_vectors.row(i); }
+    double* rotation(size_t i) const { return m_rotations.row(i); }
+    double value(size_t i) const { return m_values.row(0)[i]; }
+
+    // False when it does not come to an end.
+    bool find()
+    {
+        for (uint32_t i = 0; i < m_k; ++i) {
+            std::fill(vector(i) + m_length, vector(i) + m_vectors.rowSize(), 0.0);
+            std::fill_n(rotation(i), m_rotations.rowSize(), 0.0);
+            rotation(i)[i] = 1;
+        }
+        constexpr int mostSweeps = 60;
+        for (int sweep = 0; sweep < mostSweeps; ++sweep)
+            if (rotateAllPairs()) {
+                order();
+                return true;
+            }
+        return false;
+    }
+
+    // Makes the vectors directions. Those that are nothing but rounding errors of the others are made anew.
+    void normalise()
+    {
+        for (uint32_t i = 0; i < m_k; ++i) {
+            if (value(i) > 0)
+                scale(vector(i), 1 / value(i));
+            if (!(value(i) > kNoise * value(0)) && !standsOut(i))
+                findAnother(i);
+        }
+    }
+
+private:
+    static constexpr double kOrthogonal = 0x1p-22; // cosines of pairs at the end
+    static constexpr double kNegligible = 0x1p-25; // of those that are not rotated
+    static constexpr double kNoise = 0x1p-44;
+
+    // During the sweeps the values are squares.
+    double& square(size_t i) { return m_values.row(0)[i]; }
+
+    // Whether all were orthogonal. Pairs follow each other as in a tournament, so that one need not wait for the one
+    // before it.
+    bool rotateAllPairs()
+    {
+        double largest = 0;
+        for (uint32_t i = 0; i < m_k; ++i) {
+            square(i) = dot(vector(i), vector(i), 0, m_length);
+            largest = std::max(largest, square(i));
+        }
+        const double negligible = kNoise * kNoise * largest;
+        const uint32_t rounds = (m_k - 1) | 1; // an odd number of vectors leaves one out in each
+        bool isOrthogonal = true;
+        for (uint32_t round = 0; round < rounds; ++round) {
+            uint32_t up = round, down = rounds; // the last one stays, those of the others go around
+            for (uint32_t pair = 0; pair <= rounds / 2; ++pair) {
+                if (std::max(up, down) < m_k)
+                    isOrthogonal &= rotate(std::min(up, down), std::max(up, down), negligible);
+                if (pair == 0)
+                    down = round;
+                up = up + 1 < rounds ? up + 1 : 0;
+                down = down > 0 ? down - 1 : rounds - 1;
+            }
+        }
+        return isOrthogonal;
+    }
+
+    // Whether they are orthogonal; after that they are. Where one is negligible it is no matter which way it points.
+    bool rotate(uint32_t i, uint32_t j, double negligible)
+    {
+        if (std::min(square(i), square(j)) <= negligible)
+            return true;
+        const double product = dot(vector(i), vector(j), 0, m_length), squares = square(i) * square(j);
+        if (product * product <= kNegligible * kNegligible * squares)
+            return true;
+        const bool isOrthogonal = product * product <= kOrthogonal * kOrthogonal * squares;
+        // Rutishauser's formulas: the smaller one of the two angles.
+        const double zeta = (square(j) - square(i)) / (2 * product);
+        const double tangent = std::copysign(1 / (std::fabs(zeta) + std::sqrt(1 + zeta * zeta)), zeta);
+        const double cosine = 1 / std::sqrt(1 + tangent * tangent), sine = cosine * tangent;
+        square(i) -= tangent * product;
+        square(j) += tangent * product;
+        turn(vector(i), vector(j), m_length, cosine, sine);
+        turn(rotation(i), rotation(j), m_k, cosine, sine);
+        return isOrthogonal;
+    }
+
+    static void turn(double* __restrict a, double* __restrict b, size_t count, double cosine, double sine)
+    {
+        for (size_t i = 0; i < count; i += kStep)
+            for (size_t k = 0; k < kStep; ++k) {
+                const double first = a[i + k], second = b[i + k];
+                a[i + k] = cosine * first - sine * second;
+                b[i + k] = sine * first + cosine * second;
+            }
+    }
+
+    void order()
+    {
+        for (uint32_t i = 0; i < m_k; ++i)
+            square(i) = std::sqrt(dot(vector(i), vector(i), 0, m_length));
+        for (uint32_t i = 0; i + 1 < m_k; ++i) {
+            uint32_t longest = i;
+            for (uint32_t j = i + 1; j < m_k; ++j)
+                longest = value(j) > value(longest) ? j : longest;
+            if (longest == i)
+                continue;
+            std::swap_ranges(vector(i), vector(i) + m_length, vector(longest));
+            std::swap_ranges(rotation(i), rotation(i) + m_k, rotation(longest));
+            std::swap(square(i), square(longest));
+        }
+    }
+
+    void scale(double* vector, double factor) const
+    {
+        for (uint32_t i = 0; i < m_length; ++i)
+            vector[i] *= factor;
+    }
+
+    // Takes away from a direction what it has of those before it, and makes what is left one. False when too little is:
+    // the squares of what is left of the axes have a sum of 1 or more while a direction is missing.
+    bool standsOut(uint32_t i) const
+    {
+        subtractThoseBefore(i);
+        const double left = dot(vector(i), vector(i), 0, m_length);
+        if (!(left * m_length >= 0.5))
+            return false;
+        scale(vector(i), 1 / std::sqrt(left));
+        subtractThoseBefore(i); // the rounding errors
+        return true;
+    }
+
+    void subtractThoseBefore(uint32_t i) const
+    {
+        for (uint32_t j = 0; j < i; ++j)
+            subtract(vector(i), dot(vector(i), vector(j), 0, m_length), vector(j), 0, m_length);
+    }
+
+    // The first axis that stands out.
+    void findAnother(uint32_t i) const
+    {
+        for (uint32_t axis = 0; axis < m_length; ++axis) {
+            std::fill_n(vector(i), m_length, 0.0);
+            vector(i)[axis] = 1;
+            if (standsOut(i))
+                return;
+        }
+    }
+
+    const uint32_t m_k, m_length;
+    const Matrix m_vectors, m_rotations, m_values;
+};
+
+// 1, or -1 for a row of Vt whose first element of largest magnitude is negative as it will be stored.
+double signOf(const double* row, uint32_t width)
+{
+    float largest = 0;
+    for (uint32_t x = 0; x < width; ++x)
+        if (const auto element = static_cast<float>(row[x]); std::fabs(element) > std::fabs(largest))
+            largest = element;
+    return largest < 0 ? -1 : 1;
+}
+
+} // namespace
+
+rvkStatus rvkSVDf32C(const float32_t* A, uint32_t width, uint32_t height, uint32_t aStride, float32_t* w, float32_t* U,
+                     uint32_t uStride, float32_t* Vt, uint32_t vtStride)
+{
+    const bool isTall = height >= width;
+    SingularValues found(std::min(width, height), std::max(width, height));
+    if (!found)
+        return RAVIK_ENORES;
+    Largest largest;
+    for (uint32_t y = 0; y < height; ++y)
+        for (uint32_t x = 0; x < width; ++x)
+            (isTall ? found.vector(x)[y] : found.vector(y)[x]) = largest.take(Plane{A, aStride}.row(y)[x]);
+    if (!largest.isFinite() || !found.find() || found.value(0) > FLT_MAX)
+        return RAVIK_EFAIL;
+    found.normalise();
+    for (uint32_t i = 0; i < std::min(width, height); ++i) {
+        const double* const left = isTall ? found.vector(i) : found.rotation(i);
+        const double* const right = isTall ? found.rotation(i) : found.vector(i);
+        const double sign = signOf(right, width);
+        w[i] = static_cast<float>(found.value(i));
+        for (uint32_t y = 0; U && y < height; ++y)
+            Plane{U, uStride}.row(y)[i] = static_cast<float>(sign * left[y]);
+        for (uint32_t x = 0; Vt && x < width; ++x)
+            Plane{Vt, vtStride}.row(i)[x] = static_cast<float>(sign * right[x]);
+    }
+    return RAVIK_SUCCESS;
+}
+
+// ---- equations ------------------------------------------------------------------------------------------------------
+
+namespace {
+
+// n equations: rows of A, each followed by its element of b; then the number of each unknown, and the solution. Of
+// symmetric matrices only what is from the diagonal on is used; the lower triangle is turned there.
+class Equations
+{
+public:
+    explicit Equations(uint32_t n) : m_n(n), m_rows(uint64_t{n} + 2, n + 1) {}
+    explicit operator bool() const { return static_cast<bool>(m_rows); }
+
+    // False when something is not finite.
+    bool take(Plane<const float> a, const float* b)
+    {
+        for (uint32_t i = 0; i < m_n; ++i) {
+            for (uint32_t j = 0; j < m_n; ++j)
+                row(i)[j] = m_largest.take(a.row(i)[j]);
+        }
+        return takeRest(b);
+    }
+    bool takeSymmetric(Plane<const float> a, const float* b)
+    {
+        for (uint32_t i = 0; i < m_n; ++i) {
+            std::fill_n(row(i), i, 0.0);
+            for (uint32_t j = 0; j <= i; ++j)
+                row(j)[i] = m_largest.take(a.row(i)[j]);
+        }
+        return takeRest(b);
+    }
+
+    // These make the matrix one of zeros below the diagonal, which becomes its reciprocals; false when it is singular.
+    bool eliminate()
+    {
+        for (uint32_t k = 0; k < m_n; ++k) {
+            uint32_t largest = k;
+            for (uint32_t i = k + 1; i < m_n; ++i)
+                largest = std::fabs(row(i)[k]) > std::fabs(row(largest)[k]) ? i : largest;
+            if (!(std::fabs(row(largest)[k]) > bound()))
+                return false;
+            if (largest != k)
+                std::swap_ranges(row(k) + k, row(k) + m_n + 1, row(largest) + k);
+            const double reciprocal = 1 / row(k)[k];
+            for (uint32_t i = k + 1; i < m_n; ++i)
+                subtract(row(i), row(i)[k] * reciprocal, row(k), k + 1, m_n + 1);
+            row(k)[k] = reciprocal;
+        }
+        return true;
+    }
+    bool eliminateDefinite()
+    {
+        for (uint32_t k = 0; k < m_n; ++k) {
+            if (!(row(k)[k] > bound()))
+                return false;
+            eliminateBelow(k);
+        }
+        return true;
+    }
+    bool eliminateSymmetric()
+    {
+        for (uint32_t i = 0; i < m_n; ++i)
+            numbers()[i] = i;
+        for (uint32_t k = 0; k < m_n;) {
+            const bool isPair = choosePivot(k);
+            if (!(isPair ? std::fabs(determinant(k)) > bound() * bound() : std::fabs(row(k)[k]) > bound()))
+                return false;
+            if (isPair)
+                eliminateBelowPair(k);
+            else
+                eliminateBelow(k);
+            k += isPair ? 2 : 1;
+        }
+        return true;
+    }
+
+    // After one of them: false when the solution does not fit floats.
+    bool solve()
+    {
+        double* const x = solution();
+        for (uint32_t i = 0; i < m_n; ++i)
+            x[i] = row(i)[m_n];
+        for (uint32_t i = m_n; i-- > 0;) {
+            x[i] *= row(i)[i];
+            for (uint32_t j = 0; j < i; ++j)
+                x[j] -= row(j)[i] * x[i];
+        }
+        return fitFloats(x, m_n);
+    }
+
+    // Of the matrix as it was, and of one whose rows and columns were exchanged.
+    void store(float32_t* x) const
+    {
+        for (uint32_t i = 0; i < m_n; ++i)
+            x[i] = static_cast<float>(solution()[i]);
+    }
+    void storeInOrder(float32_t* x) const
+    {
+        for (uint32_t i = 0; i < m_n; ++i)
+            x[static_cast<uint32_t>(numbers()[i])] = static_cast<float>(solution()[i]);
+    }
+
+private:
+    double* row(size_t i) const { return m_rows.row(i); }
+    double* numbers() const { return row(m_n); }
+    double* solution() const { return row(size_t{m_n} + 1); }
+    double bound() const { return m_largest.boundOfPivots(m_n); }
+
+    bool takeRest(const float* b)
+    {
+        Largest right;
+        for (uint32_t i = 0; i < m_n; ++i) {
+            row(i)[m_n] = right.take(b[i]);
+            std::fill(row(i) + m_n + 1, row(i) + m_rows.rowSize(), 0.0);
+        }
+        return m_largest.isFinite() && right.isFinite();
+    }
+
+    // ---- of symmetric matrices: what is right of a pivot is what is below it ----
+
+    void eliminateBelow(uint32_t k)
+    {
+        const double reciprocal = 1 / row(k)[k];
+        for (uint32_t i = k + 1; i < m_n; ++i)
+            subtract(row(i), row(k)[i] * reciprocal, row(k), i, m_n + 1);
+        row(k)[k] = reciprocal;
+    }
+
+    double determinant(uint32_t k) const { return row(k)[k] * row(k + 1)[k + 1] - row(k)[k + 1] * row(k)[k + 1]; }
+
+    void eliminateBelowPair(uint32_t k)
+    {
+        double *const first = row(k), *const second = row(k + 1);
+        const double a = first[k], b = first[k + 1], c = second[k + 1], reciprocal = 1 / determinant(k);
+        for (uint32_t i = k + 2; i < m_n; ++i) {
+            const double p = first[i], q = second[i];
+            subtract(row(i), (p * c - q * b) * reciprocal, first, i, m_n + 1);
+            subtract(row(i), (q * a - p * b) * reciprocal, second, i, m_n + 1);
+        }
+        // The pair itself: the second equation comes first, for b is larger than a.
+        const double factor = a / b;
+        for (uint32_t j = k + 1; j <= m_n; ++j) {
+            const double ofFirst = first[j];
+            first[j] = second[j];
+            second[j] = ofFirst - factor * second[j];
+        }
+        first[k] = 1 / b;
+        second[k + 1] = 1 / second[k + 1];
+    }
+
+    // Brings the next pivot, of one or two rows, to row k; whether it is of two. As Bunch and Kaufman's algorithm A.
+    bool choosePivot(uint32_t k)
+    {
+        const double alpha = (1 + std::sqrt(17.0)) / 8;
+        const double diagonal = std::fabs(row(k)[k]);
+        const uint32_t r = largestBeside(k, k);
+        const double ofColumn = r == k ? 0 : std::fabs(row(k)[r]);
+        if (diagonal >= alpha * ofColumn)
+            return false;
+        const uint32_t other = largestBeside(r, k);
+        const double ofRow = std::fabs(other < r ? row(other)[r] : row(r)[other]);
+        if (diagonal * ofRow >= alpha * ofColumn * ofColumn)
+            return false;
+        const bool isPair = std::fabs(row(r)[r]) < alpha * ofRow;
+        swapUnknowns(isPair ? k + 1 : k, r);
+        return isPair;
+    }
+
+    // Where row i, from `first` on, has its largest element beside the diagonal; i where there is no other row.
+    uint32_t largestBeside(uint32_t i, uint32_t first) const
+    {
+        double largest = -1;
+        uint32_t where = i;
+        for (uint32_t j = first; j < m_n; ++j)
+            if (const double magnitude = std::fabs(j < i ? row(j)[i] : row(i)[j]); j != i && magnitude > largest) {
+                largest = magnitude;
+                where = j;
+            }
+        return where;
+    }
+
+    // Exchanges rows and columns p and q, p no larger than q.
+    void swapUnknowns(uint32_t p, uint32_t q)
+    {
+        if (p == q)
+            return;
+        for (uint32_t i = 0; i < p; ++i)
+            std::swap(row(i)[p], row(i)[q]);
+        std::swap(row(p)[p], row(q)[q]);
+        for (uint32_t i = p + 1; i < q; ++i)
+            std::swap(row(p)[i], row(i)[q]);
+        std::swap_ranges(row(p) + q + 1, row(p) + m_n + 1, row(q) + q + 1);
+        std::swap(numbers()[p], numbers()[q]);
+    }
+
+    const uint32_t m_n;
+    const Matrix m_rows;
+    Largest m_largest;
+};
+
+// As many equations as `height`, of fewer unknowns: the columns of A, then b, the normal of a reflection, and of each
+// column the number of its unknown and the square of what is below the rows that are done.
+class LeastSquares
+{
+public:
+    LeastSquares(uint32_t width, uint32_t height)
+        : m_width(width), m_height(height), m_columns(uint64_t{width} + 4, height)
+    {
+    }
+    explicit operator bool() const { return static_cast<bool>(m_columns); }
+
+    // False when something is not finite.
+    bool take(Plane<const float> a, const float* b)
+    {
+        Largest right;
+        for (uint32_t y = 0; y < m_height; ++y) {
+            for (uint32_t x = 0; x < m_width; ++x)
+                column(x)[y] = m_largest.take(a.row(y)[x]);
+            rightSide()[y] = right.take(b[y]);
+        }
+        for (uint32_t x = 0; x <= m_width + 1; ++x)
+            std::fill(column(x) + m_height, column(x) + m_columns.rowSize(), 0.0);
+        for (uint32_t x = 0; x < m_width; ++x) {
+            numbers()[x] = x;
+            squares()[x] = dot(column(x), column(x), 0, m_height);
+        }
+        return m_largest.isFinite() && right.isFinite();
+    }
+
+    // Reflects the columns, b with them, until there are zeros below the diagonal; false when they are dependent.
+    bool reflect()
+    {
+        for (uint32_t k = 0; k < m_width; ++k) {
+            bringLongest(k);
+            double* const n = normal();
+            std::fill_n(n, k, 0.0);
+            std::copy(column(k) + k, column(k) + m_height, n + k);
+            const double norm = std::sqrt(dot(n, n, k, m_height));
+            if (!(norm > m_largest.boundOfPivots(m_width)))
+                return false;
+            const double factor = 1 / (norm * (norm + std::fabs(n[k])));
+            column(k)[k] = std::copysign(norm, -n[k]);
+            n[k] -= column(k)[k];
+            for (uint32_t j = k + 1; j <= m_width; ++j)
+                subtract(column(j), dot(n, column(j), k, m_height) * factor, n, k, m_height);
+            for (uint32_t j = k + 1; j < m_width; ++j)
+                squares()[j] -= column(j)[k] * column(j)[k];
+        }
+        return true;
+    }
+
+    // After that: false when the solution does not fit floats.
+    bool solve()
+    {
+        double* const x = rightSide();
+        for (uint32_t k = m_width; k-- > 0;) {
+            x[k] /= column(k)[k];
+            for (uint32_t i = 0; i < k; ++i)
+                x[i] -= x[k] * column(k)[i];
+        }
+        return fitFloats(x, m_width);
+    }
+
+    void store(float32_t* x) const
+    {
+        for (uint32_t k = 0; k < m_width; ++k)
+            x[static_cast<uint32_t>(numbers()[k])] = static_cast<float>(rightSide()[k]);
+    }
+
+private:
+    double* column(size_t x) const { return m_columns.row(x); }
+    double* rightSide() const { return column(m_width); }
+    double* normal() const { return column(size_t{m_width} + 1); }
+    double* numbers() const { return column(size_t{m_width} + 2); }
+    double* squares() const { return column(size_t{m_width} + 3); }
+
+    // The longest of the columns from k on becomes column k, by what is below the rows that are done.
+    void bringLongest(uint32_t k)
+    {
+        uint32_t longest = k;
+        for (uint32_t j = k + 1; j < m_width; ++j)
+            longest = squares()[j] > squares()[longest] ? j : longest;
+        if (longest == k)
+            return;
+        std::swap_ranges(column(k), column(k) + m_height, column(longest));
+        std::swap(numbers()[k], numbers()[longest]);
+        std::swap(squares()[k], squares()[longest]);
+    }
+
+    const uint32_t m_width, m_height;
+    const Matrix m_columns;
+    Largest m_largest;
+};
+
+} // namespace
+
+rvkStatus rvkSolvef32C(const float32_t* A, uint32_t width, uint32_t height, uint32_t aStride, const float32_t* b,
+                       float32_t* x)
+{
+    LeastSquares equations(width, height);
+    if (!equations)
+        return RAVIK_ENORES;
+    if (!equations.take(Plane{A, aStride}, b) || !equations.reflect() || !equations.solve())
+        return RAVIK_EFAIL;
+    equations.store(x);
+    return RAVIK_SUCCESS;
+}
+
+rvkStatus rvkSolveLUf32C(const float32_t* A, uint32_t n, uint32_t aStride, const float32_t* b, float32_t* x)
+{
+    Equations equations(n);
+    if (!equations)
+        return RAVIK_ENORES;
+    if (!equations.take(Plane{A, aStride}, b) || !equations.eliminate() || !equations.solve())
+        return RAVIK_EFAIL;
+    equations.store(x);
+    return RAVIK_SUCCESS;
+}
+
+rvkStatus rvkSolveCholeskyf32C(const float32_t* A, uint32_t n, uint32_t aStride, const float32_t* b, float32_t* x)
+{
+    Equations equations(n);
+    if (!equations)
+        return RAVIK_ENORES;
+    if (!equations.takeSymmetric(Plane{A, aStride}, b) || !equations.eliminateDefinite() || !equations.solve())
+        return RAVIK_EFAIL;
+    equations.store(x);
+    return RAVIK_SUCCESS;
+}
+
+rvkStatus rvkSolveLDLf32C(const float32_t* A, uint32_t n, uint32_t aStride, const float32_t* b, float32_t* x)
+{
+    Equations equations(n);
+    if (!equations)
+        return RAVIK_ENORES;
+    if (!equations.takeSymmetric(Plane{A, aStride}, b) || !equations.eliminateSymmetric() || !equations.solve())
+        return RAVIK_EFAIL;
+    equations.storeInOrder(x);
+    return RAVIK_SUCCESS;
+}
+
+} // namespace rvk
