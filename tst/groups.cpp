@@ -75,6 +75,7 @@ std::span<const TestGroup> testGroups()
         {"EDGE", 5, RAVIK_TEST_EDGE_Test, edgeFunctions},
         {"KLT", 3, RAVIK_TEST_KLT_Test, lucasKanadeFunctions},
         {"HOG", 3, RAVIK_TEST_HOG_test, hogFunctions},
+        {"CALIB3D", 7, RAVIK_TEST_CALIB3D, calib3dFunctions},
         {"MINMAX", 6, RAVIK_TEST_MINMAX_Test, minMaxFunctions},
         {"SMOOTH", 6, RAVIK_TEST_SMOOTH_Test, smoothFunctions},
         {"ARITHM", 6, RAVIK_TEST_ARITHM_Test, arithmeticFunctions},

@@ -64,6 +64,7 @@ const FunctionGroup& boundingRectangleFunctions();
 const FunctionGroup& upsampleFunctions();
 const FunctionGroup& flipFunctions();
 const FunctionGroup& contourFunctions();
+const FunctionGroup& calib3dFunctions();
 const FunctionGroup& solveFunctions();
 const FunctionGroup& svdFunctions();
 const FunctionGroup& perspectiveTransformFunctions();
@@ -143,6 +144,7 @@ inline constexpr auto RAVIK_TEST_rvkBoundingRect = testFunctions<boundingRectang
 inline constexpr auto RAVIK_TEST_UPSAMPLE_Test = testFunctions<upsampleFunctions>;
 inline constexpr auto RAVIK_TEST_IPP_Test = testFunctions<flipFunctions>;
 inline constexpr auto RAVIK_TEST_CONTOUR_Test = testFunctions<contourFunctions>;
+inline constexpr auto RAVIK_TEST_CALIB3D = testFunctions<calib3dFunctions>;
 inline constexpr auto RAVIK_TEST_Solve = testFunctions<solveFunctions>;
 inline constexpr auto RAVIK_TEST_SVD_Test = testFunctions<svdFunctions>;
 inline constexpr auto RAVIK_TEST_rvkGetPerspectiveTransform = testFunctions<perspectiveTransformFunctions>;

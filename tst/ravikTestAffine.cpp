@@ -1,4 +1,4 @@
-// PERSPTRANSFORM and DEPTH: transforms from points, their inverses, and depth from disparity.
+// PERSPTRANSFORM: transforms from points and their inverses.
 #include "groups.h"
 
 #include <ravik/affine.h>
@@ -21,21 +21,5 @@ const FunctionGroup& perspectiveTransformFunctions()
                 .repeated(100),
             RVK_TEST(rvkInvertAffineTransformf32, src.ofSize(6), dst.ofSize(6)).repeated(1000),
         }};
-    return group;
-}
-
-const FunctionGroup& depthFunctions()
-{
-    const Argument camera = numbers({{40, 600}, {40, 600}, widths(0.3, 0.7), heights(0.3, 0.7)});
-    const Argument lens = numbers({{-0.2, 0.2}, {-0.1, 0.1}, {-0.01, 0.01}, {-0.01, 0.01}, {-0.1, 0.1}});
-
-    static const FunctionGroup group{"ravikdepth",
-                                     "rvk",
-                                     false,
-                                     {
-                                         RVK_TEST(rvkUndistortDisparityConvertDepthf32, src, width, height, stride,
-                                                  camera, lens.orNull(), between(0.05, 2), dst, stride)
-                                             .keeps(Contract().onDsp({.alignment = 4, .elementsPerPixel = 4})),
-                                     }};
     return group;
 }

@@ -23,6 +23,7 @@
 #include "copy.h"
 #include "correlation.h"
 #include "correspondences.h"
+#include "depth.h"
 #include "descriptor.h"
 #include "diff.h"
 #include "dotproduct.h"
