@@ -476,6 +476,15 @@ SimdGroup single()
                 const int16_t *a = in + 2 * i, *b = a + kLanes<int16_t>;
                 return static_cast<uint32_t>(a[0] * b[0]) + static_cast<uint32_t>(a[1] * b[1]);
             }),
+        mapping<int8_t, int32_t, 2 * kLanes<int16_t>, kLanes<int32_t>>(
+            "addDotOfPairs",
+            [](const int8_t* in, int32_t* out) {
+                store(out, addDotOfPairs(splat<int32_t>(7), in, in + kLanes<int16_t>));
+            },
+            [](const int8_t* in, size_t i) {
+                const int8_t *a = in + 2 * i, *b = a + kLanes<int16_t>;
+                return 7 + a[0] * b[0] + a[1] * b[1];
+            }),
         mapping<int16_t, int32_t, kLanes<int16_t>, kLanes<int16_t>>(
             "orderWidened", [](const int16_t* in, int32_t* out) { store(out, orderWidened(widenInLanes(load(in)))); },
             [](const int16_t* in, size_t i) { return in[i]; }),

@@ -492,6 +492,12 @@ RVK_INLINE Vec<int32_t> dotPairs(Vec<int16_t> a, Vec<int16_t> b)
 #endif
 }
 
+// acc + p[2i] * q[2i] + p[2i + 1] * q[2i + 1] of 8 bytes.
+RVK_INLINE Vec<int32_t> addDotOfPairs(Vec<int32_t> acc, const int8_t* p, const int8_t* q)
+{
+    return vec(vpadalq_s16(reg(acc), vmull_s8(vld1_s8(p), vld1_s8(q))));
+}
+
 // a[0] * b[0] + a[1] * b[1], element by element, and that added to acc; sums wrap.
 RVK_INLINE Vecs<int32_t, 2> addDotInLanes(Vecs<int32_t, 2> acc, const Vecs<int16_t, 2>& a, const Vecs<int16_t, 2>& b)
 {

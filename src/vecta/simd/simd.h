@@ -55,6 +55,7 @@
 //             narrowShifted<count>(vs): u16 to u8, where the shifted elements fit; storeLowBytes(p, v): u16, narrowed
 //             multiplyWide(a, b) -> Vecs<Wider, 2>: 8 and 16 bits; multiplyHigh: the upper halves of products, 16 bits
 //             dotPairs(a, b): s16 -> s32, a[2i] * b[2i] + a[2i + 1] * b[2i + 1]
+//             addDotOfPairs(acc, p, q): s32 and as many s8 in memory as a vector has s16: acc + dotPairs
 //             dot(a, b): two vectors of s16 each -> s32, a[0] * b[0] + a[1] * b[1], element by element
 //             multiplyQ15<factor>(v): s16, v * factor / 2^15, rounded down; multiplyQ8(a, b): u16, (a * b + 128) / 2^8,
 //             saturated
@@ -199,6 +200,14 @@ struct Total<uint8_t> {
 };
 
 // ---- products of bytes ----------------------------------------------------------------------------------------------
+
+#if defined(__x86_64__)
+// acc + p[2i] * q[2i] + p[2i + 1] * q[2i + 1] of half a vector of bytes.
+RVK_INLINE Vec<int32_t> addDotOfPairs(Vec<int32_t> acc, const int8_t* p, const int8_t* q)
+{
+    return acc + dotPairs(loadWiden<int16_t>(p), loadWiden<int16_t>(q));
+}
+#endif
 
 #if !defined(__AVX512BW__) // x86.h has them in parts
 template <class T>
