@@ -52,6 +52,7 @@
 #include "region.h"
 #include "sad.h"
 #include "scale.h"
+#include "search.h"
 #include "statistics.h"
 #include "threshold.h"
 #include "tracking.h"

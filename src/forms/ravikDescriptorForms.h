@@ -1,6 +1,7 @@
 // Squared distances, by the dot products of the same room.
 #pragma once
 
+#include "cpu/descriptorDistance.h"
 #include "forms/form.h"
 
 #include <ravik/dotproduct.h>
@@ -14,18 +15,12 @@ decltype(::rvkDotProductu8) RVK_FORM(rvkDotProductu8);
 
 namespace {
 
-// In single precision and in this order, which no compiler may change.
-inline float32_t squaredDistance(float32_t invLenA, float32_t invLenB, float32_t dot)
-{
-    return __builtin_fabsf(2.0f - ((invLenA + invLenA) * invLenB) * dot);
-}
-
 template <class T, class Dot>
 void compareWithList(const T* a, float32_t invLenA, uint32_t length, const T* const* bList, const float32_t* invLenB,
                      uint32_t count, float32_t* distances, Dot dot)
 {
     for (size_t k = 0; k < count; ++k)
-        distances[k] = squaredDistance(invLenA, invLenB[k], static_cast<float32_t>(dot(a, bList[k], length)));
+        distances[k] = descriptorDistance(invLenA, invLenB[k], static_cast<float32_t>(dot(a, bList[k], length)));
 }
 
 } // namespace
@@ -37,7 +32,7 @@ void RVK_FORM(rvkSumOfSquaredDiffs36x4s8)(const int8_t* A, float32_t invLenA, co
     int32_t dots[4];
     RVK_FORM(rvkDotProduct36x4s8)(A, B, C, D, E, dots);
     for (size_t k = 0; k < 4; ++k)
-        distances[k] = squaredDistance(invLenA, invLenB[k], static_cast<float32_t>(dots[k]));
+        distances[k] = descriptorDistance(invLenA, invLenB[k], static_cast<float32_t>(dots[k]));
 }
 
 void RVK_FORM(rvkSumOfSquaredDiffs36xNs8)(const int8_t* A, float32_t invLenA, const int8_t* const* B,
@@ -52,7 +47,7 @@ void RVK_FORM(rvkSumOfSquaredDiffs36xNs8)(const int8_t* A, float32_t invLenA, co
         }
         for (const size_t end = N - k < 4 ? N : k + 4; k < end; ++k) {
             const int32_t dot = B[k] ? RVK_FORM(rvkDotProduct36x1s8)(A, B[k]) : -1;
-            distances[k] = squaredDistance(invLenA, invLenB[k], static_cast<float32_t>(dot));
+            distances[k] = descriptorDistance(invLenA, invLenB[k], static_cast<float32_t>(dot));
         }
     }
 }
