@@ -162,6 +162,9 @@ TEST(Clusters, OfNumbersThatAreNone)
         EXPECT_TRUE(std::isnan(moved[0]) && std::isnan(sums[0])) << name;
         EXPECT_EQ(moved[3], 4) << name;
         EXPECT_EQ(moved[5], 3e38f) << name;
+        const float far[] = {1.05e19f, 0}, farther[] = {0, 2e19f, 3.16e19f, 0};
+        EXPECT_EQ(function(far, 1, 2, 8, farther, 2, 8, labels.data(), nullptr, 0, nullptr, nullptr), RAVIK_SUCCESS);
+        EXPECT_EQ(labels[0], 1u) << name << ": squares beyond single precision";
         const float opposite[] = {1, -1}, one[] = {0.5f};
         EXPECT_EQ(referenceOf<Slot::rvkClusterEuclideanNormedf32>()(opposite, 2, 1, 4, one, 1, 4, labels.data(),
                                                                     moved.data(), 4, nullptr, nullptr),

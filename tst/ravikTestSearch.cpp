@@ -95,36 +95,24 @@ Argument vectors(const Argument& image, uint32_t count, uint32_t dim = 0)
                             },
                             "of " + std::to_string(count) + " vectors"});
 }
-Argument forEachPoint(const Argument& image)
-{
-    return image.measuring({[](const CaseSizes& sizes) { return ImageSize{sizes.picture.rows, 1}; }, "for each point"});
-}
-
-FunctionTest withTolerance(FunctionTest test, float tolerance)
-{
-    test.tolerance = tolerance;
-    return test;
-}
 
 } // namespace
 
 const FunctionGroup& clusterFunctions()
 {
-    constexpr uint32_t most = 37, mostPoints = 90;
-    const Argument points36 = vectors(src, mostPoints, 36);
-    const Argument pointCount = oneOf({mostPoints, 1, 6}).refusing({0}).limited();
+    constexpr uint32_t most = 37;
     const Argument centerCount = oneOf({most, 1, 4, 9}).refusing({0}).limited();
     const Argument centers = vectors(src, most), newCenters = vectors(dst, most).orNull();
-    const Argument labels = forEachPoint(dst), numbers = dst.ofSize(most).orNull();
+    const Argument labels = dst.perPoint(), numbers = dst.ofSize(most).orNull();
 
     static const FunctionGroup group{
         "ravikkmeans",
         "rvk",
         false,
         {
-            RVK_TEST_ADAPTED("rvkClusterEuclideanNormed36f32", rvkClusterEuclideanNormed36f32, cluster36, points36,
-                             pointCount, stride, vectors(src, most, 36), centerCount, stride,
-                             vectors(dst, most, 36).orNull(), stride, dst.ofSize(mostPoints), numbers, numbers),
+            RVK_TEST_ADAPTED("rvkClusterEuclideanNormed36f32", rvkClusterEuclideanNormed36f32, cluster36,
+                             src.ofPoints(36), height, stride, vectors(src, most, 36), centerCount, stride,
+                             vectors(dst, most, 36).orNull(), stride, labels, numbers, numbers),
             RVK_TEST_ADAPTED("rvkClusterEuclideanf32", rvkClusterEuclideanf32, cluster<float>, src, width, height,
                              stride, centers, centerCount, stride, newCenters, stride, labels, numbers, numbers),
             RVK_TEST_ADAPTED("rvkClusterEuclideanNormedf32", rvkClusterEuclideanNormedf32, cluster<float>, src, width,
@@ -197,11 +185,10 @@ const FunctionGroup& svmFunctions()
         "rvk",
         false,
         {
-            withTolerance(RVK_TEST(rvkSVMPredict2Classf32, kernel, degree, gamma, coef0, oneOf({-0.375, 12}),
-                                   vectors(whole, most), whole.ofSize(most),
-                                   oneOf({most, 1, 5}).refusing({0}).limited(), width, stride, whole, height, stride,
-                                   forEachPoint(dst), forEachPoint(dst).orNull()),
-                          1e-4f),
+            RVK_TEST(rvkSVMPredict2Classf32, kernel, degree, gamma, coef0, oneOf({-0.375, 12}), vectors(whole, most),
+                     whole.ofSize(most), oneOf({most, 1, 5}).refusing({0}).limited(), width, stride, whole, height,
+                     stride, dst.perPoint(), dst.perPoint().orNull())
+                .within(1e-4f),
         }};
     return group;
 }

@@ -35,7 +35,8 @@ RVK_INLINE void arrangeCenters(const ClusterJob<float>& job, float* tiles, float
     }
 }
 
-// |c|^2 / 2, or 0 where points and centres have length 1 anyway. Returns the largest |c|^2.
+// |c|^2 / 2, or 0 where points and centres have length 1 anyway. Returns the largest |c|^2, which is infinite where scores
+// could overflow.
 RVK_INLINE double sumSquares(const ClusterJob<float>& job, float* halfSquares)
 {
     double largest = 0;
@@ -47,7 +48,7 @@ RVK_INLINE double sumSquares(const ClusterJob<float>& job, float* halfSquares)
             largest = squares;
         halfSquares[k] = job.metric == ClusterMetric::normed ? 0.0f : static_cast<float>(squares / 2);
     }
-    return largest;
+    return largest < 1e37 ? largest : __builtin_inf();
 }
 
 RVK_INLINE float squaredLength(const float* point, size_t dim)
