@@ -185,6 +185,13 @@ struct ByteDots
             start = addToRestOfDot(start, load(p + j));
         start = restOfDot(start);
     }
+    RVK_INLINE uint32_t ofPoint() const
+    {
+        Vec<uint32_t> sum = start;
+        for (size_t j = 0; j < length; j += Vec<uint8_t>::lanes)
+            sum = addPartOfDot(sum, load(point + j), load(point + j));
+        return reduceAdd(sum);
+    }
     RVK_INLINE void ofFour(const uint8_t* rows, uint32_t* dots) const
     {
         Vecs<uint32_t, kTogether> sums = {{start, start, start, start}};
@@ -197,13 +204,16 @@ struct ByteDots
     }
 };
 
-// Where the first of the least numbers stands.
-RVK_INLINE uint32_t firstLeast(const uint32_t* numbers, size_t padded)
+// The first of the nearest centres, by their dot products with the point, which become distances.
+RVK_INLINE uint32_t firstNearest(uint32_t ownSquares, const uint32_t* squares, uint32_t* numbers, size_t padded)
 {
     constexpr size_t lanes = Vec<uint32_t>::lanes;
     Vec<uint32_t> best = splat(UINT32_MAX);
-    for (size_t k = 0; k < padded; k += lanes)
-        best = min(best, load(numbers + k));
+    for (size_t k = 0; k < padded; k += lanes) {
+        const Vec<uint32_t> distance = splat(ownSquares) + load(squares + k) - shiftLeft(load(numbers + k), 1);
+        store(numbers + k, distance);
+        best = min(best, distance);
+    }
     best = splat(reduceMin(best));
     for (size_t k = 0;; k += lanes)
         if (const Mask<uint32_t> is = equal(load(numbers + k), best); any(is))
@@ -215,31 +225,26 @@ rvkStatus labelBytes(const ClusterJob<uint8_t>& job)
     const size_t count = job.centerCount, dim = job.dim, length = roundedUp(dim, Vec<uint8_t>::lanes);
     const size_t rows = roundedUp(count, kTogether), padded = roundedUp(count, Vec<uint32_t>::lanes);
     const Scratch<uint8_t> centers(rows + 1, length);
-    const Scratch<uint32_t> squares(rows), distances(padded);
-    if (!centers || !squares || !distances)
+    const Scratch<uint32_t> squares(padded), dots(padded);
+    if (!centers || !squares || !dots)
         return RAVIK_ENORES;
     uint8_t* const point = centers.get() + rows * length;
     __builtin_memset(centers.get(), 0, (rows + 1) * length);
-    for (size_t k = 0; k < rows; ++k) {
-        uint8_t* const row = centers.get() + k * length;
+    for (size_t k = 0; k < padded; ++k) { // the last one again and again
+        uint8_t* const row = centers.get() + least(k, rows - 1) * length;
         __builtin_memcpy(row, job.center(least(k, count - 1)), dim);
         squares[k] = 0;
         for (size_t j = 0; j < dim; ++j)
             squares[k] += static_cast<uint32_t>(row[j] * row[j]);
     }
-    for (size_t k = rows; k < padded; ++k)
-        distances[k] = UINT32_MAX;
     for (size_t i = 0; i < job.pointCount; ++i) {
         __builtin_memcpy(point, job.point(i), dim);
-        const ByteDots dots(point, length);
-        uint32_t ownSquares[kTogether];
-        dots.ofFour(point, ownSquares);
-        for (size_t k = 0; k < rows; k += kTogether) {
-            dots.ofFour(centers.get() + k * length, distances.get() + k);
-            for (size_t n = k; n < k + kTogether; ++n)
-                distances[n] = ownSquares[0] + squares[n] - 2 * distances[n];
-        }
-        job.labels[i] = firstLeast(distances.get(), padded);
+        const ByteDots products(point, length);
+        for (size_t k = 0; k < rows; k += kTogether)
+            products.ofFour(centers.get() + k * length, dots.get() + k);
+        for (size_t k = rows; k < padded; ++k)
+            dots[k] = dots[rows - 1];
+        job.labels[i] = firstNearest(products.ofPoint(), squares.get(), dots.get(), padded);
     }
     return RAVIK_SUCCESS;
 }
