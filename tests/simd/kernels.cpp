@@ -465,6 +465,7 @@ SimdGroup single()
         BINARY(uint8_t, joinBits<3>(a, b), (a & 0xe0) | b >> 3),
         BINARY(uint8_t, joinBits<6>(a, b), (a & 0xfc) | b >> 6),
         BINARY(uint16_t, average(a, b), (a + b + 1) >> 1),
+        BINARY(int16_t, halfSum(a, b), (a + b) >> 1),
         BINARY(int16_t, distance(shiftRight(a, 1), shiftRight(b, 1)),
                (a >> 1) < (b >> 1) ? (b >> 1) - (a >> 1) : (a >> 1) - (b >> 1)),
         BINARY(int16_t, multiplyHigh(a, b), (int32_t(a) * b) >> 16),

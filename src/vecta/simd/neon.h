@@ -68,6 +68,9 @@ RVK_INLINE Vec<int8_t> halfDifference(Vec<uint8_t> a, Vec<uint8_t> b)
     return bitCast<int8_t>(vec(vhsubq_u8(reg(a), reg(b))));
 }
 
+// (a + b) >> 1, where the sum may have a bit more.
+RVK_INLINE Vec<int16_t> halfSum(Vec<int16_t> a, Vec<int16_t> b) { return vec(vhaddq_s16(reg(a), reg(b))); }
+
 RVK_INLINE Vec<uint8_t> absDiff(Vec<uint8_t> a, Vec<uint8_t> b) { return vec(vabdq_u8(reg(a), reg(b))); }
 RVK_INLINE Vec<int8_t> absDiff(Vec<int8_t> a, Vec<int8_t> b) { return vec(vabdq_s8(reg(a), reg(b))); }
 RVK_INLINE Vec<uint16_t> absDiff(Vec<uint16_t> a, Vec<uint16_t> b) { return vec(vabdq_u16(reg(a), reg(b))); }

@@ -23,7 +23,8 @@
 // Constants   splat(x), zero<T>(), iota<T>(): 0, 1, 2, ...
 // Arithmetic  + - * (integers wrap; * of bytes is slow), & | ^ ~, shiftLeft, shiftRight(v, count): count < width of T
 //             min, max: of floats b < a ? b : a and a < b ? b : a, so a when equal or when either is not a number
-//             addSat, subSat: 8 and 16 bits; average: (a + b + 1) >> 1, u8 and u16; halfDifference: u8, (a - b) >> 1
+//             addSat, subSat: 8 and 16 bits; average: (a + b + 1) >> 1, u8 and u16; halfDifference: u8, (a - b) >> 1;
+//             halfSum: s16, (a + b) >> 1
 //             abs: s8, s16, s32 (the least value stays), float (clears the sign bit)
 //             absDiff: exact modulo the width; but s32: abs of the wrapped difference; float: abs(a - b)
 //             distance: s16, |a - b| where a - b fits

@@ -182,6 +182,9 @@ RVK_INLINE Vec<int8_t> halfDifference(Vec<uint8_t> a, Vec<uint8_t> b)
     return bitCast<int8_t>(average(a, ~b) ^ splat<uint8_t>(128));
 }
 
+// (a + b) >> 1, where the sum may have a bit more.
+RVK_INLINE Vec<int16_t> halfSum(Vec<int16_t> a, Vec<int16_t> b) { return (a & b) + shiftRight(a ^ b, 1); }
+
 RVK_INLINE Vec<int16_t> multiplyHigh(Vec<int16_t> a, Vec<int16_t> b)
 {
     return vec<int16_t>(RVK_MM(mulhi_epi16)(reg(a), reg(b)));
