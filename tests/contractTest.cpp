@@ -750,9 +750,10 @@ std::string difference(const FunctionCall& call, const std::vector<uint8_t>& exp
                 wanted = static_cast<float>(e[0] | e[1] << 8);
                 got = static_cast<float>(block.data[i] | block.data[i + 1] << 8);
             }
-            const float allowed = isFloat                             ? tolerance * std::max(1.0f, std::fabs(wanted))
-                                  : isWord && column < block.rowBytes ? tolerance
-                                                                      : 0;
+            const bool isNumber = (isWord || block.element == Element::u8) && column < block.rowBytes;
+            const float allowed = isFloat    ? tolerance * std::max(1.0f, std::fabs(wanted))
+                                  : isNumber ? tolerance
+                                             : 0;
             const bool same = (isFloat && sameFloat(wanted, got)) || std::fabs(wanted - got) <= allowed;
             if (!same)
                 return place() + ": expected " + std::to_string(wanted) + ", got " + std::to_string(got);

@@ -1,6 +1,7 @@
 #include "functionTest.h"
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
 
 using Role = Argument::Role;
@@ -401,6 +402,11 @@ bool FunctionTest::refuses(const std::vector<double>& numbers) const
     bool isWrong = width < least.width || height < least.height;
     if (contract.refusesOtherSizes)
         isWrong |= std::fmod(width, contract.unit.width) != 0 || std::fmod(height, contract.unit.height) != 0;
+    const auto isPower = [&](double size) {
+        return size <= contract.largestPower && std::has_single_bit(static_cast<uint32_t>(size));
+    };
+    if (contract.largestPower)
+        isWrong |= !isPower(width) || !isPower(height);
     for (size_t i = 0; i < arguments.size(); i++) {
         const Argument& a = arguments[i];
         isWrong |=
@@ -443,6 +449,7 @@ std::vector<std::pair<size_t, double>> FunctionTest::wrongNumbers(const std::vec
                 wrong.push_back({argument, number});
         }
     };
+    const std::vector<double> tooLarge(contract.largestPower ? 1 : 0, 2.0 * contract.largestPower);
     for (size_t i = 0; i < arguments.size(); i++) {
         switch (arguments[i].role) {
         case Role::scalar:
@@ -450,9 +457,11 @@ std::vector<std::pair<size_t, double>> FunctionTest::wrongNumbers(const std::vec
             break;
         case Role::width:
             tryNumbers(i, {0, least.width - 1.0, width + 1});
+            tryNumbers(i, tooLarge);
             break;
         case Role::height:
             tryNumbers(i, {0, least.height - 1.0, height + 1});
+            tryNumbers(i, tooLarge);
             break;
         case Role::secondWidth:
             tryNumbers(i, {0, width - 1, width + 1});
@@ -482,6 +491,8 @@ std::vector<std::pair<size_t, double>> FunctionTest::wrongNumbers(const std::vec
 CaseSize FunctionTest::wholeUnits(CaseSize size) const
 {
     const auto roundedUp = [](uint32_t number, uint32_t unit) { return (number + unit - 1) / unit * unit; };
+    if (contract.largestPower)
+        return {std::bit_ceil(size.width), std::bit_ceil(size.height)};
     return {roundedUp(size.width, contract.unit.width), roundedUp(size.height, contract.unit.height)};
 }
 

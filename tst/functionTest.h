@@ -473,7 +473,8 @@ struct Contract
     CaseSize leastDrawn{1, 1}; // where smaller ones may be refused for what they hold
     CaseSize unit{1, 1};       // of which sizes are multiples
     bool refusesOtherSizes = false;
-    uint32_t window = 1; // width and height, where they are no arguments
+    uint32_t largestPower = 0; // of two, of which sizes are some, up to this one; 0: sizes are any
+    uint32_t window = 1;       // width and height, where they are no arguments
     Border atBorder = Border::none;
     InPlace dstIsSrc = InPlace::undefined;
     uint64_t mostPixels = UINT64_MAX; // of a picture
@@ -496,6 +497,10 @@ struct Contract
     Contract inUnitsOf(uint32_t width, uint32_t height, bool refused = true) const
     {
         return changed([=](Contract& c) { c.unit = {width, height}, c.refusesOtherSizes = refused; });
+    }
+    Contract powersOfTwo(uint32_t largest) const
+    {
+        return changed([=](Contract& c) { c.largestPower = largest; });
     }
     // Takes windows of size x size pixels, of pictures of any size.
     Contract windows(uint32_t size) const
@@ -644,7 +649,7 @@ struct FunctionTest
         return std::move(*this);
     }
     // Floats may differ by so much, and for numbers above 1 by so much of them where the contract is tested. So may the
-    // numbers of u16.
+    // numbers of u8 and u16.
     FunctionTest within(float difference) &&
     {
         tolerance = difference;

@@ -30,6 +30,7 @@
 #include "drawing.h"
 #include "fast.h"
 #include "frame.h"
+#include "frequency.h"
 #include "geometry.h"
 #include "gradient.h"
 #include "harris.h"

@@ -1,0 +1,484 @@
+// Vector implementations of the 5/3 and Haar wavelets. Both walk a picture by pairs of rows, once; what has to be
+// transposed goes through strips that stay in the caches.
+#include "scratch.h"
+#include "vecta/simd/rows.h"
+#include "vecta/vecta.h"
+
+#include <ravik/frequency.h>
+#include <ravik/transform.h>
+
+namespace rvk::vecta::RVK_ISA {
+
+decltype(::rvkTransposeu8) rvkTransposeu8V;
+decltype(::rvkTransposeu16) rvkTransposeu16V;
+
+namespace {
+
+// Rows of a strip of bytes, and of 16-bit values: what a cache line of the transpose holds.
+constexpr size_t kByteRows = 64, kShortRows = 32;
+
+using Samples = Vec<int16_t>;
+
+// ---- 5/3 ------------------------------------------------------------------------------------------------------------
+
+// floor((a + b + 2) / 4).
+RVK_INLINE Samples quarterSum(Samples a, Samples b)
+{
+    const Samples half = halfSum(a, b);
+    return half - shiftRight(half, 1); // (half + 1) >> 1, which may have one bit more in between
+}
+
+// Each sample from its neighbours of the other kind.
+constexpr auto toHigh = [](Samples odd, Samples before, Samples after)
+                            RVK_INLINE_LAMBDA { return odd - halfSum(before, after); };
+constexpr auto fromHigh = [](Samples high, Samples before, Samples after)
+                              RVK_INLINE_LAMBDA { return high + halfSum(before, after); };
+constexpr auto toLow = [](Samples even, Samples before, Samples after)
+                           RVK_INLINE_LAMBDA { return even + quarterSum(before, after); };
+constexpr auto fromLow = [](Samples low, Samples before, Samples after)
+                             RVK_INLINE_LAMBDA { return low - quarterSum(before, after); };
+
+RVK_INLINE void copyRow(int16_t* to, const int16_t* from, size_t width)
+{
+    __builtin_memcpy(to, from, width * sizeof *to);
+}
+
+RVK_NOINLINE void lift(bool high, bool forward, size_t width, int16_t* dst, const int16_t* src, const int16_t* before,
+                       const int16_t* after)
+{
+    if (high && forward)
+        mapRow(width, dst, toHigh, src, before, after);
+    else if (high)
+        mapRow(width, dst, fromHigh, src, before, after);
+    else if (forward)
+        mapRow(width, dst, toLow, src, before, after);
+    else
+        mapRow(width, dst, fromLow, src, before, after);
+}
+
+// Rows in scratch memory begin behind a margin and end before one, for whole vectors and mirrored samples.
+constexpr size_t kMargin = 64;
+
+RVK_INLINE size_t pitchOf(size_t width)
+{
+    return kMargin + roundedUp(width, 64) + 2 * kMargin;
+}
+
+// Stores at most `n` elements of the vector.
+RVK_INLINE void storeUpTo(int16_t* p, Samples v, size_t n)
+{
+    if (n >= Samples::lanes)
+        store(p, v);
+    else
+        storePartial(p, v, n);
+}
+
+// The low and the high values of a row in scratch memory.
+RVK_NOINLINE void analyseRow(int16_t* x, size_t width, int16_t* low, int16_t* high)
+{
+    constexpr size_t lanes = Samples::lanes;
+    if (width == 1) {
+        low[0] = x[0];
+        return;
+    }
+    const size_t lows = (width + 1) / 2, highs = width / 2;
+    x[width] = x[width - 2];
+    if (width % 2)
+        x[width + 1] = x[width - 3];
+    Vecs<int16_t, 2> pairs = load2(x);
+    Samples before = splat(static_cast<int16_t>(x[1] - ((x[0] + x[2]) >> 1))); // the first high value, mirrored
+    for (size_t i = 0; i < lows; i += lanes) {
+        const Vecs<int16_t, 2> next = load2(x + 2 * (i + lanes));
+        const Samples d = toHigh(pairs[1], pairs[0], extract<1>(pairs[0], next[0]));
+        const Samples s = toLow(pairs[0], extract<lanes - 1>(before, d), d);
+        storeUpTo(low + i, s, lows - i);
+        if (i < highs)
+            storeUpTo(high + i, d, highs - i);
+        before = d;
+        pairs = next;
+    }
+}
+
+// Its inverse: `row` has the low values and then the high ones. `evens` and `highs` are rows in scratch memory.
+RVK_NOINLINE void synthesiseRow(const int16_t* row, size_t width, int16_t* evens, int16_t* odds, int16_t* x)
+{
+    constexpr size_t lanes = Samples::lanes;
+    if (width == 1) {
+        x[0] = row[0];
+        return;
+    }
+    const size_t lows = (width + 1) / 2, highs = width / 2;
+    copyRow(odds, row + lows, highs);
+    odds[-1] = odds[0];
+    odds[highs] = odds[highs - 1];
+    mapRow(lows, evens, fromLow, row, static_cast<const int16_t*>(odds) - 1, static_cast<const int16_t*>(odds));
+    evens[lows] = evens[lows - 1];
+    for (size_t i = 0; i < lows; i += lanes) {
+        const Samples even = load(evens + i);
+        store2(x + 2 * i, Vecs<int16_t, 2>{even, fromHigh(load(odds + i), even, load(evens + i + 1))});
+    }
+}
+
+// Gives `done(n)` the low and the high row n when they are in the rows that `rows(n)` says.
+template <class Rows, class Done>
+RVK_INLINE rvkStatus analysePicture(Plane<const int16_t> src, size_t width, size_t height, Rows rows, Done done)
+{
+    const Scratch<int16_t> lines(3, pitchOf(width));
+    if (!lines)
+        return RAVIK_ENORES;
+    int16_t* const low = lines.get() + kMargin;
+    int16_t* high = low + pitchOf(width);
+    int16_t* before = high + pitchOf(width);
+    for (size_t y = 0; y < height; y += 2) {
+        const int16_t* const even = src.row(y);
+        const Pair<int16_t*> to = rows(y / 2);
+        if (y + 1 < height) {
+            lift(true, true, width, high, src.row(y + 1), even, y + 2 < height ? src.row(y + 2) : even);
+            lift(false, true, width, low, even, y ? before : high, high);
+        } else if (y) {
+            lift(false, true, width, low, even, before, before);
+        } else {
+            copyRow(low, even, width);
+        }
+        analyseRow(low, width, to.first, to.first + (width + 1) / 2);
+        if (y + 1 < height)
+            analyseRow(high, width, to.second, to.second + (width + 1) / 2);
+        done(y / 2);
+        int16_t* const used = before;
+        before = high;
+        high = used;
+    }
+    return RAVIK_SUCCESS;
+}
+
+// Takes the low and the high row n from where `rows(n)` says. Row y of the picture is written after row y / 2 of both
+// has been read.
+template <class Rows>
+RVK_INLINE rvkStatus synthesisePicture(Plane<int16_t> dst, size_t width, size_t height, Rows rows)
+{
+    const Scratch<int16_t> lines(5, pitchOf(width));
+    if (!lines)
+        return RAVIK_ENORES;
+    int16_t* const low = lines.get() + kMargin;
+    int16_t* const evens = low + pitchOf(width);
+    int16_t* const odds = evens + pitchOf(width);
+    int16_t* high = odds + pitchOf(width);
+    int16_t* before = high + pitchOf(width);
+    for (size_t y = 0; y < height; y += 2) {
+        const Pair<const int16_t*> from = rows(y / 2);
+        const bool hasHigh = y + 1 < height;
+        synthesiseRow(from.first, width, evens, odds, low);
+        if (hasHigh)
+            synthesiseRow(from.second, width, evens, odds, high);
+        if (height == 1)
+            copyRow(dst.row(0), low, width);
+        else
+            lift(false, false, width, dst.row(y), low, y ? before : high, hasHigh ? high : before);
+        if (y)
+            lift(true, false, width, dst.row(y - 1), before, dst.row(y - 2), dst.row(y));
+        int16_t* const used = before;
+        before = high;
+        high = used;
+    }
+    if (height % 2 == 0)
+        lift(true, false, width, dst.row(height - 1), before, dst.row(height - 2), dst.row(height - 2));
+    return RAVIK_SUCCESS;
+}
+
+RVK_INLINE uint16_t* bitsOf(int16_t* p)
+{
+    return reinterpret_cast<uint16_t*>(p);
+}
+RVK_INLINE const uint16_t* bitsOf(const int16_t* p)
+{
+    return reinterpret_cast<const uint16_t*>(p);
+}
+
+// Rows of coefficients on their way to or from their transpose: some low ones and as many high ones.
+struct Strips
+{
+    Scratch<int16_t> rows;
+    uint32_t stride;
+
+    RVK_INLINE explicit Strips(uint32_t width)
+        : rows(2 * kShortRows, roundedUp(width, 32)), stride(static_cast<uint32_t>(roundedUp(width, 32) * 2))
+    {
+    }
+    RVK_INLINE Pair<int16_t*> row(size_t n) const
+    {
+        return {low() + n % kShortRows * (stride / 2), high() + n % kShortRows * (stride / 2)};
+    }
+    RVK_INLINE int16_t* low() const { return rows.get(); }
+    RVK_INLINE int16_t* high() const { return rows.get() + kShortRows * (stride / 2); }
+};
+
+} // namespace
+
+rvkStatus rvkDWT53Tabs16V(const int16_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride, int16_t* dst,
+                          uint32_t dstStride)
+{
+    const Plane out{dst, dstStride};
+    const size_t lows = srcHeight - srcHeight / 2, highs = srcHeight / 2;
+    const auto done = [](size_t) RVK_INLINE_LAMBDA {};
+    if (src != dst)
+        return analysePicture(
+            Plane{src, srcStride}, srcWidth, srcHeight,
+            [&](size_t n) RVK_INLINE_LAMBDA {
+                return Pair<int16_t*>{out.row(n), out.row(lows + n)};
+            },
+            done);
+    // High rows would lie on rows that are still needed.
+    const Scratch<int16_t> high(highs + 1, srcWidth);
+    if (!high)
+        return RAVIK_ENORES;
+    const rvkStatus status = analysePicture(
+        Plane{src, srcStride}, srcWidth, srcHeight,
+        [&](size_t n) RVK_INLINE_LAMBDA {
+            return Pair<int16_t*>{out.row(n), high.get() + n * srcWidth};
+        },
+        done);
+    if (status == RAVIK_SUCCESS)
+        for (size_t n = 0; n < highs; ++n)
+            copyRow(out.row(lows + n), high.get() + n * srcWidth, srcWidth);
+    return status;
+}
+
+rvkStatus rvkIDWT53Tabs16V(const int16_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride, int16_t* dst,
+                           uint32_t dstStride)
+{
+    const Plane in{src, srcStride};
+    const Plane out{dst, dstStride};
+    const size_t lows = srcHeight - srcHeight / 2;
+    if (src != dst)
+        return synthesisePicture(out, srcWidth, srcHeight, [&](size_t n) RVK_INLINE_LAMBDA {
+            return Pair<const int16_t*>{in.row(n), in.row(lows + n)};
+        });
+    // The picture would grow over low rows that are still needed; high rows are read before it reaches them.
+    const Scratch<int16_t> low(lows, srcWidth);
+    if (!low)
+        return RAVIK_ENORES;
+    for (size_t n = 0; n < lows; ++n)
+        copyRow(low.get() + n * srcWidth, in.row(n), srcWidth);
+    return synthesisePicture(out, srcWidth, srcHeight, [&](size_t n) RVK_INLINE_LAMBDA {
+        return Pair<const int16_t*>{low.get() + n * srcWidth, in.row(lows + n)};
+    });
+}
+
+rvkStatus rvkDWT53TabTransposes16V(const int16_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
+                                   int16_t* dst, uint32_t dstStride)
+{
+    const Strips strips(srcWidth);
+    if (!strips.rows)
+        return RAVIK_ENORES;
+    const size_t lows = srcHeight - srcHeight / 2;
+    const auto transpose = [&](size_t first, size_t end, const int16_t* strip, int16_t* to) RVK_INLINE_LAMBDA {
+        if (first < end)
+            rvkTransposeu16V(bitsOf(strip), srcWidth, static_cast<uint32_t>(end - first), strips.stride,
+                             bitsOf(to + first), dstStride);
+    };
+    return analysePicture(
+        Plane{src, srcStride}, srcWidth, srcHeight, [&](size_t n) RVK_INLINE_LAMBDA { return strips.row(n); },
+        [&](size_t n) RVK_INLINE_LAMBDA {
+            if ((n + 1) % kShortRows && n + 1 < lows)
+                return;
+            const size_t first = n / kShortRows * kShortRows;
+            transpose(first, n + 1, strips.low(), dst);
+            transpose(first, least(n + 1, srcHeight / 2), strips.high(), dst + lows);
+        });
+}
+
+rvkStatus rvkIDWT53TabTransposes16V(const int16_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
+                                    int16_t* dst, uint32_t dstStride)
+{
+    const Strips strips(srcHeight);
+    if (!strips.rows)
+        return RAVIK_ENORES;
+    const size_t lows = srcWidth - srcWidth / 2, highs = srcWidth / 2;
+    const auto transpose = [&](size_t first, size_t end, const int16_t* from, int16_t* strip) RVK_INLINE_LAMBDA {
+        if (first < end)
+            rvkTransposeu16V(bitsOf(from + first), static_cast<uint32_t>(end - first), srcHeight, srcStride,
+                             bitsOf(strip), strips.stride);
+    };
+    return synthesisePicture(Plane{dst, dstStride}, srcHeight, srcWidth, [&](size_t n) RVK_INLINE_LAMBDA {
+        if (n % kShortRows == 0) {
+            transpose(n, least(n + kShortRows, lows), src, strips.low());
+            transpose(n, least(n + kShortRows, highs), src + lows, strips.high());
+        }
+        const Pair<int16_t*> rows = strips.row(n);
+        return Pair<const int16_t*>{rows.first, rows.second};
+    });
+}
+
+// ---- Haar -----------------------------------------------------------------------------------------------------------
+
+namespace {
+
+// Of a pair of rows, or of several of them: LL and HL one behind the other, and LH and HH.
+template <class T>
+struct HaarRows
+{
+    T *low, *high;
+};
+
+// f(x, n) for vectors of coefficients at x, whole ones if there are as many; the last overlaps the one before it.
+template <class F>
+RVK_INLINE void forVectors(size_t width, F f)
+{
+    constexpr size_t lanes = Samples::lanes;
+    if (width < lanes) {
+        f(size_t{0}, width);
+        return;
+    }
+    size_t x = 0;
+    for (; x + lanes <= width; x += lanes)
+        f(x, Constant<lanes>{});
+    if (x < width)
+        f(width - lanes, Constant<lanes>{});
+}
+
+// Vectors of which n elements are wanted: all of them where that is a constant.
+template <class T>
+RVK_INLINE Vec<T> loadSome(const T* p, Constant<Vec<T>::lanes>)
+{
+    return load(p);
+}
+template <class T>
+RVK_INLINE Vec<T> loadSome(const T* p, size_t n)
+{
+    return loadPartial(p, n);
+}
+template <class T>
+RVK_INLINE void storeSome(T* p, Vec<T> v, Constant<Vec<T>::lanes>)
+{
+    store(p, v);
+}
+template <class T>
+RVK_INLINE void storeSome(T* p, Vec<T> v, size_t n)
+{
+    storePartial(p, v, n);
+}
+RVK_INLINE Constant<kBytes> twice(Constant<Samples::lanes>)
+{
+    return {};
+}
+RVK_INLINE size_t twice(size_t n)
+{
+    return 2 * n;
+}
+
+RVK_INLINE void analyseRows(const uint8_t* top, const uint8_t* bottom, size_t half, HaarRows<int16_t> dst)
+{
+    const auto pixels = [](const uint8_t* p, auto n) RVK_INLINE_LAMBDA { return bitCast<uint16_t>(loadSome(p, n)); };
+    const auto left = [](Vec<uint16_t> pairs)
+                          RVK_INLINE_LAMBDA { return bitCast<int16_t>(pairs & splat<uint16_t>(255)); };
+    const auto right = [](Vec<uint16_t> pairs) RVK_INLINE_LAMBDA { return bitCast<int16_t>(shiftRight(pairs, 8)); };
+    forVectors(half, [&](size_t x, auto n) RVK_INLINE_LAMBDA {
+        const Vec<uint16_t> ab = pixels(top + 2 * x, twice(n)), cd = pixels(bottom + 2 * x, twice(n));
+        const Samples sumTop = left(ab) + right(ab), differenceTop = left(ab) - right(ab);
+        const Samples sumBottom = left(cd) + right(cd), differenceBottom = left(cd) - right(cd);
+        storeSome(dst.low + x, sumTop + sumBottom, n);
+        storeSome(dst.low + half + x, differenceTop + differenceBottom, n);
+        storeSome(dst.high + x, sumTop - sumBottom, n);
+        storeSome(dst.high + half + x, differenceTop - differenceBottom, n);
+    });
+}
+
+// Pixels from sums of even and of odd columns.
+RVK_INLINE Vec<uint8_t> pixelsOf(const Vecs<int32_t, 2>& even, const Vecs<int32_t, 2>& odd)
+{
+    const auto clamped = [](const Vecs<int32_t, 2>& sums) RVK_INLINE_LAMBDA {
+        return min(narrowRoundedInLanes<uint16_t, 2>(sums), splat<uint16_t>(255));
+    };
+    return bitCast<uint8_t>(clamped(even) | shiftLeft(clamped(odd), 8));
+}
+
+RVK_INLINE void synthesiseRows(HaarRows<const int16_t> src, size_t half, uint8_t* top, uint8_t* bottom)
+{
+    const Samples one = splat<int16_t>(1), minusOne = splat<int16_t>(-1);
+    const Vecs<int16_t, 2> sum = {one, one}, difference = {one, minusOne};
+    const auto plus = [](Vec<int32_t> a, Vec<int32_t> b) RVK_INLINE_LAMBDA { return a + b; };
+    const auto minus = [](Vec<int32_t> a, Vec<int32_t> b) RVK_INLINE_LAMBDA { return a - b; };
+    forVectors(half, [&](size_t x, auto n) RVK_INLINE_LAMBDA {
+        const Vecs<int16_t, 2> low = {loadSome(src.low + x, n), loadSome(src.low + half + x, n)};
+        const Vecs<int16_t, 2> high = {loadSome(src.high + x, n), loadSome(src.high + half + x, n)};
+        const Vecs<int32_t, 2> evenLow = dotInLanes(low, sum), oddLow = dotInLanes(low, difference);
+        const Vecs<int32_t, 2> evenHigh = dotInLanes(high, sum), oddHigh = dotInLanes(high, difference);
+        storeSome(top + 2 * x, pixelsOf(both(evenLow, evenHigh, plus), both(oddLow, oddHigh, plus)), twice(n));
+        storeSome(bottom + 2 * x, pixelsOf(both(evenLow, evenHigh, minus), both(oddLow, oddHigh, minus)), twice(n));
+    });
+}
+
+// Pairs of rows from pair `first` on, to or from the same pairs of the picture of coefficients with `lows` low rows.
+RVK_NOINLINE void analysePairs(Plane<const uint8_t> src, size_t width, size_t pairs, Plane<int16_t> dst, size_t first,
+                               size_t lows)
+{
+    for (size_t n = 0; n < pairs; ++n)
+        analyseRows(src.row(2 * n), src.row(2 * n + 1), anyNumber(width / 2),
+                    {dst.row(first + n), dst.row(lows + first + n)});
+}
+RVK_NOINLINE void synthesisePairs(Plane<const int16_t> src, size_t first, size_t lows, size_t width, size_t pairs,
+                                  Plane<uint8_t> dst)
+{
+    for (size_t n = 0; n < pairs; ++n)
+        synthesiseRows({src.row(first + n), src.row(lows + first + n)}, anyNumber(width / 2), dst.row(2 * n),
+                       dst.row(2 * n + 1));
+}
+
+// Rows of pixels on their way to or from their transpose.
+struct ByteStrip
+{
+    Scratch<uint8_t> rows;
+    uint32_t stride;
+
+    RVK_INLINE explicit ByteStrip(uint32_t width)
+        : rows(kByteRows, roundedUp(width, 64)), stride(static_cast<uint32_t>(roundedUp(width, 64)))
+    {
+    }
+};
+
+} // namespace
+
+rvkStatus rvkDWTHaaru8V(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride, int16_t* dst,
+                        uint32_t dstStride)
+{
+    analysePairs({src, srcStride}, srcWidth, srcHeight / 2, {dst, dstStride}, 0, srcHeight / 2);
+    return RAVIK_SUCCESS;
+}
+
+rvkStatus rvkIDWTHaars16V(const int16_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride, uint8_t* dst,
+                          uint32_t dstStride)
+{
+    synthesisePairs({src, srcStride}, 0, srcHeight / 2, srcWidth, srcHeight / 2, {dst, dstStride});
+    return RAVIK_SUCCESS;
+}
+
+// The transpose of the coefficients is what the transpose of the picture has: bytes are transposed.
+rvkStatus rvkDWTHaarTransposeu8V(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
+                                 int16_t* dst, uint32_t dstStride)
+{
+    const ByteStrip strip(srcHeight);
+    if (!strip.rows)
+        return RAVIK_ENORES;
+    for (uint32_t x = 0; x < srcWidth; x += kByteRows) {
+        const auto columns = static_cast<uint32_t>(least(srcWidth - x, kByteRows));
+        rvkTransposeu8V(src + x, columns, srcHeight, srcStride, strip.rows.get(), strip.stride);
+        analysePairs({strip.rows.get(), strip.stride}, srcHeight, columns / 2, {dst, dstStride}, x / 2, srcWidth / 2);
+    }
+    return RAVIK_SUCCESS;
+}
+
+rvkStatus rvkIDWTHaarTransposes16V(const int16_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
+                                   uint8_t* dst, uint32_t dstStride)
+{
+    const ByteStrip strip(srcWidth);
+    if (!strip.rows)
+        return RAVIK_ENORES;
+    for (uint32_t y = 0; y < srcHeight; y += kByteRows) {
+        const auto rows = static_cast<uint32_t>(least(srcHeight - y, kByteRows));
+        synthesisePairs({src, srcStride}, y / 2, srcHeight / 2, srcWidth, rows / 2, {strip.rows.get(), strip.stride});
+        rvkTransposeu8V(strip.rows.get(), srcWidth, rows, strip.stride, dst + y, dstStride);
+    }
+    return RAVIK_SUCCESS;
+}
+
+} // namespace rvk::vecta::RVK_ISA
