@@ -751,9 +751,7 @@ std::string difference(const FunctionCall& call, const std::vector<uint8_t>& exp
                 got = static_cast<float>(block.data[i] | block.data[i + 1] << 8);
             }
             const bool isNumber = (isWord || block.element == Element::u8) && column < block.rowBytes;
-            const float allowed = isFloat    ? tolerance * std::max(1.0f, std::fabs(wanted))
-                                  : isNumber ? tolerance
-                                             : 0;
+            const float allowed = isFloat ? tolerance * std::max(1.0f, std::fabs(wanted)) : isNumber ? tolerance : 0;
             const bool same = (isFloat && sameFloat(wanted, got)) || std::fabs(wanted - got) <= allowed;
             if (!same)
                 return place() + ": expected " + std::to_string(wanted) + ", got " + std::to_string(got);

@@ -119,9 +119,9 @@ RVK_NOINLINE void synthesiseRow(const int16_t* row, size_t width, int16_t* evens
     }
 }
 
-// Gives `done(n)` the low and the high row n when they are in the rows that `rows(n)` says.
-template <class Rows, class Done>
-RVK_INLINE rvkStatus analysePicture(Plane<const int16_t> src, size_t width, size_t height, Rows rows, Done done)
+// Puts the low and the high row n where `rows(n)` says.
+template <class Rows>
+RVK_INLINE rvkStatus analysePicture(Plane<const int16_t> src, size_t width, size_t height, Rows rows)
 {
     const Scratch<int16_t> lines(3, pitchOf(width));
     if (!lines)
@@ -143,7 +143,6 @@ RVK_INLINE rvkStatus analysePicture(Plane<const int16_t> src, size_t width, size
         analyseRow(low, width, to.first, to.first + (width + 1) / 2);
         if (y + 1 < height)
             analyseRow(high, width, to.second, to.second + (width + 1) / 2);
-        done(y / 2);
         int16_t* const used = before;
         before = high;
         high = used;
@@ -185,31 +184,21 @@ RVK_INLINE rvkStatus synthesisePicture(Plane<int16_t> dst, size_t width, size_t 
     return RAVIK_SUCCESS;
 }
 
-RVK_INLINE uint16_t* bitsOf(int16_t* p)
-{
-    return reinterpret_cast<uint16_t*>(p);
-}
-RVK_INLINE const uint16_t* bitsOf(const int16_t* p)
-{
-    return reinterpret_cast<const uint16_t*>(p);
-}
-
-// Rows of coefficients on their way to or from their transpose: some low ones and as many high ones.
-struct Strips
+// Columns of a picture as rows, some at a time.
+struct Strip
 {
     Scratch<int16_t> rows;
-    uint32_t stride;
+    size_t pitch;
 
-    RVK_INLINE explicit Strips(uint32_t width)
-        : rows(2 * kShortRows, roundedUp(width, 32)), stride(static_cast<uint32_t>(roundedUp(width, 32) * 2))
+    RVK_INLINE explicit Strip(size_t height) : rows(kShortRows, pitchOf(height)), pitch(pitchOf(height)) {}
+    RVK_INLINE int16_t* row(size_t n) const { return rows.get() + n % kShortRows * pitch; }
+    // Column n and those behind it, of `end` columns.
+    RVK_INLINE void take(Plane<const int16_t> src, size_t n, size_t end, size_t height) const
     {
+        rvkTransposeu16V(reinterpret_cast<const uint16_t*>(src.data + n),
+                         static_cast<uint32_t>(least(kShortRows, end - n)), static_cast<uint32_t>(height), src.stride,
+                         reinterpret_cast<uint16_t*>(rows.get()), static_cast<uint32_t>(pitch * sizeof(int16_t)));
     }
-    RVK_INLINE Pair<int16_t*> row(size_t n) const
-    {
-        return {low() + n % kShortRows * (stride / 2), high() + n % kShortRows * (stride / 2)};
-    }
-    RVK_INLINE int16_t* low() const { return rows.get(); }
-    RVK_INLINE int16_t* high() const { return rows.get() + kShortRows * (stride / 2); }
 };
 
 } // namespace
@@ -217,26 +206,20 @@ struct Strips
 rvkStatus rvkDWT53Tabs16V(const int16_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride, int16_t* dst,
                           uint32_t dstStride)
 {
+    const Plane in{src, srcStride};
     const Plane out{dst, dstStride};
     const size_t lows = srcHeight - srcHeight / 2, highs = srcHeight / 2;
-    const auto done = [](size_t) RVK_INLINE_LAMBDA {};
     if (src != dst)
-        return analysePicture(
-            Plane{src, srcStride}, srcWidth, srcHeight,
-            [&](size_t n) RVK_INLINE_LAMBDA {
-                return Pair<int16_t*>{out.row(n), out.row(lows + n)};
-            },
-            done);
+        return analysePicture(in, srcWidth, srcHeight, [&](size_t n) RVK_INLINE_LAMBDA {
+            return Pair<int16_t*>{out.row(n), out.row(lows + n)};
+        });
     // High rows would lie on rows that are still needed.
     const Scratch<int16_t> high(highs + 1, srcWidth);
     if (!high)
         return RAVIK_ENORES;
-    const rvkStatus status = analysePicture(
-        Plane{src, srcStride}, srcWidth, srcHeight,
-        [&](size_t n) RVK_INLINE_LAMBDA {
-            return Pair<int16_t*>{out.row(n), high.get() + n * srcWidth};
-        },
-        done);
+    const rvkStatus status = analysePicture(in, srcWidth, srcHeight, [&](size_t n) RVK_INLINE_LAMBDA {
+        return Pair<int16_t*>{out.row(n), high.get() + n * srcWidth};
+    });
     if (status == RAVIK_SUCCESS)
         for (size_t n = 0; n < highs; ++n)
             copyRow(out.row(lows + n), high.get() + n * srcWidth, srcWidth);
@@ -264,48 +247,61 @@ rvkStatus rvkIDWT53Tabs16V(const int16_t* src, uint32_t srcWidth, uint32_t srcHe
     });
 }
 
+// The transpose has the columns of the picture as rows: along them first, then across.
 rvkStatus rvkDWT53TabTransposes16V(const int16_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
                                    int16_t* dst, uint32_t dstStride)
 {
-    const Strips strips(srcWidth);
-    if (!strips.rows)
+    const Strip strip(srcHeight);
+    const Scratch<int16_t> lines(3, srcHeight);
+    if (!strip.rows || !lines)
         return RAVIK_ENORES;
-    const size_t lows = srcHeight - srcHeight / 2;
-    const auto transpose = [&](size_t first, size_t end, const int16_t* strip, int16_t* to) RVK_INLINE_LAMBDA {
-        if (first < end)
-            rvkTransposeu16V(bitsOf(strip), srcWidth, static_cast<uint32_t>(end - first), strips.stride,
-                             bitsOf(to + first), dstStride);
+    const Plane out{dst, dstStride};
+    const size_t width = srcWidth, height = srcHeight, lows = width - width / 2;
+    const auto analyseColumn = [&](size_t x, int16_t* to) RVK_INLINE_LAMBDA {
+        if (x % kShortRows == 0)
+            strip.take({src, srcStride}, x, width, height);
+        analyseRow(strip.row(x), height, to, to + (height + 1) / 2);
     };
-    return analysePicture(
-        Plane{src, srcStride}, srcWidth, srcHeight, [&](size_t n) RVK_INLINE_LAMBDA { return strips.row(n); },
-        [&](size_t n) RVK_INLINE_LAMBDA {
-            if ((n + 1) % kShortRows && n + 1 < lows)
-                return;
-            const size_t first = n / kShortRows * kShortRows;
-            transpose(first, n + 1, strips.low(), dst);
-            transpose(first, least(n + 1, srcHeight / 2), strips.high(), dst + lows);
-        });
+    int16_t* even = lines.get();
+    int16_t* const odd = even + height;
+    int16_t* next = odd + height;
+    for (size_t x = 0; x < width; x += 2) {
+        const size_t n = x / 2;
+        if (x == 0)
+            analyseColumn(x, even);
+        if (x + 1 < width) {
+            analyseColumn(x + 1, odd);
+            if (x + 2 < width)
+                analyseColumn(x + 2, next);
+            lift(true, true, height, out.row(lows + n), odd, even, x + 2 < width ? next : even);
+        }
+        const size_t last = width / 2 - 1; // of the high rows, if there are any
+        if (width == 1)
+            copyRow(out.row(0), even, height);
+        else
+            lift(false, true, height, out.row(n), even, out.row(lows + (n ? n - 1 : 0)),
+                 out.row(lows + least(n, last)));
+        int16_t* const used = even;
+        even = next;
+        next = used;
+    }
+    return RAVIK_SUCCESS;
 }
 
 rvkStatus rvkIDWT53TabTransposes16V(const int16_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
                                     int16_t* dst, uint32_t dstStride)
 {
-    const Strips strips(srcHeight);
-    if (!strips.rows)
+    const Strip low(srcHeight), high(srcHeight);
+    if (!low.rows || !high.rows)
         return RAVIK_ENORES;
-    const size_t lows = srcWidth - srcWidth / 2, highs = srcWidth / 2;
-    const auto transpose = [&](size_t first, size_t end, const int16_t* from, int16_t* strip) RVK_INLINE_LAMBDA {
-        if (first < end)
-            rvkTransposeu16V(bitsOf(from + first), static_cast<uint32_t>(end - first), srcHeight, srcStride,
-                             bitsOf(strip), strips.stride);
-    };
+    const size_t width = srcWidth, lows = width - width / 2;
     return synthesisePicture(Plane{dst, dstStride}, srcHeight, srcWidth, [&](size_t n) RVK_INLINE_LAMBDA {
         if (n % kShortRows == 0) {
-            transpose(n, least(n + kShortRows, lows), src, strips.low());
-            transpose(n, least(n + kShortRows, highs), src + lows, strips.high());
+            low.take({src, srcStride}, n, lows, srcHeight);
+            if (lows + n < width)
+                high.take({src, srcStride}, lows + n, width, srcHeight);
         }
-        const Pair<int16_t*> rows = strips.row(n);
-        return Pair<const int16_t*>{rows.first, rows.second};
+        return Pair<const int16_t*>{low.row(n), high.row(n)};
     });
 }
 
