@@ -344,8 +344,6 @@ static void setDependent(const FunctionTest& test, std::vector<double>& numbers,
 Outcome FunctionTest::call(AnyFunction callee, const CallValues& values, uint32_t times) const
 {
     const Outcome outcome = caller(callee, adapter, values, times);
-Outcome FunctionTest::call(AnyFunction any, const CallValues& values, uint32_t times) const
-    const Outcome outcome = caller(any, adapter, values, times);
     return returnsNumber ? Outcome{.count = static_cast<uint32_t>(outcome.status)} : outcome;
 }
 

@@ -594,7 +594,6 @@ struct FunctionTest
 
     // Calls a function of the same type with these values, so many times. Returns what the last call gave.
     Outcome call(AnyFunction callee, const CallValues& values, uint32_t times = 1) const;
-    Outcome call(AnyFunction any, const CallValues& values, uint32_t times = 1) const;
     Outcome call(const CallValues& values, uint32_t times = 1) const { return call(entry, values, times); }
 
     // Whether refusals are logged.
