@@ -1,4 +1,4 @@
-// Points through the lens of a camera, and poses. OpenCV has no motions of poses on the left and no errors of poses alone.
+// Points through the lens of a camera, and poses.
 #include "bench.h"
 
 #include <ravik/camera.h>
