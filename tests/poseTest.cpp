@@ -452,22 +452,28 @@ TEST(Pose, ThreePointsHaveThePoseTheyAreSeenFrom)
     EXPECT_GT(counts[4], 10);
 }
 
-// On the axis of an equilateral triangle at the height 2 all three are sqrt(5) away, or one of them 0.4 times as far.
+// On the axis of an equilateral triangle, at a height h, all three points are sqrt(1 + h^2) away, or one of them is nearer
+// by the factor 2 c - 1, where c is the cosine of the angles between the rays, 1 - 1.5 / (1 + h^2).
 TEST(Pose, AnEquilateralTriangleHasFourPoses)
 {
-    const float h = std::sqrt(0.75f);
-    const Triple triple = {{1, 0, 0, -0.5f, h, 0, -0.5f, -h, 0}, {0.5f, 0, -0.25f, h / 2, -0.25f, -h / 2}};
-    const std::vector<Pose> poses = triple.poses();
-    ASSERT_EQ(poses.size(), 4u);
-    expectSolutions(triple, poses);
-    std::array<int, 3> nearPoints{};
-    for (const Pose& pose : poses)
-        for (size_t i = 0; i < 3; ++i) {
-            const double distance = distanceOf(pose, triple, i) / std::sqrt(5);
-            nearPoints[i] += distance < 0.7;
-            EXPECT_NEAR(distance, distance < 0.7 ? 0.4 : 1, 1e-5);
-        }
-    EXPECT_EQ(nearPoints, (std::array<int, 3>{1, 1, 1}));
+    const float y = std::sqrt(0.75f);
+    for (const float h : {0.5f, 1.3f, 1.5f, 2.0f, 2.7f, 5.0f, 9.0f}) {
+        const Triple triple = {{1, 0, 0, -0.5f, y, 0, -0.5f, -y, 0}, {1 / h, 0, -0.5f / h, y / h, -0.5f / h, -y / h}};
+        const double far = std::sqrt(1 + double{h} * h), near = 1 - 3 / (far * far);
+        const std::vector<Pose> poses = triple.poses();
+        ASSERT_EQ(poses.size(), near > 0 ? 4u : 1u) << h;
+        expectSolutions(triple, poses);
+        std::array<int, 3> nearPoints{};
+        for (const Pose& pose : poses)
+            for (size_t i = 0; i < 3; ++i) {
+                const double distance = distanceOf(pose, triple, i) / far;
+                const bool isNear = distance < (1 + near) / 2;
+                nearPoints[i] += isNear;
+                EXPECT_NEAR(distance, isNear ? near : 1, 1e-4) << h;
+            }
+        const int each = near > 0;
+        EXPECT_EQ(nearPoints, (std::array<int, 3>{each, each, each})) << h;
+    }
 }
 
 TEST(Pose, ThreePointsOnALineHaveNone)
