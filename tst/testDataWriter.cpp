@@ -150,7 +150,7 @@ private:
         const auto fields = scriptFields(function, content);
         ScriptFile script(m_directory + "/" + group.scriptName(function, RAVIK_TEST_PROFILING), fields);
         for (size_t i = 0; i < m_resolutions; i++) {
-            std::vector<std::string> line = profilingSources(function, kResolutions[i]);
+            std::vector<std::string> line = profilingSources(function, function.wholeUnits(kResolutions[i]));
             if (content == ScriptContent::sourcesAndResults) {
                 TestCase testCase(function, RAVIK_MEM_SYSTEM);
                 readBack(testCase, line);
