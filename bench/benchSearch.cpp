@@ -38,19 +38,19 @@ void cluster(const Picture& p, const T* points, const T* centers,
              rvkStatus (*function)(const T*, u32, u32, u32, const T*, u32, u32, u32*, T*, u32, u32*, Distances*))
 {
     function(points, p.width, kDim, 0, centers, kCenters, 0, p.out<u32>(), p.out<T>(1), 0, p.out<u32>(2),
-             p.out<Distances>(3));
+             reinterpret_cast<Distances*>(p.out<u32>(3)));
 }
 
 #if RVK_BENCH_OPENCV
 // The assignment alone.
-void assignByOpenCv(const Picture& p)
+template <class T>
+void assignByOpenCv(const T* points, u32 count, const T* centers, int sumType)
 {
-    const auto matrix = [](const f32* data, u32 rows) {
-        return cv::Mat(static_cast<int>(rows), kDim, CV_32F, const_cast<f32*>(data));
+    const auto matrix = [](const T* data, u32 rows) {
+        return cv::Mat(static_cast<int>(rows), kDim, cv::DataType<T>::type, const_cast<T*>(data));
     };
     cv::Mat distances, labels;
-    cv::batchDistance(matrix(unitNumbers(p.width * kDim), p.width), matrix(unitNumbers(kCenters * kDim), kCenters),
-                      distances, CV_32F, labels, cv::NORM_L2SQR, 1);
+    cv::batchDistance(matrix(points, count), matrix(centers, kCenters), distances, sumType, labels, cv::NORM_L2SQR, 1);
 }
 #endif
 
@@ -132,8 +132,8 @@ constexpr u32 kFeatures = 64;
 // Of as many samples, by the first two features.
 struct Machine
 {
-    std::vector<f32> vectors, coefs;
     u32 count = kSamples.width;
+    std::vector<f32> vectors, coefs;
 #if RVK_BENCH_OPENCV_ML
     cv::Ptr<cv::ml::SVM> theirs = cv::ml::SVM::create();
 #endif
@@ -151,7 +151,9 @@ struct Machine
         theirs->setDegree(3);
         theirs->setGamma(0.5);
         theirs->train(cv::Mat(static_cast<int>(count), kFeatures, CV_32F, vectors.data()), cv::ml::ROW_SAMPLE, classes);
-        const cv::Mat kept = theirs->getSupportVectors();
+        const cv::Mat kept = kernel == RAVIK_SVM_LINEAR
+                                 ? theirs->getUncompressedSupportVectors() // of which the others are a sum
+                                 : theirs->getSupportVectors();
         count = static_cast<u32>(kept.rows);
         vectors.assign(kept.ptr<f32>(), kept.ptr<f32>() + count * kFeatures);
 #endif
@@ -189,10 +191,12 @@ void predictByOpenCv(const Picture& p)
 
 constexpr Row kRows[] = {
     {"rvkClusterEuclideanu8, 32, 64 centres", nullptr, traffic(36, 0),
-     RAVIK(cluster(p, p.in<u8>(0), p.in<u8>(1), rvkClusterEuclideanu8)), nullptr, nullptr, kPoints},
+     RAVIK(cluster(p, p.in<u8>(0), p.in<u8>(1), rvkClusterEuclideanu8)),
+     OPENCV(assignByOpenCv(p.in<u8>(0), p.width, p.in<u8>(1), CV_32S)), nullptr, kPoints},
     {"rvkClusterEuclideanf32, 32, 64 centres", "k-means assignment f32", traffic(132, 0),
      RAVIK(cluster(p, unitNumbers(p.width* kDim), unitNumbers(kCenters* kDim), rvkClusterEuclideanf32)),
-     OPENCV(assignByOpenCv(p)), nullptr, kPoints},
+     OPENCV(assignByOpenCv(unitNumbers(p.width* kDim), p.width, unitNumbers(kCenters* kDim), CV_32F)), nullptr,
+     kPoints},
     {"rvkClusterEuclideanNormedf32, 32, 64 centres", nullptr, traffic(132, 0),
      RAVIK(cluster(p, unitNumbers(p.width* kDim), unitNumbers(kCenters* kDim), rvkClusterEuclideanNormedf32)), nullptr,
      nullptr, kPoints},
