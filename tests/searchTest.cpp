@@ -477,9 +477,10 @@ std::pair<long double, long double> decide(const Machine& m, const Numbers<float
 TEST(Svm, DecidesWithinTheTolerance)
 {
     Random random(8);
-    for (const Machine& m : {Machine{RAVIK_SVM_LINEAR}, Machine{RAVIK_SVM_POLY}, Machine{RAVIK_SVM_POLY, 16, 0.02f},
-                             Machine{RAVIK_SVM_POLY, 0}, Machine{RAVIK_SVM_RBF}, Machine{RAVIK_SVM_RBF, 99, 50},
-                             Machine{RAVIK_SVM_SIGMOID}, Machine{RAVIK_SVM_SIGMOID, 99, -40, 9}})
+    for (const Machine& m :
+         {Machine{RAVIK_SVM_LINEAR, 99, NAN, NAN, 0}, Machine{RAVIK_SVM_POLY}, Machine{RAVIK_SVM_POLY, 16, 0.02f},
+          Machine{RAVIK_SVM_POLY, 0}, Machine{RAVIK_SVM_RBF}, Machine{RAVIK_SVM_RBF, 99, 50},
+          Machine{RAVIK_SVM_SIGMOID}, Machine{RAVIK_SVM_SIGMOID, 99, -40, 9}})
         for (const uint32_t dim : {1u, 7u, 64u, 1000u})
             for (const double size : {1.0, 1e-25, 3e18}) {
                 const auto vectors = drawAround(random, Numbers<float>(dim), 70, dim, size);
