@@ -55,8 +55,9 @@ rvkStatus rvkMatrixMultiplys8s32C(const int8_t* src1, uint32_t width1, uint32_t 
 
 // ---- what all that follows is made of -------------------------------------------------------------------------------
 //
-// Small matrices take longer to walk than to compute with. So rows are longer than they need be, and loops over them take
-// steps of four elements, which also begin where a step begins: they may touch what is no longer, or not yet, used.
+// Small matrices take longer to walk than to compute with. So loops over rows take steps of four elements, and begin where
+// a step begins: they may touch what is no longer, or not yet, used. The last step of a row is taken one by one, for in
+// small matrices its elements have just been stored, one by one, and pairs of them could not be loaded yet.
 
 namespace {
 
@@ -90,7 +91,7 @@ private:
     const size_t m_rowSize;
     double* m_data;
     std::optional<Scratch<double>> m_large;
-    double m_small[kSmall];
+    alignas(16) double m_small[kSmall];
 };
 
 // The largest magnitude of elements, and whether all are finite. Magnitudes of floats are ordered as their bits are.
@@ -118,22 +119,50 @@ bool fitFloats(const double* values, size_t count)
     return fit;
 }
 
-// Subtracts a multiple of a row, from an element on.
-void subtract(double* __restrict from, double factor, const double* __restrict row, size_t first, size_t end)
+// Half a step: the compilers make of it what the target has. All pairs are aligned.
+using Pair __attribute__((vector_size(2 * sizeof(double)), may_alias)) = double;
+
+Pair& pairAt(double* row, size_t i)
 {
-    for (size_t i = stepOf(first); i < end; i += kStep)
-        for (size_t k = 0; k < kStep; ++k)
-            from[i + k] -= factor * row[i + k];
+    return *reinterpret_cast<Pair*>(row + i);
+}
+const Pair& pairAt(const double* row, size_t i)
+{
+    return *reinterpret_cast<const Pair*>(row + i);
 }
 
-// Of rows that are 0 where they are not used.
+// Makes few elements 0.
+void clear(double* row, size_t first, size_t end)
+{
+    for (size_t i = first; i < end; ++i)
+        row[i] = 0;
+}
+
+// Subtracts a multiple of a row, from an element on.
+void subtract(double* from, double factor, const double* row, size_t first, size_t end)
+{
+    size_t i = stepOf(first);
+    for (; end > kStep && i + kStep <= end; i += kStep)
+        for (size_t k = i; k < i + kStep; k += 2)
+            pairAt(from, k) -= factor * pairAt(row, k);
+    for (; i < end; ++i)
+        from[i] -= factor * row[i];
+}
+
+// One of them is 0 between where the step begins and the first element.
 double dot(const double* a, const double* b, size_t first, size_t end)
 {
-    double sums[kStep] = {};
-    for (size_t i = stepOf(first); i < end; i += kStep)
-        for (size_t k = 0; k < kStep; ++k)
-            sums[k] += a[i + k] * b[i + k];
-    return (sums[0] + sums[1]) + (sums[2] + sums[3]);
+    Pair sums = {}, others = {};
+    size_t i = stepOf(first);
+    for (; end > kStep && i + kStep <= end; i += kStep) {
+        sums += pairAt(a, i) * pairAt(b, i);
+        others += pairAt(a, i + 2) * pairAt(b, i + 2);
+    }
+    double rest = 0;
+    for (; i < end; ++i)
+        rest += a[i] * b[i];
+    sums += others;
+    return sums[0] + sums[1] + rest;
 }
 
 // ---- singular values ------------------------------------------------------------------------------------------------
@@ -237,14 +266,13 @@ private:
         return isOrthogonal;
     }
 
-    static void turn(double* __restrict a, double* __restrict b, size_t count, double cosine, double sine)
+    static void turn(double* a, double* b, size_t count, double cosine, double sine)
     {
-        for (size_t i = 0; i < count; i += kStep)
-            for (size_t k = 0; k < kStep; ++k) {
-                const double first = a[i + k], second = b[i + k];
-                a[i + k] = cosine * first - sine * second;
-                b[i + k] = sine * first + cosine * second;
-            }
+        for (size_t i = 0; i < count; i += 2) {
+            const Pair first = pairAt(a, i), second = pairAt(b, i);
+            pairAt(a, i) = cosine * first - sine * second;
+            pairAt(b, i) = sine * first + cosine * second;
+        }
     }
 
     void order()
@@ -357,44 +385,55 @@ public:
     // False when something is not finite.
     bool take(Plane<const float> a, const float* b)
     {
-        for (uint32_t i = 0; i < m_n; ++i) {
+        Largest left, right;
+        double* to = row(0);
+        for (uint32_t i = 0; i < m_n; ++i, to += m_rows.rowSize()) {
+            const float* const from = a.row(i);
             for (uint32_t j = 0; j < m_n; ++j)
-                row(i)[j] = m_largest.take(a.row(i)[j]);
+                to[j] = left.take(from[j]);
+            to[m_n] = right.take(b[i]);
         }
-        return takeRest(b);
+        m_bound = left.boundOfPivots(m_n);
+        return left.isFinite() && right.isFinite();
     }
     bool takeSymmetric(Plane<const float> a, const float* b)
     {
+        Largest left, right;
         for (uint32_t i = 0; i < m_n; ++i) {
-            std::fill_n(row(i), i, 0.0);
-            for (uint32_t j = 0; j <= i; ++j)
-                row(j)[i] = m_largest.take(a.row(i)[j]);
+            const float* const from = a.row(i);
+            double* to = row(0) + i;
+            for (uint32_t j = 0; j <= i; ++j, to += m_rows.rowSize())
+                *to = left.take(from[j]);
+            clear(row(i), stepOf(i), i);
+            row(i)[m_n] = right.take(b[i]);
         }
-        return takeRest(b);
+        m_bound = left.boundOfPivots(m_n);
+        return left.isFinite() && right.isFinite();
     }
 
     // These make the matrix one of zeros below the diagonal, which becomes its reciprocals; false when it is singular.
     bool eliminate()
     {
         for (uint32_t k = 0; k < m_n; ++k) {
-            uint32_t largest = k;
-            for (uint32_t i = k + 1; i < m_n; ++i)
-                largest = std::fabs(row(i)[k]) > std::fabs(row(largest)[k]) ? i : largest;
-            if (!(std::fabs(row(largest)[k]) > bound()))
+            double* const pivot = row(k);
+            double* largest = pivot;
+            for (double* r = pivot + m_rows.rowSize(); r < row(m_n); r += m_rows.rowSize())
+                largest = std::fabs(r[k]) > std::fabs(largest[k]) ? r : largest;
+            if (!(std::fabs(largest[k]) > m_bound))
                 return false;
-            if (largest != k)
-                std::swap_ranges(row(k) + k, row(k) + m_n + 1, row(largest) + k);
-            const double reciprocal = 1 / row(k)[k];
-            for (uint32_t i = k + 1; i < m_n; ++i)
-                subtract(row(i), row(i)[k] * reciprocal, row(k), k + 1, m_n + 1);
-            row(k)[k] = reciprocal;
+            if (largest != pivot)
+                std::swap_ranges(pivot + k, pivot + m_n + 1, largest + k);
+            const double reciprocal = 1 / pivot[k];
+            for (double* r = pivot + m_rows.rowSize(); r < row(m_n); r += m_rows.rowSize())
+                subtract(r, r[k] * reciprocal, pivot, k + 1, m_n + 1);
+            pivot[k] = reciprocal;
         }
         return true;
     }
     bool eliminateDefinite()
     {
         for (uint32_t k = 0; k < m_n; ++k) {
-            if (!(row(k)[k] > bound()))
+            if (!(row(k)[k] > m_bound))
                 return false;
             eliminateBelow(k);
         }
@@ -406,7 +445,7 @@ public:
             numbers()[i] = i;
         for (uint32_t k = 0; k < m_n;) {
             const bool isPair = choosePivot(k);
-            if (!(isPair ? std::fabs(determinant(k)) > bound() * bound() : std::fabs(row(k)[k]) > bound()))
+            if (!(isPair ? std::fabs(determinant(k)) > m_bound * m_bound : std::fabs(row(k)[k]) > m_bound))
                 return false;
             if (isPair)
                 eliminateBelowPair(k);
@@ -424,9 +463,10 @@ public:
         for (uint32_t i = 0; i < m_n; ++i)
             x[i] = row(i)[m_n];
         for (uint32_t i = m_n; i-- > 0;) {
-            x[i] *= row(i)[i];
-            for (uint32_t j = 0; j < i; ++j)
-                x[j] -= row(j)[i] * x[i];
+            const double found = x[i] *= row(i)[i];
+            const double* r = row(0) + i;
+            for (uint32_t j = 0; j < i; ++j, r += m_rows.rowSize())
+                x[j] -= *r * found;
         }
         return fitFloats(x, m_n);
     }
@@ -447,26 +487,17 @@ private:
     double* row(size_t i) const { return m_rows.row(i); }
     double* numbers() const { return row(m_n); }
     double* solution() const { return row(size_t{m_n} + 1); }
-    double bound() const { return m_largest.boundOfPivots(m_n); }
-
-    bool takeRest(const float* b)
-    {
-        Largest right;
-        for (uint32_t i = 0; i < m_n; ++i) {
-            row(i)[m_n] = right.take(b[i]);
-            std::fill(row(i) + m_n + 1, row(i) + m_rows.rowSize(), 0.0);
-        }
-        return m_largest.isFinite() && right.isFinite();
-    }
 
     // ---- of symmetric matrices: what is right of a pivot is what is below it ----
 
     void eliminateBelow(uint32_t k)
     {
-        const double reciprocal = 1 / row(k)[k];
-        for (uint32_t i = k + 1; i < m_n; ++i)
-            subtract(row(i), row(k)[i] * reciprocal, row(k), i, m_n + 1);
-        row(k)[k] = reciprocal;
+        double* const pivot = row(k);
+        const double reciprocal = 1 / pivot[k];
+        double* r = pivot + m_rows.rowSize();
+        for (uint32_t i = k + 1; i < m_n; ++i, r += m_rows.rowSize())
+            subtract(r, pivot[i] * reciprocal, pivot, i, m_n + 1);
+        pivot[k] = reciprocal;
     }
 
     double determinant(uint32_t k) const { return row(k)[k] * row(k + 1)[k + 1] - row(k)[k + 1] * row(k)[k + 1]; }
@@ -538,7 +569,7 @@ private:
 
     const uint32_t m_n;
     const Matrix m_rows;
-    Largest m_largest;
+    double m_bound = 0;
 };
 
 // As many equations as `height`, of fewer unknowns: the columns of A, then b, the normal of a reflection, and of each
@@ -555,39 +586,44 @@ public:
     // False when something is not finite.
     bool take(Plane<const float> a, const float* b)
     {
-        Largest right;
+        Largest left, right;
         for (uint32_t y = 0; y < m_height; ++y) {
-            for (uint32_t x = 0; x < m_width; ++x)
-                column(x)[y] = m_largest.take(a.row(y)[x]);
+            const float* const from = a.row(y);
+            double* to = column(0) + y;
+            for (uint32_t x = 0; x < m_width; ++x, to += m_columns.rowSize())
+                *to = left.take(from[x]);
             rightSide()[y] = right.take(b[y]);
         }
-        for (uint32_t x = 0; x <= m_width + 1; ++x)
-            std::fill(column(x) + m_height, column(x) + m_columns.rowSize(), 0.0);
         for (uint32_t x = 0; x < m_width; ++x) {
             numbers()[x] = x;
             squares()[x] = dot(column(x), column(x), 0, m_height);
         }
-        return m_largest.isFinite() && right.isFinite();
+        m_bound = left.boundOfPivots(m_width);
+        return left.isFinite() && right.isFinite();
     }
 
     // Reflects the columns, b with them, until there are zeros below the diagonal; false when they are dependent.
     bool reflect()
     {
+        double *const n = normal(), *const last = rightSide(), *const square = squares();
         for (uint32_t k = 0; k < m_width; ++k) {
             bringLongest(k);
-            double* const n = normal();
-            std::fill_n(n, k, 0.0);
-            std::copy(column(k) + k, column(k) + m_height, n + k);
+            double* const pivot = column(k);
+            for (size_t i = stepOf(k); i < m_height; ++i)
+                n[i] = i < k ? 0 : pivot[i];
             const double norm = std::sqrt(dot(n, n, k, m_height));
-            if (!(norm > m_largest.boundOfPivots(m_width)))
+            if (!(norm > m_bound))
                 return false;
             const double factor = 1 / (norm * (norm + std::fabs(n[k])));
-            column(k)[k] = std::copysign(norm, -n[k]);
-            n[k] -= column(k)[k];
-            for (uint32_t j = k + 1; j <= m_width; ++j)
-                subtract(column(j), dot(n, column(j), k, m_height) * factor, n, k, m_height);
-            for (uint32_t j = k + 1; j < m_width; ++j)
-                squares()[j] -= column(j)[k] * column(j)[k];
+            pivot[k] = std::copysign(norm, -n[k]);
+            n[k] -= pivot[k];
+            for (double* c = pivot + m_columns.rowSize(); c <= last; c += m_columns.rowSize())
+                subtract(c, dot(n, c, k, m_height) * factor, n, k, m_height);
+            const double* c = pivot + k;
+            for (uint32_t j = k + 1; j < m_width; ++j) {
+                c += m_columns.rowSize();
+                square[j] -= *c * *c;
+            }
         }
         return true;
     }
@@ -597,9 +633,10 @@ public:
     {
         double* const x = rightSide();
         for (uint32_t k = m_width; k-- > 0;) {
-            x[k] /= column(k)[k];
+            const double* const c = column(k);
+            const double found = x[k] /= c[k];
             for (uint32_t i = 0; i < k; ++i)
-                x[i] -= x[k] * column(k)[i];
+                x[i] -= found * c[i];
         }
         return fitFloats(x, m_width);
     }
@@ -632,7 +669,7 @@ private:
 
     const uint32_t m_width, m_height;
     const Matrix m_columns;
-    Largest m_largest;
+    double m_bound = 0;
 };
 
 } // namespace
