@@ -64,34 +64,66 @@ RVK_INLINE Vecs<float, 3> pointsAt(Vec<float> acrossOfOne, Vec<float> downOfOne,
     return {orNone(acrossOfOne * depth), orNone(downOfOne * depth), orNone(depth)};
 }
 
+// The points of a row of pixels. Those of a depth of 1 lie `down` below the centre.
+struct PointRow
+{
+    Vec<float> perFx, cx, down;
+
+    // Those of some pixels from column `first` on.
+    RVK_INLINE void write(const float* depths, size_t first, size_t count, float* points) const
+    {
+        constexpr size_t lanes = Vec<float>::lanes;
+        const auto across = [&](size_t x) RVK_INLINE_LAMBDA {
+            return (toFloat(iota<int32_t>() + splat(static_cast<int32_t>(x))) - cx) * perFx;
+        };
+        size_t i = 0;
+        for (; i + lanes <= count; i += lanes)
+            store3(points + 3 * i, pointsAt(across(first + i), down, load(depths + i)));
+        if (const size_t rest = count - i) {
+            float few[3 * lanes];
+            store3(few, pointsAt(across(first + i), down, loadPartial(depths + i, rest)));
+            __builtin_memcpy(points + 3 * i, few, 3 * sizeof(float) * rest);
+        }
+    }
+
+    // The same by pieces that the first-level cache holds, and which are copied from there past the others.
+    RVK_INLINE void writePastCaches(const float* depths, size_t width, float* points) const
+    {
+        constexpr size_t piece = 256;
+        alignas(64) float buffer[3 * piece];
+        for (size_t x = 0, n; x < width; x += n) {
+            n = least(width - x, piece);
+            write(depths + x, x, n, buffer);
+            copyPastCaches(reinterpret_cast<const uint8_t*>(buffer), reinterpret_cast<uint8_t*>(points + 3 * x),
+                           3 * sizeof(float) * n);
+        }
+    }
+};
+
 } // namespace
 
 rvkStatus rvkConvertDepthImageToPointCloudf32V(const float32_t* src, uint32_t srcWidth, uint32_t srcHeight,
                                                uint32_t srcStride, const float32_t* camera, float32_t* dst,
                                                uint32_t dstStride)
 {
-    constexpr uint32_t mostPixels = 1 << 24; // in a direction: floats hold their numbers
-    constexpr size_t lanes = Vec<float>::lanes;
+    constexpr uint32_t mostPixels = 1 << 24;           // in a direction: floats hold their numbers
+    constexpr uint64_t largeCloud = uint64_t{3} << 20; // more bytes than second-level caches hold
     if (srcWidth > mostPixels || srcHeight > mostPixels || !isModerate(camera[0], camera[2]) ||
         !isModerate(camera[1], camera[3]))
         return rvkConvertDepthImageToPointCloudf32C(src, srcWidth, srcHeight, srcStride, camera, dst, dstStride);
-    const Vec<float> perFx = splat(1 / camera[0]), cx = splat(camera[2]);
+    const bool isLarge = kWritesPastCaches && uint64_t{srcWidth} * srcHeight * 3 * sizeof(float) >= largeCloud;
     for (uint32_t y = 0; y < srcHeight; ++y) {
         const float* const depths = Plane{src, srcStride}.row(y);
         float* const points = Plane{dst, dstStride}.row(y);
-        const Vec<float> down = splat((static_cast<float>(y) - camera[3]) * (1 / camera[1]));
-        const auto across = [&](size_t x) RVK_INLINE_LAMBDA {
-            return (toFloat(iota<int32_t>() + splat(static_cast<int32_t>(x))) - cx) * perFx;
-        };
-        size_t x = 0;
-        for (; x + lanes <= srcWidth; x += lanes)
-            store3(points + 3 * x, pointsAt(across(x), down, load(depths + x)));
-        if (const size_t rest = srcWidth - x) {
-            float few[3 * lanes];
-            store3(few, pointsAt(across(x), down, loadPartial(depths + x, rest)));
-            __builtin_memcpy(points + 3 * x, few, 3 * sizeof(float) * rest);
-        }
+        const PointRow row = {splat(1 / camera[0]), splat(camera[2]),
+                              splat((static_cast<float>(y) - camera[3]) * (1 / camera[1]))};
+        if (isLarge)
+            row.writePastCaches(depths, srcWidth, points);
+        else
+            row.write(depths, 0, srcWidth, points);
     }
+    if (isLarge)
+        finishWritesPastCaches();
     return RAVIK_SUCCESS;
 }
 
