@@ -4,6 +4,7 @@
 
 #include <cfloat>
 #include <cmath>
+#include <cstdlib>
 
 namespace rvk {
 
@@ -79,7 +80,7 @@ struct Camera
     {
         if (!(q.z > 0))
             return {};
-        const double column = std::floor(fx * (q.x / q.z) + cx + 0.5), row = std::floor(fy * (q.y / q.z) + cy + 0.5);
+        const double column = fx * (q.x / q.z) + cx + 0.5, row = fy * (q.y / q.z) + cy + 0.5; // rounded down below
         if (!(column >= 0 && column < width && row >= 0 && row < height))
             return {};
         return {true, static_cast<uint32_t>(column), static_cast<uint32_t>(row)};
@@ -151,11 +152,12 @@ namespace {
 
 constexpr uint32_t kBlockSide = 8, kBlockVoxels = kBlockSide * kBlockSide * kBlockSide;
 
-// The quotient rounded, halves away from zero; the divisor is positive.
-int32_t divideRounded(int64_t dividend, int32_t divisor)
+// The quotient rounded, halves away from zero. The divisor is positive, twice the dividend and it fit 32 bits.
+int32_t divideRounded(int32_t dividend, uint32_t divisor)
 {
-    const int64_t half = dividend < 0 ? -divisor : divisor;
-    return static_cast<int32_t>((2 * dividend + half) / (2 * int64_t{divisor}));
+    const auto magnitude = static_cast<uint32_t>(std::abs(dividend));
+    const auto quotient = static_cast<int32_t>((2 * magnitude + divisor) / (2 * divisor));
+    return dividend < 0 ? -quotient : quotient;
 }
 
 void fuse(double before, double truncation, int16_t maxWeight, int16_t& distance, int16_t& weight)
@@ -163,7 +165,7 @@ void fuse(double before, double truncation, int16_t maxWeight, int16_t& distance
     const double part = std::min(1.0, before / truncation) * 32767;
     const auto s = static_cast<int32_t>(part < 0 ? part - 0.5 : part + 0.5);
     const int32_t w = std::max<int32_t>(weight, 0);
-    distance = static_cast<int16_t>(divideRounded(int64_t{distance} * w + s, w + 1));
+    distance = static_cast<int16_t>(divideRounded(distance * w + s, static_cast<uint32_t>(w) + 1));
     weight = static_cast<int16_t>(std::min<int32_t>(w + 1, maxWeight));
 }
 
