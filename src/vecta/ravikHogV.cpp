@@ -30,20 +30,29 @@ RVK_INLINE float sumOf(Floats v)
 
 // ---- what a pixel gives to the planes ------------------------------------------------------------------------------
 //
-// position(dx, dy) says where, share(position, magnitude, plane) how much.
+// position(dx, dy) says where a pixel votes; add(plane, position, vote, sums) adds what it gives to `step` planes.
 
-// Dalal's share of a bin is a hat over its centre, the difference of two ramps that are as long as bins are apart. Sums of
-// ramps take less work than sums of hats: plane p has the ramp from p - 1 to p, where bin b has its hat at b + 1, bins
-// go on around both ends, and plane 0 has the whole magnitude.
-class Ramps
+// The magnitude of a pixel, the weight of its row for the lower cells, and both of them.
+struct Vote
+{
+    Floats magnitude, weight, lower;
+};
+struct Sums
+{
+    Floats all, lower;
+};
+
+// Dalal's share of a bin is a hat over its centre, 1 less the distance to it, if that is below 1. Plane k has what is
+// missing, min(distance, 1), for the hat over k, and the last plane all votes. Bin b has its hat over b + 1, and since bins
+// go on around both ends, those of the last and the first have one over 0 and over the number of bins plus 1, too.
+class Hats
 {
 public:
-    explicit RVK_INLINE Ramps(uint32_t bins) : m_bins(static_cast<float>(bins)) {}
+    explicit RVK_INLINE Hats(uint32_t bins) : m_bins(static_cast<float>(bins)), m_wholePlane(bins + 2) {}
 
-    static constexpr size_t planesFor(size_t bins) { return bins + 2; }
+    static constexpr size_t planesFor(size_t bins) { return bins + 3; }
 
-    // The position of the direction plus 3/2: half a bin to the first centre, and one to plane 0. The arc tangent is
-    // within 5e-7, by the interpolation of atan(sqrt(s)) / sqrt(s) at Chebyshev's points.
+    // The direction in bins and a half, from 1/2 to the number of bins plus 1/2. The arc tangent is within 5e-7, by the interpolation of atan(sqrt(s)) / sqrt(s) at Chebyshev's points.
     RVK_INLINE Floats position(Floats dx, Floats dy) const
     {
         constexpr float perTurn = 0.31830988618f; // half a turn
@@ -57,24 +66,31 @@ public:
         const Floats eighth = series * tangent * splat(m_bins * perTurn);
         const Floats quarter = select(less(across, down), splat(m_bins * 0.5f) - eighth, eighth);
         const Floats half = select(less(dx * dy, zero<float>()), whole - quarter, quarter);
-        return half + splat(1.5f);
+        return half + splat(0.5f);
     }
 
-    static RVK_INLINE Floats share(Floats position, Floats magnitude, size_t plane)
+    static constexpr size_t step = 4;
+
+    static RVK_INLINE void add(Floats plane, Floats position, const Vote& vote, Sums (&sums)[step])
     {
-        const Floats ramp = position - splat(static_cast<float>(plane));
-        return min(max(ramp, zero<float>()), splat(1.0f)) * magnitude;
+        Floats away = position - plane;
+        unrolled<step>([&](auto i) RVK_INLINE_LAMBDA {
+            const Floats missing = min(abs(away), splat(1.0f));
+            sums[i].all = multiplyAdd(missing, vote.magnitude, sums[i].all);
+            sums[i].lower = multiplyAdd(missing, vote.lower, sums[i].lower);
+            away = away - splat(1.0f);
+        });
     }
 
     // Of the sums of a cell, plane p at sums[p * pitch], those of its bins.
     RVK_INLINE void toBins(const float* sums, size_t pitch, float* bins) const
     {
-        const auto count = static_cast<size_t>(m_bins);
-        const auto hat = [=](size_t plane)
-                             RVK_INLINE_LAMBDA { return sums[plane * pitch] - sums[(plane + 1) * pitch]; };
+        const size_t count = m_wholePlane - 2;
+        const float whole = sums[m_wholePlane * pitch];
+        const auto hat = [=](size_t plane) RVK_INLINE_LAMBDA { return whole - sums[plane * pitch]; };
         for (size_t b = 0; b < count; ++b)
             bins[b] = hat(b + 1);
-        bins[0] += sums[(count + 1) * pitch];
+        bins[0] += hat(count + 1);
         bins[count - 1] += hat(0);
         for (size_t b = 0; b < count; ++b)
             bins[b] = bins[b] < 0 ? 0 : bins[b]; // differences of rounded sums
@@ -82,6 +98,7 @@ public:
 
 private:
     float m_bins;
+    size_t m_wholePlane; // so far away from all positions that everything is missing
 };
 
 // FHOG's signed bins, one plane each.
@@ -108,9 +125,16 @@ public:
         return select(less(bin, splat(18.0f)), bin, none);
     }
 
-    static RVK_INLINE Floats share(Floats position, Floats magnitude, size_t plane)
+    static constexpr size_t step = 3;
+
+    static RVK_INLINE void add(Floats plane, Floats position, const Vote& vote, Sums (&sums)[step])
     {
-        return select(equal(position, splat(static_cast<float>(plane))), magnitude, zero<float>());
+        unrolled<step>([&](auto i) RVK_INLINE_LAMBDA {
+            const Mask<float> isHere = equal(position, plane + splat(static_cast<float>(static_cast<int>(i))));
+            const Floats share = select(isHere, vote.magnitude, zero<float>());
+            sums[i].all = sums[i].all + share;
+            sums[i].lower = multiplyAdd(share, vote.weight, sums[i].lower);
+        });
     }
 
     // Those of signed bins, and behind them those of unsigned ones.
@@ -130,7 +154,7 @@ public:
 struct Planes
 {
     float *complete, *pending;
-    size_t count, pitch; // count is even
+    size_t count, pitch; // count is a multiple of Bins::step
 };
 
 // The pixels of a strip, count rows behind the first, `pitch` bytes apart; each row has a pixel before the first column.
@@ -143,8 +167,9 @@ RVK_NOINLINE void voteDownColumns(const Bins& bins, const uint8_t* rows, size_t 
     constexpr size_t lanes = Floats::lanes;
     const Floats none = zero<float>();
     for (size_t x = 0; x < width; x += lanes) {
-        Floats positions[kMostHogCellSize], magnitudes[kMostHogCellSize];
-        const Mask<float> votes = less(toFloat(iota<int32_t>()), splat(static_cast<float>(least(width - x, lanes))));
+        Floats positions[kMostHogCellSize];
+        Vote votes[kMostHogCellSize];
+        const Mask<float> isVoter = less(toFloat(iota<int32_t>()), splat(static_cast<float>(least(width - x, lanes))));
         const uint8_t* p = rows + x + 1;
         for (size_t y = 0; y < count; ++y) {
             p += pitch;
@@ -155,20 +180,20 @@ RVK_NOINLINE void voteDownColumns(const Bins& bins, const uint8_t* rows, size_t 
             const Floats square = dx * dx + dy * dy;
             const Floats magnitude = min(guessSquareRoot(max(square, splat(1.0f))), square); // 0 of 0
             positions[y] = bins.position(dx, dy);
-            magnitudes[y] = select(votes, magnitude, none);
+            const Floats vote = select(isVoter, magnitude, none);
+            votes[y] = {vote, splat(weights[y]), vote * splat(weights[y])};
         }
-        for (size_t plane = 0; plane < planes.count; plane += 2) {
-            Floats both[2] = {none, none}, lower[2] = {none, none};
+        for (size_t plane = 0; plane < planes.count; plane += Bins::step) {
+            const Floats first = splat(static_cast<float>(static_cast<int32_t>(plane)));
+            Sums sums[Bins::step];
+            unrolled<Bins::step>([&](auto i) RVK_INLINE_LAMBDA { sums[i] = {none, none}; });
             for (size_t y = 0; y < count; ++y)
-                unrolled<2>([&](auto i) RVK_INLINE_LAMBDA {
-                    const Floats share = bins.share(positions[y], magnitudes[y], plane + i);
-                    both[i] = both[i] + share;
-                    lower[i] = multiplyAdd(share, splat(weights[y]), lower[i]);
-                });
-            unrolled<2>([&](auto i) RVK_INLINE_LAMBDA {
-                const size_t at = (plane + i) * planes.pitch + x;
-                store(complete + at, load(pending + at) + (both[i] - lower[i]));
-                store(pending + at, lower[i]);
+                bins.add(first, positions[y], votes[y], sums);
+            size_t at = plane * planes.pitch + x;
+            unrolled<Bins::step>([&](auto i) RVK_INLINE_LAMBDA {
+                store(complete + at, load(pending + at) + (sums[i].all - sums[i].lower));
+                store(pending + at, sums[i].lower);
+                at += planes.pitch;
             });
         }
     }
@@ -238,7 +263,7 @@ rvkStatus vote(const Bins& bins, size_t cellSize, size_t planeCount, size_t cell
     const size_t before = cellSize / 2, across = grid.cellsAcross, votingWidth = across * cellSize;
     const size_t votingHeight = grid.cellsDown * cellSize;
     const size_t span = roundedUp(2 * cellSize, lanes), sumCount = roundedUp(across, 4);
-    Planes planes = {nullptr, nullptr, roundedUp(planeCount, 2),
+    Planes planes = {nullptr, nullptr, roundedUp(planeCount, Bins::step),
                      roundedUp(before + votingWidth + 3 * cellSize + span + lanes, lanes)};
     const size_t bytePitch = roundedUp(width + 2 + lanes, lanes);
     const Scratch<uint8_t> rows(cellSize + 2, bytePitch);
@@ -382,7 +407,7 @@ rvkStatus extractDalal(const rvkHOG& hog, Plane<const uint8_t> src, size_t width
     if (!cells)
         return RAVIK_ENORES;
     const rvkStatus status =
-        vote(Ramps(hog.binCount), hog.cellSize, Ramps::planesFor(bins), bins, src, width, height, grid, cells.get());
+        vote(Hats(hog.binCount), hog.cellSize, Hats::planesFor(bins), bins, src, width, height, grid, cells.get());
     if (status != RAVIK_SUCCESS)
         return status;
     for (size_t y = 0; y < grid.blocksDown; ++y)
