@@ -323,15 +323,17 @@ RVK_INLINE constexpr size_t wholeSteps(size_t count)
     return (count + Vec<uint16_t>::lanes - 1) / Vec<uint16_t>::lanes * Vec<uint16_t>::lanes;
 }
 
-// A block of `rows` rows of cells, each of rowValues values, `pitch` apart.
+// A block of `rows` rows of cells, each of rowValues values, `pitch` apart. A vector may be read behind the last.
 RVK_NOINLINE void describeBlock(const float* cells, size_t pitch, size_t rowValues, size_t rows, uint16_t* dst)
 {
     constexpr size_t most = kMostHogBlockSize * kMostHogBlockSize * kMostHogBins, lanes = Floats::lanes;
-    float values[wholeSteps(most)];
-    const size_t count = rows * rowValues, end = wholeSteps(count);
-    for (size_t row = 0; row < rows; ++row)
-        __builtin_memcpy(values + row * rowValues, cells + row * pitch, rowValues * sizeof(float));
-    __builtin_memset(values + count, 0, (end - count) * sizeof(float));
+    float values[wholeSteps(most) + lanes];
+    const size_t count = rows * rowValues;
+    for (size_t row = 0; row < rows; ++row) // whole vectors, of which the next row takes the rest
+        for (size_t i = 0; i < rowValues; i += lanes)
+            store(values + row * rowValues + i, load(cells + row * pitch + i));
+    for (size_t i = count; i < wholeSteps(count); i += lanes)
+        store(values + i, zero<float>());
 
     Floats energy = zero<float>(), clippedEnergy = zero<float>();
     for (size_t i = 0; i < count; i += lanes)
@@ -403,7 +405,7 @@ rvkStatus extractDalal(const rvkHOG& hog, Plane<const uint8_t> src, size_t width
                        Plane<uint16_t> dst)
 {
     const size_t bins = hog.binCount, pitch = grid.cellsAcross * bins;
-    const Scratch<float> cells(grid.cellsDown, uint64_t{grid.cellsAcross} * bins);
+    const Scratch<float> cells(uint64_t{grid.cellsDown} * grid.cellsAcross + Floats::lanes, bins);
     if (!cells)
         return RAVIK_ENORES;
     const rvkStatus status =
