@@ -39,9 +39,9 @@ public:
     void* raw = nullptr;                    /* the block as allocated */
     void* data = nullptr;                   /* where the data begins: a multiple of 16, of 128 in library memory */
     rvkMemOption option = RAVIK_MEM_SYSTEM; /* kind of the block */
-    uint32_t reserved = 0;        /* 0 */
-    void* sharedHandle = nullptr; /* shared memory: what dspmem_alloc returned */
-    uint32_t sharedSize = 0;      /* shared memory: bytes asked of dspmem_alloc */
+    uint32_t reserved = 0;                  /* 0 */
+    void* sharedHandle = nullptr;           /* shared memory: what dspmem_alloc returned */
+    uint32_t sharedSize = 0;                /* shared memory: bytes asked of dspmem_alloc */
 };
 
 #endif
