@@ -1,8 +1,8 @@
 // Vector implementations of clustering: the search for the nearest centres.
 //
-// Floats: half of the distances less what they have in common, |c|^2 / 2 - p.c, are formed in single precision, in tiles
-// of centres side by side. They decide where rounding errors do not reach; centres that come too close for that are
-// compared as the reference does it. So the labels are the reference's.
+// Floats: half of the distances less what they have in common, |c|^2 / 2 - p.c, are formed in single precision, in
+// tiles of centres side by side. They decide where rounding errors do not reach; centres that come too close for that
+// are compared as the reference does it. So the labels are the reference's.
 #include "vecta/simd/rows.h"
 #include "vecta/vecta.h"
 
@@ -35,8 +35,8 @@ RVK_INLINE void arrangeCenters(const ClusterJob<float>& job, float* tiles, float
     }
 }
 
-// |c|^2 / 2, or 0 where points and centres have length 1 anyway. Returns the largest |c|^2, which is infinite where scores
-// could overflow.
+// |c|^2 / 2, or 0 where points and centres have length 1 anyway. Returns the largest |c|^2, which is infinite where
+// scores could overflow.
 RVK_INLINE double sumSquares(const ClusterJob<float>& job, float* halfSquares)
 {
     double largest = 0;
