@@ -301,13 +301,13 @@ rvkStatus vote(const Bins& bins, size_t cellSize, size_t planeCount, size_t cell
 
 // ---- descriptors ---------------------------------------------------------------------------------------------------
 
-// Values of 1/32768, of which the last step may go beyond.
-RVK_INLINE void storeValues(const float* values, size_t count, uint16_t* dst)
+// values * scale, of which the last step may go beyond.
+RVK_INLINE void storeValues(const float* values, Floats scale, size_t count, uint16_t* dst)
 {
     constexpr size_t step = Vec<uint16_t>::lanes, lanes = Floats::lanes;
     for (size_t i = 0; i < count; i += step) {
         const auto rounded = [&](size_t half) RVK_INLINE_LAMBDA {
-            return truncateToInt(load(values + i + half * lanes) + splat(0.5f));
+            return truncateToInt(multiplyAdd(load(values + i + half * lanes), scale, splat(0.5f)));
         };
         const Vec<uint16_t> v = narrowSat<uint16_t>(Vecs<int32_t, 2>{rounded(0), rounded(1)});
         if (i + step <= count)
@@ -323,31 +323,54 @@ RVK_INLINE constexpr size_t wholeSteps(size_t count)
     return (count + Vec<uint16_t>::lanes - 1) / Vec<uint16_t>::lanes * Vec<uint16_t>::lanes;
 }
 
-// A block of `rows` rows of cells, each of rowValues values, `pitch` apart. A vector may be read behind the last.
-RVK_NOINLINE void describeBlock(const float* cells, size_t pitch, size_t rowValues, size_t rows, uint16_t* dst)
-{
-    constexpr size_t most = kMostHogBlockSize * kMostHogBlockSize * kMostHogBins, lanes = Floats::lanes;
-    float values[wholeSteps(most) + lanes];
-    const size_t count = rows * rowValues;
-    for (size_t row = 0; row < rows; ++row) // whole vectors, of which the next row takes the rest
-        for (size_t i = 0; i < rowValues; i += lanes)
-            store(values + row * rowValues + i, load(cells + row * pitch + i));
-    for (size_t i = count; i < wholeSteps(count); i += lanes)
-        store(values + i, zero<float>());
+constexpr size_t kBlocksAtOnce = 4; // sums and roots of them take as long as those of one
 
-    Floats energy = zero<float>(), clippedEnergy = zero<float>();
-    for (size_t i = 0; i < count; i += lanes)
-        energy = multiplyAdd(load(values + i), load(values + i), energy);
-    const Floats scale = reciprocalRoot(splat(sumOf(energy) + 1.0f));
-    for (size_t i = 0; i < count; i += lanes) {
-        const Floats v = min(load(values + i) * scale, splat(kHogClip));
-        clippedEnergy = multiplyAdd(v, v, clippedEnergy);
-        store(values + i, v);
+// 1 / sqrt(sum + more) of the sums of four vectors.
+struct Scales
+{
+    float values[Floats::lanes];
+
+    RVK_INLINE Scales(const Floats (&squares)[kBlocksAtOnce], float more) : values()
+    {
+        storeFloatSums(values, squares);
+        store(values, reciprocalRoot(load(values) + splat(more)));
     }
-    const Floats clippedScale = reciprocalRoot(splat(sumOf(clippedEnergy) + 1e-6f)) * splat(kHogOne);
-    for (size_t i = 0; i < count; i += lanes)
-        store(values + i, load(values + i) * clippedScale);
-    storeValues(values, count, dst);
+};
+
+// Blocks beside each other, `step` values apart, each of `rows` rows of cells, of rowValues values, `pitch` apart. A vector
+// may be read behind the last. `values` has room for all of them in whole steps, and for a vector.
+RVK_NOINLINE void describeBlocks(const float* cells, size_t step, size_t blocks, size_t pitch, size_t rowValues,
+                                 size_t rows, float* values, uint16_t* dst)
+{
+    constexpr size_t lanes = Floats::lanes;
+    const size_t count = rows * rowValues, room = wholeSteps(count);
+    Floats energies[kBlocksAtOnce], clippedEnergies[kBlocksAtOnce];
+    for (size_t k = 0; k < kBlocksAtOnce; ++k) {
+        const float* const block = cells + least(k, blocks - 1) * step;
+        float* const to = values + k * room;
+        for (size_t row = 0; row < rows; ++row) // whole vectors, of which the next row takes the rest
+            for (size_t i = 0; i < rowValues; i += lanes)
+                store(to + row * rowValues + i, load(block + row * pitch + i));
+        for (size_t i = count; i < room; i += lanes)
+            store(to + i, zero<float>());
+        energies[k] = zero<float>();
+        for (size_t i = 0; i < count; i += lanes)
+            energies[k] = multiplyAdd(load(to + i), load(to + i), energies[k]);
+    }
+    const Scales scales(energies, 1.0f);
+    for (size_t k = 0; k < kBlocksAtOnce; ++k) {
+        const Floats scale = splat(scales.values[k]);
+        clippedEnergies[k] = zero<float>();
+        for (size_t i = 0; i < count; i += lanes) {
+            float* const v = values + k * room + i;
+            const Floats clipped = min(load(v) * scale, splat(kHogClip));
+            clippedEnergies[k] = multiplyAdd(clipped, clipped, clippedEnergies[k]);
+            store(v, clipped);
+        }
+    }
+    const Scales clippedScales(clippedEnergies, 1e-6f);
+    for (size_t k = 0; k < blocks; ++k)
+        storeValues(values + k * room, splat(clippedScales.values[k] * kHogOne), count, dst + k * count);
 }
 
 // A cell by its 27 sums, behind which a vector may be read, and by four sums of energies.
@@ -368,7 +391,7 @@ RVK_INLINE void describeCell(const float* cell, const float (&energies)[4], uint
             sum = sum + v;
             texture[k] = texture[k] + isSigned(v);
         });
-        store(values + i, sum * splat(0.5f * kHogOne));
+        store(values + i, sum * splat(0.5f));
     };
     constexpr size_t whole = kFhogSignedBins / lanes * lanes;
     for (size_t i = 0; i < whole; i += lanes)
@@ -378,8 +401,8 @@ RVK_INLINE void describeCell(const float* cell, const float (&energies)[4], uint
     for (size_t i = whole + lanes; i < sums; i += lanes)
         clipped(i, [](Floats) RVK_INLINE_LAMBDA { return zero<float>(); });
     for (size_t k = 0; k < 4; ++k)
-        values[sums + k] = sumOf(texture[k]) * (kFhogTextureWeight * kHogOne);
-    storeValues(values, kFhogValues, dst);
+        values[sums + k] = sumOf(texture[k]) * kFhogTextureWeight;
+    storeValues(values, splat(kHogOne), kFhogValues, dst);
 }
 
 RVK_NOINLINE void describeCells(const float* cells, size_t cellValues, const float* energies, const HogGrid& grid,
@@ -406,16 +429,19 @@ rvkStatus extractDalal(const rvkHOG& hog, Plane<const uint8_t> src, size_t width
 {
     const size_t bins = hog.binCount, pitch = grid.cellsAcross * bins;
     const Scratch<float> cells(uint64_t{grid.cellsDown} * grid.cellsAcross + Floats::lanes, bins);
-    if (!cells)
+    const Scratch<float> values(kBlocksAtOnce + 1, wholeSteps(grid.blockValues)); // a vector behind the last
+    if (!cells || !values)
         return RAVIK_ENORES;
     const rvkStatus status =
         vote(Hats(hog.binCount), hog.cellSize, Hats::planesFor(bins), bins, src, width, height, grid, cells.get());
     if (status != RAVIK_SUCCESS)
         return status;
+    const size_t step = hog.blockStep * bins;
     for (size_t y = 0; y < grid.blocksDown; ++y)
-        for (size_t x = 0; x < grid.blocksAcross; ++x)
-            describeBlock(cells.get() + y * hog.blockStep * pitch + x * hog.blockStep * bins, pitch,
-                          hog.blockSize * bins, hog.blockSize, dst.row(y) + x * grid.blockValues);
+        for (size_t x = 0; x < grid.blocksAcross; x += kBlocksAtOnce)
+            describeBlocks(cells.get() + y * hog.blockStep * pitch + x * step, step,
+                           least(grid.blocksAcross - x, kBlocksAtOnce), pitch, hog.blockSize * bins, hog.blockSize,
+                           values.get(), dst.row(y) + x * grid.blockValues);
     return RAVIK_SUCCESS;
 }
 
