@@ -26,7 +26,9 @@ Effect effectOf(TestCase& testCase)
     const Outcome outcome = testCase.call();
     if (outcome.status != RAVIK_SUCCESS || !logLines.empty())
         return Effect::refusal;
-    return testCase.writesItsOutputs() != function.contract.writesNothing ? Effect::result : Effect::none;
+    if (testCase.writesItsOutputs() != function.contract.writesNothing)
+        return Effect::result;
+    return function.isSilent ? Effect::refusal : Effect::none;
 }
 
 void forEachFunction(const std::function<void(const FunctionGroup&, const FunctionTest&)>& action)

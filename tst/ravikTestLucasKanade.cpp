@@ -70,7 +70,7 @@ const FunctionGroup& lucasKanadeFunctions()
     const Argument points = src.ofSize(2 * most).within({columns(-1, 1), rows(-1, 1)});
     const Argument results = dst.ofSize(2 * most),
                    guesses = updated.ofSize(2 * most).within({columns(-1, 1), rows(-1, 1)});
-    const Argument count = capacity(0, most), levels = oneOf({3}).refusing({0, 33, UINT32_MAX});
+    const Argument count = capacity(1, most), levels = oneOf({3}).refusing({0, 33, UINT32_MAX});
     const Argument window = oneOf({21, 3, 9, 35}).refusing({0, 1, 2, 8, 257, UINT32_MAX});
     const Argument iterations = oneOf({10, 1, 4}).refusing({0}).limited();
     const Argument epsilon = oneOf({0.01, 0, 0.1}).refusing({-1, NAN}),

@@ -150,7 +150,7 @@ const FunctionGroup& linearSearchFunctions()
         {
             RVK_TEST(rvkLinearSearch8x36s8, src.ofSize(288 * blocks), src.ofSize(most), count, src.ofSize(36),
                      between(-1, 1), oneOf({2, 1e4, 1e9, -1}), capacity(0, most), value, list(most), list(most)),
-            RVK_TEST(rvkLinearSearchPrepare8x36s8, src.ofSize(36 * most), count, dst.ofSize(288 * blocks)),
+            RVK_TEST(rvkLinearSearchPrepare8x36s8, src.ofSize(36 * most), capacity(1, most), dst.ofSize(288 * blocks)),
         }};
     return group;
 }

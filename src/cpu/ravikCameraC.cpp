@@ -9,12 +9,6 @@
 
 namespace rvk {
 
-bool isCamera(const float* camera)
-{
-    return std::isfinite(camera[0]) && camera[0] > 0 && std::isfinite(camera[1]) && camera[1] > 0 &&
-           std::isfinite(camera[2]) && std::isfinite(camera[3]);
-}
-
 CameraModel::CameraModel(const float* camera, const float* distortion)
     : fx(camera[0]), fy(camera[1]), cx(camera[2]), cy(camera[3]), k1(0), k2(0), p1(0), p2(0), k3(0)
 {

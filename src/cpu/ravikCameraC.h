@@ -6,9 +6,6 @@
 
 namespace rvk {
 
-// Focal lengths and a centre that a camera can have.
-bool isCamera(const float* camera);
-
 // A camera and what its lens does, nothing where there is no distortion.
 struct CameraModel
 {

@@ -1,9 +1,12 @@
-// Lists of points in the arguments of the entries.
+// Lists of points, and cameras, in the arguments of the entries.
 #pragma once
 
 #include "dispatch.h"
 
 #include <ravik/correspondences.h>
+
+#include <algorithm>
+#include <cmath>
 
 namespace rvk {
 
@@ -17,7 +20,7 @@ inline bool arePoints(const float32_t* points, uint32_t stride, uint32_t count, 
 }
 
 // Pairs with strides that are not 0; none, without points, where there is no pointer to them.
-inline rvkaCorrespondences withStrides(const rvkaCorrespondences* given, uint32_t srcPoint)
+inline rvkaCorrespondences withStrides(const rvkaCorrespondences* given, uint32_t srcPoint = kPoint2)
 {
     rvkaCorrespondences pairs = {};
     if (given)
@@ -27,10 +30,21 @@ inline rvkaCorrespondences withStrides(const rvkaCorrespondences* given, uint32_
     return pairs;
 }
 
-inline bool arePairs(const rvkaCorrespondences& pairs, uint32_t srcPoint)
+inline bool arePairs(const rvkaCorrespondences& pairs, uint32_t srcPoint = kPoint2)
 {
     return arePoints(pairs.src, pairs.srcStride, pairs.count, srcPoint) &&
            arePoints(pairs.dst, pairs.dstStride, pairs.count, kPoint2);
+}
+
+inline bool areFinite(const float32_t* numbers, uint32_t count)
+{
+    return std::all_of(numbers, numbers + count, [](float32_t number) { return std::isfinite(number); });
+}
+
+// Focal lengths and a centre that a camera can have.
+inline bool isCamera(const float32_t* camera)
+{
+    return camera && areFinite(camera, 4) && camera[0] > 0 && camera[1] > 0;
 }
 
 } // namespace rvk

@@ -1,5 +1,4 @@
 // Points through the lens of a camera: the public functions.
-#include "cpu/ravikCameraC.h"
 #include "points.h"
 
 #include <ravik/camera.h>
@@ -22,7 +21,7 @@ rvkStatus rvkGeomDistortPoint2x1f32(const float32_t* camera, const float32_t* di
                                     float32_t* distorted)
 {
     const RVK_IMPL target = chooseTarget(Slot::rvkGeomDistortPoint2x1f32);
-    RVK_CHECK_STATUS(camera && isCamera(camera) && point && distorted);
+    RVK_CHECK_STATUS(isCamera(camera) && point && distorted);
     return implementation<Slot::rvkGeomDistortPoint2x1f32>(target)(camera, distortion, point, distorted);
 }
 
@@ -32,8 +31,7 @@ rvkStatus rvkGeomDistortPoint2xNf32(const float32_t* camera, const float32_t* di
     srcStride = packedIfZero(srcStride, kPoint2);
     dstStride = packedIfZero(dstStride, kPoint2);
     const RVK_IMPL target = chooseTarget(Slot::rvkGeomDistortPoint2xNf32);
-    RVK_CHECK_STATUS(camera && isCamera(camera) &&
-                     areLists(points, srcStride, kPoint2, numPoints, distorted, dstStride));
+    RVK_CHECK_STATUS(isCamera(camera) && areLists(points, srcStride, kPoint2, numPoints, distorted, dstStride));
     return implementation<Slot::rvkGeomDistortPoint2xNf32>(target)(camera, distortion, points, srcStride, numPoints,
                                                                    distorted, dstStride);
 }
@@ -42,7 +40,7 @@ rvkStatus rvkGeomUndistortPoint2x1f32(const float32_t* camera, const float32_t* 
                                       float32_t* undistorted)
 {
     const RVK_IMPL target = chooseTarget(Slot::rvkGeomUndistortPoint2x1f32);
-    RVK_CHECK_STATUS(camera && isCamera(camera) && point && undistorted);
+    RVK_CHECK_STATUS(isCamera(camera) && point && undistorted);
     return implementation<Slot::rvkGeomUndistortPoint2x1f32>(target)(camera, distortion, point, undistorted);
 }
 
@@ -53,8 +51,7 @@ rvkStatus rvkGeomUndistortPoint2xNf32(const float32_t* camera, const float32_t* 
     srcStride = packedIfZero(srcStride, kPoint2);
     dstStride = packedIfZero(dstStride, kPoint2);
     const RVK_IMPL target = chooseTarget(Slot::rvkGeomUndistortPoint2xNf32);
-    RVK_CHECK_STATUS(camera && isCamera(camera) &&
-                     areLists(points, srcStride, kPoint2, numPoints, undistorted, dstStride));
+    RVK_CHECK_STATUS(isCamera(camera) && areLists(points, srcStride, kPoint2, numPoints, undistorted, dstStride));
     return implementation<Slot::rvkGeomUndistortPoint2xNf32>(target)(camera, distortion, points, srcStride, numPoints,
                                                                      undistorted, dstStride);
 }
@@ -63,7 +60,7 @@ rvkStatus rvkGeomProjectPoint3x1f32(const float32_t* camera, const float32_t* di
                                     const float32_t* point, float32_t* projected)
 {
     const RVK_IMPL target = chooseTarget(Slot::rvkGeomProjectPoint3x1f32);
-    RVK_CHECK_STATUS(camera && isCamera(camera) && pose && point && projected);
+    RVK_CHECK_STATUS(isCamera(camera) && pose && point && projected);
     return implementation<Slot::rvkGeomProjectPoint3x1f32>(target)(camera, distortion, pose, point, projected);
 }
 
@@ -74,8 +71,7 @@ rvkStatus rvkGeomProjectPoint3xNf32(const float32_t* camera, const float32_t* di
     srcStride = packedIfZero(srcStride, kPoint3);
     dstStride = packedIfZero(dstStride, kPoint2);
     const RVK_IMPL target = chooseTarget(Slot::rvkGeomProjectPoint3xNf32);
-    RVK_CHECK_STATUS(camera && isCamera(camera) && pose &&
-                     areLists(points, srcStride, kPoint3, numPoints, projected, dstStride));
+    RVK_CHECK_STATUS(isCamera(camera) && pose && areLists(points, srcStride, kPoint3, numPoints, projected, dstStride));
     return implementation<Slot::rvkGeomProjectPoint3xNf32>(target)(camera, distortion, pose, points, srcStride,
                                                                    numPoints, projected, dstStride);
 }

@@ -1,21 +1,10 @@
 // Pictures of depths and what is made of them, and pictures of another bit depth: the public functions.
 #include "bodies.h"
-
-#include <cmath>
+#include "points.h"
 
 using namespace rvk;
 
 namespace {
-
-bool areFinite(const float32_t* numbers, uint32_t count)
-{
-    return std::all_of(numbers, numbers + count, [](float32_t number) { return std::isfinite(number); });
-}
-
-bool isCamera(const float32_t* camera)
-{
-    return camera && areFinite(camera, 4) && camera[0] > 0 && camera[1] > 0;
-}
 
 constexpr uint32_t kPoseElements = 12;
 
@@ -123,12 +112,12 @@ rvkStatus rvkICPJacobianErrorSE3f32(const float32_t* points, uint32_t numPoints,
                                     float32_t maxDistance, float32_t* jtj, float32_t* jte, float32_t* sumSquares,
                                     uint32_t* numMatched)
 {
-    pointStride = packedIfZero(pointStride, 3, sizeof *points);
+    pointStride = packedIfZero(pointStride, kPoint3);
     mapStride = packedIfZero(mapStride, width, 3 * sizeof *vertexMap);
     const RVK_IMPL target = chooseTarget(Slot::rvkICPJacobianErrorSE3f32);
-    RVK_CHECK_STATUS(points && (numPoints == 0 || isMatrix(1, numPoints, pointStride, sizeof *points, 3)) &&
-                     vertexMap && normalMap && isMatrix(width, height, mapStride, sizeof *vertexMap, 3) &&
-                     isCamera(camera) && pose && maxDistance > 0 && jtj && jte && sumSquares && numMatched);
+    RVK_CHECK_STATUS(arePoints(points, pointStride, numPoints, kPoint3) && vertexMap && normalMap &&
+                     isMatrix(width, height, mapStride, sizeof *vertexMap, 3) && isCamera(camera) && pose &&
+                     maxDistance > 0 && jtj && jte && sumSquares && numMatched);
     if (!areFinite(pose, kPoseElements))
         return RAVIK_EFAIL;
     return implementation<Slot::rvkICPJacobianErrorSE3f32>(target)(points, numPoints, pointStride, vertexMap, normalMap,

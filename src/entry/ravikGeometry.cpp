@@ -1,34 +1,19 @@
 // Maps fitted to correspondences: the public functions.
-#include "dispatch.h"
+#include "points.h"
+
+#include <ravik/geometry.h>
 
 using namespace rvk;
 
 namespace {
 
-constexpr uint32_t kPoint2 = 2 * sizeof(float32_t), kPoint3 = 3 * sizeof(float32_t);
-
-rvkaCorrespondences withStrides(rvkaCorrespondences pairs, uint32_t srcPoint = kPoint2)
+// Pairs given one by one.
+rvkaCorrespondences listed(const float32_t* src, uint32_t srcStride, const float32_t* dst, uint32_t dstStride,
+                           uint32_t count, const uint8_t* mask = nullptr)
 {
-    pairs.srcStride = packedIfZero(pairs.srcStride, srcPoint);
-    pairs.dstStride = packedIfZero(pairs.dstStride, kPoint2);
-    return pairs;
+    const rvkaCorrespondences pairs = {src, srcStride, dst, dstStride, count, mask};
+    return withStrides(&pairs);
 }
-
-// Points are there, do not overlap, are aligned, and end before 2^31 bytes.
-bool arePoints(const float32_t* points, uint32_t stride, uint32_t count, uint32_t pointSize)
-{
-    const uint64_t end = count ? uint64_t{stride} * (count - 1) + pointSize : 0;
-    return points && stride >= pointSize && aligned(sizeof(float32_t), stride) && end < uint64_t{1} << 31;
-}
-
-bool arePairs(const rvkaCorrespondences& pairs, uint32_t srcPoint = kPoint2)
-{
-    return arePoints(pairs.src, pairs.srcStride, pairs.count, srcPoint) &&
-           arePoints(pairs.dst, pairs.dstStride, pairs.count, kPoint2);
-}
-
-// For any number of them.
-constexpr rvkaCorrespondences kNone = {};
 
 bool isConfidence(float32_t confidence)
 {
@@ -43,7 +28,7 @@ uint32_t rvkGeomAffineEvaluatef32(const rvkaCorrespondences* pairs, const float3
                                   float32_t* squaredErrors, uint8_t* inliers)
 {
     const RVK_IMPL target = chooseTarget(Slot::rvkGeomAffineEvaluatef32);
-    const rvkaCorrespondences all = withStrides(pairs ? *pairs : kNone);
+    const rvkaCorrespondences all = withStrides(pairs);
     if (!(arePairs(all) && affine && maxSquaredError >= 0))
         return 0;
     return implementation<Slot::rvkGeomAffineEvaluatef32>(target)(&all, affine, maxSquaredError, squaredErrors,
@@ -54,7 +39,7 @@ uint32_t rvkGeomHomographyEvaluatef32(const rvkaCorrespondences* pairs, const fl
                                       float32_t maxSquaredError, float32_t* squaredErrors, uint8_t* inliers)
 {
     const RVK_IMPL target = chooseTarget(Slot::rvkGeomHomographyEvaluatef32);
-    const rvkaCorrespondences all = withStrides(pairs ? *pairs : kNone);
+    const rvkaCorrespondences all = withStrides(pairs);
     if (!(arePairs(all) && homography && maxSquaredError >= 0))
         return 0;
     return implementation<Slot::rvkGeomHomographyEvaluatef32>(target)(&all, homography, maxSquaredError, squaredErrors,
@@ -65,7 +50,7 @@ uint32_t rvkGeomPoseEvaluatef32(const rvkaCorrespondences* pairs, const float32_
                                 float32_t* squaredErrors, uint8_t* inliers)
 {
     const RVK_IMPL target = chooseTarget(Slot::rvkGeomPoseEvaluatef32);
-    const rvkaCorrespondences all = withStrides(pairs ? *pairs : kNone, kPoint3);
+    const rvkaCorrespondences all = withStrides(pairs, kPoint3);
     if (!(arePairs(all, kPoint3) && pose && maxSquaredError >= 0))
         return 0;
     return implementation<Slot::rvkGeomPoseEvaluatef32>(target)(&all, pose, maxSquaredError, squaredErrors, inliers);
@@ -77,7 +62,7 @@ rvkStatus rvkGeomHomographyEvaluatef32_v2(const float32_t* src, uint32_t srcStri
                                           uint32_t* numInliers)
 {
     const RVK_IMPL target = chooseTarget(Slot::rvkGeomHomographyEvaluatef32_v2);
-    const rvkaCorrespondences all = withStrides({src, srcStride, dst, dstStride, count, nullptr});
+    const rvkaCorrespondences all = listed(src, srcStride, dst, dstStride, count);
     RVK_CHECK_STATUS(arePairs(all) && homography && maxSquaredError >= 0 && numInliers);
     return implementation<Slot::rvkGeomHomographyEvaluatef32_v2>(target)(
         src, all.srcStride, dst, all.dstStride, count, homography, maxSquaredError, squaredErrors, inliers, numInliers);
@@ -88,7 +73,7 @@ rvkStatus rvkGeomHomographyEvaluatef32_v2(const float32_t* src, uint32_t srcStri
 rvkStatus rvkGeomAffineFitf32(const rvkaCorrespondences* pairs, float32_t* affine)
 {
     const RVK_IMPL target = chooseTarget(Slot::rvkGeomAffineFitf32);
-    const rvkaCorrespondences all = withStrides(pairs ? *pairs : kNone);
+    const rvkaCorrespondences all = withStrides(pairs);
     RVK_CHECK_STATUS(arePairs(all) && affine);
     return implementation<Slot::rvkGeomAffineFitf32>(target)(&all, affine);
 }
@@ -96,7 +81,7 @@ rvkStatus rvkGeomAffineFitf32(const rvkaCorrespondences* pairs, float32_t* affin
 rvkStatus rvkGeomHomographyFitf32(const rvkaCorrespondences* pairs, float32_t* homography)
 {
     const RVK_IMPL target = chooseTarget(Slot::rvkGeomHomographyFitf32);
-    const rvkaCorrespondences all = withStrides(pairs ? *pairs : kNone);
+    const rvkaCorrespondences all = withStrides(pairs);
     RVK_CHECK_STATUS(arePairs(all) && homography);
     return implementation<Slot::rvkGeomHomographyFitf32>(target)(&all, homography);
 }
@@ -105,7 +90,7 @@ rvkStatus rvkGeomHomographyFitf32_v2(const float32_t* src, uint32_t srcStride, c
                                      uint32_t count, const uint8_t* mask, float32_t* homography)
 {
     const RVK_IMPL target = chooseTarget(Slot::rvkGeomHomographyFitf32_v2);
-    const rvkaCorrespondences all = withStrides({src, srcStride, dst, dstStride, count, mask});
+    const rvkaCorrespondences all = listed(src, srcStride, dst, dstStride, count, mask);
     RVK_CHECK_STATUS(arePairs(all) && homography);
     return implementation<Slot::rvkGeomHomographyFitf32_v2>(target)(src, all.srcStride, dst, all.dstStride, count, mask,
                                                                     homography);
@@ -116,7 +101,7 @@ rvkStatus rvkGeomHomographyRobustFitf32(const rvkaCorrespondences* pairs, float3
                                         float32_t* homography, uint8_t* inliers, uint32_t* numInliers)
 {
     const RVK_IMPL target = chooseTarget(Slot::rvkGeomHomographyRobustFitf32);
-    const rvkaCorrespondences all = withStrides(pairs ? *pairs : kNone);
+    const rvkaCorrespondences all = withStrides(pairs);
     RVK_CHECK_STATUS(arePairs(all) && maxSquaredError >= 0 && maxIterations && isConfidence(confidence) && homography);
     return implementation<Slot::rvkGeomHomographyRobustFitf32>(target)(&all, maxSquaredError, maxIterations, confidence,
                                                                        seed, homography, inliers, numInliers);
@@ -128,7 +113,7 @@ rvkStatus rvkGeomHomographyRobustFitf32_v2(const float32_t* src, uint32_t srcStr
                                            uint32_t seed, float32_t* homography, uint8_t* inliers, uint32_t* numInliers)
 {
     const RVK_IMPL target = chooseTarget(Slot::rvkGeomHomographyRobustFitf32_v2);
-    const rvkaCorrespondences all = withStrides({src, srcStride, dst, dstStride, count, mask});
+    const rvkaCorrespondences all = listed(src, srcStride, dst, dstStride, count, mask);
     RVK_CHECK_STATUS(arePairs(all) && maxSquaredError >= 0 && maxIterations && isConfidence(confidence) && homography);
     return implementation<Slot::rvkGeomHomographyRobustFitf32_v2>(target)(
         src, all.srcStride, dst, all.dstStride, count, mask, maxSquaredError, maxIterations, confidence, seed,
