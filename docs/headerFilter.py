@@ -305,7 +305,7 @@ def unexplained(path):
         elif kind == "declaration" and "(" in text:
             for parameter in parameters(text):
                 is_conventional = any(fnmatchcase(parameter, name) for name in conventional)
-                if not is_conventional and not re.search(rf"\b{parameter}\b", comments):
+                if not is_conventional and not re.search(rf"\b{parameter}\b", comments, re.IGNORECASE):
                     yield name_of(text), parameter
 
 

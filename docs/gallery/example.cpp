@@ -3,6 +3,8 @@
 #include "colours.h"
 #include "scene.h"
 
+#include "groups.h"
+
 #include <algorithm>
 #include <cmath>
 #include <cstring>
@@ -12,7 +14,7 @@ namespace {
 
 using Role = Argument::Role;
 
-constexpr CaseSize kSize{160, 120};
+constexpr CaseSize kSize = Example::kSize;
 constexpr double kPartOfVga = kSize.width / 640.0; // which typical numbers are for
 
 // Numbers that show more than the first that is tested: in the order of the scalars, for names that begin so.
@@ -25,6 +27,7 @@ struct Numbers
 const Numbers kNumbers[] = {
     {"rvkAddScalar", {60}},
     {"rvkAddWeightedu8", {0.5, 0.5}},
+    {"rvkConvertDepths16u8", {RAVIK_POLICY_SATURATE, 0}},
     {"rvkDrawContour", {6, 2, 250, 220, 60}},
     {"rvkEdgeWeighting", {6, 800, 255}},
     {"rvkFillConvexPolyu8", {24, 230}},
@@ -67,7 +70,34 @@ const Contents kContents[] = {
 };
 
 // Whose pictures are lists of numbers, too small to be looked at.
-const std::string_view kLists[] = {"rvkImageSpatialHistogram", "rvkVecNormalize"};
+const std::string_view kLists[] = {"rvkClusterEuclidean", "rvkExtractHOG", "rvkImageSpatialHistogram",
+                                   "rvkMatrixMultiply", "rvkVecNormalize"};
+
+// What undoes another function shows what that one makes of the scene.
+struct Inverse
+{
+    std::string_view function, forward;
+};
+
+const Inverse kInverses[] = {
+    {"rvkIDCTs16", "rvkDCTu8"},
+    {"rvkIDWT53TabTransposes16", "rvkDWT53TabTransposes16"},
+    {"rvkIDWT53Tabs16", "rvkDWT53Tabs16"},
+    {"rvkIDWTHaarTransposes16", "rvkDWTHaarTransposeu8"},
+    {"rvkIDWTHaars16", "rvkDWTHaaru8"},
+    {"rvkIFFTf32", "rvkFFTu8"},
+};
+
+// Where few numbers are much larger than most: the power of them that is shown.
+struct Emphasis
+{
+    std::string_view function;
+    double power;
+};
+
+const Emphasis kEmphases[] = {
+    {"rvkDCT", 0.4}, {"rvkDWT", 0.45}, {"rvkFFT", 0.15}, {"rvkIDCT", 0.4}, {"rvkIDWT", 0.45}, {"rvkIFFT", 0.15},
+};
 
 template <class Table>
 auto entryOf(const Table& table, std::string_view function)
@@ -82,14 +112,20 @@ Content contentOf(std::string_view function)
     return entry == std::end(kContents) ? Content::moments : entry->content;
 }
 
+const FunctionTest& testOf(std::string_view function)
+{
+    const std::vector<const FunctionTest*> all = allFunctions();
+    return **std::find_if(all.begin(), all.end(), [=](const FunctionTest* test) { return test->name == function; });
+}
+
 bool isSource(const Argument& a)
 {
-    return (a.role == Role::source || a.role == Role::updated) && a.isOfPixels() && !a.isList;
+    return (a.role == Role::source || a.role == Role::updated) && a.isOfPixels() && !a.isList && !a.columns;
 }
 
 bool isShown(const Argument& a)
 {
-    return a.isResult() && a.isOfPixels() && !a.isList;
+    return a.isResult() && a.isOfPixels() && !a.isList && !a.columns;
 }
 
 // Of the only source, or destination, of two bytes a pixel.
@@ -189,7 +225,8 @@ bool Example::isPossible(const FunctionTest& function)
     return !isList && std::any_of(all.begin(), all.end(), isSource) && std::any_of(all.begin(), all.end(), isShown);
 }
 
-Example::Example(const FunctionTest& function) : m_function(function), m_numbers(function.arguments.size())
+Example::Example(const FunctionTest& function, CaseSize size)
+    : m_function(function), m_size(function.wholeUnits(size)), m_numbers(function.arguments.size())
 {
     for (const Argument& a : function.arguments)
         if ((a.hasWindowWidth || a.hasWindowHeight) && a.element == Element::s8)
@@ -224,7 +261,7 @@ void Example::takeNumbers()
         else
             m_numbers[i] = a.element == Element::u8 ? 255 : std::min(a.high, std::max(a.low, 1.0));
     }
-    m_function.setTypicalSizes(m_numbers, m_function.wholeUnits(kSize));
+    m_function.setTypicalSizes(m_numbers, m_size);
     const auto entry = entryOf(kNumbers, m_function.name);
     const std::vector<double> given = entry == std::end(kNumbers) ? std::vector<double>() : entry->scalars;
     size_t scalar = 0;
@@ -244,7 +281,7 @@ void Example::takeNumbers()
 
 void Example::layOut()
 {
-    const CaseSizes sizes = m_function.sizesFor(m_function.wholeUnits(kSize), m_numbers);
+    const CaseSizes sizes = m_function.sizesFor(m_size, m_numbers);
     for (size_t i = 0; i < m_numbers.size(); i++) {
         const Argument& a = m_function.arguments[i];
         if (!a.isImage())
@@ -273,12 +310,24 @@ void Example::layOut()
         image.data.resize(image.stride * image.height + 64);
 }
 
+// What a function makes of the scene, of as large a picture as this one makes, in the size that this one takes.
+std::vector<uint8_t> Example::transformOfScene(std::string_view name) const
+{
+    const FunctionTest& forward = testOf(name);
+    const bool isTransposed = std::any_of(forward.arguments.begin(), forward.arguments.end(),
+                                          [](const Argument& a) { return a.isResult() && a.isTransposed; });
+    return Example(forward, isTransposed ? CaseSize{m_size.height, m_size.width} : m_size).m_images.back().data;
+}
+
 void Example::fill()
 {
     size_t ordinal = 0;
     for (Image& image : m_images) {
         const Argument& a = m_function.arguments[image.argument];
-        if (isSource(a) && !a.ranges.empty())
+        const auto inverse = entryOf(kInverses, m_function.name);
+        if (isSource(a) && inverse != std::end(kInverses))
+            image.data = transformOfScene(inverse->forward);
+        else if (isSource(a) && !a.ranges.empty())
             fillMap(image);
         else if (isSource(a))
             fillPicture(image, ordinal++);
@@ -300,7 +349,7 @@ void Example::fillNumbers(Image& image) const
                              a.element == Element::f32 ? 1 : std::ldexp(1, m_shift));
     } else if (!a.ranges.empty()) {
         for (size_t i = 0; i < elements.size(); i++)
-            elements[i] = a.typical.empty() ? a.rangeOf(i).at(0.6, kSize)
+            elements[i] = a.typical.empty() ? a.rangeOf(i).at(0.6, m_size)
                                             : a.typical[i] * (a.rangeOf(i).of == Range::Of::numbers ? 1 : kPartOfVga);
     } else if (elements.size() == 256 && a.element == Element::u8 && m_function.name == "rvkTableLookupu8") {
         for (size_t i = 0; i < elements.size(); i++)
@@ -405,8 +454,11 @@ std::vector<Picture> Example::shown(const Image& image, const std::vector<uint8_
                 least = std::min(least, value), most = std::max(most, value);
         }
     const double largest = std::max({-least, most, 1e-30});
+    const auto emphasis = entryOf(kEmphases, m_function.name);
+    const double power = emphasis == std::end(kEmphases) || a.element == Element::u8 ? 1 : emphasis->power;
     const auto level = [&](uint32_t x, uint32_t y, uint32_t channel) {
-        const double value = element(x, y, channel);
+        const double linear = element(x, y, channel);
+        const double value = std::copysign(std::pow(std::fabs(linear) / largest, power) * largest, linear);
         const double grey = a.element == Element::u8 ? value
                             : least < 0              ? 127.5 + 127.5 * value / largest
                                                      : 255 * value / largest;

@@ -5,13 +5,16 @@
 
 #include "functionTest.h"
 
+#include <string_view>
 #include <vector>
 
 class Example
 {
 public:
+    static constexpr CaseSize kSize{160, 120};
+
     // Calls the function.
-    explicit Example(const FunctionTest& function);
+    explicit Example(const FunctionTest& function, CaseSize size = kSize);
 
     // Whether the function makes pictures from pictures.
     static bool isPossible(const FunctionTest& function);
@@ -40,8 +43,10 @@ private:
     void fillPixels(Image& image, const Picture& scene, size_t ordinal) const;
 
     std::vector<Picture> shown(const Image& image, const std::vector<uint8_t>& bytes) const;
+    std::vector<uint8_t> transformOfScene(std::string_view name) const;
 
     const FunctionTest& m_function;
+    const CaseSize m_size;
     std::vector<double> m_numbers;
     std::vector<Image> m_images;
     int m_shift = 8; // of weights

@@ -3,8 +3,9 @@
  * Common to all functions of this header:
  *   Camera      fx, fy, cx, cy: focal lengths and centre in pixels. All are finite, fx and fy positive.
  *   Distortion  k1, k2, p1, p2, k3 of the lens (Brown, "Close-Range Camera Calibration", 1971); null for none.
- *   Points      x, y or x, y, z, one after the other. Strides are in bytes from point to point, multiples of 4; 0 means
- *               packed ones. No points are as good as any number. A list has less than 2^31 bytes.
+ *   Points      x, y or x, y, z, one after the other; `distorted`, `undistorted` and `projected` get x, y. Strides are
+ *               in bytes from point to point, multiples of 4; 0 means packed ones. No points are as good as any number.
+ *               A list has less than 2^31 bytes.
  *   Alignment   that of floats.
  *   In place    `points` may be the result where the strides are equal; otherwise the two must not overlap.
  *   Rounding    everything is computed in double precision and rounded once; but on 32-bit Arm the vector

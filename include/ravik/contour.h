@@ -1,8 +1,8 @@
 /* Ravik: the borders of what is set in a picture, as lists of points; the clean-up of foreground masks by them.
  *
  * Borders are followed after Suzuki and Abe, "Topological Structural Analysis of Digitized Binary Images by Border
- * Following", 1985, Algorithm 1. Pixels that are not 0 are foreground, connected in eight directions; the others and all
- * that lies outside of the picture are background, connected in four. A component of the foreground has one outer
+ * Following", 1985, Algorithm 1. Pixels that are not 0 are foreground, connected in eight directions; the others and
+ * all that lies outside of the picture are background, connected in four. A component of the foreground has one outer
  * border and one border for each of its holes. Both are made of pixels of the component.
  *
  *   Points     pairs x, y. Outer borders run counter-clockwise on the screen, those of holes clockwise. A point is
@@ -12,12 +12,12 @@
  *   Selection  External: outer borders that lie in no other component. List: all borders. Ccomp: all, the parent of a
  *              hole is the outer border of its component; outer borders have none. Tree: the same, and the parent of an
  *              outer border is the hole that it lies in.
- *   hierarchy  four numbers a contour: the next and the previous one of the same parent, the first child, the parent, in
- *              the order of contours; -1 for none. External and List know no parents.
+ *   hierarchy  four numbers a contour: the next and the previous one of the same parent, the first child, the parent,
+ *              in the order of contours; -1 for none. External and List know no parents.
  *   Alignment  pictures may stand anywhere, lists are aligned to their elements.
  *   Overlap    lists must not overlap the picture or each other.
- *   Errors     RAVIK_EBADPARAM for null pointers that are not said to be allowed, sizes of 0, strides shorter than a row
- *              and what the functions say; RAVIK_ENORES without scratch memory. Whatever the error, nothing is
+ *   Errors     RAVIK_EBADPARAM for null pointers that are not said to be allowed, sizes of 0, strides shorter than a
+ *              row and what the functions say; RAVIK_ENORES without scratch memory. Whatever the error, nothing is
  *              written. */
 #ifndef RAVIK_CONTOUR_H
 #define RAVIK_CONTOUR_H
@@ -46,10 +46,10 @@ RVK_API void rvkFindContoursDelete(rvkContourWorkspace* workspace);
 
 /* Finds the contours of a picture. `contourSizes` has room for nContoursMax numbers of points, `points` for nPointsMax
  * points, contour after contour; `hierarchy`, which may be null, for nContoursMax times four numbers. There may be no
- * room at all. A contour that does not fit in one of the lists ends the output: *nContours counts those before it, links
- * name no others, and what lies behind them is not written. `approximation` is a RAVIK_CONTOUR_... `workspace` must have
- * been made for a picture of at least this size; with null the call takes scratch memory. The stride is in bytes, 0
- * means packed rows; srcStride x srcHeight is at most 2^32 - 1. */
+ * room at all. A contour that does not fit in one of the lists ends the output: *nContours counts those before it,
+ * links name no others, and what lies behind them is not written. `approximation` is a RAVIK_CONTOUR_... `workspace`
+ * must have been made for a picture of at least this size; with null the call takes scratch memory. The stride is in
+ * bytes, 0 means packed rows; srcStride x srcHeight is at most 2^32 - 1. */
 RVK_API rvkStatus rvkFindContoursExternalu8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight,
                                             uint32_t srcStride, uint32_t approximation, uint32_t* contourSizes,
                                             uint32_t nContoursMax, uint32_t* nContours, int32_t* points,

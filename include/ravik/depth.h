@@ -25,8 +25,8 @@ RVK_EXTERN_C_BEGIN
 RVK_API rvkStatus rvkConvertDepthu8s16(const uint8_t* src, uint32_t width, uint32_t height, uint32_t srcStride,
                                        uint32_t shift, int16_t* dst, uint32_t dstStride);
 
-/* dst = src >> shift, of 0 to 15 bits, by the policy: RAVIK_POLICY_SATURATE clamps it to 0..255, RAVIK_POLICY_WRAP keeps
- * its low 8 bits. The work may run on the DSP only when pointers and strides are multiples of 8. */
+/* dst = src >> shift, of 0 to 15 bits, by the policy: RAVIK_POLICY_SATURATE clamps it to 0..255, RAVIK_POLICY_WRAP
+ * keeps its low 8 bits. The work may run on the DSP only when pointers and strides are multiples of 8. */
 RVK_API rvkStatus rvkConvertDepths16u8(const int16_t* src, uint32_t width, uint32_t height, uint32_t srcStride,
                                        uint32_t policy, uint32_t shift, uint8_t* dst, uint32_t dstStride);
 
@@ -57,8 +57,8 @@ RVK_API rvkStatus rvkRegisterDepthImagef32(const float32_t* src, uint32_t srcWid
  * lies before the surface. Voxels with f < -truncation are hidden and stay; the others become
  *     W = max(weight, 0)    s = min(1, f / truncation) * 32767
  *     distance = (distance * W + s) / (W + 1)    weight = min(W + 1, maxWeight)
- * with s and the distance rounded to whole numbers, halves away from zero. `voxelSize`, `truncation` and `maxWeight` are
- * positive; there may be no blocks. A block that is listed twice is fused twice. */
+ * with s and the distance rounded to whole numbers, halves away from zero. `voxelSize`, `truncation` and `maxWeight`
+ * are positive; there may be no blocks. A block that is listed twice is fused twice. */
 RVK_API rvkStatus rvkDepthFusion8x8x8xNs16(int16_t* distances, int16_t* weights, const int32_t* blocks,
                                            uint32_t numBlocks, float32_t voxelSize, float32_t truncation,
                                            int16_t maxWeight, const float32_t* depth, uint32_t width, uint32_t height,
@@ -67,9 +67,9 @@ RVK_API rvkStatus rvkDepthFusion8x8x8xNs16(int16_t* distances, int16_t* weights,
 /* ---- alignment ----
  *
  * What a step of Gauss and Newton needs: with the error e and the Jacobian J of each pixel or point, `jtj` the sum of
- * J^T * J, all rows of the symmetric matrix, `jte` the sum of J^T * e, `sumSquares` that of e^2, and how many there are,
- * which may be none. Sums are within 2^-17 of the sum of the magnitudes. RAVIK_EFAIL when one of them is too large for a
- * float. */
+ * J^T * J, all rows of the symmetric matrix, `jte` the sum of J^T * e, `sumSquares` that of e^2, and how many there
+ * are, which may be none. Sums are within 2^-17 of the sum of the magnitudes. RAVIK_EFAIL when one of them is too large
+ * for a float. */
 
 /* Of two pictures, by a rotation and a translation in the plane (Baker, Matthews, "Lucas-Kanade 20 Years On", 2004):
  *     e = warped - reference
@@ -80,7 +80,7 @@ RVK_API rvkStatus rvkJacobianSE2f32(const float32_t* warped, const float32_t* re
                                     uint32_t dxyStride, float32_t* jtj, float32_t* jte, float32_t* sumSquares,
                                     uint32_t* numPixels);
 
-/* Of points and a surface that a camera has seen, as maps of three floats for each pixel, its points and its normals; by
+/* Of points and a surface that a camera has seen, as maps of three floats for each pixel, vertexMap and normalMap; by
  * distances from the tangent planes (Chen, Medioni, "Object Modelling by Registration of Multiple Range Images", 1992).
  * A point X belongs to the point v and the normal n at the pixel nearest to the projection of q = R * X + t; it is left
  * out when q.z <= 0, when there is no such pixel, when v.z <= 0, when v or n is not finite, or when |q - v| exceeds

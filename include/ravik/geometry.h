@@ -8,14 +8,14 @@
  *                pose        3x4 row-major [R | t], world to camera: q = R X + t, u = q.x / q.z, v = q.y / q.z; dst is
  *                            measured in the camera's normalised coordinates, that is without distortion, focal
  *                            lengths and centre
- *   Pairs      rvkaCorrespondences, or its parts one by one; strides in bytes, multiples of 4, 0 for packed points; each
- *              list spans less than 2^31 bytes. The mask may be null: all pairs count.
+ *   Pairs      rvkaCorrespondences, or its parts one by one; strides in bytes, multiples of 4, 0 for packed points;
+ *              each list spans less than 2^31 bytes. The mask may be null: all pairs count.
  *   Floats     results are computed in double precision, without functions of the C library but the square root, and
  *              rounded once; they have the same bits on all targets, except where rvkGeomXxxEvaluatef32 says otherwise.
  *   Alignment  floats are aligned to their size, masks may stand anywhere.
  *   Overlap    outputs must not overlap anything.
- *   Errors     bad arguments, among them thresholds that are negative or no numbers, give RAVIK_EBADPARAM, or a count of
- *              0; a fit that does not exist, RAVIK_EFAIL. Nothing is written then. */
+ *   Errors     bad arguments, among them thresholds that are negative or no numbers, give RAVIK_EBADPARAM, or a count
+ *              of 0; a fit that does not exist, RAVIK_EFAIL. Nothing is written then. */
 #ifndef RAVIK_GEOMETRY_H
 #define RAVIK_GEOMETRY_H
 
@@ -25,10 +25,12 @@ RVK_EXTERN_C_BEGIN
 
 /* ---- how far pairs lie from a model ----------------------------------------------------------------------------
  *
- * squaredErrors[i] = |model(src) - dst|^2 for every pair of the list, those that the mask leaves out included. A pair is
- * an inlier, inliers[i] = 1, when the stored error is at most maxSquaredError and the mask has the pair; the others have
+ * squaredErrors[i] = |model(src) - dst|^2 for every pair of the list, those that the mask leaves out included. A pair
+ * is an inlier, inliers[i] = 1, when the stored error is at most maxSquaredError and the mask has the pair; the others
+ * have
  * 0. Both arrays may be null. What has a denominator of 0, lies behind the camera (q.z <= 0) or is not finite has the
- * error +infinity and is no inlier, whatever maxSquaredError is. They return the number of inliers, 0 for an empty list.
+ * error +infinity and is no inlier, whatever maxSquaredError is. They return the number of inliers, 0 for an empty
+ * list.
  *
  * Inliers are the same on all targets. Vector code stores squared errors of which the root, the distance, is within
  * 2^-19 of the exact one, relative to what the formula gives with the magnitudes of all terms. */

@@ -40,9 +40,9 @@ RVK_API rvkStatus rvkMatrixMultiplys8s32(const int8_t* src1, uint32_t width1, ui
  * orthonormal, those of singular values 0, too; in each row of Vt the first element of largest magnitude is positive.
  * `U` and `Vt` may be null.
  *
- * By Jacobi rotations from one side (Hestenes, "Inversion of Matrices by Biorthogonalization and Related Results", 1958)
- * in double precision: U * diag(w) * Vt - A is within k * 2^-20 of A's norm, and U^T * U and Vt * Vt^T within k * 2^-20
- * of the identity. RAVIK_EFAIL when an element of A, or of what would be stored, is not finite. */
+ * By Jacobi rotations from one side (Hestenes, "Inversion of Matrices by Biorthogonalization and Related Results",
+ * 1958) in double precision: U * diag(w) * Vt - A is within k * 2^-20 of A's norm, and U^T * U and Vt * Vt^T within k *
+ * 2^-20 of the identity. RAVIK_EFAIL when an element of A, or of what would be stored, is not finite. */
 RVK_API rvkStatus rvkSVDf32(const float32_t* A, uint32_t width, uint32_t height, uint32_t aStride, float32_t* w,
                             float32_t* U, uint32_t uStride, float32_t* Vt, uint32_t vtStride);
 
@@ -62,14 +62,15 @@ RVK_API rvkStatus rvkSolvef32(const float32_t* A, uint32_t width, uint32_t heigh
 /* Of n x n elements, by Gauss's elimination with partial pivoting. */
 RVK_API rvkStatus rvkSolveLUf32(const float32_t* A, uint32_t n, uint32_t aStride, const float32_t* b, float32_t* x);
 
-/* Of a symmetric positive definite matrix, of which the lower triangle alone is read, by Cholesky's decomposition in the
- * form without roots. RAVIK_EFAIL, too, when a pivot is negative, which is when the matrix is not positive definite. */
+/* Of a symmetric positive definite matrix, of which the lower triangle alone is read, by Cholesky's decomposition in
+ * the form without roots. RAVIK_EFAIL, too, when a pivot is negative, which is when the matrix is not positive
+ * definite. */
 RVK_API rvkStatus rvkSolveCholeskyf32(const float32_t* A, uint32_t n, uint32_t aStride, const float32_t* b,
                                       float32_t* x);
 
-/* Of any regular symmetric matrix, of which the lower triangle alone is read: the decomposition with pivots of one and of
- * two rows (Bunch, Kaufman, "Some Stable Methods for Calculating Inertia and Solving Symmetric Linear Systems", 1977).
- * Of a pivot of two rows the determinant is held against the square of the bound. */
+/* Of any regular symmetric matrix, of which the lower triangle alone is read: the decomposition with pivots of one and
+ * of two rows (Bunch, Kaufman, "Some Stable Methods for Calculating Inertia and Solving Symmetric Linear Systems",
+ * 1977). Of a pivot of two rows the determinant is held against the square of the bound. */
 RVK_API rvkStatus rvkSolveLDLf32(const float32_t* A, uint32_t n, uint32_t aStride, const float32_t* b, float32_t* x);
 
 RVK_EXTERN_C_END

@@ -2,8 +2,8 @@
  *
  * Lucas and Kanade, "An Iterative Image Registration Technique with an Application to Stereo Vision", 1981, on pyramids
  * as Bouguet, "Pyramidal Implementation of the Lucas Kanade Feature Tracker", 2000, has it. From the smallest level to
- * level 0, a window of the first picture I around the point, winWidth x winHeight samples a pixel apart, is looked for in
- * the second, J, from where the level before has found it:
+ * level 0, a window of the first picture I around the point, winWidth x winHeight samples a pixel apart, is looked for
+ * in the second, J, from where the level before has found it:
  *     G = sum over the window of (dx dx, dx dy; dx dy, dy dy),
  *     flow += G^-1 sum over the window of (I - J) (dx, dy),
  * until a step is shorter than `epsilon` pixels, at most maxIterations times (of which no more than 1000 are made). dx
@@ -16,9 +16,10 @@
  * same on every target.
  *
  * Common to all functions of this header:
- *   Pyramids   numLevels levels each, 1 to 32, as rvkPyramidCreateu8 and rvkPyramidCreatef32 make them: level k shows the
- *              same at half the size of level k - 1. Those of both pyramids have the same sizes; the grey levels of floats
- *              may have any range. rvkPyramidLevel is packed; the stride of rvkPyramidLevel_v2 is in bytes, 0 means packed.
+ *   Pyramids   pyr1 and pyr2 have numLevels levels each, 1 to 32, as rvkPyramidCreateu8 and rvkPyramidCreatef32 make
+ *              them: level k shows the same at half the size of level k - 1. Those of both pyramids have the same
+ *              sizes; the grey levels of floats may have any range. rvkPyramidLevel is packed; the stride of
+ *              rvkPyramidLevel_v2 is in bytes, 0 means packed.
  *   Points     x and y in turn, packed, in pixels of level 0: whole numbers are the centres of pixels.
  *   Windows    winWidth and winHeight are odd, 3 to 255.
  *   Result     status[i] is 1 where point i was found and 0 where it is lost; points2[i] is where it is, and that of a
@@ -32,8 +33,8 @@
  *   Overlap    inputs may overlap; points2, status and errors must not overlap anything.
  *   Errors     null pointers, levels without memory, empty, of different sizes, of 2^31 bytes or more, or with strides
  *              below a row; windows of other sizes; maxIterations 0; epsilon or minEigenvalue negative or not a number;
- *              useGuess above 1: RAVIK_EBADPARAM. RAVIK_ENORES when there is no scratch memory. Nothing is written then.
- *              No points are success. */
+ *              useGuess above 1: RAVIK_EBADPARAM. RAVIK_ENORES when there is no scratch memory. Nothing is written
+ *              then. No points are success. */
 #ifndef RAVIK_LUCASKANADE_H
 #define RAVIK_LUCASKANADE_H
 

@@ -3,16 +3,16 @@
  * Maximally Stable Extremal Regions", 2008.
  *
  * Passes: the dark pass finds dark regions on bright ground, in g = src; the bright pass finds bright ones on dark
- * ground, in g = 255 - src. A region is a connected component of the pixels with g <= t that has a pixel with g = t, its
- * level. Its parent region is the next larger one around it. The whole picture is a region, too.
+ * ground, in g = 255 - src. A region is a connected component of the pixels with g <= t that has a pixel with g = t,
+ * its level. Its parent region is the next larger one around it. The whole picture is a region, too.
  *
  * Stability: the variation of a region of area A is (G - A) / A, where G is the area of the component around it at the
  * level t + delta, at most 255. A region is stable when its variation is not above that of its parent region and below
  * that of each region whose parent it is; compared exactly.
  *
  * Selection: from the largest regions to the smallest, stable ones are kept with minArea <= A <= maxArea and
- * G - A <= maxVariation * A, unless B - A < minDiversity * B, where B is the area of the nearest kept region of the pass
- * around it; these products are in double.
+ * G - A <= maxVariation * A, unless B - A < minDiversity * B, where B is the area of the nearest kept region of the
+ * pass around it; these products are in double.
  *
  * Order: the regions of the bright pass, then those of the dark one; within each by t from the highest down, and among
  * regions of one level by their first pixels, row by row. So each region comes after those around it.

@@ -1,5 +1,5 @@
-/* Ravik: regions of pixels that belong together. Flood fill from given pixels; segmentation of a picture into regions by
- * colour, or from given pixels by grey value.
+/* Ravik: regions of pixels that belong together. Flood fill from given pixels; segmentation of a picture into regions
+ * by colour, or from given pixels by grey value.
  *
  * Connectivity: 4 (pixels that share a side are neighbours) or 8 (those that share a corner, too).
  *
@@ -67,8 +67,8 @@ RVK_API rvkStatus rvkImageSegmentationRegionGrow(const uint8_t* src, uint32_t sr
                                                  uint32_t connectivity, uint32_t* labels, uint32_t labelStride,
                                                  rvkRegion* regions, uint32_t nRegionsMax, uint32_t* nRegions);
 
-/* Regions that grow from seeds (Adams and Bischof, "Seeded Region Growing", 1994). The pixel of seed i gets label i + 1,
- * of several seeds on one pixel the first. Then, seed by seed, each region offers to take its neighbours without a
+/* Regions that grow from seeds (Adams and Bischof, "Seeded Region Growing", 1994). The pixel of seed i gets label i +
+ * 1, of several seeds on one pixel the first. Then, seed by seed, each region offers to take its neighbours without a
  * label: up, left, right, down, then the diagonal ones row by row. An offer's price is floor(|n v - S| / n), where v is
  * the pixel's value and n and S are the region's number of pixels and their sum at that time; above maxDifference
  * nothing is offered. The cheapest offer, of equal ones the earliest, is taken when its pixel still has no label, and

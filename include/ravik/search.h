@@ -1,8 +1,8 @@
 /* Ravik: clusters of vectors, searches for the nearest of them, classification.
  *
  * Common to all functions of this header:
- *   Shapes     one vector a row. Strides are in bytes, from one vector to the next; 0 means packed ones; those of
- *              floats are rounded down to whole floats.
+ *   Shapes     one vector of `dim` numbers a row, as many as counts say. Strides are in bytes, from one vector to the
+ *              next; 0 means packed ones; those of floats are rounded down to whole floats.
  *   Alignment  bytes may stand anywhere; floats, words and pointers are aligned to their size.
  *   Overlap    outputs must overlap neither inputs nor each other, but for the new centres of clusters.
  *   Errors     RAVIK_EBADPARAM for a null pointer that is not said to be allowed, a count or dimension of 0 that is
@@ -17,8 +17,9 @@ RVK_EXTERN_C_BEGIN
 
 /* ---- clusters: one iteration of k-means -------------------------------------------------------------------------
  *
- * An iteration of S. Lloyd, "Least squares quantization in PCM" (1982): each point gets the label of its nearest
- * centre, the lowest on a tie, then each centre moves to the mean of its points. Per centre, and each may be null:
+ * An iteration of S. Lloyd, "Least squares quantization in PCM" (1982): each point gets in `labels` the label of its
+ * nearest centre, the lowest on a tie, then each centre moves to the mean of its points. Per centre, and each may be
+ * null:
  *
  *     newCenters        the mean of the points with its label; the old coordinates where there is none
  *     clusterSizes      their number
@@ -72,16 +73,16 @@ RVK_API rvkStatus rvkKDTreeCreate36s8f32(const int8_t* vectors, const float32_t*
                                          rvkKDTree36s8f32** tree);
 RVK_API void rvkKDTreeDestroy36s8f32(rvkKDTree36s8f32* tree);
 
-/* Searches a tree. invLenQuery must be as right as the tree's. maxChecks of 0 finds exactly what rvkLinearSearch8x36s8
- * finds. Others visit the leaves in the order of their least possible distances (J. Beis and D. Lowe, "Shape indexing
- * using approximate nearest-neighbour search in high-dimensional spaces", 1997), compute at most so many distances, and
- * find the nearest of those. Any number of threads may search a tree at once. */
+/* Searches a tree for `query`. invLenQuery must be as right as the tree's. maxChecks of 0 finds exactly what
+ * rvkLinearSearch8x36s8 finds. Others visit the leaves in the order of their least possible distances (J. Beis and D.
+ * Lowe, "Shape indexing using approximate nearest-neighbour search in high-dimensional spaces", 1997), compute at most
+ * so many distances, and find the nearest of those. Any number of threads may search a tree at once. */
 RVK_API rvkStatus rvkKDTreeQuery36s8f32(const rvkKDTree36s8f32* tree, const int8_t* query, float32_t invLenQuery,
                                         float32_t maxDistance, uint32_t maxChecks, uint32_t capacity, uint32_t* count,
                                         uint32_t* indices, float32_t* distances);
 
-/* Descriptors in the order that rvkLinearSearch8x36s8 wants: 288 bytes for each eight of them or part of eight, the
- * same in every mode. vectorCount may be 0. */
+/* Descriptors in the order that rvkLinearSearch8x36s8 wants: `prepared` gets 288 bytes for each eight of them or part
+ * of eight, the same in every mode. vectorCount may be 0. */
 RVK_API rvkStatus rvkLinearSearchPrepare8x36s8(const int8_t* vectors, uint32_t vectorCount, int8_t* prepared);
 
 /* Searches all prepared descriptors. Inverse lengths are used as they are given. vectorCount may be 0. */
@@ -107,7 +108,7 @@ RVK_API rvkStatus rvkKMeansTreeSearch36x10s8(const int8_t* centers, const uint32
  *
  * C. Cortes and V. Vapnik, "Support-vector networks" (1995), with two classes:
  *
- *     decisions[s] = bias + sum of coefs[i] * K(v_i, x_s) over all support vectors v_i
+ *     decisions[s] = bias + sum of coefs[i] * K(v_i, x_s) over all supportVectors v_i, of samples x_s
  *     labels[s]    = 1 where that is above 0, else -1; labels may be null
  *
  *     RAVIK_SVM_LINEAR   K = v.x
