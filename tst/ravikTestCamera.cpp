@@ -67,7 +67,7 @@ const FunctionGroup& calibrateFunctions()
 const FunctionGroup& poseRefineFunctions()
 {
     const std::vector<Argument> seen = pointPairs(3, kWorld, {{-0.01, 0.01}}, see);
-    const Argument pose = near(kPose, 0.05), updated = arguments::updated.ofSize(12).within(pose.ranges);
+    const Argument pose = near(kPose, 0.05), poseInPlace = updated.ofSize(12).within(pose.ranges);
     const Argument steps = oneOf({10, 0, 1, 50}).limited(), epsilon = oneOf({1e-4, 0, 1}).refusing({-1});
     const Argument huber = oneOf({0.01, 1, 1e30}).refusing({0, -1});
     // So many that enough are left when the mask leaves out half of them.
@@ -87,8 +87,8 @@ const FunctionGroup& poseRefineFunctions()
             RVK_TEST_WITH_PAIRS("rvkGeomPoseRefinef32", rvkGeomPoseRefineGNf32, seen, pose, steps, epsilon,
                                 dst.ofSize(12))
                 .keeps(fitting),
-            RVK_TEST_WITH_PAIRS("rvkGeomPoseRefinef32", rvkGeomPoseOptimizeGNf32, seen, huber, steps, epsilon, updated,
-                                value.orNull(), value.orNull())
+            RVK_TEST_WITH_PAIRS("rvkGeomPoseRefinef32", rvkGeomPoseOptimizeGNf32, seen, huber, steps, epsilon,
+                                poseInPlace, value.orNull(), value.orNull())
                 .keeps(fitting),
         }};
     return group;
