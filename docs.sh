@@ -19,8 +19,8 @@ headers=$(sed -n 's,^#include "\(.*\)",include/ravik/\1,p' include/ravik/ravik.h
 RAVIK_GALLERY=build/docs/gallery doxygen - <<EOF || exit 1
 @INCLUDE = docs/Doxyfile
 PROJECT_NUMBER = $(sed -n 's/^project(ravik VERSION \([0-9.]*\).*/\1/p' CMakeLists.txt)
-INPUT = README.md docs/fromOpenCV.md docs/instructionSets.md docs/conventions.md docs/building.md docs/frame.md \
-    docs/ravikTest.md docs/functions.md docs/hog.md HACKING.md CHANGELOG.md $(echo $headers)
+INPUT = README.md docs/fromOpenCV.md docs/instructionSets.md docs/conventions.md docs/python.md docs/building.md \
+    docs/frame.md docs/ravikTest.md docs/functions.md docs/hog.md HACKING.md CHANGELOG.md $(echo $headers)
 IMAGE_PATH = build/docs/gallery docs
 OUTPUT_DIRECTORY = build/docs
 EOF

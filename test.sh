@@ -3,8 +3,9 @@
 #
 #   ./test.sh          host, sanitizers, 32-bit Arm as clang builds it, under emulation
 #   ./test.sh --all    also the format, clang on the host, the Android compile check, 32-bit Arm as g++ builds it, AArch64,
-#                      the thread sanitizer, bounded fuzzing, the report page in a browser, the reference
+#                      the thread sanitizer, bounded fuzzing, the report page in a browser, the reference, Python
 #   ./test.sh STEP...  only these: host asan arm-clang format clang android arm aarch64 tsan fuzz report docs
+#                      python
 #
 # --fuzz-seconds N, before these, gives each fuzz target N seconds instead of 60.
 # The last line says how many tests passed and failed; what a failed one printed is above it and in build/logs.
@@ -19,7 +20,7 @@ cd "$root" || exit 1
 
 fuzzSeconds=60
 usual="host asan arm-clang"
-extra="format clang android arm aarch64 tsan fuzz report docs"
+extra="format clang android arm aarch64 tsan fuzz report docs python"
 
 passed=0
 failed=0
@@ -199,6 +200,34 @@ docs()
     one "docs: the reference, without a warning" ./docs.sh
 }
 
+pythonPackage() # installs it into an environment of its own, as users do, next to Debian's packages
+{
+    rm -rf build/pythonEnvironment
+    /usr/bin/python3 -m venv --system-site-packages build/pythonEnvironment &&
+        RAVIK_CMAKE_ARGS="-DRAVIK_WERROR=ON ${RAVIK_CMAKE_ARGS-}" \
+            build/pythonEnvironment/bin/pip install --quiet --no-index --no-deps --no-build-isolation .
+}
+pythonTests() { (cd python/tests && "$root/build/pythonEnvironment/bin/python" -m pytest -q -p no:cacheprovider .); }
+pythonExamples() # each makes its pictures
+{
+    local example
+    for example in python/examples/*.py; do
+        build/pythonEnvironment/bin/python "$example" build/pythonExamples || return
+    done
+}
+pythonTypes()
+{
+    MYPYPATH=$(echo build/pythonEnvironment/lib/python3*/site-packages) /usr/bin/python3 -m mypy --disallow-untyped-defs --ignore-missing-imports \
+        --cache-dir build/mypy python/examples/*.py
+}
+python()
+{
+    one "python: pip install ." pythonPackage || return
+    one "python: tests" pythonTests
+    one "python: examples" pythonExamples
+    one "python: types of the examples" pythonTypes
+}
+
 needs() # STEP
 {
     local googletest=/usr/src/googletest/CMakeLists.txt:googletest
@@ -207,6 +236,15 @@ needs() # STEP
     tsan) needBuildTools $googletest ;;
     report) needBuildTools $googletest chromium:chromium && needReport ;;
     docs) needBuildTools $googletest doxygen:doxygen /usr/include/png.h:libpng-dev python3:python3 ;;
+    python)
+        needBuildTools python3:python3 /usr/lib/python3/dist-packages/numpy:python3-numpy \
+            /usr/lib/python3/dist-packages/cffi:python3-cffi '/usr/include/python3*/Python.h:python3-dev' \
+            /usr/lib/python3/dist-packages/setuptools:python3-setuptools \
+            /usr/lib/python3/dist-packages/wheel:python3-wheel /usr/lib/python3/dist-packages/pip:python3-pip \
+            '/usr/lib/python3.*/ensurepip:python3-venv' /usr/lib/python3/dist-packages/pytest:python3-pytest \
+            /usr/lib/python3/dist-packages/distributed:python3-distributed \
+            /usr/lib/python3/dist-packages/mypy:mypy
+        ;;
     format) need clang-format-14:clang-format-14 ;;
     arm) needBuildTools $googletest && needArm ;;
     arm-clang) needBuildTools $googletest clang++-14:clang-14 && needArm ;;

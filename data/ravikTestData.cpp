@@ -1,6 +1,7 @@
 // ravikTestData OUTDIR [--resolutions N]: writes the test-data directory of ravikTest.
-// ravikTestData --functions: prints docs/functions.md.
+// ravikTestData --functions: prints docs/functions.md; --python: python/src/ravik/pictures.txt.
 #include "functionsPage.h"
+#include "pythonTable.h"
 #include "testDataWriter.h"
 
 #include <cstdio>
@@ -12,7 +13,8 @@ namespace {
 
 int usage()
 {
-    fprintf(stderr, "USAGE: ravikTestData OUTDIR [--resolutions N], N = 0..%zu\n       ravikTestData --functions\n",
+    fprintf(stderr,
+            "USAGE: ravikTestData OUTDIR [--resolutions N], N = 0..%zu\n       ravikTestData --functions | --python\n",
             kProfilingResolutions);
     return 2;
 }
@@ -24,6 +26,8 @@ int main(int argc, char** argv)
     size_t resolutions = kProfilingResolutions;
     if (argc == 2 && strcmp(argv[1], "--functions") == 0)
         return fputs(functionsPage().c_str(), stdout) < 0;
+    if (argc == 2 && strcmp(argv[1], "--python") == 0)
+        return fputs(pythonTable().c_str(), stdout) < 0;
     if (argc == 4 && strcmp(argv[2], "--resolutions") == 0) {
         char* end;
         resolutions = strtoul(argv[3], &end, 10);

@@ -4,6 +4,7 @@
 #include "functionsPage.h"
 #include "groups.h"
 #include "inputFile.h"
+#include "pythonTable.h"
 #include "settings.h"
 #include "support/harnessRun.h"
 #include "support/logCapture.h"
@@ -80,6 +81,12 @@ TEST(FunctionsPage, IsThatOfTheDescriptors)
 {
     EXPECT_TRUE(readFile(RVK_SOURCE_DIR "/docs/functions.md") == functionsPage())
         << "docs/functions.md is out of date: ravikTestData --functions > docs/functions.md";
+}
+
+TEST(PythonTable, IsThatOfTheDescriptors)
+{
+    EXPECT_TRUE(readFile(RVK_SOURCE_DIR "/python/src/ravik/pictures.txt") == pythonTable())
+        << "python/src/ravik/pictures.txt is out of date: ravikTestData --python > python/src/ravik/pictures.txt";
 }
 
 TEST(GuideToRavikTest, ListsTheGroupsInTheOrderInWhichTheyRun)

@@ -1,0 +1,16 @@
+/* What the Python module needs besides the library. */
+#ifndef RAVIK_PYTHON_MODULE_SUPPORT_H
+#define RAVIK_PYTHON_MODULE_SUPPORT_H
+
+#include <stddef.h>
+#include <stdint.h>
+
+/* Whether the library has logged an error in this thread since ravikTakeLog, which gives the last one and forgets it. */
+int ravikHasLogged(void);
+void ravikTakeLog(char* text, size_t size);
+
+/* How two pieces of memory lie. */
+enum { RAVIK_APART, RAVIK_SAME_MEMORY, RAVIK_OVERLAPPING };
+int ravikOverlap(const void* a, size_t sizeOfA, const void* b, size_t sizeOfB);
+
+#endif

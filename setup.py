@@ -1,0 +1,48 @@
+"""Builds the library and the Python package ravik with it: pip install ."""
+import os
+import shutil
+import subprocess
+import sys
+from pathlib import Path
+
+from setuptools import setup
+from setuptools.command.build_ext import build_ext
+
+ROOT = Path(__file__).resolve().parent
+sys.path.insert(0, str(ROOT / "python" / "module"))
+import buildRavik  # noqa: E402
+
+
+class BuildWithLibrary(build_ext):
+    """Links the C module with the archive of the library, and puts beside it what Python reads of the headers."""
+
+    def run(self):
+        build = ROOT / "build" / "python"
+        generator = ["-G", "Ninja"] if shutil.which("ninja") else []
+        subprocess.check_call(["cmake", "-S", str(ROOT), "-B", str(build), *generator, "-DCMAKE_BUILD_TYPE=Release",
+                               "-DRAVIK_BUILD_TESTS=OFF", "-DRAVIK_BUILD_BENCH=OFF", "-DRAVIK_BUILD_EXAMPLES=OFF",
+                               "-DRAVIK_TEST_DATA=OFF", *os.environ.get("RAVIK_CMAKE_ARGS", "").split()])
+        subprocess.check_call(["cmake", "--build", str(build), "--target", "ravikStatic", "-j", str(os.cpu_count())])
+        for extension in self.extensions:
+            extension.extra_objects = [str(build / "libravik.a")]
+            extension.depends = extension.extra_objects
+        super().run()
+        package = Path(self.get_ext_fullpath("ravik._ravik")).parent
+        buildRavik.write_declarations(package)
+        subprocess.check_call([sys.executable, str(ROOT / "python" / "module" / "makeStubs.py"), str(package)],
+                              env={**os.environ, "PYTHONPATH": str(package.parent)})
+
+
+setup(
+    name="ravik",
+    version=buildRavik.version(),
+    description="Computer vision on NumPy arrays",
+    python_requires=">=3.9",
+    packages=["ravik"],
+    package_dir={"": "python/src"},
+    package_data={"ravik": ["*.txt", "py.typed"]},
+    install_requires=["numpy", "cffi>=1.15"],
+    cffi_modules=["python/module/buildRavik.py:ffi"],
+    cmdclass={"build_ext": BuildWithLibrary},
+    zip_safe=False,
+)

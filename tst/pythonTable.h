@@ -1,0 +1,6 @@
+// python/src/ravik/pictures.txt, made from the descriptors of the test groups.
+#pragma once
+
+#include <string>
+
+std::string pythonTable();
