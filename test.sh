@@ -200,11 +200,12 @@ docs()
     one "docs: the reference, without a warning" ./docs.sh
 }
 
-pythonPackage() # installs it into an environment of its own, as users do, next to Debian's packages
+pythonPackage() # installs it into an environment of its own, as users do, next to Debian's packages; with one
+                # instruction set, since all of them are tested elsewhere
 {
     rm -rf build/pythonEnvironment
     /usr/bin/python3 -m venv --system-site-packages build/pythonEnvironment &&
-        RAVIK_CMAKE_ARGS="-DRAVIK_WERROR=ON ${RAVIK_CMAKE_ARGS-}" \
+        RAVIK_CMAKE_ARGS="-DRAVIK_WERROR=ON -DRAVIK_INSTRUCTION_SETS=$(instructionSets | tail -n 1)" \
             build/pythonEnvironment/bin/pip install --quiet --no-index --no-deps --no-build-isolation .
 }
 pythonTests() { (cd python/tests && "$root/build/pythonEnvironment/bin/python" -m pytest -q -p no:cacheprovider .); }
@@ -217,8 +218,8 @@ pythonExamples() # each makes its pictures
 }
 pythonTypes()
 {
-    MYPYPATH=$(echo build/pythonEnvironment/lib/python3*/site-packages) /usr/bin/python3 -m mypy --disallow-untyped-defs --ignore-missing-imports \
-        --cache-dir build/mypy python/examples/*.py
+    MYPYPATH=$(echo build/pythonEnvironment/lib/python3*/site-packages) /usr/bin/python3 -m mypy \
+        --disallow-untyped-defs --ignore-missing-imports --cache-dir build/mypy python/examples/*.py
 }
 python()
 {
