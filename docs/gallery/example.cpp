@@ -28,6 +28,7 @@ const Numbers kNumbers[] = {
     {"rvkAddScalar", {60}},
     {"rvkAddWeightedu8", {0.5, 0.5}},
     {"rvkConvertDepths16u8", {RAVIK_POLICY_SATURATE, 0}},
+    {"rvkCopyRotated", {50, 32, 30}},
     {"rvkDrawContour", {6, 2, 250, 220, 60}},
     {"rvkEdgeWeighting", {6, 800, 255}},
     {"rvkFillConvexPolyu8", {24, 230}},
@@ -70,8 +71,8 @@ const Contents kContents[] = {
 };
 
 // Whose pictures are lists of numbers, too small to be looked at.
-const std::string_view kLists[] = {"rvkClusterEuclidean", "rvkExtractHOG", "rvkImageSpatialHistogram",
-                                   "rvkMatrixMultiply", "rvkVecNormalize"};
+const std::string_view kLists[] = {"rvkClusterEuclidean",      "rvkExtractHOG",     "rvkImageIntensityHistogram",
+                                   "rvkImageSpatialHistogram", "rvkMatrixMultiply", "rvkVecNormalize"};
 
 // What undoes another function shows what that one makes of the scene.
 struct Inverse
@@ -123,9 +124,16 @@ bool isSource(const Argument& a)
     return (a.role == Role::source || a.role == Role::updated) && a.isOfPixels() && !a.isList && !a.columns;
 }
 
+// The side of a patch of fixed size that is written; 0 where it is none.
+uint32_t sideOfPatch(const Argument& a)
+{
+    const auto side = static_cast<uint32_t>(std::lround(std::sqrt(a.fixedSize)));
+    return a.role == Role::destination && !a.isList && side >= 8 && side * side == a.fixedSize ? side : 0;
+}
+
 bool isShown(const Argument& a)
 {
-    return a.isResult() && a.isOfPixels() && !a.isList && !a.columns;
+    return sideOfPatch(a) || (a.isResult() && a.isOfPixels() && !a.isList && !a.columns);
 }
 
 // Of the only source, or destination, of two bytes a pixel.
@@ -286,7 +294,8 @@ void Example::layOut()
         const Argument& a = m_function.arguments[i];
         if (!a.isImage())
             continue;
-        const ImageSize size = a.usedIn(sizes);
+        const uint32_t side = sideOfPatch(a);
+        const ImageSize size = side ? ImageSize{side, side} : a.usedIn(sizes);
         m_images.push_back({.argument = i,
                             .width = static_cast<uint32_t>(size.columns),
                             .height = static_cast<uint32_t>(size.rows),

@@ -14,6 +14,7 @@
 #include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <set>
 
 int main(int argc, char** argv)
 {
@@ -28,18 +29,19 @@ int main(int argc, char** argv)
     }
     const std::filesystem::path directory = argv[1];
     std::filesystem::create_directories(directory);
+    std::set<std::string> done;
     int failures = 0;
     for (const FunctionTest* function : allFunctions()) {
-        if (!Example::isPossible(*function) || function->name != function->function)
-            continue;
+        if (!Example::isPossible(*function) || !done.insert(function->function).second)
+            continue; // the first of its variants
         const Example example(*function);
         if (!example.succeeded()) {
-            fprintf(stderr, "%s refuses its example\n", function->name.c_str());
+            fprintf(stderr, "%s refuses its example\n", function->function.c_str());
             failures++;
             continue;
         }
-        writePng(directory / (function->name + ".png"), example.picture());
-        std::ofstream numbers(directory / (function->name + ".txt"));
+        writePng(directory / (function->function + ".png"), example.picture());
+        std::ofstream numbers(directory / (function->function + ".txt"));
         numbers << function->arguments.size() << '\n';
         for (const auto& [argument, number] : example.numbers())
             numbers << argument << ' ' << number << '\n';
