@@ -7,6 +7,7 @@
 #include <cfloat>
 #include <cmath>
 #include <optional>
+#include <type_traits>
 #include <utility>
 
 namespace rvk {
@@ -376,6 +377,9 @@ namespace {
 
 // n equations: rows of A, each followed by its element of b; then the number of each unknown, and the solution. Of
 // symmetric matrices only what is from the diagonal on is used; the lower triangle is turned there.
+//
+// There is code of its own for as many as `fixed`, if that is not 0.
+template <uint32_t fixed>
 class Equations
 {
 public:
@@ -387,52 +391,52 @@ public:
     {
         Largest left, right;
         double* to = row(0);
-        for (uint32_t i = 0; i < m_n; ++i, to += m_rows.rowSize()) {
+        for (uint32_t i = 0; i < count(); ++i, to += rowSize()) {
             const float* const from = a.row(i);
-            for (uint32_t j = 0; j < m_n; ++j)
+            for (uint32_t j = 0; j < count(); ++j)
                 to[j] = left.take(from[j]);
-            to[m_n] = right.take(b[i]);
+            to[count()] = right.take(b[i]);
         }
-        m_bound = left.boundOfPivots(m_n);
+        m_bound = left.boundOfPivots(count());
         return left.isFinite() && right.isFinite();
     }
     bool takeSymmetric(Plane<const float> a, const float* b)
     {
         Largest left, right;
-        for (uint32_t i = 0; i < m_n; ++i) {
+        for (uint32_t i = 0; i < count(); ++i) {
             const float* const from = a.row(i);
             double* to = row(0) + i;
-            for (uint32_t j = 0; j <= i; ++j, to += m_rows.rowSize())
+            for (uint32_t j = 0; j <= i; ++j, to += rowSize())
                 *to = left.take(from[j]);
             clear(row(i), stepOf(i), i);
-            row(i)[m_n] = right.take(b[i]);
+            row(i)[count()] = right.take(b[i]);
         }
-        m_bound = left.boundOfPivots(m_n);
+        m_bound = left.boundOfPivots(count());
         return left.isFinite() && right.isFinite();
     }
 
     // These make the matrix one of zeros below the diagonal, which becomes its reciprocals; false when it is singular.
     bool eliminate()
     {
-        for (uint32_t k = 0; k < m_n; ++k) {
+        for (uint32_t k = 0; k < count(); ++k) {
             double* const pivot = row(k);
             double* largest = pivot;
-            for (double* r = pivot + m_rows.rowSize(); r < row(m_n); r += m_rows.rowSize())
+            for (double* r = pivot + rowSize(); r < row(count()); r += rowSize())
                 largest = std::fabs(r[k]) > std::fabs(largest[k]) ? r : largest;
             if (!(std::fabs(largest[k]) > m_bound))
                 return false;
             if (largest != pivot)
-                std::swap_ranges(pivot + k, pivot + m_n + 1, largest + k);
+                std::swap_ranges(pivot + k, pivot + count() + 1, largest + k);
             const double reciprocal = 1 / pivot[k];
-            for (double* r = pivot + m_rows.rowSize(); r < row(m_n); r += m_rows.rowSize())
-                subtract(r, r[k] * reciprocal, pivot, k + 1, m_n + 1);
+            for (double* r = pivot + rowSize(); r < row(count()); r += rowSize())
+                subtract(r, r[k] * reciprocal, pivot, k + 1, count() + 1);
             pivot[k] = reciprocal;
         }
         return true;
     }
     bool eliminateDefinite()
     {
-        for (uint32_t k = 0; k < m_n; ++k) {
+        for (uint32_t k = 0; k < count(); ++k) {
             if (!(row(k)[k] > m_bound))
                 return false;
             eliminateBelow(k);
@@ -441,9 +445,9 @@ public:
     }
     bool eliminateSymmetric()
     {
-        for (uint32_t i = 0; i < m_n; ++i)
+        for (uint32_t i = 0; i < count(); ++i)
             numbers()[i] = i;
-        for (uint32_t k = 0; k < m_n;) {
+        for (uint32_t k = 0; k < count();) {
             const bool isPair = choosePivot(k);
             if (!(isPair ? std::fabs(determinant(k)) > m_bound * m_bound : std::fabs(row(k)[k]) > m_bound))
                 return false;
@@ -460,33 +464,35 @@ public:
     bool solve()
     {
         double* const x = solution();
-        for (uint32_t i = 0; i < m_n; ++i)
-            x[i] = row(i)[m_n];
-        for (uint32_t i = m_n; i-- > 0;) {
+        for (uint32_t i = 0; i < count(); ++i)
+            x[i] = row(i)[count()];
+        for (uint32_t i = count(); i-- > 0;) {
             const double found = x[i] *= row(i)[i];
             const double* r = row(0) + i;
-            for (uint32_t j = 0; j < i; ++j, r += m_rows.rowSize())
+            for (uint32_t j = 0; j < i; ++j, r += rowSize())
                 x[j] -= *r * found;
         }
-        return fitFloats(x, m_n);
+        return fitFloats(x, count());
     }
 
     // Of the matrix as it was, and of one whose rows and columns were exchanged.
     void store(float32_t* x) const
     {
-        for (uint32_t i = 0; i < m_n; ++i)
+        for (uint32_t i = 0; i < count(); ++i)
             x[i] = static_cast<float>(solution()[i]);
     }
     void storeInOrder(float32_t* x) const
     {
-        for (uint32_t i = 0; i < m_n; ++i)
+        for (uint32_t i = 0; i < count(); ++i)
             x[static_cast<uint32_t>(numbers()[i])] = static_cast<float>(solution()[i]);
     }
 
 private:
-    double* row(size_t i) const { return m_rows.row(i); }
-    double* numbers() const { return row(m_n); }
-    double* solution() const { return row(size_t{m_n} + 1); }
+    uint32_t count() const { return fixed ? fixed : m_n; }
+    size_t rowSize() const { return fixed ? wholeSteps(fixed + 1) : m_rows.rowSize(); }
+    double* row(size_t i) const { return m_rows.row(0) + i * rowSize(); }
+    double* numbers() const { return row(count()); }
+    double* solution() const { return row(size_t{count()} + 1); }
 
     // ---- of symmetric matrices: what is right of a pivot is what is below it ----
 
@@ -494,9 +500,9 @@ private:
     {
         double* const pivot = row(k);
         const double reciprocal = 1 / pivot[k];
-        double* r = pivot + m_rows.rowSize();
-        for (uint32_t i = k + 1; i < m_n; ++i, r += m_rows.rowSize())
-            subtract(r, pivot[i] * reciprocal, pivot, i, m_n + 1);
+        double* r = pivot + rowSize();
+        for (uint32_t i = k + 1; i < count(); ++i, r += rowSize())
+            subtract(r, pivot[i] * reciprocal, pivot, i, count() + 1);
         pivot[k] = reciprocal;
     }
 
@@ -506,14 +512,14 @@ private:
     {
         double *const first = row(k), *const second = row(k + 1);
         const double a = first[k], b = first[k + 1], c = second[k + 1], reciprocal = 1 / determinant(k);
-        for (uint32_t i = k + 2; i < m_n; ++i) {
+        for (uint32_t i = k + 2; i < count(); ++i) {
             const double p = first[i], q = second[i];
-            subtract(row(i), (p * c - q * b) * reciprocal, first, i, m_n + 1);
-            subtract(row(i), (q * a - p * b) * reciprocal, second, i, m_n + 1);
+            subtract(row(i), (p * c - q * b) * reciprocal, first, i, count() + 1);
+            subtract(row(i), (q * a - p * b) * reciprocal, second, i, count() + 1);
         }
         // The pair itself: the second equation comes first, for b is larger than a.
         const double factor = a / b;
-        for (uint32_t j = k + 1; j <= m_n; ++j) {
+        for (uint32_t j = k + 1; j <= count(); ++j) {
             const double ofFirst = first[j];
             first[j] = second[j];
             second[j] = ofFirst - factor * second[j];
@@ -545,7 +551,7 @@ private:
     {
         double largest = -1;
         uint32_t where = i;
-        for (uint32_t j = first; j < m_n; ++j)
+        for (uint32_t j = first; j < count(); ++j)
             if (const double magnitude = std::fabs(j < i ? row(j)[i] : row(i)[j]); j != i && magnitude > largest) {
                 largest = magnitude;
                 where = j;
@@ -563,7 +569,7 @@ private:
         std::swap(row(p)[p], row(q)[q]);
         for (uint32_t i = p + 1; i < q; ++i)
             std::swap(row(p)[i], row(i)[q]);
-        std::swap_ranges(row(p) + q + 1, row(p) + m_n + 1, row(q) + q + 1);
+        std::swap_ranges(row(p) + q + 1, row(p) + count() + 1, row(q) + q + 1);
         std::swap(numbers()[p], numbers()[q]);
     }
 
@@ -571,6 +577,23 @@ private:
     const Matrix m_rows;
     double m_bound = 0;
 };
+
+// solve(size) with the number of equations as a constant where that pays: three take half of the time then. With 0
+// otherwise.
+template <class Solve>
+rvkStatus bySize(uint32_t n, Solve solve)
+{
+    switch (n) {
+    case 2:
+        return solve(std::integral_constant<uint32_t, 2>{});
+    case 3:
+        return solve(std::integral_constant<uint32_t, 3>{});
+    case 4:
+        return solve(std::integral_constant<uint32_t, 4>{});
+    default:
+        return solve(std::integral_constant<uint32_t, 0>{});
+    }
+}
 
 // As many equations as `height`, of fewer unknowns: the columns of A, then b, the normal of a reflection, and of each
 // column the number of its unknown and the square of what is below the rows that are done.
@@ -688,35 +711,41 @@ rvkStatus rvkSolvef32C(const float32_t* A, uint32_t width, uint32_t height, uint
 
 rvkStatus rvkSolveLUf32C(const float32_t* A, uint32_t n, uint32_t aStride, const float32_t* b, float32_t* x)
 {
-    Equations equations(n);
-    if (!equations)
-        return RAVIK_ENORES;
-    if (!equations.take(Plane{A, aStride}, b) || !equations.eliminate() || !equations.solve())
-        return RAVIK_EFAIL;
-    equations.store(x);
-    return RAVIK_SUCCESS;
+    return bySize(n, [&](auto size) {
+        Equations<size> equations(n);
+        if (!equations)
+            return RAVIK_ENORES;
+        if (!equations.take(Plane{A, aStride}, b) || !equations.eliminate() || !equations.solve())
+            return RAVIK_EFAIL;
+        equations.store(x);
+        return RAVIK_SUCCESS;
+    });
 }
 
 rvkStatus rvkSolveCholeskyf32C(const float32_t* A, uint32_t n, uint32_t aStride, const float32_t* b, float32_t* x)
 {
-    Equations equations(n);
-    if (!equations)
-        return RAVIK_ENORES;
-    if (!equations.takeSymmetric(Plane{A, aStride}, b) || !equations.eliminateDefinite() || !equations.solve())
-        return RAVIK_EFAIL;
-    equations.store(x);
-    return RAVIK_SUCCESS;
+    return bySize(n, [&](auto size) {
+        Equations<size> equations(n);
+        if (!equations)
+            return RAVIK_ENORES;
+        if (!equations.takeSymmetric(Plane{A, aStride}, b) || !equations.eliminateDefinite() || !equations.solve())
+            return RAVIK_EFAIL;
+        equations.store(x);
+        return RAVIK_SUCCESS;
+    });
 }
 
 rvkStatus rvkSolveLDLf32C(const float32_t* A, uint32_t n, uint32_t aStride, const float32_t* b, float32_t* x)
 {
-    Equations equations(n);
-    if (!equations)
-        return RAVIK_ENORES;
-    if (!equations.takeSymmetric(Plane{A, aStride}, b) || !equations.eliminateSymmetric() || !equations.solve())
-        return RAVIK_EFAIL;
-    equations.storeInOrder(x);
-    return RAVIK_SUCCESS;
+    return bySize(n, [&](auto size) {
+        Equations<size> equations(n);
+        if (!equations)
+            return RAVIK_ENORES;
+        if (!equations.takeSymmetric(Plane{A, aStride}, b) || !equations.eliminateSymmetric() || !equations.solve())
+            return RAVIK_EFAIL;
+        equations.storeInOrder(x);
+        return RAVIK_SUCCESS;
+    });
 }
 
 } // namespace rvk
