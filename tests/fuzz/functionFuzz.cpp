@@ -304,7 +304,7 @@ public:
             std::copy(image.before.begin(), image.before.end(), image.data);
         fuzz::logLines = 0;
         const Outcome outcome = m_case.function.call(m_case.values);
-        const bool refused = m_case.function.hasStatus ? outcome.status != RAVIK_SUCCESS : fuzz::logLines > 0;
+        const bool refused = isRefusal(outcome);
         require(refused || !m_case.mustBeRefused, "what cannot be done is refused");
         for (const Image& image : m_case.images)
             if (refused || !image.descriptor->isOutput())
@@ -313,6 +313,14 @@ public:
             else
                 require(gapsAreUntouched(image), "nothing is written between rows");
         return outcome;
+    }
+
+    // What returns 0 without a word may have found nothing, too.
+    bool isRefusal(const Outcome& outcome) const
+    {
+        if (m_case.function.hasStatus)
+            return outcome.status != RAVIK_SUCCESS;
+        return m_case.function.isSilent ? m_case.mustBeRefused && outcome.count == 0 : fuzz::logLines > 0;
     }
 
     std::vector<std::vector<uint8_t>> outputs() const
