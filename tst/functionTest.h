@@ -481,6 +481,7 @@ struct Contract
     bool takesSmallPictures = false;  // smaller than a window that is an argument
     bool logs = false;                // refusals, although it has a status; functions without one do
     bool writesNothing = false;       // whatever the picture
+    bool failsInPart = false;         // RAVIK_EFAIL says that some of the results are none
     bool refusesOverlap = false;      // of images, but for a destination that is the source where that is allowed
     std::optional<OffloadRule> dspRule{}, gpuRule{};
 
@@ -540,6 +541,10 @@ struct Contract
     Contract writingNothing() const
     {
         return changed([](Contract& c) { c.writesNothing = true; });
+    }
+    Contract failingInPart() const
+    {
+        return changed([](Contract& c) { c.failsInPart = true; });
     }
     Contract onDsp(const OffloadRule& rule) const
     {

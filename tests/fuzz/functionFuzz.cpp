@@ -319,7 +319,8 @@ public:
     bool isRefusal(const Outcome& outcome) const
     {
         if (m_case.function.hasStatus)
-            return outcome.status != RAVIK_SUCCESS;
+            return outcome.status != RAVIK_SUCCESS &&
+                   !(m_case.function.contract.failsInPart && outcome.status == RAVIK_EFAIL);
         return m_case.function.isSilent ? m_case.mustBeRefused && outcome.count == 0 : fuzz::logLines > 0;
     }
 
