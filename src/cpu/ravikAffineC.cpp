@@ -1,5 +1,6 @@
 // C references of the transforms.
 #include "cpu/ravikAffineC.h"
+#include "cpu/finite.h"
 #include "cpu/image.h"
 #include "functions.h"
 #include "log.h"
@@ -311,18 +312,6 @@ rvkStatus rvk3ChannelTransformAffineClippedBCu8C(const uint8_t* src, uint32_t sr
 
 namespace {
 
-// Writes the numbers as floats, or nothing when one of them is not finite then.
-template <size_t count>
-rvkStatus storeFinite(const double (&values)[count], float* dst)
-{
-    for (const double value : values)
-        if (!std::isfinite(static_cast<float>(value)))
-            return RAVIK_EFAIL;
-    for (size_t i = 0; i < count; ++i)
-        dst[i] = static_cast<float>(values[i]);
-    return RAVIK_SUCCESS;
-}
-
 using Matrix = double[3][3];
 
 void multiply(const Matrix& a, const Matrix& b, Matrix& product)
@@ -400,7 +389,7 @@ rvkStatus rvkGetPerspectiveTransformf32C(const float32_t* src, const float32_t* 
     double elements[9];
     for (int i = 0; i < 9; ++i)
         elements[i] = map[i / 3][i % 3] / map[2][2];
-    return storeFinite(elements, matrix);
+    return storeFinite(elements, matrix) ? RAVIK_SUCCESS : RAVIK_EFAIL;
 }
 
 rvkStatus rvkInvertAffineTransformf32C(const float32_t* matrix, float32_t* inverse)
@@ -409,9 +398,9 @@ rvkStatus rvkInvertAffineTransformf32C(const float32_t* matrix, float32_t* inver
     const double determinant = a * d - b * c;
     if (determinant == 0)
         return RAVIK_EFAIL;
-    return storeFinite({d / determinant, -b / determinant, (b * y - d * x) / determinant, -c / determinant,
-                        a / determinant, (c * x - a * y) / determinant},
-                       inverse);
+    const double elements[] = {d / determinant,  -b / determinant, (b * y - d * x) / determinant,
+                               -c / determinant, a / determinant,  (c * x - a * y) / determinant};
+    return storeFinite(elements, inverse) ? RAVIK_SUCCESS : RAVIK_EFAIL;
 }
 
 // ---- depth ----------------------------------------------------------------------------------------------------------

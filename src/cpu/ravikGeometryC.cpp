@@ -1,5 +1,8 @@
 // C references of maps fitted to correspondences.
 #include "cpu/ravikGeometryC.h"
+
+#include "cpu/correspondences.h"
+#include "cpu/finite.h"
 #include "kernels.h"
 #include "scratch.h"
 
@@ -11,23 +14,6 @@
 namespace rvk {
 
 namespace {
-
-const float* pointAt(const float* points, uint32_t stride, size_t i)
-{
-    return points + i * (stride / sizeof(float));
-}
-const float* srcOf(const rvkaCorrespondences& pairs, size_t i)
-{
-    return pointAt(pairs.src, pairs.srcStride, i);
-}
-const float* dstOf(const rvkaCorrespondences& pairs, size_t i)
-{
-    return pointAt(pairs.dst, pairs.dstStride, i);
-}
-bool isChosen(const rvkaCorrespondences& pairs, size_t i)
-{
-    return !pairs.mask || pairs.mask[i];
-}
 
 // action(src, dst) for each pair that the mask has.
 template <class Action>
@@ -43,16 +29,6 @@ uint32_t countChosen(const rvkaCorrespondences& pairs)
     uint32_t count = 0;
     forEachChosen(pairs, [&](const float*, const float*) { ++count; });
     return count;
-}
-
-// Writes the numbers as floats, or nothing when one of them is not finite then.
-template <size_t count>
-bool storeFinite(const double (&values)[count], float* dst)
-{
-    if (!std::all_of(values, values + count, [](double value) { return std::fabs(value) <= FLT_MAX; }))
-        return false;
-    std::transform(values, values + count, dst, [](double value) { return static_cast<float>(value); });
-    return true;
 }
 
 } // namespace

@@ -1,4 +1,6 @@
 // C references of poses.
+#include "cpu/correspondences.h"
+#include "cpu/finite.h"
 #include "cpu/ravikCameraC.h"
 #include "functions.h"
 
@@ -59,21 +61,9 @@ Vector transformed(const PoseMatrix& pose, Vector point)
            translationOf(pose);
 }
 
-bool allFinite(const float* numbers, int count)
-{
-    return std::all_of(numbers, numbers + count, [](float number) { return std::isfinite(number); });
-}
-
-// Rounds to floats; false, and nothing is written, when one of them is not finite then.
 bool storeFinite(const PoseMatrix& pose, float* dst)
 {
-    float rounded[12];
-    for (int i = 0; i < 12; ++i)
-        rounded[i] = static_cast<float>(pose.m[i / 4][i % 4]);
-    if (!allFinite(rounded, 12))
-        return false;
-    std::copy_n(rounded, 12, dst);
-    return true;
+    return rvk::storeFinite(pose.m[0], 12, dst);
 }
 
 // ---- residuals ------------------------------------------------------------------------------------------------------
@@ -91,8 +81,7 @@ struct Seen
 
 Seen see(const rvkaCorrespondences& pairs, uint32_t i, const PoseMatrix& pose)
 {
-    const float* const from = pairs.src + i * size_t{pairs.srcStride / sizeof(float)};
-    const float* const to = pairs.dst + i * size_t{pairs.dstStride / sizeof(float)};
+    const float *const from = srcOf(pairs, i), *const to = dstOf(pairs, i);
     Seen seen;
     seen.q = transformed(pose, {from[0], from[1], from[2]});
     seen.x = seen.q.x / seen.q.z;
@@ -101,11 +90,6 @@ Seen see(const rvkaCorrespondences& pairs, uint32_t i, const PoseMatrix& pose)
     seen.bottom = seen.y - to[1];
     seen.isInFront = seen.q.z > 0 && std::fabs(seen.right) <= kLargestFloat && std::fabs(seen.bottom) <= kLargestFloat;
     return seen;
-}
-
-bool isUsed(const rvkaCorrespondences& pairs, uint32_t i)
-{
-    return !pairs.mask || pairs.mask[i];
 }
 
 } // namespace
@@ -122,7 +106,7 @@ rvkStatus rvkGeomPoseEvaluateErrorf32C(const rvkaCorrespondences* pairs, const f
             residuals[2 * size_t{i}] = seen.isInFront ? static_cast<float>(seen.right) : INFINITY;
             residuals[2 * size_t{i} + 1] = seen.isInFront ? static_cast<float>(seen.bottom) : INFINITY;
         }
-        if (isUsed(*pairs, i)) {
+        if (isChosen(*pairs, i)) {
             sum += seen.isInFront ? seen.squaredDistance() : INFINITY;
             ++count;
         }
@@ -237,7 +221,7 @@ double costOf(const rvkaCorrespondences& pairs, const PoseMatrix& pose, double h
 {
     double sum = 0;
     for (uint32_t i = 0; i < pairs.count; ++i) {
-        if (!isUsed(pairs, i))
+        if (!isChosen(pairs, i))
             continue;
         const Seen seen = see(pairs, i, pose);
         if (!seen.isInFront)
@@ -254,7 +238,7 @@ public:
     NormalEquations(const rvkaCorrespondences& pairs, const PoseMatrix& pose, double huber)
     {
         for (uint32_t i = 0; i < pairs.count; ++i)
-            if (isUsed(pairs, i))
+            if (isChosen(pairs, i))
                 add(see(pairs, i, pose), huber);
     }
 
@@ -341,7 +325,7 @@ bool search(const rvkaCorrespondences& pairs, double huber, uint32_t maxIteratio
     constexpr double kLeastGain = 0x1p-40; // of the cost
     uint32_t count = 0;
     for (uint32_t i = 0; i < pairs.count; ++i)
-        count += isUsed(pairs, i);
+        count += isChosen(pairs, i);
     if (count < kLeastPairs || (maxIterations && !orthonormalise(found.pose)))
         return false;
     found.cost = costOf(pairs, found.pose, huber);
@@ -663,7 +647,7 @@ private:
 rvkStatus rvkGeom3PointPoseEstimatef32C(const float32_t* points3D, const float32_t* points2D, float32_t* poses,
                                         uint32_t* numPoses)
 {
-    if (!allFinite(points3D, 9) || !allFinite(points2D, 6))
+    if (!areFinite(points3D, 9) || !areFinite(points2D, 6))
         return RAVIK_EFAIL;
     const ThreePoints points(points3D, points2D);
     if (points.areOnALine())

@@ -1,12 +1,10 @@
 // Lists of points, and cameras, in the arguments of the entries.
 #pragma once
 
+#include "cpu/finite.h"
 #include "dispatch.h"
 
 #include <ravik/correspondences.h>
-
-#include <algorithm>
-#include <cmath>
 
 namespace rvk {
 
@@ -34,11 +32,6 @@ inline bool arePairs(const rvkaCorrespondences& pairs, uint32_t srcPoint = kPoin
 {
     return arePoints(pairs.src, pairs.srcStride, pairs.count, srcPoint) &&
            arePoints(pairs.dst, pairs.dstStride, pairs.count, kPoint2);
-}
-
-inline bool areFinite(const float32_t* numbers, uint32_t count)
-{
-    return std::all_of(numbers, numbers + count, [](float32_t number) { return std::isfinite(number); });
 }
 
 // Focal lengths and a centre that a camera can have.

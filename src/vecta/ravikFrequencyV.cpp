@@ -506,35 +506,48 @@ RVK_INLINE void synthesiseRows(const HalfSpectra& spectra, size_t width, size_t 
     }
 }
 
+// What the transforms of a picture need.
+struct PicturePlan
+{
+    const LinePlan rows, columns;
+    const HalfSpectra spectra;
+    const RowBlock block;
+    const Scratch<float> column;
+
+    RVK_INLINE PicturePlan(uint32_t width, uint32_t height)
+        : rows(width), columns(height), spectra(width, height), block(width), column(height, 2 * kLines)
+    {
+    }
+    RVK_INLINE bool isReady() const
+    {
+        return rows.isReady && columns.isReady && spectra.re && spectra.im && block.isReady() && column;
+    }
+    RVK_INLINE Lines lines() const { return {column.get()}; }
+};
+
 } // namespace
 
 rvkStatus rvkFFTu8V(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride, float32_t* dst,
                     uint32_t dstStride)
 {
-    const LinePlan rows(srcWidth), columns(srcHeight);
-    const HalfSpectra spectra(srcWidth, srcHeight);
-    const RowBlock block(srcWidth);
-    const Scratch<float> column(srcHeight, 2 * kLines);
-    if (!rows.isReady || !columns.isReady || !spectra.re || !spectra.im || !block.isReady() || !column)
+    const PicturePlan plan(srcWidth, srcHeight);
+    if (!plan.isReady())
         return RAVIK_ENORES;
-    analyseRows({src, srcStride}, srcWidth, srcHeight, rows, block, spectra);
-    analyseColumns(spectra, srcWidth, srcHeight, columns, {column.get()}, {dst, dstStride});
+    analyseRows({src, srcStride}, srcWidth, srcHeight, plan.rows, plan.block, plan.spectra);
+    analyseColumns(plan.spectra, srcWidth, srcHeight, plan.columns, plan.lines(), {dst, dstStride});
     return RAVIK_SUCCESS;
 }
 
 rvkStatus rvkIFFTf32V(const float32_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride, uint8_t* dst,
                       uint32_t dstStride)
 {
-    const LinePlan rows(srcWidth), columns(srcHeight);
-    const HalfSpectra spectra(srcWidth, srcHeight);
-    const RowBlock block(srcWidth);
-    const Scratch<float> column(srcHeight, 2 * kLines);
-    if (!rows.isReady || !columns.isReady || !spectra.re || !spectra.im || !block.isReady() || !column)
+    const PicturePlan plan(srcWidth, srcHeight);
+    if (!plan.isReady())
         return RAVIK_ENORES;
     const Plane<uint8_t> out{dst, dstStride};
-    if (synthesiseColumns({src, srcStride}, srcWidth, srcHeight, columns, {column.get()}, spectra)) {
+    if (synthesiseColumns({src, srcStride}, srcWidth, srcHeight, plan.columns, plan.lines(), plan.spectra)) {
         const float scale = 1 / (static_cast<float>(srcWidth) * static_cast<float>(srcHeight));
-        synthesiseRows(spectra, srcWidth, srcHeight, rows, block, scale, out);
+        synthesiseRows(plan.spectra, srcWidth, srcHeight, plan.rows, plan.block, scale, out);
     } else {
         for (size_t y = 0; y < srcHeight; ++y)
             __builtin_memset(out.row(y), 0, srcWidth);
