@@ -28,8 +28,8 @@ typedef struct rvkBGCodeBookModel rvkBGCodeBookModel;
  * a row, which take as much as the one of them that has the most. */
 RVK_API rvkStatus rvkCreateBGCodeBookModel(uint32_t srcWidth, uint32_t srcHeight, rvkBGCodeBookModel** model);
 
-/* Sets learnBounds, the margins modMin and modMax of comparison, three numbers each, one for each channel, and how many
- * codewords a pixel may have, 1 to 255. Codewords stay as they are. */
+/* Sets learnBounds, the margins modMin and modMax of comparison, three numbers each, one for each channel, and
+ * maxCodewords, how many a pixel may have, 1 to 255. Codewords stay as they are. */
 RVK_API rvkStatus rvkConfigBGCodeBookModel(rvkBGCodeBookModel* model, const uint8_t* learnBounds, const uint8_t* modMin,
                                            const uint8_t* modMax, uint32_t maxCodewords);
 
