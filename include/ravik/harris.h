@@ -53,8 +53,8 @@ RVK_API void rvkCornerHarrisAdaptiveu8(const uint8_t* src, uint32_t width, uint3
                                        uint32_t border, uint32_t* xy, uint32_t nCornersMax, uint32_t* numcorners,
                                        int32_t threshold, int32_t minThreshold);
 
-/* maxResponse is the largest of a patch, at (maxX, maxY), of equal ones the first. Of pixels whose windows lie in the patch,
- * those 3 or more from its edges: patches smaller than 7x7 are refused. */
+/* maxResponse is the largest of a patch, at (maxX, maxY), of equal ones the first. Of pixels whose windows lie in the
+ * patch, those 3 or more from its edges: patches smaller than 7x7 are refused. */
 RVK_API rvkStatus rvkLocalHarrisMaxu8(const uint8_t* patch, uint32_t width, uint32_t height, uint32_t stride,
                                       uint32_t* maxX, uint32_t* maxY, int32_t* maxResponse);
 
