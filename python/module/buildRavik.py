@@ -11,6 +11,7 @@ ROOT = HERE.parent.parent
 sys.path.insert(0, str(ROOT / "tools"))
 import headers  # noqa: E402
 
+EXPORT = "RVK_API "
 SUPPORT = """
 int ravikHasLogged(void);
 void ravikTakeLog(char* text, size_t size);
@@ -46,7 +47,7 @@ def cdef():
             if kind == "define" and re.match(r"#define RAVIK_\w+ +[^ /]", text):
                 lines.append(f"#define {text.split()[1]} ...")
             elif kind in ("body", "declaration"):
-                lines.append(without_comments(text).replace("RVK_API ", ""))
+                lines.append(without_comments(text).replace(EXPORT, ""))
     return "\n".join(lines)
 
 
@@ -71,6 +72,11 @@ def commented(path):
             yield headers.name_of(text), text, comment
 
 
+def without_export(declaration):
+    """A declaration as C programmers read it, its lines still below each other."""
+    return re.sub(rf"^({EXPORT}| {{{len(EXPORT)}}})", "", declaration, flags=re.MULTILINE)
+
+
 def head(path):
     kind, text = next(headers.tokens(path.read_text()))
     return "\n".join(headers.comment_lines(text))
@@ -83,8 +89,7 @@ def declarations():
         for name, declaration, comment in commented(path):
             if name.startswith("rvk"):
                 functions[name] = {"parameters": headers.parameters(declaration), "header": path.name,
-                                   "declaration": re.sub(r"\s+", " ", declaration.replace("RVK_API ", "")),
-                                   "comment": comment}
+                                   "declaration": without_export(declaration), "comment": comment}
     return {"headers": {path.name: head(path) for path in in_order()}, "functions": functions}
 
 

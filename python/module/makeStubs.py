@@ -5,7 +5,7 @@ from pathlib import Path
 
 import ravik
 from ravik import _structures
-from ravik._calls import Function
+from ravik._calls import Function, Planes
 
 HEAD = '''from collections.abc import Callable, Sequence
 from typing import Any, Literal
@@ -26,24 +26,32 @@ def number(dtype):
     return "float" if dtype.kind == "f" else "int"
 
 
-def parameter(each, is_required):
+def hint_of(each):
+    """The type of what is passed, where it is."""
+    if isinstance(each, Planes):
+        hints = [hint_of(plane) + (" | None" if plane.is_destination else "") for plane in each.planes]
+        return f"tuple[{', '.join(hints)}]"
     if each.role in ("number", "W", "H"):
-        hint = number(each.dtype)
-    elif each.role == "pairs":
-        hint = "tuple[NDArray[np.float32], NDArray[np.float32]] | " \
+        return number(each.dtype)
+    if each.role == "pairs":
+        return "tuple[NDArray[np.float32], NDArray[np.float32]] | " \
                "tuple[NDArray[np.float32], NDArray[np.float32], NDArray[np.uint8]]"
-    elif each.role == "rows":
-        hint = "NDArray[Any]"
-    elif each.role == "handle":
-        hint = each.sizes[0]
-    elif each.role == "struct":
-        hint = "Sequence[float] | np.void"
-    else:
-        hint = array(each.dtype) + (" | Literal[False]" if each.is_destination and each.may_be_null else "")
-    return f"{each.name}: {hint}" + ("" if is_required else " | None = ...")
+    if each.role == "rows":
+        return "NDArray[Any]"
+    if each.role == "handle":
+        return each.sizes[0]
+    if each.role == "struct":
+        return "Sequence[float] | np.void"
+    return array(each.dtype) + (" | Literal[False]" if each.is_destination and each.may_be_null else "")
+
+
+def parameter(each, is_required):
+    return f"{each.name}: {hint_of(each)}" + ("" if is_required else " | None = ...")
 
 
 def result(each):
+    if isinstance(each, Planes):
+        return f"tuple[{', '.join(result(plane) for plane in each.planes)}]"
     if each.role in ("value", "struct"):
         return "np.void" if each.element.kind == "struct" else number(each.dtype)
     return array(each.dtype)

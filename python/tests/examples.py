@@ -6,7 +6,7 @@ import re
 import numpy as np
 import ravik
 from ravik import _declared, _words
-from ravik._calls import SIZES, Function, element_type
+from ravik._calls import SIZES, Function, Planes, element_type
 
 PAGE = mmap.PAGESIZE
 LIBC = ctypes.CDLL(None)
@@ -114,14 +114,20 @@ class Example:
         return like(picture(shape, each.dtype, self.random), each.dtype)
 
     def destinations(self, fill):
-        return {each.name: guarded(self.shape(each), each.dtype, fill if each.role == "out" else 0)
-                for each in self.function.destinations}
+        return self.together({each.name: guarded(self.shape(each), each.dtype, fill if each.role == "out" else 0)
+                              for each in self.function.destinations})
 
-    def accepted(self):
-        required, optional = self.function.arguments()
-        return {name: value for name, value in self.arguments.items()
-                if name in {each.name for each in required + optional}}
+    def together(self, values):
+        """What of these values of C parameters a call takes, planes of a picture as a tuple."""
+        taken = {}
+        for each in sum(self.function.arguments(), []):
+            if isinstance(each, Planes):
+                planes = tuple(values[plane.name] for plane in each.planes if plane.name in values)
+                taken.update({each.name: planes} if planes else {})
+            elif each.name in values:
+                taken[each.name] = values[each.name]
+        return taken
 
     def copied(self):
-        return {name: like(value, value.dtype) if isinstance(value, np.ndarray) else value
-                for name, value in self.accepted().items()}
+        return self.together({name: like(value, value.dtype) if isinstance(value, np.ndarray) else value
+                              for name, value in self.arguments.items()})

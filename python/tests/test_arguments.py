@@ -87,6 +87,30 @@ def test_destinations():
     np.testing.assert_array_equal(room[:40], np.minimum(2 * PICTURE.astype(int), 255))
 
 
+def test_planes():
+    convert = ravik.rvkColorYCbCr420PseudoPlanarToYCbCr444Planaru8
+    luma, chroma = PICTURE, np.ones((20, 24, 2), np.uint8)
+    for src, error, message in ((luma, TypeError, "src: a tuple of 2 planes, not ndarray"),
+                                ([luma, chroma], TypeError, "src: a tuple"), (None, TypeError, "src: a tuple"),
+                                ((luma, chroma, chroma), ValueError, "src: 2 planes, not 3"),
+                                ((luma, None), TypeError, r"src\[1\]: "),
+                                ((luma, chroma[1:]), ValueError, r"src\[1\]: an array of 20 x 24 x 2")):
+        with pytest.raises(error, match=message):
+            convert(src)
+    given, expected = np.empty_like(luma), convert((luma, chroma))
+    made = convert((luma, chroma), (None, given, None))
+    assert isinstance(made, tuple) and made[1] is given and all(map(np.array_equal, made, expected))
+    for dst, message in (((None, given, given), r"dst\[2\]: overlaps dst\[1\]"),
+                         ((luma, None, None), r"dst\[0\]: overlaps src\[0\]"), ((given,), "dst: 3 planes, not 1")):
+        with pytest.raises(ValueError, match=message):
+            convert((luma, chroma), dst)
+    with pytest.raises(ValueError, match=r"dst\[1\]: its rows are 60 bytes apart, those of dst\[0\] 48"):
+        ravik.rvkDrawContourPlanaru8((given.copy(), np.zeros((40, 60), np.uint8)[:, :48], given.copy()),
+                                     np.ones((1, 2), np.int32), np.ones(1, np.uint32), 1, 1, 2, 3)
+    with pytest.raises(ValueError, match=r"src\[1\]: "):
+        ravik.rvkChannelExtractu8((luma, chroma[1:]), ravik.RAVIK_FORMAT_NV12, ravik.RAVIK_CHANNEL_U)
+
+
 def test_views_are_not_copied():
     whole = np.zeros((80, 100), np.uint8)
     left, right = whole[10:50, :48], whole[10:50, 50:98]
@@ -147,6 +171,8 @@ def test_handles_of_another_kind():
 def test_help_shows_the_comment_of_the_header():
     text = ravik.rvkFilterCannyu8.__doc__
     assert "apertureSize is 3, 5 or 7" in text and "<ravik/canny.h>" in text and "uint32_t srcWidth" in text
+    assert "dx       int16 (h, w), made when left out\n" in text and "returns  dst, dx, dy\n" in text
+    assert "src      the tuple (srcY, srcC)\n" in ravik.rvkColorYCrCbH2V1toRGB888u8.__doc__
     assert "rvkFilterCannyu8" in dir(ravik) and not hasattr(ravik, "rvkNoSuchFunction")
 
 

@@ -3,15 +3,17 @@
     edges = ravik.rvkFilterCannyu8(picture, 3, 50, 100, ravik.RAVIK_CANNY_NORM_L1)
 
 Widths, heights and strides come from the arrays: pictures are arrays of rows and columns, and of channels where they
-have more than one; rows must be contiguous, and nothing is copied. What a function writes it returns, in the order of
-its parameters; a destination may be given, is made where it is left out, and False stands for one that is not wanted.
-Lists have as many rows as were found. Bad arguments raise TypeError or ValueError, statuses their own exceptions. Other
-threads run during calls. help() of a function shows what its header says.
+have more than one; those of several planes are tuples of arrays. Rows must be contiguous, and nothing is copied. What
+a function writes it returns, in the order of its parameters; a destination may be given, is made where it is left out,
+and False stands for one that is not wanted. Lists have as many rows as were found. Bad arguments raise TypeError or
+ValueError, statuses their own exceptions. Other threads run during calls. help() of a function shows its arrays, and
+what its header says.
 
 Functions run on the vector code of this processor; rvkSetOperationMode chooses other implementations, and no other call
 may be under way while it does.
 """
 import json as _json
+from inspect import cleandoc as _cleandoc
 from pathlib import Path as _Path
 
 from . import _structures
@@ -34,7 +36,7 @@ def _made(name):
     by_hand = getattr(_structures, name, None)
     if by_hand is None:
         return _compiled(_Function(name, declaration, _words[name]), head)
-    by_hand.__doc__ = (by_hand.__doc__ + "\n\n" if by_hand.__doc__ else "") + _documentation(declaration, head)
+    by_hand.__doc__ = (_cleandoc(by_hand.__doc__ or "") + "\n\n" + _documentation(declaration, head)).lstrip()
     by_hand.__module__ = "ravik"
     return by_hand
 

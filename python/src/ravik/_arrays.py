@@ -122,6 +122,15 @@ def rows_of(value, name, dtype, ctype, columns):
     return pointers, shape[0]
 
 
+def planes(value, name, count):
+    """The planes of a picture that has several."""
+    if not isinstance(value, tuple):
+        raise TypeError(f"{name}: a tuple of {count} planes, not {type(value).__name__}")
+    if len(value) != count:
+        raise ValueError(f"{name}: {count} planes, not {len(value)}")
+    return value
+
+
 def pairs(value, name, coordinates):
     """The structure of correspondences: of points, points and, perhaps, a mask."""
     if not isinstance(value, tuple) or len(value) not in (2, 3):

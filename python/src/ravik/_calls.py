@@ -5,6 +5,7 @@ In the source, `_p_x` is the pointer of parameter x, `_s_x` its stride, `_a_x` t
 `_H`, `_n` are sizes.
 """
 import re
+import textwrap
 from dataclasses import dataclass, field
 from pathlib import Path
 
@@ -17,6 +18,12 @@ SIZES = "whnWH"
 READ = ("in", "within", "pairs", "rows")
 PICTURES = ("in", "within", "update", "out", "keep")
 NUMBERS = {"float": np.float32, "_Bool": np.bool_}
+
+# How a parameter's name says that it is a plane of a picture, and of which one: luma and chroma always, numbers where
+# the function's name speaks of planes; src1 and src2 are two pictures otherwise. A picture has two planes at least.
+LUMA_AND_CHROMA = re.compile("(?P<picture>[a-z]+)(Y|C|Cb|Cr)")
+NUMBERED = re.compile(r"(?P<picture>[a-z]+)\d")
+OF_PLANES = re.compile("Plane|Planar|nterleaveu8")
 
 
 def element_type(ctype):
@@ -44,6 +51,10 @@ class Parameter:
     example: list
     stride: str = None  # the parameter that is the stride of this picture
     pictures: list = field(default_factory=list)  # those that this stride is of
+    label: str = None  # what errors call it, if not by its name
+
+    def __post_init__(self):
+        self.label = self.label or self.name
 
     @property
     def element(self):
@@ -77,6 +88,21 @@ class Parameter:
         return self.sizes if self.is_flat else [self.sizes[1], self.sizes[0], *self.sizes[2:]]
 
 
+@dataclass
+class Planes:
+    """A picture whose planes are parameters of their own in C, and one tuple in Python."""
+    name: str
+    planes: list
+
+    @property
+    def is_destination(self):
+        return self.planes[0].is_destination
+
+    @property
+    def tuple(self):
+        return "(" + ", ".join(each.name for each in self.planes) + ")"
+
+
 def expression(text, names):
     """A formula of the table in terms of the source: p3 is the fourth parameter, w a size."""
     text = re.sub(r"\bp(\d+)\b", lambda m: names[int(m[1])], text)
@@ -108,6 +134,7 @@ class Function:
             raise SystemError(f"{name}: {len(names)} parameters, {len(words)} words")
         self.parameters = [self._parameter(*each, names) for each in zip(words, names, ctype.args)]
         self._connect_strides()
+        self.planar = self._planar()
 
     @staticmethod
     def _parameter(word, name, ctype, names):
@@ -128,6 +155,26 @@ class Function:
                 since = []
                 for picture in each.pictures:
                     picture.stride = each.name
+
+    def _planar(self):
+        """The pictures of several planes."""
+        found = {}
+        for each in self.parameters:
+            match = LUMA_AND_CHROMA.fullmatch(each.name) or \
+                (OF_PLANES.search(self.name) and NUMBERED.fullmatch(each.name))
+            if match and each.role in PICTURES and not each.is_flat:
+                found.setdefault((match["picture"], each.role), []).append(each)
+        pictures = [Planes(name, planes) for (name, _), planes in found.items() if len(planes) > 1]
+        for picture in pictures:
+            for i, plane in enumerate(picture.planes):
+                plane.label = f"{picture.name}[{i}]"
+        return pictures
+
+    def together(self, parameters):
+        """The same with each picture of several planes in the place of its first one."""
+        picture_of = {plane.name: picture for picture in self.planar for plane in picture.planes}
+        found = [picture_of.get(each.name, each) for each in parameters]
+        return list({each.name: each for each in found}.values())
 
     def of_role(self, *roles):
         return [each for each in self.parameters if each.role in roles]
@@ -194,10 +241,10 @@ class Function:
                 optional.append(each)
             elif each.role in ("in", "within", "update", "number", "struct", "rows", "pairs", "handle"):
                 required.append(each)
-        return required, optional
+        return self.together(required), self.together(optional)
 
     def results(self):
-        return [each for each in self.parameters if each.role in ("out", "keep", "update", "value", "struct", "list")]
+        return self.together(self.of_role("out", "keep", "update", "value", "struct", "list"))
 
     @property
     def meaning(self):
@@ -221,7 +268,7 @@ class Source:
                        "from_buffer": ffi.from_buffer, "_call": getattr(lib, function.name),
                        **{f"_{name}": getattr(_arrays, name) for name in (
                            "whole", "picture", "vector", "reaches", "square", "second_size", "one_stride", "overlap",
-                           "record", "rows_of", "pairs")},
+                           "record", "rows_of", "pairs", "planes")},
                        "_used": _structures.used, "_checked": _structures.checked, "_misfit": misfit,
                        "_failed": _errors.failed, "_logged": _errors.logged}
 
@@ -237,6 +284,20 @@ class Source:
 
     def shape_text(self, shape):
         return "(" + ", ".join(shape) + ("," if len(shape) == 1 else "") + ")"
+
+    def planes(self):
+        """Takes tuples apart; planes of a destination may be left out one by one, too."""
+        for each in self.function.planar:
+            names = [plane.name for plane in each.planes]
+            taken = f"{', '.join(names)} = {each.name} if type({each.name}) is tuple and len({each.name}) == " \
+                    f'{len(names)} else _planes({each.name}, "{each.name}", {len(names)})'
+            if each.is_destination:
+                self.add(f"if {each.name} is None:")
+                self.add(f"{' = '.join(names)} = None", 2)
+                self.add("else:")
+                self.add(taken, 2)
+            else:
+                self.add(taken)
 
     def numbers(self):
         """Numbers that sizes follow from are checked first."""
@@ -272,14 +333,14 @@ class Source:
             if is_new:
                 self.add(f"{length} = {name}.size", depth + 1)
             self.add("else:", depth)
-            self.add(f'_p_{name}, {length if is_new else "_"} = _vector({name}, "{name}", _d_{name}, _c_{name}, '
+            self.add(f'_p_{name}, {length if is_new else "_"} = _vector({name}, "{each.label}", _d_{name}, _c_{name}, '
                      f'{"None" if is_new else length}{written})', depth + 1)
             return
         packed = each.stride is None
         if each.role == "within":
             self.slow_picture(each, ["None", "None"], packed, written, depth, f"_z_{name}")
             self.add(f"_w = _z_{name}[1]", depth)
-            self.add(f'_reaches("{name}", _z_{name}, {each.sizes[0]}, {each.sizes[1]})', depth)
+            self.add(f'_reaches("{each.label}", _z_{name}, {each.sizes[0]}, {each.sizes[1]})', depth)
             return
         is_known = [size in known or not re.fullmatch(f"_[{SIZES}]", size) for size in each.shape]
         shape = [size if here else "None" for size, here in zip(each.shape, is_known)]
@@ -298,12 +359,12 @@ class Source:
         self.add("else:", depth)
         self.slow_picture(each, shape, packed, written, depth + 1, ", ".join(targets))
         if targets[0] == targets[1] != "_":
-            self.add(f'_square({name}, "{name}")', depth)
+            self.add(f'_square({name}, "{each.label}")', depth)
 
     def slow_picture(self, each, shape, packed, written, depth, target):
         name = each.name
         target = f"({target})" if "," in target else target
-        self.add(f'_p_{name}, _s_{name}, {target} = _picture({name}, "{name}", _d_{name}, _c_{name}, '
+        self.add(f'_p_{name}, _s_{name}, {target} = _picture({name}, "{each.label}", _d_{name}, _c_{name}, '
                  f"{self.shape_text(shape)}, {packed}{written})", depth)
 
     def inputs(self):
@@ -363,7 +424,7 @@ class Source:
     def apart(self, each, others, depth):
         """Refuses what is written where it overlaps others, but for a destination that may be the source."""
         for other in others:
-            refusal = f'_overlap("{each.name}", {each.name}, "{other.name}", {other.name})'
+            refusal = f'_overlap("{each.label}", {each.name}, "{other.label}", {other.name})'
             if other.role in ("pairs", "rows"):
                 self.add(refusal, depth)
                 continue
@@ -388,7 +449,7 @@ class Source:
                 conditions = [f"_s_{first.name} != _s_{other.name}"]
                 conditions += [f"_p_{p.name} != ffi.NULL" for p in (first, other) if p.may_be_null]
                 self.add(f"if {' and '.join(conditions)}:")
-                self.add(f'_one_stride("{first.name}", _s_{first.name}, "{other.name}", _s_{other.name})', 2)
+                self.add(f'_one_stride("{first.label}", _s_{first.name}, "{other.label}", _s_{other.name})', 2)
 
     def other_results(self):
         for each in self.function.parameters:
@@ -457,7 +518,9 @@ class Source:
         results = ["_r"] if self.function.meaning in ("number", "result") else []
         for each in self.function.results():
             name = each.name
-            if each.role == "value":
+            if isinstance(each, Planes):
+                results.append(each.tuple)
+            elif each.role == "value":
                 results.append(f"_a_{name}[0]" if each.element.kind == "struct" else f"_p_{name}[0]")
             elif each.role == "struct":
                 results.append(f"_a_{name}[0]")
@@ -473,6 +536,7 @@ class Source:
         required, optional = self.function.arguments()
         signature = [each.name for each in required] + [f"{each.name}=None" for each in optional]
         self.lines = [f"def {self.function.name}({', '.join(signature)}):"]
+        self.planes()
         self.numbers()
         self.inputs()
         self.updates_apart()
@@ -505,11 +569,44 @@ def compiled(function, head):
     exec(code, source.values)
     made = source.values[function.name]
     declaration = function.declaration
-    made.__doc__ = documentation(declaration, head)
+    made.__doc__ = documentation(declaration, head, in_python(function))
     made.__module__ = "ravik"
     return made
 
 
-def documentation(declaration, head):
-    comment = declaration["comment"] + "\n\n" if declaration["comment"] else ""
-    return f"{comment}In C:\n\n    {declaration['declaration']}\n\n<ravik/{declaration['header']}>:\n\n{head}\n"
+def elements(each, function):
+    """What an array holds, for people: sizes by their letters, or by the name of the argument that gives them."""
+    kind = f"records of {', '.join(each.dtype.names)}" if each.dtype.names else str(each.dtype)
+    names = {size.role: size.name for size in function.of_role("W", "H")}
+    shape = [re.sub(rf"\b_([{SIZES}])\b", lambda m: names.get(m[1], m[1]), size) for size in each.shape]
+    text = f"{kind}, {shape[0]} elements" if each.is_flat else f"{kind} ({', '.join(shape)})"
+    if each.role == "within":
+        text += " or larger"
+    if each.is_destination:
+        return text + ", made when left out" + ("; none with False" if each.may_be_null else "")
+    return text + (", may be left out" if each.may_be_null else "")
+
+
+def in_python(function):
+    """The arrays that a function takes, and what it returns."""
+    lines = []
+    for each in sum(function.arguments(), []):
+        if isinstance(each, Planes):
+            lines.append((each.name, f"the tuple {each.tuple}"))
+        lines += [(array.label, elements(array, function)) for array in getattr(each, "planes", [each])
+                  if array.role in PICTURES]
+    results = [each.name for each in function.results()]
+    if function.meaning in ("number", "result"):
+        results.insert(0, "what C returns")
+    if results:
+        lines.append(("returns", ", ".join(results)))
+    width = max((len(name) for name, _ in lines), default=0)
+    return "\n".join(f"    {name:{width}}  {text}" for name, text in lines)
+
+
+def documentation(declaration, head, in_python=""):
+    """The comment of the header, what it does not say of Python, and what holds for the whole header."""
+    parts = [declaration["comment"], in_python and f"In Python:\n\n{in_python}",
+             f"In C:\n\n{textwrap.indent(declaration['declaration'], '    ')}",
+             f"<ravik/{declaration['header']}>:\n\n{head}"]
+    return "\n\n".join(part for part in parts if part) + "\n"

@@ -535,27 +535,27 @@ def rvkTrackLKOpticalFlowf32(pyr1, pyr2, points1, winWidth, winHeight, maxIterat
 # ---- pictures of several formats -------------------------------------------------------------------------------------
 
 
-def rvkChannelExtractu8(src1, format, channel, src2=None, dst=None) -> NDArray[np.uint8]:
-    """Pictures are of rows, columns and bytes: (h, w, 3) of RGB, (h, w, 4) of RGBA, (h, w) with (h / 2, w / 2, 2) of
-    NV12 and NV21, and (h, w / 2, 4) of UYVY and YUYV, whose groups hold two pixels."""
+def rvkChannelExtractu8(src, format, channel, dst=None) -> NDArray[np.uint8]:
+    """Pictures are of rows, columns and bytes: (h, w, 3) of RGB, (h, w, 4) of RGBA, (h, w / 2, 4) of UYVY and YUYV,
+    whose groups hold two pixels; of NV12 and NV21 a tuple of two planes, (h, w) and (h / 2, w / 2, 2)."""
     has_planes = format in (lib.RAVIK_FORMAT_NV12, lib.RAVIK_FORMAT_NV21)
     has_groups = format in (lib.RAVIK_FORMAT_UYVY, lib.RAVIK_FORMAT_YUYV)
     bytes_of_pixel = () if has_planes else (3,) if format == lib.RAVIK_FORMAT_RGB else (4,)
-    pointer, stride, shape = _arrays.picture(src1, "src1", BYTES, "uint8_t*", (None, None, *bytes_of_pixel), False)
+    luma, chroma = _arrays.planes(src, "src", 2) if has_planes else (src, None)
+    pointer, stride, shape = _arrays.picture(luma, "src[0]" if has_planes else "src", BYTES, "uint8_t*",
+                                             (None, None, *bytes_of_pixel), False)
     height, width = shape[0], shape[1] * (2 if has_groups else 1)
-    chroma, chroma_stride = ffi.NULL, 0
+    chroma_pointer, chroma_stride = ffi.NULL, 0
     if has_planes:
-        chroma, chroma_stride, _ = _arrays.picture(src2, "src2", BYTES, "uint8_t*",
-                                                   ((height + 1) // 2, (width + 1) // 2, 2), False)
+        chroma_pointer, chroma_stride, _ = _arrays.picture(chroma, "src[1]", BYTES, "uint8_t*",
+                                                           ((height + 1) // 2, (width + 1) // 2, 2), False)
     is_chroma = channel in (lib.RAVIK_CHANNEL_U, lib.RAVIK_CHANNEL_V)
     size = ((height + 1) // 2 if is_chroma and has_planes else height,
             (width + 1) // 2 if is_chroma and (has_planes or has_groups) else width)
     result = np.empty(size, np.uint8) if dst is None else dst
     out, out_stride, _ = _arrays.picture(result, "dst", BYTES, "uint8_t*", size, False, True)
-    _arrays.overlap("dst", result, "src1", src1)
-    if has_planes:
-        _arrays.overlap("dst", result, "src2", src2)
-    status = lib.rvkChannelExtractu8(pointer, width, height, stride, chroma, chroma_stride,
+    _arrays.overlap("dst", result, "src", src)
+    status = lib.rvkChannelExtractu8(pointer, width, height, stride, chroma_pointer, chroma_stride,
                                      _arrays.whole(format, "format"), _arrays.whole(channel, "channel"), out,
                                      out_stride)
     if status:
