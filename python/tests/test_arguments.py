@@ -136,6 +136,27 @@ def test_numbers():
     assert ravik.rvkAbsDiffVu8(PICTURE, np.uint8(3)).shape == (40, 48)
 
 
+def test_what_no_size_or_number_can_be():
+    """In functions that are written by hand, too: the parameter is named, and no memory filled."""
+    huge = np.lib.stride_tricks.as_strided(PICTURE, (1 << 33, 1), (1, 1))
+    points, levels = np.zeros((3, 2), np.float32), (PICTURE, PICTURE[:20, :24].copy())
+    for call, error, message in (
+            (lambda: ravik.rvkMeanShiftu8(PICTURE, huge, 3, 1.0), TypeError, "window: 4 numbers"),
+            (lambda: ravik.rvkPyramidSobelGradientCreatei8((huge,)), ValueError, r"pyramid\[0\]: "),
+            (lambda: ravik.rvkPyramidAllocate(1 << 40, 3, 3), ValueError, "baseWidth: "),
+            (lambda: ravik.rvkPyramidAllocate_v2(48, -1, 1, 3, 0), ValueError, "baseHeight: "),
+            (lambda: ravik.rvkPyramidAllocate_v3(48, 40, 1, 3, 0, 3.5), TypeError, "alignment: "),
+            (lambda: ravik.rvkPyramidAllocate_v2(48, 40, 1, 2, 7), ravik.BadParam, "rvkPyramidAllocate_v2: "),
+            (lambda: ravik.rvkMserNN8Init(48, 40, 5, 4, 300, "a", 0.5), TypeError, "maxVariation: "),
+            (lambda: ravik.rvkTrackLKOpticalFlowu8(PICTURE, levels, points, 9, 9, 9, 0.1), TypeError, "pyr1: "),
+            (lambda: ravik.rvkTrackLKOpticalFlowu8(levels, levels, points, 9, 9, 9, "a"), TypeError, "epsilon: "),
+            (lambda: ravik.rvkChannelExtractu8(PICTURE, 77, 0), ValueError, "format: "),
+            (lambda: ravik.rvkFilterThresholdu8(PICTURE, np.array("a")), TypeError, "threshold: "),
+            (lambda: ravik.rvkScaleu8(PICTURE, 0, None, 0xFFFFFFFF, 0xFFFFFFFF), ValueError, "dst: ")):
+        with pytest.raises(error, match=message):
+            call()
+
+
 def test_statuses_and_what_is_logged():
     with pytest.raises(ravik.BadParam, match="rvkFilterCannyu8") as caught:
         ravik.rvkFilterCannyu8(PICTURE, 4, 1, 2, 0)

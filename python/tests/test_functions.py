@@ -4,7 +4,7 @@ import re
 import numpy as np
 import pytest
 import ravik
-from examples import Example, like
+from examples import HANDLES, Example, like
 
 REFERENCE = ravik.RAVIK_OP_EXPERT | ravik.RAVIK_UNIT_ARM
 VECTOR = ravik.RAVIK_OP_EXPERT | ravik.RAVIK_UNIT_VECTA
@@ -185,6 +185,20 @@ def test_handles_give_what_calls_without_give():
             call()
 
 
+@pytest.mark.parametrize("kind, release", [
+    ("CodeBookModel", ravik.rvkReleaseBGCodeBookModel), ("HOG", ravik.rvkHOGDeInit), ("MserHandle", ravik.rvkMemFree),
+    ("KDTree", ravik.rvkKDTreeDestroy36s8f32)])
+def test_functions_that_release(kind, release):
+    handle = HANDLES[kind]()
+    for _ in range(2):
+        release(handle)
+    release(None)
+    with pytest.raises(ValueError, match="released"), handle.in_use():
+        pass
+    with pytest.raises(TypeError, match=r"\w+: a "):
+        release(3)
+
+
 def test_every_count_is_bound_to_an_array():
     """A number that says how many elements a pointer has must not be left to the caller."""
     windows = {"rvkBoxFilterNxNf32", "rvkFilterDilateNxNu8", "rvkFilterErodeNxNu8", "rvkFilterMedianMxNs16"}
@@ -218,3 +232,7 @@ def test_aligned_memory():
     memory[:] = 1
     ravik.rvkMemFree(memory)
     assert memory.sum() == 1000
+    for note in (lambda ptr: ravik.rvkHeapStatsMalloc(ptr, 1000), ravik.rvkHeapStatsFree):
+        note(memory)
+        with pytest.raises(TypeError, match="ptr: "):
+            note([memory])

@@ -1,6 +1,7 @@
 """What Python functions check of their arguments before C sees them, where the short way through a generated function
 did not accept an array at once."""
 import operator
+from numbers import Real
 
 import numpy as np
 
@@ -20,6 +21,19 @@ def whole(value, name):
     return number
 
 
+def real(value, name):
+    """A number that goes to a float."""
+    if not isinstance(value, Real):
+        raise TypeError(f"{name}: a number, not {type(value).__name__}")
+    return value
+
+
+def unmade(error, name):
+    """The exception for an array that cannot be made: it would be too large."""
+    kind = MemoryError if isinstance(error, MemoryError) else ValueError
+    return kind(f"{name}: {error}")
+
+
 def array(value, name, dtype):
     """Refuses what is no array of these elements."""
     if not isinstance(value, ndarray):
@@ -36,7 +50,7 @@ def address(value, ctype):
 
 
 def shown(shape):
-    return " x ".join("any" if size is None else str(size) for size in shape)
+    return " x ".join("any" if size is None else str(size) for size in shape) or "a single element"
 
 
 def picture(value, name, dtype, ctype, shape, is_packed, is_written=False):
@@ -48,12 +62,14 @@ def picture(value, name, dtype, ctype, shape, is_packed, is_written=False):
         raise ValueError(f"{name}: read-only")
     row = value.itemsize
     for size, step in zip(value.shape[:0:-1], value.strides[:0:-1]):
-        if size > 1 and step != row:
+        if size > 1 and step != row and value.size:
             raise ValueError(f"{name}: its rows are not contiguous; numpy.ascontiguousarray copies them")
         row *= size
     stride = value.strides[0] if value.shape[0] > 1 and value.size else row
     if stride < row or (is_packed and stride != row):
         raise ValueError(f"{name}: its rows must follow each other" + (" without a gap" if is_packed else ""))
+    if max(stride, *value.shape) >> 32:
+        raise ValueError(f"{name}: {shown(value.shape)} is more than 32 bits count")
     return address(value, ctype), stride, value.shape
 
 
@@ -109,9 +125,11 @@ def overlap(name, value, other_name, other):
 def record(value, name, dtype):
     """A structure, from one or from its fields in their order."""
     try:
-        return np.array([tuple(value)], dtype)
-    except (TypeError, ValueError):
-        raise TypeError(f"{name}: {len(dtype.names)} numbers, {', '.join(dtype.names)}") from None
+        if len(value) == len(dtype.names):
+            return np.array([tuple(value)], dtype)
+    except (TypeError, ValueError, OverflowError):
+        pass
+    raise TypeError(f"{name}: {len(dtype.names)} numbers, {', '.join(dtype.names)}")
 
 
 def rows_of(value, name, dtype, ctype, columns):

@@ -268,7 +268,8 @@ class Source:
                        "from_buffer": ffi.from_buffer, "_call": getattr(lib, function.name),
                        **{f"_{name}": getattr(_arrays, name) for name in (
                            "whole", "picture", "vector", "reaches", "square", "second_size", "one_stride", "overlap",
-                           "record", "rows_of", "pairs", "planes")},
+                           "record", "rows_of", "pairs", "planes",
+                           "unmade")},
                        "_used": _structures.used, "_checked": _structures.checked, "_misfit": misfit,
                        "_failed": _errors.failed, "_logged": _errors.logged}
 
@@ -388,10 +389,16 @@ class Source:
                 self.read(each, known, each.role == "update")
             known.update(self.function.unknown(each))
 
+    def make(self, target, maker, shape, each, depth=1):
+        """An array of a parameter's type."""
+        self.add("try:", depth)
+        self.add(f"{target} = {maker}({shape}, _d_{each.name})", depth + 1)
+        self.add("except (ValueError, MemoryError) as error:", depth)
+        self.add(f'raise _unmade(error, "{each.label}") from None', depth + 1)
+
     def made(self, each, depth):
-        maker = "zeros" if each.role == "keep" else "empty"
         name = each.name
-        self.add(f"{name} = {maker}({self.shape_text(each.shape)}, _d_{name})", depth)
+        self.make(name, "zeros" if each.role == "keep" else "empty", self.shape_text(each.shape), each, depth)
         self.add(f"_p_{name} = from_buffer(_t_{name}, {name})", depth)
         if not each.is_flat:
             self.add(f"_s_{name} = {each.row}", depth)
@@ -469,11 +476,11 @@ class Source:
                 self.constants(each)
                 columns, capacity, _ = each.sizes
                 shape = f"max({capacity}, 1)" if columns == "1" else f"(max({capacity}, 1), {columns})"
-                self.add(f"_a_{name} = zeros({shape}, _d_{name})")
+                self.make(f"_a_{name}", "zeros", shape, each)
                 self.add(f"_p_{name} = from_buffer(_t_{name}, _a_{name})")
             elif each.role == "scratch":
                 self.constants(each)
-                self.add(f"_a_{name} = empty({each.sizes[0]}, _d_{name})")
+                self.make(f"_a_{name}", "empty", each.sizes[0], each)
                 self.add(f"_p_{name} = from_buffer(_t_{name}, _a_{name})")
 
     def passed(self, each):
@@ -499,7 +506,7 @@ class Source:
         passed = ", ".join(self.passed(each) for each in self.function.parameters)
         self.add("try:", depth)
         self.add(f"_r = _call({passed})", depth + 1)
-        self.add("except (TypeError, OverflowError) as error:", depth)
+        self.add("except (TypeError, ValueError, OverflowError) as error:", depth)
         numbers = ", ".join(f'("{each.name}", {self.passed(each)}, "{each.ctype.cname}")'
                             for each in self.function.parameters if each.ctype.kind in ("primitive", "enum"))
         self.add(f"raise _misfit(error, [{numbers}]) from None", depth + 1)
@@ -554,7 +561,7 @@ def misfit(error, numbers):
     for name, value, ctype in numbers:
         try:
             ffi.new(f"{ctype}[1]", [value])
-        except TypeError as reason:
+        except (TypeError, ValueError) as reason:
             return TypeError(f"{name}: {reason}")
         except OverflowError:
             return ValueError(f"{name}: {value} does not fit {ctype}")

@@ -152,7 +152,8 @@ def rvkMserNN8Init(maxWidth, maxHeight, delta, minArea, maxArea, maxVariation, m
     handle = ffi.new("void**")
     numbers = [_arrays.whole(number, name) for number, name in (
         (maxWidth, "maxWidth"), (maxHeight, "maxHeight"), (delta, "delta"), (minArea, "minArea"), (maxArea, "maxArea"))]
-    if lib.rvkMserNN8Init(*numbers, maxVariation, minDiversity, handle) != 1:
+    numbers += [_arrays.real(maxVariation, "maxVariation"), _arrays.real(minDiversity, "minDiversity")]
+    if lib.rvkMserNN8Init(*numbers, handle) != 1:
         raise failed("rvkMserNN8Init", -1)
     return MserHandle(handle[0], lib.rvkMemFree)
 
@@ -246,12 +247,20 @@ def rvkMemFree(ptr) -> None:
         raise TypeError(f"ptr: a handle or an array, not {type(ptr).__name__}")
 
 
+def address_or_null(ptr):
+    if ptr is None:
+        return ffi.NULL
+    if not isinstance(ptr, np.ndarray):
+        raise TypeError(f"ptr: an array, not {type(ptr).__name__}")
+    return _arrays.address(ptr, "void*")
+
+
 def rvkHeapStatsMalloc(ptr, size) -> None:
-    lib.rvkHeapStatsMalloc(ffi.NULL if ptr is None else _arrays.address(ptr, "void*"), _arrays.whole(size, "size"))
+    lib.rvkHeapStatsMalloc(address_or_null(ptr), _arrays.whole(size, "size"))
 
 
 def rvkHeapStatsFree(ptr) -> None:
-    lib.rvkHeapStatsFree(ffi.NULL if ptr is None else _arrays.address(ptr, "void*"))
+    lib.rvkHeapStatsFree(address_or_null(ptr))
 
 
 def operation_mode(mode):
@@ -309,13 +318,15 @@ def levels_number(number):
     return number
 
 
-def allocated(structure, release, numLevels, firstLevel, elementSize, allocate):
-    count, first = levels_number(numLevels), _arrays.whole(firstLevel, "firstLevel")
-    pixel = _arrays.whole(elementSize, "elementSize")
+def allocated(name, structure, release, **numbers):
+    """Calls a function with these numbers, which stand in its order."""
+    numbers = {each: _arrays.whole(number, each) for each, number in numbers.items()}
+    count = levels_number(numbers["numLevels"])
+    first, pixel = numbers.get("firstLevel", 1), numbers.get("elementSize", 1)
     levels = ffi.new(f"{structure}[]", count)
-    status = allocate(levels)
+    status = getattr(lib, name)(levels, *numbers.values())
     if status:
-        raise failed(f"{structure}", status)
+        raise failed(name, status)
     owner = ffi.gc(levels, lambda levels: release(levels, count, first))
     types = {1: BYTES, 2: np.dtype(np.uint16), 4: SINGLE, 8: np.dtype(np.uint64)}
     dtype = types.get(pixel, np.dtype(f"V{pixel}"))
@@ -330,22 +341,21 @@ def allocated(structure, release, numLevels, firstLevel, elementSize, allocate):
 
 def rvkPyramidAllocate(baseWidth, baseHeight, numLevels) -> Pyramid:
     """Returns a Pyramid."""
-    return allocated("rvkPyramidLevel", lib.rvkPyramidDelete, numLevels, 1, 1,
-                     lambda levels: lib.rvkPyramidAllocate(levels, baseWidth, baseHeight, numLevels))
+    return allocated("rvkPyramidAllocate", "rvkPyramidLevel", lib.rvkPyramidDelete, baseWidth=baseWidth,
+                     baseHeight=baseHeight, numLevels=numLevels)
 
 
 def rvkPyramidAllocate_v2(baseWidth, baseHeight, elementSize, numLevels, firstLevel) -> Pyramid:
     """Returns a Pyramid."""
-    return allocated("rvkPyramidLevel", lib.rvkPyramidDelete, numLevels, firstLevel, elementSize,
-                     lambda levels: lib.rvkPyramidAllocate_v2(levels, baseWidth, baseHeight, elementSize, numLevels,
-                                                              firstLevel))
+    return allocated("rvkPyramidAllocate_v2", "rvkPyramidLevel", lib.rvkPyramidDelete, baseWidth=baseWidth,
+                     baseHeight=baseHeight, elementSize=elementSize, numLevels=numLevels, firstLevel=firstLevel)
 
 
 def rvkPyramidAllocate_v3(baseWidth, baseHeight, elementSize, numLevels, firstLevel, alignment) -> Pyramid:
     """Returns a Pyramid."""
-    return allocated("rvkPyramidLevel_v2", lib.rvkPyramidDelete_v2, numLevels, firstLevel, elementSize,
-                     lambda levels: lib.rvkPyramidAllocate_v3(levels, baseWidth, baseHeight, elementSize, numLevels,
-                                                              firstLevel, alignment))
+    return allocated("rvkPyramidAllocate_v3", "rvkPyramidLevel_v2", lib.rvkPyramidDelete_v2, baseWidth=baseWidth,
+                     baseHeight=baseHeight, elementSize=elementSize, numLevels=numLevels, firstLevel=firstLevel,
+                     alignment=alignment)
 
 
 def rvkPyramidDelete(pyramid) -> None:
@@ -382,18 +392,18 @@ def named(levels, name):
     return [(f"{name}[{k}]", level) for k, level in enumerate(levels)]
 
 
-def level_list(levels, name, count):
-    if not isinstance(levels, Sequence) or len(levels) != count:
-        raise TypeError(f"{name}: {count} arrays")
+def level_list(levels, name, count=None):
+    if not isinstance(levels, Sequence) or count not in (None, len(levels)):
+        raise TypeError(f"{name}: a sequence of {count or 'several'} arrays")
     return levels
 
 
-def created(function, dtype, structure, base, numLevels, pyramid, *more):
+def created(name, dtype, structure, base, numLevels, pyramid, *more):
     count = levels_number(numLevels)
     ctype = "uint8_t*" if dtype is BYTES else "float*"
     pointer, stride, (height, width) = _arrays.picture(base, "base", dtype, ctype, (None, None),
                                                        structure == "rvkPyramidLevel")
-    if (width | height) % (1 << count - 1) and function is not lib.rvkPyramidCreateu8_v3:
+    if (width | height) % (1 << count - 1) and name != "rvkPyramidCreateu8_v3":
         raise ValueError(f"base: {width} x {height} are no multiples of {1 << count - 1}")
     sizes = [(height >> k, width >> k) for k in range(1, count)]
     if pyramid is None:
@@ -406,65 +416,65 @@ def created(function, dtype, structure, base, numLevels, pyramid, *more):
             raise ValueError(f"pyramid[{k}]: {_arrays.shown(levels[k].shape)}, not {_arrays.shown(size)}")
     apart(named(levels, "pyramid")[1:], [("base", base)])
     strides = [] if structure == "rvkPyramidLevel" else [stride]
-    status = function(pointer, width, height, *strides, count, structures, *more)
+    status = getattr(lib, name)(pointer, width, height, *strides, count, structures, *more)
     if status:
-        raise failed("rvkPyramidCreate", status)
+        raise failed(name, status)
     return tuple(levels)
 
 
 def rvkPyramidCreateu8(base, numLevels, pyramid=None) -> Levels:
     """Returns the levels, the base first; those after it are made, or those of `pyramid`."""
-    return created(lib.rvkPyramidCreateu8, BYTES, "rvkPyramidLevel", base, numLevels, pyramid)
+    return created("rvkPyramidCreateu8", BYTES, "rvkPyramidLevel", base, numLevels, pyramid)
 
 
 def rvkPyramidCreateu8_v2(base, numLevels, pyramid=None) -> Levels:
     """Returns the levels, the base first; those after it are made, or those of `pyramid`."""
-    return created(lib.rvkPyramidCreateu8_v2, BYTES, "rvkPyramidLevel_v2", base, numLevels, pyramid)
+    return created("rvkPyramidCreateu8_v2", BYTES, "rvkPyramidLevel_v2", base, numLevels, pyramid)
 
 
 def rvkPyramidCreateu8_v3(base, numLevels, kernelSize, pyramid=None) -> Levels:
     """Returns the levels, the base first; those after it are made, or those of `pyramid`."""
-    return created(lib.rvkPyramidCreateu8_v3, BYTES, "rvkPyramidLevel_v2", base, numLevels, pyramid,
+    return created("rvkPyramidCreateu8_v3", BYTES, "rvkPyramidLevel_v2", base, numLevels, pyramid,
                    _arrays.whole(kernelSize, "kernelSize"))
 
 
 def rvkPyramidCreatef32(base, numLevels, pyramid=None) -> Levels:
     """Returns the levels, the base first; those after it are made, or those of `pyramid`."""
-    return created(lib.rvkPyramidCreatef32, SINGLE, "rvkPyramidLevel", base, numLevels, pyramid)
+    return created("rvkPyramidCreatef32", SINGLE, "rvkPyramidLevel", base, numLevels, pyramid)
 
 
 def rvkPyramidCreatef32_v2(base, numLevels, pyramid=None) -> Levels:
     """Returns the levels, the base first; those after it are made, or those of `pyramid`."""
-    return created(lib.rvkPyramidCreatef32_v2, SINGLE, "rvkPyramidLevel_v2", base, numLevels, pyramid)
+    return created("rvkPyramidCreatef32_v2", SINGLE, "rvkPyramidLevel_v2", base, numLevels, pyramid)
 
 
-def derived(function, dtype, derivative, pyramid, dxPyramid, dyPyramid):
-    levels = tuple(pyramid) if isinstance(pyramid, Sequence) else level_list(pyramid, "pyramid", "some")
+def derived(name, dtype, derivative, pyramid, dxPyramid, dyPyramid):
+    levels = tuple(level_list(pyramid, "pyramid"))
     structures = described(levels, "pyramid", dtype, "rvkPyramidLevel", False)
     outputs = []
-    for name, given in (("dxPyramid", dxPyramid), ("dyPyramid", dyPyramid)):
+    for output, given in (("dxPyramid", dxPyramid), ("dyPyramid", dyPyramid)):
         made = [np.zeros(level.shape, derivative) for level in levels] if given is None else \
-            list(level_list(given, name, len(levels)))
-        outputs.append((made, described([None or each for each in made], name, derivative, "rvkPyramidLevel", True)))
+            list(level_list(given, output, len(levels)))
+        outputs.append((made, described(made, output, derivative, "rvkPyramidLevel", True)))
         for k, (level, each) in enumerate(zip(levels, made)):
             if each.shape != level.shape or not each.flags.writeable:
-                raise ValueError(f"{name}[{k}]: not writeable, or not of the size of its level")
+                raise ValueError(f"{output}[{k}]: not writeable, or not of the size of its level")
     (dx, dx_structures), (dy, dy_structures) = outputs
     apart(named(dx, "dxPyramid") + named(dy, "dyPyramid"), named(levels, "pyramid"))
-    status = function(structures, dx_structures, dy_structures, len(levels))
+    status = getattr(lib, name)(structures, dx_structures, dy_structures, len(levels))
     if status:
-        raise failed("rvkPyramidSobelGradientCreate", status)
+        raise failed(name, status)
     return tuple(dx), tuple(dy)
 
 
 def rvkPyramidSobelGradientCreatei8(pyramid, dxPyramid=None, dyPyramid=None) -> tuple[Levels, Levels]:
     """Returns the levels of dx and those of dy."""
-    return derived(lib.rvkPyramidSobelGradientCreatei8, BYTES, np.dtype(np.int8), pyramid, dxPyramid, dyPyramid)
+    return derived("rvkPyramidSobelGradientCreatei8", BYTES, np.dtype(np.int8), pyramid, dxPyramid, dyPyramid)
 
 
 def rvkPyramidSobelGradientCreatef32(pyramid, dxPyramid=None, dyPyramid=None) -> tuple[Levels, Levels]:
     """Returns the levels of dx and those of dy."""
-    return derived(lib.rvkPyramidSobelGradientCreatef32, SINGLE, SINGLE, pyramid, dxPyramid, dyPyramid)
+    return derived("rvkPyramidSobelGradientCreatef32", SINGLE, SINGLE, pyramid, dxPyramid, dyPyramid)
 
 
 # ---- tracking in pyramids --------------------------------------------------------------------------------------------
@@ -473,7 +483,7 @@ def rvkPyramidSobelGradientCreatef32(pyramid, dxPyramid=None, dyPyramid=None) ->
 def tracked(name, dtype, structure, pyr1, pyr2, points1, points2, status, errors, numbers, *more):
     """Calls a function of two pyramids; `numbers` come after the points, `more` after the errors. Returns points2,
     status and errors, those that the function has."""
-    count = levels_number(len(pyr1) if isinstance(pyr1, Sequence) else 0)
+    count = levels_number(len(level_list(pyr1, "pyr1")))
     first = described(pyr1, "pyr1", dtype, structure, False)
     second = described(level_list(pyr2, "pyr2", count), "pyr2", dtype, structure, False)
     pointer, _, (points, _) = _arrays.picture(points1, "points1", SINGLE, "float*", (None, 2), True)
@@ -498,30 +508,32 @@ def tracked(name, dtype, structure, pyr1, pyr2, points1, points2, status, errors
     return tuple(results)
 
 
-def window_numbers(winWidth, winHeight, maxIterations):
-    return [_arrays.whole(number, name) for number, name in (
+def window_numbers(winWidth, winHeight, maxIterations, epsilon, *minEigenvalue):
+    whole = [_arrays.whole(number, name) for number, name in (
         (winWidth, "winWidth"), (winHeight, "winHeight"), (maxIterations, "maxIterations"))]
+    return whole + [_arrays.real(number, name) for number, name in (
+        (epsilon, "epsilon"), *((number, "minEigenvalue") for number in minEigenvalue))]
 
 
 def rvkTrackLKOpticalFlowu8(pyr1, pyr2, points1, winWidth, winHeight, maxIterations, epsilon, points2=None,
                             status=None) -> Levels:
     """Returns points2 and status."""
     return tracked("rvkTrackLKOpticalFlowu8", BYTES, "rvkPyramidLevel", pyr1, pyr2, points1, points2, status, False,
-                   [*window_numbers(winWidth, winHeight, maxIterations), epsilon])
+                   window_numbers(winWidth, winHeight, maxIterations, epsilon))
 
 
 def rvkTrackLKOpticalFlowu8_v2(pyr1, pyr2, points1, winWidth, winHeight, maxIterations, epsilon, minEigenvalue,
                                points2=None, status=None, errors=None) -> Levels:
     """Returns points2, status and, unless that is False, errors."""
     return tracked("rvkTrackLKOpticalFlowu8_v2", BYTES, "rvkPyramidLevel", pyr1, pyr2, points1, points2, status, errors,
-                   [*window_numbers(winWidth, winHeight, maxIterations), epsilon, minEigenvalue])
+                   window_numbers(winWidth, winHeight, maxIterations, epsilon, minEigenvalue))
 
 
 def rvkTrackLKOpticalFlowu8_v3(pyr1, pyr2, points1, winWidth, winHeight, maxIterations, epsilon, minEigenvalue,
                                points2=None, status=None, errors=None, useGuess=0) -> Levels:
     """Returns points2, status and, unless that is False, errors. With a guess, points2 has it."""
     return tracked("rvkTrackLKOpticalFlowu8_v3", BYTES, "rvkPyramidLevel_v2", pyr1, pyr2, points1, points2, status,
-                   errors, [*window_numbers(winWidth, winHeight, maxIterations), epsilon, minEigenvalue],
+                   errors, window_numbers(winWidth, winHeight, maxIterations, epsilon, minEigenvalue),
                    _arrays.whole(useGuess, "useGuess"))
 
 
@@ -529,15 +541,21 @@ def rvkTrackLKOpticalFlowf32(pyr1, pyr2, points1, winWidth, winHeight, maxIterat
                              points2=None, status=None, errors=None) -> Levels:
     """Returns points2, status and, unless that is False, errors."""
     return tracked("rvkTrackLKOpticalFlowf32", SINGLE, "rvkPyramidLevel", pyr1, pyr2, points1, points2, status, errors,
-                   [*window_numbers(winWidth, winHeight, maxIterations), epsilon, minEigenvalue])
+                   window_numbers(winWidth, winHeight, maxIterations, epsilon, minEigenvalue))
 
 
 # ---- pictures of several formats -------------------------------------------------------------------------------------
 
 
+FORMATS = {getattr(lib, name) for name in dir(lib) if name.startswith("RAVIK_FORMAT_")}
+
+
 def rvkChannelExtractu8(src, format, channel, dst=None) -> NDArray[np.uint8]:
     """Pictures are of rows, columns and bytes: (h, w, 3) of RGB, (h, w, 4) of RGBA, (h, w / 2, 4) of UYVY and YUYV,
     whose groups hold two pixels; of NV12 and NV21 a tuple of two planes, (h, w) and (h / 2, w / 2, 2)."""
+    numbers = _arrays.whole(format, "format"), _arrays.whole(channel, "channel")
+    if format not in FORMATS:
+        raise ValueError(f"format: {format} is none of RAVIK_FORMAT_...")
     has_planes = format in (lib.RAVIK_FORMAT_NV12, lib.RAVIK_FORMAT_NV21)
     has_groups = format in (lib.RAVIK_FORMAT_UYVY, lib.RAVIK_FORMAT_YUYV)
     bytes_of_pixel = () if has_planes else (3,) if format == lib.RAVIK_FORMAT_RGB else (4,)
@@ -555,8 +573,7 @@ def rvkChannelExtractu8(src, format, channel, dst=None) -> NDArray[np.uint8]:
     result = np.empty(size, np.uint8) if dst is None else dst
     out, out_stride, _ = _arrays.picture(result, "dst", BYTES, "uint8_t*", size, False, True)
     _arrays.overlap("dst", result, "src", src)
-    status = lib.rvkChannelExtractu8(pointer, width, height, stride, chroma_pointer, chroma_stride,
-                                     _arrays.whole(format, "format"), _arrays.whole(channel, "channel"), out,
+    status = lib.rvkChannelExtractu8(pointer, width, height, stride, chroma_pointer, chroma_stride, *numbers, out,
                                      out_stride)
     if status:
         raise failed("rvkChannelExtractu8", status)
