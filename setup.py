@@ -1,4 +1,5 @@
 """Builds the library and the Python package ravik with it: pip install ."""
+import importlib.util
 import os
 import shutil
 import subprocess
@@ -9,6 +10,19 @@ from setuptools import setup
 from setuptools.command.build_ext import build_ext
 
 ROOT = Path(__file__).resolve().parent
+
+
+def refuse_without_tools():
+    """pip gets them from its index, unless it has none or builds with what is installed."""
+    missing = [name for name in ("cffi", "numpy") if importlib.util.find_spec(name) is None]
+    missing += [name for name in ("cmake",) if shutil.which(name) is None]
+    if missing:
+        raise SystemExit(f"ravik is built with {', '.join(missing)}, which {sys.executable} does not find. On Debian: "
+                         "apt-get install python3-cffi python3-numpy cmake, and a virtual environment that sees them "
+                         "(python3 -m venv --system-site-packages).")
+
+
+refuse_without_tools()
 sys.path.insert(0, str(ROOT / "python" / "module"))
 import buildRavik  # noqa: E402
 
@@ -30,7 +44,8 @@ class BuildWithLibrary(build_ext):
         package = Path(self.get_ext_fullpath("ravik._ravik")).parent
         buildRavik.write_declarations(package)
         subprocess.check_call([sys.executable, str(ROOT / "python" / "module" / "makeStubs.py"), str(package)],
-                              env={**os.environ, "PYTHONPATH": str(package.parent)})
+                              env={**os.environ, "PYTHONPATH": os.pathsep.join(
+                                  [str(package.parent), *filter(None, [os.environ.get("PYTHONPATH")])])})
 
 
 setup(

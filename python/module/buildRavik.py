@@ -16,6 +16,8 @@ SUPPORT = """
 int ravikHasLogged(void);
 void ravikTakeLog(char* text, size_t size);
 int ravikOverlap(const void* a, size_t sizeOfA, const void* b, size_t sizeOfB);
+int ravikOverlapsAny(const void* a, size_t sizeOfA, const void* b, size_t sizeOfB, const void* c, size_t sizeOfC,
+                     const void* d, size_t sizeOfD);
 """
 
 

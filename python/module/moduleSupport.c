@@ -44,3 +44,10 @@ int ravikOverlap(const void* a, size_t sizeOfA, const void* b, size_t sizeOfB)
         return RAVIK_SAME_MEMORY;
     return first < second + sizeOfB && second < first + sizeOfA ? RAVIK_OVERLAPPING : RAVIK_APART;
 }
+
+int ravikOverlapsAny(const void* a, size_t sizeOfA, const void* b, size_t sizeOfB, const void* c, size_t sizeOfC,
+                     const void* d, size_t sizeOfD)
+{
+    return (sizeOfB && ravikOverlap(a, sizeOfA, b, sizeOfB)) || (sizeOfC && ravikOverlap(a, sizeOfA, c, sizeOfC)) ||
+           (sizeOfD && ravikOverlap(a, sizeOfA, d, sizeOfD));
+}

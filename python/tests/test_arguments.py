@@ -89,7 +89,8 @@ def test_destinations():
 
 def test_planes():
     convert = ravik.rvkColorYCbCr420PseudoPlanarToYCbCr444Planaru8
-    luma, chroma = PICTURE, np.ones((20, 24, 2), np.uint8)
+    luma, room = PICTURE, np.ones((40, 48), np.uint8)
+    chroma = room[:20].reshape(20, 24, 2)
     for src, error, message in ((luma, TypeError, "src: a tuple of 2 planes, not ndarray"),
                                 ([luma, chroma], TypeError, "src: a tuple"), (None, TypeError, "src: a tuple"),
                                 ((luma, chroma, chroma), ValueError, "src: 2 planes, not 3"),
@@ -101,7 +102,9 @@ def test_planes():
     made = convert((luma, chroma), (None, given, None))
     assert isinstance(made, tuple) and made[1] is given and all(map(np.array_equal, made, expected))
     for dst, message in (((None, given, given), r"dst\[2\]: overlaps dst\[1\]"),
-                         ((luma, None, None), r"dst\[0\]: overlaps src\[0\]"), ((given,), "dst: 3 planes, not 1")):
+                         ((given, given, None), r"dst\[1\]: overlaps dst\[0\]"),
+                         ((luma, None, None), r"dst\[0\]: overlaps src\[0\]"),
+                         ((None, room, None), r"dst\[1\]: overlaps src\[1\]"), ((given,), "dst: 3 planes, not 1")):
         with pytest.raises(ValueError, match=message):
             convert((luma, chroma), dst)
     with pytest.raises(ValueError, match=r"dst\[1\]: its rows are 60 bytes apart, those of dst\[0\] 48"):
