@@ -560,8 +560,8 @@ def rvkChannelExtractu8(src, format, channel, dst=None) -> NDArray[np.uint8]:
     has_groups = format in (lib.RAVIK_FORMAT_UYVY, lib.RAVIK_FORMAT_YUYV)
     bytes_of_pixel = () if has_planes else (3,) if format == lib.RAVIK_FORMAT_RGB else (4,)
     luma, chroma = _arrays.planes(src, "src", 2) if has_planes else (src, None)
-    pointer, stride, shape = _arrays.picture(luma, "src[0]" if has_planes else "src", BYTES, "uint8_t*",
-                                             (None, None, *bytes_of_pixel), False)
+    label = "src[0]" if has_planes else "src"
+    pointer, stride, shape = _arrays.picture(luma, label, BYTES, "uint8_t*", (None, None, *bytes_of_pixel), False)
     height, width = shape[0], shape[1] * (2 if has_groups else 1)
     chroma_pointer, chroma_stride = ffi.NULL, 0
     if has_planes:
@@ -572,7 +572,9 @@ def rvkChannelExtractu8(src, format, channel, dst=None) -> NDArray[np.uint8]:
             (width + 1) // 2 if is_chroma and (has_planes or has_groups) else width)
     result = np.empty(size, np.uint8) if dst is None else dst
     out, out_stride, _ = _arrays.picture(result, "dst", BYTES, "uint8_t*", size, False, True)
-    _arrays.overlap("dst", result, "src", src)
+    _arrays.overlap("dst", result, label, luma)
+    if has_planes:
+        _arrays.overlap("dst", result, "src[1]", chroma)
     status = lib.rvkChannelExtractu8(pointer, width, height, stride, chroma_pointer, chroma_stride, *numbers, out,
                                      out_stride)
     if status:
