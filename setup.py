@@ -54,7 +54,7 @@ setup(
     description="Computer vision on NumPy arrays",
     python_requires=">=3.9",
     packages=["ravik"],
-    package_dir={"": "python/src"},
+    package_dir={"ravik": "python/package"},
     package_data={"ravik": ["*.txt", "py.typed"]},
     install_requires=["numpy", "cffi>=1.15"],
     cffi_modules=["python/module/buildRavik.py:ffi"],

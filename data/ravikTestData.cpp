@@ -1,5 +1,5 @@
 // ravikTestData OUTDIR [--resolutions N]: writes the test-data directory of ravikTest.
-// ravikTestData --functions: prints docs/functions.md; --python: python/src/ravik/pictures.txt.
+// ravikTestData --functions: prints docs/functions.md; --python: python/package/pictures.txt.
 #include "functionsPage.h"
 #include "pythonTable.h"
 #include "testDataWriter.h"

@@ -85,8 +85,8 @@ TEST(FunctionsPage, IsThatOfTheDescriptors)
 
 TEST(PythonTable, IsThatOfTheDescriptors)
 {
-    EXPECT_TRUE(readFile(RVK_SOURCE_DIR "/python/src/ravik/pictures.txt") == pythonTable())
-        << "python/src/ravik/pictures.txt is out of date: ravikTestData --python > python/src/ravik/pictures.txt";
+    EXPECT_TRUE(readFile(RVK_SOURCE_DIR "/python/package/pictures.txt") == pythonTable())
+        << "python/package/pictures.txt is out of date: ravikTestData --python > python/package/pictures.txt";
 }
 
 TEST(GuideToRavikTest, ListsTheGroupsInTheOrderInWhichTheyRun)

@@ -1,4 +1,4 @@
-// python/src/ravik/pictures.txt, made from the descriptors of the test groups.
+// python/package/pictures.txt, made from the descriptors of the test groups.
 #pragma once
 
 #include <string>
