@@ -29,9 +29,9 @@ requires(sizeof(T) == 1) RVK_INLINE void storeBits(uint8_t* bits, Mask<T> mask)
 RVK_INLINE Mask<uint8_t> loadBits(const uint8_t* bits)
 {
     const Vec<uint8_t> byteOfLane = shiftRight(iota<uint8_t>(), 3);
-    Vec<uint8_t> bitOfLane;
-    for (size_t i = 0; i < kBytes; ++i)
-        bitOfLane.raw[i] = static_cast<uint8_t>(1u << i % 8);
+    Vec<uint8_t> bitOfLane; // clang would make it anew, lane by lane, in each call of a loop
+    unrolled<kBytes>([&](auto i)
+                         RVK_INLINE_LAMBDA { bitOfLane.raw[size_t{i}] = static_cast<uint8_t>(1u << size_t{i} % 8); });
     return equal(lookup16(loadTable16(bits), byteOfLane) & bitOfLane, bitOfLane);
 }
 
