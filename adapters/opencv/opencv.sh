@@ -106,13 +106,13 @@ test_()
     for module in $modules; do
         runTests plain "$module" || echo "$module ended without results: $folder/plain.$module.log"
         runTests adapted "$module" || { echo "$module ended without results: $folder/adapted.$module.log"; result=1; }
-        python3 "$root/adapters/opencv/testResults.py" "$module" "$folder/plain.$module.xml" \
+        /usr/bin/python3 "$root/adapters/opencv/testResults.py" "$module" "$folder/plain.$module.xml" \
             "$folder/adapted.$module.xml" || result=1
     done
     return $result
 }
 
-compare() { python3 "$root/adapters/opencv/compare.py" "$folder/compare/ravikHalCompare" "$folder/plain/lib" "$folder/adapted/lib" "$@"; }
+compare() { /usr/bin/python3 "$root/adapters/opencv/compare.py" "$folder/compare/ravikHalCompare" "$folder/plain/lib" "$folder/adapted/lib" "$@"; }
 check_() { compare check "$@"; }
 time_() { compare time "$@"; }
 
