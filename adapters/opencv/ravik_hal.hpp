@@ -23,6 +23,72 @@ RAVIK_HAL_API int ravik_hal_absdiff8u(const uint8_t* src1, size_t src1Step, cons
 
 /* ---- imgproc ---------------------------------------------------------------------------------------------------- */
 
+struct cvhalFilter2D;
+
+RAVIK_HAL_API int ravik_hal_filterInit(cvhalFilter2D** context, uint8_t* kernel, size_t kernelStep, int kernelType,
+                                       int kernelWidth, int kernelHeight, int maxWidth, int maxHeight, int srcType,
+                                       int dstType, int borderType, double delta, int anchorX, int anchorY,
+                                       bool allowSubmatrix, bool allowInplace);
+#undef cv_hal_filterInit
+#define cv_hal_filterInit ravik_hal_filterInit
+
+RAVIK_HAL_API int ravik_hal_filter(cvhalFilter2D* context, uint8_t* src, size_t srcStep, uint8_t* dst, size_t dstStep,
+                                   int width, int height, int fullWidth, int fullHeight, int offsetX, int offsetY);
+#undef cv_hal_filter
+#define cv_hal_filter ravik_hal_filter
+
+RAVIK_HAL_API int ravik_hal_filterFree(cvhalFilter2D* context);
+#undef cv_hal_filterFree
+#define cv_hal_filterFree ravik_hal_filterFree
+
+RAVIK_HAL_API int ravik_hal_morphInit(cvhalFilter2D** context, int operation, int srcType, int dstType, int maxWidth,
+                                      int maxHeight, int kernelType, uint8_t* kernel, size_t kernelStep,
+                                      int kernelWidth, int kernelHeight, int anchorX, int anchorY, int borderType,
+                                      const double borderValue[4], int iterations, bool allowSubmatrix,
+                                      bool allowInplace);
+#undef cv_hal_morphInit
+#define cv_hal_morphInit ravik_hal_morphInit
+
+RAVIK_HAL_API int ravik_hal_morph(cvhalFilter2D* context, uint8_t* src, size_t srcStep, uint8_t* dst, size_t dstStep,
+                                  int width, int height, int srcFullWidth, int srcFullHeight, int srcX, int srcY,
+                                  int dstFullWidth, int dstFullHeight, int dstX, int dstY);
+#undef cv_hal_morph
+#define cv_hal_morph ravik_hal_morph
+
+RAVIK_HAL_API int ravik_hal_morphFree(cvhalFilter2D* context);
+#undef cv_hal_morphFree
+#define cv_hal_morphFree ravik_hal_morphFree
+
+RAVIK_HAL_API int ravik_hal_medianBlur(const uint8_t* src, size_t srcStep, uint8_t* dst, size_t dstStep, int width,
+                                       int height, int depth, int channels, int ksize);
+#undef cv_hal_medianBlur
+#define cv_hal_medianBlur ravik_hal_medianBlur
+
+RAVIK_HAL_API int ravik_hal_boxFilter(const uint8_t* src, size_t srcStep, uint8_t* dst, size_t dstStep, int width,
+                                      int height, int srcDepth, int dstDepth, int channels, int left, int top,
+                                      int right, int bottom, size_t kernelWidth, size_t kernelHeight, int anchorX,
+                                      int anchorY, bool normalize, int borderType);
+#undef cv_hal_boxFilter
+#define cv_hal_boxFilter ravik_hal_boxFilter
+
+RAVIK_HAL_API int ravik_hal_sobel(const uint8_t* src, size_t srcStep, uint8_t* dst, size_t dstStep, int width,
+                                  int height, int srcDepth, int dstDepth, int channels, int left, int top, int right,
+                                  int bottom, int dx, int dy, int ksize, double scale, double delta, int borderType);
+#undef cv_hal_sobel
+#define cv_hal_sobel ravik_hal_sobel
+
+RAVIK_HAL_API int ravik_hal_pyrdown(const uint8_t* src, size_t srcStep, int srcWidth, int srcHeight, uint8_t* dst,
+                                    size_t dstStep, int dstWidth, int dstHeight, int depth, int channels,
+                                    int borderType);
+#undef cv_hal_pyrdown
+#define cv_hal_pyrdown ravik_hal_pyrdown
+
+RAVIK_HAL_API int ravik_hal_canny(const uint8_t* src, size_t srcStep, uint8_t* dst, size_t dstStep, int width,
+                                  int height, int channels, double lowThreshold, double highThreshold, int ksize,
+                                  bool L2gradient);
+#undef cv_hal_canny
+#define cv_hal_canny ravik_hal_canny
+
 /* ---- features2d ------------------------------------------------------------------------------------------------- */
 
 #endif
