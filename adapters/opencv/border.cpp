@@ -123,7 +123,7 @@ private:
 // Rows of which a band and its copy stay in the cache, and few are copied twice.
 int rowsOfBand(const Target& target, int radius)
 {
-    constexpr size_t kCache = 256 << 10;
+    constexpr size_t kCache = 96 << 10;
     const size_t row = (target.width + 2 * radius) * (1 + target.pixelSize);
     return int(std::clamp<size_t>(kCache / row, 8 + 4 * radius, std::max(target.height, 8 + 4 * radius)));
 }

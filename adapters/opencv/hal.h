@@ -14,6 +14,7 @@ constexpr int kNotImplemented = 1;
 
 enum Depth { k8U, k8S, k16U, k16S, k32S, k32F, k64F };
 enum Morphology { kErode, kDilate };
+enum Threshold { kBinary, kBinaryInverse };
 enum Border { kConstant, kReplicate, kReflect, kWrap, kReflect101, kTransparent, kIsolated = 16 };
 
 inline int done(rvkStatus status)

@@ -8,6 +8,7 @@
 #include <ravik/median.h>
 #include <ravik/morphology.h>
 #include <ravik/scale.h>
+#include <ravik/threshold.h>
 
 #include <algorithm>
 #include <cfloat>
@@ -224,6 +225,22 @@ int ravik_hal_morph(cvhalFilter2D* context, uint8_t* src, size_t srcStep, uint8_
 int ravik_hal_morphFree(cvhalFilter2D* context)
 {
     return finish(context);
+}
+
+// ---- thresholds ---------------------------------------------------------------------------------------------------
+
+int ravik_hal_threshold(const uint8_t* src, size_t srcStep, uint8_t* dst, size_t dstStep, int width, int height,
+                        int depth, int channels, double threshold, double maxValue, int thresholdType)
+{
+    const bool isInverse = thresholdType == kBinaryInverse;
+    if (depth != k8U || (thresholdType != kBinary && !isInverse) || threshold < 0 || threshold > 255 ||
+        width > INT32_MAX / channels || !areStrides(width * channels, height, 1, {srcStep, dstStep}) ||
+        (src == dst && srcStep != dstStep && height > 1))
+        return kNotImplemented;
+    const uint8_t value = uint8_t(maxValue);
+    return done(rvkFilterThresholdu8_v3(src, width * channels, height, strideOf(srcStep, height), dst,
+                                        strideOf(dstStep, height), uint32_t(threshold), isInverse ? 0 : value,
+                                        isInverse ? value : 0));
 }
 
 // ---- smoothing ----------------------------------------------------------------------------------------------------

@@ -64,6 +64,12 @@ RAVIK_HAL_API int ravik_hal_medianBlur(const uint8_t* src, size_t srcStep, uint8
 #undef cv_hal_medianBlur
 #define cv_hal_medianBlur ravik_hal_medianBlur
 
+RAVIK_HAL_API int ravik_hal_threshold(const uint8_t* src, size_t srcStep, uint8_t* dst, size_t dstStep, int width,
+                                      int height, int depth, int channels, double threshold, double maxValue,
+                                      int thresholdType);
+#undef cv_hal_threshold
+#define cv_hal_threshold ravik_hal_threshold
+
 RAVIK_HAL_API int ravik_hal_boxFilter(const uint8_t* src, size_t srcStep, uint8_t* dst, size_t dstStep, int width,
                                       int height, int srcDepth, int dstDepth, int channels, int left, int top,
                                       int right, int bottom, size_t kernelWidth, size_t kernelHeight, int anchorX,

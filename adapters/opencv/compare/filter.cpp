@@ -87,6 +87,13 @@ std::vector<Operation> filterOperations()
         unary("dilate9x9", CV_8U, CV_8U, [](Draw& draw) { return morphology(draw, cv::dilate, 9); }),
         unary("medianBlur3x3", CV_8U, CV_8U,
               [](Draw&) { return [](const cv::Mat& src, cv::Mat& dst) { cv::medianBlur(src, dst, 3); }; }),
+        unary("threshold8u", CV_8U, CV_8U,
+              [](Draw& draw) {
+                  const double limit = draw.between(-20., 280., 100.), value = draw.between(0., 300., 255.);
+                  const int type = draw.among<int>({cv::THRESH_BINARY, cv::THRESH_BINARY_INV, cv::THRESH_TRUNC,
+                                                    cv::THRESH_BINARY | cv::THRESH_OTSU});
+                  return [=](const cv::Mat& src, cv::Mat& dst) { cv::threshold(src, dst, limit, value, type); };
+              }),
         unary("boxFilter3x3", CV_8U, CV_8U,
               [](Draw& draw) {
                   return [outside = border(draw)](const cv::Mat& src, cv::Mat& dst) {
