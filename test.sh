@@ -166,7 +166,7 @@ arm-clang() { emulatedArm arm-clang; }
 arm() { emulatedArm arm; }
 wellFormatted()
 {
-    find bench data docs examples include src tests tst -name '*.h' -o -name '*.cpp' | xargs clang-format-14 --dry-run -Werror
+    find adapters bench data docs examples include src tests tst -name '*.h' -o -name '*.cpp' | xargs clang-format-14 --dry-run -Werror
 }
 format() { one "format" wellFormatted; }
 clang() { buildAndTest clang && ravikTests clang "$(instructionSets)"; }

@@ -1,0 +1,6 @@
+#include "operation.h"
+
+std::vector<Operation> colorOperations()
+{
+    return {};
+}

@@ -1,0 +1,6 @@
+#include "operation.h"
+
+std::vector<Operation> features2dOperations()
+{
+    return {};
+}

@@ -1,0 +1,47 @@
+// What the adapter's units share. They need no header of OpenCV: the numbers of its interface stand here.
+#pragma once
+
+#include "ravik_hal.hpp"
+
+#include <ravik/types.h>
+
+#include <initializer_list>
+
+namespace rvk::hal {
+
+constexpr int kOk = 0;
+constexpr int kNotImplemented = 1;
+
+enum Depth { k8U, k8S, k16U, k16S, k32S, k32F, k64F };
+enum Morphology { kErode, kDilate };
+enum Threshold { kBinary, kBinaryInverse };
+enum Border { kConstant, kReplicate, kReflect, kWrap, kReflect101, kTransparent, kIsolated = 16 };
+
+inline int done(rvkStatus status)
+{
+    return status == RAVIK_SUCCESS ? kOk : kNotImplemented;
+}
+
+// A step of OpenCV as a stride of the library: 32 bits, of whole elements. The step of a picture of one row means
+// nothing, and may be anything; 0 is a packed row.
+inline uint32_t strideOf(size_t step, int height)
+{
+    return height == 1 ? 0 : uint32_t(step);
+}
+
+// Whether the library can take pictures with such a size and such steps. A step below the row would be one of rows
+// that overlap, or of one row that is repeated.
+inline bool areStrides(int width, int height, size_t elementSize, std::initializer_list<size_t> steps)
+{
+    if (width <= 0 || height <= 0 || width > INT32_MAX / 64)
+        return false;
+    if (height == 1)
+        return true;
+    for (size_t step : steps) {
+        if (step % elementSize || step < width * elementSize || step > INT32_MAX / 2)
+            return false;
+    }
+    return true;
+}
+
+} // namespace rvk::hal
