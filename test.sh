@@ -6,6 +6,7 @@
 #                      the thread sanitizer, bounded fuzzing, the report page in a browser, the reference, Python
 #   ./test.sh STEP...  only these: host asan arm-clang format clang android arm aarch64 tsan fuzz report docs
 #                      python
+#   ./test.sh opencv   OpenCV built twice, with the adapter and without, and its own tests on both: takes long
 #
 # --fuzz-seconds N, before these, gives each fuzz target N seconds instead of 60.
 # The last line says how many tests passed and failed; what a failed one printed is above it and in build/logs.
@@ -21,6 +22,7 @@ cd "$root" || exit 1
 fuzzSeconds=60
 usual="host asan arm-clang"
 extra="format clang android arm aarch64 tsan fuzz report docs python"
+alone="opencv" # not part of --all
 
 passed=0
 failed=0
@@ -229,6 +231,15 @@ python()
     one "python: types of the examples" pythonTypes
 }
 
+opencv()
+{
+    one "opencv: build" adapters/opencv/opencv.sh build || return
+    one "opencv: its own tests" adapters/opencv/opencv.sh test
+    one "opencv: random calls" adapters/opencv/opencv.sh check
+    one "opencv: times" adapters/opencv/opencv.sh time
+    tail -n 6 "$(logOf "opencv: its own tests")" "$(logOf "opencv: times")"
+}
+
 needs() # STEP
 {
     local googletest=/usr/src/googletest/CMakeLists.txt:googletest
@@ -247,6 +258,7 @@ needs() # STEP
             /usr/lib/python3/dist-packages/mypy:mypy
         ;;
     format) need clang-format-14:clang-format-14 ;;
+    opencv) adapters/opencv/opencv.sh needs ;;
     arm) needBuildTools $googletest && needArm ;;
     arm-clang) needBuildTools $googletest clang++-14:clang-14 && needArm ;;
     clang) needBuildTools pkg-config:pkg-config $googletest clang++-14:clang-14 ;;
@@ -298,7 +310,7 @@ case ${1-} in
 *) steps=$* ;;
 esac
 for step in $steps; do
-    if ! [[ " $usual $extra " == *" $step "* ]]; then
+    if ! [[ " $usual $extra $alone " == *" $step "* ]]; then
         sed -n '2,/^set -u/s/^# \{0,1\}//p' "$0" >&2
         exit 1
     fi

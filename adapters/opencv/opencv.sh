@@ -9,7 +9,7 @@
 #   check      random calls on both: the same results
 #   time       how much faster, at 640x480 and 1920x1080, on one thread
 #
-# Without a step: all of them. After a step's name and a colon may stand a part of an operation's name: time:Canny.
+# Without a step: all of these. "needs" installs what they need. After a step's name and a colon may stand a part of an operation's name: time:Canny.
 set -u
 . "$(dirname "$0")/../../tools/setup.sh"
 
@@ -78,10 +78,15 @@ buildCompare()
         quietly "$folder/compare.log" cmake --build "$folder/compare" -j "$jobs"
 }
 
+needs_()
+{
+    needBuildTools apt-get:apt dpkg-source:dpkg-dev /usr/bin/python3:python3 \
+        /usr/lib/python3/dist-packages/numpy:python3-numpy /usr/include/png.h:libpng-dev
+}
+
 build_()
 {
-    needBuildTools apt-get:apt dpkg-source:dpkg-dev python3:python3 \
-        /usr/lib/python3/dist-packages/numpy:python3-numpy /usr/include/png.h:libpng-dev
+    needs_
     mkdir -p "$folder"
     fetchSource && buildAdapter && buildOpenCv plain &&
         buildOpenCv adapted -DOpenCV_HAL=ravik -Dravik_DIR="$folder/ravik/lib/cmake/ravik" &&
@@ -120,7 +125,7 @@ for step in "${@:-build test check time}"; do
     for one in $step; do
         name=${one%%:*}
         case $name in
-        build | test | check | time) ;;
+        needs | build | test | check | time) ;;
         *) sed -n '2,/^set -u/s/^# \{0,1\}//p' "$0" >&2; exit 1 ;;
         esac
         filter=${one#"$name"}
