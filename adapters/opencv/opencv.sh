@@ -99,9 +99,9 @@ build_()
 runTests() # plain|adapted MODULE
 {
     local out=$folder/$1.$2
+    rm -f "$out.xml"
     (cd "$folder" && OPENCV_TEST_DATA_PATH=$folder/source LD_LIBRARY_PATH=$folder/$1/lib \
         "$folder/$1/bin/opencv_test_$2" --test_threads=1 --gtest_output="xml:$out.xml" >"$out.log" 2>&1)
-    [ -s "$out.xml" ]
 }
 
 test_()
@@ -109,8 +109,9 @@ test_()
     local module result=0
     printf '%-12s %8s %8s %8s   %s\n' module tests plain adapted "fail only with the adapter"
     for module in $modules; do
-        runTests plain "$module" || echo "$module ended without results: $folder/plain.$module.log"
-        runTests adapted "$module" || { echo "$module ended without results: $folder/adapted.$module.log"; result=1; }
+        runTests plain "$module" &
+        runTests adapted "$module" &
+        wait
         /usr/bin/python3 "$root/adapters/opencv/testResults.py" "$module" "$folder/plain.$module.xml" \
             "$folder/adapted.$module.xml" || result=1
     done

@@ -5,13 +5,17 @@
 
 Prints a line for the summary, and each test that fails only with the adapter; then its exit status is 1.
 """
+import os
 import sys
 import xml.etree.ElementTree
 
 
 def outcomes(path):
-    """Whether each test passed, by its name."""
+    """Whether each test passed, by its name. A program that broke off has none."""
     tests = {}
+    if not os.path.exists(path):
+        print(f"There is no {path}: see the log beside it")
+        return tests
     for case in xml.etree.ElementTree.parse(path).iter("testcase"):
         if case.get("status") == "run":
             name = f"{case.get('classname')}.{case.get('name')} {case.get('value_param') or ''}"
