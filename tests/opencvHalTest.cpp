@@ -87,6 +87,25 @@ TEST(OpencvHal, BadArgumentsAreLeftToOpenCV)
         ASSERT_EQ(byte, 0);
 }
 
+TEST(OpencvHal, CornersOfOtherKindsAreLeftToOpenCV)
+{
+    const std::vector<uint8_t> src(100 * 20);
+    int stored = 0;
+    const auto store = [](void* list, const uint32_t*, const uint32_t*, uint32_t) { ++*static_cast<int*>(list); };
+    const auto corners = [&](size_t step, int width, int height, int threshold, int type) {
+        return ravik_hal_FASTInto(src.data(), step, width, height, threshold, true, type, store, &stored);
+    };
+    EXPECT_EQ(corners(100, 100, 20, 10, 1), kNotImplemented);  // another circle
+    EXPECT_EQ(corners(100, 100, 20, 0, 2), kNotImplemented);   // scores of 0
+    EXPECT_EQ(corners(100, 100, 20, 255, 2), kNotImplemented); // none
+    EXPECT_EQ(corners(100, 100, 6, 10, 2), kNotImplemented);   // no room for a circle
+    EXPECT_EQ(corners(99, 100, 20, 10, 2), kNotImplemented);
+    EXPECT_EQ(corners(0, INT32_MAX, INT32_MAX, 10, 2), kNotImplemented);
+    EXPECT_EQ(stored, 0);
+    EXPECT_EQ(corners(100, 100, 20, 10, 2), 0);
+    EXPECT_EQ(stored, 1);
+}
+
 // The step of a picture of one row means nothing.
 TEST(OpencvHal, OneRowHasAnyStep)
 {

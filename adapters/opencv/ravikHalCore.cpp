@@ -10,10 +10,6 @@
 #include <ravik/statistics.h>
 #include <ravik/transform.h>
 
-#include <algorithm>
-#include <memory>
-#include <new>
-
 using namespace rvk::hal;
 
 // ---- element by element ------------------------------------------------------------------------------------------
@@ -120,11 +116,19 @@ int ravik_hal_mul8u16u(const uint8_t* src1, size_t src1Step, const uint8_t* src2
 
 // ---- channels ----------------------------------------------------------------------------------------------------
 
+namespace {
+
+// OpenCV writes past the caches, which is faster for what does not fit into them. Four channels gain nothing.
+bool areChannelsInCaches(int length, int channels)
+{
+    return length > 0 && (channels == 2 || channels == 3) && length <= (1 << 20) / channels;
+}
+
+} // namespace
+
 int ravik_hal_split8u(const uint8_t* src, uint8_t** dst, int length, int channels)
 {
-    // OpenCV writes large planes past the caches, which is faster there. Four channels gain nothing.
-    constexpr int kInCaches = 1 << 20;
-    if (length < 1 || channels < 2 || channels > 3 || length > kInCaches / channels)
+    if (!areChannelsInCaches(length, channels))
         return kNotImplemented;
     const Extent from = extentOf(src, 0, size_t(length) * channels, 1);
     for (int i = 0; i < channels; i++) {
@@ -143,13 +147,11 @@ int ravik_hal_split8u(const uint8_t* src, uint8_t** dst, int length, int channel
 
 int ravik_hal_merge8u(const uint8_t** src, uint8_t* dst, int length, int channels)
 {
-    if (!areStrides(length, 1, 1, {}))
+    if (!areChannelsInCaches(length, channels))
         return kNotImplemented;
     if (channels == 2)
         return done(rvkChannelCombine2Planesu8(src[0], length, 1, 0, src[1], 0, dst, 0));
-    if (channels == 3)
-        return done(rvkChannelCombine3Planesu8(src[0], length, 1, 0, src[1], 0, src[2], 0, dst, 0));
-    return kNotImplemented;
+    return done(rvkChannelCombine3Planesu8(src[0], length, 1, 0, src[1], 0, src[2], 0, dst, 0));
 }
 
 // ---- pixels moved ------------------------------------------------------------------------------------------------
@@ -311,27 +313,13 @@ int ravik_hal_gemm32f(const float* src1, size_t src1Step, const float* src2, siz
                                      strideOf(src2Step, length), dst, strideOf(dstStep, height)));
 }
 
-int ravik_hal_SVD32f(float* src, size_t srcStep, float* w, float* u, size_t, float* vt, size_t vtStep, int m, int n,
-                     int flags)
+int ravik_hal_SVD32f(float* src, size_t srcStep, float* w, float*, size_t, float*, size_t, int m, int n, int flags)
 {
-    enum { kNoUV = 1, kShortUV = 2, kModifyA = 4 };
-    constexpr int kSmallest = 6; // OpenCV is as fast below
-    if (m < n || n < kSmallest || !areStrides(m, n, sizeof(float), {srcStep}))
+    // Without vectors: OpenCV's are less exact, but their errors cancel when equations are solved by them.
+    constexpr int kNoVectors = 1, kSmallest = 6; // OpenCV is as fast below
+    if (flags != kNoVectors || m < n || n < kSmallest || !areStrides(m, n, sizeof(float), {srcStep}))
         return kNotImplemented;
-    const uint32_t stride = strideOf(srcStep, n);
-    if (flags == kNoUV)
-        return done(rvkSVDf32(src, m, n, stride, w, nullptr, 0, nullptr, 0));
-    if (flags != (kShortUV | kModifyA) || u || !areStrides(n, n, sizeof(float), {vtStep}))
-        return kNotImplemented;
-    // The transpose of A is given, so what is U for the library is the transpose of what is wanted as Vt.
-    const std::unique_ptr<float[]> ut(new (std::nothrow) float[size_t(n) * m]);
-    const std::unique_ptr<float[]> v(new (std::nothrow) float[size_t(n) * n]);
-    if (!ut || !v || rvkSVDf32(src, m, n, stride, w, v.get(), 0, ut.get(), 0) != RAVIK_SUCCESS)
-        return kNotImplemented;
-    rvkTransposef32(v.get(), n, n, 0, vt, strideOf(vtStep, n));
-    for (int i = 0; i < n; i++)
-        std::copy_n(ut.get() + size_t(i) * m, m, src + i * (srcStep / sizeof(float)));
-    return kOk;
+    return done(rvkSVDf32(src, m, n, strideOf(srcStep, n), w, nullptr, 0, nullptr, 0));
 }
 
 // ---- extremes ----------------------------------------------------------------------------------------------------

@@ -71,14 +71,18 @@ RAVIK_HAL_API int ravik_hal_merge8u(const uint8_t** src, uint8_t* dst, int lengt
 
 RAVIK_HAL_API int ravik_hal_SVD32f(float* src, size_t srcStep, float* w, float* u, size_t, float* vt, size_t vtStep,
                                    int m, int n, int flags);
+#ifndef HAVE_LAPACK // which OpenCV calls by the same hook
 #undef cv_hal_SVD32f
 #define cv_hal_SVD32f ravik_hal_SVD32f
+#endif
 
 RAVIK_HAL_API int ravik_hal_gemm32f(const float* src1, size_t src1Step, const float* src2, size_t src2Step, float alpha,
                                     const float* src3, size_t, float beta, float* dst, size_t dstStep, int height,
                                     int length, int width, int flags);
+#ifndef HAVE_LAPACK // which OpenCV calls by the same hook
 #undef cv_hal_gemm32f
 #define cv_hal_gemm32f ravik_hal_gemm32f
+#endif
 
 RAVIK_HAL_API int ravik_hal_minMaxIdx(const uint8_t* src, size_t step, int width, int height, int depth, double* minVal,
                                       double* maxVal, int* minIdx, int* maxIdx, uint8_t* mask);
@@ -109,5 +113,37 @@ RAVIK_HAL_API int ravik_hal_transpose2d(const uint8_t* src, size_t srcStep, uint
 /* ---- imgproc ---------------------------------------------------------------------------------------------------- */
 
 /* ---- features2d ------------------------------------------------------------------------------------------------- */
+
+/* Stores corners in a list: columns and rows in turn, and their scores, which may be null. */
+typedef void (*ravik_hal_storeCorners)(void* list, const uint32_t* xy, const uint32_t* scores, uint32_t count);
+
+RAVIK_HAL_API int ravik_hal_FASTInto(const uint8_t* src, size_t step, int width, int height, int threshold,
+                                     bool suppress, int type, ravik_hal_storeCorners store, void* list);
+
+template <typename KeyPoints>
+inline void ravikHalStoreKeyPoints(void* list, const uint32_t* xy, const uint32_t* scores, uint32_t count)
+{
+    KeyPoints& points = *static_cast<KeyPoints*>(list);
+    points.clear();
+    points.reserve(count);
+    for (uint32_t i = 0; i < count; i++)
+        points.emplace_back(float(xy[2 * i]), float(xy[2 * i + 1]), 7.f, -1.f, scores ? float(scores[i]) : 0.f);
+}
+
+template <typename KeyPoints>
+inline int ravikHalFAST(const uint8_t* src, size_t step, int width, int height, KeyPoints& points, int threshold,
+                        bool suppress, int type)
+{
+    return ravik_hal_FASTInto(src, step, width, height, threshold, suppress, type, ravikHalStoreKeyPoints<KeyPoints>,
+                              &points);
+}
+
+/* Up to 4.10 OpenCV hands this hook a list without room in it. Where it calls the hook, in
+ * modules/features2d/src/fast.cpp and nowhere else, the list itself is called `keypoints`. */
+#if defined(CV_VERSION_MAJOR) && CV_VERSION_MAJOR == 4 && CV_VERSION_MINOR <= 10
+#undef cv_hal_FAST
+#define cv_hal_FAST(src, step, width, height, memory, count, threshold, suppress, type) \
+    ((void)(count), ravikHalFAST(src, step, width, height, keypoints, threshold, suppress, type))
+#endif
 
 #endif
