@@ -300,7 +300,7 @@ int ravik_hal_gemm32f(const float* src1, size_t src1Step, const float* src2, siz
     // OpenCV sums in double precision. A sum of 512 products in single precision is within 2^-15 of the sum of their
     // magnitudes, and OpenCV's tests allow 5e-5.
     constexpr int kLongestSum = 512;
-    if (flags || alpha != 1 || (src3 && beta != 0) || length > kLongestSum)
+    if (flags || (src3 && beta != 0) || length > kLongestSum)
         return kNotImplemented;
     if (!areStrides(length, height, sizeof(float), {src1Step}) ||
         !areStrides(width, length, sizeof(float), {src2Step}) || !areStrides(width, height, sizeof(float), {dstStep}))
@@ -309,8 +309,12 @@ int ravik_hal_gemm32f(const float* src1, size_t src1Step, const float* src2, siz
     if (!areApart(to, extentOf(src1, src1Step, length * sizeof(float), height)) ||
         !areApart(to, extentOf(src2, src2Step, width * sizeof(float), length)))
         return kNotImplemented;
-    return done(rvkMatrixMultiplyf32(src1, length, height, strideOf(src1Step, height), src2, width,
-                                     strideOf(src2Step, length), dst, strideOf(dstStep, height)));
+    const uint32_t stride = strideOf(dstStep, height);
+    const rvkStatus status = rvkMatrixMultiplyf32(src1, length, height, strideOf(src1Step, height), src2, width,
+                                                  strideOf(src2Step, length), dst, stride);
+    if (status == RAVIK_SUCCESS && alpha != 1)
+        return done(rvkMultiplyScalarf32(dst, width, height, stride, alpha, dst, stride));
+    return done(status);
 }
 
 int ravik_hal_SVD32f(float* src, size_t srcStep, float* w, float*, size_t, float*, size_t, int m, int n, int flags)

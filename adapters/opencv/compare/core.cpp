@@ -94,7 +94,7 @@ Operation gemm(const char* name, int most)
                             const cv::Mat a = draw.noise(CV_32F, cv::Size(length, rows), -1, 1),
                                           b = draw.noise(CV_32F, cv::Size(columns, length), -1, 1);
                             const int flags = draw.among({0, 0, 0, int(cv::GEMM_1_T)});
-                            const double alpha = draw.among({1., 1., 1., 2.});
+                            const double alpha = draw.among({1., 1., 2., -0.7});
                             Draw::Destination to = draw.destination(CV_32F, cv::Size(columns, rows));
                             return Call{[=]() mutable {
                                             cv::gemm(flags ? cv::Mat(a.t()) : a, b, alpha, cv::noArray(), 0, to.region,
