@@ -91,8 +91,8 @@ Operation gemm(const char* name, int most)
     Operation operation{name, [=](Draw& draw) {
                             const int rows = draw.between(1, most, most), columns = draw.between(1, most, most),
                                       length = draw.between(1, most, most);
-                            const cv::Mat a = draw.noise(CV_32F, cv::Size(length, rows), -1, 1),
-                                          b = draw.noise(CV_32F, cv::Size(columns, length), -1, 1);
+                            const cv::Mat a = draw.noise(CV_32F, cv::Size(length, rows), -0.25, 0.25),
+                                          b = draw.noise(CV_32F, cv::Size(columns, length), -0.25, 0.25);
                             const int flags = draw.among({0, 0, 0, int(cv::GEMM_1_T)});
                             const double alpha = draw.among({1., 1., 2., -0.7});
                             Draw::Destination to = draw.destination(CV_32F, cv::Size(columns, rows));
