@@ -10,6 +10,10 @@
 #include <ravik/statistics.h>
 #include <ravik/transform.h>
 
+#include <memory>
+#include <new>
+#include <utility>
+
 using namespace rvk::hal;
 
 // ---- element by element ------------------------------------------------------------------------------------------
@@ -293,27 +297,63 @@ int ravik_hal_normHammingDiff8u(const uint8_t* a, const uint8_t* b, int length, 
 
 // ---- matrices ----------------------------------------------------------------------------------------------------
 
+namespace {
+
+// A factor of a product as the library takes it: as it is stored, or its transpose in memory of its own.
+struct Factor
+{
+    const float* data; // null where there is no memory
+    uint32_t stride;
+    std::unique_ptr<float[]> transpose;
+};
+
+Factor factorOf(const float* data, size_t step, int width, int height, bool isTransposed)
+{
+    if (!isTransposed)
+        return {data, strideOf(step, height), nullptr};
+    std::unique_ptr<float[]> transpose(new (std::nothrow) float[size_t(width) * height]);
+    if (transpose)
+        rvkTransposef32(data, width, height, strideOf(step, height), transpose.get(), 0);
+    const float* transposed = transpose.get();
+    return {transposed, 0, std::move(transpose)};
+}
+
+} // namespace
+
 int ravik_hal_gemm32f(const float* src1, size_t src1Step, const float* src2, size_t src2Step, float alpha,
-                      const float* src3, size_t, float beta, float* dst, size_t dstStep, int height, int length,
-                      int width, int flags)
+                      const float* src3, size_t, float beta, float* dst, size_t dstStep, int height1, int width1,
+                      int dstWidth, int flags)
 {
     // OpenCV sums in double precision. A sum of 512 products in single precision is within 2^-15 of the sum of their
     // magnitudes, and OpenCV's tests allow 5e-5.
-    constexpr int kLongestSum = 512;
-    if (flags || (src3 && beta != 0) || length > kLongestSum)
+    constexpr int kLongestSum = 512, kTransposed1 = 1, kTransposed2 = 2;
+    // The library computes several columns at once; OpenCV is faster with a few long rows that only have to be summed.
+    constexpr int kLongRow = 32, kFewRows = 4;
+    if ((flags & ~(kTransposed1 | kTransposed2)) || (src3 && beta != 0))
         return kNotImplemented;
-    if (!areStrides(length, height, sizeof(float), {src1Step}) ||
-        !areStrides(width, length, sizeof(float), {src2Step}) || !areStrides(width, height, sizeof(float), {dstStep}))
+    const bool transposed1 = flags & kTransposed1, transposed2 = flags & kTransposed2;
+    const int length = transposed1 ? height1 : width1, dstHeight = transposed1 ? width1 : height1;
+    const int width2 = transposed2 ? length : dstWidth, height2 = transposed2 ? dstWidth : length;
+    const bool areSummed = dstWidth == 1 || (transposed2 && (dstWidth < kFewRows || dstHeight < kFewRows));
+    if (length > kLongestSum || (areSummed && length > kLongRow))
         return kNotImplemented;
-    const Extent to = extentOf(dst, dstStep, width * sizeof(float), height);
-    if (!areApart(to, extentOf(src1, src1Step, length * sizeof(float), height)) ||
-        !areApart(to, extentOf(src2, src2Step, width * sizeof(float), length)))
+    if (!areStrides(width1, height1, sizeof(float), {src1Step}) ||
+        !areStrides(width2, height2, sizeof(float), {src2Step}) ||
+        !areStrides(dstWidth, dstHeight, sizeof(float), {dstStep}))
         return kNotImplemented;
-    const uint32_t stride = strideOf(dstStep, height);
-    const rvkStatus status = rvkMatrixMultiplyf32(src1, length, height, strideOf(src1Step, height), src2, width,
-                                                  strideOf(src2Step, length), dst, stride);
+    const Extent to = extentOf(dst, dstStep, dstWidth * sizeof(float), dstHeight);
+    if (!areApart(to, extentOf(src1, src1Step, width1 * sizeof(float), height1)) ||
+        !areApart(to, extentOf(src2, src2Step, width2 * sizeof(float), height2)))
+        return kNotImplemented;
+    const Factor a = factorOf(src1, src1Step, width1, height1, transposed1);
+    const Factor b = factorOf(src2, src2Step, width2, height2, transposed2);
+    if (!a.data || !b.data)
+        return kNotImplemented;
+    const uint32_t stride = strideOf(dstStep, dstHeight);
+    const rvkStatus status =
+        rvkMatrixMultiplyf32(a.data, length, dstHeight, a.stride, b.data, dstWidth, b.stride, dst, stride);
     if (status == RAVIK_SUCCESS && alpha != 1)
-        return done(rvkMultiplyScalarf32(dst, width, height, stride, alpha, dst, stride));
+        return done(rvkMultiplyScalarf32(dst, dstWidth, dstHeight, stride, alpha, dst, stride));
     return done(status);
 }
 

@@ -86,23 +86,23 @@ Operation minMax(const char* name, int depth)
 }
 
 // Products of matrices of up to `most` rows and columns.
-Operation gemm(const char* name, int most)
+Operation gemm(const char* name, int most, int flagsToTime = 0)
 {
-    Operation operation{name, [=](Draw& draw) {
-                            const int rows = draw.between(1, most, most), columns = draw.between(1, most, most),
-                                      length = draw.between(1, most, most);
-                            const cv::Mat a = draw.noise(CV_32F, cv::Size(length, rows), -0.25, 0.25),
-                                          b = draw.noise(CV_32F, cv::Size(columns, length), -0.25, 0.25);
-                            const int flags = draw.among({0, 0, 0, int(cv::GEMM_1_T)});
-                            const double alpha = draw.among({1., 1., 2., -0.7});
-                            Draw::Destination to = draw.destination(CV_32F, cv::Size(columns, rows));
-                            return Call{[=]() mutable {
-                                            cv::gemm(flags ? cv::Mat(a.t()) : a, b, alpha, cv::noArray(), 0, to.region,
-                                                     flags);
-                                        },
-                                        {to.whole},
-                                        (a.total() + b.total()) * sizeof(float)};
-                        }};
+    Operation operation{
+        name, [=](Draw& draw) {
+            const int rows = draw.between(1, most, most), columns = draw.between(1, most, most),
+                      length = draw.between(1, most, most);
+            const int flags = draw.among({flagsToTime, 0, 0, 1, 2, 3});
+            const cv::Size size1 = flags & cv::GEMM_1_T ? cv::Size(rows, length) : cv::Size(length, rows);
+            const cv::Size size2 = flags & cv::GEMM_2_T ? cv::Size(length, columns) : cv::Size(columns, length);
+            const cv::Mat a = draw.noise(CV_32F, size1, -0.25, 0.25), b = draw.noise(CV_32F, size2, -0.25, 0.25);
+            const cv::Mat c = draw.among({0, 0, 1}) ? draw.noise(CV_32F, cv::Size(columns, rows), -1, 1) : cv::Mat();
+            const double alpha = draw.among({1., 1., 2., -0.7});
+            Draw::Destination to = draw.destination(CV_32F, cv::Size(columns, rows));
+            return Call{[=]() mutable { cv::gemm(a, b, alpha, c, 1, to.region, flags); },
+                        {to.whole},
+                        (a.total() + b.total()) * sizeof(float)};
+        }};
     operation.within = 5e-5;
     return operation;
 }
@@ -146,6 +146,8 @@ std::vector<Operation> coreOperations()
         gemm("gemm32f16x16", 16),
         gemm("gemm32f64x64", 64),
         gemm("gemm32f512x512", 512),
+        gemm("gemm32f16x16Transposed1", 16, cv::GEMM_1_T),
+        gemm("gemm32f64x64Transposed2", 64, cv::GEMM_2_T),
         singularValues("SVD32f6x6", 6, 6),
         singularValues("SVD32f32x9", 32, 9),
         singularValues("SVD32f64x64", 64, 64),
