@@ -11,7 +11,7 @@ using namespace rvk::hal;
 int ravik_hal_FASTInto(const uint8_t* src, size_t step, int width, int height, int threshold, bool suppress, int type,
                        ravik_hal_storeCorners store, void* list)
 {
-    constexpr int kType9Of16 = 2, kCircle = 7, kMostPixels = 1 << 26;
+    constexpr int kType9Of16 = 2, kCircle = 7, kMostPixels = 1 << 24;
     constexpr int kNarrowest = 80; // OpenCV's shorter vectors are faster below
     // With suppression and a threshold of 0 OpenCV drops corners of score 0.
     if (type != kType9Of16 || threshold < int(suppress) || threshold > 254 || width < kNarrowest || height < kCircle ||
