@@ -42,10 +42,13 @@ quietly() # LOG COMMAND...: shows the end of the log when the command fails
     "$@" >>"$log" 2>&1 || { tail -n 30 "$log" >&2; echo "All of it: $log" >&2; return 1; }
 }
 
-buildAdapter()
+buildAdapter() # the library as it is released, installed without the tests' data
 {
-    build release ravikHal ravikShared ravikStatic ravikTest &&
-        quietly "$folder/install.log" cmake --install "$root/build/release" --prefix "$folder/ravik"
+    rm -rf "$folder/ravik"
+    quietly "$folder/library.log" cmake -S "$root" --preset release -B "$folder/library" -DRAVIK_TEST_DATA=OFF \
+        -DRAVIK_BUILD_BENCH=OFF -DRAVIK_BUILD_EXAMPLES=OFF &&
+        quietly "$folder/library.log" cmake --build "$folder/library" -j "$jobs" &&
+        quietly "$folder/library.log" cmake --install "$folder/library" --prefix "$folder/ravik"
 }
 
 buildOpenCv() # plain|adapted [CMAKE ARGUMENTS...]: without the libraries that it would use besides, so that its own code is what is compared
