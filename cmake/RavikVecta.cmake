@@ -9,7 +9,7 @@ if(ravikIsX86)
     set(ravikFlags_sse42 -msse4.2 -mpopcnt)
     set(ravikFlags_avx2 ${ravikFlags_sse42} -mavx2 -mbmi)
     set(ravikFlags_avx512 ${ravikFlags_avx2} -mavx512f -mavx512cd -mavx512bw -mavx512dq -mavx512vl
-        -mavx512vbmi -mavx512vbmi2 -mavx512vnni -mavx512vpopcntdq -mavx512bitalg)
+        -mavx512vbmi -mavx512vbmi2 -mavx512vnni -mavx512vpopcntdq -mavx512bitalg -mgfni)
 elseif(ravikIsArm32)
     set(knownInstructionSets neon)
     # clang would pack neighbouring scalar floats into NEON registers, which flush denormals.

@@ -43,7 +43,8 @@ struct CpuHas
                __builtin_cpu_supports("avx512bw") && __builtin_cpu_supports("avx512dq") &&
                __builtin_cpu_supports("avx512vl") && __builtin_cpu_supports("avx512vbmi") &&
                __builtin_cpu_supports("avx512vbmi2") && __builtin_cpu_supports("avx512vnni") &&
-               __builtin_cpu_supports("avx512vpopcntdq") && __builtin_cpu_supports("avx512bitalg");
+               __builtin_cpu_supports("avx512vpopcntdq") && __builtin_cpu_supports("avx512bitalg") &&
+               __builtin_cpu_supports("gfni");
     }
 #elif defined(__arm__)
     static bool neon()

@@ -10,7 +10,7 @@
 #pragma once
 
 #include "cpu/ravikFastC.h"
-#include "vecta/simd/simd.h"
+#include "vecta/simd/windows.h"
 #include "vecta/vecta.h"
 
 #include <ravik/fast.h>
@@ -78,14 +78,36 @@ RVK_INLINE Bytes contrasts(const uint8_t* const* blocks, ptrdiff_t stride)
     return max(subSat(bestArc<arc, Brighter>(circle), centre), subSat(centre, bestArc<arc, Darker>(circle)));
 }
 
-// Which pixels of a step may be corners: of two pixels that are opposite, every arc has one. The numbers are those of
-// the first ones.
-template <size_t... i>
+// Pairs of pixels of which every arc has one, since too few pixels lie between them on either side: opposite ones for
+// arcs of 9, closer ones for arcs of 10. Closer ones rule out more: half of the pixels that opposite ones leave, those
+// beside straight edges, where half of the circle is brighter or darker. Which pairs leave least is found by trial of all
+// on natural pictures, and so is which of them come first.
+template <uint32_t arc>
+struct TestedPairs;
+template <>
+struct TestedPairs<9>
+{
+    static constexpr size_t distance = 8;
+    using First = Indices<2, 6>;
+    using Second = Indices<0, 4>;
+    using All = Indices<0, 4, 2, 6>;
+};
+template <>
+struct TestedPairs<10>
+{
+    static constexpr size_t distance = 6;
+    using First = Indices<7, 15>;
+    using Second = Indices<3, 11>;
+    using All = Indices<7, 15, 3, 11>;
+};
+
+// Which pixels of a step may be corners by the pairs that begin with these pixels of the circle.
+template <uint32_t arc, size_t... i>
 RVK_INLINE Mask<uint8_t> mayBeCorners(const uint8_t* pixel, ptrdiff_t stride, Bytes barrier, Indices<i...>)
 {
-    constexpr size_t pairs = sizeof...(i), half = kCirclePoints / 2;
+    constexpr size_t pairs = sizeof...(i), distance = TestedPairs<arc>::distance;
     const Vecs<uint8_t, pairs> first = {{load(pixel + offsetOf(i, stride))...}};
-    const Vecs<uint8_t, pairs> second = {{load(pixel + offsetOf(i + half, stride))...}};
+    const Vecs<uint8_t, pairs> second = {{load(pixel + offsetOf((i + distance) % kCirclePoints, stride))...}};
     const Bytes centre = load(pixel);
     if constexpr (kBytes == 64) { // a unit of its own compares, while one alone has min, max and saturation
         const Bytes high = addSat(centre, barrier), low = subSat(centre, barrier);
@@ -128,6 +150,8 @@ struct Corners
     uint32_t count = 0;
     uint32_t lastX = 0, lastY = 0; // of the pixel taken last
 
+    RVK_INLINE bool needsContrasts() const { return contrasts.data || list.scores; }
+
     // False when there is no room for another one.
     RVK_INLINE bool take(uint32_t x, uint32_t y, uint8_t contrast)
     {
@@ -153,6 +177,7 @@ struct Corners
 struct Search
 {
     uint32_t begin, end; // columns
+    uint32_t second;     // where the second step begins
     uint32_t last;       // where the last step begins, whose circles end with the row
     uint8_t barrier;
     ptrdiff_t stride;
@@ -166,7 +191,7 @@ struct Candidates
     {
         const uint8_t* pixels; // its column 0
         uint32_t y;
-        size_t end; // behind its steps, later its blocks
+        size_t end; // behind its steps
     };
 
     const uint8_t* steps[kMost + 1];
@@ -182,50 +207,140 @@ struct Candidates
 constexpr size_t kBlockBytes = 16, kBlocks = kBytes / kBlockBytes;
 constexpr size_t kMostBlocks = Candidates::kMost * kBlocks;
 
-// The blocks of the candidates that may have corners. How many there are.
-RVK_INLINE size_t takeBlocks(Candidates& candidates, const uint8_t* (&blocks)[kMostBlocks + kBlocks])
+// The blocks of the candidates that may have corners, row by row.
+struct Blocks
+{
+    const uint8_t* pixels[kMostBlocks + kBlocks]; // the last of them repeated, so that whole vectors of blocks are
+    LaneBits corners[Candidates::kMost];          // of vectors of blocks, where they are known
+    size_t ends[ContrastRows::kBand];             // behind the blocks of each row
+    size_t count;
+
+    RVK_INLINE void finish(size_t end)
+    {
+        for (size_t i = 0; i < kBlocks && end; ++i)
+            pixels[end + i] = pixels[end - 1];
+        count = end;
+    }
+};
+
+RVK_INLINE void takeBlocks(const Candidates& candidates, Blocks& blocks)
 {
     size_t count = 0, step = 0;
     for (size_t r = 0; r < candidates.rowCount; ++r) {
         for (; step < candidates.rows[r].end; ++step)
             for (size_t i = 0; i < kBlocks; ++i) {
-                blocks[count] = candidates.steps[step] + i * kBlockBytes;
+                blocks.pixels[count] = candidates.steps[step] + i * kBlockBytes;
                 count += (candidates.bits[step] >> i * kBlockBytes & 0xffff) != 0;
             }
-        candidates.rows[r].end = count;
+        blocks.ends[r] = count;
     }
-    for (size_t i = 0; i < kBlocks && count; ++i)
-        blocks[count + i] = blocks[count - 1];
-    return count;
+    blocks.finish(count);
+}
+
+// Where comparisons give bits (AVX-512), corners without contrasts are found in the bits of many pixels at once: half of
+// the work.
+constexpr bool kSiftsBlocks = kBytes == 64;
+
+struct InAll // arcs of bits: those that all pixels have, of any arc
+{
+    static RVK_INLINE Bytes worst(Bytes a, Bytes b) { return a & b; }
+    static RVK_INLINE Bytes best(Bytes a, Bytes b) { return a | b; }
+};
+
+// For each pixel of the circle the bits of as many centres as a vector has.
+struct ComparedCircles
+{
+    static constexpr size_t kVectors = kBytes / sizeof(LaneBits); // of centres
+    static_assert(Candidates::kMost % kVectors == 0);
+    alignas(kBytes) LaneBits bits[kCirclePoints][kVectors];
+
+    template <uint32_t arc>
+    RVK_INLINE Bytes arcs() const
+    {
+        Circle circle;
+        unrolled<kCirclePoints>([&](auto i)
+                                    RVK_INLINE_LAMBDA { circle[i] = load(reinterpret_cast<const uint8_t*>(bits[i])); });
+        return bestArc<arc, InAll>(circle);
+    }
+};
+
+// Finds the corners of blocks.
+template <uint32_t arc>
+RVK_NOINLINE void siftBlocks(const Search& search, Blocks& blocks)
+{
+    constexpr size_t group = ComparedCircles::kVectors * kBlocks;
+    const Bytes barrier = splat(search.barrier);
+    const ptrdiff_t stride = search.stride;
+    const size_t count = blocks.count;
+    // Bits are read a group later, when their stores are done: a load of several stores that are not has to wait.
+    ComparedCircles bright[2], dark[2];
+    const auto compare = [&](size_t first, size_t parity) RVK_INLINE_LAMBDA {
+        for (size_t i = 0; i < group && first + i < count; i += kBlocks) {
+            const uint8_t* const* const pixels = blocks.pixels + first + i;
+            const Bytes centre = loadEach16(pixels, 0), high = addSat(centre, barrier), low = subSat(centre, barrier);
+            unrolled<kCirclePoints>([&](auto k) RVK_INLINE_LAMBDA {
+                const Bytes pixel = loadEach16(pixels, offsetOf(k, stride));
+                bright[parity].bits[k][i / kBlocks] = laneBits(greater(pixel, high));
+                dark[parity].bits[k][i / kBlocks] = laneBits(less(pixel, low));
+            });
+        }
+    };
+    const auto findArcs = [&](size_t first, size_t parity) RVK_INLINE_LAMBDA {
+        store(reinterpret_cast<uint8_t*>(blocks.corners + first / kBlocks),
+              bright[parity].template arcs<arc>() | dark[parity].template arcs<arc>());
+    };
+    size_t parity = 0;
+    for (size_t first = 0; first < count; first += group, parity ^= 1) {
+        compare(first, parity);
+        if (first)
+            findArcs(first - group, parity ^ 1);
+    }
+    if (count)
+        findArcs((count - 1) / group * group, parity ^ 1);
 }
 
 // Takes the corners of the candidates, of which there are none then. False when there is no room for another corner.
 template <uint32_t arc>
 RVK_NOINLINE bool takeCorners(const Search& search, Candidates& candidates, Corners& corners)
 {
+    Blocks blocks;
+    takeBlocks(candidates, blocks);
+    size_t row = 0;
+    const auto take = [&](size_t first, size_t lane, uint8_t contrast) RVK_INLINE_LAMBDA { // of a vector of blocks
+        const size_t block = first + lane / kBlockBytes;
+        if (block >= blocks.count)
+            return true;
+        while (block >= blocks.ends[row])
+            ++row;
+        const Candidates::Row& of = candidates.rows[row];
+        const auto x = static_cast<uint32_t>(blocks.pixels[block] + lane % kBlockBytes - of.pixels);
+        return x < search.begin || x >= search.end || corners.take(x, of.y, contrast);
+    };
+    candidates.count = candidates.rowCount = 0;
+    if constexpr (kSiftsBlocks) {
+        if (!corners.needsContrasts()) {
+            siftBlocks<arc>(search, blocks);
+            for (size_t i = 0; i < blocks.count; i += kBlocks)
+                for (LaneBits bits = blocks.corners[i / kBlocks]; bits; bits &= bits - 1)
+                    if (!take(i, lowestBit(bits), 0))
+                        return false;
+            return true;
+        }
+    }
     const Bytes barrier = splat(search.barrier);
-    const uint8_t* blocks[kMostBlocks + kBlocks];
-    const size_t count = takeBlocks(candidates, blocks);
-    const Candidates::Row* row = candidates.rows;
-    for (size_t i = 0; i < count; i += kBlocks) {
-        const Bytes contrast = contrasts<arc>(blocks + i, search.stride);
+    for (size_t i = 0; i < blocks.count; i += kBlocks) {
+        const Bytes contrast = contrasts<arc>(blocks.pixels + i, search.stride);
         LaneBits bits = laneBits(greater(contrast, barrier));
         if (!bits)
             continue;
         uint8_t each[kBytes];
         store(each, contrast);
         for (; bits; bits &= bits - 1) {
-            const size_t lane = lowestBit(bits), block = i + lane / kBlockBytes;
-            if (block >= count)
-                break;
-            while (block >= row->end)
-                ++row;
-            const uint32_t x = static_cast<uint32_t>(blocks[block] - row->pixels + lane % kBlockBytes);
-            if (x >= search.begin && x < search.end && !corners.take(x, row->y, each[lane]))
+            const size_t lane = lowestBit(bits);
+            if (!take(i, lane, each[lane]))
                 return false;
         }
     }
-    candidates.count = candidates.rowCount = 0;
     return true;
 }
 
@@ -237,15 +352,15 @@ RVK_NOINLINE bool searchRow(const Search& search, const uint8_t* row, uint32_t y
     const Bytes barrier = splat(search.barrier);
     const ptrdiff_t stride = search.stride;
     size_t count = candidates.count;
-    for (uint32_t x = search.begin; x < search.end; x += kBytes) {
+    for (uint32_t x = search.begin, next = search.second; x < search.end; x = next, next += kBytes) {
         const uint8_t* const pixel = row + (x < search.last ? x : search.last);
         LaneBits bits;
         if constexpr (kBytes == kBlockBytes) { // most steps end with few pixels
-            if (!any(mayBeCorners(pixel, stride, barrier, Indices<0, 4>{})))
+            if (!any(mayBeCorners<arc>(pixel, stride, barrier, typename TestedPairs<arc>::First{})))
                 continue;
-            bits = any(mayBeCorners(pixel, stride, barrier, Indices<2, 6>{}));
+            bits = any(mayBeCorners<arc>(pixel, stride, barrier, typename TestedPairs<arc>::Second{}));
         } else { // chance decides
-            bits = laneBits(mayBeCorners(pixel, stride, barrier, Indices<0, 4, 2, 6>{}));
+            bits = laneBits(mayBeCorners<arc>(pixel, stride, barrier, typename TestedPairs<arc>::All{}));
         }
         candidates.steps[count] = pixel;
         candidates.bits[count] = bits;
@@ -311,7 +426,14 @@ RVK_NOINLINE void search(const FastPicture& picture, const BitMask* mask, const 
     constexpr uint32_t step = kBytes;
     const uint32_t right = picture.width - 3, bottom = picture.height - picture.border;
     const bool isShort = right < step + 3;
-    const Search search = {picture.border, picture.width - picture.border, isShort ? 3 : right - step,
+    const uint32_t columns = picture.width - 2 * picture.border;
+    // Circles have seven of their pixels straight above, below or in the middle: their loads had better be aligned.
+    const auto second =
+        static_cast<uint32_t>(secondColumn<step>(columns, Plane{picture.src + picture.border, picture.stride}));
+    const Search search = {picture.border,
+                           picture.border + columns,
+                           picture.border + second,
+                           isShort ? 3 : right - step,
                            static_cast<uint8_t>(picture.barrier < 255 ? picture.barrier : 255),
                            static_cast<ptrdiff_t>(isShort ? ShortRows::kStride : picture.stride)};
     Corners corners = {mask, list, contrasts};

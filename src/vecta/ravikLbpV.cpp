@@ -53,8 +53,32 @@ struct Row
     }
 };
 
-// A row of squares has two answers for the pixels in each of its corners. Those of a code, 1 for what is darker here,
-// come from four squares.
+// A row of squares has two answers for the pixels in each of its corners, each a bit of their codes: these ones.
+constexpr unsigned kOfUpperLeft = 0xc1, kOfLowerLeft = 0x30, kOfLower = 0x38;
+
+// Gives `take` the answers, clockwise from the point below, with the numbers of their bits: where the point is darker.
+template <class Take>
+RVK_INLINE void answer(const Row& above, const Row& below, Take take)
+{
+    const Vec<int8_t> a = above.left, b = above.right, c = below.left, d = below.right;
+    const Vecs<int16_t, 2> x = {below.fall[0] - above.fall[0], below.fall[1] - above.fall[1]};
+    constexpr int ratio = 19196 / 2; // of 2^15
+    const Vec<int8_t> ofX =
+        narrowSatInLanes<int8_t>(Vecs<int16_t, 2>{multiplyQ15<ratio>(x[0]), multiplyQ15<ratio>(x[1])});
+    const Vec<int8_t> ofMinusX =
+        narrowSatInLanes<int8_t>(Vecs<int16_t, 2>{multiplyQ15<-ratio>(x[0]), multiplyQ15<-ratio>(x[1])});
+    const Vec<int8_t> falling = subSat(d, a), rising = subSat(c, b), none = zero<int8_t>();
+    take(Constant<0>{}, greater(a, c));
+    take(Constant<1>{}, greater(subSat(none, ofMinusX), rising));
+    take(Constant<2>{}, greater(b, a));
+    take(Constant<3>{}, greater(falling, ofX));
+    take(Constant<4>{}, greater(c, a));
+    take(Constant<5>{}, greater(rising, ofMinusX));
+    take(Constant<6>{}, greater(a, b));
+    take(Constant<7>{}, greater(subSat(none, ofX), falling));
+}
+
+// The codes, 1 for what is not darker, come from four squares.
 class EightAroundPixel
 {
 public:
@@ -70,50 +94,60 @@ public:
     // The row below an output: its codes, but in the last lane.
     RVK_INLINE Bytes next(const uint8_t* p)
     {
-        constexpr uint8_t ofUpperLeft = 0xc1, ofLowerLeft = 0x30, ofLower = 0x38; // corners of squares
         const Row below = Row::at(p);
-        const Bytes squares = answers(m_row, below);
-        const Bytes toTheRight = extract<1>(squares, squares);
-        const Bytes inLowerSquares = selectBits(splat(ofUpperLeft), toTheRight, squares);
-        const Bytes codes = ~selectBits(splat(ofLower), m_fromAbove, inLowerSquares);
-        m_fromAbove = selectBits(splat(ofLowerLeft), toTheRight, squares);
+        Vec<int8_t> bits = zero<int8_t>();
+        answer(m_row, below, [&](auto i, Mask<int8_t> darker) RVK_INLINE_LAMBDA {
+            bits = withBits(bits, darker, splat(static_cast<int8_t>(1u << i)));
+        });
+        const Bytes squares = bitCast<uint8_t>(bits), toTheRight = extract<1>(squares, squares);
+        const Bytes inLowerSquares = selectBits(splat(uint8_t{kOfUpperLeft}), toTheRight, squares);
+        const Bytes codes = ~selectBits(splat(uint8_t{kOfLower}), m_fromAbove, inLowerSquares);
+        m_fromAbove = selectBits(splat(uint8_t{kOfLowerLeft}), toTheRight, squares);
         m_row = below;
         return codes;
     }
 
 private:
-    // Bits as in the codes.
-    RVK_INLINE static Bytes answers(const Row& above, const Row& below)
-    {
-        const Vec<int8_t> a = above.left, b = above.right, c = below.left, d = below.right;
-        const auto product = [](Vec<int16_t> from, Vec<int16_t> to) RVK_INLINE_LAMBDA {
-            return multiplyQ15<19196 / 2>(from - to); // 19196 / 2^16
-        };
-        const Vec<int8_t> ofX = narrowSatInLanes<int8_t>(both(below.fall, above.fall, product));
-        const Vec<int8_t> ofMinusX = narrowSatInLanes<int8_t>(both(above.fall, below.fall, product));
-        const Vec<int8_t> falling = subSat(d, a), rising = subSat(c, b), none = zero<int8_t>();
-        // Clockwise from the point below.
-        const Mask<int8_t> darker[8] = {greater(a, c), greater(subSat(none, ofMinusX), rising),
-                                        greater(b, a), greater(falling, ofX),
-                                        greater(c, a), greater(rising, ofMinusX),
-                                        greater(a, b), greater(subSat(none, ofX), falling)};
-        Vec<int8_t> bits = none;
-        unrolled<8>([&](auto i)
-                        RVK_INLINE_LAMBDA { bits = withBits(bits, darker[i], splat(static_cast<int8_t>(1u << i))); });
-        return bitCast<uint8_t>(bits);
-    }
-
     Row m_row = {};
     Bytes m_fromAbove = {}; // what the squares above say of the row
 };
 
-// Down columns as wide as the kernel's step, in blocks of rows that the first-level cache keeps for the next column.
+constexpr size_t kBlockRows = 32; // that the first-level cache keeps for the next column
+
+// Gives `put` the codes of rows `top` to `bottom` from column x on, one row after the other.
+template <class Put>
+RVK_INLINE void codeColumn(size_t x, size_t top, size_t bottom, Plane<const uint8_t> src, Put put)
+{
+#if defined(__AVX512BW__) // stores are free here: answers that go through memory take a quarter less than withBits
+    uint64_t answers[kBlockRows + 2][8];
+    uint64_t first[8];
+    for (size_t i = 0; i < 8; ++i)
+        first[i] = (kOfUpperLeft | kOfLowerLeft) >> i & 1;
+    Row above = Row::at(src.row(top) + x);
+    for (size_t y = top; y <= bottom; ++y) {
+        const Row below = Row::at(src.row(y + 1) + x);
+        answer(above, below, [&](auto i, Mask<int8_t> darker) RVK_INLINE_LAMBDA {
+            answers[y - top + (kOfLower >> i & 1)][i] = laneBits(Mask<uint8_t>{darker.bits});
+        });
+        above = below;
+    }
+    for (size_t y = top; y < bottom; ++y)
+        put(y, gatherFalse(answers[y - top + 1], first));
+#else
+    EightAroundPixel kernel;
+    kernel.prime(src.row(top) + x, src.row(top + 1) + x);
+    for (size_t y = top; y < bottom; ++y)
+        put(y, kernel.next(src.row(y + 2) + x));
+#endif
+}
+
+// Down columns as wide as the kernel's step, in blocks of rows.
 RVK_NOINLINE void codeEightAround(size_t width, size_t height, Plane<const uint8_t> src, Plane<uint8_t> dst)
 {
     using Kernel = EightAroundPixel;
-    constexpr size_t step = Kernel::step, blockRows = 32;
-    Kernel kernel;
+    constexpr size_t step = Kernel::step;
     if (width < step) {
+        Kernel kernel;
         uint8_t rows[2][step + Kernel::columns - 1] = {};
         const auto copy = [&](size_t y) -> const uint8_t* {
             __builtin_memcpy(rows[y & 1], src.row(y), width + Kernel::columns - 1);
@@ -124,19 +158,19 @@ RVK_NOINLINE void codeEightAround(size_t width, size_t height, Plane<const uint8
             storePartial(dst.row(y), kernel.next(copy(y + 2)), width);
         return;
     }
-    for (size_t top = 0; top < height; top += blockRows) {
-        const size_t bottom = least(top + blockRows, height);
+    for (size_t top = 0; top < height; top += kBlockRows) {
+        const size_t bottom = least(top + kBlockRows, height);
         for (size_t next = 0; next < width; next += step) {
             const size_t x = least(next, width - step);     // the last column may overlap the one before it
             const bool hasRoom = x + Bytes::lanes <= width; // for the last lane, which the next column writes
-            kernel.prime(src.row(top) + x, src.row(top + 1) + x);
-            for (size_t y = top; y < bottom; ++y) {
-                const Bytes codes = kernel.next(src.row(y + 2) + x);
+            codeColumn(x, top, bottom, src, [=](size_t y, Bytes codes) RVK_INLINE_LAMBDA {
+                uint8_t* const to = dst.row(y) + x;
+                prefetch(to + 2 * step, 1); // for the next column: stores down a column would wait for their lines
                 if (hasRoom)
-                    store(dst.row(y) + x, codes);
+                    store(to, codes);
                 else
-                    storePartial(dst.row(y) + x, codes, step);
-            }
+                    storePartial(to, codes, step);
+            });
         }
     }
 }

@@ -462,6 +462,24 @@ SimdGroup single()
         BINARY(uint8_t, narrowSatInLanes<uint8_t>(subtractWideInLanes(b, a)), a < b ? b - a : 0),
         BINARY(uint8_t, selectBits(splat<uint8_t>(0x1e), a, b), (a & 0x1e) | (b & 0xe1)),
         BINARY(int8_t, withBits(a & splat<int8_t>(15), greater(a, b), splat<int8_t>(48)), (a & 15) | (a > b ? 48 : 0)),
+#if defined(__AVX512BW__)
+        mapping<uint8_t, uint8_t, kBytes, kBytes - 1>(
+            "gatherFalse",
+            [](const uint8_t* in, uint8_t* out) {
+                constexpr uint64_t first[8] = {1, 0, 0, 1, 0, 1, 1, 0};
+                uint64_t masks[8];
+                __builtin_memcpy(masks, in, sizeof masks);
+                storePartial(out, gatherFalse(masks, first), kBytes - 1);
+            },
+            [](const uint8_t* in, size_t i) {
+                unsigned bits = 0;
+                for (size_t k = 0; k < 8; ++k) {
+                    const size_t bit = i + (0x69 >> k & 1);
+                    bits |= (~in[8 * k + bit / 8] >> bit % 8 & 1u) << k;
+                }
+                return bits;
+            }),
+#endif
         BINARY(uint8_t, joinBits<3>(a, b), (a & 0xe0) | b >> 3),
         BINARY(uint8_t, joinBits<6>(a, b), (a & 0xfc) | b >> 6),
         BINARY(uint16_t, average(a, b), (a + b + 1) >> 1),

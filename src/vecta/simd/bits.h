@@ -3,6 +3,7 @@
 //
 // withBits(v, mask, bits): s8, v with these bits, which it has not, in the true lanes
 // selectBits(mask, a, b): u8, the bits of a where the mask has ones, else those of b
+// gatherFalse(masks, first): u8, with AVX-512 alone: bit k of lane i is set where lane i + first[k] of masks[k] is false
 // subtractWideInLanes(a, b): u8 -> s16, exact
 #pragma once
 
@@ -21,6 +22,28 @@ RVK_INLINE Vec<int8_t> withBits(Vec<int8_t> v, Mask<int8_t> m, Vec<int8_t> bits)
 RVK_INLINE Vec<uint8_t> selectBits(Vec<uint8_t> mask, Vec<uint8_t> a, Vec<uint8_t> b)
 {
     return vec<uint8_t>(_mm512_ternarylogic_epi32(reg(mask), reg(a), reg(b), 0xca));
+}
+
+// Eight masks of eight bytes are turned to eight squares of 8x8 bits, whose rows begin with the last mask, as GFNI has
+// them: it multiplies each byte by such a square, and 1 << i gives column i.
+struct BitSquares
+{
+    alignas(64) uint8_t lanes[64] = {};
+    constexpr BitSquares()
+    {
+        for (size_t i = 0; i < 64; ++i)
+            lanes[i] = static_cast<uint8_t>((7 - i % 8) * 8 + i / 8);
+    }
+};
+constexpr BitSquares kBitSquares;
+
+RVK_INLINE Vec<uint8_t> gatherFalse(const uint64_t (&masks)[8], const uint64_t (&first)[8])
+{
+    constexpr int64_t columns = static_cast<int64_t>(0x8040201008040201);
+    constexpr int invert = 0xff;
+    const __m512i shifted = _mm512_srlv_epi64(_mm512_loadu_si512(masks), _mm512_loadu_si512(first));
+    const __m512i squares = _mm512_permutexvar_epi8(_mm512_load_si512(kBitSquares.lanes), shifted);
+    return vec<uint8_t>(_mm512_gf2p8affine_epi64_epi8(_mm512_set1_epi64(columns), squares, invert));
 }
 
 #elif defined(__ARM_NEON)

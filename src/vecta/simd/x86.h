@@ -1,4 +1,4 @@
-// The x86 back end: SSE4.2, AVX2 and AVX-512 (F, BW, VL, DQ, VBMI, VBMI2, BITALG). The three have the same instructions
+// The x86 back end: SSE4.2, AVX2 and AVX-512 (F, BW, VL, DQ, VBMI, VBMI2, BITALG, GFNI). The three have the same instructions
 // under names that differ by prefix, so RVK_MM(name) pastes the prefix of the instruction set that is compiled; AVX-512
 // differs where comparisons give mask registers and where bytes move freely across the register.
 #pragma once
