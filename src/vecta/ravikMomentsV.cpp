@@ -2,6 +2,7 @@
 #include "vecta/ravikMomentsV.h"
 
 #include "cpu/ravikMomentsC.h"
+#include "vecta/simd/doubles.h"
 #include "vecta/simd/moments.h"
 #include "vecta/simd/rows.h"
 #include "vecta/vecta.h"
@@ -356,6 +357,66 @@ RVK_NOINLINE RawMoments rawMoments(const T* src, uint32_t width, uint32_t height
     }
     return sums;
 }
+
+#if defined(__AVX512VNNI__) // a third of the time of the sums of single tiles
+
+struct MovedTiles
+{
+    Doubles m00, m10, m01, m20, m11, m02, m30, m21, m12, m03;
+};
+
+// Tile by tile, as addTile.
+RVK_INLINE void addTiles(RawMoments& sums, const MovedTiles& tiles, size_t count)
+{
+    const auto add = [=](double& sum, Doubles parts) RVK_INLINE_LAMBDA {
+        if (count == kTilesBeside)
+            unrolled<kTilesBeside>([&](auto i) RVK_INLINE_LAMBDA { sum += parts.raw[size_t{i}]; });
+        else
+            for (size_t i = 0; i < count; ++i)
+                sum += parts.raw[i];
+    };
+    add(sums.m00, tiles.m00);
+    add(sums.m10, tiles.m10);
+    add(sums.m01, tiles.m01);
+    add(sums.m20, tiles.m20);
+    add(sums.m11, tiles.m11);
+    add(sums.m02, tiles.m02);
+    add(sums.m30, tiles.m30);
+    add(sums.m21, tiles.m21);
+    add(sums.m12, tiles.m12);
+    add(sums.m03, tiles.m03);
+}
+
+template <bool binary>
+RVK_NOINLINE RawMoments rawMomentsOfBytes(const uint8_t* src, size_t width, size_t height, size_t stride)
+{
+    constexpr size_t columnsBeside = kTilesBeside * kTileSide;
+    static_assert(kTileSide == kMomentTile);
+    RawMoments sums = {};
+    for (size_t y = 0; y < height; y += kTileSide)
+        for (size_t x = 0; x < width; x += columnsBeside) {
+            const size_t columns = least(width - x, columnsBeside);
+            TileMoments m;
+            takeTileMoments<binary>(src + y * stride + x, stride, columns, least(height - y, kTileSide), &m);
+            const MovedTiles tiles = {firstToDoubles(m.m00), firstToDoubles(m.m10), firstToDoubles(m.m01),
+                                      firstToDoubles(m.m20), firstToDoubles(m.m11), firstToDoubles(m.m02),
+                                      firstToDoubles(m.m30), firstToDoubles(m.m21), firstToDoubles(m.m12),
+                                      firstToDoubles(m.m03)};
+            const Doubles firstColumns =
+                splatDouble(static_cast<double>(x)) + static_cast<double>(kTileSide) * firstToDoubles(iota<uint32_t>());
+            addTiles(sums, movedTile(tiles, firstColumns, splatDouble(static_cast<double>(y))),
+                     (columns + kTileSide - 1) / kTileSide);
+        }
+    return sums;
+}
+
+RVK_INLINE RawMoments allMoments(const uint8_t* src, uint32_t width, uint32_t height, uint32_t stride, uint32_t binary)
+{
+    return binary ? rawMomentsOfBytes<true>(src, width, height, stride)
+                  : rawMomentsOfBytes<false>(src, width, height, stride);
+}
+
+#endif
 
 template <class T>
 RVK_INLINE RawMoments allMoments(const T* src, uint32_t width, uint32_t height, uint32_t stride, uint32_t binary)
