@@ -166,6 +166,16 @@ RVK_INLINE void storePoints(float* p, const DoublePoints<2>& points)
 
 #endif
 
+#if !defined(__arm__)
+// The lower half of the lanes and the upper half.
+RVK_INLINE DoublePoints<2> toDoubles(Vec<float> v)
+{
+    HalfOfFloats halves[2];
+    __builtin_memcpy(halves, &v.raw, sizeof halves);
+    return {{{__builtin_convertvector(halves[0], Doubles::Raw)}, {__builtin_convertvector(halves[1], Doubles::Raw)}}};
+}
+#endif
+
 // The same of a list whose points are `step` floats apart. Where it ends after `count` points, fewer than a vector has
 // lanes, the last one stands for those that there are not, and these are not stored.
 template <size_t coordinates>

@@ -288,6 +288,21 @@ RVK_NOINLINE void takeTileMoments(const uint8_t* p, size_t pitch, size_t columns
     m.m03 = times(6, total(&TwoTiles::s03)) + times(42, m.m02) - times(431, m.m01) + times(558, m.m00);
 }
 
+// The columns of eight tiles, a vector for each tile, become two columns in each vector: element i of the tiles, then
+// element i + 1. Each round of zips rotates the bits of numbers: of vectors, followed by that of lanes.
+RVK_INLINE void transposeTiles(Vec<float> (&v)[kTilesBeside])
+{
+    constexpr size_t half = kTilesBeside / 2;
+    for (size_t round = 0; round < 3; ++round) {
+        Vec<float> zipped[kTilesBeside];
+        unrolled<half>([&](auto i) RVK_INLINE_LAMBDA {
+            zipped[2 * i] = zipLow(v[i], v[i + half]);
+            zipped[2 * i + 1] = zipHigh(v[i], v[i + half]);
+        });
+        unrolled<kTilesBeside>([&](auto i) RVK_INLINE_LAMBDA { v[i] = zipped[i]; });
+    }
+}
+
 } // namespace
 } // namespace rvk::vecta::RVK_ISA
 
