@@ -93,7 +93,7 @@ TEST(Moments, OfExtremes)
     for (const bool isLow : {false, true}) // all on one side of a tile's middle
         expectMoments<Slot::rvkImageMomentsu8>(
             pictureOf<uint8_t>(64, 32, [=](int, int y) { return (y < 16) == isLow ? 255 : 0; }), false);
-    expectMoments<Slot::rvkImageMomentss32>(Picture<int32_t>(96, 70, INT32_MIN), false);
+    expectMoments<Slot::rvkImageMomentss32>(Picture<int32_t>(160, 71, INT32_MIN), false);
     forEachImplementation<Slot::rvkImageMomentsf32>([](const char* name, auto function) {
         Picture<float> p(40, 3, 1);
         p.at(35, 2) = INFINITY;

@@ -18,20 +18,43 @@ struct BinomialSums
     Sum s00, s10, s01, s20, s11, s02, s30, s21, s12, s03;
 
     // y = C(y, 1), y^2 = 2 C(y, 2) + C(y, 1), y^3 = 6 C(y, 3) + 6 C(y, 2) + C(y, 1); sums wrap on the way.
-    template <class Total>
-    RVK_INLINE RawMoments toMoments() const
+    template <class Moments, class Exact>
+    RVK_INLINE Moments toMoments(Exact exact) const
     {
-        const auto exact = [](Sum sum) RVK_INLINE_LAMBDA { return static_cast<double>(static_cast<Total>(sum)); };
+        const auto twice = [](Sum s) RVK_INLINE_LAMBDA { return s + s; };
+        const auto six = [=](Sum s) RVK_INLINE_LAMBDA { return twice(s + twice(s)); };
         return {exact(s00),
                 exact(s10),
                 exact(s01),
-                exact(2 * s20 + s10),
+                exact(twice(s20) + s10),
                 exact(s11),
-                exact(2 * s02 + s01),
-                exact(6 * (s30 + s20) + s10),
-                exact(2 * s21 + s11),
-                exact(2 * s12 + s11),
-                exact(6 * (s03 + s02) + s01)};
+                exact(twice(s02) + s01),
+                exact(six(s30 + s20) + s10),
+                exact(twice(s21) + s11),
+                exact(twice(s12) + s11),
+                exact(six(s03 + s02) + s01)};
+    }
+    template <class Total>
+    RVK_INLINE RawMoments toRawMoments() const
+    {
+        return toMoments<RawMoments>([](Sum sum)
+                                         RVK_INLINE_LAMBDA { return static_cast<double>(static_cast<Total>(sum)); });
+    }
+
+    // Adds those of the column before the first of these, given its sums of each order.
+    template <unsigned degree>
+    RVK_INLINE void addColumnBefore(const Sum (&column)[degree + 1])
+    {
+        if constexpr (degree == 3) {
+            s30 = s30 + s20, s20 = s20 + s10;
+            s21 = s21 + s11, s11 = s11 + s01;
+            s12 = s12 + s02;
+            s02 = s02 + column[2];
+            s03 = s03 + column[3];
+        }
+        s10 = s10 + s00;
+        s00 = s00 + column[0];
+        s01 = s01 + column[1];
     }
 };
 
@@ -199,7 +222,7 @@ RVK_INLINE BinomialSums<uint32_t> binomialSums(const uint8_t* p, size_t rowEleme
 template <unsigned degree, bool binary>
 RVK_INLINE RawMoments tileMoments(const uint8_t* p, size_t rowElements, size_t height, size_t first, size_t end)
 {
-    return binomialSums<degree, binary>(p, rowElements, height, first, end).template toMoments<uint32_t>();
+    return binomialSums<degree, binary>(p, rowElements, height, first, end).template toRawMoments<uint32_t>();
 }
 
 // ---- 32-bit integers ----------------------------------------------------------------------------
@@ -228,16 +251,9 @@ RVK_INLINE BinomialSums<uint64_t> binomialSums(const int32_t* p, size_t rowEleme
     }
     BinomialSums<uint64_t> s = {};
     for (size_t column = end; column-- > first;) {
-        if constexpr (degree == 3) {
-            s.s30 += s.s20, s.s20 += s.s10;
-            s.s21 += s.s11, s.s11 += s.s01;
-            s.s12 += s.s02;
-            s.s02 += columns[2][column];
-            s.s03 += columns[3][column];
-        }
-        s.s10 += s.s00;
-        s.s00 += columns[0][column];
-        s.s01 += columns[1][column];
+        uint64_t ofColumn[degree + 1];
+        unrolled<degree + 1>([&](auto q) RVK_INLINE_LAMBDA { ofColumn[q] = columns[q][column]; });
+        s.addColumnBefore<degree>(ofColumn);
     }
     return s;
 }
@@ -245,7 +261,7 @@ RVK_INLINE BinomialSums<uint64_t> binomialSums(const int32_t* p, size_t rowEleme
 template <unsigned degree, bool binary>
 RVK_INLINE RawMoments tileMoments(const int32_t* p, size_t rowElements, size_t height, size_t first, size_t end)
 {
-    return binomialSums<degree, binary>(p, rowElements, height, first, end).template toMoments<int64_t>();
+    return binomialSums<degree, binary>(p, rowElements, height, first, end).template toRawMoments<int64_t>();
 }
 
 // ---- floats -------------------------------------------------------------------------------------
@@ -489,6 +505,92 @@ RVK_INLINE MomentVectors momentsOfTiles(const float32_t* p, size_t rowElements, 
     return m;
 }
 
+// C(y, p) for two rows of a tile, the upper one in the lower halves of words, and their sums over all rows before.
+struct RowPairs
+{
+    static constexpr size_t count = kMomentTile / 2;
+    uint32_t weights[count][4] = {};
+    uint32_t sums[count + 1][4] = {};
+
+    constexpr RowPairs()
+    {
+        uint32_t binomials[4] = {1, 0, 0, 0};
+        for (size_t pair = 0; pair < count; ++pair)
+            for (uint32_t row = 0; row < 2; ++row) {
+                for (size_t p = 0; p < 4; ++p) {
+                    weights[pair][p] |= binomials[p] << 16 * row;
+                    sums[pair + 1][p] = (row ? sums[pair + 1][p] : sums[pair][p]) + binomials[p];
+                }
+                for (size_t p = 3; p > 0; --p)
+                    binomials[p] += binomials[p - 1];
+            }
+    }
+};
+constexpr RowPairs kRowPairs;
+
+// 32-bit integers: their upper halves and their lower ones, less 2^15, are summed down each column apart, two rows at
+// once, which fits 32 bits.
+template <unsigned degree, bool binary>
+RVK_INLINE MomentVectors momentsOfTiles(const int32_t* p, size_t rowElements, size_t columns, size_t rows)
+{
+    constexpr size_t lanes = Vec<int32_t>::lanes, parts = kMomentTile / Vec<int64_t>::lanes;
+    static_assert(kMomentTile == 2 * lanes && kTilesBeside == Vec<int64_t>::lanes);
+    Vec<int64_t> down[degree + 1][parts][kTilesBeside]; // by order, part of the columns, and tile
+    for (size_t tile = 0; tile < kTilesBeside; ++tile) {
+        const size_t left = tile * kMomentTile, count = left < columns ? least(columns - left, kMomentTile) : 0;
+        const size_t pairs = count ? (rows + 1) / 2 : 0;
+        Vec<int32_t> sums[degree + 1][parts]; // of the lower and the upper halves of two columns in each 16 bytes
+        unrolled<degree + 1>([&](auto q) RVK_INLINE_LAMBDA {
+            for (Vec<int32_t>& sum : sums[q])
+                sum = bitCast<int32_t>(splat(uint64_t{kRowPairs.sums[pairs][q]} << 15));
+        });
+        const auto addPairs = [&](auto loadAt) RVK_INLINE_LAMBDA {
+            for (size_t pair = 0; pair < pairs; ++pair)
+                unrolled<2>([&](auto half) RVK_INLINE_LAMBDA {
+                    const auto halvesOf = [&](size_t y) RVK_INLINE_LAMBDA {
+                        Vec<int32_t> v = loadAt(y, half * lanes);
+                        if constexpr (binary)
+                            v = select(equal(v, zero<int32_t>()), v, splat<int32_t>(1));
+                        return bitCast<int16_t>(v ^ splat<int32_t>(1 << 15));
+                    };
+                    const Vecs<int16_t, 2> two = zipInLanes(halvesOf(2 * pair), halvesOf(2 * pair + 1));
+                    unrolled<degree + 1>([&](auto q) RVK_INLINE_LAMBDA {
+                        const Vec<int16_t> weights = bitCast<int16_t>(splat(kRowPairs.weights[pair][q]));
+                        sums[q][2 * half] = addDotPairs(sums[q][2 * half], two[0], weights);
+                        sums[q][2 * half + 1] = addDotPairs(sums[q][2 * half + 1], two[1], weights);
+                    });
+                });
+        };
+        if (count == kMomentTile && rows % 2 == 0)
+            addPairs([=](size_t y, size_t x) RVK_INLINE_LAMBDA { return load(p + left + y * rowElements + x); });
+        else
+            addPairs([=](size_t y, size_t x) RVK_INLINE_LAMBDA {
+                const size_t before = least(x, count), n = y < rows ? least(count - before, lanes) : 0;
+                return loadPartial(p + (n ? left + y * rowElements + before : 0), n);
+            });
+        unrolled<degree + 1>([&](auto q) RVK_INLINE_LAMBDA {
+            unrolled<parts>([&](auto i) RVK_INLINE_LAMBDA {
+                const Vec<int64_t> apart = bitCast<int64_t>(sums[q][i]), low = splat<int64_t>(UINT32_MAX);
+                down[q][i][tile] = (apart & low) + shiftRight(apart & ~low, 16);
+            });
+        });
+    }
+    BinomialSums<Vec<int64_t>> sums = {};
+    unrolled<degree + 1>([&](auto q) RVK_INLINE_LAMBDA {
+        for (auto& part : down[q])
+            transposeTiles(part);
+    });
+    for (size_t column = kMomentTile; column-- > 0;) {
+        // Part i of 16 columns has the columns 4 * b + 2 * i and the one after it of each block b of 16 bytes.
+        const size_t part = column / 16 * 2 + column / 2 % 2, lane = column % 16 / 4 * 2 + column % 2;
+        Vec<int64_t> ofColumn[degree + 1];
+        unrolled<degree + 1>([&](auto q) RVK_INLINE_LAMBDA { ofColumn[q] = down[q][part][lane]; });
+        sums.template addColumnBefore<degree>(ofColumn);
+    }
+    return sums.template toMoments<MomentVectors>(
+        [](Vec<int64_t> sum) RVK_INLINE_LAMBDA { return Doubles{__builtin_convertvector(sum.raw, Doubles::Raw)}; });
+}
+
 template <unsigned degree, bool binary, class T>
 RVK_NOINLINE RawMoments sumOfTiles(const T* src, size_t width, size_t height, uint32_t stride)
 {
@@ -510,13 +612,16 @@ RVK_NOINLINE RawMoments sumOfTiles(const T* src, size_t width, size_t height, ui
 
 #endif
 
-// By several tiles at once where there is a way to.
+// By several tiles at once where there is a way to, and enough of them.
 template <unsigned degree, bool binary, class T>
 RVK_INLINE RawMoments momentsOf(const T* src, uint32_t width, uint32_t height, uint32_t stride)
 {
 #if defined(__AVX512VNNI__)
-    if constexpr ((isSame<T, uint8_t> && degree == 3) || isSame<T, float32_t>)
-        return sumOfTiles<degree, binary>(src, width, height, stride);
+    constexpr bool isByte = isSame<T, uint8_t>;
+    constexpr uint32_t fewestTiles = isByte ? 1 : isSame<T, float32_t> ? 2 : 4;
+    if constexpr (!isByte || degree == 3)
+        if (isByte || width > (fewestTiles - 1) * kMomentTile)
+            return sumOfTiles<degree, binary>(src, width, height, stride);
 #endif
     return rawMoments<degree, binary>(src, width, height, stride);
 }

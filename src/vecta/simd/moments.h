@@ -288,13 +288,14 @@ RVK_NOINLINE void takeTileMoments(const uint8_t* p, size_t pitch, size_t columns
     m.m03 = times(6, total(&TwoTiles::s03)) + times(42, m.m02) - times(431, m.m01) + times(558, m.m00);
 }
 
-// The columns of eight tiles, a vector for each tile, become two columns in each vector: element i of the tiles, then
-// element i + 1. Each round of zips rotates the bits of numbers: of vectors, followed by that of lanes.
-RVK_INLINE void transposeTiles(Vec<float> (&v)[kTilesBeside])
+// The columns of eight tiles, a vector for each tile, become a vector for each column, or of floats for two: element i of
+// the tiles, then element i + 1. Each round of zips rotates the bits of numbers: of vectors, followed by that of lanes.
+template <class T>
+RVK_INLINE void transposeTiles(Vec<T> (&v)[kTilesBeside])
 {
     constexpr size_t half = kTilesBeside / 2;
     for (size_t round = 0; round < 3; ++round) {
-        Vec<float> zipped[kTilesBeside];
+        Vec<T> zipped[kTilesBeside];
         unrolled<half>([&](auto i) RVK_INLINE_LAMBDA {
             zipped[2 * i] = zipLow(v[i], v[i + half]);
             zipped[2 * i + 1] = zipHigh(v[i], v[i + half]);
