@@ -406,30 +406,42 @@ struct MomentVectors
     Doubles m00, m10, m01, m20, m11, m02, m30, m21, m12, m03;
 };
 
-// Tile by tile, as addTile.
-template <unsigned degree>
-RVK_INLINE void addTiles(RawMoments& sums, const MomentVectors& tiles, size_t count)
+// The sums of a picture, a lane for each moment.
+class MomentSums
 {
-    const auto add = [=](double& sum, Doubles parts) RVK_INLINE_LAMBDA {
-        if (count == kTilesBeside)
-            unrolled<kTilesBeside>([&](auto i) RVK_INLINE_LAMBDA { sum += parts.raw[size_t{i}]; });
-        else
-            for (size_t i = 0; i < count; ++i)
-                sum += parts.raw[i];
-    };
-    add(sums.m00, tiles.m00);
-    add(sums.m10, tiles.m10);
-    add(sums.m01, tiles.m01);
-    if constexpr (degree == 3) {
-        add(sums.m20, tiles.m20);
-        add(sums.m11, tiles.m11);
-        add(sums.m02, tiles.m02);
-        add(sums.m30, tiles.m30);
-        add(sums.m21, tiles.m21);
-        add(sums.m12, tiles.m12);
-        add(sums.m03, tiles.m03);
+public:
+    // Tile by tile, as addTile.
+    template <unsigned degree>
+    RVK_INLINE void add(const MomentVectors& m, size_t tiles)
+    {
+        const Doubles none = splatDouble(0);
+        if constexpr (degree == 3) {
+            addEach(m_first, {m.m00, m.m10, m.m01, m.m20, m.m11, m.m02, m.m30, m.m21}, tiles);
+            addEach(m_last, {m.m12, m.m03, none, none, none, none, none, none}, tiles);
+        } else {
+            addEach(m_first, {m.m00, m.m10, m.m01, none, none, none, none, none}, tiles);
+        }
     }
-}
+    RVK_INLINE RawMoments total() const
+    {
+        double s[2 * kTilesBeside];
+        storeDoubles(s, m_first);
+        storeDoubles(s + kTilesBeside, m_last);
+        return {s[0], s[1], s[2], s[3], s[4], s[5], s[6], s[7], s[8], s[9]};
+    }
+
+private:
+    static RVK_INLINE void addEach(Doubles& sums, const Doubles (&moments)[kTilesBeside], size_t tiles)
+    {
+        Vec<int64_t> v[kTilesBeside];
+        unrolled<kTilesBeside>([&](auto i) RVK_INLINE_LAMBDA { v[i] = {(Vec<int64_t>::Raw)moments[i].raw}; });
+        transposeTiles(v);
+        for (size_t i = 0; i < tiles; ++i)
+            sums = sums + Doubles{(Doubles::Raw)v[i].raw};
+    }
+
+    Doubles m_first = splatDouble(0), m_last = splatDouble(0);
+};
 
 // Bytes.
 template <unsigned degree, bool binary>
@@ -596,7 +608,7 @@ RVK_NOINLINE RawMoments sumOfTiles(const T* src, size_t width, size_t height, ui
 {
     constexpr size_t columnsBeside = kTilesBeside * kMomentTile;
     const Plane<const T> plane{src, stride};
-    RawMoments sums = {};
+    MomentSums sums;
     for (size_t y = 0; y < height; y += kMomentTile)
         for (size_t x = 0; x < width; x += columnsBeside) {
             const size_t columns = least(width - x, columnsBeside), rows = least(height - y, kMomentTile);
@@ -604,10 +616,10 @@ RVK_NOINLINE RawMoments sumOfTiles(const T* src, size_t width, size_t height, ui
                 momentsOfTiles<degree, binary>(plane.row(y) + x, stride / sizeof(T), columns, rows);
             const Doubles numbers = firstToDoubles(iota<uint32_t>());
             const Doubles left = splatDouble(static_cast<double>(x)) + static_cast<double>(kMomentTile) * numbers;
-            addTiles<degree>(sums, movedTile(tiles, left, splatDouble(static_cast<double>(y))),
-                             (columns + kMomentTile - 1) / kMomentTile);
+            sums.template add<degree>(movedTile(tiles, left, splatDouble(static_cast<double>(y))),
+                                      (columns + kMomentTile - 1) / kMomentTile);
         }
-    return sums;
+    return sums.total();
 }
 
 #endif
