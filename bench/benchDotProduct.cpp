@@ -53,11 +53,11 @@ void multiplyStrings(const Picture& p, Dot (*function)(const T*, const T*, uint3
         p.out<Dot>()[i] = function(p.in<T>(), p.in<T>() + i * 128, 128);
 }
 
-template <class T, class D>
+template <u32 size = 8, class T, class D>
 void multiplyBlocks(const Picture& p, rvkStatus (*function)(const T*, const T*, uint32_t, uint32_t, uint32_t, uint32_t,
                                                             uint32_t, uint32_t, D*, uint32_t))
 {
-    function(p.in<T>(0), p.in<T>(1), p.width, p.height, 0, 0, 8, 8, p.out<D>(), 0);
+    function(p.in<T>(0), p.in<T>(1), p.width, p.height, 0, 0, size, size, p.out<D>(), 0);
 }
 
 #if RVK_BENCH_OPENCV
@@ -120,6 +120,7 @@ constexpr Row kRows[] = {
      nullptr, kBatch},
     {"rvkDotProductf32, 128", nullptr, traffic(512, 4), RAVIK(multiplyStrings(p, rvkDotProductf32)),
      OPENCV_DOTS(f32, 128), nullptr, kBatch},
+    {"rvkBlockDotProductu8, 3x3", nullptr, traffic(2, 4.0 / 9), RAVIK(multiplyBlocks<3>(p, rvkBlockDotProductu8))},
     {"rvkBlockDotProductu8, 8x8", nullptr, traffic(2, 1.0 / 16), RAVIK(multiplyBlocks(p, rvkBlockDotProductu8))},
     {"rvkBlockDotProductf32, 8x8", nullptr, traffic(8, 1.0 / 16), RAVIK(multiplyBlocks(p, rvkBlockDotProductf32))},
     {"rvkDotProductu8", "dot of planes u8", streaming(2, 0),

@@ -109,8 +109,8 @@ TEST(DotProduct, OfFloats)
 template <Slot slot, class T, class D>
 void expectBlockProducts(T largest)
 {
-    const uint32_t width = 300, height = 5, stride = 310; // longer than what is summed at a time
-    for (const uint32_t blockWidth : {1u, 7u, 64u, 299u, 4000u}) {
+    const uint32_t width = 301, height = 5, stride = 310; // longer than what is summed at a time
+    for (const uint32_t blockWidth : {1u, 2u, 3u, 4u, 7u, 64u, 299u, 4000u}) {
         const std::vector<T> a(stride * height, largest), b(stride * height, 3);
         const uint32_t across = (width + blockWidth - 1) / blockWidth;
         forEachImplementation<slot>([&](const char* name, auto function) {

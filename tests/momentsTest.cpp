@@ -68,7 +68,7 @@ template <Slot slot, class T, class Draw>
 void expectMomentsOfAllSizes(Draw draw)
 {
     Random random(static_cast<uint32_t>(slot));
-    for (const int width : {1, 7, 31, 32, 33, 64, 100, 200})
+    for (const int width : {1, 7, 31, 32, 33, 64, 100, 300})
         for (const int height : {1, 32, 45}) {
             const auto p = pictureOf<T>(width, height, [&](int, int) { return draw(random); });
             expectMoments<slot>(p, false);
@@ -90,7 +90,10 @@ TEST(Moments, AreSumsOfPowers)
 TEST(Moments, OfExtremes)
 {
     expectMoments<Slot::rvkImageMomentsu8>(Picture<uint8_t>(96, 70, 255), false);
-    expectMoments<Slot::rvkImageMomentss32>(Picture<int32_t>(96, 70, INT32_MIN), false);
+    for (const bool isLow : {false, true}) // all on one side of a tile's middle
+        expectMoments<Slot::rvkImageMomentsu8>(
+            pictureOf<uint8_t>(64, 32, [=](int, int y) { return (y < 16) == isLow ? 255 : 0; }), false);
+    expectMoments<Slot::rvkImageMomentss32>(Picture<int32_t>(160, 71, INT32_MIN), false);
     forEachImplementation<Slot::rvkImageMomentsf32>([](const char* name, auto function) {
         Picture<float> p(40, 3, 1);
         p.at(35, 2) = INFINITY;

@@ -165,6 +165,21 @@ TEST(MeanShift, MovesToTheCentreOfMass)
     expectMeanShift<Slot::rvkMeanShiftf32, float>();
 }
 
+// Sums of parts: a block far from the upper left corner, and the largest bytes everywhere, which leave the window there.
+TEST(MeanShift, OfLargeWindows)
+{
+    const Picture<uint8_t> full(2100, 300, 255);
+    const auto blob = pictureOf<uint8_t>(
+        2100, 300, [](int x, int y) { return x >= 1100 && x < 1400 && y >= 200 && y < 291 ? 255 : 0; });
+    forEachImplementation<Slot::rvkMeanShiftu8>([&](const char* name, auto function) {
+        rvkRectangle w = {0, 0, 2100, 300};
+        EXPECT_EQ(shift(function, full, w, 1), 1u);
+        expectWindow(w, 0, 0, 2100, 300, name);
+        EXPECT_EQ(shift(function, blob, w, 1), 1u);
+        expectWindow(w, 200, 95, 2100, 300, name); // from 1050, 150 to 1249.5, 245
+    });
+}
+
 // Rounds are at most 16 long here: what is left of a large number of steps after whole rounds gives the same.
 TEST(MeanShift, EndsWhateverItIsAskedFor)
 {

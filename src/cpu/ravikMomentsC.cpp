@@ -76,20 +76,19 @@ RawMoments firstMomentsOfColumns(const MomentColumns<float32_t>& columns, size_t
     return moments;
 }
 
-// By the binomial theorem: sums of v * (x + tx)^p * (y + ty)^q over the pixels (tx, ty) of the tile.
 void addTile(RawMoments& sums, const RawMoments& tile, uint32_t column, uint32_t row)
 {
-    const double x = column, y = row;
-    sums.m00 += tile.m00;
-    sums.m10 += tile.m10 + x * tile.m00;
-    sums.m01 += tile.m01 + y * tile.m00;
-    sums.m20 += tile.m20 + x * (2 * tile.m10 + x * tile.m00);
-    sums.m11 += tile.m11 + x * tile.m01 + y * (tile.m10 + x * tile.m00);
-    sums.m02 += tile.m02 + y * (2 * tile.m01 + y * tile.m00);
-    sums.m30 += tile.m30 + x * (3 * tile.m20 + x * (3 * tile.m10 + x * tile.m00));
-    sums.m21 += tile.m21 + x * (2 * tile.m11 + x * tile.m01) + y * (tile.m20 + x * (2 * tile.m10 + x * tile.m00));
-    sums.m12 += tile.m12 + y * (2 * tile.m11 + y * tile.m10) + x * (tile.m02 + y * (2 * tile.m01 + y * tile.m00));
-    sums.m03 += tile.m03 + y * (3 * tile.m02 + y * (3 * tile.m01 + y * tile.m00));
+    const RawMoments moved = movedTile(tile, static_cast<double>(column), static_cast<double>(row));
+    sums.m00 += moved.m00;
+    sums.m10 += moved.m10;
+    sums.m01 += moved.m01;
+    sums.m20 += moved.m20;
+    sums.m11 += moved.m11;
+    sums.m02 += moved.m02;
+    sums.m30 += moved.m30;
+    sums.m21 += moved.m21;
+    sums.m12 += moved.m12;
+    sums.m03 += moved.m03;
 }
 
 void storeMoments(const RawMoments& raw, rvkMoments* moments)

@@ -151,34 +151,96 @@ RVK_NOINLINE void sumColumns(Plane<const T> a, Plane<const T> b, size_t left, si
         sumVector(x, [=](const T* p) RVK_INLINE_LAMBDA { return loadPartial(p, columns - x); });
 }
 
+template <size_t count, class T>
+RVK_INLINE Vecs<T, count> loadInterleaved(const T* p)
+{
+    if constexpr (count == 2)
+        return load2(p);
+    else if constexpr (count == 3)
+        return load3(p);
+    else
+        return load4(p);
+}
+
+// The sums of blocks of so few columns, from left to right.
+template <size_t blockWidth, class Sum>
+RVK_INLINE void sumNarrowBlocks(const Sum* sums, size_t columns, Sum* out)
+{
+    constexpr size_t lanes = Vec<Sum>::lanes;
+    for (; columns >= blockWidth * lanes; columns -= blockWidth * lanes, sums += blockWidth * lanes, out += lanes) {
+        const Vecs<Sum, blockWidth> v = loadInterleaved<blockWidth>(sums);
+        Vec<Sum> sum = v[0];
+        unrolled<blockWidth - 1>([&](auto i) RVK_INLINE_LAMBDA { sum = sum + v[i + 1]; });
+        store(out, sum);
+    }
+    while (columns) {
+        Sum sum = 0;
+        for (size_t end = columns - least(columns, blockWidth); columns > end; --columns)
+            sum += *sums++;
+        *out++ = sum;
+    }
+}
+
+// Columns are summed by as many as make whole blocks of up to four.
+template <size_t blockWidth, class Sum, class T>
+RVK_INLINE void dotNarrowBlocks(size_t width, size_t top, size_t bottom, Plane<const T> a, Plane<const T> b, Sum* out)
+{
+    constexpr size_t most = kVectorsOfSums / blockWidth * blockWidth * Vec<T>::lanes;
+    Sum sums[most];
+    for (size_t left = 0, columns; left < width; left += columns, out += most / blockWidth) {
+        columns = least(most, width - left);
+        sumColumns(a, b, left, columns, top, bottom, sums);
+        sumNarrowBlocks<blockWidth>(sums, columns, out);
+    }
+}
+
+template <class Sum, class T>
+RVK_INLINE void dotBlocks(size_t width, size_t top, size_t bottom, Plane<const T> a, Plane<const T> b,
+                          size_t blockWidth, Sum* out)
+{
+    constexpr size_t most = kVectorsOfSums * Vec<T>::lanes;
+    Sum sums[most];
+    Sum sum = 0;
+    size_t missing = blockWidth; // columns of the block
+    for (size_t left = 0; left < width; left += most) {
+        const size_t columns = least(most, width - left);
+        sumColumns(a, b, left, columns, top, bottom, sums);
+        for (size_t x = 0; x < columns;) {
+            const size_t end = x + least(missing, columns - x);
+            missing -= end - x;
+            for (; x < end; ++x)
+                sum += sums[x];
+            if (missing == 0) {
+                *out++ = sum;
+                sum = 0;
+                missing = blockWidth;
+            }
+        }
+    }
+    if (missing != blockWidth)
+        *out = sum;
+}
+
 template <class Sum, class T>
 RVK_INLINE rvkStatus dotEachBlock(size_t width, size_t height, Plane<const T> a, Plane<const T> b, size_t blockWidth,
                                   size_t blockHeight, Plane<Sum> dst)
 {
-    constexpr size_t most = kVectorsOfSums * Vec<T>::lanes;
-    Sum sums[most];
     for (size_t top = 0; top < height; top += blockHeight) {
         const size_t bottom = top + least(blockHeight, height - top);
-        Sum* out = dst.row(top / blockHeight);
-        Sum sum = 0;
-        size_t missing = blockWidth; // columns of the block
-        for (size_t left = 0; left < width; left += most) {
-            const size_t columns = least(most, width - left);
-            sumColumns(a, b, left, columns, top, bottom, sums);
-            for (size_t x = 0; x < columns;) {
-                const size_t end = x + least(missing, columns - x);
-                missing -= end - x;
-                for (; x < end; ++x)
-                    sum += sums[x];
-                if (missing == 0) {
-                    *out++ = sum;
-                    sum = 0;
-                    missing = blockWidth;
-                }
-            }
+        Sum* const out = dst.row(top / blockHeight);
+        switch (blockWidth) {
+        case 2:
+            dotNarrowBlocks<2>(width, top, bottom, a, b, out);
+            break;
+        case 3:
+            dotNarrowBlocks<3>(width, top, bottom, a, b, out);
+            break;
+        case 4:
+            dotNarrowBlocks<4>(width, top, bottom, a, b, out);
+            break;
+        default:
+            dotBlocks(width, top, bottom, a, b, blockWidth, out);
         }
-        if (missing != blockWidth)
-            *out = sum;
     }
     return RAVIK_SUCCESS;
 }

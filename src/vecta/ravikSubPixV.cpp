@@ -69,13 +69,14 @@ void sumColumns(const SubPixWindow& window, const SubPixPatch& patch, const SubP
         Sums sum;
         Floats above = nextRow().inColumns();
         Samples here = nextRow();
+        Floats distance = splat(-static_cast<float>(window.rows / 2));
         for (size_t row = 0; row < window.rows; ++row) {
             const Samples next = nextRow();
             Floats weight = splat(window.rowWeights[row]);
             if (row >= window.deadTop && row < window.deadBottom)
                 weight = weight * isAlive;
-            const float distance = static_cast<float>(row) - static_cast<float>(window.rows / 2);
-            sum.add(here.acrossColumns(), next.inColumns() - above, weight, splat(distance));
+            sum.add(here.acrossColumns(), next.inColumns() - above, weight, distance);
+            distance = distance + splat(1.0f);
             above = here.inColumns();
             here = next;
         }

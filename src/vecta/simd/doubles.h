@@ -68,6 +68,7 @@ RVK_INLINE Doubles operator+(Doubles a, Doubles b) { return {a.raw + b.raw}; }
 RVK_INLINE Doubles operator-(Doubles a, Doubles b) { return {a.raw - b.raw}; }
 RVK_INLINE Doubles operator*(Doubles a, Doubles b) { return {a.raw * b.raw}; }
 RVK_INLINE Doubles operator/(Doubles a, Doubles b) { return {a.raw / b.raw}; }
+RVK_INLINE Doubles operator*(double a, Doubles b) { return splatDouble(a) * b; }
 
 // False for not-a-numbers.
 RVK_INLINE DoubleMask greater(Doubles a, Doubles b) { return {a.raw > b.raw}; }
@@ -82,6 +83,16 @@ RVK_INLINE DoubleMask operator|(DoubleMask a, DoubleMask b) { return {a.bits | b
 
 // a where true, else b.
 RVK_INLINE Doubles select(DoubleMask m, Doubles a, Doubles b) { return {m.bits ? a.raw : b.raw}; }
+
+#if !defined(__arm__)
+// As many elements as there are lanes.
+RVK_INLINE Doubles firstToDoubles(Vec<uint32_t> v)
+{
+    uint32_t __attribute__((vector_size(kBytes / 2))) first;
+    __builtin_memcpy(&first, &v.raw, sizeof first);
+    return {__builtin_convertvector(first, Doubles::Raw)};
+}
+#endif
 
 // All lanes.
 RVK_INLINE void storeDoubles(double* p, Doubles v) { __builtin_memcpy(p, &v.raw, sizeof v.raw); }
@@ -153,6 +164,16 @@ RVK_INLINE void storePoints(float* p, const DoublePoints<2>& points)
                        typename CountTo<Vec<float>::lanes>::Type{}));
 }
 
+#endif
+
+#if !defined(__arm__)
+// The lower half of the lanes and the upper half.
+RVK_INLINE DoublePoints<2> toDoubles(Vec<float> v)
+{
+    HalfOfFloats halves[2];
+    __builtin_memcpy(halves, &v.raw, sizeof halves);
+    return {{{__builtin_convertvector(halves[0], Doubles::Raw)}, {__builtin_convertvector(halves[1], Doubles::Raw)}}};
+}
 #endif
 
 // The same of a list whose points are `step` floats apart. Where it ends after `count` points, fewer than a vector has

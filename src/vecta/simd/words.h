@@ -16,12 +16,6 @@ RVK_INLINE Vec<int16_t> lowHalvesTwice(Vec<uint32_t> v)
     return bitCast<int16_t>(shuffle(bytes, bytes, [](size_t i) { return i / 4 * 4 + i % 2; }));
 }
 
-// acc + a[2i] * b[2i] + a[2i + 1] * b[2i + 1]
-RVK_INLINE Vec<int32_t> addDotPairs(Vec<int32_t> acc, Vec<int16_t> a, Vec<int16_t> b)
-{
-    return vec<int32_t>(_mm512_dpwssd_epi32(reg(acc), reg(a), reg(b)));
-}
-
 RVK_INLINE Vec<int16_t> splatHalves(int32_t low, int32_t high)
 {
     return bitCast<int16_t>(splat(static_cast<uint32_t>(low & 65535) | static_cast<uint32_t>(high) << 16));

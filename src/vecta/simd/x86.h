@@ -809,6 +809,12 @@ RVK_INLINE Vec<int32_t> addDotQuads(Vec<int32_t> acc, Vec<uint8_t> a, Vec<int8_t
 {
     return vec<int32_t>(_mm512_dpbusd_epi32(reg(acc), reg(a), reg(b)));
 }
+
+// acc and the two products in each element.
+RVK_INLINE Vec<int32_t> addDotPairs(Vec<int32_t> acc, Vec<int16_t> a, Vec<int16_t> b)
+{
+    return vec<int32_t>(_mm512_dpwssd_epi32(reg(acc), reg(a), reg(b)));
+}
 #endif
 
 // Pairs of bytes in memory order.
@@ -1067,10 +1073,10 @@ RVK_INLINE Vec<Wider<Wider<T>>> addPartOfDot(Vec<Wider<Wider<T>>> acc, Vec<T> a,
 }
 #endif
 
-// p[i] is the sum of the elements of v[i]; sums wrap.
+// In block b, of 16 bytes, element i is the sum of the elements of block b of v[i]; sums wrap.
 template <class T>
     requires(sizeof(T) == 4 && !isSame<T, float>)
-RVK_INLINE void storeSums(T* p, const Vecs<T, 4>& v)
+RVK_INLINE Vec<T> sumsOfBlocks(const Vecs<T, 4>& v)
 {
     const auto addPairs = [](Vec<uint32_t> a, Vec<uint32_t> b) RVK_INLINE_LAMBDA {
         const Vecs<uint32_t, 2> z = zipInLanes(a, b);
@@ -1078,7 +1084,15 @@ RVK_INLINE void storeSums(T* p, const Vecs<T, 4>& v)
     };
     const Vecs<uint32_t, 4> w = bitCast<uint32_t>(v);
     const Vecs<uint64_t, 2> z = zipInLanes(addPairs(w[0], w[1]), addPairs(w[2], w[3]));
-    const Register sums = reg(bitCast<uint32_t>(z[0]) + bitCast<uint32_t>(z[1])); // in each 16 bytes
+    return bitCast<T>(bitCast<uint32_t>(z[0]) + bitCast<uint32_t>(z[1]));
+}
+
+// p[i] is the sum of the elements of v[i]; sums wrap.
+template <class T>
+    requires(sizeof(T) == 4 && !isSame<T, float>)
+RVK_INLINE void storeSums(T* p, const Vecs<T, 4>& v)
+{
+    const Register sums = reg(sumsOfBlocks(v));
 #if RVK_AVX512
     const HalfRegister half = _mm256_add_epi32(lowHalf(sums), highHalf(sums));
     const __m128i quarter = _mm_add_epi32(_mm256_castsi256_si128(half), _mm256_extracti128_si256(half, 1));
