@@ -56,9 +56,9 @@ rvkStatus rvkMatrixMultiplys8s32C(const int8_t* src1, uint32_t width1, uint32_t 
 
 // ---- what all that follows is made of -------------------------------------------------------------------------------
 //
-// Small matrices take longer to walk than to compute with. So loops over rows take steps of four elements, and begin where
-// a step begins: they may touch what is no longer, or not yet, used. The last step of a row is taken one by one, for in
-// small matrices its elements have just been stored, one by one, and pairs of them could not be loaded yet.
+// Small matrices take longer to walk than to compute with. So loops over rows take pairs of elements, or steps of four, and
+// begin where one begins: they may touch what is no longer, or not yet, used. What they load soon is stored in pairs, too:
+// a pair of elements that have just been stored one by one could not be loaded yet.
 
 namespace {
 
@@ -132,22 +132,27 @@ const Pair& pairAt(const double* row, size_t i)
     return *reinterpret_cast<const Pair*>(row + i);
 }
 
-// Makes few elements 0.
-void clear(double* row, size_t first, size_t end)
+struct Multiple
 {
-    for (size_t i = first; i < end; ++i)
-        row[i] = 0;
-}
+    double factor;
+    const double* row;
+};
 
-// Subtracts a multiple of a row, from an element on.
-void subtract(double* from, double factor, const double* row, size_t first, size_t end)
+// Subtracts one multiple after the other from a row, from an element on.
+template <class... Multiples>
+void subtract(double* from, size_t first, size_t end, Multiples... multiples)
 {
-    size_t i = stepOf(first);
-    for (; end > kStep && i + kStep <= end; i += kStep)
-        for (size_t k = i; k < i + kStep; k += 2)
-            pairAt(from, k) -= factor * pairAt(row, k);
-    for (; i < end; ++i)
-        from[i] -= factor * row[i];
+    if (end <= kStep) {
+        for (size_t i = first; i < end; ++i)
+            ((from[i] -= multiples.factor * multiples.row[i]), ...);
+        return;
+    }
+#pragma GCC unroll 1
+    for (size_t i = first / 2 * 2; i < end; i += 2) {
+        Pair rest = pairAt(from, i);
+        ((rest -= multiples.factor * pairAt(multiples.row, i)), ...);
+        pairAt(from, i) = rest;
+    }
 }
 
 // One of them is 0 between where the step begins and the first element.
@@ -314,7 +319,7 @@ private:
     void subtractThoseBefore(uint32_t i) const
     {
         for (uint32_t j = 0; j < i; ++j)
-            subtract(vector(i), dot(vector(i), vector(j), 0, m_length), vector(j), 0, m_length);
+            subtract(vector(i), 0, m_length, Multiple{dot(vector(i), vector(j), 0, m_length), vector(j)});
     }
 
     // The first axis that stands out.
@@ -375,6 +380,21 @@ rvkStatus rvkSVDf32C(const float32_t* A, uint32_t width, uint32_t height, uint32
 
 namespace {
 
+// For the largest magnitude of several, without a branch: where it is cannot be foreseen.
+struct Search
+{
+    uint32_t where;
+    double largest = 0;
+
+    explicit Search(uint32_t first) : where(first) {}
+    void take(uint32_t i, double element)
+    {
+        const double magnitude = std::fabs(element);
+        where = magnitude > largest ? i : where;
+        largest = std::max(largest, magnitude);
+    }
+};
+
 // n equations: rows of A, each followed by its element of b; then the number of each unknown, and the solution. Of
 // symmetric matrices only what is from the diagonal on is used; the lower triangle is turned there.
 //
@@ -383,63 +403,83 @@ template <uint32_t fixed>
 class Equations
 {
 public:
-    explicit Equations(uint32_t n) : m_n(n), m_rows(uint64_t{n} + 2, n + 1) {}
-    explicit operator bool() const { return static_cast<bool>(m_rows); }
+    // In n + 2 rows of n + 1 elements.
+    Equations(uint32_t n, const Matrix& rows) : m_n(n), m_rowSize(rows.rowSize()), m_rows(rows.row(0)) {}
 
     // False when something is not finite.
     bool take(Plane<const float> a, const float* b)
     {
+        const uint32_t n = count();
         Largest left, right;
         double* to = row(0);
-        for (uint32_t i = 0; i < count(); ++i, to += rowSize()) {
+        for (uint32_t i = 0; i < n; ++i, to += rowSize()) {
             const float* const from = a.row(i);
-            for (uint32_t j = 0; j < count(); ++j)
-                to[j] = left.take(from[j]);
-            to[count()] = right.take(b[i]);
+            uint32_t j = 0;
+            for (; j + 2 <= n; j += 2)
+                pairAt(to, j) = Pair{left.take(from[j]), left.take(from[j + 1])};
+            const double last = right.take(b[i]);
+            pairAt(to, j) = j < n ? Pair{left.take(from[j]), last} : Pair{last, 0};
         }
-        m_bound = left.boundOfPivots(count());
+        m_bound = left.boundOfPivots(n);
         return left.isFinite() && right.isFinite();
     }
     bool takeSymmetric(Plane<const float> a, const float* b)
     {
+        const uint32_t n = count();
         Largest left, right;
-        for (uint32_t i = 0; i < count(); ++i) {
+        for (uint32_t i = 0; i < n; ++i) {
             const float* const from = a.row(i);
             double* to = row(0) + i;
             for (uint32_t j = 0; j <= i; ++j, to += rowSize())
                 *to = left.take(from[j]);
-            clear(row(i), stepOf(i), i);
-            row(i)[count()] = right.take(b[i]);
+            if (i % 2)
+                row(i)[i - 1] = 0;
+            const double last = right.take(b[i]);
+            row(i)[n / 2 * 2 + 1] = n % 2 ? last : 0;
+            row(i)[n] = last;
         }
-        m_bound = left.boundOfPivots(count());
+        m_bound = left.boundOfPivots(n);
         return left.isFinite() && right.isFinite();
     }
 
     // These make the matrix one of zeros below the diagonal, which becomes its reciprocals; false when it is singular.
+    // Two unknowns are taken out of all rows at a time, for walking rows takes longer than computing with them; but one by
+    // one where there is code for as many.
     bool eliminate()
     {
-        for (uint32_t k = 0; k < count(); ++k) {
+        for (uint32_t k = 0; k < count(); k += fixed ? 1 : 2) {
             double* const pivot = row(k);
-            double* largest = pivot;
-            for (double* r = pivot + rowSize(); r < row(count()); r += rowSize())
-                largest = std::fabs(r[k]) > std::fabs(largest[k]) ? r : largest;
-            if (!(std::fabs(largest[k]) > m_bound))
+            Search search(k);
+            for (uint32_t i = k; i < count(); ++i)
+                search.take(i, row(i)[k]);
+            if (!(search.largest > m_bound))
                 return false;
-            if (largest != pivot)
-                std::swap_ranges(pivot + k, pivot + count() + 1, largest + k);
+            if (search.where != k)
+                std::swap_ranges(pivot + k, pivot + count() + 1, row(search.where) + k);
             const double reciprocal = 1 / pivot[k];
-            for (double* r = pivot + rowSize(); r < row(count()); r += rowSize())
-                subtract(r, r[k] * reciprocal, pivot, k + 1, count() + 1);
+            if (!fixed && k + 1 < count()) {
+                if (!eliminateWithNext(k, reciprocal))
+                    return false;
+            } else {
+                for (uint32_t i = k + 1; i < count(); ++i)
+                    subtract(row(i), k + 1, count() + 1, Multiple{row(i)[k] * reciprocal, pivot});
+            }
             pivot[k] = reciprocal;
         }
         return true;
     }
     bool eliminateDefinite()
     {
-        for (uint32_t k = 0; k < count(); ++k) {
+        for (uint32_t k = 0; k < count(); k += fixed ? 1 : 2) {
             if (!(row(k)[k] > m_bound))
                 return false;
-            eliminateBelow(k);
+            eliminateFromNext(k);
+            if (fixed || k + 1 == count())
+                eliminateFromOthers(k);
+            else if (row(k + 1)[k + 1] > m_bound)
+                eliminateBoth(k);
+            else
+                return false;
         }
         return true;
     }
@@ -448,14 +488,25 @@ public:
         for (uint32_t i = 0; i < count(); ++i)
             numbers()[i] = i;
         for (uint32_t k = 0; k < count();) {
-            const bool isPair = choosePivot(k);
-            if (!(isPair ? std::fabs(determinant(k)) > m_bound * m_bound : std::fabs(row(k)[k]) > m_bound))
+            if (choosePivot(k)) {
+                if (!(std::fabs(determinant(k)) > m_bound * m_bound))
+                    return false;
+                eliminatePair(k);
+                k += 2;
+                continue;
+            }
+            if (!(std::fabs(row(k)[k]) > m_bound))
                 return false;
-            if (isPair)
-                eliminateBelowPair(k);
-            else
-                eliminateBelow(k);
-            k += isPair ? 2 : 1;
+            eliminateFromNext(k);
+            if (!fixed && k + 1 < count() && isLargeBeside(k + 1, largestBeside(k + 1, k + 1))) {
+                if (!(std::fabs(row(k + 1)[k + 1]) > m_bound))
+                    return false;
+                eliminateBoth(k);
+                k += 2;
+            } else {
+                eliminateFromOthers(k);
+                k += 1;
+            }
         }
         return true;
     }
@@ -464,13 +515,12 @@ public:
     bool solve()
     {
         double* const x = solution();
-        for (uint32_t i = 0; i < count(); ++i)
-            x[i] = row(i)[count()];
         for (uint32_t i = count(); i-- > 0;) {
-            const double found = x[i] *= row(i)[i];
-            const double* r = row(0) + i;
-            for (uint32_t j = 0; j < i; ++j, r += rowSize())
-                x[j] -= *r * found;
+            const double* const r = row(i);
+            double rest = r[count()];
+            for (uint32_t j = count(); j-- > i + 1;) // what was found last comes last, so that little waits for it
+                rest -= r[j] * x[j];
+            x[i] = rest * r[i];
         }
         return fitFloats(x, count());
     }
@@ -489,33 +539,79 @@ public:
 
 private:
     uint32_t count() const { return fixed ? fixed : m_n; }
-    size_t rowSize() const { return fixed ? wholeSteps(fixed + 1) : m_rows.rowSize(); }
-    double* row(size_t i) const { return m_rows.row(0) + i * rowSize(); }
+    size_t rowSize() const { return fixed ? wholeSteps(fixed + 1) : m_rowSize; }
+    double* row(size_t i) const { return m_rows + i * rowSize(); }
     double* numbers() const { return row(count()); }
     double* solution() const { return row(size_t{count()} + 1); }
 
+    // Takes unknown k out of the rows below, whose pivot's reciprocal this is, and the next one after choosing its pivot;
+    // false when that is too small.
+    bool eliminateWithNext(uint32_t k, double reciprocal)
+    {
+        double *const first = row(k), *const second = row(k + 1);
+        double *const factors = numbers(), *const next = solution(); // of the first unknown, the column of the second
+        Search search(k + 1);
+        for (uint32_t i = k + 1; i < count(); ++i) {
+            factors[i] = row(i)[k] * reciprocal;
+            next[i] = row(i)[k + 1] - factors[i] * first[k + 1];
+            search.take(i, next[i]);
+        }
+        if (!(search.largest > m_bound))
+            return false;
+        if (const uint32_t p = search.where; p != k + 1) {
+            std::swap_ranges(second + k + 2, second + count() + 1, row(p) + k + 2);
+            std::swap(factors[k + 1], factors[p]);
+            std::swap(next[k + 1], next[p]);
+        }
+        subtract(second, k + 2, count() + 1, Multiple{factors[k + 1], first});
+        const double ofSecond = 1 / next[k + 1];
+        for (uint32_t i = k + 2; i < count(); ++i)
+            subtract(row(i), k + 2, count() + 1, Multiple{factors[i], first}, Multiple{next[i] * ofSecond, second});
+        second[k + 1] = ofSecond;
+        return true;
+    }
+
     // ---- of symmetric matrices: what is right of a pivot is what is below it ----
 
-    void eliminateBelow(uint32_t k)
+    // Takes unknown k out of the next equation.
+    void eliminateFromNext(uint32_t k)
+    {
+        const double* const pivot = row(k);
+        if (k + 1 < count())
+            subtract(row(k + 1), k + 1, count() + 1, Multiple{pivot[k + 1] * (1 / pivot[k]), pivot});
+    }
+
+    // And then out of the others; or that and the next one.
+    void eliminateFromOthers(uint32_t k)
     {
         double* const pivot = row(k);
         const double reciprocal = 1 / pivot[k];
-        double* r = pivot + rowSize();
-        for (uint32_t i = k + 1; i < count(); ++i, r += rowSize())
-            subtract(r, pivot[i] * reciprocal, pivot, i, count() + 1);
+        for (uint32_t i = k + 2; i < count(); ++i)
+            subtract(row(i), i, count() + 1, Multiple{pivot[i] * reciprocal, pivot});
         pivot[k] = reciprocal;
+    }
+    void eliminateBoth(uint32_t k)
+    {
+        double *const first = row(k), *const second = row(k + 1);
+        const double ofFirst = 1 / first[k], ofSecond = 1 / second[k + 1];
+        for (uint32_t i = k + 2; i < count(); ++i)
+            subtract(row(i), i, count() + 1, Multiple{first[i] * ofFirst, first},
+                     Multiple{second[i] * ofSecond, second});
+        first[k] = ofFirst;
+        second[k + 1] = ofSecond;
     }
 
     double determinant(uint32_t k) const { return row(k)[k] * row(k + 1)[k + 1] - row(k)[k + 1] * row(k)[k + 1]; }
 
-    void eliminateBelowPair(uint32_t k)
+    // Takes a pivot of two rows out of all equations.
+    void eliminatePair(uint32_t k)
     {
         double *const first = row(k), *const second = row(k + 1);
         const double a = first[k], b = first[k + 1], c = second[k + 1], reciprocal = 1 / determinant(k);
         for (uint32_t i = k + 2; i < count(); ++i) {
             const double p = first[i], q = second[i];
-            subtract(row(i), (p * c - q * b) * reciprocal, first, i, count() + 1);
-            subtract(row(i), (q * a - p * b) * reciprocal, second, i, count() + 1);
+            subtract(row(i), i, count() + 1, Multiple{(p * c - q * b) * reciprocal, first},
+                     Multiple{(q * a - p * b) * reciprocal, second});
         }
         // The pair itself: the second equation comes first, for b is larger than a.
         const double factor = a / b;
@@ -528,35 +624,35 @@ private:
         second[k + 1] = 1 / second[k + 1];
     }
 
+    // Whether row k is a pivot as it is.
+    bool isLargeBeside(uint32_t k, double ofColumn) const { return !(std::fabs(row(k)[k]) < kAlpha * ofColumn); }
+
     // Brings the next pivot, of one or two rows, to row k; whether it is of two. As Bunch and Kaufman's algorithm A.
     bool choosePivot(uint32_t k)
     {
-        const double alpha = (1 + std::sqrt(17.0)) / 8;
-        const double diagonal = std::fabs(row(k)[k]);
-        const uint32_t r = largestBeside(k, k);
-        const double ofColumn = r == k ? 0 : std::fabs(row(k)[r]);
-        if (diagonal >= alpha * ofColumn)
+        const double ofColumn = largestBeside(k, k);
+        if (isLargeBeside(k, ofColumn))
             return false;
-        const uint32_t other = largestBeside(r, k);
-        const double ofRow = std::fabs(other < r ? row(other)[r] : row(r)[other]);
-        if (diagonal * ofRow >= alpha * ofColumn * ofColumn)
+        uint32_t r = k + 1;
+        while (std::fabs(row(k)[r]) != ofColumn)
+            ++r;
+        const double ofRow = largestBeside(r, k);
+        if (std::fabs(row(k)[k]) * ofRow >= kAlpha * ofColumn * ofColumn)
             return false;
-        const bool isPair = std::fabs(row(r)[r]) < alpha * ofRow;
+        const bool isPair = std::fabs(row(r)[r]) < kAlpha * ofRow;
         swapUnknowns(isPair ? k + 1 : k, r);
         return isPair;
     }
 
-    // Where row i, from `first` on, has its largest element beside the diagonal; i where there is no other row.
-    uint32_t largestBeside(uint32_t i, uint32_t first) const
+    // The largest magnitude in row i, from `first` on, beside the diagonal; 0 where there is no other row.
+    double largestBeside(uint32_t i, uint32_t first) const
     {
-        double largest = -1;
-        uint32_t where = i;
-        for (uint32_t j = first; j < count(); ++j)
-            if (const double magnitude = std::fabs(j < i ? row(j)[i] : row(i)[j]); j != i && magnitude > largest) {
-                largest = magnitude;
-                where = j;
-            }
-        return where;
+        double largest = 0;
+        for (uint32_t j = first; j < i; ++j)
+            largest = std::max(largest, std::fabs(row(j)[i]));
+        for (uint32_t j = i + 1; j < count(); ++j)
+            largest = std::max(largest, std::fabs(row(i)[j]));
+        return largest;
     }
 
     // Exchanges rows and columns p and q, p no larger than q.
@@ -573,8 +669,11 @@ private:
         std::swap(numbers()[p], numbers()[q]);
     }
 
+    static constexpr double kAlpha = 0x1.47e0f66afed07p-1; // (1 + sqrt(17)) / 8
+
     const uint32_t m_n;
-    const Matrix m_rows;
+    const size_t m_rowSize;
+    double* const m_rows;
     double m_bound = 0;
 };
 
@@ -595,58 +694,60 @@ rvkStatus bySize(uint32_t n, Solve solve)
     }
 }
 
-// As many equations as `height`, of fewer unknowns: the columns of A, then b, the normal of a reflection, and of each
-// column the number of its unknown and the square of what is below the rows that are done.
+// As many equations as `height`, of no more unknowns: rows of b and A; then for each column the square of what is below the
+// rows that are done, and the number of its unknown. The columns that are done are the last ones, the first one of them
+// being the very last: what is left begins where the rows do.
+//
+// Reflections go down the rows, a step of columns at a time, so that the sums of columns are elements of vectors.
 class LeastSquares
 {
 public:
-    LeastSquares(uint32_t width, uint32_t height)
-        : m_width(width), m_height(height), m_columns(uint64_t{width} + 4, height)
+    // In height + 2 rows of width + 1 elements; the normal has `height`.
+    LeastSquares(uint32_t width, uint32_t height, const Matrix& rows, const Matrix& normal)
+        : m_width(width), m_height(height), m_rowSize(rows.rowSize()), m_rows(rows.row(0)), m_normal(normal.row(0))
     {
     }
-    explicit operator bool() const { return static_cast<bool>(m_columns); }
 
     // False when something is not finite.
     bool take(Plane<const float> a, const float* b)
     {
         Largest left, right;
-        for (uint32_t y = 0; y < m_height; ++y) {
+        double* to = row(0);
+        for (uint32_t y = 0; y < m_height; ++y, to += m_rowSize) {
             const float* const from = a.row(y);
-            double* to = column(0) + y;
-            for (uint32_t x = 0; x < m_width; ++x, to += m_columns.rowSize())
-                *to = left.take(from[x]);
-            rightSide()[y] = right.take(b[y]);
+            pairAt(to, 0) = Pair{right.take(b[y]), left.take(from[0])};
+            uint32_t x = 2;
+            for (; x < m_width; x += 2)
+                pairAt(to, x) = Pair{left.take(from[x - 1]), left.take(from[x])};
+            for (; x < m_rowSize; x += 2)
+                pairAt(to, x) = Pair{x == m_width ? left.take(from[x - 1]) : 0, 0};
         }
-        for (uint32_t x = 0; x < m_width; ++x) {
-            numbers()[x] = x;
-            squares()[x] = dot(column(x), column(x), 0, m_height);
-        }
+        for (size_t x = 0; x <= m_width; x += kStep)
+            sumSquares(x);
+        for (uint32_t x = 1; x <= m_width; ++x)
+            numbers()[x] = x - 1;
         m_bound = left.boundOfPivots(m_width);
         return left.isFinite() && right.isFinite();
     }
 
-    // Reflects the columns, b with them, until there are zeros below the diagonal; false when they are dependent.
+    // Reflects the columns, b with them, until there are zeros below the pivots, which become their reciprocals; false
+    // when they are dependent.
     bool reflect()
     {
-        double *const n = normal(), *const last = rightSide(), *const square = squares();
         for (uint32_t k = 0; k < m_width; ++k) {
-            bringLongest(k);
-            double* const pivot = column(k);
-            for (size_t i = stepOf(k); i < m_height; ++i)
-                n[i] = i < k ? 0 : pivot[i];
-            const double norm = std::sqrt(dot(n, n, k, m_height));
+            const double norm = std::sqrt(takeLongest(k));
             if (!(norm > m_bound))
                 return false;
-            const double factor = 1 / (norm * (norm + std::fabs(n[k])));
-            pivot[k] = std::copysign(norm, -n[k]);
-            n[k] -= pivot[k];
-            for (double* c = pivot + m_columns.rowSize(); c <= last; c += m_columns.rowSize())
-                subtract(c, dot(n, c, k, m_height) * factor, n, k, m_height);
-            const double* c = pivot + k;
-            for (uint32_t j = k + 1; j < m_width; ++j) {
-                c += m_columns.rowSize();
-                square[j] -= *c * *c;
-            }
+            double& first = m_normal[k];
+            const double factor = 1 / (norm * (norm + std::fabs(first))), pivot = std::copysign(norm, -first);
+            first -= pivot;
+            const size_t end = m_width - k;
+            size_t x = 0;
+            for (; x + kStep < end; x += 2 * kStep)
+                reflectColumns<2>(x, k, factor);
+            if (x < end)
+                reflectColumns<1>(x, k, factor);
+            row(k)[m_width - k] = 1 / pivot;
         }
         return true;
     }
@@ -654,44 +755,98 @@ public:
     // After that: false when the solution does not fit floats.
     bool solve()
     {
-        double* const x = rightSide();
-        for (uint32_t k = m_width; k-- > 0;) {
-            const double* const c = column(k);
-            const double found = x[k] /= c[k];
-            for (uint32_t i = 0; i < k; ++i)
-                x[i] -= found * c[i];
+        double* const solution = squares();
+        for (uint32_t x = 1; x <= m_width; ++x) {
+            const double* const r = row(m_width - x);
+            double rest = r[0];
+            for (uint32_t i = 1; i < x; ++i) // what was found last comes last, so that little waits for it
+                rest -= r[i] * solution[i];
+            solution[x] = rest * r[x];
         }
-        return fitFloats(x, m_width);
+        return fitFloats(solution + 1, m_width);
     }
 
-    void store(float32_t* x) const
+    void store(float32_t* to) const
     {
-        for (uint32_t k = 0; k < m_width; ++k)
-            x[static_cast<uint32_t>(numbers()[k])] = static_cast<float>(rightSide()[k]);
+        for (uint32_t x = 1; x <= m_width; ++x)
+            to[static_cast<uint32_t>(numbers()[x])] = static_cast<float>(squares()[x]);
     }
 
 private:
-    double* column(size_t x) const { return m_columns.row(x); }
-    double* rightSide() const { return column(m_width); }
-    double* normal() const { return column(size_t{m_width} + 1); }
-    double* numbers() const { return column(size_t{m_width} + 2); }
-    double* squares() const { return column(size_t{m_width} + 3); }
+    double* row(size_t y) const { return m_rows + y * m_rowSize; }
+    double* squares() const { return row(m_height); }
+    double* numbers() const { return row(size_t{m_height} + 1); }
 
-    // The longest of the columns from k on becomes column k, by what is below the rows that are done.
-    void bringLongest(uint32_t k)
+    void sumSquares(size_t x)
     {
-        uint32_t longest = k;
-        for (uint32_t j = k + 1; j < m_width; ++j)
-            longest = squares()[j] > squares()[longest] ? j : longest;
-        if (longest == k)
-            return;
-        std::swap_ranges(column(k), column(k) + m_height, column(longest));
-        std::swap(numbers()[k], numbers()[longest]);
-        std::swap(squares()[k], squares()[longest]);
+        Pair sums[2] = {};
+        const double* r = row(0) + x;
+        for (uint32_t y = 0; y < m_height; ++y, r += m_rowSize) {
+            sums[0] += pairAt(r, 0) * pairAt(r, 0);
+            sums[1] += pairAt(r, 2) * pairAt(r, 2);
+        }
+        pairAt(squares(), x) = sums[0];
+        pairAt(squares(), x + 2) = sums[1];
+    }
+
+    // The longest of the columns that are left, by what is below the k rows that are done, becomes the normal. What is
+    // in these rows goes to the last of those columns, which takes the other's place. The square of the normal's length.
+    double takeLongest(uint32_t k)
+    {
+        const uint32_t last = m_width - k;
+        Search search(1);
+        for (uint32_t x = 1; x <= last; ++x)
+            search.take(x, squares()[x]);
+        const uint32_t longest = search.where;
+        std::swap(numbers()[last], numbers()[longest]);
+        squares()[longest] = squares()[last];
+        double* r = row(0);
+        for (uint32_t y = 0; y < k; ++y, r += m_rowSize)
+            std::swap(r[last], r[longest]);
+        double square = 0, other = 0; // of every other row, so that they wait less for each other
+        for (uint32_t y = k; y < m_height; ++y, r += m_rowSize) {
+            const double element = r[longest];
+            m_normal[y] = element;
+            r[longest] = r[last];
+            square += element * element;
+            std::swap(square, other);
+        }
+        return square + other;
+    }
+
+    // Reflects steps of columns, from row k on.
+    template <size_t steps>
+    void reflectColumns(size_t x, uint32_t k, double factor)
+    {
+        constexpr size_t count = steps * kStep / 2;
+        Pair sums[count] = {};
+        double* const begin = row(k) + x;
+        double* r = begin + m_rowSize;
+        for (uint32_t y = k + 1; y < m_height; ++y, r += m_rowSize) {
+            const double n = m_normal[y];
+#pragma GCC unroll 4
+            for (size_t i = 0; i < count; ++i)
+                sums[i] += n * pairAt(r, 2 * i);
+        }
+        // The first element comes last, for it waits for the normal's length.
+#pragma GCC unroll 4
+        for (size_t i = 0; i < count; ++i)
+            sums[i] = (sums[i] + m_normal[k] * pairAt(begin, 2 * i)) * factor;
+        r = begin;
+        for (uint32_t y = k; y < m_height; ++y, r += m_rowSize) {
+            const double n = m_normal[y];
+#pragma GCC unroll 4
+            for (size_t i = 0; i < count; ++i)
+                pairAt(r, 2 * i) -= n * sums[i];
+        }
+#pragma GCC unroll 4
+        for (size_t i = 0; i < count; ++i)
+            pairAt(squares(), x + 2 * i) -= pairAt(begin, 2 * i) * pairAt(begin, 2 * i);
     }
 
     const uint32_t m_width, m_height;
-    const Matrix m_columns;
+    const size_t m_rowSize;
+    double *const m_rows, *const m_normal;
     double m_bound = 0;
 };
 
@@ -700,9 +855,10 @@ private:
 rvkStatus rvkSolvef32C(const float32_t* A, uint32_t width, uint32_t height, uint32_t aStride, const float32_t* b,
                        float32_t* x)
 {
-    LeastSquares equations(width, height);
-    if (!equations)
+    const Matrix rows(uint64_t{height} + 2, width + 1), normal(1, height);
+    if (!rows || !normal)
         return RAVIK_ENORES;
+    LeastSquares equations(width, height, rows, normal);
     if (!equations.take(Plane{A, aStride}, b) || !equations.reflect() || !equations.solve())
         return RAVIK_EFAIL;
     equations.store(x);
@@ -712,9 +868,10 @@ rvkStatus rvkSolvef32C(const float32_t* A, uint32_t width, uint32_t height, uint
 rvkStatus rvkSolveLUf32C(const float32_t* A, uint32_t n, uint32_t aStride, const float32_t* b, float32_t* x)
 {
     return bySize(n, [&](auto size) {
-        Equations<size> equations(n);
-        if (!equations)
+        const Matrix rows(uint64_t{n} + 2, n + 1);
+        if (!rows)
             return RAVIK_ENORES;
+        Equations<size> equations(n, rows);
         if (!equations.take(Plane{A, aStride}, b) || !equations.eliminate() || !equations.solve())
             return RAVIK_EFAIL;
         equations.store(x);
@@ -725,9 +882,10 @@ rvkStatus rvkSolveLUf32C(const float32_t* A, uint32_t n, uint32_t aStride, const
 rvkStatus rvkSolveCholeskyf32C(const float32_t* A, uint32_t n, uint32_t aStride, const float32_t* b, float32_t* x)
 {
     return bySize(n, [&](auto size) {
-        Equations<size> equations(n);
-        if (!equations)
+        const Matrix rows(uint64_t{n} + 2, n + 1);
+        if (!rows)
             return RAVIK_ENORES;
+        Equations<size> equations(n, rows);
         if (!equations.takeSymmetric(Plane{A, aStride}, b) || !equations.eliminateDefinite() || !equations.solve())
             return RAVIK_EFAIL;
         equations.store(x);
@@ -738,9 +896,10 @@ rvkStatus rvkSolveCholeskyf32C(const float32_t* A, uint32_t n, uint32_t aStride,
 rvkStatus rvkSolveLDLf32C(const float32_t* A, uint32_t n, uint32_t aStride, const float32_t* b, float32_t* x)
 {
     return bySize(n, [&](auto size) {
-        Equations<size> equations(n);
-        if (!equations)
+        const Matrix rows(uint64_t{n} + 2, n + 1);
+        if (!rows)
             return RAVIK_ENORES;
+        Equations<size> equations(n, rows);
         if (!equations.takeSymmetric(Plane{A, aStride}, b) || !equations.eliminateSymmetric() || !equations.solve())
             return RAVIK_EFAIL;
         equations.storeInOrder(x);
