@@ -56,9 +56,10 @@ rvkStatus rvkMatrixMultiplys8s32C(const int8_t* src1, uint32_t width1, uint32_t 
 
 // ---- what all that follows is made of -------------------------------------------------------------------------------
 //
-// Small matrices take longer to walk than to compute with. So loops over rows take pairs of elements, or steps of four, and
-// begin where one begins: they may touch what is no longer, or not yet, used. What they load soon is stored in pairs, too:
-// a pair of elements that have just been stored one by one could not be loaded yet.
+// Small matrices take longer to walk than to compute with. So loops over rows take pairs of elements, or steps of four,
+// and begin where one begins: they may touch what is no longer, or not yet, used. What they load soon is stored in
+// pairs, too: a pair of elements that have just been stored one by one could not be loaded yet. Algorithms do not own
+// their memory, so that compilers keep what else they are made of in registers.
 
 namespace {
 
@@ -78,7 +79,7 @@ constexpr size_t wholeSteps(size_t count)
 class Matrix
 {
 public:
-    Matrix(uint64_t rows, uint32_t columns) : m_rowSize(wholeSteps(columns)), m_data(m_small)
+    Matrix(uint64_t rows, uint64_t columns) : m_rowSize(wholeSteps(columns)), m_data(m_small)
     {
         if (rows * m_rowSize > kSmall)
             m_data = m_large.emplace(rows, m_rowSize).get();
@@ -88,7 +89,7 @@ public:
     size_t rowSize() const { return m_rowSize; }
 
 private:
-    static constexpr size_t kSmall = (12 + 2) * wholeSteps(12 + 1); // for 12 equations
+    static constexpr size_t kSmall = 12 * (12 + 12); // for 12 singular values, or 12 equations
     const size_t m_rowSize;
     double* m_data;
     std::optional<Scratch<double>> m_large;
@@ -155,48 +156,67 @@ void subtract(double* from, size_t first, size_t end, Multiples... multiples)
     }
 }
 
-// One of them is 0 between where the step begins and the first element.
-double dot(const double* a, const double* b, size_t first, size_t end)
+// Of whole steps.
+double dot(const double* a, const double* b, size_t count)
 {
     Pair sums = {}, others = {};
-    size_t i = stepOf(first);
-    for (; end > kStep && i + kStep <= end; i += kStep) {
+    for (size_t i = 0; i < count; i += kStep) {
         sums += pairAt(a, i) * pairAt(b, i);
         others += pairAt(a, i + 2) * pairAt(b, i + 2);
     }
-    double rest = 0;
-    for (; i < end; ++i)
-        rest += a[i] * b[i];
     sums += others;
-    return sums[0] + sums[1] + rest;
+    return sums[0] + sums[1];
+}
+
+// solve(size) with the number of equations or singular values as a constant where that pays: three equations take half
+// of the time then. With 0 otherwise.
+template <class Solve>
+rvkStatus bySize(uint32_t n, Solve solve)
+{
+    switch (n) {
+    case 2:
+        return solve(std::integral_constant<uint32_t, 2>{});
+    case 3:
+        return solve(std::integral_constant<uint32_t, 3>{});
+    case 4:
+        return solve(std::integral_constant<uint32_t, 4>{});
+    default:
+        return solve(std::integral_constant<uint32_t, 0>{});
+    }
 }
 
 // ---- singular values ------------------------------------------------------------------------------------------------
 //
 // The columns of A, or its rows where they are fewer, are the vectors. Rotations of pairs of them make them orthogonal:
 // rotations * A = diag(w) * directions.
-
+//
+// Rotations are those of M. Gentleman, "Least Squares Computations by Givens Transformations Without Square Roots",
+// 1973: each vector is to be multiplied by the root of a weight, which takes the cosines. So a rotation has half of the
+// products, and the next one need not wait for the root that the cosine is.
+//
+// There is code of its own for as many as `fixed` vectors of as many elements, if that is not 0.
+template <uint32_t fixed>
 class SingularValues
 {
 public:
-    // k vectors of `length` elements, which is no less than k.
-    SingularValues(uint32_t k, uint32_t length)
-        : m_k(k), m_length(length), m_vectors(k, length), m_rotations(k, k), m_values(1, k)
+    // k vectors of `length` elements, which is no less than k. In k rows of wholeSteps(length) + k elements; the values
+    // and weights are in two rows of k.
+    SingularValues(uint32_t k, uint32_t length, const Matrix& rows, const Matrix& values)
+        : m_k(k), m_length(length), m_rows(rows.row(0)), m_values(values.row(0)), m_weights(values.row(1))
     {
     }
-    explicit operator bool() const { return m_vectors && m_rotations && m_values; }
 
-    double* vector(size_t i) const { return m_vectors.row(i); }
-    double* rotation(size_t i) const { return m_rotations.row(i); }
-    double value(size_t i) const { return m_values.row(0)[i]; }
+    double* vector(size_t i) const { return m_rows + i * rowSize(); }
+    double* rotation(size_t i) const { return vector(i) + vectorSize(); }
+    double value(size_t i) const { return m_values[i]; }
 
     // False when it does not come to an end.
     bool find()
     {
-        for (uint32_t i = 0; i < m_k; ++i) {
-            std::fill(vector(i) + m_length, vector(i) + m_vectors.rowSize(), 0.0);
-            std::fill_n(rotation(i), m_rotations.rowSize(), 0.0);
+        for (uint32_t i = 0; i < count(); ++i) {
+            std::fill(vector(i) + length(), vector(i) + rowSize(), 0.0);
             rotation(i)[i] = 1;
+            m_weights[i] = 1;
         }
         constexpr int mostSweeps = 60;
         for (int sweep = 0; sweep < mostSweeps; ++sweep)
@@ -210,7 +230,7 @@ public:
     // Makes the vectors directions. Those that are nothing but rounding errors of the others are made anew.
     void normalise()
     {
-        for (uint32_t i = 0; i < m_k; ++i) {
+        for (uint32_t i = 0; i < count(); ++i) {
             if (value(i) > 0)
                 scale(vector(i), 1 / value(i));
             if (!(value(i) > kNoise * value(0)) && !standsOut(i))
@@ -223,83 +243,120 @@ private:
     static constexpr double kNegligible = 0x1p-25; // of those that are not rotated
     static constexpr double kNoise = 0x1p-44;
 
-    // During the sweeps the values are squares.
-    double& square(size_t i) { return m_values.row(0)[i]; }
+    struct Rotation
+    {
+        uint32_t i, j;
+        double ofSecond, ofFirst; // what is subtracted from the first vector, and added to the second
+    };
 
-    // Whether all were orthogonal. Pairs follow each other as in a tournament, so that one need not wait for the one
-    // before it.
+    uint32_t count() const { return fixed ? fixed : m_k; }
+    uint32_t length() const { return fixed ? fixed : m_length; }
+    size_t vectorSize() const { return wholeSteps(length()); }
+    size_t rowSize() const { return vectorSize() + wholeSteps(count()); }
+
+    // During the sweeps the values are squares.
+    double& square(size_t i) { return m_values[i]; }
+
+    double product(size_t i, size_t j) const { return dot(vector(i), vector(j), vectorSize()); }
+
+    // Whether all were orthogonal. Pairs follow each other as in a tournament, so that those of a round have nothing to
+    // do with each other: several angles are computed before the first rotation, and do not wait for each other.
     bool rotateAllPairs()
     {
         double largest = 0;
-        for (uint32_t i = 0; i < m_k; ++i) {
-            square(i) = dot(vector(i), vector(i), 0, m_length);
+        for (uint32_t i = 0; i < count(); ++i) {
+            square(i) = m_weights[i] * product(i, i);
             largest = std::max(largest, square(i));
         }
         const double negligible = kNoise * kNoise * largest;
-        const uint32_t rounds = (m_k - 1) | 1; // an odd number of vectors leaves one out in each
+        const uint32_t rounds = (count() - 1) | 1; // an odd number of vectors leaves one out in each
         bool isOrthogonal = true;
         for (uint32_t round = 0; round < rounds; ++round) {
             uint32_t up = round, down = rounds; // the last one stays, those of the others go around
-            for (uint32_t pair = 0; pair <= rounds / 2; ++pair) {
-                if (std::max(up, down) < m_k)
-                    isOrthogonal &= rotate(std::min(up, down), std::max(up, down), negligible);
-                if (pair == 0)
-                    down = round;
-                up = up + 1 < rounds ? up + 1 : 0;
-                down = down > 0 ? down - 1 : rounds - 1;
+            for (uint32_t pair = 0; pair <= rounds / 2;) {
+                constexpr size_t most = 8;
+                Rotation rotations[most];
+                size_t found = 0;
+                for (; pair <= rounds / 2 && found < most; ++pair) {
+                    if (std::max(up, down) < count())
+                        isOrthogonal &=
+                            addRotation(std::min(up, down), std::max(up, down), negligible, rotations, found);
+                    if (pair == 0)
+                        down = round;
+                    up = up + 1 < rounds ? up + 1 : 0;
+                    down = down > 0 ? down - 1 : rounds - 1;
+                }
+                for (size_t i = 0; i < found; ++i)
+                    rotate(rotations[i]);
             }
         }
         return isOrthogonal;
     }
 
-    // Whether they are orthogonal; after that they are. Where one is negligible it is no matter which way it points.
-    bool rotate(uint32_t i, uint32_t j, double negligible)
+    // Adds the rotation that makes a pair orthogonal to the list, unless it is already, or one of the two is negligible
+    // and it is no matter which way that points. Whether the pair was orthogonal enough for the end.
+    bool addRotation(uint32_t i, uint32_t j, double negligible, Rotation* list, size_t& found)
     {
-        if (std::min(square(i), square(j)) <= negligible)
-            return true;
-        const double product = dot(vector(i), vector(j), 0, m_length), squares = square(i) * square(j);
-        if (product * product <= kNegligible * kNegligible * squares)
-            return true;
-        const bool isOrthogonal = product * product <= kOrthogonal * kOrthogonal * squares;
         // Rutishauser's formulas: the smaller one of the two angles.
-        const double zeta = (square(j) - square(i)) / (2 * product);
-        const double tangent = std::copysign(1 / (std::fabs(zeta) + std::sqrt(1 + zeta * zeta)), zeta);
-        const double cosine = 1 / std::sqrt(1 + tangent * tangent), sine = cosine * tangent;
-        square(i) -= tangent * product;
-        square(j) += tangent * product;
-        turn(vector(i), vector(j), m_length, cosine, sine);
-        turn(rotation(i), rotation(j), m_k, cosine, sine);
-        return isOrthogonal;
+        const double common = product(i, j), weights = m_weights[i] * m_weights[j], squares = square(i) * square(j);
+        const double half = 0.5 * (square(j) - square(i)), squareOfCommon = common * weights * common;
+        const bool isNeeded =
+            (std::min(square(i), square(j)) > negligible) & (squareOfCommon > kNegligible * kNegligible * squares);
+        const double adjacent = std::fabs(half) + std::sqrt(half * half + squareOfCommon);
+        const double factor = isNeeded ? std::copysign(1.0, half) * common / adjacent : 0;
+        list[found] = {i, j, factor * m_weights[j], factor * m_weights[i]};
+        found += isNeeded;
+
+        const double shift = factor * common * weights, squareOfCosine = 1 / (1 + factor * factor * weights);
+        square(i) -= shift;
+        square(j) += shift;
+        m_weights[i] *= squareOfCosine;
+        m_weights[j] *= squareOfCosine;
+        return !isNeeded | (squareOfCommon <= kOrthogonal * kOrthogonal * squares);
     }
 
-    static void turn(double* a, double* b, size_t count, double cosine, double sine)
+    void rotate(const Rotation& by)
     {
-        for (size_t i = 0; i < count; i += 2) {
+        double *const a = vector(by.i), *const b = vector(by.j);
+        for (size_t i = 0; i < rowSize(); i += 2) {
             const Pair first = pairAt(a, i), second = pairAt(b, i);
-            pairAt(a, i) = cosine * first - sine * second;
-            pairAt(b, i) = sine * first + cosine * second;
+            pairAt(a, i) = first - by.ofSecond * second;
+            pairAt(b, i) = second + by.ofFirst * first;
         }
+        for (const uint32_t i : {by.i, by.j})
+            if (m_weights[i] < 0x1p-128)
+                multiply(i);
+    }
+
+    // By the root of its weight.
+    void multiply(uint32_t i)
+    {
+        const double root = std::sqrt(m_weights[i]);
+        for (size_t x = 0; x < rowSize(); x += 2)
+            pairAt(vector(i), x) *= root;
+        m_weights[i] = 1;
     }
 
     void order()
     {
-        for (uint32_t i = 0; i < m_k; ++i)
-            square(i) = std::sqrt(dot(vector(i), vector(i), 0, m_length));
-        for (uint32_t i = 0; i + 1 < m_k; ++i) {
+        for (uint32_t i = 0; i < count(); ++i) {
+            multiply(i);
+            square(i) = std::sqrt(product(i, i));
+        }
+        for (uint32_t i = 0; i + 1 < count(); ++i) {
             uint32_t longest = i;
-            for (uint32_t j = i + 1; j < m_k; ++j)
+            for (uint32_t j = i + 1; j < count(); ++j)
                 longest = value(j) > value(longest) ? j : longest;
             if (longest == i)
                 continue;
-            std::swap_ranges(vector(i), vector(i) + m_length, vector(longest));
-            std::swap_ranges(rotation(i), rotation(i) + m_k, rotation(longest));
+            std::swap_ranges(vector(i), vector(i) + rowSize(), vector(longest));
             std::swap(square(i), square(longest));
         }
     }
 
     void scale(double* vector, double factor) const
     {
-        for (uint32_t i = 0; i < m_length; ++i)
+        for (uint32_t i = 0; i < length(); ++i)
             vector[i] *= factor;
     }
 
@@ -308,8 +365,8 @@ private:
     bool standsOut(uint32_t i) const
     {
         subtractThoseBefore(i);
-        const double left = dot(vector(i), vector(i), 0, m_length);
-        if (!(left * m_length >= 0.5))
+        const double left = product(i, i);
+        if (!(left * length() >= 0.5))
             return false;
         scale(vector(i), 1 / std::sqrt(left));
         subtractThoseBefore(i); // the rounding errors
@@ -319,14 +376,14 @@ private:
     void subtractThoseBefore(uint32_t i) const
     {
         for (uint32_t j = 0; j < i; ++j)
-            subtract(vector(i), 0, m_length, Multiple{dot(vector(i), vector(j), 0, m_length), vector(j)});
+            subtract(vector(i), 0, vectorSize(), Multiple{product(i, j), vector(j)});
     }
 
     // The first axis that stands out.
     void findAnother(uint32_t i) const
     {
-        for (uint32_t axis = 0; axis < m_length; ++axis) {
-            std::fill_n(vector(i), m_length, 0.0);
+        for (uint32_t axis = 0; axis < length(); ++axis) {
+            std::fill_n(vector(i), length(), 0.0);
             vector(i)[axis] = 1;
             if (standsOut(i))
                 return;
@@ -334,7 +391,7 @@ private:
     }
 
     const uint32_t m_k, m_length;
-    const Matrix m_vectors, m_rotations, m_values;
+    double *const m_rows, *const m_values, *const m_weights;
 };
 
 // 1, or -1 for a row of Vt whose first element of largest magnitude is negative as it will be stored.
@@ -353,27 +410,31 @@ rvkStatus rvkSVDf32C(const float32_t* A, uint32_t width, uint32_t height, uint32
                      uint32_t uStride, float32_t* Vt, uint32_t vtStride)
 {
     const bool isTall = height >= width;
-    SingularValues found(std::min(width, height), std::max(width, height));
-    if (!found)
-        return RAVIK_ENORES;
-    Largest largest;
-    for (uint32_t y = 0; y < height; ++y)
-        for (uint32_t x = 0; x < width; ++x)
-            (isTall ? found.vector(x)[y] : found.vector(y)[x]) = largest.take(Plane{A, aStride}.row(y)[x]);
-    if (!largest.isFinite() || !found.find() || found.value(0) > FLT_MAX)
-        return RAVIK_EFAIL;
-    found.normalise();
-    for (uint32_t i = 0; i < std::min(width, height); ++i) {
-        const double* const left = isTall ? found.vector(i) : found.rotation(i);
-        const double* const right = isTall ? found.rotation(i) : found.vector(i);
-        const double sign = signOf(right, width);
-        w[i] = static_cast<float>(found.value(i));
-        for (uint32_t y = 0; U && y < height; ++y)
-            Plane{U, uStride}.row(y)[i] = static_cast<float>(sign * left[y]);
-        for (uint32_t x = 0; Vt && x < width; ++x)
-            Plane{Vt, vtStride}.row(i)[x] = static_cast<float>(sign * right[x]);
-    }
-    return RAVIK_SUCCESS;
+    const uint32_t k = std::min(width, height), length = std::max(width, height);
+    return bySize(width == height ? width : 0, [&](auto size) {
+        const Matrix rows(k, wholeSteps(length) + uint64_t{k}), values(2, k);
+        if (!rows || !values)
+            return RAVIK_ENORES;
+        SingularValues<size> found(k, length, rows, values);
+        Largest largest;
+        for (uint32_t y = 0; y < height; ++y)
+            for (uint32_t x = 0; x < width; ++x)
+                (isTall ? found.vector(x)[y] : found.vector(y)[x]) = largest.take(Plane{A, aStride}.row(y)[x]);
+        if (!largest.isFinite() || !found.find() || found.value(0) > FLT_MAX)
+            return RAVIK_EFAIL;
+        found.normalise();
+        for (uint32_t i = 0; i < k; ++i) {
+            const double* const left = isTall ? found.vector(i) : found.rotation(i);
+            const double* const right = isTall ? found.rotation(i) : found.vector(i);
+            const double sign = signOf(right, width);
+            w[i] = static_cast<float>(found.value(i));
+            for (uint32_t y = 0; U && y < height; ++y)
+                Plane{U, uStride}.row(y)[i] = static_cast<float>(sign * left[y]);
+            for (uint32_t x = 0; Vt && x < width; ++x)
+                Plane{Vt, vtStride}.row(i)[x] = static_cast<float>(sign * right[x]);
+        }
+        return RAVIK_SUCCESS;
+    });
 }
 
 // ---- equations ------------------------------------------------------------------------------------------------------
@@ -432,7 +493,7 @@ public:
             double* to = row(0) + i;
             for (uint32_t j = 0; j <= i; ++j, to += rowSize())
                 *to = left.take(from[j]);
-            if (i % 2)
+            if (i % 2) // what else there is in the first pair and the last
                 row(i)[i - 1] = 0;
             const double last = right.take(b[i]);
             row(i)[n / 2 * 2 + 1] = n % 2 ? last : 0;
@@ -443,8 +504,8 @@ public:
     }
 
     // These make the matrix one of zeros below the diagonal, which becomes its reciprocals; false when it is singular.
-    // Two unknowns are taken out of all rows at a time, for walking rows takes longer than computing with them; but one by
-    // one where there is code for as many.
+    // Two unknowns are taken out of all rows at a time, for walking rows takes longer than computing with them; but one
+    // by one where there is code for as many.
     bool eliminate()
     {
         for (uint32_t k = 0; k < count(); k += fixed ? 1 : 2) {
@@ -457,29 +518,29 @@ public:
             if (search.where != k)
                 std::swap_ranges(pivot + k, pivot + count() + 1, row(search.where) + k);
             const double reciprocal = 1 / pivot[k];
-            if (!fixed && k + 1 < count()) {
-                if (!eliminateWithNext(k, reciprocal))
-                    return false;
-            } else {
+            if (fixed || k + 1 == count()) {
                 for (uint32_t i = k + 1; i < count(); ++i)
                     subtract(row(i), k + 1, count() + 1, Multiple{row(i)[k] * reciprocal, pivot});
+                pivot[k] = reciprocal;
+            } else if (!eliminateWithNext(k, reciprocal)) {
+                return false;
             }
-            pivot[k] = reciprocal;
         }
         return true;
     }
     bool eliminateDefinite()
     {
-        for (uint32_t k = 0; k < count(); k += fixed ? 1 : 2) {
+        for (uint32_t k = 0; k < count(); ++k) {
             if (!(row(k)[k] > m_bound))
                 return false;
+            if (fixed || k + 1 == count()) {
+                eliminateFromAll(k, k + 1);
+                continue;
+            }
             eliminateFromNext(k);
-            if (fixed || k + 1 == count())
-                eliminateFromOthers(k);
-            else if (row(k + 1)[k + 1] > m_bound)
-                eliminateBoth(k);
-            else
+            if (!(row(k + 1)[k + 1] > m_bound))
                 return false;
+            eliminateBoth(k++);
         }
         return true;
     }
@@ -487,26 +548,27 @@ public:
     {
         for (uint32_t i = 0; i < count(); ++i)
             numbers()[i] = i;
-        for (uint32_t k = 0; k < count();) {
+        for (uint32_t k = 0; k < count(); ++k) {
             if (choosePivot(k)) {
                 if (!(std::fabs(determinant(k)) > m_bound * m_bound))
                     return false;
-                eliminatePair(k);
-                k += 2;
+                eliminatePair(k++);
                 continue;
             }
             if (!(std::fabs(row(k)[k]) > m_bound))
                 return false;
-            eliminateFromNext(k);
-            if (!fixed && k + 1 < count() && isLargeBeside(k + 1, largestBeside(k + 1, k + 1))) {
-                if (!(std::fabs(row(k + 1)[k + 1]) > m_bound))
-                    return false;
-                eliminateBoth(k);
-                k += 2;
-            } else {
-                eliminateFromOthers(k);
-                k += 1;
+            if (fixed || k + 1 == count()) {
+                eliminateFromAll(k, k + 1);
+                continue;
             }
+            eliminateFromNext(k);
+            if (!isLargeBeside(k + 1, largestBeside(k + 1, k + 1))) {
+                eliminateFromAll(k, k + 2);
+                continue;
+            }
+            if (!(std::fabs(row(k + 1)[k + 1]) > m_bound))
+                return false;
+            eliminateBoth(k++);
         }
         return true;
     }
@@ -544,8 +606,8 @@ private:
     double* numbers() const { return row(count()); }
     double* solution() const { return row(size_t{count()} + 1); }
 
-    // Takes unknown k out of the rows below, whose pivot's reciprocal this is, and the next one after choosing its pivot;
-    // false when that is too small.
+    // Takes unknown k, whose pivot's reciprocal this is, out of the rows below, and with it the next one, for which it
+    // chooses the pivot; false when that is too small.
     bool eliminateWithNext(uint32_t k, double reciprocal)
     {
         double *const first = row(k), *const second = row(k + 1);
@@ -567,28 +629,28 @@ private:
         const double ofSecond = 1 / next[k + 1];
         for (uint32_t i = k + 2; i < count(); ++i)
             subtract(row(i), k + 2, count() + 1, Multiple{factors[i], first}, Multiple{next[i] * ofSecond, second});
+        first[k] = reciprocal;
         second[k + 1] = ofSecond;
         return true;
     }
 
     // ---- of symmetric matrices: what is right of a pivot is what is below it ----
 
-    // Takes unknown k out of the next equation.
-    void eliminateFromNext(uint32_t k)
-    {
-        const double* const pivot = row(k);
-        if (k + 1 < count())
-            subtract(row(k + 1), k + 1, count() + 1, Multiple{pivot[k + 1] * (1 / pivot[k]), pivot});
-    }
-
-    // And then out of the others; or that and the next one.
-    void eliminateFromOthers(uint32_t k)
+    // Takes unknown k out of the equations from `first` on, which ends its turn.
+    void eliminateFromAll(uint32_t k, uint32_t first)
     {
         double* const pivot = row(k);
         const double reciprocal = 1 / pivot[k];
-        for (uint32_t i = k + 2; i < count(); ++i)
+        for (uint32_t i = first; i < count(); ++i)
             subtract(row(i), i, count() + 1, Multiple{pivot[i] * reciprocal, pivot});
         pivot[k] = reciprocal;
+    }
+
+    // Takes it out of the next one alone; then both out of those that follow.
+    void eliminateFromNext(uint32_t k)
+    {
+        const double* const pivot = row(k);
+        subtract(row(k + 1), k + 1, count() + 1, Multiple{pivot[k + 1] * (1 / pivot[k]), pivot});
     }
     void eliminateBoth(uint32_t k)
     {
@@ -677,26 +739,9 @@ private:
     double m_bound = 0;
 };
 
-// solve(size) with the number of equations as a constant where that pays: three take half of the time then. With 0
-// otherwise.
-template <class Solve>
-rvkStatus bySize(uint32_t n, Solve solve)
-{
-    switch (n) {
-    case 2:
-        return solve(std::integral_constant<uint32_t, 2>{});
-    case 3:
-        return solve(std::integral_constant<uint32_t, 3>{});
-    case 4:
-        return solve(std::integral_constant<uint32_t, 4>{});
-    default:
-        return solve(std::integral_constant<uint32_t, 0>{});
-    }
-}
-
-// As many equations as `height`, of no more unknowns: rows of b and A; then for each column the square of what is below the
-// rows that are done, and the number of its unknown. The columns that are done are the last ones, the first one of them
-// being the very last: what is left begins where the rows do.
+// As many equations as `height`, of no more unknowns: rows of b and A; then for each column the square of what is below
+// the rows that are done, and the number of its unknown. The columns that are done are the last ones, the first one of
+// them being the very last: what is left begins where the rows do.
 //
 // Reflections go down the rows, a step of columns at a time, so that the sums of columns are elements of vectors.
 class LeastSquares
@@ -789,8 +834,8 @@ private:
         pairAt(squares(), x + 2) = sums[1];
     }
 
-    // The longest of the columns that are left, by what is below the k rows that are done, becomes the normal. What is
-    // in these rows goes to the last of those columns, which takes the other's place. The square of the normal's length.
+    // The longest of the columns that are left, by what is below the k rows that are done, becomes the normal, and the
+    // last one takes its place; in the rows that are done they are exchanged. The square of the normal's length.
     double takeLongest(uint32_t k)
     {
         const uint32_t last = m_width - k;
@@ -828,20 +873,24 @@ private:
             for (size_t i = 0; i < count; ++i)
                 sums[i] += n * pairAt(r, 2 * i);
         }
-        // The first element comes last, for it waits for the normal's length.
+        // Row k comes last in the sums, for its element of the normal waits for the length. It is the first to be done,
+        // for the next search waits for that.
+        const double first = m_normal[k];
 #pragma GCC unroll 4
-        for (size_t i = 0; i < count; ++i)
-            sums[i] = (sums[i] + m_normal[k] * pairAt(begin, 2 * i)) * factor;
-        r = begin;
-        for (uint32_t y = k; y < m_height; ++y, r += m_rowSize) {
+        for (size_t i = 0; i < count; ++i) {
+            const Pair elements = pairAt(begin, 2 * i);
+            sums[i] = (sums[i] + first * elements) * -factor;
+            const Pair reflected = elements + first * sums[i];
+            pairAt(begin, 2 * i) = reflected;
+            pairAt(squares(), x + 2 * i) -= reflected * reflected;
+        }
+        r = begin + m_rowSize;
+        for (uint32_t y = k + 1; y < m_height; ++y, r += m_rowSize) {
             const double n = m_normal[y];
 #pragma GCC unroll 4
             for (size_t i = 0; i < count; ++i)
-                pairAt(r, 2 * i) -= n * sums[i];
+                pairAt(r, 2 * i) += n * sums[i];
         }
-#pragma GCC unroll 4
-        for (size_t i = 0; i < count; ++i)
-            pairAt(squares(), x + 2 * i) -= pairAt(begin, 2 * i) * pairAt(begin, 2 * i);
     }
 
     const uint32_t m_width, m_height;
