@@ -56,9 +56,10 @@ rvkStatus rvkMatrixMultiplys8s32C(const int8_t* src1, uint32_t width1, uint32_t 
 
 // ---- what all that follows is made of -------------------------------------------------------------------------------
 //
-// Small matrices take longer to walk than to compute with. So loops over rows take steps of four elements, and begin where
-// a step begins: they may touch what is no longer, or not yet, used. The last step of a row is taken one by one, for in
-// small matrices its elements have just been stored, one by one, and pairs of them could not be loaded yet.
+// Small matrices take longer to walk than to compute with. So loops over rows take pairs of elements, or steps of four,
+// and begin where one begins: they may touch what is no longer, or not yet, used. What they load soon is stored in
+// pairs, too: a pair of elements that have just been stored one by one could not be loaded yet. Algorithms do not own
+// their memory, so that compilers keep what else they are made of in registers.
 
 namespace {
 
@@ -78,7 +79,7 @@ constexpr size_t wholeSteps(size_t count)
 class Matrix
 {
 public:
-    Matrix(uint64_t rows, uint32_t columns) : m_rowSize(wholeSteps(columns)), m_data(m_small)
+    Matrix(uint64_t rows, uint64_t columns) : m_rowSize(wholeSteps(columns)), m_data(m_small)
     {
         if (rows * m_rowSize > kSmall)
             m_data = m_large.emplace(rows, m_rowSize).get();
@@ -88,7 +89,7 @@ public:
     size_t rowSize() const { return m_rowSize; }
 
 private:
-    static constexpr size_t kSmall = (12 + 2) * wholeSteps(12 + 1); // for 12 equations
+    static constexpr size_t kSmall = 12 * (12 + 12); // for 12 singular values, or 12 equations
     const size_t m_rowSize;
     double* m_data;
     std::optional<Scratch<double>> m_large;
@@ -132,66 +133,90 @@ const Pair& pairAt(const double* row, size_t i)
     return *reinterpret_cast<const Pair*>(row + i);
 }
 
-// Makes few elements 0.
-void clear(double* row, size_t first, size_t end)
+struct Multiple
 {
-    for (size_t i = first; i < end; ++i)
-        row[i] = 0;
+    double factor;
+    const double* row;
+};
+
+// Subtracts one multiple after the other from a row, from an element on.
+template <class... Multiples>
+void subtract(double* from, size_t first, size_t end, Multiples... multiples)
+{
+    if (end <= kStep) {
+        for (size_t i = first; i < end; ++i)
+            ((from[i] -= multiples.factor * multiples.row[i]), ...);
+        return;
+    }
+#pragma GCC unroll 1
+    for (size_t i = first / 2 * 2; i < end; i += 2) {
+        Pair rest = pairAt(from, i);
+        ((rest -= multiples.factor * pairAt(multiples.row, i)), ...);
+        pairAt(from, i) = rest;
+    }
 }
 
-// Subtracts a multiple of a row, from an element on.
-void subtract(double* from, double factor, const double* row, size_t first, size_t end)
-{
-    size_t i = stepOf(first);
-    for (; end > kStep && i + kStep <= end; i += kStep)
-        for (size_t k = i; k < i + kStep; k += 2)
-            pairAt(from, k) -= factor * pairAt(row, k);
-    for (; i < end; ++i)
-        from[i] -= factor * row[i];
-}
-
-// One of them is 0 between where the step begins and the first element.
-double dot(const double* a, const double* b, size_t first, size_t end)
+// Of whole steps.
+double dot(const double* a, const double* b, size_t count)
 {
     Pair sums = {}, others = {};
-    size_t i = stepOf(first);
-    for (; end > kStep && i + kStep <= end; i += kStep) {
+    for (size_t i = 0; i < count; i += kStep) {
         sums += pairAt(a, i) * pairAt(b, i);
         others += pairAt(a, i + 2) * pairAt(b, i + 2);
     }
-    double rest = 0;
-    for (; i < end; ++i)
-        rest += a[i] * b[i];
     sums += others;
-    return sums[0] + sums[1] + rest;
+    return sums[0] + sums[1];
+}
+
+// solve(size) with the number of equations or singular values as a constant where that pays: three equations take half
+// of the time then. With 0 otherwise.
+template <class Solve>
+rvkStatus bySize(uint32_t n, Solve solve)
+{
+    switch (n) {
+    case 2:
+        return solve(std::integral_constant<uint32_t, 2>{});
+    case 3:
+        return solve(std::integral_constant<uint32_t, 3>{});
+    case 4:
+        return solve(std::integral_constant<uint32_t, 4>{});
+    default:
+        return solve(std::integral_constant<uint32_t, 0>{});
+    }
 }
 
 // ---- singular values ------------------------------------------------------------------------------------------------
 //
 // The columns of A, or its rows where they are fewer, are the vectors. Rotations of pairs of them make them orthogonal:
 // rotations * A = diag(w) * directions.
-
+//
+// Rotations are those of M. Gentleman, "Least Squares Computations by Givens Transformations Without Square Roots",
+// 1973: each vector is to be multiplied by the root of a weight, which takes the cosines. So a rotation has half of the
+// products, and the next one need not wait for the root that the cosine is.
+//
+// There is code of its own for as many as `fixed` vectors of as many elements, if that is not 0.
+template <uint32_t fixed>
 class SingularValues
 {
 public:
-    // k vectors of `length` elements, which is no less than k.
-    SingularValues(uint32_t k, uint32_t length)
-        : m_k(k), m_length(length), m_vectors(k, length), m_rotations(k, k), m_values(1, k)
+    // k vectors of `length` elements, which is no less than k. In k rows of wholeSteps(length) + k elements; the values
+    // and weights are in two rows of k.
+    SingularValues(uint32_t k, uint32_t length, const Matrix& rows, const Matrix& values)
+        : m_k(k), m_length(length), m_rows(rows.row(0)), m_values(values.row(0)), m_weights(values.row(1))
     {
     }
-    explicit operator bool() const { return m_vectors && m_rotations && m_values; }
 
-    double* vector(size_t i) const { return m_vectors.row(i); }
-    double* rotation(size_t i) const { return m_rotations.row(i); }
-    double value(size_t i) const { return m_values.row(0)[i]; }
+    double* vector(size_t i) const { return m_rows + i * rowSize(); }
+    double* rotation(size_t i) const { return vector(i) + vectorSize(); }
+    double value(size_t i) const { return m_values[i]; }
 
     // False when it does not come to an end.
     bool find()
     {
-        for (uint32_t i = 0; i < m_k; ++i) {
-            std::fill(vector(i) + m_length, vector(i) + m_vectors.rowSize(), 0.0);
-            std::fill_n(rotation(i), m_rotations.rowSize(), 0.0);
+        for (uint32_t i = 0; i < count(); ++i) {
+            std::fill(vector(i) + length(), vector(i) + rowSize(), 0.0);
             rotation(i)[i] = 1;
+            m_weights[i] = 1;
         }
         constexpr int mostSweeps = 60;
         for (int sweep = 0; sweep < mostSweeps; ++sweep)
@@ -205,7 +230,7 @@ public:
     // Makes the vectors directions. Those that are nothing but rounding errors of the others are made anew.
     void normalise()
     {
-        for (uint32_t i = 0; i < m_k; ++i) {
+        for (uint32_t i = 0; i < count(); ++i) {
             if (value(i) > 0)
                 scale(vector(i), 1 / value(i));
             if (!(value(i) > kNoise * value(0)) && !standsOut(i))
@@ -218,83 +243,120 @@ private:
     static constexpr double kNegligible = 0x1p-25; // of those that are not rotated
     static constexpr double kNoise = 0x1p-44;
 
-    // During the sweeps the values are squares.
-    double& square(size_t i) { return m_values.row(0)[i]; }
+    struct Rotation
+    {
+        uint32_t i, j;
+        double ofSecond, ofFirst; // what is subtracted from the first vector, and added to the second
+    };
 
-    // Whether all were orthogonal. Pairs follow each other as in a tournament, so that one need not wait for the one
-    // before it.
+    uint32_t count() const { return fixed ? fixed : m_k; }
+    uint32_t length() const { return fixed ? fixed : m_length; }
+    size_t vectorSize() const { return wholeSteps(length()); }
+    size_t rowSize() const { return vectorSize() + wholeSteps(count()); }
+
+    // During the sweeps the values are squares.
+    double& square(size_t i) { return m_values[i]; }
+
+    double product(size_t i, size_t j) const { return dot(vector(i), vector(j), vectorSize()); }
+
+    // Whether all were orthogonal. Pairs follow each other as in a tournament, so that those of a round have nothing to
+    // do with each other: several angles are computed before the first rotation, and do not wait for each other.
     bool rotateAllPairs()
     {
         double largest = 0;
-        for (uint32_t i = 0; i < m_k; ++i) {
-            square(i) = dot(vector(i), vector(i), 0, m_length);
+        for (uint32_t i = 0; i < count(); ++i) {
+            square(i) = m_weights[i] * product(i, i);
             largest = std::max(largest, square(i));
         }
         const double negligible = kNoise * kNoise * largest;
-        const uint32_t rounds = (m_k - 1) | 1; // an odd number of vectors leaves one out in each
+        const uint32_t rounds = (count() - 1) | 1; // an odd number of vectors leaves one out in each
         bool isOrthogonal = true;
         for (uint32_t round = 0; round < rounds; ++round) {
             uint32_t up = round, down = rounds; // the last one stays, those of the others go around
-            for (uint32_t pair = 0; pair <= rounds / 2; ++pair) {
-                if (std::max(up, down) < m_k)
-                    isOrthogonal &= rotate(std::min(up, down), std::max(up, down), negligible);
-                if (pair == 0)
-                    down = round;
-                up = up + 1 < rounds ? up + 1 : 0;
-                down = down > 0 ? down - 1 : rounds - 1;
+            for (uint32_t pair = 0; pair <= rounds / 2;) {
+                constexpr size_t most = 8;
+                Rotation rotations[most];
+                size_t found = 0;
+                for (; pair <= rounds / 2 && found < most; ++pair) {
+                    if (std::max(up, down) < count())
+                        isOrthogonal &=
+                            addRotation(std::min(up, down), std::max(up, down), negligible, rotations, found);
+                    if (pair == 0)
+                        down = round;
+                    up = up + 1 < rounds ? up + 1 : 0;
+                    down = down > 0 ? down - 1 : rounds - 1;
+                }
+                for (size_t i = 0; i < found; ++i)
+                    rotate(rotations[i]);
             }
         }
         return isOrthogonal;
     }
 
-    // Whether they are orthogonal; after that they are. Where one is negligible it is no matter which way it points.
-    bool rotate(uint32_t i, uint32_t j, double negligible)
+    // Adds the rotation that makes a pair orthogonal to the list, unless it is already, or one of the two is negligible
+    // and it is no matter which way that points. Whether the pair was orthogonal enough for the end.
+    bool addRotation(uint32_t i, uint32_t j, double negligible, Rotation* list, size_t& found)
     {
-        if (std::min(square(i), square(j)) <= negligible)
-            return true;
-        const double product = dot(vector(i), vector(j), 0, m_length), squares = square(i) * square(j);
-        if (product * product <= kNegligible * kNegligible * squares)
-            return true;
-        const bool isOrthogonal = product * product <= kOrthogonal * kOrthogonal * squares;
         // Rutishauser's formulas: the smaller one of the two angles.
-        const double zeta = (square(j) - square(i)) / (2 * product);
-        const double tangent = std::copysign(1 / (std::fabs(zeta) + std::sqrt(1 + zeta * zeta)), zeta);
-        const double cosine = 1 / std::sqrt(1 + tangent * tangent), sine = cosine * tangent;
-        square(i) -= tangent * product;
-        square(j) += tangent * product;
-        turn(vector(i), vector(j), m_length, cosine, sine);
-        turn(rotation(i), rotation(j), m_k, cosine, sine);
-        return isOrthogonal;
+        const double common = product(i, j), weights = m_weights[i] * m_weights[j], squares = square(i) * square(j);
+        const double half = 0.5 * (square(j) - square(i)), squareOfCommon = common * weights * common;
+        const bool isNeeded =
+            (std::min(square(i), square(j)) > negligible) & (squareOfCommon > kNegligible * kNegligible * squares);
+        const double adjacent = std::fabs(half) + std::sqrt(half * half + squareOfCommon);
+        const double factor = isNeeded ? std::copysign(1.0, half) * common / adjacent : 0;
+        list[found] = {i, j, factor * m_weights[j], factor * m_weights[i]};
+        found += isNeeded;
+
+        const double shift = factor * common * weights, squareOfCosine = 1 / (1 + factor * factor * weights);
+        square(i) -= shift;
+        square(j) += shift;
+        m_weights[i] *= squareOfCosine;
+        m_weights[j] *= squareOfCosine;
+        return !isNeeded | (squareOfCommon <= kOrthogonal * kOrthogonal * squares);
     }
 
-    static void turn(double* a, double* b, size_t count, double cosine, double sine)
+    void rotate(const Rotation& by)
     {
-        for (size_t i = 0; i < count; i += 2) {
+        double *const a = vector(by.i), *const b = vector(by.j);
+        for (size_t i = 0; i < rowSize(); i += 2) {
             const Pair first = pairAt(a, i), second = pairAt(b, i);
-            pairAt(a, i) = cosine * first - sine * second;
-            pairAt(b, i) = sine * first + cosine * second;
+            pairAt(a, i) = first - by.ofSecond * second;
+            pairAt(b, i) = second + by.ofFirst * first;
         }
+        for (const uint32_t i : {by.i, by.j})
+            if (m_weights[i] < 0x1p-128)
+                multiply(i);
+    }
+
+    // By the root of its weight.
+    void multiply(uint32_t i)
+    {
+        const double root = std::sqrt(m_weights[i]);
+        for (size_t x = 0; x < rowSize(); x += 2)
+            pairAt(vector(i), x) *= root;
+        m_weights[i] = 1;
     }
 
     void order()
     {
-        for (uint32_t i = 0; i < m_k; ++i)
-            square(i) = std::sqrt(dot(vector(i), vector(i), 0, m_length));
-        for (uint32_t i = 0; i + 1 < m_k; ++i) {
+        for (uint32_t i = 0; i < count(); ++i) {
+            multiply(i);
+            square(i) = std::sqrt(product(i, i));
+        }
+        for (uint32_t i = 0; i + 1 < count(); ++i) {
             uint32_t longest = i;
-            for (uint32_t j = i + 1; j < m_k; ++j)
+            for (uint32_t j = i + 1; j < count(); ++j)
                 longest = value(j) > value(longest) ? j : longest;
             if (longest == i)
                 continue;
-            std::swap_ranges(vector(i), vector(i) + m_length, vector(longest));
-            std::swap_ranges(rotation(i), rotation(i) + m_k, rotation(longest));
+            std::swap_ranges(vector(i), vector(i) + rowSize(), vector(longest));
             std::swap(square(i), square(longest));
         }
     }
 
     void scale(double* vector, double factor) const
     {
-        for (uint32_t i = 0; i < m_length; ++i)
+        for (uint32_t i = 0; i < length(); ++i)
             vector[i] *= factor;
     }
 
@@ -303,8 +365,8 @@ private:
     bool standsOut(uint32_t i) const
     {
         subtractThoseBefore(i);
-        const double left = dot(vector(i), vector(i), 0, m_length);
-        if (!(left * m_length >= 0.5))
+        const double left = product(i, i);
+        if (!(left * length() >= 0.5))
             return false;
         scale(vector(i), 1 / std::sqrt(left));
         subtractThoseBefore(i); // the rounding errors
@@ -314,14 +376,14 @@ private:
     void subtractThoseBefore(uint32_t i) const
     {
         for (uint32_t j = 0; j < i; ++j)
-            subtract(vector(i), dot(vector(i), vector(j), 0, m_length), vector(j), 0, m_length);
+            subtract(vector(i), 0, vectorSize(), Multiple{product(i, j), vector(j)});
     }
 
     // The first axis that stands out.
     void findAnother(uint32_t i) const
     {
-        for (uint32_t axis = 0; axis < m_length; ++axis) {
-            std::fill_n(vector(i), m_length, 0.0);
+        for (uint32_t axis = 0; axis < length(); ++axis) {
+            std::fill_n(vector(i), length(), 0.0);
             vector(i)[axis] = 1;
             if (standsOut(i))
                 return;
@@ -329,7 +391,7 @@ private:
     }
 
     const uint32_t m_k, m_length;
-    const Matrix m_vectors, m_rotations, m_values;
+    double *const m_rows, *const m_values, *const m_weights;
 };
 
 // 1, or -1 for a row of Vt whose first element of largest magnitude is negative as it will be stored.
@@ -348,32 +410,51 @@ rvkStatus rvkSVDf32C(const float32_t* A, uint32_t width, uint32_t height, uint32
                      uint32_t uStride, float32_t* Vt, uint32_t vtStride)
 {
     const bool isTall = height >= width;
-    SingularValues found(std::min(width, height), std::max(width, height));
-    if (!found)
-        return RAVIK_ENORES;
-    Largest largest;
-    for (uint32_t y = 0; y < height; ++y)
-        for (uint32_t x = 0; x < width; ++x)
-            (isTall ? found.vector(x)[y] : found.vector(y)[x]) = largest.take(Plane{A, aStride}.row(y)[x]);
-    if (!largest.isFinite() || !found.find() || found.value(0) > FLT_MAX)
-        return RAVIK_EFAIL;
-    found.normalise();
-    for (uint32_t i = 0; i < std::min(width, height); ++i) {
-        const double* const left = isTall ? found.vector(i) : found.rotation(i);
-        const double* const right = isTall ? found.rotation(i) : found.vector(i);
-        const double sign = signOf(right, width);
-        w[i] = static_cast<float>(found.value(i));
-        for (uint32_t y = 0; U && y < height; ++y)
-            Plane{U, uStride}.row(y)[i] = static_cast<float>(sign * left[y]);
-        for (uint32_t x = 0; Vt && x < width; ++x)
-            Plane{Vt, vtStride}.row(i)[x] = static_cast<float>(sign * right[x]);
-    }
-    return RAVIK_SUCCESS;
+    const uint32_t k = std::min(width, height), length = std::max(width, height);
+    return bySize(width == height ? width : 0, [&](auto size) {
+        const Matrix rows(k, wholeSteps(length) + uint64_t{k}), values(2, k);
+        if (!rows || !values)
+            return RAVIK_ENORES;
+        SingularValues<size> found(k, length, rows, values);
+        Largest largest;
+        for (uint32_t y = 0; y < height; ++y)
+            for (uint32_t x = 0; x < width; ++x)
+                (isTall ? found.vector(x)[y] : found.vector(y)[x]) = largest.take(Plane{A, aStride}.row(y)[x]);
+        if (!largest.isFinite() || !found.find() || found.value(0) > FLT_MAX)
+            return RAVIK_EFAIL;
+        found.normalise();
+        for (uint32_t i = 0; i < k; ++i) {
+            const double* const left = isTall ? found.vector(i) : found.rotation(i);
+            const double* const right = isTall ? found.rotation(i) : found.vector(i);
+            const double sign = signOf(right, width);
+            w[i] = static_cast<float>(found.value(i));
+            for (uint32_t y = 0; U && y < height; ++y)
+                Plane{U, uStride}.row(y)[i] = static_cast<float>(sign * left[y]);
+            for (uint32_t x = 0; Vt && x < width; ++x)
+                Plane{Vt, vtStride}.row(i)[x] = static_cast<float>(sign * right[x]);
+        }
+        return RAVIK_SUCCESS;
+    });
 }
 
 // ---- equations ------------------------------------------------------------------------------------------------------
 
 namespace {
+
+// For the largest magnitude of several, without a branch: where it is cannot be foreseen.
+struct Search
+{
+    uint32_t where;
+    double largest = 0;
+
+    explicit Search(uint32_t first) : where(first) {}
+    void take(uint32_t i, double element)
+    {
+        const double magnitude = std::fabs(element);
+        where = magnitude > largest ? i : where;
+        largest = std::max(largest, magnitude);
+    }
+};
 
 // n equations: rows of A, each followed by its element of b; then the number of each unknown, and the solution. Of
 // symmetric matrices only what is from the diagonal on is used; the lower triangle is turned there.
@@ -383,54 +464,67 @@ template <uint32_t fixed>
 class Equations
 {
 public:
-    explicit Equations(uint32_t n) : m_n(n), m_rows(uint64_t{n} + 2, n + 1) {}
-    explicit operator bool() const { return static_cast<bool>(m_rows); }
+    // In n + 2 rows of n + 1 elements.
+    Equations(uint32_t n, const Matrix& rows) : m_n(n), m_rowSize(rows.rowSize()), m_rows(rows.row(0)) {}
 
     // False when something is not finite.
     bool take(Plane<const float> a, const float* b)
     {
+        const uint32_t n = count();
         Largest left, right;
         double* to = row(0);
-        for (uint32_t i = 0; i < count(); ++i, to += rowSize()) {
+        for (uint32_t i = 0; i < n; ++i, to += rowSize()) {
             const float* const from = a.row(i);
-            for (uint32_t j = 0; j < count(); ++j)
-                to[j] = left.take(from[j]);
-            to[count()] = right.take(b[i]);
+            uint32_t j = 0;
+            for (; j + 2 <= n; j += 2)
+                pairAt(to, j) = Pair{left.take(from[j]), left.take(from[j + 1])};
+            const double last = right.take(b[i]);
+            pairAt(to, j) = j < n ? Pair{left.take(from[j]), last} : Pair{last, 0};
         }
-        m_bound = left.boundOfPivots(count());
+        m_bound = left.boundOfPivots(n);
         return left.isFinite() && right.isFinite();
     }
     bool takeSymmetric(Plane<const float> a, const float* b)
     {
+        const uint32_t n = count();
         Largest left, right;
-        for (uint32_t i = 0; i < count(); ++i) {
+        for (uint32_t i = 0; i < n; ++i) {
             const float* const from = a.row(i);
             double* to = row(0) + i;
             for (uint32_t j = 0; j <= i; ++j, to += rowSize())
                 *to = left.take(from[j]);
-            clear(row(i), stepOf(i), i);
-            row(i)[count()] = right.take(b[i]);
+            if (i % 2) // what else there is in the first pair and the last
+                row(i)[i - 1] = 0;
+            const double last = right.take(b[i]);
+            row(i)[n / 2 * 2 + 1] = n % 2 ? last : 0;
+            row(i)[n] = last;
         }
-        m_bound = left.boundOfPivots(count());
+        m_bound = left.boundOfPivots(n);
         return left.isFinite() && right.isFinite();
     }
 
     // These make the matrix one of zeros below the diagonal, which becomes its reciprocals; false when it is singular.
+    // Two unknowns are taken out of all rows at a time, for walking rows takes longer than computing with them; but one
+    // by one where there is code for as many.
     bool eliminate()
     {
-        for (uint32_t k = 0; k < count(); ++k) {
+        for (uint32_t k = 0; k < count(); k += fixed ? 1 : 2) {
             double* const pivot = row(k);
-            double* largest = pivot;
-            for (double* r = pivot + rowSize(); r < row(count()); r += rowSize())
-                largest = std::fabs(r[k]) > std::fabs(largest[k]) ? r : largest;
-            if (!(std::fabs(largest[k]) > m_bound))
+            Search search(k);
+            for (uint32_t i = k; i < count(); ++i)
+                search.take(i, row(i)[k]);
+            if (!(search.largest > m_bound))
                 return false;
-            if (largest != pivot)
-                std::swap_ranges(pivot + k, pivot + count() + 1, largest + k);
+            if (search.where != k)
+                std::swap_ranges(pivot + k, pivot + count() + 1, row(search.where) + k);
             const double reciprocal = 1 / pivot[k];
-            for (double* r = pivot + rowSize(); r < row(count()); r += rowSize())
-                subtract(r, r[k] * reciprocal, pivot, k + 1, count() + 1);
-            pivot[k] = reciprocal;
+            if (fixed || k + 1 == count()) {
+                for (uint32_t i = k + 1; i < count(); ++i)
+                    subtract(row(i), k + 1, count() + 1, Multiple{row(i)[k] * reciprocal, pivot});
+                pivot[k] = reciprocal;
+            } else if (!eliminateWithNext(k, reciprocal)) {
+                return false;
+            }
         }
         return true;
     }
@@ -439,7 +533,14 @@ public:
         for (uint32_t k = 0; k < count(); ++k) {
             if (!(row(k)[k] > m_bound))
                 return false;
-            eliminateBelow(k);
+            if (fixed || k + 1 == count()) {
+                eliminateFromAll(k, k + 1);
+                continue;
+            }
+            eliminateFromNext(k);
+            if (!(row(k + 1)[k + 1] > m_bound))
+                return false;
+            eliminateBoth(k++);
         }
         return true;
     }
@@ -447,15 +548,27 @@ public:
     {
         for (uint32_t i = 0; i < count(); ++i)
             numbers()[i] = i;
-        for (uint32_t k = 0; k < count();) {
-            const bool isPair = choosePivot(k);
-            if (!(isPair ? std::fabs(determinant(k)) > m_bound * m_bound : std::fabs(row(k)[k]) > m_bound))
+        for (uint32_t k = 0; k < count(); ++k) {
+            if (choosePivot(k)) {
+                if (!(std::fabs(determinant(k)) > m_bound * m_bound))
+                    return false;
+                eliminatePair(k++);
+                continue;
+            }
+            if (!(std::fabs(row(k)[k]) > m_bound))
                 return false;
-            if (isPair)
-                eliminateBelowPair(k);
-            else
-                eliminateBelow(k);
-            k += isPair ? 2 : 1;
+            if (fixed || k + 1 == count()) {
+                eliminateFromAll(k, k + 1);
+                continue;
+            }
+            eliminateFromNext(k);
+            if (!isLargeBeside(k + 1, largestBeside(k + 1, k + 1))) {
+                eliminateFromAll(k, k + 2);
+                continue;
+            }
+            if (!(std::fabs(row(k + 1)[k + 1]) > m_bound))
+                return false;
+            eliminateBoth(k++);
         }
         return true;
     }
@@ -464,13 +577,12 @@ public:
     bool solve()
     {
         double* const x = solution();
-        for (uint32_t i = 0; i < count(); ++i)
-            x[i] = row(i)[count()];
         for (uint32_t i = count(); i-- > 0;) {
-            const double found = x[i] *= row(i)[i];
-            const double* r = row(0) + i;
-            for (uint32_t j = 0; j < i; ++j, r += rowSize())
-                x[j] -= *r * found;
+            const double* const r = row(i);
+            double rest = r[count()];
+            for (uint32_t j = count(); j-- > i + 1;) // what was found last comes last, so that little waits for it
+                rest -= r[j] * x[j];
+            x[i] = rest * r[i];
         }
         return fitFloats(x, count());
     }
@@ -489,33 +601,79 @@ public:
 
 private:
     uint32_t count() const { return fixed ? fixed : m_n; }
-    size_t rowSize() const { return fixed ? wholeSteps(fixed + 1) : m_rows.rowSize(); }
-    double* row(size_t i) const { return m_rows.row(0) + i * rowSize(); }
+    size_t rowSize() const { return fixed ? wholeSteps(fixed + 1) : m_rowSize; }
+    double* row(size_t i) const { return m_rows + i * rowSize(); }
     double* numbers() const { return row(count()); }
     double* solution() const { return row(size_t{count()} + 1); }
 
+    // Takes unknown k, whose pivot's reciprocal this is, out of the rows below, and with it the next one, for which it
+    // chooses the pivot; false when that is too small.
+    bool eliminateWithNext(uint32_t k, double reciprocal)
+    {
+        double *const first = row(k), *const second = row(k + 1);
+        double *const factors = numbers(), *const next = solution(); // of the first unknown, the column of the second
+        Search search(k + 1);
+        for (uint32_t i = k + 1; i < count(); ++i) {
+            factors[i] = row(i)[k] * reciprocal;
+            next[i] = row(i)[k + 1] - factors[i] * first[k + 1];
+            search.take(i, next[i]);
+        }
+        if (!(search.largest > m_bound))
+            return false;
+        if (const uint32_t p = search.where; p != k + 1) {
+            std::swap_ranges(second + k + 2, second + count() + 1, row(p) + k + 2);
+            std::swap(factors[k + 1], factors[p]);
+            std::swap(next[k + 1], next[p]);
+        }
+        subtract(second, k + 2, count() + 1, Multiple{factors[k + 1], first});
+        const double ofSecond = 1 / next[k + 1];
+        for (uint32_t i = k + 2; i < count(); ++i)
+            subtract(row(i), k + 2, count() + 1, Multiple{factors[i], first}, Multiple{next[i] * ofSecond, second});
+        first[k] = reciprocal;
+        second[k + 1] = ofSecond;
+        return true;
+    }
+
     // ---- of symmetric matrices: what is right of a pivot is what is below it ----
 
-    void eliminateBelow(uint32_t k)
+    // Takes unknown k out of the equations from `first` on, which ends its turn.
+    void eliminateFromAll(uint32_t k, uint32_t first)
     {
         double* const pivot = row(k);
         const double reciprocal = 1 / pivot[k];
-        double* r = pivot + rowSize();
-        for (uint32_t i = k + 1; i < count(); ++i, r += rowSize())
-            subtract(r, pivot[i] * reciprocal, pivot, i, count() + 1);
+        for (uint32_t i = first; i < count(); ++i)
+            subtract(row(i), i, count() + 1, Multiple{pivot[i] * reciprocal, pivot});
         pivot[k] = reciprocal;
+    }
+
+    // Takes it out of the next one alone; then both out of those that follow.
+    void eliminateFromNext(uint32_t k)
+    {
+        const double* const pivot = row(k);
+        subtract(row(k + 1), k + 1, count() + 1, Multiple{pivot[k + 1] * (1 / pivot[k]), pivot});
+    }
+    void eliminateBoth(uint32_t k)
+    {
+        double *const first = row(k), *const second = row(k + 1);
+        const double ofFirst = 1 / first[k], ofSecond = 1 / second[k + 1];
+        for (uint32_t i = k + 2; i < count(); ++i)
+            subtract(row(i), i, count() + 1, Multiple{first[i] * ofFirst, first},
+                     Multiple{second[i] * ofSecond, second});
+        first[k] = ofFirst;
+        second[k + 1] = ofSecond;
     }
 
     double determinant(uint32_t k) const { return row(k)[k] * row(k + 1)[k + 1] - row(k)[k + 1] * row(k)[k + 1]; }
 
-    void eliminateBelowPair(uint32_t k)
+    // Takes a pivot of two rows out of all equations.
+    void eliminatePair(uint32_t k)
     {
         double *const first = row(k), *const second = row(k + 1);
         const double a = first[k], b = first[k + 1], c = second[k + 1], reciprocal = 1 / determinant(k);
         for (uint32_t i = k + 2; i < count(); ++i) {
             const double p = first[i], q = second[i];
-            subtract(row(i), (p * c - q * b) * reciprocal, first, i, count() + 1);
-            subtract(row(i), (q * a - p * b) * reciprocal, second, i, count() + 1);
+            subtract(row(i), i, count() + 1, Multiple{(p * c - q * b) * reciprocal, first},
+                     Multiple{(q * a - p * b) * reciprocal, second});
         }
         // The pair itself: the second equation comes first, for b is larger than a.
         const double factor = a / b;
@@ -528,35 +686,35 @@ private:
         second[k + 1] = 1 / second[k + 1];
     }
 
+    // Whether row k is a pivot as it is.
+    bool isLargeBeside(uint32_t k, double ofColumn) const { return !(std::fabs(row(k)[k]) < kAlpha * ofColumn); }
+
     // Brings the next pivot, of one or two rows, to row k; whether it is of two. As Bunch and Kaufman's algorithm A.
     bool choosePivot(uint32_t k)
     {
-        const double alpha = (1 + std::sqrt(17.0)) / 8;
-        const double diagonal = std::fabs(row(k)[k]);
-        const uint32_t r = largestBeside(k, k);
-        const double ofColumn = r == k ? 0 : std::fabs(row(k)[r]);
-        if (diagonal >= alpha * ofColumn)
+        const double ofColumn = largestBeside(k, k);
+        if (isLargeBeside(k, ofColumn))
             return false;
-        const uint32_t other = largestBeside(r, k);
-        const double ofRow = std::fabs(other < r ? row(other)[r] : row(r)[other]);
-        if (diagonal * ofRow >= alpha * ofColumn * ofColumn)
+        uint32_t r = k + 1;
+        while (std::fabs(row(k)[r]) != ofColumn)
+            ++r;
+        const double ofRow = largestBeside(r, k);
+        if (std::fabs(row(k)[k]) * ofRow >= kAlpha * ofColumn * ofColumn)
             return false;
-        const bool isPair = std::fabs(row(r)[r]) < alpha * ofRow;
+        const bool isPair = std::fabs(row(r)[r]) < kAlpha * ofRow;
         swapUnknowns(isPair ? k + 1 : k, r);
         return isPair;
     }
 
-    // Where row i, from `first` on, has its largest element beside the diagonal; i where there is no other row.
-    uint32_t largestBeside(uint32_t i, uint32_t first) const
+    // The largest magnitude in row i, from `first` on, beside the diagonal; 0 where there is no other row.
+    double largestBeside(uint32_t i, uint32_t first) const
     {
-        double largest = -1;
-        uint32_t where = i;
-        for (uint32_t j = first; j < count(); ++j)
-            if (const double magnitude = std::fabs(j < i ? row(j)[i] : row(i)[j]); j != i && magnitude > largest) {
-                largest = magnitude;
-                where = j;
-            }
-        return where;
+        double largest = 0;
+        for (uint32_t j = first; j < i; ++j)
+            largest = std::max(largest, std::fabs(row(j)[i]));
+        for (uint32_t j = i + 1; j < count(); ++j)
+            largest = std::max(largest, std::fabs(row(i)[j]));
+        return largest;
     }
 
     // Exchanges rows and columns p and q, p no larger than q.
@@ -573,80 +731,68 @@ private:
         std::swap(numbers()[p], numbers()[q]);
     }
 
+    static constexpr double kAlpha = 0x1.47e0f66afed07p-1; // (1 + sqrt(17)) / 8
+
     const uint32_t m_n;
-    const Matrix m_rows;
+    const size_t m_rowSize;
+    double* const m_rows;
     double m_bound = 0;
 };
 
-// solve(size) with the number of equations as a constant where that pays: three take half of the time then. With 0
-// otherwise.
-template <class Solve>
-rvkStatus bySize(uint32_t n, Solve solve)
-{
-    switch (n) {
-    case 2:
-        return solve(std::integral_constant<uint32_t, 2>{});
-    case 3:
-        return solve(std::integral_constant<uint32_t, 3>{});
-    case 4:
-        return solve(std::integral_constant<uint32_t, 4>{});
-    default:
-        return solve(std::integral_constant<uint32_t, 0>{});
-    }
-}
-
-// As many equations as `height`, of fewer unknowns: the columns of A, then b, the normal of a reflection, and of each
-// column the number of its unknown and the square of what is below the rows that are done.
+// As many equations as `height`, of no more unknowns: rows of b and A; then for each column the square of what is below
+// the rows that are done, and the number of its unknown. The columns that are done are the last ones, the first one of
+// them being the very last: what is left begins where the rows do.
+//
+// Reflections go down the rows, a step of columns at a time, so that the sums of columns are elements of vectors.
 class LeastSquares
 {
 public:
-    LeastSquares(uint32_t width, uint32_t height)
-        : m_width(width), m_height(height), m_columns(uint64_t{width} + 4, height)
+    // In height + 2 rows of width + 1 elements; the normal has `height`.
+    LeastSquares(uint32_t width, uint32_t height, const Matrix& rows, const Matrix& normal)
+        : m_width(width), m_height(height), m_rowSize(rows.rowSize()), m_rows(rows.row(0)), m_normal(normal.row(0))
     {
     }
-    explicit operator bool() const { return static_cast<bool>(m_columns); }
 
     // False when something is not finite.
     bool take(Plane<const float> a, const float* b)
     {
         Largest left, right;
-        for (uint32_t y = 0; y < m_height; ++y) {
+        double* to = row(0);
+        for (uint32_t y = 0; y < m_height; ++y, to += m_rowSize) {
             const float* const from = a.row(y);
-            double* to = column(0) + y;
-            for (uint32_t x = 0; x < m_width; ++x, to += m_columns.rowSize())
-                *to = left.take(from[x]);
-            rightSide()[y] = right.take(b[y]);
+            pairAt(to, 0) = Pair{right.take(b[y]), left.take(from[0])};
+            uint32_t x = 2;
+            for (; x < m_width; x += 2)
+                pairAt(to, x) = Pair{left.take(from[x - 1]), left.take(from[x])};
+            for (; x < m_rowSize; x += 2)
+                pairAt(to, x) = Pair{x == m_width ? left.take(from[x - 1]) : 0, 0};
         }
-        for (uint32_t x = 0; x < m_width; ++x) {
-            numbers()[x] = x;
-            squares()[x] = dot(column(x), column(x), 0, m_height);
-        }
+        for (size_t x = 0; x <= m_width; x += kStep)
+            sumSquares(x);
+        for (uint32_t x = 1; x <= m_width; ++x)
+            numbers()[x] = x - 1;
         m_bound = left.boundOfPivots(m_width);
         return left.isFinite() && right.isFinite();
     }
 
-    // Reflects the columns, b with them, until there are zeros below the diagonal; false when they are dependent.
+    // Reflects the columns, b with them, until there are zeros below the pivots, which become their reciprocals; false
+    // when they are dependent.
     bool reflect()
     {
-        double *const n = normal(), *const last = rightSide(), *const square = squares();
         for (uint32_t k = 0; k < m_width; ++k) {
-            bringLongest(k);
-            double* const pivot = column(k);
-            for (size_t i = stepOf(k); i < m_height; ++i)
-                n[i] = i < k ? 0 : pivot[i];
-            const double norm = std::sqrt(dot(n, n, k, m_height));
+            const double norm = std::sqrt(takeLongest(k));
             if (!(norm > m_bound))
                 return false;
-            const double factor = 1 / (norm * (norm + std::fabs(n[k])));
-            pivot[k] = std::copysign(norm, -n[k]);
-            n[k] -= pivot[k];
-            for (double* c = pivot + m_columns.rowSize(); c <= last; c += m_columns.rowSize())
-                subtract(c, dot(n, c, k, m_height) * factor, n, k, m_height);
-            const double* c = pivot + k;
-            for (uint32_t j = k + 1; j < m_width; ++j) {
-                c += m_columns.rowSize();
-                square[j] -= *c * *c;
-            }
+            double& first = m_normal[k];
+            const double factor = 1 / (norm * (norm + std::fabs(first))), pivot = std::copysign(norm, -first);
+            first -= pivot;
+            const size_t end = m_width - k;
+            size_t x = 0;
+            for (; x + kStep < end; x += 2 * kStep)
+                reflectColumns<2>(x, k, factor);
+            if (x < end)
+                reflectColumns<1>(x, k, factor);
+            row(k)[m_width - k] = 1 / pivot;
         }
         return true;
     }
@@ -654,44 +800,102 @@ public:
     // After that: false when the solution does not fit floats.
     bool solve()
     {
-        double* const x = rightSide();
-        for (uint32_t k = m_width; k-- > 0;) {
-            const double* const c = column(k);
-            const double found = x[k] /= c[k];
-            for (uint32_t i = 0; i < k; ++i)
-                x[i] -= found * c[i];
+        double* const solution = squares();
+        for (uint32_t x = 1; x <= m_width; ++x) {
+            const double* const r = row(m_width - x);
+            double rest = r[0];
+            for (uint32_t i = 1; i < x; ++i) // what was found last comes last, so that little waits for it
+                rest -= r[i] * solution[i];
+            solution[x] = rest * r[x];
         }
-        return fitFloats(x, m_width);
+        return fitFloats(solution + 1, m_width);
     }
 
-    void store(float32_t* x) const
+    void store(float32_t* to) const
     {
-        for (uint32_t k = 0; k < m_width; ++k)
-            x[static_cast<uint32_t>(numbers()[k])] = static_cast<float>(rightSide()[k]);
+        for (uint32_t x = 1; x <= m_width; ++x)
+            to[static_cast<uint32_t>(numbers()[x])] = static_cast<float>(squares()[x]);
     }
 
 private:
-    double* column(size_t x) const { return m_columns.row(x); }
-    double* rightSide() const { return column(m_width); }
-    double* normal() const { return column(size_t{m_width} + 1); }
-    double* numbers() const { return column(size_t{m_width} + 2); }
-    double* squares() const { return column(size_t{m_width} + 3); }
+    double* row(size_t y) const { return m_rows + y * m_rowSize; }
+    double* squares() const { return row(m_height); }
+    double* numbers() const { return row(size_t{m_height} + 1); }
 
-    // The longest of the columns from k on becomes column k, by what is below the rows that are done.
-    void bringLongest(uint32_t k)
+    void sumSquares(size_t x)
     {
-        uint32_t longest = k;
-        for (uint32_t j = k + 1; j < m_width; ++j)
-            longest = squares()[j] > squares()[longest] ? j : longest;
-        if (longest == k)
-            return;
-        std::swap_ranges(column(k), column(k) + m_height, column(longest));
-        std::swap(numbers()[k], numbers()[longest]);
-        std::swap(squares()[k], squares()[longest]);
+        Pair sums[2] = {};
+        const double* r = row(0) + x;
+        for (uint32_t y = 0; y < m_height; ++y, r += m_rowSize) {
+            sums[0] += pairAt(r, 0) * pairAt(r, 0);
+            sums[1] += pairAt(r, 2) * pairAt(r, 2);
+        }
+        pairAt(squares(), x) = sums[0];
+        pairAt(squares(), x + 2) = sums[1];
+    }
+
+    // The longest of the columns that are left, by what is below the k rows that are done, becomes the normal, and the
+    // last one takes its place; in the rows that are done they are exchanged. The square of the normal's length.
+    double takeLongest(uint32_t k)
+    {
+        const uint32_t last = m_width - k;
+        Search search(1);
+        for (uint32_t x = 1; x <= last; ++x)
+            search.take(x, squares()[x]);
+        const uint32_t longest = search.where;
+        std::swap(numbers()[last], numbers()[longest]);
+        squares()[longest] = squares()[last];
+        double* r = row(0);
+        for (uint32_t y = 0; y < k; ++y, r += m_rowSize)
+            std::swap(r[last], r[longest]);
+        double square = 0, other = 0; // of every other row, so that they wait less for each other
+        for (uint32_t y = k; y < m_height; ++y, r += m_rowSize) {
+            const double element = r[longest];
+            m_normal[y] = element;
+            r[longest] = r[last];
+            square += element * element;
+            std::swap(square, other);
+        }
+        return square + other;
+    }
+
+    // Reflects steps of columns, from row k on.
+    template <size_t steps>
+    void reflectColumns(size_t x, uint32_t k, double factor)
+    {
+        constexpr size_t count = steps * kStep / 2;
+        Pair sums[count] = {};
+        double* const begin = row(k) + x;
+        double* r = begin + m_rowSize;
+        for (uint32_t y = k + 1; y < m_height; ++y, r += m_rowSize) {
+            const double n = m_normal[y];
+#pragma GCC unroll 4
+            for (size_t i = 0; i < count; ++i)
+                sums[i] += n * pairAt(r, 2 * i);
+        }
+        // Row k comes last in the sums, for its element of the normal waits for the length. It is the first to be done,
+        // for the next search waits for that.
+        const double first = m_normal[k];
+#pragma GCC unroll 4
+        for (size_t i = 0; i < count; ++i) {
+            const Pair elements = pairAt(begin, 2 * i);
+            sums[i] = (sums[i] + first * elements) * -factor;
+            const Pair reflected = elements + first * sums[i];
+            pairAt(begin, 2 * i) = reflected;
+            pairAt(squares(), x + 2 * i) -= reflected * reflected;
+        }
+        r = begin + m_rowSize;
+        for (uint32_t y = k + 1; y < m_height; ++y, r += m_rowSize) {
+            const double n = m_normal[y];
+#pragma GCC unroll 4
+            for (size_t i = 0; i < count; ++i)
+                pairAt(r, 2 * i) += n * sums[i];
+        }
     }
 
     const uint32_t m_width, m_height;
-    const Matrix m_columns;
+    const size_t m_rowSize;
+    double *const m_rows, *const m_normal;
     double m_bound = 0;
 };
 
@@ -700,9 +904,10 @@ private:
 rvkStatus rvkSolvef32C(const float32_t* A, uint32_t width, uint32_t height, uint32_t aStride, const float32_t* b,
                        float32_t* x)
 {
-    LeastSquares equations(width, height);
-    if (!equations)
+    const Matrix rows(uint64_t{height} + 2, width + 1), normal(1, height);
+    if (!rows || !normal)
         return RAVIK_ENORES;
+    LeastSquares equations(width, height, rows, normal);
     if (!equations.take(Plane{A, aStride}, b) || !equations.reflect() || !equations.solve())
         return RAVIK_EFAIL;
     equations.store(x);
@@ -712,9 +917,10 @@ rvkStatus rvkSolvef32C(const float32_t* A, uint32_t width, uint32_t height, uint
 rvkStatus rvkSolveLUf32C(const float32_t* A, uint32_t n, uint32_t aStride, const float32_t* b, float32_t* x)
 {
     return bySize(n, [&](auto size) {
-        Equations<size> equations(n);
-        if (!equations)
+        const Matrix rows(uint64_t{n} + 2, n + 1);
+        if (!rows)
             return RAVIK_ENORES;
+        Equations<size> equations(n, rows);
         if (!equations.take(Plane{A, aStride}, b) || !equations.eliminate() || !equations.solve())
             return RAVIK_EFAIL;
         equations.store(x);
@@ -725,9 +931,10 @@ rvkStatus rvkSolveLUf32C(const float32_t* A, uint32_t n, uint32_t aStride, const
 rvkStatus rvkSolveCholeskyf32C(const float32_t* A, uint32_t n, uint32_t aStride, const float32_t* b, float32_t* x)
 {
     return bySize(n, [&](auto size) {
-        Equations<size> equations(n);
-        if (!equations)
+        const Matrix rows(uint64_t{n} + 2, n + 1);
+        if (!rows)
             return RAVIK_ENORES;
+        Equations<size> equations(n, rows);
         if (!equations.takeSymmetric(Plane{A, aStride}, b) || !equations.eliminateDefinite() || !equations.solve())
             return RAVIK_EFAIL;
         equations.store(x);
@@ -738,9 +945,10 @@ rvkStatus rvkSolveCholeskyf32C(const float32_t* A, uint32_t n, uint32_t aStride,
 rvkStatus rvkSolveLDLf32C(const float32_t* A, uint32_t n, uint32_t aStride, const float32_t* b, float32_t* x)
 {
     return bySize(n, [&](auto size) {
-        Equations<size> equations(n);
-        if (!equations)
+        const Matrix rows(uint64_t{n} + 2, n + 1);
+        if (!rows)
             return RAVIK_ENORES;
+        Equations<size> equations(n, rows);
         if (!equations.takeSymmetric(Plane{A, aStride}, b) || !equations.eliminateSymmetric() || !equations.solve())
             return RAVIK_EFAIL;
         equations.storeInOrder(x);
