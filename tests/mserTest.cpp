@@ -413,7 +413,7 @@ TEST(MserKernels, PrepareCells)
             std::vector<uint8_t> src(size_t{stride} * height);
             for (uint8_t& pixel : src)
                 pixel = static_cast<uint8_t>(random.below(256));
-            std::vector<uint16_t> cells(mserCells(width, height) + 1, 9), expected(cells.size(), 0x8000);
+            std::vector<uint16_t> cells(mserCells(width, height) + 1, 9), expected(cells.size(), kMserSeen);
             std::vector<uint32_t> histogram(256, 3), counts(256);
             expected.back() = 9;
             for (uint32_t y = 0; y < height; ++y)
