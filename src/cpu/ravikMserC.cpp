@@ -65,6 +65,10 @@ void irvkMserPreprocessMinusNN8C(const uint8_t* src, uint32_t width, uint32_t he
     prepareCells(src, width, height, stride, cells, histogram, unchanged);
 }
 
+void irvkMserFillPitsNN4C(uint16_t*, uint32_t, uint32_t, uint32_t, uint32_t, uint32_t*, uint32_t*) {}
+
+void irvkMserFillPitsNN8C(uint16_t*, uint32_t, uint32_t, uint32_t, uint32_t, uint32_t*, uint32_t*) {}
+
 void irvkMserBoundingBoxesC(const uint32_t* places, const uint32_t* counts, uint32_t nLists, uint32_t pitch,
                             rvkRectangle* boxes, uint32_t* firsts)
 {
@@ -240,6 +244,7 @@ public:
         const uint32_t pitch = mserPitch(m_picture.width);
         uint32_t histogram[256];
         prepare(work.cells, histogram);
+        fillPits(work, histogram);
         const uint32_t nodes = floodMserTree(work, pitch, histogram, m_parameters.minArea, m_connectivity);
         m_kept = selectMserRegions(work, nodes, m_parameters);
         if (!m_list.take(uint64_t{m_kept} + 1) || !m_ranked.take(uint64_t{m_kept} + 1) || !takePieces()) {
@@ -309,6 +314,18 @@ private:
             isBright ? kernel<Kernel::irvkMserPreprocessPlusNN8>() : kernel<Kernel::irvkMserPreprocessMinusNN8>();
         (m_connectivity == 8 ? prepareNN8 : prepareNN4)(m_picture.src, m_picture.width, m_picture.height,
                                                         m_picture.stride, cells, histogram);
+    }
+
+    // A small region matters to the one around it alone, which is stable if it varies less. It does whenever it is
+    // kept, if the small one would not be for its variation: that is more than maxVariation where, delta levels higher,
+    // it is part of a region of minArea pixels.
+    void fillPits(const MserWorkspace& work, uint32_t (&histogram)[256]) const
+    {
+        const double most = (m_parameters.minArea - 1.0) / (m_parameters.maxVariation + 1.0);
+        const auto fill =
+            m_connectivity == 8 ? kernel<Kernel::irvkMserFillPitsNN8>() : kernel<Kernel::irvkMserFillPitsNN4>();
+        fill(work.cells, m_picture.width, m_picture.height, static_cast<uint32_t>(most), m_parameters.delta, histogram,
+             work.words);
     }
 
     bool takePieces()
