@@ -224,7 +224,8 @@ void listMserRegions(const MserWorkspace& work, uint32_t nodes, MserKept* list)
         if (!isKept[i])
             continue;
         around.leaveWhatEndsBefore(work.nodes[i]);
-        list[kept] = {work.nodes[i], grown[i], around.isEmpty() ? MserKept::kNone : around.value(), UINT32_MAX, 0, {}};
+        list[kept] = {
+            work.nodes[i], grown[i], around.isEmpty() ? MserKept::kNone : around.value(), UINT32_MAX, 0, 0, {}};
         around.enter(work.nodes[i], kept);
         ++kept;
     }

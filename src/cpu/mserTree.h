@@ -59,6 +59,7 @@ struct MserKept
     uint32_t parent; // the kept region around it, kNone
     uint32_t first;  // the least place
     uint32_t rank;   // its place in the list
+    uint32_t put;    // where its next pixel goes
     rvkRectangle bounds;
 
     static constexpr uint32_t kNone = UINT32_MAX;
