@@ -413,7 +413,7 @@ TEST(MserKernels, PrepareCells)
             std::vector<uint8_t> src(size_t{stride} * height);
             for (uint8_t& pixel : src)
                 pixel = static_cast<uint8_t>(random.below(256));
-            std::vector<uint16_t> cells(mserCells(width, height) + 1, 9), expected(cells.size(), 0x8000);
+            std::vector<uint16_t> cells(mserCells(width, height) + 1, 9), expected(cells.size(), kMserSeen);
             std::vector<uint32_t> histogram(256, 3), counts(256);
             expected.back() = 9;
             for (uint32_t y = 0; y < height; ++y)
@@ -435,6 +435,67 @@ TEST(MserKernels, PrepareCells)
                 [&] { check(kernel<Kernel::irvkMserPreprocessPlusNN8>, true); });
     inBothModes(Kernel::irvkMserPreprocessMinusNN8, "minus 8",
                 [&] { check(kernel<Kernel::irvkMserPreprocessMinusNN8>, false); });
+}
+
+// Noise on slopes, deep holes of all sizes, and what is as bright as can be.
+Picture<uint8_t> pitted(Random& random)
+{
+    const auto below = [&](int bound) { return static_cast<int>(random.below(static_cast<uint32_t>(bound))); };
+    const int width = 1 + below(150), height = 1 + below(90), noise = 1 + below(12), slope = below(4);
+    auto picture = pictureOf<uint8_t>(width, height, [&](int x, int y) {
+        return std::min((x + y) * slope / 2 + below(noise) + (below(30) ? 9 : 0), 255);
+    });
+    for (int i = 0; i < 40; ++i) {
+        const int left = below(width), top = below(height), side = 1 + below(8), grey = below(256);
+        for (int y = top; y < std::min(top + side, height); ++y)
+            for (int x = left; x < std::min(left + side, width); ++x)
+                picture.at(x, y) = static_cast<uint8_t>(grey);
+    }
+    return picture;
+}
+
+TEST(MserKernels, PitsAreFilledWithoutATrace)
+{
+    const auto check = [&](Kernel kernel, const char* name, uint32_t connectivity) {
+        std::vector<Regions> all;
+        bool isReference = true;
+        inBothModes(kernel, name, [&] {
+            Random random(9);
+            for (size_t trial = 0; trial < 60; ++trial) {
+                const Picture<uint8_t> src = pitted(random);
+                const float variations[] = {0, 0.25f, 1}, variation = variations[random.below(3)];
+                const Parameters p = {1 + random.below(9), 15 + random.below(80), 100000, variation, 0};
+                const Regions found = extracted(src, p, connectivity);
+                if (isReference)
+                    all.push_back(found);
+                else
+                    expectEqual(found, all[trial], name + std::to_string(trial));
+            }
+            isReference = false;
+        });
+    };
+    check(Kernel::irvkMserFillPitsNN4, "four ", 4);
+    check(Kernel::irvkMserFillPitsNN8, "eight ", 8);
+}
+
+TEST(MserKernels, FillPits)
+{
+    constexpr uint32_t width = 100, height = 60, pitch = mserPitch(width);
+    std::vector<uint16_t> cells(mserCells(width, height), kMserSeen);
+    const auto row = [&](uint32_t y) { return cells.begin() + (y + 1) * pitch + 1; };
+    for (uint32_t y = 0; y < height; ++y)
+        std::fill_n(row(y), width, uint16_t{90});
+    for (const uint32_t x : {20u, 40u, 60u})
+        std::fill_n(row(30) + x, 3, uint16_t{86});
+    row(30)[41] = row(30)[62] = 80; // too deep
+    std::vector<uint32_t> histogram(256), memory(cells.size());
+    inBothModes(Kernel::irvkMserFillPitsNN4, "fill", [&] {
+        kernel<Kernel::irvkMserFillPitsNN4>()(cells.data(), width, height, 42, 9, histogram.data(), memory.data());
+    });
+    EXPECT_EQ(histogram[90], width * height - 6);
+    EXPECT_EQ(histogram[86], 4u);
+    EXPECT_EQ(row(30)[20], 90);
+    EXPECT_EQ(row(30)[42], 86);
 }
 
 TEST(MserKernels, MeasureBoxes)

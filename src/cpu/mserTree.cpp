@@ -1,100 +1,120 @@
 #include "cpu/mserTree.h"
 
 #include <algorithm>
-#include <bit>
 
 namespace rvk {
 namespace {
 
 // ---- flooding ------------------------------------------------------------------------------------------------------
 
+constexpr uint32_t kLevels = 256;
+
+// The pixels that the flood has reached and not left, a queue for each level. No pixel is there twice, so the histogram
+// tells how many a level has.
+struct Shore
+{
+    uint32_t* places;
+    uint32_t next[kLevels];
+    uint32_t end[2 * kLevels];   // what was seen before counts as of the upper half, and is put where nobody reads
+    uint32_t nextLevel[kLevels]; // that has pixels, or kLevels
+
+    Shore(uint32_t* memory, const uint32_t (&histogram)[kLevels]) : places(memory)
+    {
+        uint32_t room = 0;
+        for (uint32_t level = 0; level < kLevels; ++level) {
+            next[level] = end[level] = room;
+            room += histogram[level];
+        }
+        std::fill_n(end + kLevels, kLevels, room);
+        for (uint32_t level = kLevels, above = kLevels; level-- > 0;) {
+            nextLevel[level] = above;
+            above = histogram[level] ? level : above;
+        }
+    }
+    // Takes a grey value of a cell. It does not branch: what is new around a pixel cannot be foreseen.
+    void put(uint32_t place, uint32_t grey)
+    {
+        const uint32_t at = end[grey];
+        places[at] = place;
+        __builtin_prefetch(places + at + MserWorkspace::kAhead, 1);
+        end[grey] = at + (grey < kMserSeen);
+    }
+    bool isEmpty(uint32_t level) const { return next[level] == end[level]; }
+};
+static_assert(kMserSeen == kLevels);
+
 // Floods the picture from its first pixel: always on the lowest level that it can reach, so that a region is left when
-// all its pixels are.
-//
-// The shore, the pixels that the flood has reached and not left, is a stack for each level. No pixel is there twice, so
-// the histogram tells how many a level has at most. What is new around a pixel cannot be foreseen: it is collected in
-// bits without a branch.
+// all its pixels are. The pixels of a level are taken first come, first served. So it is known where the flood goes next,
+// and the processor need not wait for what the last pixel brought. (Beyond the end of a queue, what it is told to fetch
+// is never used.)
 template <uint32_t neighbours>
-uint32_t flood(const MserWorkspace& work, uint32_t pitch, const uint32_t (&histogram)[256], uint32_t minArea)
+uint32_t flood(const MserWorkspace& work, uint32_t pitch, const uint32_t (&histogram)[kLevels], uint32_t minArea)
 {
     // Of regions that the flood has not left, each in the one before it.
     struct Open
     {
         uint32_t level, begin, firstNode;
-    } open[256];
-    constexpr uint32_t kLevels = 256; // and one above them that always has pixels
-    uint32_t begin[kLevels + 1], end[kLevels + 1], nextLevel[kLevels];
-    uint32_t room = 0;
-    for (uint32_t level = 0; level < kLevels; ++level) {
-        begin[level] = end[level] = room;
-        room += histogram[level];
-    }
-    begin[kLevels] = 0;
-    end[kLevels] = 1;
-    for (uint32_t level = kLevels, next = kLevels; level-- > 0;) {
-        nextLevel[level] = next;
-        next = histogram[level] ? level : next;
-    }
-
+    } open[kLevels];
+    Shore shore(work.words, histogram);
     uint16_t* const cells = work.cells;
-    uint32_t *const shore = work.words, *const order = work.order;
+    uint32_t* const order = work.order;
     const ptrdiff_t row = static_cast<ptrdiff_t>(pitch);
     const ptrdiff_t all8[8] = {-row - 1, -row + 1, row - 1, row + 1, -row, row, -1, 1};
-    const ptrdiff_t* const distances = all8 + (8 - neighbours); // the last one is where the flood goes first
-    uint32_t left = 0, nodes = 0, place = pitch + 1, level = cells[place];
-    cells[place] |= kMserSeen;
+    const ptrdiff_t* const distances = all8 + (8 - neighbours);
+
+    uint32_t left = 0, nodes = 0, level = cells[pitch + 1];
+    shore.put(pitch + 1, level);
+    cells[pitch + 1] |= kMserSeen;
     Open* top = open;
     *top = {level, 0, 0};
     for (;;) {
-        uint16_t* const cell = cells + place;
-        uint32_t lowest = UINT32_MAX, seen = 0;
+        uint32_t next = shore.next[level];
+        while (next != shore.end[level]) {
+            const uint32_t place = shore.places[next];
+            uint16_t* const cell = cells + place;
+            const uint16_t* const soon = cells + shore.places[next + MserWorkspace::kAhead / 2];
+            __builtin_prefetch(soon - row);
+            __builtin_prefetch(soon);
+            __builtin_prefetch(soon + row);
+            uint32_t greys[neighbours], lowest = kMserSeen;
 #pragma GCC unroll 8
-        for (uint32_t i = 0; i < neighbours; ++i) {
-            const uint32_t grey = cell[distances[i]]; // above all levels where the flood has been
-            lowest = std::min(lowest, grey);
-            seen |= (grey & kMserSeen) << i;
+            for (uint32_t i = 0; i < neighbours; ++i) {
+                greys[i] = cell[distances[i]];
+                lowest = std::min(lowest, greys[i]);
+            }
+            if (lowest < level) { // this pixel waits
+                uint32_t i = 0;
+                while (greys[i] != lowest)
+                    ++i;
+                shore.next[level] = next;
+                level = lowest;
+                next = shore.next[level];
+                shore.put(place + static_cast<uint32_t>(distances[i]), lowest);
+                cell[distances[i]] = static_cast<uint16_t>(lowest | kMserSeen);
+                *++top = {level, left, nodes};
+                continue;
+            }
+#pragma GCC unroll 8
+            for (uint32_t i = 0; i < neighbours; ++i) {
+                shore.put(place + static_cast<uint32_t>(distances[i]), greys[i]);
+                cell[distances[i]] = static_cast<uint16_t>(greys[i] | kMserSeen);
+            }
+            order[left++] = place;
+            ++next;
         }
-        if (lowest < level) {
-            shore[end[level]++] = place;
-            level = lowest;
-            uint32_t i = 0;
-            while (cell[distances[i]] != lowest)
-                ++i;
-            cell[distances[i]] |= kMserSeen;
-            place += static_cast<uint32_t>(distances[i]);
-            *++top = {level, left, nodes};
-            continue;
-        }
-        constexpr uint32_t all = (1u << neighbours) - 1;
-        uint32_t next = 0; // on this level, the last one pushed
-        for (uint32_t fresh = seen / kMserSeen ^ all; fresh; fresh &= fresh - 1) {
-            const ptrdiff_t distance = distances[std::countr_zero(fresh)];
-            const uint32_t grey = cell[distance], neighbour = place + static_cast<uint32_t>(distance);
-            cell[distance] = static_cast<uint16_t>(grey | kMserSeen);
-            shore[end[grey]++] = neighbour;
-            next = grey == level ? neighbour : next;
-        }
-        order[left++] = place;
-        if (next != 0) { // popped without waiting for what has just been stored
-            --end[level];
-            place = next;
-            continue;
-        }
-        if (end[level] == begin[level]) {
-            do
-                level = nextLevel[level];
-            while (end[level] == begin[level]);
-            if (left - top->begin < minArea)
-                nodes = top->firstNode;
-            work.nodes[nodes++] = {top->begin, left, top->level};
-            if (level == kLevels)
-                return nodes;
-            if (top > open && top[-1].level == level)
-                --top; // a pixel of the region around waits there
-            else
-                top->level = level;
-        }
-        place = shore[--end[level]];
+        shore.next[level] = next;
+        do
+            level = shore.nextLevel[level];
+        while (level != kLevels && shore.isEmpty(level));
+        if (left - top->begin < minArea)
+            nodes = top->firstNode;
+        work.nodes[nodes++] = {top->begin, left, top->level};
+        if (level == kLevels)
+            return nodes;
+        if (top > open && top[-1].level == level)
+            --top; // a pixel of the region around waits there
+        else
+            top->level = level;
     }
 }
 
@@ -204,7 +224,8 @@ void listMserRegions(const MserWorkspace& work, uint32_t nodes, MserKept* list)
         if (!isKept[i])
             continue;
         around.leaveWhatEndsBefore(work.nodes[i]);
-        list[kept] = {work.nodes[i], grown[i], around.isEmpty() ? MserKept::kNone : around.value(), UINT32_MAX, 0, {}};
+        list[kept] = {
+            work.nodes[i], grown[i], around.isEmpty() ? MserKept::kNone : around.value(), UINT32_MAX, 0, 0, {}};
         around.enter(work.nodes[i], kept);
         ++kept;
     }

@@ -21,9 +21,10 @@ struct MserNode
 struct MserWorkspace
 {
     static constexpr uint64_t kAlignment = 64;
+    static constexpr uint32_t kAhead = 16; // so many places ahead the flood tells the processor what it will need
 
     uint16_t* cells;
-    uint32_t* words; // as many as cells; first the flood's shore
+    uint32_t* words; // as many as cells and a few more; first the flood's shore
     uint32_t* order; // the places of all pixels in the order in which the flood left them
     MserNode* nodes; // the regions, each after those in it
 
@@ -32,8 +33,8 @@ struct MserWorkspace
     static void forEachPart(uint32_t width, uint32_t height, Visit visit)
     {
         const uint64_t cells = mserCells(width, height), pixels = uint64_t{width} * height;
-        for (const uint64_t bytes :
-             {cells * sizeof(uint16_t), cells * sizeof(uint32_t), pixels * sizeof(uint32_t), pixels * sizeof(MserNode)})
+        for (const uint64_t bytes : {cells * sizeof(uint16_t), (cells + kAhead) * sizeof(uint32_t),
+                                     pixels * sizeof(uint32_t), pixels * sizeof(MserNode)})
             visit((bytes + kAlignment - 1) / kAlignment * kAlignment);
     }
     MserWorkspace(uint8_t* memory, uint32_t width, uint32_t height)
@@ -58,6 +59,7 @@ struct MserKept
     uint32_t parent; // the kept region around it, kNone
     uint32_t first;  // the least place
     uint32_t rank;   // its place in the list
+    uint32_t put;    // where its next pixel goes
     rvkRectangle bounds;
 
     static constexpr uint32_t kNone = UINT32_MAX;

@@ -65,6 +65,10 @@ void irvkMserPreprocessMinusNN8C(const uint8_t* src, uint32_t width, uint32_t he
     prepareCells(src, width, height, stride, cells, histogram, unchanged);
 }
 
+void irvkMserFillPitsNN4C(uint16_t*, uint32_t, uint32_t, uint32_t, uint32_t, uint32_t*, uint32_t*) {}
+
+void irvkMserFillPitsNN8C(uint16_t*, uint32_t, uint32_t, uint32_t, uint32_t, uint32_t*, uint32_t*) {}
+
 void irvkMserBoundingBoxesC(const uint32_t* places, const uint32_t* counts, uint32_t nLists, uint32_t pitch,
                             rvkRectangle* boxes, uint32_t* firsts)
 {
@@ -91,9 +95,7 @@ namespace {
 // The pixels in their order, cut where kept regions begin and end. Each piece belongs to the innermost one around it.
 struct Pieces
 {
-    // From the last piece to the first.
-    uint32_t *counts, *owners, *firsts;
-    rvkRectangle* boxes;
+    uint32_t *counts, *owners; // from the last piece to the first
     uint32_t count = 0;
 
     static uint64_t most(uint32_t kept) { return uint64_t{kept} * 2 + 1; }
@@ -125,15 +127,6 @@ struct Pieces
         std::reverse(counts, counts + count);
         std::reverse(owners, owners + count);
     }
-
-    // Calls visit(owner, its places, their number) for each piece that has an owner.
-    template <class Visit>
-    void forEach(const uint32_t* order, Visit visit) const
-    {
-        for (uint32_t i = 0; i < count; order += counts[i], ++i)
-            if (owners[i] != MserKept::kNone)
-                visit(owners[i], order, counts[i]);
-    }
 };
 
 void unite(rvkRectangle& box, const rvkRectangle& other)
@@ -152,18 +145,57 @@ void unite(rvkRectangle& box, const rvkRectangle& other)
 
 void measure(MserKept* list, uint32_t kept, const Pieces& pieces, const uint32_t* order, uint32_t pitch)
 {
-    kernel<Kernel::irvkMserBoundingBoxes>()(order, pieces.counts, pieces.count, pitch, pieces.boxes, pieces.firsts);
+    const auto measurePieces = kernel<Kernel::irvkMserBoundingBoxes>();
     const auto add = [&](uint32_t owner, uint32_t first, const rvkRectangle& box) {
         list[owner].first = std::min(list[owner].first, first);
         unite(list[owner].bounds, box);
     };
-    for (uint32_t i = 0; i < pieces.count; ++i)
-        if (pieces.owners[i] != MserKept::kNone)
-            add(pieces.owners[i], pieces.firsts[i], pieces.boxes[i]);
+    for (uint32_t i = 0; i < pieces.count; order += pieces.counts[i++])
+        if (pieces.owners[i] != MserKept::kNone) {
+            uint32_t first;
+            rvkRectangle box;
+            measurePieces(order, &pieces.counts[i], 1, pitch, &box, &first);
+            add(pieces.owners[i], first, box);
+        }
     for (uint32_t i = kept; i-- > 0;)
         if (list[i].parent != MserKept::kNone)
             add(list[i].parent, list[i].first, list[i].bounds);
 }
+
+// By place: the number of the innermost region.
+struct Marks
+{
+    uint32_t* marks;
+    uint32_t pitch;
+
+    uint32_t* row(const rvkRectangle& box, int32_t y) const
+    {
+        return marks + (static_cast<size_t>(box.y + y) + 1) * pitch + static_cast<size_t>(box.x) + 1;
+    }
+    void clear(const rvkRectangle& box) const
+    {
+        for (int32_t y = 0; y < box.height; ++y)
+            std::fill_n(row(box, y), box.width, MserKept::kNone);
+    }
+    void put(const uint32_t* places, uint32_t count, uint32_t region) const
+    {
+        for (uint32_t i = 0; i < count; ++i)
+            marks[places[i]] = region;
+    }
+    // Adds each pixel of the box to the lists of all regions around it.
+    void list(const rvkRectangle& box, MserKept* regions, uint32_t* pixels) const
+    {
+        for (int32_t y = 0; y < box.height; ++y) {
+            const uint32_t* const innermost = row(box, y);
+            for (int32_t x = 0; x < box.width; ++x)
+                for (uint32_t i = innermost[x]; i != MserKept::kNone; i = regions[i].parent) {
+                    uint32_t* const pixel = pixels + size_t{2} * regions[i].put++;
+                    pixel[0] = static_cast<uint32_t>(box.x + x);
+                    pixel[1] = static_cast<uint32_t>(box.y + y);
+                }
+        }
+    }
+};
 
 // ---- a pass --------------------------------------------------------------------------------------------------------
 
@@ -240,6 +272,7 @@ public:
         const uint32_t pitch = mserPitch(m_picture.width);
         uint32_t histogram[256];
         prepare(work.cells, histogram);
+        fillPits(work, histogram);
         const uint32_t nodes = floodMserTree(work, pitch, histogram, m_parameters.minArea, m_connectivity);
         m_kept = selectMserRegions(work, nodes, m_parameters);
         if (!m_list.take(uint64_t{m_kept} + 1) || !m_ranked.take(uint64_t{m_kept} + 1) || !takePieces()) {
@@ -297,7 +330,6 @@ private:
     LateScratch<MserKept> m_list;
     LateScratch<uint32_t> m_ranked; // their numbers, in the order of the output
     LateScratch<uint32_t> m_pieceWords;
-    LateScratch<rvkRectangle> m_pieceBoxes;
     Pieces m_pieces = {};
 
     void prepare(uint16_t* cells, uint32_t (&histogram)[256]) const
@@ -311,12 +343,24 @@ private:
                                                         m_picture.stride, cells, histogram);
     }
 
+    // A small region matters to the one around it alone, which is stable if it varies less. It does whenever it is
+    // kept, if the small one would not be for its variation: that is more than maxVariation where, delta levels higher,
+    // it is part of a region of minArea pixels.
+    void fillPits(const MserWorkspace& work, uint32_t (&histogram)[256]) const
+    {
+        const double most = (m_parameters.minArea - 1.0) / (m_parameters.maxVariation + 1.0);
+        const auto fill =
+            m_connectivity == 8 ? kernel<Kernel::irvkMserFillPitsNN8>() : kernel<Kernel::irvkMserFillPitsNN4>();
+        fill(work.cells, m_picture.width, m_picture.height, static_cast<uint32_t>(most), m_parameters.delta, histogram,
+             work.words);
+    }
+
     bool takePieces()
     {
         const uint64_t most = Pieces::most(m_kept);
-        if (!m_pieceWords.take(3 * most) || !m_pieceBoxes.take(most))
+        if (!m_pieceWords.take(2 * most))
             return false;
-        m_pieces = {m_pieceWords.get(), m_pieceWords.get() + most, m_pieceWords.get() + 2 * most, m_pieceBoxes.get()};
+        m_pieces = {m_pieceWords.get(), m_pieceWords.get() + most};
         return true;
     }
 
@@ -345,34 +389,57 @@ private:
                 kept.parent == MserKept::kNone ? -1 : static_cast<int32_t>(before + m_list[kept.parent].rank)};
     }
 
-    // The pixels of the first `count` regions.
+    // The pixels of the first `count` regions. Those of a region that lies in no other, and of all in it, are marked in
+    // its box with the innermost region, and listed row by row; or of all regions at once, if there is less in the
+    // picture than in their boxes.
     void putPixels(uint32_t* pixels, uint32_t count) const
     {
-        const MserWorkspace work(m_memory, m_picture.width, m_picture.height);
-        const uint32_t pitch = mserPitch(m_picture.width);
-        uint32_t* const innermost = work.words; // by place: the innermost of these regions
-        std::fill_n(innermost, static_cast<size_t>(mserCells(m_picture.width, m_picture.height)), MserKept::kNone);
-        m_pieces.forEach(work.order, [&](uint32_t owner, const uint32_t* places, uint32_t n) {
-            while (owner != MserKept::kNone && m_list[owner].rank >= count)
-                owner = m_list[owner].parent;
-            for (uint32_t i = 0; i < n; ++i)
-                innermost[places[i]] = owner;
-        });
-        // By number of the region: where its next pixel goes.
-        uint32_t* const next = work.order;
         uint32_t used = 0;
         for (uint32_t i = 0; i < count; ++i) {
-            next[m_ranked[i]] = used;
+            m_list[m_ranked[i]].put = used;
             used += m_list[m_ranked[i]].node.area();
         }
-        for (uint32_t y = 0; y < m_picture.height; ++y)
-            for (uint32_t x = 0; x < m_picture.width; ++x)
-                for (uint32_t i = innermost[(size_t{y} + 1) * pitch + x + 1]; i != MserKept::kNone;
-                     i = m_list[i].parent) {
-                    uint32_t* const pixel = pixels + size_t{2} * next[i]++;
-                    pixel[0] = x;
-                    pixel[1] = y;
-                }
+        double boxes = 0;
+        for (uint32_t i = 0; i < m_kept; ++i)
+            if (m_list[i].parent == MserKept::kNone)
+                boxes += double{1} * m_list[i].bounds.width * m_list[i].bounds.height;
+        const bool atOnce = boxes > double{1} * m_picture.width * m_picture.height;
+        const rvkRectangle whole = {0, 0, static_cast<int32_t>(m_picture.width),
+                                    static_cast<int32_t>(m_picture.height)};
+
+        const Marks marks = {MserWorkspace(m_memory, m_picture.width, m_picture.height).words,
+                             mserPitch(m_picture.width)};
+        if (atOnce)
+            marks.clear(whole);
+        const uint32_t* places = MserWorkspace(m_memory, m_picture.width, m_picture.height).order;
+        for (uint32_t i = 0, place = 0; i < m_pieces.count;) {
+            const uint32_t outermost = outermostAround(m_pieces.owners[i]);
+            const bool isOutside = outermost == MserKept::kNone;
+            const uint32_t end = isOutside ? place + m_pieces.counts[i] : m_list[outermost].node.end;
+            if (!isOutside && !atOnce)
+                marks.clear(m_list[outermost].bounds);
+            for (; place < end; place += m_pieces.counts[i++])
+                if (!isOutside)
+                    marks.put(places + place, m_pieces.counts[i], innermostBefore(count, m_pieces.owners[i]));
+            if (!isOutside && !atOnce)
+                marks.list(m_list[outermost].bounds, m_list.get(), pixels);
+        }
+        if (atOnce)
+            marks.list(whole, m_list.get(), pixels);
+    }
+
+    uint32_t outermostAround(uint32_t region) const
+    {
+        while (region != MserKept::kNone && m_list[region].parent != MserKept::kNone)
+            region = m_list[region].parent;
+        return region;
+    }
+    // Of the regions around a piece, the innermost that is among the first `count` of the output.
+    uint32_t innermostBefore(uint32_t count, uint32_t region) const
+    {
+        while (region != MserKept::kNone && m_list[region].rank >= count)
+            region = m_list[region].parent;
+        return region;
     }
 };
 

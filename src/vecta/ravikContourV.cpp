@@ -113,16 +113,41 @@ constexpr uint8_t stepFor(uint32_t neighbours, uint32_t before)
                                 (passesRight ? kPassesRight : 0));
 }
 
+// The same for borders that are followed backwards, by the direction in which the next point lies: in which direction
+// this one lies from the one before it.
+constexpr uint8_t stepBackFor(uint32_t neighbours, uint32_t next)
+{
+    uint32_t before = next + kDirections - 1;
+    while (before > next && !(neighbours & kBitOf[before % kDirections]))
+        --before;
+    const uint32_t flags = stepFor(neighbours, before % kDirections) & ~uint32_t{kBeforeNext};
+    return static_cast<uint8_t>((before + 4) % kDirections | flags);
+}
+
 constexpr size_t kSteps = 256 * kDirections;
 struct StepTable
 {
-    uint8_t steps[kSteps];
+    uint8_t steps[kSteps], stepsBack[kSteps];
+    uint8_t atOuter[256], atHole[256]; // where the last point of a border lies from its start
 };
+constexpr uint8_t lastFrom(uint32_t neighbours, uint32_t background)
+{
+    uint32_t direction = background + kDirections - 1;
+    while (direction > background + 1 && !(neighbours & kBitOf[direction % kDirections]))
+        --direction;
+    return static_cast<uint8_t>(direction % kDirections);
+}
 constexpr StepTable tableOfSteps()
 {
     StepTable table = {};
-    for (uint32_t i = 0; i < kSteps; ++i)
+    for (uint32_t i = 0; i < kSteps; ++i) {
         table.steps[i] = stepFor(i / kDirections, i % kDirections);
+        table.stepsBack[i] = stepBackFor(i / kDirections, i % kDirections);
+    }
+    for (uint32_t i = 0; i < 256; ++i) {
+        table.atOuter[i] = lastFrom(i, kLeft);
+        table.atHole[i] = lastFrom(i, kRight);
+    }
     return table;
 }
 constexpr StepTable kStepTable = tableOfSteps();
@@ -149,6 +174,38 @@ constexpr ptrdiff_t kAhead = 8;
 // The pictures that a table of steps can be made for: the distances of neighbours must fit the entries.
 constexpr uint64_t kMostPitch = 1 << 22;
 
+// On the way along a border.
+struct Walk
+{
+    size_t place;
+    uint32_t side; // in which direction the point lies that the walk comes from
+    Point point;
+    int32_t step = 0;
+
+    RVK_INLINE void look(const uint8_t* neighbours, const int32_t* steps)
+    {
+        step = steps[neighbours[place] * kDirections + side];
+    }
+    // In which direction the next point lies.
+    RVK_INLINE uint32_t otherSide() const { return (step + 4) & kBeforeNext; }
+    RVK_INLINE void goOn(const uint8_t* neighbours, const Point* moves)
+    {
+        const ptrdiff_t distance = step >> kFlagBits;
+        prefetch(neighbours + (static_cast<ptrdiff_t>(place) + kAhead * distance), 1);
+        place += static_cast<size_t>(distance);
+        side = step & kBeforeNext;
+        point += moves[side];
+    }
+};
+
+// How many points of a border were found from its start on, and from its end back.
+struct Ends
+{
+    size_t first, last;
+
+    RVK_INLINE size_t sum() const { return first + last; }
+};
+
 class Follower
 {
 public:
@@ -159,59 +216,67 @@ public:
         const auto pitch = static_cast<int32_t>(known.pitch);
         int32_t distances[kDirections];
         for (uint32_t before = 0; before < kDirections; ++before) {
-            distances[before] = -(columns[before] + rows[before] * pitch) * (1 << kFlagBits);
+            m_distances[before] = -(columns[before] + rows[before] * pitch);
+            distances[before] = m_distances[before] * (1 << kFlagBits);
             m_moves[before] = pointAt(-columns[before], -rows[before]);
         }
-        for (size_t i = 0; i < kSteps; ++i)
+        for (size_t i = 0; i < kSteps; ++i) {
             m_steps[i] = distances[kStepTable.steps[i] & kBeforeNext] | kStepTable.steps[i];
+            m_stepsBack[i] = distances[kStepTable.stepsBack[i] & kBeforeNext] | kStepTable.stepsBack[i];
+        }
     }
 
     RVK_INLINE Start startAt(size_t x, size_t y) const
     {
         const size_t place = y * m_known.pitch + x;
-        uint32_t direction = isHole(place) ? kRight : kLeft, tried = 1;
-        do
-            direction = (direction - 1) % kDirections;
-        while (!(m_known.neighbours[place] & kBitOf[direction]) && ++tried < kDirections);
-        return {x, y, place, direction, m_known.neighbours[place] == 0};
+        const uint8_t around = m_known.neighbours[place];
+        const uint32_t last = isHole(place) ? kStepTable.atHole[around] : kStepTable.atOuter[around];
+        return {x, y, place, last, around == 0};
     }
     // Of what can begin at this place.
     RVK_INLINE bool isHole(size_t place) const { return m_known.neighbours[place] & kBitOf[kAboveRight]; }
 
-    // The number of points of a border, of which the first ones go to `points`, as many as there is room for.
-    // marks.put(place, step) sees each.
+    // Follows a border from its start on and, at the same time, from its end back, until both meet: each step waits for
+    // what the last one found, but not for the other's. The first points go to `points`, as many as there is room for
+    // before `end`, the last ones to right before `end`. marks.put(place, step) sees each.
     template <bool cornersOnly, class Marks>
-    RVK_INLINE size_t follow(const Start& start, int32_t* points, size_t room, Marks marks) const
+    RVK_INLINE Ends follow(const Start& start, int32_t* points, int32_t* end, Marks marks) const
     {
-        const uint8_t* const neighbours = m_known.neighbours;
-        size_t count = 0;
-        Point point = pointAt(static_cast<int64_t>(start.x), static_cast<int64_t>(start.y));
-        const auto put = [&]() RVK_INLINE_LAMBDA {
-            if (count < room)
-                __builtin_memcpy(points + 2 * count, &point, sizeof point);
-        };
+        const auto room = static_cast<size_t>(end - points) / 2;
+        const Point origin = pointAt(static_cast<int64_t>(start.x), static_cast<int64_t>(start.y));
         if (start.isLone) {
-            put();
+            if (room)
+                __builtin_memcpy(points, &origin, sizeof origin);
             deleteStart(start.place);
             marks.put(start.place, kPassesLeft | kPassesRight);
-            return 1;
+            return {1, 0};
         }
-        size_t place = start.place;
-        uint32_t before = start.before;
-        do {
-            const int32_t step = m_steps[neighbours[place] * kDirections + before];
-            put();
-            count += !cornersOnly || (step & kCorner);
-            if (step & kStart)
-                deleteStart(place);
-            marks.put(place, static_cast<uint32_t>(step));
-            const ptrdiff_t distance = step >> kFlagBits;
-            prefetch(neighbours + (static_cast<ptrdiff_t>(place) + kAhead * distance), 1);
-            place += static_cast<size_t>(distance);
-            before = step & kBeforeNext;
-            point += m_moves[before];
-        } while (place != start.place || before != start.before);
-        return count;
+        Ends sizes = {0, 0};
+        const auto take = [&](const Walk& walk, size_t& size, int32_t* to) RVK_INLINE_LAMBDA {
+            if (sizes.sum() < room)
+                __builtin_memcpy(to, &walk.point, sizeof walk.point);
+            size += !cornersOnly || (walk.step & kCorner);
+            if (walk.step & kStart)
+                deleteStart(walk.place);
+            marks.put(walk.place, static_cast<uint32_t>(walk.step));
+        };
+        const uint32_t fromEnd = (start.before + 4) % kDirections;
+        Walk ahead = {start.place, start.before, origin},
+             back = {start.place + static_cast<size_t>(ptrdiff_t{m_distances[fromEnd]}), fromEnd,
+                     origin + m_moves[fromEnd]};
+        for (;;) {
+            ahead.look(m_known.neighbours, m_steps);
+            take(ahead, sizes.first, points + 2 * sizes.first);
+            if (ahead.place == back.place && ahead.otherSide() == back.side)
+                return sizes;
+            ahead.goOn(m_known.neighbours, m_moves);
+
+            back.look(m_known.neighbours, m_stepsBack);
+            take(back, sizes.last, end - 2 * (sizes.last + 1));
+            if (back.place == ahead.place && back.otherSide() == ahead.side)
+                return sizes;
+            back.goOn(m_known.neighbours, m_moves);
+        }
     }
 
 private:
@@ -221,7 +286,8 @@ private:
     }
 
     const Neighbourhoods& m_known;
-    int32_t m_steps[kSteps];
+    int32_t m_steps[kSteps], m_stepsBack[kSteps];
+    int32_t m_distances[kDirections];
     Point m_moves[kDirections]; // to the next point, by the direction in which this one lies from there
 };
 
@@ -319,14 +385,16 @@ struct Search
     RVK_INLINE bool add(const Follower& follower, const Start& start, int32_t parent, Marks marks) const
     {
         const size_t room = lists.points ? kContourChunk : 0;
-        const size_t size = follower.follow<cornersOnly>(start, memory.chunk, room, marks);
+        int32_t* const chunkEnd = memory.chunk + 2 * room;
+        const Ends sizes = follower.follow<cornersOnly>(start, memory.chunk, chunkEnd, marks);
         int32_t* const points = lists.nextPoints();
-        if (!lists.add(size, parent))
+        if (!lists.add(sizes.sum(), parent))
             return false;
-        if (size <= room)
-            __builtin_memcpy(points, memory.chunk, size * sizeof(Point));
-        else if (room)
-            follower.follow<cornersOnly>(start, points, size, NoMarks{});
+        if (sizes.sum() <= room) {
+            __builtin_memcpy(points, memory.chunk, sizes.first * sizeof(Point));
+            __builtin_memcpy(points + 2 * sizes.first, chunkEnd - 2 * sizes.last, sizes.last * sizeof(Point));
+        } else if (room)
+            follower.follow<cornersOnly>(start, points, points + 2 * sizes.sum(), NoMarks{});
         return true;
     }
 
