@@ -477,6 +477,27 @@ SimdGroup single()
                 const int16_t *a = in + 2 * i, *b = a + kLanes<int16_t>;
                 return static_cast<uint32_t>(a[0] * b[0]) + static_cast<uint32_t>(a[1] * b[1]);
             }),
+        mapping<int16_t, int32_t, 2 * kLanes<int16_t>, kLanes<int32_t>>(
+            "addNeighboursTo",
+            [](const int16_t* in, int32_t* out) {
+                store(out, addNeighboursTo(bitCast<int32_t>(load(in + kLanes<int16_t>)), load(in)));
+            },
+            [](const int16_t* in, size_t i) {
+                const uint16_t* acc = reinterpret_cast<const uint16_t*>(in) + kLanes<int16_t> + 2 * i;
+                return (acc[0] | static_cast<uint32_t>(acc[1]) << 16) +
+                       static_cast<uint32_t>(in[2 * i] + in[2 * i + 1]);
+            }),
+        mapping<uint16_t, int32_t, kLanes<uint16_t>, kLanes<int32_t>>(
+            "addWeightedHalves",
+            [](const uint16_t* in, int32_t* out) {
+                const Vec<uint32_t> halves = shiftRight(bitCast<uint32_t>(load(in)), 2) & splat(0x3fff3fffu);
+                store(out, addWeightedHalves(addWeightedHalves(splat<int32_t>(5), halves, HalfWeights(65535, -65535)),
+                                             halves, HalfWeights(-65536, 32767)));
+            },
+            [](const uint16_t* in, size_t i) {
+                return 5 + (65535 - 65536) * ((in[2 * i] | in[2 * i + 1] << 16) >> 2 & 0x3fff) +
+                       (32767 - 65535) * (in[2 * i + 1] >> 2);
+            }),
         mapping<int8_t, int32_t, 2 * kLanes<int16_t>, kLanes<int32_t>>(
             "addDotOfPairs",
             [](const int8_t* in, int32_t* out) {

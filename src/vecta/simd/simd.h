@@ -57,6 +57,8 @@
 //             multiplyWide(a, b) -> Vecs<Wider, 2>: 8 and 16 bits; multiplyHigh: the upper halves of products, 16 bits
 //             dotPairs(a, b): s16 -> s32, a[2i] * b[2i] + a[2i + 1] * b[2i + 1]
 //             addDotOfPairs(acc, p, q): s32 and as many s8 in memory as a vector has s16: acc + dotPairs
+//             addWeightedHalves(acc, v, HalfWeights(low, high)): u32 -> s32, acc + the lower 16 bits of each element, by
+//             low, + the upper ones, by high, halves below 2^14, weights at most 2^16 without their sign
 //             dot(a, b): two vectors of s16 each -> s32, a[0] * b[0] + a[1] * b[1], element by element
 //             multiplyQ15<factor>(v): s16, v * factor / 2^15, rounded down; multiplyQ8(a, b): u16, (a * b + 128) / 2^8,
 //             saturated
@@ -80,8 +82,8 @@
 //             the row, of the n * kWindow bytes from offsets[w] on those with these indices; n is 1 or 2
 // Scattered   gatherBytes, gatherPairs(p, split offsets below 2^31) -> u16: the byte, or the two bytes, at p + offset;
 //             kGatherReach: bytes from there on that may be read, 2 or more. gatherWords(p, offsets) -> u32: four bytes
-// Sums        addNeighbours(v), addNeighboursTo(acc, v): u8 to u16, v[2i] + v[2i + 1]; addNeighboursInLanes(a, b): of
-//             u16 below 2^15
+// Sums        addNeighbours(v): u8 to u16, v[2i] + v[2i + 1]; addNeighboursTo(acc, v): u8 to u16, s16 to s32;
+//             addNeighboursInLanes(a, b): of u16 below 2^15
 //             addBytesTo(acc u32, u8), addTo(acc, v) for u16 to u32, s16 to s32, u32 to u64, s32 to s64: each element
 //             of v is added to some lane of acc; reduceAdd(v): exact for u8, u16 and s16, wrapping for 32 and 64 bits
 //             addDot(acc, a, b): u8, s8: each product is added to some lane of acc, 32 bits, which wrap. In two parts,
