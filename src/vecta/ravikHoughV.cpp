@@ -42,6 +42,19 @@ RVK_INLINE uint32_t* listBits(Word word, uint32_t first, uint32_t* pixels)
 
 // ---- lines ---------------------------------------------------------------------------------------------------------
 
+// The bins that pixels of a picture can vote for.
+struct BinRange
+{
+    int32_t first, last;
+};
+
+RVK_INLINE BinRange binsOf(HoughAngle angle, size_t width, size_t height)
+{
+    const int32_t across = static_cast<int32_t>(width - 1) * angle.c, down = static_cast<int32_t>(height - 1) * angle.s;
+    const int32_t least = across < 0 ? across : 0, most = (across < 0 ? 0 : across) + down; // s is not negative
+    return {(least + 16384) >> 15, (most + 16384) >> 15};
+}
+
 // The votes of the angles whose peaks are looked for and of their neighbours. The first and the last angle are neighbours
 // of each other, mirrored, and stay.
 struct RollingBins
@@ -50,6 +63,7 @@ struct RollingBins
     size_t pitch;
     uint32_t nAngles;
     int32_t reach;
+    BinRange ranges[5]; // where a row is not 0
 
     // Of the row of an angle: the bins of both signs, and a vector of zeros at each end.
     static RVK_INLINE size_t pitchOf(int32_t reach)
@@ -57,10 +71,11 @@ struct RollingBins
         return roundedUp(2 * static_cast<size_t>(reach) + 1, kBytes) + 2 * Vec<uint32_t>::lanes;
     }
 
+    RVK_INLINE size_t rowOf(uint32_t k) const { return k + 1 == nAngles ? 4 : k == 0 ? 3 : k % 3; }
+    RVK_INLINE BinRange& rangeOf(uint32_t k) { return ranges[rowOf(k)]; }
     RVK_INLINE uint32_t* zeroOf(uint32_t k) const
     {
-        const size_t row = k + 1 == nAngles ? 4 : k == 0 ? 3 : k % 3;
-        return memory + row * pitch + Vec<uint32_t>::lanes + static_cast<size_t>(reach);
+        return memory + rowOf(k) * pitch + Vec<uint32_t>::lanes + static_cast<size_t>(reach);
     }
 };
 
@@ -157,8 +172,8 @@ RVK_INLINE LinePixels listLinePixels(size_t width, size_t height, Word* bits, ui
     return list;
 }
 
-// Counts pixels by their bins binsOf(x, y). Bins are computed for many pixels before the first of them is counted: a load
-// of a part of what a vector has just stored takes long.
+// Counts pixels by their bins binsOf(pixels). Bins are computed for many pixels before the first of them is counted: a
+// load of a part of what a vector has just stored takes long.
 template <class T, class BinsOf>
 RVK_INLINE void countPixels(const uint32_t* pixels, uint32_t nPixels, T* counts, BinsOf binsOf)
 {
@@ -168,8 +183,7 @@ RVK_INLINE void countPixels(const uint32_t* pixels, uint32_t nPixels, T* counts,
         const auto count = static_cast<uint32_t>(least(most, nPixels - start));
         for (uint32_t i = 0; i < count; i += lanes) {
             const uint32_t* const p = pixels + start + i;
-            const Vec<uint32_t> pixel = count - i < lanes ? loadPartial(p, count - i) : load(p);
-            store(bins + i, binsOf(bitCast<int32_t>(pixel & splat(0xffffu)), bitCast<int32_t>(shiftRight(pixel, 16))));
+            store(bins + i, binsOf(count - i < lanes ? loadPartial(p, count - i) : load(p)));
         }
         uint32_t i = 0;
         for (; i + lanes <= count; i += lanes)
@@ -179,72 +193,69 @@ RVK_INLINE void countPixels(const uint32_t* pixels, uint32_t nPixels, T* counts,
     }
 }
 
-// How many pairs have their first pixel in a bin, for each step, and for each whether the fractions of the first pixel's
-// place and of the step make a whole bin together.
+// The places of pixels across a line, in units of 2^-15 bins, half a bin added.
+RVK_INLINE Vec<int32_t> placesOf(Vec<uint32_t> pixels, const HalfWeights& angle)
+{
+    return addWeightedHalves(splat<int32_t>(16384), pixels, angle);
+}
+
+// How many pairs have their pixels in a bin and in the one `wholeBins` after it, or in the one after that: whether these
+// are one more depends on the fraction of the first pixel's place. The sum of both bins tells them apart.
 struct PairCounts
 {
-    uint16_t* memory;
+    int16_t* memory; // 0 between the angles
     size_t pitch;
     int32_t reach;
-    int32_t wholeBins[kPairings]; // of the steps
+    int32_t wholeBins[kPairings];
 
-    // Of pairs that are counted before they become votes, which must fit 16 bits, two of each pair.
-    static constexpr uint32_t kMost = UINT16_MAX / (2 * kPairings);
+    // Of pairs of a step that are counted before they become votes.
+    static constexpr uint32_t kMost = INT16_MAX;
 
-    // The bins of both signs, those that no second pixel comes from, and whole vectors.
+    // Two numbers for each bin of both signs, and what is loaded with them.
     static RVK_INLINE size_t pitchOf(int32_t reach)
     {
-        return roundedUp(2 * static_cast<size_t>(reach) + 1, kBytes) + kBytes;
+        return roundedUp(2 * (2 * static_cast<size_t>(reach) + 1), kBytes) + 2 * kBytes;
     }
-    static constexpr size_t kPlanes = 2 * kPairings;
 
-    RVK_INLINE uint16_t* zeroOf(size_t plane) const
-    {
-        return memory + plane * pitch + kBytes + static_cast<size_t>(reach);
-    }
+    // The pairs whose first pixel is in bin 0, and, next to them, those whose second one is a bin farther.
+    RVK_INLINE int16_t* zeroOf(size_t d) const { return memory + d * pitch + kBytes + 2 * static_cast<size_t>(reach); }
 
     RVK_INLINE void count(size_t d, const uint32_t* pairs, uint32_t nPairs, HoughAngle angle)
     {
-        int32_t step = kPairSteps[d].dx * angle.c + kPairSteps[d].dy * angle.s, half = 16384;
-        if (step < 0) { // the other pixel is the first
-            half += step;
-            step = -step;
-        }
+        const int32_t step = kPairSteps[d].dx * angle.c + kPairSteps[d].dy * angle.s;
         wholeBins[d] = step >> 15;
-        const Vec<int32_t> cosine = splat(angle.c), sine = splat(angle.s), addend = splat(half);
-        const Vec<int32_t> fraction = splat<int32_t>(32767), mostWithoutCarry = splat(32767 - (step & 32767));
-        const Vec<int32_t> otherPlane = splat(static_cast<int32_t>(pitch));
-        countPixels(pairs, nPairs, zeroOf(2 * d), [=](Vec<int32_t> x, Vec<int32_t> y) RVK_INLINE_LAMBDA {
-            const Vec<int32_t> place = x * cosine + y * sine + addend;
-            const Vec<int32_t> carries = toVec(greater(place & fraction, mostWithoutCarry));
-            return shiftRight(place, 15) + (carries & otherPlane);
+        const HalfWeights weights(angle.c, angle.s);
+        countPixels(pairs, nPairs, zeroOf(d) - wholeBins[d], [=](Vec<uint32_t> pixels) RVK_INLINE_LAMBDA {
+            const Vec<int32_t> place = placesOf(pixels, weights);
+            return shiftRight(place, 15) + shiftRight(place + splat(step), 15);
         });
     }
 
-    // Adds the votes of all pairs.
-    RVK_INLINE void addVotes(uint32_t* zero) const
+    // Turns all pairs into votes.
+    RVK_INLINE void castVotes(BinRange range, uint32_t* zero) const
     {
-        const uint16_t *first[kPlanes], *second[kPlanes];
-        for (size_t d = 0; d < kPairings; ++d)
-            for (size_t carry = 0; carry < 2; ++carry) {
-                first[2 * d + carry] = zeroOf(2 * d + carry);
-                second[2 * d + carry] = first[2 * d + carry] - wholeBins[d] - carry;
-            }
-        for (int32_t r = -reach; r <= reach; r += static_cast<int32_t>(Vec<uint16_t>::lanes)) {
-            Vec<uint16_t> sum = load(first[0] + r) + load(second[0] + r);
-            unrolled<kPlanes - 1>(
-                [&](auto i) RVK_INLINE_LAMBDA { sum = sum + load(first[i + 1] + r) + load(second[i + 1] + r); });
-            const Vecs<uint32_t, 2> votes = loadVecs<2>(zero + r), more = widen(sum);
-            store(zero + r, Vecs<uint32_t, 2>{votes[0] + more[0], votes[1] + more[1]});
+        const int16_t *first[kPairings], *second[kPairings];
+        for (size_t d = 0; d < kPairings; ++d) {
+            first[d] = zeroOf(d);
+            second[d] = first[d] - 2 * wholeBins[d] - 1;
         }
+        for (int32_t r = range.first; r <= range.last; r += static_cast<int32_t>(Vec<uint32_t>::lanes)) {
+            Vec<int32_t> votes = bitCast<int32_t>(load(zero + r));
+            unrolled<kPairings>([&](auto d) RVK_INLINE_LAMBDA {
+                votes = addNeighboursTo(addNeighboursTo(votes, load(first[d] + 2 * r)), load(second[d] + 2 * r));
+            });
+            store(zero + r, bitCast<uint32_t>(votes));
+        }
+        const size_t counts = 2 * static_cast<size_t>(range.last - range.first + 1);
+        for (size_t d = 0; d < kPairings; ++d)
+            __builtin_memset(zeroOf(d) + 2 * range.first, 0, counts * sizeof(int16_t));
     }
 };
 
 // All votes of an angle.
-RVK_NOINLINE void accumulate(const RollingBins& bins, const LinePixels& pixels, PairCounts& pairs, uint32_t k,
-                             float32_t rhoStep)
+RVK_NOINLINE void accumulate(RollingBins& bins, const LinePixels& pixels, PairCounts& pairs, uint32_t k,
+                             HoughAngle angle)
 {
-    const HoughAngle angle = houghAngle(k, bins.nAngles, rhoStep);
     uint32_t* const zero = bins.zeroOf(k);
     __builtin_memset(zero - bins.reach, 0, (2 * static_cast<size_t>(bins.reach) + 1) * sizeof(uint32_t));
     irvkHoughAccumulateAreaV(pixels.singles, pixels.nSingles, angle.c, angle.s, zero);
@@ -254,38 +265,41 @@ RVK_NOINLINE void accumulate(const RollingBins& bins, const LinePixels& pixels, 
             isDone = isDone && start >= pixels.nPairs[d];
         if (isDone)
             return;
-        __builtin_memset(pairs.memory, 0, PairCounts::kPlanes * pairs.pitch * sizeof(uint16_t));
         for (size_t d = 0; d < kPairings; ++d) {
             const uint32_t left = pixels.nPairs[d] > start ? pixels.nPairs[d] - start : 0;
             pairs.count(d, pixels.pairs[d] + start, static_cast<uint32_t>(least(left, PairCounts::kMost)), angle);
         }
-        pairs.addVotes(zero);
+        pairs.castVotes(bins.rangeOf(k), zero);
     }
 }
 
-RVK_INLINE void offerPeaks(const RollingBins& bins, uint32_t k, uint32_t threshold, StrongestLines& strongest)
+// Few bins have enough votes.
+RVK_NOINLINE void offerPeaksFrom(const RollingBins& bins, uint32_t k, int32_t first, uint32_t threshold,
+                                 StrongestLines& strongest)
 {
     const uint32_t* const zero = bins.zeroOf(k);
+    for (int32_t r = first; r < first + static_cast<int32_t>(Vec<uint32_t>::lanes); ++r)
+        if (zero[r] >= threshold && isHoughPeak(bins, k, r))
+            strongest.offer(k, r, zero[r]);
+}
+
+RVK_INLINE void offerPeaks(RollingBins& bins, uint32_t k, uint32_t threshold, StrongestLines& strongest)
+{
+    const BinRange range = bins.rangeOf(k);
+    const uint32_t* const zero = bins.zeroOf(k);
     const Vec<uint32_t> tooFew = splat(threshold - 1);
-    constexpr auto lanes = static_cast<int32_t>(Vec<uint32_t>::lanes);
-    for (int32_t r = -bins.reach; r <= bins.reach; r += lanes) {
-        const Vec<uint32_t> votes = load(zero + r);
-        if (!any(greater(votes, max(tooFew, load(zero + r - 1)))))
-            continue;
-        for (int32_t i = r; i < r + lanes; ++i)
-            if (zero[i] >= threshold && isHoughPeak(bins, k, i))
-                strongest.offer(k, i, zero[i]);
-    }
+    for (int32_t r = range.first; r <= range.last; r += static_cast<int32_t>(Vec<uint32_t>::lanes))
+        if (any(greater(load(zero + r), max(tooFew, load(zero + r - 1)))))
+            offerPeaksFrom(bins, k, r, threshold, strongest);
 }
 
 } // namespace
 
 void irvkHoughAccumulateAreaV(const uint32_t* pixels, uint32_t nPixels, int32_t c, int32_t s, uint32_t* votes)
 {
-    const Vec<int32_t> cosine = splat(c), sine = splat(s), half = splat<int32_t>(16384);
-    countPixels(pixels, nPixels, votes, [=](Vec<int32_t> x, Vec<int32_t> y) RVK_INLINE_LAMBDA {
-        return shiftRight(x * cosine + y * sine + half, 15);
-    });
+    const HalfWeights angle(c, s);
+    countPixels(pixels, nPixels, votes,
+                [=](Vec<uint32_t> pixel) RVK_INLINE_LAMBDA { return shiftRight(placesOf(pixel, angle), 15); });
 }
 
 rvkStatus rvkHoughLineu8V(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
@@ -297,7 +311,7 @@ rvkStatus rvkHoughLineu8V(const uint8_t* src, uint32_t srcWidth, uint32_t srcHei
     const size_t pitchOfBits = pairingPitchOf(srcWidth), wordsOfBits = pitchOfBits * (size_t{srcHeight} + 1) + 1;
     const Scratch<Word> bits(wordsOfBits);
     const Scratch<uint32_t> memory(5, pitch);
-    const Scratch<uint16_t> memoryOfPairs(PairCounts::kPlanes, pitchOfPairs);
+    const Scratch<int16_t> memoryOfPairs(kPairings, pitchOfPairs);
     // All bins are never there at once, but are not more than the reference can have.
     if (!bits || !memory || !memoryOfPairs || !houghBinsFit(nAngles, reach))
         return RAVIK_ENORES;
@@ -307,19 +321,25 @@ rvkStatus rvkHoughLineu8V(const uint8_t* src, uint32_t srcWidth, uint32_t srcHei
     if (!list)
         return RAVIK_ENORES;
     // Pairs take work for each bin, too.
-    const bool inPairs = nPixels > 8 * static_cast<uint32_t>(reach);
+    const bool inPairs = nPixels > 4 * static_cast<uint32_t>(reach);
     const LinePixels pixels = listLinePixels(srcWidth, srcHeight, bits.get(), nPixels, inPairs, list.get());
 
     __builtin_memset(memory.get(), 0, 5 * pitch * sizeof(uint32_t));
-    const RollingBins bins = {memory.get(), pitch, nAngles, reach};
+    __builtin_memset(memoryOfPairs.get(), 0, kPairings * pitchOfPairs * sizeof(int16_t));
+    RollingBins bins = {memory.get(), pitch, nAngles, reach, {}};
     PairCounts pairs = {memoryOfPairs.get(), pitchOfPairs, reach, {}};
     StrongestLines strongest(lines, nLinesMax);
-    accumulate(bins, pixels, pairs, nAngles - 1, rhoStep);
+    const auto vote = [&](uint32_t k) RVK_INLINE_LAMBDA {
+        const HoughAngle angle = houghAngle(k, nAngles, rhoStep);
+        bins.rangeOf(k) = binsOf(angle, srcWidth, srcHeight);
+        accumulate(bins, pixels, pairs, k, angle);
+    };
+    vote(nAngles - 1);
     if (nAngles > 1)
-        accumulate(bins, pixels, pairs, 0, rhoStep);
+        vote(0);
     for (uint32_t k = 0; k < nAngles; ++k) {
         if (nAngles - k > 2)
-            accumulate(bins, pixels, pairs, k + 1, rhoStep);
+            vote(k + 1);
         offerPeaks(bins, k, threshold, strongest);
     }
     *nLines = strongest.finish(nAngles, rhoStep);
