@@ -4,10 +4,10 @@
 // scalar.
 #include "cpu/ravikHoughC.h"
 #include "scratch.h"
+#include "vecta/ravikCannyV.h"
 #include "vecta/simd/bitRows.h"
+#include "vecta/simd/doubles.h"
 #include "vecta/vecta.h"
-
-#include <ravik/canny.h>
 
 namespace rvk {
 
@@ -17,7 +17,6 @@ decltype(::rvkHoughCircleu8) rvkHoughCircleu8C;
 
 namespace rvk::vecta::RVK_ISA {
 
-decltype(::rvkFilterCanny3x3u8_v3) rvkFilterCanny3x3u8_v3V;
 decltype(irvkHoughAccumulateAreaC) irvkHoughAccumulateAreaV;
 
 namespace {
@@ -350,171 +349,316 @@ rvkStatus rvkHoughLineu8V(const uint8_t* src, uint32_t srcWidth, uint32_t srcHei
 
 namespace {
 
-// The non-zero pixels of a picture, x + 65536 * y, in strips as wide as a machine word has bits: the leftmost first, each
-// from the top down.
-struct PixelList
+// The edge pixels of a picture, x + 65536 * y, in strips: the leftmost first, each from the top down.
+struct EdgeList
 {
+    static constexpr size_t kStripWidth = 32;
+
     uint32_t* pixels;
     uint32_t* starts; // where each row of each strip begins, and where the last one ends
+
+    static RVK_INLINE size_t stripsOf(size_t width) { return roundedUp(width, kStripWidth) / kStripWidth; }
 };
 
-RVK_INLINE void listPixels(size_t width, size_t height, const Word* bits, const PixelList& list)
+RVK_INLINE void listEdges(size_t width, size_t height, const Word* bits, const EdgeList& list)
 {
+    constexpr size_t stripsOfWord = kWordBits / EdgeList::kStripWidth;
     const size_t words = wordsOfRow(width);
     uint32_t *pixels = list.pixels, *starts = list.starts;
-    for (size_t strip = 0; strip < words; ++strip)
-        for (size_t y = 0; y < height; ++y) {
+    for (size_t strip = 0; strip < EdgeList::stripsOf(width); ++strip) {
+        const Word* column = bits + strip / stripsOfWord;
+        const size_t shift = strip % stripsOfWord * EdgeList::kStripWidth;
+        for (size_t y = 0; y < height; ++y, column += words) {
             *starts++ = static_cast<uint32_t>(pixels - list.pixels);
-            const auto first = static_cast<uint32_t>(strip * kWordBits | y << 16);
-            pixels = listBits(bits[y * words + strip], first, pixels);
+            const auto first = static_cast<uint32_t>(strip * EdgeList::kStripWidth | y << 16);
+            pixels = listBits(static_cast<uint32_t>(*column >> shift), first, pixels);
         }
+    }
     *starts = static_cast<uint32_t>(pixels - list.pixels);
 }
 
 constexpr size_t kLanes = Vec<int32_t>::lanes;
+constexpr size_t kCells = Vec<uint16_t>::lanes; // of one row that are looked at together, at most
 
-RVK_INLINE size_t cellPitchOf(size_t width)
+// Numbers for the cells of a picture and some around it: a vector at each end of the rows and a row above and below, or
+// so many that no vote leaves them, where that is not much more. Behind all rows there is a vector of cells for votes that
+// do not count.
+struct CellLayout
 {
-    return roundedUp(width, kLanes) + 2 * kLanes;
-}
+    size_t width, height;
+    size_t columns, rows; // on each side
+    bool takesAllVotes;
+    size_t pitch;
 
-RVK_INLINE uint64_t cellsOf(size_t width, size_t height)
-{
-    return uint64_t{cellPitchOf(width)} * (uint64_t{height} + 2) + kLanes;
-}
+    RVK_INLINE CellLayout(size_t pictureWidth, size_t pictureHeight, uint32_t maxRadius)
+        : width(pictureWidth), height(pictureHeight), columns(roundedUp(maxRadius + 1, kCells)), rows(maxRadius + 1),
+          takesAllVotes((uint64_t{width} + 2 * columns) * (height + 2 * rows) <= 2 * uint64_t{width} * height)
+    {
+        if (!takesAllVotes) {
+            columns = kCells;
+            rows = 1;
+        }
+        constexpr size_t unit = 32; // an odd number of them, so that rows lie in all sets of a cache
+        pitch = ((roundedUp(width, kCells) + 2 * columns + unit - 1) / unit | 1) * unit;
+    }
 
-// Numbers for the cells of a picture with a vector of zeros or more at each end of the rows, and behind all rows a vector
-// of cells for votes that do not count.
-template <class T>
-struct Cells
-{
-    T* data;
-    size_t pitch, height;
-
-    RVK_INLINE T* row(size_t y) const { return data + (y + 1) * pitch + kLanes; }
-    // Where the votes go that do not count, from the first row on.
-    RVK_INLINE size_t aside() const { return (height + 1) * pitch - kLanes; }
+    RVK_INLINE uint64_t size() const { return uint64_t{pitch} * (height + 2 * rows) + kLanes; }
 };
 
-// The derivatives of a pixel, whose neighbours outside the picture are like the nearest ones inside.
-RVK_INLINE HoughDirection directionAt(size_t width, size_t height, Plane<const uint8_t> src, size_t x, size_t y)
+template <class T>
+struct Cells : CellLayout
 {
+    T* data;
+
+    RVK_INLINE T* row(size_t y) const { return data + (y + rows) * pitch + columns; }
+    // Where the votes go that do not count, from the first row on.
+    RVK_INLINE size_t aside() const { return (height + rows) * pitch - columns; }
+
+    // Forgets the votes for cells beside the picture.
+    RVK_INLINE void clearSurroundings() const
+    {
+        const size_t behind = roundedUp(width, kCells) - width + kCells;
+        for (size_t y = 0; y < height; ++y) {
+            __builtin_memset(row(y) - kCells, 0, kCells * sizeof(T));
+            __builtin_memset(row(y) + width, 0, behind * sizeof(T));
+        }
+        const size_t all = kCells + width + behind;
+        __builtin_memset(row(0) - pitch - kCells, 0, all * sizeof(T));
+        __builtin_memset(row(height) - kCells, 0, all * sizeof(T));
+    }
+};
+
+// The derivatives of a pixel, whose neighbours outside the picture are like the nearest ones inside. (Not inline: clang
+// would make vectors of single bytes of several pixels.)
+RVK_NOINLINE void storeGradient(size_t width, size_t height, Plane<const uint8_t> src, uint32_t pixel, float* gradient)
+{
+    const size_t x = pixel & 0xffff, y = pixel >> 16;
     const size_t left = x > 0 ? x - 1 : 0, right = least(x + 1, width - 1);
     const uint8_t *above = src.row(y > 0 ? y - 1 : 0), *here = src.row(y), *below = src.row(least(y + 1, height - 1));
     const int32_t dx = above[right] - above[left] + 2 * (here[right] - here[left]) + below[right] - below[left];
     const int32_t dy = below[left] - above[left] + 2 * (below[x] - above[x]) + below[right] - above[right];
-    return houghDirection(dx, dy);
+    gradient[0] = static_cast<float>(dx);
+    gradient[1] = static_cast<float>(dy);
 }
+
+// The directions of some edge pixels, from their gradients, which are not 0. In the same order of operations as the
+// reference.
+struct Directions
+{
+    static constexpr size_t kMost = 64; // in whole vectors
+
+    float gradients[2 * kMost];
+    HoughDirection directions[kMost];
+
+    RVK_INLINE void compute(size_t count)
+    {
+        const Doubles unit = splatDouble(65536), large = splatDouble(6755399441055744); // 3 * 2^51
+        for (; count % Vec<float>::lanes; ++count)
+            gradients[2 * count] = gradients[2 * count + 1] = 1;
+        for (size_t i = 0; i < count; i += Doubles::lanes) {
+            const DoublePoints<2> g = loadPoints<2>(gradients + 2 * i);
+            const Doubles length = squareRoot(g[0] * g[0] + g[1] * g[1]);
+            storePoints(gradients + 2 * i,
+                        {unit * g[0] / length + large - large, unit * g[1] / length + large - large});
+        }
+        for (size_t i = 0; i < 2 * count; i += Vec<float>::lanes)
+            store(&directions[0].u + i, truncateToInt(load(gradients + i)));
+    }
+};
 
 // Cells that pixels vote for, by their distance from the first one. They are computed for many votes before the first of
 // them counts: a load of a part of what a vector has just stored takes long.
 template <class T>
 struct Ballot
 {
-    static constexpr size_t kMost = 32 * kLanes;
+    static constexpr size_t kMost = 64 * kLanes;
 
     const Cells<T>& votes;
-    size_t count = 0;
+    Vec<int32_t> aside;
     int32_t offsets[kMost];
 
-    RVK_INLINE explicit Ballot(const Cells<T>& cells) : votes(cells) {}
-
-    RVK_INLINE void add(Vec<int32_t> cells)
+    RVK_INLINE explicit Ballot(const Cells<T>& cells)
+        : votes(cells), aside(splat(static_cast<int32_t>(cells.aside())) + iota<int32_t>())
     {
-        store(offsets + count, cells);
-        count += kLanes;
-        if (count == kMost)
-            tally();
     }
 
-    RVK_NOINLINE void tally()
+    // Where the next votes go: there is room for two vectors.
+    RVK_INLINE int32_t* makeRoom(int32_t* end) { return end > offsets + kMost - 3 * kLanes ? tally(end) : end; }
+    RVK_INLINE int32_t* add(int32_t* end, Vec<int32_t> cells, Mask<int32_t> doCount) const
+    {
+        return end + storeChosen(end, cells, doCount, aside);
+    }
+
+    RVK_NOINLINE int32_t* tally(int32_t* end)
     {
         T* const first = votes.row(0);
-        for (size_t i = 0; i < count; i += kLanes)
-            unrolled<kLanes>([&](auto j) RVK_INLINE_LAMBDA { ++first[offsets[i + j]]; });
-        count = 0;
+        store(end, aside);
+        for (const int32_t* p = offsets; p < end; p += kLanes)
+            unrolled<kLanes>([&](auto j) RVK_INLINE_LAMBDA { ++first[p[j]]; });
+        return offsets;
     }
 };
 
-// The votes of a pixel along a direction. `isWithin`: none of them leaves the picture.
-template <bool isWithin, class T>
-RVK_INLINE void castVotes(Ballot<T>& ballot, size_t width, int32_t x, int32_t y, int32_t u, int32_t v,
-                          const CircleChoice& choice)
+// The votes of edge pixels.
+template <class T>
+struct Voters
 {
     using V = Vec<int32_t>;
-    constexpr auto lanes = static_cast<int32_t>(kLanes);
-    const Cells<T>& votes = ballot.votes;
-    const auto minRadius = static_cast<int32_t>(choice.minRadius), maxRadius = static_cast<int32_t>(choice.maxRadius);
-    const V aside = splat(static_cast<int32_t>(votes.aside())) + iota<int32_t>();
-    const V pitch = splat(static_cast<int32_t>(votes.pitch)), lastRadius = splat(maxRadius);
-    const V half = splat<int32_t>(32768);
-    const Vec<uint32_t> columns = splat(static_cast<uint32_t>(width));
-    const Vec<uint32_t> rows = splat(static_cast<uint32_t>(votes.height));
-    V r = splat(minRadius) + iota<int32_t>();
-    V across = r * splat(u) + half, down = r * splat(v) + half; // from the pixel, in units of 2^-16
-    V previous = splat<int32_t>(-1);
-    for (int32_t start = minRadius;;) {
-        const V column = splat(x) + shiftRight(across, 16), row = splat(y) + shiftRight(down, 16);
-        const V offset = row * pitch + column;
-        const Mask<int32_t> isSame = equal(offset, extract<kLanes - 1>(previous, offset));
-        V cells = select(isSame | greater(r, lastRadius), aside, offset);
-        if constexpr (!isWithin) {
+
+    Ballot<T>& ballot;
+    size_t width, height;
+    uint32_t minRadius, maxRadius;
+    V radii;                     // the first ones
+    Mask<int32_t> areLastWithin; // of the last ones
+    V pitch;
+    uint32_t fraction; // these bits are not 0 in directions that have no cell halfway between two others
+
+    RVK_INLINE Voters(Ballot<T>& b, const CircleChoice& choice)
+        : ballot(b), width(b.votes.width), height(b.votes.height), minRadius(choice.minRadius),
+          maxRadius(choice.maxRadius), radii(splat(static_cast<int32_t>(minRadius)) + iota<int32_t>()),
+          areLastWithin(less(iota<int32_t>(), splat(static_cast<int32_t>((maxRadius - minRadius) % kLanes + 1)))),
+          pitch(splat(static_cast<int32_t>(b.votes.pitch)))
+    {
+        // r u is a multiple of 2^15, when it is, as r and u have 15 times the factor 2 together
+        fraction = 1u << 15;
+        for (uint32_t r = maxRadius; r > 1 && fraction > 1; r /= 2)
+            fraction /= 2;
+        fraction -= 1;
+    }
+
+    // visit(columns, rows, doCount) for vector after vector of radii: the cells from the pixel on, until it returns false.
+    template <class Visit>
+    RVK_INLINE void walk(int32_t u, int32_t v, Visit visit) const
+    {
+        const V half = splat<int32_t>(32768), uStep = splat(static_cast<int32_t>(kLanes) * u);
+        const V vStep = splat(static_cast<int32_t>(kLanes) * v);
+        V across = radii * splat(u) + half, down = radii * splat(v) + half; // in units of 2^-16
+        const Mask<int32_t> all = equal(half, half);
+        for (uint32_t start = minRadius;; start += kLanes) {
+            const bool isLast = maxRadius - start < kLanes;
+            if (!visit(shiftRight(across, 16), shiftRight(down, 16), isLast ? areLastWithin : all) || isLast)
+                return;
+            across = across + uStep;
+            down = down + vStep;
+        }
+    }
+
+    // As far as they stay in the picture.
+    RVK_NOINLINE int32_t* castInside(int32_t* end, int32_t x, int32_t y, int32_t u, int32_t v) const
+    {
+        const auto columns = splat(static_cast<uint32_t>(width)), rows = splat(static_cast<uint32_t>(height));
+        V previous = splat<int32_t>(-1);
+        walk(u, v, [&](V column, V row, Mask<int32_t> doCount) RVK_INLINE_LAMBDA {
+            column = column + splat(x);
+            row = row + splat(y);
+            const V cells = row * pitch + column;
+            const Mask<int32_t> isSame = equal(cells, extract<kLanes - 1>(previous, cells));
             const Mask<uint32_t> isInside =
                 less(bitCast<uint32_t>(column), columns) & less(bitCast<uint32_t>(row), rows);
-            cells = bitCast<int32_t>(select(isInside, bitCast<uint32_t>(cells), bitCast<uint32_t>(aside)));
-            if (!any(isInside))
-                return;
-        }
-        ballot.add(cells);
-        start += lanes;
-        if (start > maxRadius)
-            return;
-        previous = offset;
-        r = r + splat(lanes);
-        across = across + splat(lanes * u);
-        down = down + splat(lanes * v);
+            previous = cells;
+            end = ballot.add(ballot.makeRoom(end), cells, Mask<int32_t>{isInside.bits} & doCount & ~isSame);
+            return any(isInside);
+        });
+        return end;
     }
-}
 
-// Those along the gradient of a pixel and against it.
+    // Along a direction and against it, where the cells mirror each other and are all there.
+    RVK_INLINE int32_t* castMirrored(int32_t* end, int32_t x, int32_t y, int32_t u, int32_t v) const
+    {
+        const V here = splat(y * static_cast<int32_t>(ballot.votes.pitch) + x);
+        V previous = splat<int32_t>(INT32_MAX);
+        walk(u, v, [&](V column, V row, Mask<int32_t> doCount) RVK_INLINE_LAMBDA {
+            const V cells = row * pitch + column;
+            doCount = doCount & ~equal(cells, extract<kLanes - 1>(previous, cells));
+            previous = cells;
+            end = ballot.makeRoom(end);
+            end = ballot.add(end, here + cells, doCount);
+            end = ballot.add(end, here - cells, doCount);
+            return true;
+        });
+        return end;
+    }
+
+    // Halves are rounded up on either side.
+    RVK_INLINE bool isHalfway(int32_t direction) const
+    {
+        return !(static_cast<uint32_t>(direction) & fraction) && direction % 65536;
+    }
+
+    RVK_INLINE bool isInside(int32_t x, int32_t direction, size_t size) const
+    {
+        const auto length = static_cast<uint32_t>(direction < 0 ? -direction : direction);
+        const uint32_t reach = (maxRadius * length + 32768) >> 16, at = static_cast<uint32_t>(x);
+        return at >= reach && at + reach < size;
+    }
+
+    RVK_INLINE int32_t* cast(int32_t* end, int32_t x, int32_t y, HoughDirection d) const
+    {
+        const bool areAllThere = ballot.votes.takesAllVotes || (isInside(x, d.u, width) && isInside(y, d.v, height));
+        if (areAllThere && !isHalfway(d.u) && !isHalfway(d.v))
+            return castMirrored(end, x, y, d.u, d.v);
+        return castInside(castInside(end, x, y, d.u, d.v), x, y, -d.u, -d.v);
+    }
+};
+
 template <class T>
-RVK_INLINE void castVotes(Ballot<T>& ballot, size_t width, uint32_t x, uint32_t y, HoughDirection direction,
-                          const CircleChoice& choice)
+RVK_NOINLINE void castVotes(const Cells<T>& votes, Plane<const uint8_t> src, const uint32_t* edges, uint32_t nEdges,
+                            const CircleChoice& choice)
 {
-    const auto column = static_cast<int32_t>(x), row = static_cast<int32_t>(y);
-    const auto reach = static_cast<int32_t>(choice.maxRadius);
-    const auto cast = [&](int32_t u, int32_t v) RVK_INLINE_LAMBDA {
-        const int32_t lastColumn = column + ((reach * u + 32768) >> 16), lastRow = row + ((reach * v + 32768) >> 16);
-        if (static_cast<uint32_t>(lastColumn) < width && static_cast<uint32_t>(lastRow) < ballot.votes.height)
-            castVotes<true>(ballot, width, column, row, u, v, choice);
-        else
-            castVotes<false>(ballot, width, column, row, u, v, choice);
-    };
-    cast(direction.u, direction.v);
-    cast(-direction.u, -direction.v);
+    Ballot<T> ballot(votes);
+    const Voters<T> voters(ballot, choice);
+    Directions some;
+    int32_t* end = ballot.offsets;
+    for (uint32_t start = 0; start < nEdges; start += Directions::kMost) {
+        const size_t count = least(nEdges - start, Directions::kMost);
+        const uint32_t* const pixels = edges + start;
+        for (size_t i = 0; i < count; ++i)
+            storeGradient(votes.width, votes.height, src, pixels[i], some.gradients + 2 * i);
+        some.compute(count);
+        for (size_t i = 0; i < count; ++i)
+            end = voters.cast(end, static_cast<int32_t>(pixels[i] & 0xffff), static_cast<int32_t>(pixels[i] >> 16),
+                              some.directions[i]);
+    }
+    ballot.tally(end);
+    votes.clearSurroundings();
 }
 
-RVK_INLINE Vec<int32_t> loadCells(const uint32_t* p)
+// Scores are numbers of 16 bits, which stay at the largest one when they do not fit, or of 32 bits.
+template <class S, class T>
+RVK_INLINE Vec<S> loadCells(const T* p)
 {
-    return bitCast<int32_t>(load(p));
+    if constexpr (sizeof(S) == sizeof(T))
+        return bitCast<S>(load(p));
+    else
+        return bitCast<S>(loadWiden<uint32_t>(p));
 }
-RVK_INLINE Vec<int32_t> loadCells(const uint16_t* p)
+RVK_INLINE Vec<uint16_t> sumOf(Vec<uint16_t> a, Vec<uint16_t> b, Vec<uint16_t> c)
 {
-    return bitCast<int32_t>(loadWiden<uint32_t>(p));
+    return addSat(addSat(a, b), c);
+}
+RVK_INLINE Vec<int32_t> sumOf(Vec<int32_t> a, Vec<int32_t> b, Vec<int32_t> c)
+{
+    return a + b + c;
+}
+
+// Elements of a row of scores, between two vectors.
+template <class S>
+RVK_INLINE size_t scorePitchOf(size_t width)
+{
+    return roundedUp(width, Vec<S>::lanes) + 2 * Vec<S>::lanes;
 }
 
 // Scores of a row, from the votes of three rows; `sums` is memory for a row.
-template <class T>
-RVK_INLINE void computeScores(const Cells<T>& votes, size_t width, size_t y, int32_t* sums, int32_t* scores)
+template <class S, class T>
+RVK_INLINE void computeScores(const Cells<T>& votes, size_t y, S* sums, S* scores)
 {
-    constexpr size_t lanes = kLanes;
-    const T *above = votes.row(y) - votes.pitch, *here = votes.row(y), *below = here + votes.pitch;
-    for (size_t x = 0; x < votes.pitch; x += lanes)
-        store(sums + x - lanes,
-              loadCells(above + x - lanes) + loadCells(here + x - lanes) + loadCells(below + x - lanes));
-    for (size_t x = 0; x < width; x += lanes)
-        store(scores + x, load(sums + x - 1) + load(sums + x) + load(sums + x + 1));
-    __builtin_memset(scores + width, 0, (roundedUp(width, lanes) - width) * sizeof(int32_t));
+    constexpr size_t lanes = Vec<S>::lanes;
+    const T *here = votes.row(y) - lanes, *above = here - votes.pitch, *below = here + votes.pitch;
+    for (size_t x = 0; x < scorePitchOf<S>(votes.width); x += lanes)
+        store(sums + x - lanes, sumOf(loadCells<S>(above + x), loadCells<S>(here + x), loadCells<S>(below + x)));
+    for (size_t x = 0; x < votes.width; x += lanes)
+        store(scores + x, sumOf(load(sums + x - 1), load(sums + x), load(sums + x + 1)));
+    __builtin_memset(scores + votes.width, 0, (roundedUp(votes.width, lanes) - votes.width) * sizeof(S));
 }
 
 // Centres in raster order, and how many there are; those that have no room are only counted.
@@ -523,150 +667,225 @@ struct CentreList
     HoughCentre* centres;
     size_t room, count = 0;
 
-    RVK_INLINE void add(size_t x, size_t y, int32_t score)
+    RVK_INLINE void add(size_t x, size_t y, uint32_t score)
     {
         if (count < room)
-            centres[count] = {static_cast<uint32_t>(x), static_cast<uint32_t>(y), static_cast<uint32_t>(score)};
+            centres[count] = {static_cast<uint32_t>(x), static_cast<uint32_t>(y), score};
         ++count;
     }
 };
 
-// Adds the centres of row y, whose scores are in the second of three rows.
-RVK_INLINE void addCentres(const int32_t* above, const int32_t* here, const int32_t* below, size_t width, size_t y,
-                           int32_t centerThreshold, CentreList& list)
+// Adds the centres of row y, whose scores are in the second of three rows. False when a score may not fit.
+template <class S>
+RVK_INLINE bool addCentres(const S* above, const S* here, const S* below, size_t width, size_t y, S centerThreshold,
+                           CentreList& list)
 {
-    constexpr size_t lanes = kLanes;
-    const Vec<int32_t> tooLow = splat(centerThreshold - 1);
+    constexpr size_t lanes = Vec<S>::lanes;
+    const Vec<S> tooLow = splat(static_cast<S>(centerThreshold - 1));
     for (size_t x = 0; x < width; x += lanes) {
-        const Vec<int32_t> own = load(here + x);
+        const Vec<S> own = load(here + x);
         if (!any(greater(own, tooLow)))
             continue;
-        const auto most = [](Vec<int32_t> a, Vec<int32_t> b, Vec<int32_t> c, Vec<int32_t> d)
+        const auto most = [](Vec<S> a, Vec<S> b, Vec<S> c, Vec<S> d)
                               RVK_INLINE_LAMBDA { return max(max(a, b), max(c, d)); };
-        const Vec<int32_t> before = most(load(above + x - 1), load(above + x), load(above + x + 1), load(here + x - 1));
-        const Vec<int32_t> after = most(load(here + x + 1), load(below + x - 1), load(below + x), load(below + x + 1));
-        const Mask<int32_t> isCentre = greater(own, max(before, tooLow)) & ~greater(after, own);
+        const Vec<S> before = most(load(above + x - 1), load(above + x), load(above + x + 1), load(here + x - 1));
+        const Vec<S> after = most(load(here + x + 1), load(below + x - 1), load(below + x), load(below + x + 1));
+        const Mask<S> isCentre = greater(own, max(before, tooLow)) & ~greater(after, own);
+        if constexpr (isSame<S, uint16_t>)
+            if (any(equal(own, splat<uint16_t>(UINT16_MAX))))
+                return false;
         if (!any(isCentre))
             continue;
-        int32_t found[lanes];
+        S found[lanes];
         store(found, toVec(isCentre));
         for (size_t i = 0; i < lanes; ++i)
             if (found[i])
-                list.add(x + i, y, here[x + i]);
+                list.add(x + i, y, static_cast<uint32_t>(here[x + i]));
     }
+    return true;
 }
 
-// Adds all centres; `memory` is for four rows of cells.
-template <class T>
-RVK_NOINLINE void findCentres(const Cells<T>& votes, size_t width, uint32_t centerThreshold, int32_t* memory,
-                              CentreList& list)
+// Adds all centres; `memory` is for four rows of scores. False when scores do not fit.
+template <class S, class T>
+RVK_NOINLINE bool findCentres(const Cells<T>& votes, S centerThreshold, S* memory, CentreList& list)
 {
-    if (centerThreshold > INT32_MAX)
-        return;
-    const auto threshold = static_cast<int32_t>(centerThreshold);
-    __builtin_memset(memory, 0, 4 * votes.pitch * sizeof(int32_t));
-    const auto scoresOf = [&](size_t y) RVK_INLINE_LAMBDA { return memory + (y + 3) % 3 * votes.pitch + kLanes; };
-    int32_t* const sums = memory + 3 * votes.pitch + kLanes;
-    computeScores(votes, width, 0, sums, scoresOf(0));
+    const size_t width = votes.width, pitch = scorePitchOf<S>(width);
+    __builtin_memset(memory, 0, 4 * pitch * sizeof(S));
+    const auto scoresOf = [&](size_t y) RVK_INLINE_LAMBDA { return memory + (y + 3) % 3 * pitch + Vec<S>::lanes; };
+    S* const sums = memory + 3 * pitch + Vec<S>::lanes;
+    computeScores(votes, 0, sums, scoresOf(0));
     for (size_t y = 0; y < votes.height; ++y) {
         if (y + 1 < votes.height)
-            computeScores(votes, width, y + 1, sums, scoresOf(y + 1));
+            computeScores(votes, y + 1, sums, scoresOf(y + 1));
         else
-            __builtin_memset(scoresOf(y + 1), 0, width * sizeof(int32_t));
-        addCentres(scoresOf(y + 2), scoresOf(y), scoresOf(y + 1), width, y, threshold, list);
+            __builtin_memset(scoresOf(y + 1), 0, width * sizeof(S));
+        if (!addCentres(scoresOf(y + 2), scoresOf(y), scoresOf(y + 1), width, y, centerThreshold, list))
+            return false;
     }
+    return true;
 }
 
-// Distances to the nearest integer: d where d^2 - d < squared <= d^2 + d.
+template <class T>
+RVK_INLINE void findCentres(const Cells<T>& votes, uint32_t centerThreshold, void* memory, CentreList& list)
+{
+    list.count = 0;
+    if constexpr (isSame<T, uint16_t>) {
+        const auto threshold = static_cast<uint16_t>(centerThreshold);
+        if (threshold == centerThreshold && findCentres(votes, threshold, static_cast<uint16_t*>(memory), list))
+            return;
+        list.count = 0;
+    }
+    if (centerThreshold <= INT32_MAX)
+        findCentres(votes, static_cast<int32_t>(centerThreshold), static_cast<int32_t*>(memory), list);
+}
+
+// Distances, not 0, to the nearest integer: d where d^2 - d < squared <= d^2 + d.
 RVK_INLINE Vec<int32_t> rounded(Vec<int32_t> squared)
 {
-    const Vec<int32_t> guess = roundToInt(squareRoot(toFloat(squared))); // at most one off
+    const Vec<int32_t> guess = roundToInt(guessSquareRoot(toFloat(squared))); // at most one off
     const Vec<int32_t> square = guess * guess;
     const Vec<int32_t> isTooLarge = toVec(~greater(squared, square - guess));
     const Vec<int32_t> isTooSmall = toVec(greater(squared, square + guess));
     return guess + isTooLarge - isTooSmall; // masks are -1
 }
 
-// Adds the edge pixels at each distance; a vector of numbers behind counts[maxRadius - minRadius] gets those that do not
-// count.
-RVK_INLINE void countDistances(const PixelList& edges, size_t width, size_t height, const HoughCentre& centre,
-                               const CircleChoice& choice, uint32_t* counts)
+// Those below 256: as d^2 + d and d^2 + d + 1 are on either side of (d + 1/2)^2, with roots 1/1000 apart or more, a root
+// within 2^-19 is good enough.
+RVK_INLINE Vec<int32_t> roundedIfShort(Vec<int32_t> squared)
 {
-    using V = Vec<int32_t>;
-    const uint32_t reach = choice.maxRadius;
-    const size_t firstStrip = (centre.x > reach ? centre.x - reach : 0) / kWordBits;
-    const size_t lastStrip = least(size_t{centre.x} + reach, width - 1) / kWordBits;
-    const size_t firstRow = centre.y > reach ? centre.y - reach : 0;
-    const size_t endRow = least(size_t{centre.y} + reach + 1, height);
-    const auto minRadius = static_cast<int32_t>(choice.minRadius), maxRadius = static_cast<int32_t>(choice.maxRadius);
-    const V tooNear = splat(minRadius * minRadius - minRadius), farthest = splat(maxRadius * maxRadius + maxRadius);
-    const V aside = splat(maxRadius - minRadius + 1) + iota<int32_t>();
-    constexpr uint32_t most = 16 * kLanes;
-    const Vec<int16_t> origin = bitCast<int16_t>(splat(centre.x | centre.y << 16));
-    for (size_t strip = firstStrip; strip <= lastStrip; ++strip) {
-        const uint32_t end = edges.starts[strip * height + endRow];
-        for (uint32_t start = edges.starts[strip * height + firstRow]; start < end; start += most) {
-            int32_t places[most];
-            const auto count = static_cast<uint32_t>(least(most, end - start));
-            for (uint32_t i = 0; i < count; i += kLanes) {
-                const Vec<int16_t> offset = bitCast<int16_t>(load(edges.pixels + start + i)) - origin;
-                const V squared = dotPairs(offset, offset);
-                const Mask<int32_t> isInside = greater(squared, tooNear) & ~greater(squared, farthest) &
-                                               less(iota<int32_t>(), splat(static_cast<int32_t>(count - i)));
-                store(places + i, select(isInside, rounded(squared) - splat(minRadius), aside));
-            }
-            for (uint32_t i = 0; i < count; i += kLanes)
-                unrolled<kLanes>([&](auto j) RVK_INLINE_LAMBDA { ++counts[places[i + j]]; });
-        }
-    }
+    return roundToInt(guessSquareRoot(toFloat(squared)));
 }
 
-RVK_NOINLINE uint32_t chooseFrom(HoughCentre* centres, size_t nCentres, const PixelList& edges, size_t width,
-                                 size_t height, const CircleChoice& choice, uint32_t* counts, rvkCircle* circles,
-                                 uint32_t nCirclesMax)
+// How many edge pixels are at each distance from a centre.
+struct DistanceCounts
 {
-    return chooseCircles(centres, nCentres, choice, counts, circles, nCirclesMax,
-                         [&](const HoughCentre& centre, uint32_t* ofDistances)
-                             RVK_INLINE_LAMBDA { countDistances(edges, width, height, centre, choice, ofDistances); });
+    // Successive pixels of an edge, which may be at the same distance, count in different tables: an addition to what the
+    // one before it has just stored would wait for that.
+    static constexpr size_t kTables = 4;
+    static constexpr uint32_t kMost = 16 * kLanes; // pixels at a time
+
+    uint32_t* memory;
+    uint32_t minRadius, maxRadius;
+    size_t distances, pitch; // of a table: whole vectors, and with one for pixels that do not count
+
+    static RVK_INLINE size_t distancesOf(const CircleChoice& choice)
+    {
+        return roundedUp(choice.maxRadius - choice.minRadius + 1, kLanes);
+    }
+    static RVK_INLINE uint64_t sizeFor(const CircleChoice& choice)
+    {
+        return uint64_t{kTables} * (distancesOf(choice) + kLanes);
+    }
+    RVK_INLINE DistanceCounts(const CircleChoice& choice, uint32_t* tables)
+        : memory(tables), minRadius(choice.minRadius), maxRadius(choice.maxRadius), distances(distancesOf(choice)),
+          pitch(distances + kLanes)
+    {
+    }
+
+    template <class Round>
+    RVK_INLINE void add(const uint32_t* edges, const uint32_t* end, uint32_t centre, Round round) const
+    {
+        using V = Vec<int32_t>;
+        const auto from = static_cast<int32_t>(minRadius), to = static_cast<int32_t>(maxRadius);
+        const V tooNear = splat(from * from - from), farthest = splat(to * to + to);
+        const V aside = splat(static_cast<int32_t>(distances)) + iota<int32_t>();
+        const Vec<int16_t> origin = bitCast<int16_t>(splat(centre));
+        int32_t places[kMost + kLanes];
+        while (edges < end) {
+            int32_t* last = places;
+            for (size_t i = 0; i < kMost && edges < end; i += kLanes, edges += kLanes) {
+                const Vec<int16_t> offset = bitCast<int16_t>(load(edges)) - origin;
+                const V squared = dotPairs(offset, offset);
+                const Mask<int32_t> doCount = greater(squared, tooNear) & ~greater(squared, farthest) &
+                                              less(iota<int32_t>(), splat(static_cast<int32_t>(end - edges)));
+                last += storeChosen(last, round(squared) - splat(from), doCount, aside);
+            }
+            store(last, aside);
+            for (const int32_t* p = places; p < last; p += kTables)
+                unrolled<kTables>([&](auto i) RVK_INLINE_LAMBDA { ++memory[i * pitch + p[i]]; });
+        }
+    }
+
+    RVK_INLINE void count(const EdgeList& edges, size_t width, size_t height, const HoughCentre& centre) const
+    {
+        __builtin_memset(memory, 0, kTables * pitch * sizeof(uint32_t));
+        const size_t firstStrip = (centre.x > maxRadius ? centre.x - maxRadius : 0) / EdgeList::kStripWidth;
+        const size_t lastStrip = least(size_t{centre.x} + maxRadius, width - 1) / EdgeList::kStripWidth;
+        const size_t firstRow = centre.y > maxRadius ? centre.y - maxRadius : 0;
+        const size_t endRow = least(size_t{centre.y} + maxRadius + 1, height);
+        const bool areShort = maxRadius < 256;
+        for (size_t strip = firstStrip; strip <= lastStrip; ++strip) {
+            const uint32_t* const rows = edges.starts + strip * height;
+            const uint32_t *const first = edges.pixels + rows[firstRow], *const end = edges.pixels + rows[endRow];
+            const uint32_t at = centre.x | centre.y << 16;
+            if (areShort)
+                add(first, end, at, [](Vec<int32_t> squared) RVK_INLINE_LAMBDA { return roundedIfShort(squared); });
+            else
+                add(first, end, at, [](Vec<int32_t> squared) RVK_INLINE_LAMBDA { return rounded(squared); });
+        }
+    }
+
+    // Adds all tables to the first one. Returns the largest number.
+    RVK_INLINE uint32_t sum() const
+    {
+        Vec<uint32_t> most = zero<uint32_t>();
+        for (size_t i = 0; i < distances; i += kLanes) {
+            Vec<uint32_t> counts = load(memory + i);
+            unrolled<kTables - 1>([&](auto table)
+                                      RVK_INLINE_LAMBDA { counts = counts + load(memory + (table + 1) * pitch + i); });
+            store(memory + i, counts);
+            most = max(most, counts);
+        }
+        return reduceMax(most);
+    }
+};
+
+RVK_NOINLINE uint32_t chooseFrom(HoughCentre* centres, size_t nCentres, const EdgeList& edges, size_t width,
+                                 size_t height, const CircleChoice& choice, const DistanceCounts& counts,
+                                 rvkCircle* circles, uint32_t nCirclesMax)
+{
+    return chooseCircles(centres, nCentres, choice, circles, nCirclesMax,
+                         [&](const HoughCentre& centre) RVK_INLINE_LAMBDA {
+                             counts.count(edges, width, height, centre);
+                             if (counts.sum() < choice.centerThreshold)
+                                 return rvkCircle{centre.x, centre.y, 0, 0};
+                             return bestCircle(centre, choice, counts.memory);
+                         });
 }
 
 // The circles of edges; T counts the votes for a cell.
 template <class T>
-RVK_NOINLINE rvkStatus findCircles(size_t width, size_t height, Plane<const uint8_t> src, const PixelList& edges,
+RVK_NOINLINE rvkStatus findCircles(size_t width, size_t height, Plane<const uint8_t> src, const EdgeList& edges,
                                    uint32_t nEdges, const CircleChoice& choice, rvkCircle* circles,
                                    uint32_t nCirclesMax, uint32_t* nCircles)
 {
     constexpr size_t few = 4096;
-    const Scratch<T> cells(cellsOf(width, height));
-    const Scratch<int32_t> scores(4, cellPitchOf(width));
-    const Scratch<uint32_t> counts(uint64_t{choice.maxRadius} - choice.minRadius + 1 + kLanes);
+    const CellLayout layout(width, height, choice.maxRadius);
+    const Scratch<T> cells(layout.size());
+    const Scratch<int32_t> scores(4, scorePitchOf<int32_t>(roundedUp(width, kCells)));
+    const Scratch<uint32_t> counts(DistanceCounts::sizeFor(choice));
     const Scratch<HoughCentre> fewCentres(few);
     if (!cells || !scores || !counts || !fewCentres)
         return RAVIK_ENORES;
 
-    const Cells<T> votes = {cells.get(), cellPitchOf(width), height};
-    __builtin_memset(votes.data, 0, static_cast<size_t>(cellsOf(width, height)) * sizeof(T));
-    Ballot<T> ballot(votes);
-    for (uint32_t i = 0; i < nEdges; ++i) {
-        const uint32_t x = edges.pixels[i] & 0xffff, y = edges.pixels[i] >> 16;
-        castVotes(ballot, width, x, y, directionAt(width, height, src, x, y), choice);
-    }
-    ballot.tally();
+    const Cells<T> votes = {layout, cells.get()};
+    __builtin_memset(votes.data, 0, static_cast<size_t>(layout.size()) * sizeof(T));
+    castVotes(votes, src, edges.pixels, nEdges, choice);
 
     const auto choose = [&](const CentreList& list) {
-        *nCircles =
-            chooseFrom(list.centres, list.count, edges, width, height, choice, counts.get(), circles, nCirclesMax);
+        *nCircles = chooseFrom(list.centres, list.count, edges, width, height, choice,
+                               DistanceCounts(choice, counts.get()), circles, nCirclesMax);
         return RAVIK_SUCCESS;
     };
     CentreList list = {fewCentres.get(), few};
-    findCentres(votes, width, choice.centerThreshold, scores.get(), list);
+    findCentres(votes, choice.centerThreshold, scores.get(), list);
     if (list.count <= few)
         return choose(list);
     const Scratch<HoughCentre> manyCentres(list.count);
     if (!manyCentres)
         return RAVIK_ENORES;
     list = {manyCentres.get(), list.count};
-    findCentres(votes, width, choice.centerThreshold, scores.get(), list);
+    findCentres(votes, choice.centerThreshold, scores.get(), list);
     return choose(list);
 }
 
@@ -681,22 +900,23 @@ rvkStatus rvkHoughCircleu8V(const uint8_t* src, uint32_t srcWidth, uint32_t srcH
                                  centerThreshold, minDistance, circles, nCirclesMax, nCircles);
     const CircleChoice choice = circleChoice(srcWidth, srcHeight, minRadius, maxRadius, centerThreshold, minDistance);
     const size_t words = wordsOfRow(srcWidth);
-    const Scratch<uint8_t> edges(srcHeight, srcWidth);
     const Scratch<Word> bits(srcHeight, words);
-    const Scratch<uint32_t> starts(words * srcHeight + 1);
-    if (!edges || !bits || !starts)
+    const Scratch<uint32_t> starts(EdgeList::stripsOf(srcWidth) * srcHeight + 1);
+    if (!bits || !starts)
         return RAVIK_ENORES;
     const rvkStatus status =
-        rvkFilterCanny3x3u8_v3V(src, srcWidth, srcHeight, srcStride, edges.get(), srcWidth,
-                                static_cast<int32_t>(edgeThreshold / 2), static_cast<int32_t>(edgeThreshold));
+        findCannyEdgesV(src, srcWidth, srcHeight, srcStride, static_cast<int32_t>(edgeThreshold / 2),
+                        static_cast<int32_t>(edgeThreshold), bits.get());
     if (status != RAVIK_SUCCESS)
         return status;
-    const uint32_t nEdges = findPixels(srcWidth, srcHeight, {edges.get(), srcWidth}, bits.get(), words);
+    uint32_t nEdges = 0;
+    for (size_t i = 0; i < words * srcHeight; ++i)
+        nEdges += countBits(bits[i]);
     const Scratch<uint32_t> pixels(uint64_t{nEdges} + kLanes);
     if (!pixels)
         return RAVIK_ENORES;
-    const PixelList list = {pixels.get(), starts.get()};
-    listPixels(srcWidth, srcHeight, bits.get(), list);
+    const EdgeList list = {pixels.get(), starts.get()};
+    listEdges(srcWidth, srcHeight, bits.get(), list);
     // No edge pixel votes twice for a cell.
     const auto find = nEdges <= UINT16_MAX ? findCircles<uint16_t> : findCircles<uint32_t>;
     return find(srcWidth, srcHeight, {src, srcStride}, list, nEdges, choice, circles, nCirclesMax, nCircles);

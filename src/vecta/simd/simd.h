@@ -15,6 +15,8 @@
 //             loadMeans<T>(p), loadMeans<T>(p, q): u8, the rounded means of the bytes of each element of T, 8 or 16
 //             bits, with those of its neighbour; with q, of those and the two in the row there. load2Means ->
 //             Vecs<uint8_t, 2>: of pairs of bytes, the two apart
+//             storeChosen(p, v, mask, others): 32 bits, the true lanes without gaps, or, where the instruction set has
+//             no such thing, all lanes, those of `others` where false; returns how many. Writes a vector
 //             storeTwice<T>(p, v): u8, each element of T, 8 or 16 bits, twice; store2Twice(p, vs): each pair twice
 //             copyPastCaches(from, to, n): of what will not be found in the caches again; kWritesPastCaches: whether
 //             that is any different; storeInterleavedPastCaches(p, vs): store2, store3, store4 to an address of whole
@@ -147,6 +149,22 @@ RVK_INLINE Vec<int8_t> absDiff(Vec<int8_t> a, Vec<int8_t> b) { return max(a, b) 
 RVK_INLINE Vec<int16_t> absDiff(Vec<int16_t> a, Vec<int16_t> b) { return max(a, b) - min(a, b); }
 RVK_INLINE Vec<uint32_t> absDiff(Vec<uint32_t> a, Vec<uint32_t> b) { return max(a, b) - min(a, b); }
 #endif
+
+// The true lanes in their order, where the instruction set has that; otherwise all, of `others` where false. Returns how
+// many were stored; a whole vector is written.
+template <class T>
+    requires(sizeof(T) == 4)
+RVK_INLINE size_t storeChosen(T* p, Vec<T> v, Mask<T> mask, Vec<T> others)
+{
+#if defined(__AVX512BW__)
+    static_cast<void>(others);
+    store(p, vec<T>(_mm512_maskz_compress_epi32(mask.bits, reg(v)))); // to memory, some processors take long
+    return countBits(uint64_t{mask.bits});
+#else
+    store(p, select(mask, v, others));
+    return Vec<T>::lanes;
+#endif
+}
 
 // op over all lanes, for an operation whose order does not matter.
 template <size_t step, class T, class Op>
