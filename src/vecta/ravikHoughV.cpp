@@ -475,27 +475,34 @@ struct Ballot
 
     const Cells<T>& votes;
     Vec<int32_t> aside;
-    int32_t offsets[kMost];
+    int32_t *offsets, *end;
 
-    RVK_INLINE explicit Ballot(const Cells<T>& cells)
-        : votes(cells), aside(splat(static_cast<int32_t>(cells.aside())) + iota<int32_t>())
+    // Elements for kMost votes, those of a pixel, and two vectors; not a multiple of what makes addresses look alike.
+    static RVK_INLINE size_t sizeFor(const CircleChoice& choice)
+    {
+        return kMost + roundedUp(choice.maxRadius - choice.minRadius + 1, kLanes) + 3 * kLanes;
+    }
+
+    RVK_INLINE Ballot(const Cells<T>& cells, int32_t* memory)
+        : votes(cells), aside(splat(static_cast<int32_t>(cells.aside())) + iota<int32_t>()), offsets(memory),
+          end(memory)
     {
     }
 
-    // Where the next votes go: there is room for two vectors.
-    RVK_INLINE int32_t* makeRoom(int32_t* end) { return end > offsets + kMost - 3 * kLanes ? tally(end) : end; }
-    RVK_INLINE int32_t* add(int32_t* end, Vec<int32_t> cells, Mask<int32_t> doCount) const
+    // For the votes of a pixel.
+    RVK_INLINE void makeRoom()
     {
-        return end + storeChosen(end, cells, doCount, aside);
+        if (end > offsets + kMost)
+            tally();
     }
 
-    RVK_NOINLINE int32_t* tally(int32_t* end)
+    RVK_NOINLINE void tally()
     {
         T* const first = votes.row(0);
         store(end, aside);
         for (const int32_t* p = offsets; p < end; p += kLanes)
             unrolled<kLanes>([&](auto j) RVK_INLINE_LAMBDA { ++first[p[j]]; });
-        return offsets;
+        end = offsets;
     }
 };
 
@@ -505,19 +512,23 @@ struct Voters
 {
     using V = Vec<int32_t>;
 
-    Ballot<T>& ballot;
+    // Successive pixels are mostly on one edge: their votes on one side of it are for cells near each other, which are in
+    // the caches together.
+    Ballot<T>&along, &against;
     size_t width, height;
+    bool haveAllCells;
     uint32_t minRadius, maxRadius;
     V radii;                     // the first ones
     Mask<int32_t> areLastWithin; // of the last ones
     V pitch;
     uint32_t fraction; // these bits are not 0 in directions that have no cell halfway between two others
 
-    RVK_INLINE Voters(Ballot<T>& b, const CircleChoice& choice)
-        : ballot(b), width(b.votes.width), height(b.votes.height), minRadius(choice.minRadius),
-          maxRadius(choice.maxRadius), radii(splat(static_cast<int32_t>(minRadius)) + iota<int32_t>()),
+    RVK_INLINE Voters(Ballot<T>& a, Ballot<T>& b, const CircleChoice& choice)
+        : along(a), against(b), width(a.votes.width), height(a.votes.height), haveAllCells(a.votes.takesAllVotes),
+          minRadius(choice.minRadius), maxRadius(choice.maxRadius),
+          radii(splat(static_cast<int32_t>(minRadius)) + iota<int32_t>()),
           areLastWithin(less(iota<int32_t>(), splat(static_cast<int32_t>((maxRadius - minRadius) % kLanes + 1)))),
-          pitch(splat(static_cast<int32_t>(b.votes.pitch)))
+          pitch(splat(static_cast<int32_t>(a.votes.pitch)))
     {
         // r u is a multiple of 2^15, when it is, as r and u have 15 times the factor 2 together
         fraction = 1u << 15;
@@ -533,21 +544,21 @@ struct Voters
         const V half = splat<int32_t>(32768), uStep = splat(static_cast<int32_t>(kLanes) * u);
         const V vStep = splat(static_cast<int32_t>(kLanes) * v);
         V across = radii * splat(u) + half, down = radii * splat(v) + half; // in units of 2^-16
-        const Mask<int32_t> all = equal(half, half);
-        for (uint32_t start = minRadius;; start += kLanes) {
-            const bool isLast = maxRadius - start < kLanes;
-            if (!visit(shiftRight(across, 16), shiftRight(down, 16), isLast ? areLastWithin : all) || isLast)
+        for (uint32_t vectors = (maxRadius - minRadius) / kLanes; vectors > 0; --vectors) {
+            if (!visit(shiftRight(across, 16), shiftRight(down, 16), equal(half, half)))
                 return;
             across = across + uStep;
             down = down + vStep;
         }
+        visit(shiftRight(across, 16), shiftRight(down, 16), areLastWithin);
     }
 
     // As far as they stay in the picture.
-    RVK_NOINLINE int32_t* castInside(int32_t* end, int32_t x, int32_t y, int32_t u, int32_t v) const
+    RVK_NOINLINE void castInside(Ballot<T>& ballot, int32_t x, int32_t y, int32_t u, int32_t v) const
     {
         const auto columns = splat(static_cast<uint32_t>(width)), rows = splat(static_cast<uint32_t>(height));
         V previous = splat<int32_t>(-1);
+        ballot.makeRoom();
         walk(u, v, [&](V column, V row, Mask<int32_t> doCount) RVK_INLINE_LAMBDA {
             column = column + splat(x);
             row = row + splat(y);
@@ -556,27 +567,30 @@ struct Voters
             const Mask<uint32_t> isInside =
                 less(bitCast<uint32_t>(column), columns) & less(bitCast<uint32_t>(row), rows);
             previous = cells;
-            end = ballot.add(ballot.makeRoom(end), cells, Mask<int32_t>{isInside.bits} & doCount & ~isSame);
+            ballot.end +=
+                storeChosen(ballot.end, cells, Mask<int32_t>{isInside.bits} & doCount & ~isSame, ballot.aside);
             return any(isInside);
         });
-        return end;
     }
 
-    // Along a direction and against it, where the cells mirror each other and are all there.
-    RVK_INLINE int32_t* castMirrored(int32_t* end, int32_t x, int32_t y, int32_t u, int32_t v) const
+    // On both sides, where the cells mirror each other and are all there.
+    RVK_INLINE void castMirrored(int32_t x, int32_t y, int32_t u, int32_t v) const
     {
-        const V here = splat(y * static_cast<int32_t>(ballot.votes.pitch) + x);
+        const V here = splat(y * static_cast<int32_t>(along.votes.pitch) + x);
         V previous = splat<int32_t>(INT32_MAX);
+        along.makeRoom();
+        against.makeRoom();
+        int32_t *alongEnd = along.end, *againstEnd = against.end;
         walk(u, v, [&](V column, V row, Mask<int32_t> doCount) RVK_INLINE_LAMBDA {
             const V cells = row * pitch + column;
             doCount = doCount & ~equal(cells, extract<kLanes - 1>(previous, cells));
             previous = cells;
-            end = ballot.makeRoom(end);
-            end = ballot.add(end, here + cells, doCount);
-            end = ballot.add(end, here - cells, doCount);
+            alongEnd += storeChosen(alongEnd, here + cells, doCount, along.aside);
+            againstEnd += storeChosen(againstEnd, here - cells, doCount, against.aside);
             return true;
         });
-        return end;
+        along.end = alongEnd;
+        against.end = againstEnd;
     }
 
     // Halves are rounded up on either side.
@@ -592,23 +606,25 @@ struct Voters
         return at >= reach && at + reach < size;
     }
 
-    RVK_INLINE int32_t* cast(int32_t* end, int32_t x, int32_t y, HoughDirection d) const
+    RVK_INLINE void cast(int32_t x, int32_t y, HoughDirection d) const
     {
-        const bool areAllThere = ballot.votes.takesAllVotes || (isInside(x, d.u, width) && isInside(y, d.v, height));
-        if (areAllThere && !isHalfway(d.u) && !isHalfway(d.v))
-            return castMirrored(end, x, y, d.u, d.v);
-        return castInside(castInside(end, x, y, d.u, d.v), x, y, -d.u, -d.v);
+        const bool areAllThere = haveAllCells || (isInside(x, d.u, width) && isInside(y, d.v, height));
+        if (areAllThere && !isHalfway(d.u) && !isHalfway(d.v)) {
+            castMirrored(x, y, d.u, d.v);
+        } else {
+            castInside(along, x, y, d.u, d.v);
+            castInside(against, x, y, -d.u, -d.v);
+        }
     }
 };
 
 template <class T>
 RVK_NOINLINE void castVotes(const Cells<T>& votes, Plane<const uint8_t> src, const uint32_t* edges, uint32_t nEdges,
-                            const CircleChoice& choice)
+                            const CircleChoice& choice, int32_t* memory)
 {
-    Ballot<T> ballot(votes);
-    const Voters<T> voters(ballot, choice);
+    Ballot<T> along(votes, memory), against(votes, memory + Ballot<T>::sizeFor(choice));
+    const Voters<T> voters(along, against, choice);
     Directions some;
-    int32_t* end = ballot.offsets;
     for (uint32_t start = 0; start < nEdges; start += Directions::kMost) {
         const size_t count = least(nEdges - start, Directions::kMost);
         const uint32_t* const pixels = edges + start;
@@ -616,10 +632,11 @@ RVK_NOINLINE void castVotes(const Cells<T>& votes, Plane<const uint8_t> src, con
             storeGradient(votes.width, votes.height, src, pixels[i], some.gradients + 2 * i);
         some.compute(count);
         for (size_t i = 0; i < count; ++i)
-            end = voters.cast(end, static_cast<int32_t>(pixels[i] & 0xffff), static_cast<int32_t>(pixels[i] >> 16),
-                              some.directions[i]);
+            voters.cast(static_cast<int32_t>(pixels[i] & 0xffff), static_cast<int32_t>(pixels[i] >> 16),
+                        some.directions[i]);
     }
-    ballot.tally(end);
+    along.tally();
+    against.tally();
     votes.clearSurroundings();
 }
 
@@ -811,18 +828,28 @@ struct DistanceCounts
         __builtin_memset(memory, 0, kTables * pitch * sizeof(uint32_t));
         const size_t firstStrip = (centre.x > maxRadius ? centre.x - maxRadius : 0) / EdgeList::kStripWidth;
         const size_t lastStrip = least(size_t{centre.x} + maxRadius, width - 1) / EdgeList::kStripWidth;
-        const size_t firstRow = centre.y > maxRadius ? centre.y - maxRadius : 0;
-        const size_t endRow = least(size_t{centre.y} + maxRadius + 1, height);
         const bool areShort = maxRadius < 256;
         for (size_t strip = firstStrip; strip <= lastStrip; ++strip) {
+            const uint32_t reach = reachIn(strip, centre.x);
             const uint32_t* const rows = edges.starts + strip * height;
-            const uint32_t *const first = edges.pixels + rows[firstRow], *const end = edges.pixels + rows[endRow];
+            const uint32_t* const first = edges.pixels + rows[centre.y > reach ? centre.y - reach : 0];
+            const uint32_t* const end = edges.pixels + rows[least(size_t{centre.y} + reach + 1, height)];
             const uint32_t at = centre.x | centre.y << 16;
             if (areShort)
                 add(first, end, at, [](Vec<int32_t> squared) RVK_INLINE_LAMBDA { return roundedIfShort(squared); });
             else
                 add(first, end, at, [](Vec<int32_t> squared) RVK_INLINE_LAMBDA { return rounded(squared); });
         }
+    }
+
+    // How many rows above and below a centre at column x a strip has pixels that count.
+    RVK_INLINE uint32_t reachIn(size_t strip, uint32_t x) const
+    {
+        const auto first = static_cast<uint32_t>(strip * EdgeList::kStripWidth);
+        const auto last = static_cast<uint32_t>(first + EdgeList::kStripWidth - 1);
+        const uint32_t beside = x < first ? first - x : x > last ? x - last : 0;
+        const uint32_t squared = maxRadius * maxRadius + maxRadius - beside * beside;
+        return static_cast<uint32_t>(__builtin_sqrtf(static_cast<float>(squared))) + 1;
     }
 
     // Adds all tables to the first one. Returns the largest number.
@@ -865,12 +892,13 @@ RVK_NOINLINE rvkStatus findCircles(size_t width, size_t height, Plane<const uint
     const Scratch<int32_t> scores(4, scorePitchOf<int32_t>(roundedUp(width, kCells)));
     const Scratch<uint32_t> counts(DistanceCounts::sizeFor(choice));
     const Scratch<HoughCentre> fewCentres(few);
-    if (!cells || !scores || !counts || !fewCentres)
+    const Scratch<int32_t> ballots(2, Ballot<T>::sizeFor(choice));
+    if (!ballots || !cells || !scores || !counts || !fewCentres)
         return RAVIK_ENORES;
 
     const Cells<T> votes = {layout, cells.get()};
     __builtin_memset(votes.data, 0, static_cast<size_t>(layout.size()) * sizeof(T));
-    castVotes(votes, src, edges.pixels, nEdges, choice);
+    castVotes(votes, src, edges.pixels, nEdges, choice, ballots.get());
 
     const auto choose = [&](const CentreList& list) {
         *nCircles = chooseFrom(list.centres, list.count, edges, width, height, choice,
