@@ -309,10 +309,11 @@ rvkStatus rvkHoughCircleu8C(const uint8_t* src, uint32_t srcWidth, uint32_t srcH
         return RAVIK_ENORES;
     nCentres = 0;
     forEachCentre(scores, centerThreshold, [&](const HoughCentre& centre) { centres[nCentres++] = centre; });
-    *nCircles = chooseCircles(centres.get(), nCentres, choice, counts.get(), circles, nCirclesMax,
-                              [&](const HoughCentre& centre, uint32_t* ofDistances) {
-                                  countDistances(edges, srcWidth, srcHeight, centre, choice, ofDistances);
-                              });
+    *nCircles = chooseCircles(centres.get(), nCentres, choice, circles, nCirclesMax, [&](const HoughCentre& centre) {
+        std::fill_n(counts.get(), choice.maxRadius - choice.minRadius + 1, 0u);
+        countDistances(edges, srcWidth, srcHeight, centre, choice, counts.get());
+        return bestCircle(centre, choice, counts.get());
+    });
     return RAVIK_SUCCESS;
 }
 

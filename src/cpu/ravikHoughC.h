@@ -91,20 +91,18 @@ bool isFarEnough(const HoughCentre& centre, const rvkCircle* circles, uint32_t c
 // The radius of the best support: counts[i] edge pixels are at a distance of minRadius + i.
 rvkCircle bestCircle(const HoughCentre& centre, const CircleChoice& choice, const uint32_t* counts);
 
-// The circles around centres, which are put in order. countDistances(centre, counts) adds the edge pixels to counts[i]
-// that are at a distance of minRadius + i from a centre. Returns how many circles there are.
-template <class CountDistances>
-uint32_t chooseCircles(HoughCentre* centres, size_t nCentres, const CircleChoice& choice, uint32_t* counts,
-                       rvkCircle* circles, uint32_t nCirclesMax, CountDistances countDistances)
+// The circles around centres, which are put in order. findCircle(centre) gives the best one around a centre. Returns how
+// many circles there are.
+template <class FindCircle>
+uint32_t chooseCircles(HoughCentre* centres, size_t nCentres, const CircleChoice& choice, rvkCircle* circles,
+                       uint32_t nCirclesMax, FindCircle findCircle)
 {
     sortCentres(centres, nCentres);
     uint32_t found = 0;
     for (size_t i = 0; i < nCentres && found < nCirclesMax; ++i) {
         if (!isFarEnough(centres[i], circles, found, choice.minDistance))
             continue;
-        __builtin_memset(counts, 0, (size_t{choice.maxRadius - choice.minRadius} + 1) * sizeof(uint32_t));
-        countDistances(centres[i], counts);
-        const rvkCircle circle = bestCircle(centres[i], choice, counts);
+        const rvkCircle circle = findCircle(centres[i]);
         if (circle.support >= choice.centerThreshold)
             circles[found++] = circle;
     }

@@ -2,6 +2,8 @@
 //
 // Thinning leaves two bits of a pixel. Then the edges grow through the candidates, a machine word of pixels at a time,
 // and the bits become bytes.
+#include "vecta/ravikCannyV.h"
+
 #include "scratch.h"
 #include "vecta/simd/bitRows.h"
 #include "vecta/simd/thinning.h"
@@ -107,10 +109,29 @@ RVK_INLINE void expandBits(size_t width, const uint8_t* bits, uint8_t* dst)
 
 // ---- the detector --------------------------------------------------------------------------------------------------
 
+// Where edges go: to bytes or, where there are none, to bits.
+struct EdgeOutput
+{
+    Plane<uint8_t> bytes;
+    Word* bits;
+
+    RVK_INLINE void take(const EdgeMap& map, size_t width, size_t height) const
+    {
+        const size_t words = wordsOfRow(width);
+        for (size_t y = 0; y < height; ++y) {
+            const uint8_t* const row = map.row(map.edges, y);
+            if (bytes.data)
+                expandBits(width, row, bytes.row(y));
+            else
+                __builtin_memcpy(bits + y * words, row, words * sizeof(Word));
+        }
+    }
+};
+
 // M holds magnitudes: 16 bits their sums, 32 bits those of squares. dx and dy may have no data: then nobody wants them.
 template <int radius, class M>
 RVK_NOINLINE rvkStatus detect(size_t width, size_t height, Plane<const uint8_t> src, CannyThresholds thresholds,
-                              Plane<uint8_t> dst, Plane<int16_t> dx, Plane<int16_t> dy)
+                              EdgeOutput dst, Plane<int16_t> dx, Plane<int16_t> dy)
 {
     const uint64_t words = EdgeMap::wordsOf(width, height);
     const Scratch<Word> bits(3, words);
@@ -131,8 +152,7 @@ RVK_NOINLINE rvkStatus detect(size_t width, size_t height, Plane<const uint8_t> 
     if (!thin<radius, M>(width, height, src, thresholds, takeGradient, bitsOf, takeRidges))
         return RAVIK_ENORES;
     map.track();
-    for (size_t y = 0; y < height; ++y)
-        expandBits(width, map.row(map.edges, y), dst.row(y));
+    dst.take(map, width, height);
     return RAVIK_SUCCESS;
 }
 
@@ -142,7 +162,15 @@ rvkStatus rvkFilterCanny3x3u8_v3V(const uint8_t* src, uint32_t srcWidth, uint32_
                                   uint8_t* dst, uint32_t dstStride, int32_t lowThreshold, int32_t highThreshold)
 {
     return detect<1, int16_t>(srcWidth, srcHeight, {src, srcStride},
-                              cannyThresholds(lowThreshold, highThreshold, 3, false), {dst, dstStride}, {}, {});
+                              cannyThresholds(lowThreshold, highThreshold, 3, false), {{dst, dstStride}, nullptr}, {},
+                              {});
+}
+
+rvkStatus findCannyEdgesV(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
+                          int32_t lowThreshold, int32_t highThreshold, size_t* edges)
+{
+    return detect<1, int16_t>(srcWidth, srcHeight, {src, srcStride},
+                              cannyThresholds(lowThreshold, highThreshold, 3, false), {{}, edges}, {}, {});
 }
 
 rvkStatus rvkFilterCannyu8V(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
@@ -153,7 +181,8 @@ rvkStatus rvkFilterCannyu8V(const uint8_t* src, uint32_t srcWidth, uint32_t srcH
     const auto run = [&](auto function) {
         return function(srcWidth, srcHeight, Plane<const uint8_t>{src, srcStride},
                         cannyThresholds(lowThreshold, highThreshold, apertureSize, squared),
-                        Plane<uint8_t>{dst, dstStride}, Plane<int16_t>{dx, dxyStride}, Plane<int16_t>{dy, dxyStride});
+                        EdgeOutput{{dst, dstStride}, nullptr}, Plane<int16_t>{dx, dxyStride},
+                        Plane<int16_t>{dy, dxyStride});
     };
     switch (apertureSize) {
     case 3:

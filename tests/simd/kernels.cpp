@@ -495,6 +495,46 @@ SimdGroup single()
                 const int16_t *a = in + 2 * i, *b = a + kLanes<int16_t>;
                 return static_cast<uint32_t>(a[0] * b[0]) + static_cast<uint32_t>(a[1] * b[1]);
             }),
+        mapping<int16_t, int32_t, 2 * kLanes<int16_t>, kLanes<int32_t>>(
+            "addNeighboursTo",
+            [](const int16_t* in, int32_t* out) {
+                store(out, addNeighboursTo(bitCast<int32_t>(load(in + kLanes<int16_t>)), load(in)));
+            },
+            [](const int16_t* in, size_t i) {
+                const uint16_t* acc = reinterpret_cast<const uint16_t*>(in) + kLanes<int16_t> + 2 * i;
+                return (acc[0] | static_cast<uint32_t>(acc[1]) << 16) +
+                       static_cast<uint32_t>(in[2 * i] + in[2 * i + 1]);
+            }),
+        mapping<uint16_t, int32_t, kLanes<uint16_t>, kLanes<int32_t>>(
+            "addWeightedHalves",
+            [](const uint16_t* in, int32_t* out) {
+                const Vec<uint32_t> halves = shiftRight(bitCast<uint32_t>(load(in)), 2) & splat(0x3fff3fffu);
+                store(out, addWeightedHalves(addWeightedHalves(splat<int32_t>(5), halves, HalfWeights(65535, -65535)),
+                                             halves, HalfWeights(-65536, 32767)));
+            },
+            [](const uint16_t* in, size_t i) {
+                return 5 + (65535 - 65536) * ((in[2 * i] | in[2 * i + 1] << 16) >> 2 & 0x3fff) +
+                       (32767 - 65535) * (in[2 * i + 1] >> 2);
+            }),
+        mapping<int32_t, int32_t, kLanes<int32_t>, kLanes<int32_t>>(
+            "storeChosen", // of others, 0, none may be left
+            [](const int32_t* in, int32_t* out) {
+                const Vec<int32_t> v = load(in);
+                int32_t chosen[kLanes<int32_t>];
+                const size_t count = storeChosen(chosen, v, less(v, zero<int32_t>()), zero<int32_t>());
+                size_t n = 0;
+                for (size_t i = 0; i < count; ++i)
+                    if (chosen[i] != 0)
+                        out[n++] = chosen[i];
+                while (n < kLanes<int32_t>)
+                    out[n++] = 0;
+            },
+            [](const int32_t* in, size_t i) {
+                for (size_t k = 0; k < kLanes<int32_t>; ++k)
+                    if (in[k] < 0 && i-- == 0)
+                        return in[k];
+                return 0;
+            }),
         mapping<int8_t, int32_t, 2 * kLanes<int16_t>, kLanes<int32_t>>(
             "addDotOfPairs",
             [](const int8_t* in, int32_t* out) {
@@ -1302,6 +1342,16 @@ SimdGroup doubles()
             [](const float* in, size_t i) {
                 const double x = in[i / 2 * 2], y = in[i / 2 * 2 + 1];
                 return i % 2 ? x / y - y : x * y + x;
+            })),
+        calculation(mapping<float, float, 2 * n, 2 * n>(
+            "doubles: squareRoot",
+            [](const float* in, float* out) {
+                const DoublePoints<2> p = loadPoints<2>(in);
+                storePoints(out, {squareRoot(abs(p[0])), squareRoot(p[1] * p[1])});
+            },
+            [](const float* in, size_t i) {
+                const double v = in[i];
+                return __builtin_sqrt(i % 2 ? v * v : __builtin_fabs(v));
             })),
         calculation(mapping<float, float, 2 * n, 2 * n>(
             "doubles: comparisons, select, abs",

@@ -27,6 +27,7 @@ RVK_INLINE bool any(DoubleMask m) { return m.bits; }
 RVK_INLINE bool all(DoubleMask m) { return m.bits; }
 RVK_INLINE DoubleMask operator~(DoubleMask m) { return {!m.bits}; }
 RVK_INLINE Doubles abs(Doubles a) { return {__builtin_fabs(a.raw)}; }
+RVK_INLINE Doubles squareRoot(Doubles a) { return {__builtin_sqrt(a.raw)}; }
 
 #else
 
@@ -45,6 +46,11 @@ struct DoubleMask {
 RVK_INLINE Doubles splatDouble(double x) { return {x - Doubles::Raw{}}; }
 RVK_INLINE DoubleMask operator~(DoubleMask m) { return {~m.bits}; }
 RVK_INLINE Doubles abs(Doubles a) { return {(Doubles::Raw)((DoubleMask::Raw)a.raw & INT64_MAX)}; }
+#if defined(__x86_64__)
+RVK_INLINE Doubles squareRoot(Doubles a) { return {(Doubles::Raw)RVK_MM(sqrt_pd)(a.raw)}; }
+#else
+RVK_INLINE Doubles squareRoot(Doubles a) { return {(Doubles::Raw)vsqrtq_f64(a.raw)}; }
+#endif
 
 // A bit for each true lane.
 RVK_INLINE unsigned laneBits(DoubleMask m)

@@ -495,6 +495,17 @@ RVK_INLINE Vec<int32_t> dotPairs(Vec<int16_t> a, Vec<int16_t> b)
 #endif
 }
 
+// Sums of the lower and the upper 16 bits of each element, below 2^14, by weights of at most 2^16 without their sign.
+struct HalfWeights {
+    Vec<int32_t> low, high;
+
+    RVK_INLINE HalfWeights(int32_t ofLow, int32_t ofHigh) : low(splat(ofLow)), high(splat(ofHigh)) {}
+};
+RVK_INLINE Vec<int32_t> addWeightedHalves(Vec<int32_t> acc, Vec<uint32_t> v, const HalfWeights& weights)
+{
+    return acc + bitCast<int32_t>(v & splat(0xffffu)) * weights.low + bitCast<int32_t>(shiftRight(v, 16)) * weights.high;
+}
+
 // acc + p[2i] * q[2i] + p[2i + 1] * q[2i + 1] of 8 bytes.
 RVK_INLINE Vec<int32_t> addDotOfPairs(Vec<int32_t> acc, const int8_t* p, const int8_t* q)
 {
@@ -789,7 +800,11 @@ RVK_INLINE Vec<uint32_t> addBytesTo(Vec<uint32_t> acc, Vec<uint8_t> v)
 }
 
 RVK_INLINE Vec<uint32_t> addTo(Vec<uint32_t> acc, Vec<uint16_t> v) { return vec(vpadalq_u16(reg(acc), reg(v))); }
-RVK_INLINE Vec<int32_t> addTo(Vec<int32_t> acc, Vec<int16_t> v) { return vec(vpadalq_s16(reg(acc), reg(v))); }
+RVK_INLINE Vec<int32_t> addNeighboursTo(Vec<int32_t> acc, Vec<int16_t> v)
+{
+    return vec(vpadalq_s16(reg(acc), reg(v)));
+}
+RVK_INLINE Vec<int32_t> addTo(Vec<int32_t> acc, Vec<int16_t> v) { return addNeighboursTo(acc, v); }
 RVK_INLINE Vec<uint64_t> addTo(Vec<uint64_t> acc, Vec<uint32_t> v) { return vec(vpadalq_u32(reg(acc), reg(v))); }
 RVK_INLINE Vec<int64_t> addTo(Vec<int64_t> acc, Vec<int32_t> v) { return vec(vpadalq_s32(reg(acc), reg(v))); }
 

@@ -15,6 +15,8 @@
 //             loadMeans<T>(p), loadMeans<T>(p, q): u8, the rounded means of the bytes of each element of T, 8 or 16
 //             bits, with those of its neighbour; with q, of those and the two in the row there. load2Means ->
 //             Vecs<uint8_t, 2>: of pairs of bytes, the two apart
+//             storeChosen(p, v, mask, others): 32 bits, the true lanes without gaps, or, where the instruction set has
+//             no such thing, all lanes, those of `others` where false; returns how many. Writes a vector
 //             storeTwice<T>(p, v): u8, each element of T, 8 or 16 bits, twice; store2Twice(p, vs): each pair twice
 //             copyPastCaches(from, to, n): of what will not be found in the caches again; kWritesPastCaches: whether
 //             that is any different; storeInterleavedPastCaches(p, vs): store2, store3, store4 to an address of whole
@@ -57,6 +59,8 @@
 //             multiplyWide(a, b) -> Vecs<Wider, 2>: 8 and 16 bits; multiplyHigh: the upper halves of products, 16 bits
 //             dotPairs(a, b): s16 -> s32, a[2i] * b[2i] + a[2i + 1] * b[2i + 1]
 //             addDotOfPairs(acc, p, q): s32 and as many s8 in memory as a vector has s16: acc + dotPairs
+//             addWeightedHalves(acc, v, HalfWeights(low, high)): u32 -> s32, acc + the lower 16 bits of each element, by
+//             low, + the upper ones, by high, halves below 2^14, weights at most 2^16 without their sign
 //             dot(a, b): two vectors of s16 each -> s32, a[0] * b[0] + a[1] * b[1], element by element
 //             multiplyQ15<factor>(v): s16, v * factor / 2^15, rounded down; multiplyQ8(a, b): u16, (a * b + 128) / 2^8,
 //             saturated
@@ -80,8 +84,8 @@
 //             the row, of the n * kWindow bytes from offsets[w] on those with these indices; n is 1 or 2
 // Scattered   gatherBytes, gatherPairs(p, split offsets below 2^31) -> u16: the byte, or the two bytes, at p + offset;
 //             kGatherReach: bytes from there on that may be read, 2 or more. gatherWords(p, offsets) -> u32: four bytes
-// Sums        addNeighbours(v), addNeighboursTo(acc, v): u8 to u16, v[2i] + v[2i + 1]; addNeighboursInLanes(a, b): of
-//             u16 below 2^15
+// Sums        addNeighbours(v): u8 to u16, v[2i] + v[2i + 1]; addNeighboursTo(acc, v): u8 to u16, s16 to s32;
+//             addNeighboursInLanes(a, b): of u16 below 2^15
 //             addBytesTo(acc u32, u8), addTo(acc, v) for u16 to u32, s16 to s32, u32 to u64, s32 to s64: each element
 //             of v is added to some lane of acc; reduceAdd(v): exact for u8, u16 and s16, wrapping for 32 and 64 bits
 //             addDot(acc, a, b): u8, s8: each product is added to some lane of acc, 32 bits, which wrap. In two parts,
@@ -145,6 +149,22 @@ RVK_INLINE Vec<int8_t> absDiff(Vec<int8_t> a, Vec<int8_t> b) { return max(a, b) 
 RVK_INLINE Vec<int16_t> absDiff(Vec<int16_t> a, Vec<int16_t> b) { return max(a, b) - min(a, b); }
 RVK_INLINE Vec<uint32_t> absDiff(Vec<uint32_t> a, Vec<uint32_t> b) { return max(a, b) - min(a, b); }
 #endif
+
+// The true lanes in their order, where the instruction set has that; otherwise all, of `others` where false. Returns how
+// many were stored; a whole vector is written.
+template <class T>
+    requires(sizeof(T) == 4)
+RVK_INLINE size_t storeChosen(T* p, Vec<T> v, Mask<T> mask, Vec<T> others)
+{
+#if defined(__AVX512BW__)
+    static_cast<void>(others);
+    store(p, vec<T>(_mm512_maskz_compress_epi32(mask.bits, reg(v)))); // to memory, some processors take long
+    return countBits(uint64_t{mask.bits});
+#else
+    store(p, select(mask, v, others));
+    return Vec<T>::lanes;
+#endif
+}
 
 // op over all lanes, for an operation whose order does not matter.
 template <size_t step, class T, class Op>

@@ -207,6 +207,26 @@ RVK_INLINE Vec<int32_t> dotPairs(Vec<int16_t> a, Vec<int16_t> b)
     return vec<int32_t>(RVK_MM(madd_epi16)(reg(a), reg(b)));
 }
 
+// Sums of the lower and the upper 16 bits of each element, below 2^14, by weights of at most 2^16 without their sign: the
+// halves twice by one weight of 16 bits, and once by another one.
+struct HalfWeights {
+    Vec<int16_t> twice, once;
+
+    RVK_INLINE HalfWeights(int32_t low, int32_t high)
+        : twice(bitCast<int16_t>(splat(pair(low / 3, high / 3)))),
+          once(bitCast<int16_t>(splat(pair(low - low / 3 * 2, high - high / 3 * 2))))
+    {
+    }
+    static RVK_INLINE uint32_t pair(int32_t low, int32_t high)
+    {
+        return (static_cast<uint32_t>(low) & 0xffff) | static_cast<uint32_t>(high) << 16;
+    }
+};
+RVK_INLINE Vec<int32_t> addWeightedHalves(Vec<int32_t> acc, Vec<uint32_t> v, const HalfWeights& weights)
+{
+    return acc + dotPairs(bitCast<int16_t>(v), weights.once) + dotPairs(bitCast<int16_t>(v + v), weights.twice);
+}
+
 // |a - b| where a - b fits 16 bits.
 RVK_INLINE Vec<int16_t> distance(Vec<int16_t> a, Vec<int16_t> b) { return abs(a - b); }
 
@@ -243,7 +263,15 @@ RVK_INLINE Vec<float> closeReciprocal(Vec<float> v)
     return r * (splat(2.0f) - v * r);
 #endif
 }
-RVK_INLINE Vec<float> guessSquareRoot(Vec<float> v) { return squareRoot(v); }
+RVK_INLINE Vec<float> guessSquareRoot(Vec<float> v)
+{
+#if RVK_AVX512 // whose roots take four times as long as those of 128 bits
+    const Vec<float> r = vec(_mm512_rsqrt14_ps(floatReg(v))), root = v * r;
+    return root * vec(_mm512_fnmadd_ps(floatReg(root * splat(0.5f)), floatReg(r), floatReg(splat(1.5f))));
+#else
+    return squareRoot(v);
+#endif
+}
 
 RVK_INLINE Vec<float> toFloat(Vec<int32_t> v) { return vec(RVK_MM(cvtepi32_ps)(reg(v))); }
 RVK_INLINE Vec<float> toFloat(Vec<uint32_t> v) { return toFloat(bitCast<int32_t>(v)); }
@@ -1022,10 +1050,11 @@ RVK_INLINE Vec<uint32_t> addTo(Vec<uint32_t> acc, Vec<uint16_t> v)
     return acc + (pairs & splat<uint32_t>(0xffff)) + shiftRight(pairs, 16);
 }
 
-RVK_INLINE Vec<int32_t> addTo(Vec<int32_t> acc, Vec<int16_t> v)
+RVK_INLINE Vec<int32_t> addNeighboursTo(Vec<int32_t> acc, Vec<int16_t> v)
 {
     return acc + dotPairs(v, splat<int16_t>(1));
 }
+RVK_INLINE Vec<int32_t> addTo(Vec<int32_t> acc, Vec<int16_t> v) { return addNeighboursTo(acc, v); }
 
 RVK_INLINE Vec<uint64_t> addTo(Vec<uint64_t> acc, Vec<uint32_t> v)
 {
