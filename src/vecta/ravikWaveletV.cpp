@@ -1,7 +1,7 @@
 // Vector implementations of the 5/3 and Haar wavelets. Both walk a picture by pairs of rows, once; what has to be
 // transposed goes through strips that stay in the caches.
 #include "scratch.h"
-#include "vecta/simd/rows.h"
+#include "vecta/simd/tiles.h"
 #include "vecta/vecta.h"
 
 #include <ravik/frequency.h>
@@ -362,30 +362,40 @@ RVK_INLINE size_t twice(size_t n)
     return 2 * n;
 }
 
+// The coefficients of pairs of columns: of their rows' sums, and of their differences.
+struct HaarPairs
+{
+    Samples lowLow, highLow, lowHigh, highHigh; // HL is highLow: what is high along the rows
+
+    RVK_INLINE HaarPairs(Vec<uint8_t> top, Vec<uint8_t> bottom)
+    {
+        const auto sums = [](Vec<uint8_t> v) RVK_INLINE_LAMBDA { return bitCast<int16_t>(addNeighbours(v)); };
+        const Samples sumTop = sums(top), sumBottom = sums(bottom);
+        const Samples differenceTop = subtractNeighbours(top), differenceBottom = subtractNeighbours(bottom);
+        lowLow = sumTop + sumBottom;
+        highLow = differenceTop + differenceBottom;
+        lowHigh = sumTop - sumBottom;
+        highHigh = differenceTop - differenceBottom;
+    }
+};
+
 RVK_INLINE void analyseRows(const uint8_t* top, const uint8_t* bottom, size_t half, HaarRows<int16_t> dst)
 {
-    const auto pixels = [](const uint8_t* p, auto n) RVK_INLINE_LAMBDA { return bitCast<uint16_t>(loadSome(p, n)); };
-    const auto left = [](Vec<uint16_t> pairs)
-                          RVK_INLINE_LAMBDA { return bitCast<int16_t>(pairs & splat<uint16_t>(255)); };
-    const auto right = [](Vec<uint16_t> pairs) RVK_INLINE_LAMBDA { return bitCast<int16_t>(shiftRight(pairs, 8)); };
     forVectors(half, [&](size_t x, auto n) RVK_INLINE_LAMBDA {
-        const Vec<uint16_t> ab = pixels(top + 2 * x, twice(n)), cd = pixels(bottom + 2 * x, twice(n));
-        const Samples sumTop = left(ab) + right(ab), differenceTop = left(ab) - right(ab);
-        const Samples sumBottom = left(cd) + right(cd), differenceBottom = left(cd) - right(cd);
-        storeSome(dst.low + x, sumTop + sumBottom, n);
-        storeSome(dst.low + half + x, differenceTop + differenceBottom, n);
-        storeSome(dst.high + x, sumTop - sumBottom, n);
-        storeSome(dst.high + half + x, differenceTop - differenceBottom, n);
+        const HaarPairs pairs(loadSome(top + 2 * x, twice(n)), loadSome(bottom + 2 * x, twice(n)));
+        storeSome(dst.low + x, pairs.lowLow, n);
+        storeSome(dst.low + half + x, pairs.highLow, n);
+        storeSome(dst.high + x, pairs.lowHigh, n);
+        storeSome(dst.high + half + x, pairs.highHigh, n);
     });
 }
 
-// Pixels from sums of even and of odd columns.
+// Pixels from sums of even and of odd columns. Sums that 16 bits do not hold are of pixels that are clamped anyway.
 RVK_INLINE Vec<uint8_t> pixelsOf(const Vecs<int32_t, 2>& even, const Vecs<int32_t, 2>& odd)
 {
-    const auto clamped = [](const Vecs<int32_t, 2>& sums) RVK_INLINE_LAMBDA {
-        return min(narrowRoundedInLanes<uint16_t, 2>(sums), splat<uint16_t>(255));
-    };
-    return bitCast<uint8_t>(clamped(even) | shiftLeft(clamped(odd), 8));
+    const Vecs<int16_t, 2> sums = {narrowSatInLanes<int16_t>(even), narrowSatInLanes<int16_t>(odd)};
+    const Vec<uint8_t> pixels = narrowRoundedInLanes<uint8_t, 2>(sums); // in each block the even and then the odd ones
+    return shuffle(pixels, pixels, [](size_t i) { return i / 16 * 16 + i % 16 / 2 + i % 2 * 8; });
 }
 
 RVK_INLINE void synthesiseRows(HaarRows<const int16_t> src, size_t half, uint8_t* top, uint8_t* bottom)
@@ -412,6 +422,57 @@ RVK_NOINLINE void analysePairs(Plane<const uint8_t> src, size_t width, size_t pa
         analyseRows(src.row(2 * n), src.row(2 * n + 1), anyNumber(width / 2),
                     {dst.row(first + n), dst.row(lows + first + n)});
 }
+
+// The coefficients of a tile of pixels, transposed: columns of pairs of bytes become rows. Of the tile, `columns` and
+// `rows` pairs are wanted. What the tile below it will write is fetched: the compulsory lines of a transpose are too
+// far apart for the hardware to foresee them.
+constexpr size_t kTileColumns = kBlock<uint16_t>, kTileRows = Samples::lanes;
+template <class Rows>
+RVK_INLINE void analyseTile(Plane<const uint8_t> src, size_t columns, Rows rows, Plane<int16_t> low,
+                            Plane<int16_t> high, size_t half)
+{
+    const ptrdiff_t step = 2 * static_cast<ptrdiff_t>(src.stride);
+    const auto top = loadColumns<uint16_t>(src.row(0), step), bottom = loadColumns<uint16_t>(src.row(1), step);
+    unrolled<kTileColumns>([&](auto x) RVK_INLINE_LAMBDA {
+        if (x >= columns)
+            return;
+        const HaarPairs pairs(bitCast<uint8_t>(top[x]), bitCast<uint8_t>(bottom[x]));
+        const auto put = [&](int16_t* p, Samples values) RVK_INLINE_LAMBDA {
+            prefetch(p + kTileRows, kTileRows);
+            storeSome(p, values, rows);
+        };
+        put(low.row(x), pairs.lowLow);
+        put(low.row(x) + half, pairs.lowHigh);
+        put(high.row(x), pairs.highLow);
+        put(high.row(x) + half, pairs.highHigh);
+    });
+}
+
+// Of a picture of `across` x `down` pairs, in strips as wide as a cache line. The last tiles overlap those before them;
+// what is narrower or lower than a tile is copied to one.
+RVK_NOINLINE void analyseTransposed(Plane<const uint8_t> src, size_t across, size_t down, Plane<int16_t> dst)
+{
+    constexpr size_t strip = 32;
+    const bool isWhole = across >= kTileColumns && down >= kTileRows;
+    const size_t columns = least(across, kTileColumns), rows = least(down, kTileRows);
+    const auto analyseAt = [&](size_t x, size_t y) RVK_INLINE_LAMBDA {
+        const Plane<const uint8_t> pixels{src.row(2 * y) + 2 * x, src.stride};
+        const Plane<int16_t> low{dst.row(x) + y, dst.stride}, high{dst.row(across + x) + y, dst.stride};
+        if (isWhole) {
+            analyseTile(pixels, kTileColumns, Constant<kTileRows>{}, low, high, down);
+            return;
+        }
+        uint8_t tile[2 * kTileRows][2 * kTileColumns] = {};
+        for (size_t i = 0; i < 2 * rows; ++i)
+            __builtin_memcpy(tile[i], pixels.row(i), 2 * columns);
+        analyseTile({tile[0], sizeof tile[0]}, columns, rows, low, high, down);
+    };
+    for (size_t first = 0; first < across; first += strip)
+        for (size_t y = 0; y < down; y += kTileRows)
+            for (size_t x = first; x < least(across, first + strip); x += kTileColumns)
+                analyseAt(least(x, across - columns), least(y, down - rows));
+}
+
 RVK_NOINLINE void synthesisePairs(Plane<const int16_t> src, size_t first, size_t lows, size_t width, size_t pairs,
                                   Plane<uint8_t> dst)
 {
@@ -448,18 +509,10 @@ rvkStatus rvkIDWTHaars16V(const int16_t* src, uint32_t srcWidth, uint32_t srcHei
     return RAVIK_SUCCESS;
 }
 
-// The transpose of the coefficients is what the transpose of the picture has: bytes are transposed.
 rvkStatus rvkDWTHaarTransposeu8V(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
                                  int16_t* dst, uint32_t dstStride)
 {
-    const ByteStrip strip(srcHeight);
-    if (!strip.rows)
-        return RAVIK_ENORES;
-    for (uint32_t x = 0; x < srcWidth; x += kByteRows) {
-        const auto columns = static_cast<uint32_t>(least(srcWidth - x, kByteRows));
-        rvkTransposeu8V(src + x, columns, srcHeight, srcStride, strip.rows.get(), strip.stride);
-        analysePairs({strip.rows.get(), strip.stride}, srcHeight, columns / 2, {dst, dstStride}, x / 2, srcWidth / 2);
-    }
+    analyseTransposed({src, srcStride}, srcWidth / 2, srcHeight / 2, {dst, dstStride});
     return RAVIK_SUCCESS;
 }
 

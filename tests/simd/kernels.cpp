@@ -657,6 +657,9 @@ SimdGroup blocksOfBytes()
                 store(out, addNeighboursTo(addNeighbours(load(in)), load(in + n)));
             },
             [](const uint8_t* in, size_t i) { return in[2 * i] + in[2 * i + 1] + in[2 * i + n] + in[2 * i + n + 1]; }),
+        mapping<uint8_t, int16_t, n, n / 2>(
+            "subtractNeighbours", [](const uint8_t* in, int16_t* out) { store(out, subtractNeighbours(load(in))); },
+            [](const uint8_t* in, size_t i) { return in[2 * i] - in[2 * i + 1]; }),
         mapping<uint8_t, uint8_t, 4 * n, n>(
             "addNeighboursInLanes",
             [](const uint8_t* in, uint8_t* out) {
