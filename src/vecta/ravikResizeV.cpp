@@ -50,6 +50,19 @@ void quarter(const Resizing& r)
     mapBlocks<MeanOf4x4<Rounding::halvesUp>, 4, 1>(r.dstWidth, r.dstHeight, {r.src, r.srcStride}, {r.dst, r.dstStride});
 }
 
+// To two thirds, bilinear values have the same weights in all blocks of 3 x 3 pixels, and no more bits than they keep.
+bool isReducedToTwoThirds(const Resizing& r)
+{
+    return 2 * uint64_t{r.srcWidth} == 3 * uint64_t{r.dstWidth} &&
+           2 * uint64_t{r.srcHeight} == 3 * uint64_t{r.dstHeight};
+}
+
+void reduceToTwoThirds(const Resizing& r)
+{
+    mapBlocks<CornersOf3x3<Rounding::halvesUp>, 3, 2>(r.dstWidth / 2, r.dstHeight / 2, {r.src, r.srcStride},
+                                                      {r.dst, r.dstStride});
+}
+
 // ---- where pixels lie -----------------------------------------------------------------------------------------------
 
 // first / denominator, (first + step) / denominator, ..., rounded down, with one division for all.
@@ -313,6 +326,10 @@ void scaleBilinear(const Resizing& r, uint32_t borderType, uint8_t borderValue)
     }
     if (isReducedBy(r, 2)) {
         halve(r);
+        return;
+    }
+    if (isReducedToTwoThirds(r)) {
+        reduceToTwoThirds(r);
         return;
     }
     const uint32_t width = r.dstWidth, height = r.dstHeight;

@@ -10,27 +10,6 @@ namespace {
 
 // ---- blocks of pixels: steps over rows of them ----------------------------------------------------------------------
 
-struct Corners
-{
-    Vecs<uint16_t, 4> sums[2]; // of the upper and of the lower row
-};
-
-// 9 corner + 3 (both neighbours of it) + centre, row by row.
-struct CornersOf3x3 : WholeUnits
-{
-    static constexpr size_t units = kBytes, in = 3, out = 2;
-
-    RVK_INLINE static Corners take(const Rows<const uint8_t, 3>& src)
-    {
-        const Vecs<uint16_t, 4> middle = thirdSums<3, 1>(src.row[1]);
-        return {{addThirdSums<9, 3>(middle, src.row[0]), addThirdSums<9, 3>(middle, src.row[2])}};
-    }
-    RVK_INLINE static void put(const Corners& corners, size_t target, uint8_t* dst)
-    {
-        storeThirds<4>(dst, corners.sums[target]);
-    }
-};
-
 // Bytes, four vectors at a time.
 struct Copy : WholeUnits
 {
@@ -554,7 +533,7 @@ int32_t rvkScaleDownBy4u8V(const uint8_t* src, uint32_t srcWidth, uint32_t srcHe
 void rvkScaleDown3To2u8V(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride, uint8_t* dst,
                          uint32_t dstStride)
 {
-    mapBlocks<CornersOf3x3, 3, 2>(srcWidth / 3, srcHeight / 3, {src, srcStride}, {dst, dstStride});
+    mapBlocks<CornersOf3x3<Rounding::down>, 3, 2>(srcWidth / 3, srcHeight / 3, {src, srcStride}, {dst, dstStride});
 }
 
 rvkStatus rvkScaleDownBy2Gaussian3x3u8V(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,

@@ -715,6 +715,9 @@ SimdGroup blocksOfBytes()
                 store(out, addNeighboursTo(addNeighbours(load(in)), load(in + n)));
             },
             [](const uint8_t* in, size_t i) { return in[2 * i] + in[2 * i + 1] + in[2 * i + n] + in[2 * i + n + 1]; }),
+        mapping<uint8_t, int16_t, n, n / 2>(
+            "subtractNeighbours", [](const uint8_t* in, int16_t* out) { store(out, subtractNeighbours(load(in))); },
+            [](const uint8_t* in, size_t i) { return in[2 * i] - in[2 * i + 1]; }),
         mapping<uint8_t, uint8_t, 4 * n, n>(
             "addNeighboursInLanes",
             [](const uint8_t* in, uint8_t* out) {
@@ -730,14 +733,16 @@ SimdGroup blocksOfBytes()
         mapping<uint16_t, uint8_t, n, n>(
             "narrowShifted", [](const uint16_t* in, uint8_t* out) { store(out, narrowShifted<8>(loadVecs<2>(in))); },
             [](const uint16_t* in, size_t i) { return in[i] >> 8; }),
-        mapping<uint8_t, uint8_t, 6 * n, 2 * n>(
+        mapping<uint8_t, uint8_t, 6 * n, 4 * n>(
             "thirds",
             [](const uint8_t* in, uint8_t* out) {
-                storeThirds<4>(out, addThirdSums<9, 3>(thirdSums<3, 1>(in), in + 3 * n));
+                const Vecs<uint16_t, 4> sums = addThirdSums<9, 3>(thirdSums<3, 1>(in), in + 3 * n);
+                storeThirds<4, false>(out, sums);
+                storeThirds<4, true>(out + 2 * n, sums);
             },
             [](const uint8_t* in, size_t i) {
-                const uint8_t *p = in + i / 2 * 3, *q = p + 3 * n;
-                return (3 * p[i % 2 * 2] + p[1] + 9 * q[i % 2 * 2] + 3 * q[1]) >> 4;
+                const uint8_t *p = in + i % (2 * n) / 2 * 3, *q = p + 3 * n;
+                return (3 * p[i % 2 * 2] + p[1] + 9 * q[i % 2 * 2] + 3 * q[1] + (i < 2 * n ? 0 : 8)) >> 4;
             }),
     };
     return group(list);

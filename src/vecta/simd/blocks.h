@@ -1,6 +1,7 @@
 // Blocks of pixels of which each makes pixels of the destination, and their means: steps over rows of blocks.
 #pragma once
 
+#include "vecta/simd/scaling.h"
 #include "vecta/simd/steps.h"
 
 namespace rvk::vecta::RVK_ISA {
@@ -77,6 +78,27 @@ struct MeanOf4x4 : WholeUnits
             return orderPackedTwice(narrowRoundedInLanes<uint8_t, 4>(sums));
     }
     RVK_INLINE static void put(Vec<uint8_t> means, size_t, uint8_t* dst) { store(dst, means); }
+};
+
+// Of blocks of 3 x 3 pixels four means: 9 corner + 3 (both neighbours of it) + centre, row by row.
+struct Corners
+{
+    Vecs<uint16_t, 4> sums[2]; // of the upper and of the lower row
+};
+template <Rounding rounding>
+struct CornersOf3x3 : WholeUnits
+{
+    static constexpr size_t units = kBytes, in = 3, out = 2;
+
+    RVK_INLINE static Corners take(const Rows<const uint8_t, 3>& src)
+    {
+        const Vecs<uint16_t, 4> middle = thirdSums<3, 1>(src.row[1]);
+        return {{addThirdSums<9, 3>(middle, src.row[0]), addThirdSums<9, 3>(middle, src.row[2])}};
+    }
+    RVK_INLINE static void put(const Corners& corners, size_t target, uint8_t* dst)
+    {
+        storeThirds<4, rounding == Rounding::halvesUp>(dst, corners.sums[target]);
+    }
 };
 
 } // namespace

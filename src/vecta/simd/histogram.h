@@ -200,13 +200,8 @@ private:
 
 // From so many pixels on the pairs' counters are worth their clearing and summing.
 constexpr size_t kFewestForPairs = size_t{1} << 16;
-// And from so many on four tables, or two.
-constexpr size_t kFewestForFourTables = 2048;
-#if defined(__x86_64__)
-constexpr size_t kFewestForTwoTables = 128;
-#else
-constexpr size_t kFewestForTwoTables = 768;
-#endif
+// And from so many on four tables, or two: of fewer, clearing and adding up a second table takes longer than waiting.
+constexpr size_t kFewestForFourTables = 2048, kFewestForTwoTables = 768;
 
 // False, with nothing done, when there is no memory for the counters.
 RVK_INLINE bool countInPairs(size_t width, size_t height, Plane<const uint8_t> src, uint32_t (&histogram)[256])

@@ -1071,6 +1071,13 @@ RVK_INLINE Vec<uint16_t> gatherBytes(const uint8_t* p, const Vecs<uint32_t, 2>& 
 RVK_INLINE Vec<uint16_t> addNeighbours(Vec<uint8_t> v) { return vec(vpaddlq_u8(reg(v))); }
 RVK_INLINE Vec<uint16_t> addNeighboursTo(Vec<uint16_t> acc, Vec<uint8_t> v) { return vec(vpadalq_u8(reg(acc), reg(v))); }
 
+// The second of each two neighbours taken from the first one: their sum less twice the second.
+RVK_INLINE Vec<int16_t> subtractNeighbours(Vec<uint8_t> v)
+{
+    const Vec<uint16_t> second = shiftRight(bitCast<uint16_t>(v), 8);
+    return bitCast<int16_t>(addNeighbours(v) - second * splat<uint16_t>(2));
+}
+
 // Those of a followed by b, elements below 2^15.
 RVK_INLINE Vec<uint16_t> addNeighboursInLanes(Vec<uint16_t> a, Vec<uint16_t> b)
 {

@@ -16,6 +16,16 @@ struct EvenAndOdd
     Vecs<uint16_t, 2> even, odd;
 };
 
+// sums / 2^shift, below 256, of sums below 2^15: rounded down, or halves up.
+template <unsigned shift, bool halvesUp>
+RVK_INLINE Vec<uint8_t> meansOf(const Vecs<uint16_t, 2>& sums)
+{
+    if constexpr (halvesUp)
+        return narrowRounded<uint8_t, shift>(bitCast<int16_t>(sums));
+    else
+        return narrowShifted<shift>(sums);
+}
+
 #if defined(__x86_64__)
 
 // ---- every second pixel ---------------------------------------------------------------------------------------------
@@ -105,11 +115,11 @@ RVK_INLINE Vecs<uint16_t, 4> addThirdSums(const Vecs<uint16_t, 4>& acc, const ui
     return acc + thirdSums<outer, inner>(p);
 }
 
-template <unsigned shift>
+template <unsigned shift, bool halvesUp>
 RVK_INLINE void storeThirds(uint8_t* p, const Vecs<uint16_t, 4>& v)
 {
-    store(p, narrowShifted<shift>(Vecs<uint16_t, 2>{v[0], v[1]}));
-    store(p + kBytes, narrowShifted<shift>(Vecs<uint16_t, 2>{v[2], v[3]}));
+    store(p, meansOf<shift, halvesUp>({v[0], v[1]}));
+    store(p + kBytes, meansOf<shift, halvesUp>({v[2], v[3]}));
 }
 
 // ---- one pixel to two -----------------------------------------------------------------------------------------------
@@ -239,11 +249,10 @@ RVK_INLINE Vecs<uint16_t, 4> thirdSums(const uint8_t* p)
     return sums;
 }
 
-template <unsigned shift>
+template <unsigned shift, bool halvesUp>
 RVK_INLINE void storeThirds(uint8_t* p, const Vecs<uint16_t, 4>& v)
 {
-    store2(p, Vecs<uint8_t, 2>{narrowShifted<shift>(Vecs<uint16_t, 2>{v[0], v[1]}),
-                               narrowShifted<shift>(Vecs<uint16_t, 2>{v[2], v[3]})});
+    store2(p, Vecs<uint8_t, 2>{meansOf<shift, halvesUp>({v[0], v[1]}), meansOf<shift, halvesUp>({v[2], v[3]})});
 }
 
 // ---- one pixel to two -----------------------------------------------------------------------------------------------

@@ -85,7 +85,7 @@
 // Scattered   gatherBytes, gatherPairs(p, split offsets below 2^31) -> u16: the byte, or the two bytes, at p + offset;
 //             kGatherReach: bytes from there on that may be read, 2 or more. gatherWords(p, offsets) -> u32: four bytes
 // Sums        addNeighbours(v): u8 to u16, v[2i] + v[2i + 1]; addNeighboursTo(acc, v): u8 to u16, s16 to s32;
-//             addNeighboursInLanes(a, b): of u16 below 2^15
+//             addNeighboursInLanes(a, b): of u16 below 2^15; subtractNeighbours(v): u8 to s16, v[2i] - v[2i + 1]
 //             addBytesTo(acc u32, u8), addTo(acc, v) for u16 to u32, s16 to s32, u32 to u64, s32 to s64: each element
 //             of v is added to some lane of acc; reduceAdd(v): exact for u8, u16 and s16, wrapping for 32 and 64 bits
 //             addDot(acc, a, b): u8, s8: each product is added to some lane of acc, 32 bits, which wrap. In two parts,

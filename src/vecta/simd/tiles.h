@@ -303,6 +303,21 @@ private:
 
 #endif
 
+// A block's columns as vectors: lane y of vector x is element x of row y, of as many rows as there are lanes.
+template <class T>
+RVK_INLINE Vecs<T, kBlock<T>> loadColumns(const uint8_t* p, ptrdiff_t step)
+{
+    constexpr size_t n = kBlock<T>;
+    Reg<T, kBytes> r[n];
+    forRows<n, kRowsTogether>(p, step, [&](const uint8_t* row, auto i) RVK_INLINE_LAMBDA {
+        r[i] = loadBlocks<T, kBytes>(row, static_cast<ptrdiff_t>(n) * step);
+    });
+    zipRounds<n>(r);
+    Vecs<T, n> columns;
+    unrolled<n>([&](auto i) RVK_INLINE_LAMBDA { columns[i].raw = r[i].raw; });
+    return columns;
+}
+
 // The tiles for a kind of pixels: the largest, and those for pictures that are too small for it.
 template <size_t pixel>
 struct Tiles;

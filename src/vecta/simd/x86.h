@@ -1551,6 +1551,12 @@ RVK_INLINE Vec<uint16_t> gatherBytes(const uint8_t* p, const Vecs<uint32_t, 2>& 
 RVK_INLINE Vec<uint16_t> addNeighbours(Vec<uint8_t> v) { return bitCast<uint16_t>(dotPairs(v, splat<int8_t>(1))); }
 RVK_INLINE Vec<uint16_t> addNeighboursTo(Vec<uint16_t> acc, Vec<uint8_t> v) { return acc + addNeighbours(v); }
 
+// The second of each two neighbours taken from the first one.
+RVK_INLINE Vec<int16_t> subtractNeighbours(Vec<uint8_t> v)
+{
+    return dotPairs(v, bitCast<int8_t>(splat<uint16_t>(0xff01))); // 1, -1
+}
+
 // Those of a followed by b, elements below 2^15, in the order of narrowSatInLanes.
 RVK_INLINE Vec<uint16_t> addNeighboursInLanes(Vec<uint16_t> a, Vec<uint16_t> b)
 {
