@@ -53,7 +53,7 @@ buildAdapter() # the library as it is released, installed without the tests' dat
 
 # Paths are relative to the build's folder for the compiler cache: what is the same in both builds is compiled once.
 export CCACHE_BASEDIR=$folder CCACHE_NOHASHDIR=1
-buildOpenCv() # plain|adapted [CMAKE ARGUMENTS...]: without the libraries that it would use besides, so that its own code is what is compared
+buildOpenCv() # plain|adapted [CMAKE ARGUMENTS...]: without other libraries, so that its own code is what is compared
 {
     local name=$1 library
     shift
