@@ -135,7 +135,8 @@ TEST(Depth, CamerasAndPosesAreFinite)
     }
 }
 
-// A sphere of half a metre around the world's origin from six sides, each two metres away.
+// A sphere of half a metre, 20 voxels, around the world's origin from six sides, each two metres away: wherever the
+// distances of neighbours have two signs, what is between them is near the surface.
 TEST(Depth, AFusedSphereHasItsSurface)
 {
     constexpr uint32_t size = 561, side = 4, blocksInAll = 8 * side * side * side;
@@ -164,24 +165,34 @@ TEST(Depth, AFusedSphereHasItsSurface)
                                            truncation, 100, depth.data(), size, size, 0, camera, pose),
                   RAVIK_SUCCESS);
     }
-    const auto distanceAt = [&](int x, int y, int z) {
-        const int block = (z / 8 * 8 + y / 8) * 8 + x / 8, voxelInBlock = (z % 8 * 8 + y % 8) * 8 + x % 8;
-        const auto i = static_cast<size_t>(block * 512 + voxelInBlock);
-        return weights[i] ? distances[i] : INT16_MIN;
+    const auto voxelAt = [&](const std::array<int, 3>& p) {
+        const int block = (p[2] / 8 * 8 + p[1] / 8) * 8 + p[0] / 8, inBlock = (p[2] % 8 * 8 + p[1] % 8) * 8 + p[0] % 8;
+        return static_cast<size_t>(block * 512 + inBlock);
     };
-    int crossings = 0;
-    for (int z = 16; z < 48; ++z)
-        for (int y = 16; y < 48; ++y)
-            for (int x = 32; x < 63; ++x) {
-                const int inside = distanceAt(x, y, z), outside = distanceAt(x + 1, y, z);
-                const double cy = (y - 31.5) * voxel, cz = (z - 31.5) * voxel;
-                if (!(inside < 0 && inside > INT16_MIN && outside >= 0 && std::hypot(cy, cz) < 0.2))
-                    continue;
-                const double found = (x - 31.5 + inside / double(inside - outside)) * voxel;
-                EXPECT_NEAR(found, std::sqrt(0.25 - cy * cy - cz * cz), voxel / 2) << y << ", " << z;
-                ++crossings;
-            }
-    EXPECT_GT(crossings, 200);
+    const auto radius = [&](std::array<int, 3> p, int axis, double more) { // in voxels
+        double square = 0;
+        for (int i = 0; i < 3; ++i)
+            square += std::pow(p[static_cast<size_t>(i)] - 31.5 + (i == axis ? more : 0), 2);
+        return std::sqrt(square);
+    };
+    double worst = 0;
+    int crossings = 0, expected = 0;
+    for (int i = 0; i < 3 << 18; ++i) { // neighbours in all directions
+        const int axis = i >> 18;
+        const std::array<int, 3> p = {i & 63, i >> 6 & 63, i >> 12 & 63};
+        std::array<int, 3> q = p;
+        if (++q[static_cast<size_t>(axis)] == 64)
+            continue;
+        const int first = distances[voxelAt(p)], second = distances[voxelAt(q)];
+        const bool areSeen = weights[voxelAt(p)] && weights[voxelAt(q)];
+        expected += (radius(p, axis, 0) < 20) != (radius(p, axis, 1) < 20);
+        if (!areSeen || (first < 0) == (second < 0))
+            continue;
+        worst = std::max(worst, std::fabs(radius(p, axis, first / double(first - second)) - 20));
+        ++crossings;
+    }
+    EXPECT_LE(worst, 0.5) << "voxels";
+    EXPECT_NEAR(crossings, expected, 0.05 * expected);
 }
 
 TEST(Depth, FusionAveragesWithWeights)
