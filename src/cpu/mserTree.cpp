@@ -15,7 +15,7 @@ struct Shore
 {
     uint32_t* places;
     uint32_t next[kLevels];
-    uint32_t end[2 * kLevels];   // what was seen before counts as of the upper half, and is put where nobody reads
+    uint32_t end[2 * kLevels];   // what was seen before is of a level in the upper half, and put where nobody reads
     uint32_t nextLevel[kLevels]; // that has pixels, or kLevels
 
     Shore(uint32_t* memory, const uint32_t (&histogram)[kLevels]) : places(memory)
@@ -94,10 +94,13 @@ uint32_t flood(const MserWorkspace& work, uint32_t pitch, const uint32_t (&histo
                 *++top = {level, left, nodes};
                 continue;
             }
+            // Many, since an addition to one end waits for the one before it.
+            constexpr uint32_t marks = kLevels / neighbours;
+            const uint32_t mark = kMserSeen + place % marks;
 #pragma GCC unroll 8
             for (uint32_t i = 0; i < neighbours; ++i) {
                 shore.put(place + static_cast<uint32_t>(distances[i]), greys[i]);
-                cell[distances[i]] = static_cast<uint16_t>(greys[i] | kMserSeen);
+                cell[distances[i]] = static_cast<uint16_t>(mark + i * marks);
             }
             order[left++] = place;
             ++next;
