@@ -478,6 +478,32 @@ TEST(MserKernels, PitsAreFilledWithoutATrace)
     check(Kernel::irvkMserFillPitsNN8, "eight ", 8);
 }
 
+// A region of 43 pixels that would be kept but for one of 36 pixels in it, which varies less.
+TEST(MserKernels, PitsThatMatterStay)
+{
+    Picture<uint8_t> picture(60, 50, 90);
+    const auto fill = [&](int top, int rows, int columns, uint8_t grey) {
+        for (int y = top; y < top + rows; ++y)
+            for (int x = 8; x < 8 + columns; ++x)
+                picture.at(x, y) = grey;
+    };
+    fill(7, 6, 6, 50);
+    fill(13, 1, 7, 52);
+    fill(14, 1, 11, 56);
+    fill(15, 1, 20, 60);
+    const auto expectAreas = [&](const Parameters& p, std::vector<uint32_t> expected) {
+        inBothModes(Kernel::irvkMserFillPitsNN4, "fill", [&] {
+            std::vector<uint32_t> areas;
+            for (const rvkMserRegion& region : extracted(picture, p, 4, RAVIK_MSER_DARK).regions)
+                areas.push_back(region.area);
+            EXPECT_EQ(areas, expected);
+        });
+    };
+    expectAreas({5, 40, 50, 0.3f, 0}, {});
+    fill(7, 1, 6, 52);
+    expectAreas({5, 40, 50, 0.3f, 0}, {43});
+}
+
 TEST(MserKernels, FillPits)
 {
     constexpr uint32_t width = 100, height = 60, pitch = mserPitch(width);
