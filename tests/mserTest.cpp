@@ -461,7 +461,7 @@ TEST(MserKernels, PitsAreFilledWithoutATrace)
         bool isReference = true;
         inBothModes(kernel, name, [&] {
             Random random(9);
-            for (size_t trial = 0; trial < 60; ++trial) {
+            for (size_t trial = 0; trial < 24; ++trial) {
                 const Picture<uint8_t> src = pitted(random);
                 const float variations[] = {0, 0.25f, 1}, variation = variations[random.below(3)];
                 const Parameters p = {1 + random.below(9), 15 + random.below(80), 100000, variation, 0};

@@ -44,9 +44,9 @@ struct Shore
 static_assert(kMserSeen == kLevels);
 
 // Floods the picture from its first pixel: always on the lowest level that it can reach, so that a region is left when
-// all its pixels are. The pixels of a level are taken first come, first served. So it is known where the flood goes next,
-// and the processor need not wait for what the last pixel brought. (Beyond the end of a queue, what it is told to fetch
-// is never used.)
+// all its pixels are. The pixels of a level are taken first come, first served. So it is known where the flood goes
+// next, and the processor need not wait for what the last pixel brought. (Beyond the end of a queue, what it is told to
+// fetch is never used.)
 template <uint32_t neighbours>
 uint32_t flood(const MserWorkspace& work, uint32_t pitch, const uint32_t (&histogram)[kLevels], uint32_t minArea)
 {

@@ -42,10 +42,10 @@ RVK_INLINE void prepareCells(const uint8_t* src, uint32_t width, uint32_t height
 
 // ---- pits -----------------------------------------------------------------------------------------------------------
 
-// Most regions of a picture are pits of noise. They are found in blocks of the picture, eight columns wide, of which the
-// first column, the first row and the row behind the last one are the rim: a pixel in the block is raised to the lowest
-// level at which the rim can be reached from it. What a block cannot hold remains, so there are two grids of blocks, each
-// with its rims in the middle of the other's blocks.
+// Most regions of a picture are pits of noise. They are found in blocks of the picture, eight columns wide, of which
+// the first column, the first row and the row behind the last one are the rim: a pixel in the block is raised to the
+// lowest level at which the rim can be reached from it. What a block cannot hold remains, so there are two grids of
+// blocks, each with its rims in the middle of the other's blocks.
 constexpr size_t kBlockColumns = 8;
 constexpr size_t kTallBlock = 6, kFlatBlock = 2; // rows without the rim
 constexpr uint32_t pixelsOfBlock(size_t rows)
@@ -116,7 +116,7 @@ public:
             m_level[i] = isRim ? m_ground[i] : m_ground[i] | inside;
         }
     }
-    // Lowers the levels, first the highest that there are, until they are those of the pixel or of its lowest neighbour.
+    // Lowers the levels, at first the highest that there are, until they are those of the pixel or its lowest neighbour.
     RVK_INLINE void settle()
     {
         Vec<uint8_t> changes;
