@@ -116,7 +116,7 @@ public:
             m_level[i] = isRim ? m_ground[i] : m_ground[i] | inside;
         }
     }
-    // Lowers the levels, at first the highest that there are, until they are those of the pixel or its lowest neighbour.
+    // Lowers the levels, at first the highest there are, until they are those of the pixel or its lowest neighbour.
     RVK_INLINE void settle()
     {
         Vec<uint8_t> changes;
