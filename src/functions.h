@@ -174,7 +174,7 @@ void irvkMserPreprocessMinusNN8C(const uint8_t* src, uint32_t width, uint32_t he
                                  uint32_t* histogram);
 // May raise pits, components of pixels that are all below those around them, to the level where they meet these, and
 // then counts anew: those of at most mostPixels pixels and mostDepth levels. So it depends on the implementation which
-// small regions the cells have, but not which larger ones. `memory` is for 4 bytes a cell.
+// small regions the cells have, but not which larger ones; the reference leaves all. `memory` is for 4 bytes a cell.
 void irvkMserFillPitsNN4C(uint16_t* cells, uint32_t width, uint32_t height, uint32_t mostPixels, uint32_t mostDepth,
                           uint32_t* histogram, uint32_t* memory);
 void irvkMserFillPitsNN8C(uint16_t* cells, uint32_t width, uint32_t height, uint32_t mostPixels, uint32_t mostDepth,

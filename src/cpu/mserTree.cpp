@@ -15,7 +15,7 @@ struct Shore
 {
     uint32_t* places;
     uint32_t next[kLevels];
-    uint32_t end[2 * kLevels];   // what was seen before counts as of the upper half, and is put where nobody reads
+    uint32_t end[2 * kLevels];   // what was seen before is of a level in the upper half, and put where nobody reads
     uint32_t nextLevel[kLevels]; // that has pixels, or kLevels
 
     Shore(uint32_t* memory, const uint32_t (&histogram)[kLevels]) : places(memory)
@@ -44,9 +44,9 @@ struct Shore
 static_assert(kMserSeen == kLevels);
 
 // Floods the picture from its first pixel: always on the lowest level that it can reach, so that a region is left when
-// all its pixels are. The pixels of a level are taken first come, first served. So it is known where the flood goes next,
-// and the processor need not wait for what the last pixel brought. (Beyond the end of a queue, what it is told to fetch
-// is never used.)
+// all its pixels are. The pixels of a level are taken first come, first served. So it is known where the flood goes
+// next, and the processor need not wait for what the last pixel brought. (Beyond the end of a queue, what it is told to
+// fetch is never used.)
 template <uint32_t neighbours>
 uint32_t flood(const MserWorkspace& work, uint32_t pitch, const uint32_t (&histogram)[kLevels], uint32_t minArea)
 {
@@ -94,10 +94,13 @@ uint32_t flood(const MserWorkspace& work, uint32_t pitch, const uint32_t (&histo
                 *++top = {level, left, nodes};
                 continue;
             }
+            // Many, since an addition to one end waits for the one before it.
+            constexpr uint32_t marks = kLevels / neighbours;
+            const uint32_t mark = kMserSeen + place % marks;
 #pragma GCC unroll 8
             for (uint32_t i = 0; i < neighbours; ++i) {
                 shore.put(place + static_cast<uint32_t>(distances[i]), greys[i]);
-                cell[distances[i]] = static_cast<uint16_t>(greys[i] | kMserSeen);
+                cell[distances[i]] = static_cast<uint16_t>(mark + i * marks);
             }
             order[left++] = place;
             ++next;

@@ -8,9 +8,9 @@ namespace rvk {
 
 // ---- cells ---------------------------------------------------------------------------------------------------------
 
-// A cell has the grey value of its pixel, and a bit once a flood has seen it. Cells lie in rows of width + 1, the first
-// of which is no pixel's; such rows are above and below the picture, and one more cell at the end. What is no pixel's
-// has the bit alone. So each pixel has 4 or 8 neighbours, always at the same distances.
+// A cell has the grey value of its pixel, or kMserSeen and more once a flood has seen it. Cells lie in rows of
+// width + 1, the first of which is no pixel's; such rows are above and below the picture, and one more cell at the end.
+// What is no pixel's has kMserSeen. So each pixel has 4 or 8 neighbours, always at the same distances.
 constexpr uint16_t kMserSeen = 0x100;
 
 // (Always inline, because vector implementations may not leave shared definitions behind.)

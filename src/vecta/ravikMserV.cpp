@@ -42,10 +42,10 @@ RVK_INLINE void prepareCells(const uint8_t* src, uint32_t width, uint32_t height
 
 // ---- pits -----------------------------------------------------------------------------------------------------------
 
-// Most regions of a picture are pits of noise. They are found in blocks of the picture, eight columns wide, of which the
-// first column, the first row and the row behind the last one are the rim: a pixel in the block is raised to the lowest
-// level at which the rim can be reached from it. What a block cannot hold remains, so there are two grids of blocks, each
-// with its rims in the middle of the other's blocks.
+// Most regions of a picture are pits of noise. They are found in blocks of the picture, eight columns wide, of which
+// the first column, the first row and the row behind the last one are the rim: a pixel in the block is raised to the
+// lowest level at which the rim can be reached from it. What a block cannot hold remains, so there are two grids of
+// blocks, each with its rims in the middle of the other's blocks.
 constexpr size_t kBlockColumns = 8;
 constexpr size_t kTallBlock = 6, kFlatBlock = 2; // rows without the rim
 constexpr uint32_t pixelsOfBlock(size_t rows)
@@ -53,7 +53,7 @@ constexpr uint32_t pixelsOfBlock(size_t rows)
     return static_cast<uint32_t>(rows * (kBlockColumns - 1));
 }
 
-// A copy of the picture's grey values with walls around it.
+// A copy of the picture's grey values with walls around it, over which no way out is lower than another.
 struct WalledPicture
 {
     static constexpr size_t kLeft = 8, kAbove = 4, kBelow = kTallBlock + 2;
@@ -116,7 +116,7 @@ public:
             m_level[i] = isRim ? m_ground[i] : m_ground[i] | inside;
         }
     }
-    // Lowers the levels, first the highest that there are, until they are those of the pixel or of its lowest neighbour.
+    // Lowers the levels, at first the highest there are, until they are those of the pixel or its lowest neighbour.
     RVK_INLINE void settle()
     {
         Vec<uint8_t> changes;
@@ -130,15 +130,13 @@ public:
             });
         } while (!all(equal(changes, zero<uint8_t>())));
     }
-    // Blocks where a pixel rises by more than mostDepth levels, or to that of walls, stay as they are.
+    // Blocks where a pixel rises by more than mostDepth levels stay as they are.
     RVK_INLINE void raise(uint8_t mostDepth) const
     {
-        const Vec<uint8_t> most = splat(mostDepth), none = zero<uint8_t>(), wall = splat(WalledPicture::kWall);
-        Mask<uint8_t> isTooHigh = greater(none, none);
-        unrolled<rows>([&](auto i) RVK_INLINE_LAMBDA {
-            const Vec<uint8_t> rise = m_level[i + 1] - m_ground[i + 1];
-            isTooHigh = isTooHigh | greater(rise, most) | (equal(m_level[i + 1], wall) & greater(rise, none));
-        });
+        const Vec<uint8_t> most = splat(mostDepth);
+        Mask<uint8_t> isTooHigh = greater(most, most);
+        unrolled<rows>(
+            [&](auto i) RVK_INLINE_LAMBDA { isTooHigh = isTooHigh | greater(m_level[i + 1] - m_ground[i + 1], most); });
         Vec<uint64_t> stays = bitCast<uint64_t>(toVec(isTooHigh));
         for (unsigned bits = 8; bits < 64; bits *= 2) // to all bytes of a block
             stays = stays | shiftLeft(stays, bits);
