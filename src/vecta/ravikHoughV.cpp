@@ -54,8 +54,8 @@ RVK_INLINE BinRange binsOf(HoughAngle angle, size_t width, size_t height)
     return {(least + 16384) >> 15, (most + 16384) >> 15};
 }
 
-// The votes of the angles whose peaks are looked for and of their neighbours. The first and the last angle are neighbours
-// of each other, mirrored, and stay.
+// The votes of the angles whose peaks are looked for and of their neighbours. The first and the last angle are
+// neighbours of each other, mirrored, and stay.
 struct RollingBins
 {
     uint32_t* memory; // five rows
@@ -76,10 +76,17 @@ struct RollingBins
     {
         return memory + rowOf(k) * pitch + Vec<uint32_t>::lanes + static_cast<size_t>(reach);
     }
+    // Of the angle whose row this was.
+    RVK_INLINE void clear(uint32_t k)
+    {
+        const BinRange range = rangeOf(k);
+        __builtin_memset(zeroOf(k) + range.first, 0,
+                         static_cast<size_t>(range.last - range.first + 1) * sizeof(uint32_t));
+    }
 };
 
-// Pixels that vote alone, and pairs of neighbours that vote together: as the bins of the second pixels follow from those
-// of the first ones, a pair is counted once.
+// Pixels that vote alone, and pairs of neighbours that vote together: as the bins of the second pixels follow from
+// those of the first ones, a pair is counted once.
 constexpr size_t kPairings = 4;
 struct PairStep // from the first pixel of a pair to the second
 {
@@ -198,8 +205,8 @@ RVK_INLINE Vec<int32_t> placesOf(Vec<uint32_t> pixels, const HalfWeights& angle)
     return addWeightedHalves(splat<int32_t>(16384), pixels, angle);
 }
 
-// How many pairs have their pixels in a bin and in the one `wholeBins` after it, or in the one after that: whether these
-// are one more depends on the fraction of the first pixel's place. The sum of both bins tells them apart.
+// How many pairs have their pixels in a bin and in the one `wholeBins` after it, or in the one after that: whether
+// these are one more depends on the fraction of the first pixel's place. The sum of both bins tells them apart.
 struct PairCounts
 {
     int16_t* memory; // 0 between the angles
@@ -256,7 +263,6 @@ RVK_NOINLINE void accumulate(RollingBins& bins, const LinePixels& pixels, PairCo
                              HoughAngle angle)
 {
     uint32_t* const zero = bins.zeroOf(k);
-    __builtin_memset(zero - bins.reach, 0, (2 * static_cast<size_t>(bins.reach) + 1) * sizeof(uint32_t));
     irvkHoughAccumulateAreaV(pixels.singles, pixels.nSingles, angle.c, angle.s, zero);
     for (uint32_t start = 0;; start += PairCounts::kMost) {
         bool isDone = true;
@@ -330,6 +336,7 @@ rvkStatus rvkHoughLineu8V(const uint8_t* src, uint32_t srcWidth, uint32_t srcHei
     StrongestLines strongest(lines, nLinesMax);
     const auto vote = [&](uint32_t k) RVK_INLINE_LAMBDA {
         const HoughAngle angle = houghAngle(k, nAngles, rhoStep);
+        bins.clear(k);
         bins.rangeOf(k) = binsOf(angle, srcWidth, srcHeight);
         accumulate(bins, pixels, pairs, k, angle);
     };
@@ -381,8 +388,8 @@ constexpr size_t kLanes = Vec<int32_t>::lanes;
 constexpr size_t kCells = Vec<uint16_t>::lanes; // of one row that are looked at together, at most
 
 // Numbers for the cells of a picture and some around it: a vector at each end of the rows and a row above and below, or
-// so many that no vote leaves them, where that is not much more. Behind all rows there is a vector of cells for votes that
-// do not count.
+// so many that no vote leaves them, where that is not much more. Behind all rows there is a vector of cells for votes
+// that do not count.
 struct CellLayout
 {
     size_t width, height;
@@ -466,8 +473,8 @@ struct Directions
     }
 };
 
-// Cells that pixels vote for, by their distance from the first one. They are computed for many votes before the first of
-// them counts: a load of a part of what a vector has just stored takes long.
+// Cells that pixels vote for, by their distance from the first one. They are computed for many votes before the first
+// of them counts: a load of a part of what a vector has just stored takes long.
 template <class T>
 struct Ballot
 {
@@ -512,8 +519,8 @@ struct Voters
 {
     using V = Vec<int32_t>;
 
-    // Successive pixels are mostly on one edge: their votes on one side of it are for cells near each other, which are in
-    // the caches together.
+    // Successive pixels are mostly on one edge: their votes on one side of it are for cells near each other, which are
+    // in the caches together.
     Ballot<T>&along, &against;
     size_t width, height;
     bool haveAllCells;
@@ -537,7 +544,8 @@ struct Voters
         fraction -= 1;
     }
 
-    // visit(columns, rows, doCount) for vector after vector of radii: the cells from the pixel on, until it returns false.
+    // visit(columns, rows, doCount) for vector after vector of radii: the cells from the pixel on, until it returns
+    // false.
     template <class Visit>
     RVK_INLINE void walk(int32_t u, int32_t v, Visit visit) const
     {
@@ -766,8 +774,8 @@ RVK_INLINE Vec<int32_t> rounded(Vec<int32_t> squared)
     return guess + isTooLarge - isTooSmall; // masks are -1
 }
 
-// Those below 256: as d^2 + d and d^2 + d + 1 are on either side of (d + 1/2)^2, with roots 1/1000 apart or more, a root
-// within 2^-19 is good enough.
+// Those below 256: as d^2 + d and d^2 + d + 1 are on either side of (d + 1/2)^2, with roots 1/1000 apart or more, a
+// root within 2^-19 is good enough.
 RVK_INLINE Vec<int32_t> roundedIfShort(Vec<int32_t> squared)
 {
     return roundToInt(guessSquareRoot(toFloat(squared)));
@@ -776,8 +784,8 @@ RVK_INLINE Vec<int32_t> roundedIfShort(Vec<int32_t> squared)
 // How many edge pixels are at each distance from a centre.
 struct DistanceCounts
 {
-    // Successive pixels of an edge, which may be at the same distance, count in different tables: an addition to what the
-    // one before it has just stored would wait for that.
+    // Successive pixels of an edge, which may be at the same distance, count in different tables: an addition to what
+    // the one before it has just stored would wait for that.
     static constexpr size_t kTables = 4;
     static constexpr uint32_t kMost = 16 * kLanes; // pixels at a time
 

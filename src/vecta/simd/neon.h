@@ -503,7 +503,8 @@ struct HalfWeights {
 };
 RVK_INLINE Vec<int32_t> addWeightedHalves(Vec<int32_t> acc, Vec<uint32_t> v, const HalfWeights& weights)
 {
-    return acc + bitCast<int32_t>(v & splat(0xffffu)) * weights.low + bitCast<int32_t>(shiftRight(v, 16)) * weights.high;
+    const Vec<int32_t> low = bitCast<int32_t>(v & splat(0xffffu)), high = bitCast<int32_t>(shiftRight(v, 16));
+    return acc + low * weights.low + high * weights.high;
 }
 
 // acc + p[2i] * q[2i] + p[2i + 1] * q[2i + 1] of 8 bytes.

@@ -59,8 +59,8 @@
 //             multiplyWide(a, b) -> Vecs<Wider, 2>: 8 and 16 bits; multiplyHigh: the upper halves of products, 16 bits
 //             dotPairs(a, b): s16 -> s32, a[2i] * b[2i] + a[2i + 1] * b[2i + 1]
 //             addDotOfPairs(acc, p, q): s32 and as many s8 in memory as a vector has s16: acc + dotPairs
-//             addWeightedHalves(acc, v, HalfWeights(low, high)): u32 -> s32, acc + the lower 16 bits of each element, by
-//             low, + the upper ones, by high, halves below 2^14, weights at most 2^16 without their sign
+//             addWeightedHalves(acc, v, HalfWeights(low, high)): u32 -> s32, acc + the lower 16 bits of each element,
+//             by low, + the upper ones, by high; halves below 2^14, weights at most 2^16 without their sign
 //             dot(a, b): two vectors of s16 each -> s32, a[0] * b[0] + a[1] * b[1], element by element
 //             multiplyQ15<factor>(v): s16, v * factor / 2^15, rounded down; multiplyQ8(a, b): u16, (a * b + 128) / 2^8,
 //             saturated
@@ -150,8 +150,8 @@ RVK_INLINE Vec<int16_t> absDiff(Vec<int16_t> a, Vec<int16_t> b) { return max(a, 
 RVK_INLINE Vec<uint32_t> absDiff(Vec<uint32_t> a, Vec<uint32_t> b) { return max(a, b) - min(a, b); }
 #endif
 
-// The true lanes in their order, where the instruction set has that; otherwise all, of `others` where false. Returns how
-// many were stored; a whole vector is written.
+// The true lanes in their order, where the instruction set has that; otherwise all, of `others` where false. Returns
+// how many were stored; a whole vector is written.
 template <class T>
     requires(sizeof(T) == 4)
 RVK_INLINE size_t storeChosen(T* p, Vec<T> v, Mask<T> mask, Vec<T> others)

@@ -207,8 +207,8 @@ RVK_INLINE Vec<int32_t> dotPairs(Vec<int16_t> a, Vec<int16_t> b)
     return vec<int32_t>(RVK_MM(madd_epi16)(reg(a), reg(b)));
 }
 
-// Sums of the lower and the upper 16 bits of each element, below 2^14, by weights of at most 2^16 without their sign: the
-// halves twice by one weight of 16 bits, and once by another one.
+// Sums of the lower and the upper 16 bits of each element, below 2^14, by weights of at most 2^16 without their sign:
+// the halves twice by one weight of 16 bits, and once by another one.
 struct HalfWeights {
     Vec<int16_t> twice, once;
 
@@ -224,7 +224,12 @@ struct HalfWeights {
 };
 RVK_INLINE Vec<int32_t> addWeightedHalves(Vec<int32_t> acc, Vec<uint32_t> v, const HalfWeights& weights)
 {
+#if RVK_AVX512
+    const __m512i once = _mm512_dpwssd_epi32(reg(acc), reg(v), reg(weights.once));
+    return vec<int32_t>(_mm512_dpwssd_epi32(once, reg(v + v), reg(weights.twice)));
+#else
     return acc + dotPairs(bitCast<int16_t>(v), weights.once) + dotPairs(bitCast<int16_t>(v + v), weights.twice);
+#endif
 }
 
 // |a - b| where a - b fits 16 bits.
