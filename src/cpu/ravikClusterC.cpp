@@ -38,6 +38,9 @@ rvkStatus labelPoints(const ClusterJob<T>& job)
     return RAVIK_SUCCESS;
 }
 
+template <class T>
+constexpr ClusterSteps<T> kClusterSteps = {labelPoints<T>, squaredDistance};
+
 // ---- new centres ----------------------------------------------------------------------------------------------------
 
 // The sum of `count` points, which is not 0, becomes a centre; it stays as it is when its new place is nowhere.
@@ -76,8 +79,8 @@ template <class T>
 class Clusters
 {
 public:
-    explicit Clusters(const ClusterJob<T>& job)
-        : m_job(job), m_coordinates(job.newCenters ? job.centerCount : 1, job.newCenters ? job.dim : 1),
+    Clusters(const ClusterJob<T>& job, const ClusterSteps<T>& steps)
+        : m_job(job), m_steps(steps), m_coordinates(job.newCenters ? job.centerCount : 1, job.newCenters ? job.dim : 1),
           m_distances(job.centerCount), m_sizes(job.centerCount)
     {
     }
@@ -94,7 +97,7 @@ public:
             const T* const point = m_job.point(i);
             m_sizes[label] += 1;
             if (m_job.clusterDistances)
-                m_distances[label] += notNegative(squaredDistance(m_job, point, m_job.center(label)));
+                m_distances[label] += notNegative(m_steps.squaredDistance(m_job, point, m_job.center(label)));
             if (m_job.newCenters)
                 addTo(m_coordinates.get() + label * dim, point);
         }
@@ -124,17 +127,18 @@ private:
     }
 
     const ClusterJob<T>& m_job;
+    const ClusterSteps<T>& m_steps;
     const Scratch<Sum<T>> m_coordinates, m_distances;
     const Scratch<uint32_t> m_sizes;
 };
 
 template <class T>
-rvkStatus iterate(const ClusterJob<T>& job, LabelPoints<T>* label)
+rvkStatus iterate(const ClusterJob<T>& job, const ClusterSteps<T>& steps)
 {
-    Clusters<T> clusters(job);
+    Clusters<T> clusters(job, steps);
     if (!clusters.hasMemory())
         return RAVIK_ENORES;
-    if (const rvkStatus status = label(job); status != RAVIK_SUCCESS)
+    if (const rvkStatus status = steps.label(job); status != RAVIK_SUCCESS)
         return status;
     clusters.sumUp();
     clusters.write();
@@ -178,14 +182,14 @@ uint32_t nearestCenter(const ClusterJob<float32_t>& job, const float32_t* point)
     return firstNearest(job, point);
 }
 
-rvkStatus iterateClusters(const ClusterJob<uint8_t>& job, LabelPoints<uint8_t>* label)
+rvkStatus iterateClusters(const ClusterJob<uint8_t>& job, const ClusterSteps<uint8_t>& steps)
 {
-    return iterate(job, label);
+    return iterate(job, steps);
 }
 
-rvkStatus iterateClusters(const ClusterJob<float32_t>& job, LabelPoints<float32_t>* label)
+rvkStatus iterateClusters(const ClusterJob<float32_t>& job, const ClusterSteps<float32_t>& steps)
 {
-    return iterate(job, label);
+    return iterate(job, steps);
 }
 
 } // namespace rvk

@@ -56,13 +56,18 @@ double squaredDistance(const ClusterJob<float32_t>& job, const float32_t* point,
 uint32_t nearestCenter(const ClusterJob<uint8_t>& job, const uint8_t* point);
 uint32_t nearestCenter(const ClusterJob<float32_t>& job, const float32_t* point);
 
-// Writes the labels of all points, or nothing when it has no memory.
+// What either room brings: `label` writes the labels of all points, or nothing when it has no memory; squaredDistance
+// is equal to the above.
 template <class T>
-using LabelPoints = rvkStatus(const ClusterJob<T>& job);
+struct ClusterSteps
+{
+    rvkStatus (*label)(const ClusterJob<T>& job);
+    typename ClusterNumbers<T>::Sum (*squaredDistance)(const ClusterJob<T>& job, const T* point, const T* center);
+};
 
 // Labels the points, and does what follows from their labels.
-rvkStatus iterateClusters(const ClusterJob<uint8_t>& job, LabelPoints<uint8_t>* label);
-rvkStatus iterateClusters(const ClusterJob<float32_t>& job, LabelPoints<float32_t>* label);
+rvkStatus iterateClusters(const ClusterJob<uint8_t>& job, const ClusterSteps<uint8_t>& steps);
+rvkStatus iterateClusters(const ClusterJob<float32_t>& job, const ClusterSteps<float32_t>& steps);
 
 #undef RVK_ALWAYS_INLINE
 

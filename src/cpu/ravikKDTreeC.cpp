@@ -169,12 +169,13 @@ KDQuery placeQuery(const int8_t* query, float32_t invLength)
 {
     KDQuery placed = {DescriptorQuery(query, invLength), {}, {}};
     const double length = lengthOf(query);
-    for (size_t k = 0; k < kChildren; ++k)
-        for (size_t j = 0; j < kDescriptor; ++j) {
-            const int16_t steps = stepsBelow(query[j], length);
-            placed.low[placeInBlock(k, j)] = steps;
-            placed.high[placeInBlock(k, j)] = static_cast<int16_t>(steps + 1);
-        }
+    int16_t low[kDescriptor], high[kDescriptor];
+    for (size_t j = 0; j < kDescriptor; ++j) {
+        low[j] = stepsBelow(query[j], length);
+        high[j] = static_cast<int16_t>(low[j] + 1);
+    }
+    repeatInBlock(low, placed.low);
+    repeatInBlock(high, placed.high);
     return placed;
 }
 
@@ -214,7 +215,7 @@ public:
         while (m_count && left) {
             std::pop_heap(m_branches, m_branches + m_count, isAfter);
             const Branch branch = m_branches[--m_count];
-            if (isOutOfReach(branch.bound))
+            if (branch.bound > mostBound())
                 return;
             const KDNode& node = m_tree.nodes[branch.node];
             if (node.size[branch.child])
@@ -226,18 +227,21 @@ public:
 
 private:
     static bool isAfter(const Branch& a, const Branch& b) { return a.isAfter(b); }
-    bool isOutOfReach(int32_t bound) const
+    // Beyond it, nothing that a bound stands for finds a place. In steps, since bounds are many and limits few.
+    int32_t mostBound() const
     {
-        constexpr double step = 1.0 / (double{kBoxScale} * kBoxScale);
-        return bound * step > m_list.limit() + m_margin;
+        constexpr double steps = double{kBoxScale} * kBoxScale;
+        const double most = (m_list.limit() + m_margin) * steps;
+        return most >= INT32_MAX ? INT32_MAX : most < 0 ? -1 : static_cast<int32_t>(most);
     }
     void visitNode(uint32_t number)
     {
         const KDNode& node = m_tree.nodes[number];
         int32_t bounds[kChildren];
         m_search.measureBoxes(m_query, node, bounds);
+        const int32_t most = mostBound();
         for (uint32_t child = 0; child < node.children; ++child) {
-            if (isOutOfReach(bounds[child]))
+            if (bounds[child] > most)
                 continue;
             m_branches[m_count++] = {bounds[child], number, child};
             std::push_heap(m_branches, m_branches + m_count, isAfter);

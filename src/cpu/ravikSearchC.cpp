@@ -60,9 +60,7 @@ void arrangeBlock(const int8_t* vectors, size_t count, int8_t* block)
 
 DescriptorQuery::DescriptorQuery(const int8_t* v, float32_t invLen) : vector(v), invLength(invLen)
 {
-    for (size_t k = 0; k < kBlockDescriptors; ++k)
-        for (size_t j = 0; j < kDescriptor; ++j)
-            block[placeInBlock(k, j)] = v[j];
+    repeatInBlock(v, block);
 }
 
 // ---- the list of the nearest ----------------------------------------------------------------------------------------

@@ -22,6 +22,15 @@ constexpr size_t placeInBlock(size_t k, size_t j)
     return j / 2 * (2 * kBlockDescriptors) + 2 * k + j % 2;
 }
 
+// The elements of one descriptor for all of a block.
+template <class T>
+RVK_ALWAYS_INLINE void repeatInBlock(const T* elements, T* block)
+{
+    for (size_t j = 0; j < kDescriptor; j += 2)
+        for (size_t k = 0; k < kBlockDescriptors; ++k)
+            __builtin_memcpy(block + placeInBlock(k, j), elements + j, 2 * sizeof(T));
+}
+
 constexpr size_t blocksOf(size_t descriptors)
 {
     return (descriptors + kBlockDescriptors - 1) / kBlockDescriptors;

@@ -1,4 +1,4 @@
-// Iterations of clustering, by the driver labelPoints of either room.
+// Iterations of clustering, by the kClusterSteps of either room.
 #pragma once
 
 #include "forms/form.h"
@@ -12,7 +12,7 @@ rvkStatus RVK_FORM(rvkClusterEuclideanu8)(const uint8_t* points, uint32_t pointC
 {
     return iterateClusters({ClusterMetric::euclidean, points, pointCount, dim, pointStride, centers, centerCount,
                             centerStride, labels, newCenters, newCenterStride, clusterSizes, clusterDistances},
-                           labelPoints<uint8_t>);
+                           kClusterSteps<uint8_t>);
 }
 
 rvkStatus RVK_FORM(rvkClusterEuclideanf32)(const float32_t* points, uint32_t pointCount, uint32_t dim,
@@ -25,7 +25,7 @@ rvkStatus RVK_FORM(rvkClusterEuclideanf32)(const float32_t* points, uint32_t poi
     return iterateClusters({ClusterMetric::euclidean, points, pointCount, dim, pointStride / size, centers, centerCount,
                             centerStride / size, labels, newCenters, newCenterStride / size, clusterSizes,
                             clusterDistances},
-                           labelPoints<float32_t>);
+                           kClusterSteps<float32_t>);
 }
 
 rvkStatus RVK_FORM(rvkClusterEuclideanNormedf32)(const float32_t* points, uint32_t pointCount, uint32_t dim,
@@ -38,7 +38,7 @@ rvkStatus RVK_FORM(rvkClusterEuclideanNormedf32)(const float32_t* points, uint32
     return iterateClusters({ClusterMetric::normed, points, pointCount, dim, pointStride / size, centers, centerCount,
                             centerStride / size, labels, newCenters, newCenterStride / size, clusterSizes,
                             clusterDistances},
-                           labelPoints<float32_t>);
+                           kClusterSteps<float32_t>);
 }
 
 rvkStatus RVK_FORM(rvkClusterEuclideanNormed36f32)(const float32_t* points, uint32_t pointCount, uint32_t pointStride,

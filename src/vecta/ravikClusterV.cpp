@@ -249,7 +249,26 @@ rvkStatus labelBytes(const ClusterJob<uint8_t>& job)
     return RAVIK_SUCCESS;
 }
 
-// ---- the driver of the forms ----------------------------------------------------------------------------------------
+uint64_t squaredDistanceOfBytes(const ClusterJob<uint8_t>& job, const uint8_t* point, const uint8_t* center)
+{
+    const size_t dim = job.dim;
+    if (dim > kMostBytes)
+        return squaredDistance(job, point, center);
+    constexpr size_t lanes = Vec<uint8_t>::lanes;
+    Vec<uint32_t> sum = zero<uint32_t>();
+    const auto add = [&](Vec<uint8_t> p, Vec<uint8_t> c) RVK_INLINE_LAMBDA {
+        const Vec<uint8_t> difference = absDiff(p, c);
+        sum = addDot(sum, difference, difference);
+    };
+    size_t j = 0;
+    for (; j + lanes <= dim; j += lanes)
+        add(load(point + j), load(center + j));
+    if (j < dim)
+        add(loadPartial(point + j, dim - j), loadPartial(center + j, dim - j));
+    return reduceAdd(sum);
+}
+
+// ---- what the forms ask for -----------------------------------------------------------------------------------------
 
 template <class T>
 rvkStatus labelEach(const ClusterJob<T>& job)
@@ -267,6 +286,11 @@ rvkStatus labelPoints(const ClusterJob<T>& job)
     else
         return job.dim <= kMostBytes ? labelBytes(job) : labelEach(job);
 }
+
+template <class T>
+constexpr ClusterSteps<T> kClusterSteps = {labelPoints<T>, squaredDistance};
+template <>
+constexpr ClusterSteps<uint8_t> kClusterSteps<uint8_t> = {labelPoints<uint8_t>, squaredDistanceOfBytes};
 
 } // namespace
 } // namespace rvk::vecta::RVK_ISA
