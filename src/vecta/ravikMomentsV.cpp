@@ -540,67 +540,129 @@ struct RowPairs
 };
 constexpr RowPairs kRowPairs;
 
-// 32-bit integers: their upper halves and their lower ones, less 2^15, are summed down each column apart, two rows at
-// once, which fits 32 bits.
-template <unsigned degree, bool binary>
-RVK_INLINE MomentVectors momentsOfTiles(const int32_t* p, size_t rowElements, size_t columns, size_t rows)
+// 32-bit integers. Their upper halves and their lower ones, less 2^15, are summed down each column apart, two rows at
+// once, which fits 32 bits: in each 16 bytes both halves of a column, then those of the next one. Part i of 16 columns
+// has the columns 4 * b + 2 * i and the one after it of each block b of 16 bytes.
+template <unsigned degree>
+struct SumsOfHalves
 {
-    constexpr size_t lanes = Vec<int32_t>::lanes, parts = kMomentTile / Vec<int64_t>::lanes;
-    static_assert(kMomentTile == 2 * lanes && kTilesBeside == Vec<int64_t>::lanes);
-    Vec<int64_t> down[degree + 1][parts][kTilesBeside]; // by order, part of the columns, and tile
-    for (size_t tile = 0; tile < kTilesBeside; ++tile) {
-        const size_t left = tile * kMomentTile, count = left < columns ? least(columns - left, kMomentTile) : 0;
-        const size_t pairs = count ? (rows + 1) / 2 : 0;
-        Vec<int32_t> sums[degree + 1][parts]; // of the lower and the upper halves of two columns in each 16 bytes
-        unrolled<degree + 1>([&](auto q) RVK_INLINE_LAMBDA {
-            for (Vec<int32_t>& sum : sums[q])
-                sum = bitCast<int32_t>(splat(uint64_t{kRowPairs.sums[pairs][q]} << 15));
-        });
-        const auto addPairs = [&](auto loadAt) RVK_INLINE_LAMBDA {
-            for (size_t pair = 0; pair < pairs; ++pair)
-                unrolled<2>([&](auto half) RVK_INLINE_LAMBDA {
-                    const auto halvesOf = [&](size_t y) RVK_INLINE_LAMBDA {
-                        Vec<int32_t> v = loadAt(y, half * lanes);
-                        if constexpr (binary)
-                            v = select(equal(v, zero<int32_t>()), v, splat<int32_t>(1));
-                        return bitCast<int16_t>(v ^ splat<int32_t>(1 << 15));
-                    };
-                    const Vecs<int16_t, 2> two = zipInLanes(halvesOf(2 * pair), halvesOf(2 * pair + 1));
-                    unrolled<degree + 1>([&](auto q) RVK_INLINE_LAMBDA {
-                        const Vec<int16_t> weights = bitCast<int16_t>(splat(kRowPairs.weights[pair][q]));
-                        sums[q][2 * half] = addDotPairs(sums[q][2 * half], two[0], weights);
-                        sums[q][2 * half + 1] = addDotPairs(sums[q][2 * half + 1], two[1], weights);
-                    });
+    static constexpr size_t parts = kMomentTile / Vec<int64_t>::lanes;
+    Vec<int32_t> of[degree + 1][parts];
+
+    // loadAt(y, x) loads elements of the tile.
+    template <bool binary, class Load>
+    RVK_INLINE void add(size_t pairsOfRows, Load loadAt)
+    {
+        for (size_t pair = 0; pair < pairsOfRows; ++pair)
+            unrolled<parts / 2>([&](auto half) RVK_INLINE_LAMBDA {
+                const auto halvesOf = [&](size_t y) RVK_INLINE_LAMBDA {
+                    Vec<int32_t> v = loadAt(y, half * Vec<int32_t>::lanes);
+                    if constexpr (binary)
+                        v = select(equal(v, zero<int32_t>()), v, splat<int32_t>(1));
+                    return bitCast<int16_t>(v ^ splat<int32_t>(1 << 15));
+                };
+                const Vecs<int16_t, 2> two = zipInLanes(halvesOf(2 * pair), halvesOf(2 * pair + 1));
+                unrolled<degree + 1>([&](auto q) RVK_INLINE_LAMBDA {
+                    const Vec<int16_t> weights = bitCast<int16_t>(splat(kRowPairs.weights[pair][q]));
+                    of[q][2 * half] = addDotPairs(of[q][2 * half], two[0], weights);
+                    of[q][2 * half + 1] = addDotPairs(of[q][2 * half + 1], two[1], weights);
                 });
-        };
-        if (count == kMomentTile && rows % 2 == 0)
-            addPairs([=](size_t y, size_t x) RVK_INLINE_LAMBDA { return load(p + left + y * rowElements + x); });
-        else
-            addPairs([=](size_t y, size_t x) RVK_INLINE_LAMBDA {
-                const size_t before = least(x, count), n = y < rows ? least(count - before, lanes) : 0;
-                return loadPartial(p + (n ? left + y * rowElements + before : 0), n);
             });
-        unrolled<degree + 1>([&](auto q) RVK_INLINE_LAMBDA {
-            unrolled<parts>([&](auto i) RVK_INLINE_LAMBDA {
-                const Vec<int64_t> apart = bitCast<int64_t>(sums[q][i]), low = splat<int64_t>(UINT32_MAX);
-                down[q][i][tile] = (apart & low) + shiftRight(apart & ~low, 16);
-            });
-        });
     }
-    BinomialSums<Vec<int64_t>> sums = {};
+
+    // Of a tile of which the first columns and rows exist.
+    template <bool binary>
+    RVK_INLINE void take(const int32_t* p, size_t rowElements, size_t columns, size_t rows)
+    {
+        const size_t pairsOfRows = columns ? (rows + 1) / 2 : 0;
+        unrolled<degree + 1>([&](auto q) RVK_INLINE_LAMBDA {
+            for (Vec<int32_t>& sum : of[q])
+                sum = bitCast<int32_t>(splat(uint64_t{kRowPairs.sums[pairsOfRows][q]} << 15));
+        });
+        if (columns == kMomentTile && rows % 2 == 0)
+            add<binary>(pairsOfRows,
+                        [=](size_t y, size_t x) RVK_INLINE_LAMBDA { return load(p + y * rowElements + x); });
+        else
+            add<binary>(pairsOfRows, [=](size_t y, size_t x) RVK_INLINE_LAMBDA {
+                const size_t before = least(x, columns);
+                const size_t count = y < rows ? least(columns - before, Vec<int32_t>::lanes) : 0;
+                return loadPartial(p + (count ? y * rowElements + before : 0), count);
+            });
+    }
+};
+
+RVK_INLINE Vec<int64_t> joinHalves(Vec<int32_t> v)
+{
+    const Vec<int64_t> halves = bitCast<int64_t>(v), low = splat<int64_t>(UINT32_MAX);
+    return (halves & low) + shiftRight(halves & ~low, 16);
+}
+
+RVK_INLINE Doubles toDoubles(Vec<int64_t> v)
+{
+    return {__builtin_convertvector(v.raw, Doubles::Raw)};
+}
+
+template <unsigned degree, bool binary, class Take>
+RVK_INLINE void forSumsOfTiles(const int32_t* p, size_t rowElements, size_t columns, size_t rows, Take take)
+{
+    static_assert(kMomentTile == 2 * Vec<int32_t>::lanes && kTilesBeside == Vec<int64_t>::lanes);
+    for (size_t tile = 0; tile < kTilesBeside; ++tile) {
+        const size_t left = least(tile * kMomentTile, columns);
+        SumsOfHalves<degree> sums;
+        sums.template take<binary>(p + left, rowElements, least(columns - left, kMomentTile), rows);
+        take(tile, sums.of);
+    }
+}
+
+template <unsigned degree, bool binary>
+requires(degree == 3) RVK_INLINE MomentVectors
+    momentsOfTiles(const int32_t* p, size_t rowElements, size_t columns, size_t rows)
+{
+    constexpr size_t parts = SumsOfHalves<degree>::parts;
+    Vec<int64_t> down[degree + 1][parts][kTilesBeside]; // by order, part of the columns, and tile
+    forSumsOfTiles<degree, binary>(p, rowElements, columns, rows, [&](size_t tile, auto& sums) RVK_INLINE_LAMBDA {
+        unrolled<degree + 1>([&](auto q) RVK_INLINE_LAMBDA {
+            unrolled<parts>([&](auto i) RVK_INLINE_LAMBDA { down[q][i][tile] = joinHalves(sums[q][i]); });
+        });
+    });
     unrolled<degree + 1>([&](auto q) RVK_INLINE_LAMBDA {
         for (auto& part : down[q])
             transposeTiles(part);
     });
+    BinomialSums<Vec<int64_t>> sums = {};
     for (size_t column = kMomentTile; column-- > 0;) {
-        // Part i of 16 columns has the columns 4 * b + 2 * i and the one after it of each block b of 16 bytes.
         const size_t part = column / 16 * 2 + column / 2 % 2, lane = column % 16 / 4 * 2 + column % 2;
         Vec<int64_t> ofColumn[degree + 1];
         unrolled<degree + 1>([&](auto q) RVK_INLINE_LAMBDA { ofColumn[q] = down[q][part][lane]; });
         sums.template addColumnBefore<degree>(ofColumn);
     }
-    return sums.template toMoments<MomentVectors>(
-        [](Vec<int64_t> sum) RVK_INLINE_LAMBDA { return Doubles{__builtin_convertvector(sum.raw, Doubles::Raw)}; });
+    return sums.template toMoments<MomentVectors>([](Vec<int64_t> sum) RVK_INLINE_LAMBDA { return toDoubles(sum); });
+}
+
+// Those of the first order fit 32 bits until the columns of a tile have been added, too.
+template <unsigned degree, bool binary>
+requires(degree == 1) RVK_INLINE MomentVectors
+    momentsOfTiles(const int32_t* p, size_t rowElements, size_t columns, size_t rows)
+{
+    const Vec<int32_t> lane = iota<int32_t>(), columnOfLane = (lane & ~splat(3)) | (shiftRight(lane, 1) & splat(1));
+    Vec<int64_t> m00[kTilesBeside], m10[kTilesBeside], m01[kTilesBeside];
+    forSumsOfTiles<degree, binary>(p, rowElements, columns, rows, [&](size_t tile, auto& sums) RVK_INLINE_LAMBDA {
+        const Vec<int32_t>(&c)[4] = sums[0], (&d)[4] = sums[1];
+        const Vec<int32_t> right = c[2] + c[3], all = c[0] + c[1] + right;
+        const Vec<int32_t> leftOfLanes = shiftLeft(right, 4) + shiftLeft(c[1] + c[3], 1);
+        m00[tile] = joinHalves(all);
+        m10[tile] = joinHalves(leftOfLanes + columnOfLane * all);
+        m01[tile] = joinHalves((d[0] + d[1]) + (d[2] + d[3]));
+    });
+    const auto total = [](Vec<int64_t>(&m)[kTilesBeside]) RVK_INLINE_LAMBDA {
+        transposeTiles(m);
+        return toDoubles(((m[0] + m[1]) + (m[2] + m[3])) + ((m[4] + m[5]) + (m[6] + m[7])));
+    };
+    MomentVectors m = {};
+    m.m00 = total(m00);
+    m.m10 = total(m10);
+    m.m01 = total(m01);
+    return m;
 }
 
 template <unsigned degree, bool binary, class T>
