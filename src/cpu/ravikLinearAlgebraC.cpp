@@ -65,13 +65,9 @@ namespace {
 
 constexpr size_t kStep = 4;
 
-constexpr size_t stepOf(size_t i)
-{
-    return i / kStep * kStep;
-}
 constexpr size_t wholeSteps(size_t count)
 {
-    return stepOf(count + kStep - 1);
+    return (count + kStep - 1) / kStep * kStep;
 }
 
 // A matrix of doubles by rows, not initialised: small ones lie here, which a call of nanoseconds is glad of, others in
@@ -743,7 +739,7 @@ private:
 // the rows that are done, and the number of its unknown. The columns that are done are the last ones, the first one of
 // them being the very last: what is left begins where the rows do.
 //
-// Reflections go down the rows, a step of columns at a time, so that the sums of columns are elements of vectors.
+// Reflections go down the rows, some pairs of columns at a time, so that the sums of columns are elements of vectors.
 class LeastSquares
 {
 public:
@@ -786,12 +782,7 @@ public:
             double& first = m_normal[k];
             const double factor = 1 / (norm * (norm + std::fabs(first))), pivot = std::copysign(norm, -first);
             first -= pivot;
-            const size_t end = m_width - k;
-            size_t x = 0;
-            for (; x + kStep < end; x += 2 * kStep)
-                reflectColumns<2>(x, k, factor);
-            if (x < end)
-                reflectColumns<1>(x, k, factor);
+            reflectColumns(k, factor);
             row(k)[m_width - k] = 1 / pivot;
         }
         return true;
@@ -859,11 +850,25 @@ private:
         return square + other;
     }
 
-    // Reflects steps of columns, from row k on.
-    template <size_t steps>
-    void reflectColumns(size_t x, uint32_t k, double factor)
+    // Reflects the columns that are left, from row k on.
+    void reflectColumns(uint32_t k, double factor)
     {
-        constexpr size_t count = steps * kStep / 2;
+        size_t x = 0;
+        const size_t end = m_width - k;
+        for (; x + 6 < end; x += 8)
+            reflectPairs<4>(x, k, factor);
+        if (x + 4 < end)
+            reflectPairs<3>(x, k, factor);
+        else if (x + 2 < end)
+            reflectPairs<2>(x, k, factor);
+        else if (x < end)
+            reflectPairs<1>(x, k, factor);
+    }
+
+    // Of as many pairs of columns.
+    template <size_t count>
+    void reflectPairs(size_t x, uint32_t k, double factor)
+    {
         Pair sums[count] = {};
         double* const begin = row(k) + x;
         double* r = begin + m_rowSize;
