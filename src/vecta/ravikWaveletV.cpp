@@ -375,6 +375,10 @@ public:
             int16_t* to = m_dst.row(2 * first) + x; // the next even row
             Samples even = load(m_even + x), before = load(m_before + x);
             const auto put = [&](Samples after) RVK_INLINE_LAMBDA {
+                if constexpr (Samples::lanes < kStrip) { // no store covers a line, so that each has to be fetched
+                    prefetch(to + 15 * step, Samples::lanes);
+                    prefetch(to + 16 * step, Samples::lanes);
+                }
                 storeSome(to - step, fromHigh(before, even, after), some);
                 storeSome(to, after, some);
                 to += 2 * step;
