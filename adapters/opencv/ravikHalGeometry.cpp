@@ -1,0 +1,271 @@
+// The hooks of OpenCV's module imgproc for pictures that are resized and warped, and for sums over pictures.
+#include "border.h"
+
+#include <ravik/integral.h>
+#include <ravik/scale.h>
+#include <ravik/statistics.h>
+#include <ravik/warp.h>
+
+#include <algorithm>
+#include <cfloat>
+#include <cmath>
+
+using namespace rvk::hal;
+
+namespace {
+
+enum Interpolation { kNearest, kLinear, kCubic, kArea, kLanczos4, kLinearExact, kNearestExact };
+
+constexpr int kOneByte = k8U;
+constexpr int kThreeBytes = k8U | 2 << 3;
+constexpr int kLongest = 32766; // OpenCV warps no picture that has more columns or rows
+
+int channelsOf(int type)
+{
+    return (type >> 3) + 1;
+}
+
+uint8_t toByte(double value)
+{
+    return value >= 255 ? 255 : value > 0 ? uint8_t(std::lrint(value)) : 0;
+}
+
+// Whether the library can make the one picture of the other, both with pixels of so many bytes.
+bool areApart(const Source& source, const Target& target)
+{
+    const int pixel = int(target.pixelSize);
+    return areStrides(source.width, source.height, 1, {}) && areStrides(target.width, target.height, 1, {}) &&
+           areStrides(source.width * pixel, source.height, 1, {source.step}) &&
+           areStrides(target.width * pixel, target.height, 1, {target.step}) &&
+           !overlap({source.data, source.step, source.width * pixel, source.height}, target);
+}
+
+// ---- resize ----------------------------------------------------------------------------------------------------------
+
+// The columns of a picture that is resized, or its rows.
+struct Axis
+{
+    int src, dst;
+    double scale; // columns of the source to one of the destination
+
+    bool isWhole() const { return std::abs(scale - std::round(scale)) < DBL_EPSILON; }
+};
+
+// The library's scale is that of the sizes. So is OpenCV's, or it is a whole number, and columns of the source are left
+// over at the end, which are not looked at.
+bool setAxis(int src, int dst, double inverseScale, Axis& axis)
+{
+    axis = {src, dst, 1 / inverseScale};
+    if (inverseScale == double(dst) / src)
+        return true;
+    if (!(axis.scale >= 1 && axis.scale <= src) || !axis.isWhole() || std::lrint(axis.scale) > src / dst)
+        return false;
+    axis.src = int(std::lrint(axis.scale)) * dst;
+    return true;
+}
+
+// Whether OpenCV, which takes column(x) for column x, takes the one that the library takes: where the middle of the
+// column x lies, and of two neighbours the right one.
+template <typename Column>
+bool hasLibrarysColumns(const Axis& axis, Column column)
+{
+    for (int x = 0; x < axis.dst; x++) {
+        if (std::min(column(x), axis.src - 1) != int((2 * int64_t(x) + 1) * axis.src / (2 * int64_t(axis.dst))))
+            return false;
+    }
+    return true;
+}
+
+bool isNearest(const Axis& axis)
+{
+    return hasLibrarysColumns(axis, [&](int x) { return int(x * axis.scale); });
+}
+
+// In 16 bits after the point.
+bool isNearestExact(const Axis& axis)
+{
+    if (axis.src > kLongest)
+        return false;
+    const int step = ((axis.src << 16) + axis.dst / 2) / axis.dst;
+    return hasLibrarysColumns(axis, [&](int x) { return (step * x + step / 2 - 1) >> 16; });
+}
+
+// Positions are multiples of 1/8: both compute with such without rounding.
+bool isLinearExact(const Axis& axis)
+{
+    return 4 * int64_t(axis.src) % axis.dst == 0;
+}
+
+// The library's interpolation that gives OpenCV's result, if there is one.
+bool chooseInterpolation(const Axis& columns, const Axis& rows, int interpolation, uint32_t& chosen)
+{
+    const bool isHalf =
+        columns.isWhole() && rows.isWhole() && std::lrint(columns.scale) == 2 && std::lrint(rows.scale) == 2;
+    switch (interpolation) {
+    case kNearest:
+        chosen = RAVIK_INTERPOLATION_NEAREST;
+        return isNearest(columns) && isNearest(rows);
+    case kNearestExact:
+        chosen = RAVIK_INTERPOLATION_NEAREST;
+        return isNearestExact(columns) && isNearestExact(rows);
+    case kLinear:
+        chosen = isHalf ? RAVIK_INTERPOLATION_AREA : RAVIK_INTERPOLATION_BILINEAR;
+        return true;
+    case kLinearExact:
+        chosen = isHalf ? RAVIK_INTERPOLATION_AREA : RAVIK_INTERPOLATION_BILINEAR;
+        return isHalf || (isLinearExact(columns) && isLinearExact(rows));
+    case kArea:
+        chosen = RAVIK_INTERPOLATION_AREA;
+        return columns.scale >= 1 && rows.scale >= 1;
+    default:
+        return false;
+    }
+}
+
+// ---- warps -----------------------------------------------------------------------------------------------------------
+
+// Bilinear, with one of the borders that the library blends edges with as OpenCV does.
+bool isWarp(const Source& source, const Target& target, int interpolation, int borderType)
+{
+    return interpolation == kLinear && (borderType == kConstant || borderType == kReplicate) &&
+           std::max(source.width, source.height) <= kLongest && areApart(source, target);
+}
+
+uint32_t borderOf(int borderType)
+{
+    return borderType == kConstant ? RAVIK_BORDER_CONSTANT : RAVIK_BORDER_REPLICATE;
+}
+
+// The largest absolute value that a row of a matrix takes in a picture, or more.
+double reach(const double row[3], const Target& target)
+{
+    return std::abs(row[0]) * target.width + std::abs(row[1]) * target.height + std::abs(row[2]);
+}
+
+// Whether positions in single precision, as the library's are, are near enough to OpenCV's in double: the denominator
+// does not come near 0 in the picture, and positions are within a few hundredths of a pixel of exact ones.
+bool isPrecise(const double matrix[9], const Target& target)
+{
+    const double right = target.width - 1, bottom = target.height - 1;
+    const auto denominator = [&](double x, double y) { return matrix[6] * x + matrix[7] * y + matrix[8]; };
+    const auto [least, largest] =
+        std::minmax({denominator(0, 0), denominator(right, 0), denominator(0, bottom), denominator(right, bottom)});
+    const double nearest = least > 0 ? least : -largest;
+    const double furthest = std::max(reach(matrix, target), reach(matrix + 3, target));
+    return nearest > 1e-6 && nearest < 1e6 && reach(matrix + 6, target) < 8 * nearest && furthest < (1 << 14) * nearest;
+}
+
+int warp(int type, const Source& source, const Target& target, const double matrix[9], int interpolation,
+         int borderType, const double borderValue[4])
+{
+    if (!isWarp(source, target, interpolation, borderType) || !isPrecise(matrix, target))
+        return kNotImplemented;
+    float32_t single[9];
+    std::copy_n(matrix, 9, single);
+    const uint8_t outside[3] = {toByte(borderValue[0]), toByte(borderValue[1]), toByte(borderValue[2])};
+    auto* const dst = static_cast<uint8_t*>(target.data);
+    const uint32_t srcStride = strideOf(source.step, source.height), dstStride = strideOf(target.step, target.height);
+    if (type == kOneByte)
+        return done(rvkWarpPerspectiveu8_v4(source.data, source.width, source.height, srcStride, dst, target.width,
+                                            target.height, dstStride, single, RAVIK_INTERPOLATION_BILINEAR,
+                                            borderOf(borderType), outside[0]));
+    if (type == kThreeBytes)
+        return done(rvk3ChannelWarpPerspectiveu8_v2(source.data, source.width, source.height, srcStride, dst,
+                                                    target.width, target.height, dstStride, single,
+                                                    RAVIK_INTERPOLATION_BILINEAR, borderOf(borderType), outside));
+    return kNotImplemented;
+}
+
+} // namespace
+
+int ravik_hal_resize(int srcType, const uint8_t* src, size_t srcStep, int srcWidth, int srcHeight, uint8_t* dst,
+                     size_t dstStep, int dstWidth, int dstHeight, double inverseScaleX, double inverseScaleY,
+                     int interpolation)
+{
+    Axis columns, rows;
+    uint32_t chosen;
+    if (srcType != kOneByte || !areApart({src, srcStep, srcWidth, srcHeight}, {dst, dstStep, dstWidth, dstHeight, 1}) ||
+        !setAxis(srcWidth, dstWidth, inverseScaleX, columns) || !setAxis(srcHeight, dstHeight, inverseScaleY, rows) ||
+        !chooseInterpolation(columns, rows, interpolation, chosen))
+        return kNotImplemented;
+    return done(rvkScaleu8_v2(src, columns.src, rows.src, strideOf(srcStep, srcHeight), dst, dstWidth, dstHeight,
+                              strideOf(dstStep, dstHeight), chosen, RAVIK_BORDER_REPLICATE, 0));
+}
+
+int ravik_hal_warpAffine(int srcType, const uint8_t* src, size_t srcStep, int srcWidth, int srcHeight, uint8_t* dst,
+                         size_t dstStep, int dstWidth, int dstHeight, const double matrix[6], int interpolation,
+                         int borderType, const double borderValue[4])
+{
+    double whole[9] = {0, 0, 0, 0, 0, 0, 0, 0, 1};
+    std::copy_n(matrix, 6, whole);
+    return warp(srcType, {src, srcStep, srcWidth, srcHeight},
+                {dst, dstStep, dstWidth, dstHeight, size_t(channelsOf(srcType))}, whole, interpolation, borderType,
+                borderValue);
+}
+
+int ravik_hal_warpPerspective(int srcType, const uint8_t* src, size_t srcStep, int srcWidth, int srcHeight,
+                              uint8_t* dst, size_t dstStep, int dstWidth, int dstHeight, const double matrix[9],
+                              int interpolation, int borderType, const double borderValue[4])
+{
+    return warp(srcType, {src, srcStep, srcWidth, srcHeight},
+                {dst, dstStep, dstWidth, dstHeight, size_t(channelsOf(srcType))}, matrix, interpolation, borderType,
+                borderValue);
+}
+
+int ravik_hal_remap32f(int srcType, const uint8_t* src, size_t srcStep, int srcWidth, int srcHeight, uint8_t* dst,
+                       size_t dstStep, int dstWidth, int dstHeight, float* mapX, size_t mapXStep, float* mapY,
+                       size_t mapYStep, int interpolation, int borderType, const double borderValue[4])
+{
+    if (srcType != kOneByte || (mapXStep != mapYStep && dstHeight > 1) ||
+        !isWarp({src, srcStep, srcWidth, srcHeight}, {dst, dstStep, dstWidth, dstHeight, 1}, interpolation,
+                borderType) ||
+        !areStrides(dstWidth, dstHeight, sizeof(float), {mapXStep}))
+        return kNotImplemented;
+    return done(rvkRemapu8_v2(src, srcWidth, srcHeight, strideOf(srcStep, srcHeight), dst, dstWidth, dstHeight,
+                              strideOf(dstStep, dstHeight), mapX, mapY, strideOf(mapXStep, dstHeight),
+                              RAVIK_INTERPOLATION_BILINEAR, borderOf(borderType), toByte(borderValue[0])));
+}
+
+int ravik_hal_integral(int depth, int sumDepth, int squaresDepth, const uint8_t* src, size_t srcStep, uint8_t* sum,
+                       size_t sumStep, uint8_t* squares, size_t squaresStep, uint8_t* tilted, size_t tiltedStep,
+                       int width, int height, int channels)
+{
+    if (depth != k8U || sumDepth != k32S || channels != 1 || (squares && squaresDepth != k32S) ||
+        !areStrides(width, height, 1, {srcStep}) || !areStrides(width + 1, height + 1, sizeof(uint32_t), {sumStep}) ||
+        (squares && !areStrides(width + 1, height + 1, sizeof(uint32_t), {squaresStep})) ||
+        (tilted && !areStrides(width + 1, height + 1, sizeof(uint32_t), {tiltedStep})))
+        return kNotImplemented;
+    const uint32_t srcStride = strideOf(srcStep, height);
+    auto* const sums = reinterpret_cast<uint32_t*>(sum);
+    if (!squares)
+        rvkIntegrateImageu8_v2(src, width, height, srcStride, sums, uint32_t(sumStep));
+    else if (rvkIntegratePatchu8_v3(src, width, height, srcStride, 0, 0, width, height, sums, uint32_t(sumStep),
+                                    reinterpret_cast<uint32_t*>(squares), uint32_t(squaresStep)) != RAVIK_SUCCESS)
+        return kNotImplemented;
+    if (tilted)
+        rvkTiltedIntegralu8s32(src, width, height, srcStride, reinterpret_cast<int32_t*>(tilted), uint32_t(tiltedStep));
+    return kOk;
+}
+
+// The darkest value that occurs becomes 0; a picture of one value stays as it is.
+int ravik_hal_equalize_hist(const uint8_t* src, size_t srcStep, uint8_t* dst, size_t dstStep, int width, int height)
+{
+    const bool inPlace = src == dst && (srcStep == dstStep || height == 1);
+    if (!areStrides(width, height, 1, {srcStep, dstStep}) ||
+        (!inPlace && overlap({src, srcStep, width, height}, {dst, dstStep, width, height, 1})))
+        return kNotImplemented;
+    uint32_t histogram[256];
+    rvkImageIntensityHistogram(src, strideOf(srcStep, height), 0, 0, width, height, histogram);
+    const uint32_t* const darkest = std::find_if(histogram, histogram + 256, [](uint32_t count) { return count > 0; });
+    const int brighter = width * height - int(*darkest);
+    uint8_t table[256] = {};
+    int first = int(darkest - histogram), sum = 0;
+    if (brighter == 0)
+        table[first] = uint8_t(first);
+    const float scale = brighter ? 255.f / float(brighter) : 0.f;
+    for (int v = first + 1; v < 256 && brighter; v++) {
+        sum += int(histogram[v]);
+        table[v] = toByte(float(sum) * scale);
+    }
+    return done(rvkTableLookupu8(src, width, height, strideOf(srcStep, height), table, dst, strideOf(dstStep, height)));
+}
