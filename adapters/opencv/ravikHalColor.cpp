@@ -5,10 +5,6 @@
 #include <ravik/channel.h>
 #include <ravik/color.h>
 
-#include <algorithm>
-#include <memory>
-#include <new>
-
 using namespace rvk::hal;
 
 namespace {
@@ -54,32 +50,7 @@ Conversion conversionOf(int srcChannels, int dstChannels, bool swapBlue)
         return swapBlue ? rvkColorRGB888ToBGRA8888u8 : rvkColorRGB888ToRGBA8888u8;
     if (srcChannels == 4 && dstChannels == 3)
         return swapBlue ? rvkColorRGBA8888ToBGR888u8 : rvkColorRGBA8888ToRGB888u8;
-    if (srcChannels == 4 && dstChannels == 4)
-        return swapBlue ? rvkColorRGBA8888ToBGRA8888u8 : nullptr;
     return nullptr;
-}
-
-int toPixelsOfThree(const Pictures& p)
-{
-    const uint32_t stride = strideOf(p.srcStep, p.height);
-    return done(rvkChannelCombine3Planesu8(p.src, p.width, p.height, stride, p.src, stride, p.src, stride, p.dst,
-                                           strideOf(p.dstStep, p.height)));
-}
-
-// Row by row, beside one row of the alpha that all have.
-int toPixelsOfFour(const Pictures& p)
-{
-    const std::unique_ptr<uint8_t[]> alpha(new (std::nothrow) uint8_t[p.width]);
-    if (!alpha)
-        return kNotImplemented;
-    std::fill_n(alpha.get(), p.width, uint8_t(255));
-    for (int y = 0; y < p.height; y++) {
-        const uint8_t* row = p.src + y * p.srcStep;
-        if (rvkChannelCombine4Planesu8(row, p.width, 1, 0, row, 0, row, 0, alpha.get(), 0, p.dst + y * p.dstStep, 0) !=
-            RAVIK_SUCCESS)
-            return kNotImplemented;
-    }
-    return kOk;
 }
 
 } // namespace
@@ -108,7 +79,9 @@ int ravik_hal_cvtGraytoBGR(const uint8_t* src, size_t srcStep, uint8_t* dst, siz
                            int depth, int dstChannels)
 {
     const Pictures pictures{src, srcStep, 1, dst, dstStep, dstChannels, width, height};
-    if (depth != k8U || (dstChannels != 3 && dstChannels != 4) || !areConvertible(pictures))
+    if (depth != k8U || dstChannels != 3 || !areConvertible(pictures))
         return kNotImplemented;
-    return dstChannels == 3 ? toPixelsOfThree(pictures) : toPixelsOfFour(pictures);
+    const uint32_t stride = strideOf(srcStep, height);
+    return done(rvkChannelCombine3Planesu8(src, width, height, stride, src, stride, src, stride, dst,
+                                           strideOf(dstStep, height)));
 }

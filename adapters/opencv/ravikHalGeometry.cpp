@@ -1,6 +1,7 @@
 // The hooks of OpenCV's module imgproc for pictures that are resized and warped, and for sums over pictures.
 #include "border.h"
 
+#include <ravik/channel.h>
 #include <ravik/integral.h>
 #include <ravik/scale.h>
 #include <ravik/statistics.h>
@@ -9,6 +10,8 @@
 #include <algorithm>
 #include <cfloat>
 #include <cmath>
+#include <memory>
+#include <new>
 
 using namespace rvk::hal;
 
@@ -18,6 +21,7 @@ enum Interpolation { kNearest, kLinear, kCubic, kArea, kLanczos4, kLinearExact, 
 
 constexpr int kOneByte = k8U;
 constexpr int kThreeBytes = k8U | 2 << 3;
+constexpr int kFourBytes = k8U | 3 << 3;
 constexpr int kLongest = 32766; // OpenCV warps no picture that has more columns or rows
 
 int channelsOf(int type)
@@ -48,7 +52,8 @@ struct Axis
     int src, dst;
     double scale; // columns of the source to one of the destination
 
-    bool isWhole() const { return std::abs(scale - std::round(scale)) < DBL_EPSILON; }
+    bool isBy(double number) const { return std::abs(scale - number) < DBL_EPSILON; }
+    bool isByWhole() const { return isBy(std::round(scale)); }
 };
 
 // The library's scale is that of the sizes. So is OpenCV's, or it is a whole number, and columns of the source are left
@@ -58,7 +63,7 @@ bool setAxis(int src, int dst, double inverseScale, Axis& axis)
     axis = {src, dst, 1 / inverseScale};
     if (inverseScale == double(dst) / src)
         return true;
-    if (!(axis.scale >= 1 && axis.scale <= src) || !axis.isWhole() || std::lrint(axis.scale) > src / dst)
+    if (!(axis.scale >= 1 && axis.scale <= src) || !axis.isByWhole() || std::lrint(axis.scale) > src / dst)
         return false;
     axis.src = int(std::lrint(axis.scale)) * dst;
     return true;
@@ -96,30 +101,92 @@ bool isLinearExact(const Axis& axis)
     return 4 * int64_t(axis.src) % axis.dst == 0;
 }
 
-// The library's interpolation that gives OpenCV's result, if there is one.
-bool chooseInterpolation(const Axis& columns, const Axis& rows, int interpolation, uint32_t& chosen)
+// A resize as the library does it.
+struct Resize
 {
-    const bool isHalf =
-        columns.isWhole() && rows.isWhole() && std::lrint(columns.scale) == 2 && std::lrint(rows.scale) == 2;
+    Axis columns, rows;
+    uint32_t interpolation;
+
+    bool isHalf() const { return columns.isBy(2) && rows.isBy(2); }
+    bool isEnlarging() const { return columns.src <= columns.dst && rows.src <= rows.dst; }
+};
+
+// The library's interpolation that gives OpenCV's result, if there is one.
+bool chooseInterpolation(int interpolation, Resize& resize)
+{
+    const Axis &columns = resize.columns, &rows = resize.rows;
+    const uint32_t linear = resize.isHalf() ? RAVIK_INTERPOLATION_AREA : RAVIK_INTERPOLATION_BILINEAR;
     switch (interpolation) {
     case kNearest:
-        chosen = RAVIK_INTERPOLATION_NEAREST;
+        resize.interpolation = RAVIK_INTERPOLATION_NEAREST;
         return isNearest(columns) && isNearest(rows);
     case kNearestExact:
-        chosen = RAVIK_INTERPOLATION_NEAREST;
+        resize.interpolation = RAVIK_INTERPOLATION_NEAREST;
         return isNearestExact(columns) && isNearestExact(rows);
     case kLinear:
-        chosen = isHalf ? RAVIK_INTERPOLATION_AREA : RAVIK_INTERPOLATION_BILINEAR;
+        resize.interpolation = linear;
         return true;
     case kLinearExact:
-        chosen = isHalf ? RAVIK_INTERPOLATION_AREA : RAVIK_INTERPOLATION_BILINEAR;
-        return isHalf || (isLinearExact(columns) && isLinearExact(rows));
+        resize.interpolation = linear;
+        return resize.isHalf() || (isLinearExact(columns) && isLinearExact(rows));
     case kArea:
-        chosen = RAVIK_INTERPOLATION_AREA;
+        resize.interpolation = RAVIK_INTERPOLATION_AREA;
         return columns.scale >= 1 && rows.scale >= 1;
     default:
         return false;
     }
+}
+
+bool setResize(const Source& source, const Target& target, double inverseX, double inverseY, int interpolation,
+               Resize& resize)
+{
+    return setAxis(source.width, target.width, inverseX, resize.columns) &&
+           setAxis(source.height, target.height, inverseY, resize.rows) && chooseInterpolation(interpolation, resize);
+}
+
+// By measurements. Taking several channels apart costs about as much as OpenCV takes for a few pixels.
+bool isFaster(int channels, const Resize& resize)
+{
+    const Axis &columns = resize.columns, &rows = resize.rows;
+    if (resize.interpolation == RAVIK_INTERPOLATION_AREA)
+        return channels == 1 || !resize.isHalf();
+    if (channels == 1)
+        return columns.src <= 4 * columns.dst && rows.src <= 4 * rows.dst;
+    if (channels == 3 && resize.interpolation == RAVIK_INTERPOLATION_BILINEAR)
+        return int64_t(columns.src) * rows.src <= 3 * int64_t(columns.dst) * rows.dst;
+    return channels == 3 && resize.isEnlarging();
+}
+
+rvkStatus resizePlane(const uint8_t* src, uint32_t srcStride, uint8_t* dst, uint32_t dstStride, const Resize& resize)
+{
+    return rvkScaleu8_v2(src, resize.columns.src, resize.rows.src, srcStride, dst, resize.columns.dst, resize.rows.dst,
+                         dstStride, resize.interpolation, RAVIK_BORDER_REPLICATE, 0);
+}
+
+// Three or four channels, one after the other, put together at the end.
+rvkStatus resizeChannels(const uint8_t* src, uint32_t srcStride, int channels, uint8_t* dst, uint32_t dstStride,
+                         const Resize& resize)
+{
+    const uint32_t srcWidth = resize.columns.src, srcHeight = resize.rows.src;
+    const uint32_t dstWidth = resize.columns.dst, dstHeight = resize.rows.dst;
+    const size_t srcPlane = size_t(srcWidth) * srcHeight, dstPlane = size_t(dstWidth) * dstHeight;
+    const std::unique_ptr<uint8_t[]> memory(new (std::nothrow) uint8_t[srcPlane + channels * dstPlane]);
+    if (!memory)
+        return RAVIK_ENORES;
+    const uint32_t format = channels == 3 ? RAVIK_FORMAT_RGB : RAVIK_FORMAT_RGBA;
+    uint8_t* planes[4];
+    for (int i = 0; i < channels; i++) {
+        planes[i] = memory.get() + srcPlane + i * dstPlane;
+        const rvkStatus status = rvkChannelExtractu8(src, srcWidth, srcHeight, srcStride, nullptr, 0, format,
+                                                     RAVIK_CHANNEL_R + i, memory.get(), 0);
+        if (status != RAVIK_SUCCESS)
+            return status;
+        resizePlane(memory.get(), 0, planes[i], 0, resize);
+    }
+    return channels == 3 ? rvkChannelCombine3Planesu8(planes[0], dstWidth, dstHeight, 0, planes[1], 0, planes[2], 0,
+                                                      dst, dstStride)
+                         : rvkChannelCombine4Planesu8(planes[0], dstWidth, dstHeight, 0, planes[1], 0, planes[2], 0,
+                                                      planes[3], 0, dst, dstStride);
 }
 
 // ---- warps -----------------------------------------------------------------------------------------------------------
@@ -182,14 +249,16 @@ int ravik_hal_resize(int srcType, const uint8_t* src, size_t srcStep, int srcWid
                      size_t dstStep, int dstWidth, int dstHeight, double inverseScaleX, double inverseScaleY,
                      int interpolation)
 {
-    Axis columns, rows;
-    uint32_t chosen;
-    if (srcType != kOneByte || !areApart({src, srcStep, srcWidth, srcHeight}, {dst, dstStep, dstWidth, dstHeight, 1}) ||
-        !setAxis(srcWidth, dstWidth, inverseScaleX, columns) || !setAxis(srcHeight, dstHeight, inverseScaleY, rows) ||
-        !chooseInterpolation(columns, rows, interpolation, chosen))
+    const int channels = channelsOf(srcType);
+    const Source source{src, srcStep, srcWidth, srcHeight};
+    const Target target{dst, dstStep, dstWidth, dstHeight, size_t(channels)};
+    Resize resize;
+    if ((srcType != kOneByte && srcType != kThreeBytes && srcType != kFourBytes) || !areApart(source, target) ||
+        !setResize(source, target, inverseScaleX, inverseScaleY, interpolation, resize) || !isFaster(channels, resize))
         return kNotImplemented;
-    return done(rvkScaleu8_v2(src, columns.src, rows.src, strideOf(srcStep, srcHeight), dst, dstWidth, dstHeight,
-                              strideOf(dstStep, dstHeight), chosen, RAVIK_BORDER_REPLICATE, 0));
+    const uint32_t srcStride = strideOf(srcStep, srcHeight), dstStride = strideOf(dstStep, dstHeight);
+    return done(channels == 1 ? resizePlane(src, srcStride, dst, dstStride, resize)
+                              : resizeChannels(src, srcStride, channels, dst, dstStride, resize));
 }
 
 int ravik_hal_warpAffine(int srcType, const uint8_t* src, size_t srcStep, int srcWidth, int srcHeight, uint8_t* dst,

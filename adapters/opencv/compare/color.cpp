@@ -5,37 +5,36 @@
 
 namespace {
 
-Operation conversion(const char* name, int srcType, int dstType, std::initializer_list<int> codes)
+// Of bytes first, sometimes of other elements.
+Operation conversion(const char* name, int srcChannels, int dstChannels, std::vector<int> depths,
+                     std::vector<int> codes)
 {
-    const std::vector<int> all(codes);
-    return {name, [=](Draw& draw) {
-                const cv::Mat src = draw.source(srcType);
-                const Draw::Destination to = draw.destination(dstType);
-                cv::Mat dst = srcType == dstType && draw.among({0, 0, 1}) ? src : to.region;
-                const int code = all[draw.between(0, int(all.size()) - 1, 0)];
-                return Call{[=]() mutable { cv::cvtColor(src, dst, code); },
-                            {to.whole, dst, src},
-                            src.total() * src.elemSize()};
-            }};
+    return {
+        name, [=](Draw& draw) {
+            const int depth = depths[draw.between(0, int(depths.size()) - 1, 0)];
+            const cv::Mat src = draw.source(CV_MAKETYPE(depth, srcChannels));
+            const Draw::Destination to = draw.destination(CV_MAKETYPE(depth, dstChannels));
+            cv::Mat dst = srcChannels == dstChannels && draw.among({0, 0, 1}) ? src : to.region;
+            const int code = codes[draw.between(0, int(codes.size()) - 1, 0)];
+            return Call{[=]() mutable { cv::cvtColor(src, dst, code); }, {to.whole, src}, src.total() * src.elemSize()};
+        }};
 }
 
 } // namespace
 
 std::vector<Operation> colorOperations()
 {
+    const std::vector<int> any = {CV_8U, CV_8U, CV_8U, CV_16U, CV_32F};
     return {
-        conversion("cvtBGRtoBGR.3to3", CV_8UC3, CV_8UC3, {cv::COLOR_BGR2RGB}),
-        conversion("cvtBGRtoBGR.3to4", CV_8UC3, CV_8UC4, {cv::COLOR_BGR2BGRA}),
-        conversion("cvtBGRtoBGR.3to4swapped", CV_8UC3, CV_8UC4, {cv::COLOR_BGR2RGBA}),
-        conversion("cvtBGRtoBGR.4to3", CV_8UC4, CV_8UC3, {cv::COLOR_BGRA2BGR}),
-        conversion("cvtBGRtoBGR.4to3swapped", CV_8UC4, CV_8UC3, {cv::COLOR_BGRA2RGB}),
-        conversion("cvtBGRtoBGR.4to4swapped", CV_8UC4, CV_8UC4, {cv::COLOR_BGRA2RGBA}),
-        conversion("cvtBGRtoBGR.16u", CV_16UC3, CV_16UC3, {cv::COLOR_BGR2RGB}),
-        conversion("cvtBGRtoBGR5x5.3", CV_8UC3, CV_8UC2,
+        conversion("cvtBGRtoBGR.3to3", 3, 3, any, {cv::COLOR_BGR2RGB}),
+        conversion("cvtBGRtoBGR.3to4", 3, 4, any, {cv::COLOR_BGR2BGRA}),
+        conversion("cvtBGRtoBGR.3to4swapped", 3, 4, any, {cv::COLOR_BGR2RGBA}),
+        conversion("cvtBGRtoBGR.4to3", 4, 3, any, {cv::COLOR_BGRA2BGR}),
+        conversion("cvtBGRtoBGR.4to3swapped", 4, 3, any, {cv::COLOR_BGRA2RGB}),
+        conversion("cvtBGRtoBGR5x5.3", 3, 2, {CV_8U},
                    {cv::COLOR_BGR2BGR565, cv::COLOR_RGB2BGR565, cv::COLOR_BGR2BGR555}),
-        conversion("cvtBGRtoBGR5x5.4", CV_8UC4, CV_8UC2,
+        conversion("cvtBGRtoBGR5x5.4", 4, 2, {CV_8U},
                    {cv::COLOR_BGRA2BGR565, cv::COLOR_RGBA2BGR565, cv::COLOR_RGBA2BGR555}),
-        conversion("cvtGraytoBGR.3", CV_8UC1, CV_8UC3, {cv::COLOR_GRAY2BGR}),
-        conversion("cvtGraytoBGR.4", CV_8UC1, CV_8UC4, {cv::COLOR_GRAY2BGRA}),
+        conversion("cvtGraytoBGR", 1, 3, any, {cv::COLOR_GRAY2BGR}),
     };
 }

@@ -9,13 +9,21 @@ namespace {
 
 using Unary = std::function<void(const cv::Mat&, cv::Mat&)>;
 
+using TargetSize = std::function<cv::Size(Draw&, cv::Size& sourceSize)>;
+
+template <typename T>
+T among(Draw& draw, const std::vector<T>& choices)
+{
+    return choices[draw.between(0, int(choices.size()) - 1, 0)];
+}
+
 // A picture of one size from one of another.
-Operation resizing(const char* name, int interpolation, std::function<cv::Size(Draw&, cv::Size&)> targetSize,
+Operation resizing(const char* name, std::vector<int> types, std::vector<int> interpolations, TargetSize targetSize,
                    double within = 0)
 {
     return {name,
             [=](Draw& draw) {
-                const int type = draw.among({CV_8UC1, CV_8UC1, CV_8UC1, CV_8UC3});
+                const int type = among(draw, types), interpolation = among(draw, interpolations);
                 cv::Size sourceSize = draw.size();
                 const cv::Size size = targetSize(draw, sourceSize);
                 const cv::Mat src = draw.source(type, sourceSize);
@@ -29,11 +37,14 @@ Operation resizing(const char* name, int interpolation, std::function<cv::Size(D
 }
 
 // By a factor instead of a size: odd columns and rows are left over.
-Operation resizingByFactor(const char* name, int interpolation, double factor, double within = 0)
+Operation resizingByFactor(const char* name, std::vector<int> interpolations, std::vector<double> factors,
+                           double within = 0)
 {
     return {name,
             [=](Draw& draw) {
                 const cv::Mat src = draw.source(CV_8UC1);
+                const double factor = among(draw, factors);
+                const int interpolation = among(draw, interpolations);
                 const cv::Size size(std::max(1, cvRound(src.cols * factor)), std::max(1, cvRound(src.rows * factor)));
                 const Draw::Destination to = draw.destination(CV_8UC1, size);
                 cv::Mat dst = to.region;
@@ -63,7 +74,7 @@ cv::Size odd(Draw& draw, cv::Size& source)
     return size;
 }
 
-cv::Size anySmaller(Draw& draw, cv::Size& source)
+cv::Size smaller(Draw& draw, cv::Size& source)
 {
     return {draw.between(1, source.width, source.width * 2 / 3), draw.between(1, source.height, source.height * 2 / 3)};
 }
@@ -79,13 +90,14 @@ cv::Size larger(Draw& draw, cv::Size& source)
     return times(source, draw.among({2, 3, 2, 4, 5}), draw.among({2, 3, 4, 7}));
 }
 
-// By multiples of a quarter, and by 2 and 4 upwards.
-cv::Size quarters(Draw& draw, cv::Size& source)
+// By multiples of a quarter, and by 2 and 4 upwards; sometimes by other numbers.
+cv::Size byQuarters(Draw& draw, cv::Size& source)
 {
+    if (draw.among({0, 0, 0, 1}))
+        return any(draw, source);
     const cv::Size base((draw.size().width + 3) / 4, (draw.size().height + 3) / 4);
-    const cv::Size size = times(base, 4, 4);
     source = times(base, draw.among({6, 1, 2, 3, 5, 7, 8, 13}), draw.among({6, 1, 2, 4, 5, 9, 8}));
-    return size;
+    return times(base, 4, 4);
 }
 
 int border(Draw& draw)
@@ -126,10 +138,11 @@ cv::Matx33d perspective(Draw& draw, cv::Size size)
 // and results are rounded. Its own tests allow 16.
 constexpr double kWithinOfWarps = 11;
 
-Operation warping(const char* name, int type, std::function<Unary(Draw&, cv::Size)> prepare)
+Operation warping(const char* name, std::vector<int> types, std::function<Unary(Draw&, cv::Size)> prepare)
 {
     return {name,
             [=](Draw& draw) {
+                const int type = among(draw, types);
                 const cv::Mat src = draw.source(type);
                 const cv::Size size = draw.among({src.size(), cv::Size(src.rows, src.cols)});
                 const Draw::Destination to = draw.destination(type, size);
@@ -176,19 +189,20 @@ Operation shift()
             }};
 }
 
-Operation integral(const char* name, int type, bool squares, bool tilted)
+Operation integral(const char* name, bool squares, bool tilted)
 {
     return {name, [=](Draw& draw) {
-                const cv::Mat src = draw.source(type);
+                const cv::Mat src = draw.source(draw.among({CV_8UC1, CV_8UC1, CV_8UC1, CV_8UC3}));
                 const cv::Size size(src.cols + 1, src.rows + 1);
-                const int sumType = CV_32SC(src.channels());
+                const int sumType = CV_32SC(src.channels()), squaresDepth = draw.among({CV_32S, CV_32S, CV_64F});
                 const Draw::Destination toSum = draw.destination(sumType, size),
-                                        toSquares = draw.destination(sumType, size),
+                                        toSquares = draw.destination(CV_MAKETYPE(squaresDepth, src.channels()), size),
                                         toTilted = draw.destination(sumType, size);
                 cv::Mat sum = toSum.region, square = toSquares.region, turned = toTilted.region;
                 return Call{[=]() mutable {
                                 cv::integral(src, sum, squares ? cv::_InputOutputArray(square) : cv::noArray(),
-                                             tilted ? cv::_InputOutputArray(turned) : cv::noArray(), CV_32S, CV_32S);
+                                             tilted ? cv::_InputOutputArray(turned) : cv::noArray(), CV_32S,
+                                             squaresDepth);
                             },
                             {toSum.whole, toSquares.whole, toTilted.whole},
                             src.total() * src.elemSize()};
@@ -200,32 +214,32 @@ Operation integral(const char* name, int type, bool squares, bool tilted)
 std::vector<Operation> geometryOperations()
 {
     return {
-        resizing("resize.half", cv::INTER_LINEAR, half),
-        resizing("resize.halfArea", cv::INTER_AREA, half),
-        resizing("resize.areaOdd", cv::INTER_AREA, odd),
-        resizing("resize.area", cv::INTER_AREA, anySmaller, 1),
-        resizing("resize.linear", cv::INTER_LINEAR, any, 1),
-        resizing("resize.linearLarger", cv::INTER_LINEAR, larger, 1),
-        resizing("resize.linearExact", cv::INTER_LINEAR_EXACT, any),
-        resizing("resize.linearExactQuarters", cv::INTER_LINEAR_EXACT, quarters),
-        resizing("resize.nearest", cv::INTER_NEAREST, any),
-        resizing("resize.nearestLarger", cv::INTER_NEAREST, larger),
-        resizing("resize.nearestExact", cv::INTER_NEAREST_EXACT, any),
-        resizing("resize.nearestExactLarger", cv::INTER_NEAREST_EXACT, larger),
-        resizing("resize.cubic", cv::INTER_CUBIC, any),
-        resizingByFactor("resize.halfByFactor", cv::INTER_LINEAR, 0.5),
-        resizingByFactor("resize.areaByFactor", cv::INTER_AREA, 0.3, 1),
-        resizingByFactor("resize.linearByFactor", cv::INTER_LINEAR, 0.7, 1),
-        warping("warpAffine", CV_8UC1, affineWarp),
-        warping("warpAffine.3", CV_8UC3, affineWarp),
-        warping("warpAffine.4", CV_8UC4, affineWarp),
+        resizing("resize.half", {CV_8UC1, CV_8UC3, CV_8UC4}, {cv::INTER_LINEAR, cv::INTER_AREA, cv::INTER_LINEAR_EXACT},
+                 half),
+        resizing("resize.area", {CV_8UC1}, {cv::INTER_AREA}, smaller, 1),
+        resizing("resize.area.3", {CV_8UC3, CV_8UC4, CV_16UC1}, {cv::INTER_AREA}, smaller, 1),
+        resizing("resize.areaOdd", {CV_8UC1, CV_8UC3, CV_8UC4}, {cv::INTER_AREA}, odd),
+        resizing("resize.linear", {CV_8UC1}, {cv::INTER_LINEAR, cv::INTER_LINEAR, cv::INTER_CUBIC}, any, 1),
+        resizing("resize.linear.3", {CV_8UC3, CV_8UC3, CV_8UC2, CV_8UC4, CV_32FC1}, {cv::INTER_LINEAR}, any, 1),
+        resizing("resize.linearLarger", {CV_8UC1}, {cv::INTER_LINEAR}, larger, 1),
+        resizing("resize.linearLarger.3", {CV_8UC3, CV_8UC4}, {cv::INTER_LINEAR}, larger, 1),
+        resizing("resize.linearExact", {CV_8UC1}, {cv::INTER_LINEAR_EXACT}, byQuarters),
+        resizing("resize.linearExact.3", {CV_8UC3, CV_8UC4}, {cv::INTER_LINEAR_EXACT}, byQuarters),
+        resizing("resize.nearestLarger", {CV_8UC1}, {cv::INTER_NEAREST}, larger),
+        resizing("resize.nearestLarger.3", {CV_8UC3, CV_8UC4}, {cv::INTER_NEAREST, cv::INTER_NEAREST_EXACT}, larger),
+        resizing("resize.nearestExact", {CV_8UC1, CV_8UC3}, {cv::INTER_NEAREST_EXACT, cv::INTER_NEAREST}, any),
+        resizing("resize.nearestExactLarger", {CV_8UC1}, {cv::INTER_NEAREST_EXACT}, larger),
+        resizingByFactor("resize.halfByFactor", {cv::INTER_LINEAR, cv::INTER_LINEAR_EXACT}, {0.5}),
+        resizingByFactor("resize.areaByFactor", {cv::INTER_AREA}, {0.3, 1 / 3., 0.25, 0.9}, 1),
+        resizingByFactor("resize.linearByFactor", {cv::INTER_LINEAR}, {0.7, 1 / 3., 0.25, 1.4}, 1),
+        warping("warpAffine", {CV_8UC1}, affineWarp),
+        warping("warpAffine.3", {CV_8UC3, CV_8UC3, CV_8UC4, CV_16UC1}, affineWarp),
         shift(),
-        warping("warpPerspective", CV_8UC1, perspectiveWarp),
-        warping("warpPerspective.3", CV_8UC3, perspectiveWarp),
-        integral("integral", CV_8UC1, false, false),
-        integral("integral.squares", CV_8UC1, true, false),
-        integral("integral.tilted", CV_8UC1, false, true),
-        integral("integral.all", CV_8UC1, true, true),
-        integral("integral.3", CV_8UC3, true, false),
+        warping("warpPerspective", {CV_8UC1}, perspectiveWarp),
+        warping("warpPerspective.3", {CV_8UC3, CV_8UC3, CV_8UC4, CV_32FC1}, perspectiveWarp),
+        integral("integral", false, false),
+        integral("integral.squares", true, false),
+        integral("integral.tilted", false, true),
+        integral("integral.all", true, true),
     };
 }
