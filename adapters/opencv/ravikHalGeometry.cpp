@@ -12,6 +12,7 @@
 #include <cmath>
 #include <memory>
 #include <new>
+#include <numeric>
 
 using namespace rvk::hal;
 
@@ -34,11 +35,12 @@ uint8_t toByte(double value)
     return value >= 255 ? 255 : value > 0 ? uint8_t(std::lrint(value)) : 0;
 }
 
-// Whether the library can make the one picture of the other, both with pixels of so many bytes.
-bool areApart(const Source& source, const Target& target)
+// Whether the library can make the one picture of the other: of pixels of some bytes, apart from each other.
+bool areApart(int type, const Source& source, const Target& target)
 {
     const int pixel = int(target.pixelSize);
-    return areStrides(source.width, source.height, 1, {}) && areStrides(target.width, target.height, 1, {}) &&
+    return (type == kOneByte || type == kThreeBytes || type == kFourBytes) &&
+           areStrides(source.width, source.height, 1, {}) && areStrides(target.width, target.height, 1, {}) &&
            areStrides(source.width * pixel, source.height, 1, {source.step}) &&
            areStrides(target.width * pixel, target.height, 1, {target.step}) &&
            !overlap({source.data, source.step, source.width * pixel, source.height}, target);
@@ -111,6 +113,12 @@ struct Resize
     bool isEnlarging() const { return columns.src <= columns.dst && rows.src <= rows.dst; }
 };
 
+// Whether means of whole pixels may lie between two numbers: OpenCV takes the even one of them, but not of 2 x 2 pixels.
+bool hasTies(const Axis& columns, const Axis& rows)
+{
+    return columns.isByWhole() && rows.isByWhole() && std::lrint(columns.scale) * std::lrint(rows.scale) % 2 == 0;
+}
+
 // The library's interpolation that gives OpenCV's result, if there is one.
 bool chooseInterpolation(int interpolation, Resize& resize)
 {
@@ -131,7 +139,7 @@ bool chooseInterpolation(int interpolation, Resize& resize)
         return resize.isHalf() || (isLinearExact(columns) && isLinearExact(rows));
     case kArea:
         resize.interpolation = RAVIK_INTERPOLATION_AREA;
-        return columns.scale >= 1 && rows.scale >= 1;
+        return columns.scale >= 1 && rows.scale >= 1 && (resize.isHalf() || !hasTies(columns, rows));
     default:
         return false;
     }
@@ -140,6 +148,10 @@ bool chooseInterpolation(int interpolation, Resize& resize)
 bool setResize(const Source& source, const Target& target, double inverseX, double inverseY, int interpolation,
                Resize& resize)
 {
+    if (interpolation == kNearestExact) { // does not look at the scales
+        inverseX = double(target.width) / source.width;
+        inverseY = double(target.height) / source.height;
+    }
     return setAxis(source.width, target.width, inverseX, resize.columns) &&
            setAxis(source.height, target.height, inverseY, resize.rows) && chooseInterpolation(interpolation, resize);
 }
@@ -177,11 +189,10 @@ rvkStatus resizeChannels(const uint8_t* src, uint32_t srcStride, int channels, u
     uint8_t* planes[4];
     for (int i = 0; i < channels; i++) {
         planes[i] = memory.get() + srcPlane + i * dstPlane;
-        const rvkStatus status = rvkChannelExtractu8(src, srcWidth, srcHeight, srcStride, nullptr, 0, format,
-                                                     RAVIK_CHANNEL_R + i, memory.get(), 0);
-        if (status != RAVIK_SUCCESS)
-            return status;
-        resizePlane(memory.get(), 0, planes[i], 0, resize);
+        if (rvkChannelExtractu8(src, srcWidth, srcHeight, srcStride, nullptr, 0, format, RAVIK_CHANNEL_R + i,
+                                memory.get(), 0) != RAVIK_SUCCESS ||
+            resizePlane(memory.get(), 0, planes[i], 0, resize) != RAVIK_SUCCESS)
+            return RAVIK_EFAIL;
     }
     return channels == 3 ? rvkChannelCombine3Planesu8(planes[0], dstWidth, dstHeight, 0, planes[1], 0, planes[2], 0,
                                                       dst, dstStride)
@@ -191,16 +202,12 @@ rvkStatus resizeChannels(const uint8_t* src, uint32_t srcStride, int channels, u
 
 // ---- warps -----------------------------------------------------------------------------------------------------------
 
-// Bilinear, with one of the borders that the library blends edges with as OpenCV does.
-bool isWarp(const Source& source, const Target& target, int interpolation, int borderType)
+// Bilinear, with a value outside. OpenCV rounds positions to 1/32 of a pixel and the library does not. OpenCV's tests
+// allow for that only with this border; with others they want the same rounding.
+bool isWarp(int type, const Source& source, const Target& target, int interpolation, int borderType)
 {
-    return interpolation == kLinear && (borderType == kConstant || borderType == kReplicate) &&
-           std::max(source.width, source.height) <= kLongest && areApart(source, target);
-}
-
-uint32_t borderOf(int borderType)
-{
-    return borderType == kConstant ? RAVIK_BORDER_CONSTANT : RAVIK_BORDER_REPLICATE;
+    return interpolation == kLinear && borderType == kConstant && std::max(source.width, source.height) <= kLongest &&
+           areApart(type, source, target);
 }
 
 // The largest absolute value that a row of a matrix takes in a picture, or more.
@@ -218,14 +225,15 @@ bool isPrecise(const double matrix[9], const Target& target)
     const auto [least, largest] =
         std::minmax({denominator(0, 0), denominator(right, 0), denominator(0, bottom), denominator(right, bottom)});
     const double nearest = least > 0 ? least : -largest;
-    const double furthest = std::max(reach(matrix, target), reach(matrix + 3, target));
-    return nearest > 1e-6 && nearest < 1e6 && reach(matrix + 6, target) < 8 * nearest && furthest < (1 << 14) * nearest;
+    const double furthest = (1 << 14) * nearest;
+    return nearest > 1e-6 && nearest < 1e6 && reach(matrix + 6, target) < 8 * nearest &&
+           reach(matrix, target) < furthest && reach(matrix + 3, target) < furthest;
 }
 
 int warp(int type, const Source& source, const Target& target, const double matrix[9], int interpolation,
          int borderType, const double borderValue[4])
 {
-    if (!isWarp(source, target, interpolation, borderType) || !isPrecise(matrix, target))
+    if (!isWarp(type, source, target, interpolation, borderType) || !isPrecise(matrix, target))
         return kNotImplemented;
     float32_t single[9];
     std::copy_n(matrix, 9, single);
@@ -235,12 +243,30 @@ int warp(int type, const Source& source, const Target& target, const double matr
     if (type == kOneByte)
         return done(rvkWarpPerspectiveu8_v4(source.data, source.width, source.height, srcStride, dst, target.width,
                                             target.height, dstStride, single, RAVIK_INTERPOLATION_BILINEAR,
-                                            borderOf(borderType), outside[0]));
+                                            RAVIK_BORDER_CONSTANT, outside[0]));
     if (type == kThreeBytes)
         return done(rvk3ChannelWarpPerspectiveu8_v2(source.data, source.width, source.height, srcStride, dst,
                                                     target.width, target.height, dstStride, single,
-                                                    RAVIK_INTERPOLATION_BILINEAR, borderOf(borderType), outside));
+                                                    RAVIK_INTERPOLATION_BILINEAR, RAVIK_BORDER_CONSTANT, outside));
     return kNotImplemented;
+}
+
+// ---- histograms ------------------------------------------------------------------------------------------------------
+
+// What OpenCV makes of each value: the darkest that occurs becomes 0, the others the share that is as dark or darker
+// without those; a picture of one value stays as it is.
+void equalizingTable(const uint32_t histogram[256], uint8_t table[256])
+{
+    const int darkest = int(std::find_if(histogram, histogram + 255, [](uint32_t n) { return n > 0; }) - histogram);
+    const int others = std::accumulate(histogram + darkest + 1, histogram + 256, 0);
+    std::fill_n(table, 256, uint8_t(others ? 0 : darkest));
+    if (!others)
+        return;
+    const float scale = 255.f / float(others);
+    for (int value = darkest + 1, sum = 0; value < 256; value++) {
+        sum += int(histogram[value]);
+        table[value] = toByte(float(sum) * scale);
+    }
 }
 
 } // namespace
@@ -253,7 +279,7 @@ int ravik_hal_resize(int srcType, const uint8_t* src, size_t srcStep, int srcWid
     const Source source{src, srcStep, srcWidth, srcHeight};
     const Target target{dst, dstStep, dstWidth, dstHeight, size_t(channels)};
     Resize resize;
-    if ((srcType != kOneByte && srcType != kThreeBytes && srcType != kFourBytes) || !areApart(source, target) ||
+    if (!areApart(srcType, source, target) ||
         !setResize(source, target, inverseScaleX, inverseScaleY, interpolation, resize) || !isFaster(channels, resize))
         return kNotImplemented;
     const uint32_t srcStride = strideOf(srcStep, srcHeight), dstStride = strideOf(dstStep, dstHeight);
@@ -265,6 +291,9 @@ int ravik_hal_warpAffine(int srcType, const uint8_t* src, size_t srcStep, int sr
                          size_t dstStep, int dstWidth, int dstHeight, const double matrix[6], int interpolation,
                          int borderType, const double borderValue[4])
 {
+    // Of a picture that becomes much smaller, most of what is asked for lies outside, which OpenCV has sooner.
+    if (srcType == kThreeBytes && std::abs(matrix[0] * matrix[4] - matrix[1] * matrix[3]) > 4)
+        return kNotImplemented;
     double whole[9] = {0, 0, 0, 0, 0, 0, 0, 0, 1};
     std::copy_n(matrix, 6, whole);
     return warp(srcType, {src, srcStep, srcWidth, srcHeight},
@@ -285,24 +314,35 @@ int ravik_hal_remap32f(int srcType, const uint8_t* src, size_t srcStep, int srcW
                        size_t dstStep, int dstWidth, int dstHeight, float* mapX, size_t mapXStep, float* mapY,
                        size_t mapYStep, int interpolation, int borderType, const double borderValue[4])
 {
-    if (srcType != kOneByte || (mapXStep != mapYStep && dstHeight > 1) ||
-        !isWarp({src, srcStep, srcWidth, srcHeight}, {dst, dstStep, dstWidth, dstHeight, 1}, interpolation,
-                borderType) ||
+    const Source source{src, srcStep, srcWidth, srcHeight};
+    const Target target{dst, dstStep, dstWidth, dstHeight, size_t(channelsOf(srcType))};
+    if (!isWarp(srcType, source, target, interpolation, borderType) || (mapXStep != mapYStep && dstHeight > 1) ||
         !areStrides(dstWidth, dstHeight, sizeof(float), {mapXStep}))
         return kNotImplemented;
-    return done(rvkRemapu8_v2(src, srcWidth, srcHeight, strideOf(srcStep, srcHeight), dst, dstWidth, dstHeight,
-                              strideOf(dstStep, dstHeight), mapX, mapY, strideOf(mapXStep, dstHeight),
-                              RAVIK_INTERPOLATION_BILINEAR, borderOf(borderType), toByte(borderValue[0])));
+    const uint32_t srcStride = strideOf(srcStep, srcHeight), dstStride = strideOf(dstStep, dstHeight),
+                   mapStride = strideOf(mapXStep, dstHeight);
+    if (srcType == kOneByte)
+        return done(rvkRemapu8_v2(src, srcWidth, srcHeight, srcStride, dst, dstWidth, dstHeight, dstStride, mapX, mapY,
+                                  mapStride, RAVIK_INTERPOLATION_BILINEAR, RAVIK_BORDER_CONSTANT,
+                                  toByte(borderValue[0])));
+    if (srcType != kFourBytes || std::any_of(borderValue, borderValue + 4, toByte))
+        return kNotImplemented;
+    rvkRemapRGBA8888BLu8(src, srcWidth, srcHeight, srcStride, dst, dstWidth, dstHeight, dstStride, mapX, mapY,
+                         mapStride);
+    return kOk;
 }
 
 int ravik_hal_integral(int depth, int sumDepth, int squaresDepth, const uint8_t* src, size_t srcStep, uint8_t* sum,
                        size_t sumStep, uint8_t* squares, size_t squaresStep, uint8_t* tilted, size_t tiltedStep,
                        int width, int height, int channels)
 {
+    const auto isTable = [&](uint8_t* table, size_t step) {
+        return areStrides(width + 1, std::max(height, 2), sizeof(uint32_t), {step}) &&
+               !overlap({src, srcStep, width, height}, {table, step, width + 1, height + 1, sizeof(uint32_t)});
+    };
     if (depth != k8U || sumDepth != k32S || channels != 1 || (squares && squaresDepth != k32S) ||
-        !areStrides(width, height, 1, {srcStep}) || !areStrides(width + 1, height + 1, sizeof(uint32_t), {sumStep}) ||
-        (squares && !areStrides(width + 1, height + 1, sizeof(uint32_t), {squaresStep})) ||
-        (tilted && !areStrides(width + 1, height + 1, sizeof(uint32_t), {tiltedStep})))
+        !areStrides(width, height, 1, {srcStep}) || !isTable(sum, sumStep) ||
+        (squares && !isTable(squares, squaresStep)) || (tilted && !isTable(tilted, tiltedStep)))
         return kNotImplemented;
     const uint32_t srcStride = strideOf(srcStep, height);
     auto* const sums = reinterpret_cast<uint32_t*>(sum);
@@ -316,7 +356,6 @@ int ravik_hal_integral(int depth, int sumDepth, int squaresDepth, const uint8_t*
     return kOk;
 }
 
-// The darkest value that occurs becomes 0; a picture of one value stays as it is.
 int ravik_hal_equalize_hist(const uint8_t* src, size_t srcStep, uint8_t* dst, size_t dstStep, int width, int height)
 {
     const bool inPlace = src == dst && (srcStep == dstStep || height == 1);
@@ -325,16 +364,7 @@ int ravik_hal_equalize_hist(const uint8_t* src, size_t srcStep, uint8_t* dst, si
         return kNotImplemented;
     uint32_t histogram[256];
     rvkImageIntensityHistogram(src, strideOf(srcStep, height), 0, 0, width, height, histogram);
-    const uint32_t* const darkest = std::find_if(histogram, histogram + 256, [](uint32_t count) { return count > 0; });
-    const int brighter = width * height - int(*darkest);
-    uint8_t table[256] = {};
-    int first = int(darkest - histogram), sum = 0;
-    if (brighter == 0)
-        table[first] = uint8_t(first);
-    const float scale = brighter ? 255.f / float(brighter) : 0.f;
-    for (int v = first + 1; v < 256 && brighter; v++) {
-        sum += int(histogram[v]);
-        table[v] = toByte(float(sum) * scale);
-    }
+    uint8_t table[256];
+    equalizingTable(histogram, table);
     return done(rvkTableLookupu8(src, width, height, strideOf(srcStep, height), table, dst, strideOf(dstStep, height)));
 }

@@ -67,10 +67,10 @@ cv::Size half(Draw& draw, cv::Size& source)
     return size;
 }
 
-cv::Size odd(Draw& draw, cv::Size& source)
+cv::Size byWhole(Draw& draw, cv::Size& source)
 {
     const cv::Size size(draw.size().width / 3 + 1, draw.size().height / 3 + 1);
-    source = times(size, draw.among({3, 1, 3, 5, 7}), draw.among({3, 3, 1, 5}));
+    source = times(size, draw.among({3, 1, 3, 4, 5, 7}), draw.among({3, 3, 1, 4, 5}));
     return size;
 }
 
@@ -134,8 +134,8 @@ cv::Matx33d perspective(Draw& draw, cv::Size size)
             1};
 }
 
-// Positions of OpenCV are rounded to 1/32 of a pixel: half of that in each direction makes 255 / 32 of a grey level,
-// and results are rounded. Its own tests allow 16.
+// Positions of OpenCV are rounded to 1/32 of a pixel: half of that in each direction makes 255 / 32 grey levels, and
+// results are rounded. Its own tests allow 16.
 constexpr double kWithinOfWarps = 11;
 
 Operation warping(const char* name, std::vector<int> types, std::function<Unary(Draw&, cv::Size)> prepare)
@@ -218,7 +218,7 @@ std::vector<Operation> geometryOperations()
                  half),
         resizing("resize.area", {CV_8UC1}, {cv::INTER_AREA}, smaller, 1),
         resizing("resize.area.3", {CV_8UC3, CV_8UC4, CV_16UC1}, {cv::INTER_AREA}, smaller, 1),
-        resizing("resize.areaOdd", {CV_8UC1, CV_8UC3, CV_8UC4}, {cv::INTER_AREA}, odd),
+        resizing("resize.areaByWhole", {CV_8UC1, CV_8UC3, CV_8UC4}, {cv::INTER_AREA}, byWhole),
         resizing("resize.linear", {CV_8UC1}, {cv::INTER_LINEAR, cv::INTER_LINEAR, cv::INTER_CUBIC}, any, 1),
         resizing("resize.linear.3", {CV_8UC3, CV_8UC3, CV_8UC2, CV_8UC4, CV_32FC1}, {cv::INTER_LINEAR}, any, 1),
         resizing("resize.linearLarger", {CV_8UC1}, {cv::INTER_LINEAR}, larger, 1),
@@ -230,6 +230,9 @@ std::vector<Operation> geometryOperations()
         resizing("resize.nearestExact", {CV_8UC1, CV_8UC3}, {cv::INTER_NEAREST_EXACT, cv::INTER_NEAREST}, any),
         resizing("resize.nearestExactLarger", {CV_8UC1}, {cv::INTER_NEAREST_EXACT}, larger),
         resizingByFactor("resize.halfByFactor", {cv::INTER_LINEAR, cv::INTER_LINEAR_EXACT}, {0.5}),
+        resizingByFactor("resize.exactByFactor",
+                         {cv::INTER_NEAREST_EXACT, cv::INTER_LINEAR_EXACT, cv::INTER_NEAREST, cv::INTER_LINEAR_EXACT},
+                         {0.8, 0.5, 1 / 3., 0.7, 0.4, 2., 3.}),
         resizingByFactor("resize.areaByFactor", {cv::INTER_AREA}, {0.3, 1 / 3., 0.25, 0.9}, 1),
         resizingByFactor("resize.linearByFactor", {cv::INTER_LINEAR}, {0.7, 1 / 3., 0.25, 1.4}, 1),
         warping("warpAffine", {CV_8UC1}, affineWarp),
