@@ -46,7 +46,7 @@ bool areApart(int type, const Source& source, const Target& target)
            !overlap({source.data, source.step, source.width * pixel, source.height}, target);
 }
 
-// ---- resize ----------------------------------------------------------------------------------------------------------
+// ---- resize ---------------------------------------------------------------------------------------------------------
 
 // The columns of a picture that is resized, or its rows.
 struct Axis
@@ -91,7 +91,7 @@ bool isNearest(const Axis& axis)
 // In 16 bits after the point.
 bool isNearestExact(const Axis& axis)
 {
-    if (axis.src > kLongest)
+    if (std::max(axis.src, axis.dst) > kLongest) // more than 32 bits hold
         return false;
     const int step = ((axis.src << 16) + axis.dst / 2) / axis.dst;
     return hasLibrarysColumns(axis, [&](int x) { return (step * x + step / 2 - 1) >> 16; });
@@ -113,7 +113,7 @@ struct Resize
     bool isEnlarging() const { return columns.src <= columns.dst && rows.src <= rows.dst; }
 };
 
-// Whether means of whole pixels may lie between two numbers: OpenCV takes the even one of them, but not of 2 x 2 pixels.
+// Whether means of whole pixels may lie between two numbers. OpenCV takes the even one of them, but for 2 x 2 pixels.
 bool hasTies(const Axis& columns, const Axis& rows)
 {
     return columns.isByWhole() && rows.isByWhole() && std::lrint(columns.scale) * std::lrint(rows.scale) % 2 == 0;
@@ -200,7 +200,7 @@ rvkStatus resizeChannels(const uint8_t* src, uint32_t srcStride, int channels, u
                                                       planes[3], 0, dst, dstStride);
 }
 
-// ---- warps -----------------------------------------------------------------------------------------------------------
+// ---- warps ----------------------------------------------------------------------------------------------------------
 
 // Bilinear, with a value outside. OpenCV rounds positions to 1/32 of a pixel and the library does not. OpenCV's tests
 // allow for that only with this border; with others they want the same rounding.
@@ -251,7 +251,7 @@ int warp(int type, const Source& source, const Target& target, const double matr
     return kNotImplemented;
 }
 
-// ---- histograms ------------------------------------------------------------------------------------------------------
+// ---- histograms -----------------------------------------------------------------------------------------------------
 
 // What OpenCV makes of each value: the darkest that occurs becomes 0, the others the share that is as dark or darker
 // without those; a picture of one value stays as it is.
