@@ -291,8 +291,8 @@ int ravik_hal_warpAffine(int srcType, const uint8_t* src, size_t srcStep, int sr
                          size_t dstStep, int dstWidth, int dstHeight, const double matrix[6], int interpolation,
                          int borderType, const double borderValue[4])
 {
-    // Of a picture that becomes much smaller, most of what is asked for lies outside, which OpenCV has sooner.
-    if (srcType == kThreeBytes && std::abs(matrix[0] * matrix[4] - matrix[1] * matrix[3]) > 4)
+    // Of a picture that becomes smaller, much of what is asked for lies outside, which OpenCV has sooner.
+    if (srcType == kThreeBytes && std::abs(matrix[0] * matrix[4] - matrix[1] * matrix[3]) > 1.5)
         return kNotImplemented;
     double whole[9] = {0, 0, 0, 0, 0, 0, 0, 0, 1};
     std::copy_n(matrix, 6, whole);
