@@ -4,11 +4,13 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <functional>
 #include <vector>
 
 #if RVK_TEST_OPENCV
 #include <opencv2/core.hpp>
+#include <opencv2/imgproc.hpp>
 #endif
 
 namespace {
@@ -50,6 +52,40 @@ std::vector<Hook> hooks()
          [](In src, size_t srcStep, Out dst, size_t dstStep, int width, int height) {
              return ravik_hal_rotate90(0, src, srcStep, width, height, dst, dstStep, 90);
          }},
+        {"resize", 1, 1,
+         [](In src, size_t srcStep, Out dst, size_t dstStep, int width, int height) {
+             return ravik_hal_resize(0, src, srcStep, width, height, dst, dstStep, width, height, 1, 1, 1);
+         }},
+        {"resize of 3 channels", 1, 1,
+         [](In src, size_t srcStep, Out dst, size_t dstStep, int width, int height) {
+             return ravik_hal_resize(2 << 3, src, srcStep, width, height, dst, dstStep, width, height, 1, 1, 1);
+         }},
+        {"warpAffine", 1, 1,
+         [](In src, size_t srcStep, Out dst, size_t dstStep, int width, int height) {
+             const double matrix[] = {1, 0, 0.5, 0, 1, 0.5}, border[4] = {};
+             return ravik_hal_warpAffine(2 << 3, src, srcStep, width, height, dst, dstStep, width, height, matrix, 1, 0,
+                                         border);
+         }},
+        {"remap32f", 1, 1,
+         [](In src, size_t srcStep, Out dst, size_t dstStep, int width, int height) {
+             float map[64] = {};
+             const double border[4] = {};
+             return ravik_hal_remap32f(0, src, srcStep, width, height, dst, dstStep, width, height, map, 16, map, 16, 1,
+                                       0, border);
+         }},
+        {"cvtBGRtoBGR", 1, 1,
+         [](In src, size_t srcStep, Out dst, size_t dstStep, int width, int height) {
+             return ravik_hal_cvtBGRtoBGR(src, srcStep, dst, dstStep, width, height, 0, 3, 4, true);
+         }},
+        {"cvtGraytoBGR", 1, 1,
+         [](In src, size_t srcStep, Out dst, size_t dstStep, int width, int height) {
+             return ravik_hal_cvtGraytoBGR(src, srcStep, dst, dstStep, width, height, 0, 3);
+         }},
+        {"integral", 1, 4,
+         [](In src, size_t srcStep, Out dst, size_t dstStep, int width, int height) {
+             return ravik_hal_integral(0, 4, 6, src, srcStep, dst, dstStep, nullptr, 0, nullptr, 0, width, height, 1);
+         }},
+        {"equalize_hist", 1, 1, ravik_hal_equalize_hist},
         {"transpose2d", 4, 4,
          [](In src, size_t srcStep, Out dst, size_t dstStep, int width, int height) {
              return ravik_hal_transpose2d(src, srcStep, dst, dstStep, width, height, 4);
@@ -106,6 +142,30 @@ TEST(OpencvHal, CornersOfOtherKindsAreLeftToOpenCV)
     EXPECT_EQ(stored, 1);
 }
 
+// Warps by matrices that single precision does not hold, or that have no finite positions.
+TEST(OpencvHal, DoubtfulMatricesAreLeftToOpenCV)
+{
+    const std::vector<uint8_t> src(400, 9);
+    std::vector<uint8_t> dst(400);
+    const double border[4] = {};
+    const auto warp = [&](const std::vector<double>& matrix, int interpolation, int borderType) {
+        return ravik_hal_warpPerspective(0, src.data(), 20, 20, 20, dst.data(), 20, 20, 20, matrix.data(),
+                                         interpolation, borderType, border);
+    };
+    EXPECT_EQ(warp({1, 0, NAN, 0, 1, 0, 0, 0, 1}, 1, 0), kNotImplemented);
+    EXPECT_EQ(warp({1, 0, 0, 0, INFINITY, 0, 0, 0, 1}, 1, 0), kNotImplemented);
+    EXPECT_EQ(warp({1, 0, 0, 0, 1, NAN, 0, 0, 1}, 1, 0), kNotImplemented);
+    EXPECT_EQ(warp({1, 0, 0, 0, 1, 0, 0, NAN, 1}, 1, 0), kNotImplemented);
+    EXPECT_EQ(warp({1e9, 0, -1e9, 0, 1, 0, 0, 0, 1}, 1, 0), kNotImplemented); // differences of large numbers
+    EXPECT_EQ(warp({1, 0, 0, 0, 1, 0, -0.1, 0, 1}, 1, 0), kNotImplemented);   // a horizon in the picture
+    EXPECT_EQ(warp({1, 0, 0, 0, 1, 0, 0, 0, 0}, 1, 0), kNotImplemented);      // no denominator
+    EXPECT_EQ(warp({1, 0, 0, 0, 1, 0, 0, 0, 1}, 0, 0), kNotImplemented);      // the nearest pixel
+    EXPECT_EQ(warp({1, 0, 0, 0, 1, 0, 0, 0, 1}, 1, 5), kNotImplemented);      // transparent
+    EXPECT_EQ(dst, std::vector<uint8_t>(400));
+    EXPECT_EQ(warp({-2, 0, 0, 0, -2, 0, 0, 0, -2}, 1, 0), 0);
+    EXPECT_EQ(dst, src);
+}
+
 // The step of a picture of one row means nothing.
 TEST(OpencvHal, OneRowHasAnyStep)
 {
@@ -116,6 +176,12 @@ TEST(OpencvHal, OneRowHasAnyStep)
         EXPECT_EQ(dst[0], 3);
         EXPECT_EQ(dst[1], 100);
         EXPECT_EQ(dst[2], 0);
+        uint8_t colors[9];
+        ASSERT_EQ(ravik_hal_cvtGraytoBGR(a, step, colors, step, 3, 1, 0, 3), 0);
+        EXPECT_EQ(colors[5], 200);
+        ASSERT_EQ(ravik_hal_resize(0, a, step, 3, 1, colors, step, 9, 1, 3, 1, 0), 0);
+        EXPECT_EQ(colors[3], 200);
+        EXPECT_EQ(colors[8], 3);
     }
 }
 
@@ -206,6 +272,46 @@ TEST(OpencvHal, ComputesAsOpenCVDoes)
         ASSERT_EQ(ravik_hal_normHammingDiff8u(row.data, other.data, width, 1, &count), 0);
         EXPECT_EQ(count, cv::norm(row, other, cv::NORM_HAMMING));
         EXPECT_EQ(ravik_hal_normHamming8u(row.data, width, 2, &count), kNotImplemented);
+    }
+}
+
+TEST(OpencvHal, EqualizesAsOpenCVDoes)
+{
+    for (int round = 0; round < 100; round++) {
+        const cv::Mat src = region(CV_8U, randomSize()), dst = region(CV_8U, src.size());
+        const int least = round % 200, most = least + 1 + round % 50;
+        random.fill(src, cv::RNG::UNIFORM, least, most);
+        cv::Mat expected;
+        cv::equalizeHist(src, expected);
+        expectSame(ravik_hal_equalize_hist(src.data, src.step, dst.data, dst.step, src.cols, src.rows), dst, expected);
+        expectSame(ravik_hal_equalize_hist(src.data, src.step, src.data, src.step, src.cols, src.rows), src, expected);
+    }
+}
+
+// OpenCV rounds positions to 1/32 of a pixel.
+TEST(OpencvHal, RemapsNearlyAsOpenCVDoes)
+{
+    for (int round = 0; round < 100; round++) {
+        const int type = round % 3 ? CV_8UC1 : CV_8UC4;
+        const cv::Mat src = region(type, randomSize()), dst = region(type, randomSize());
+        const cv::Mat maps = region(CV_32F, {dst.cols * 2, dst.rows});
+        cv::Mat mapX = maps.colRange(0, dst.cols), mapY = maps.colRange(dst.cols, 2 * dst.cols);
+        random.fill(mapX, cv::RNG::UNIFORM, -5, src.cols + 5);
+        random.fill(mapY, cv::RNG::UNIFORM, -5, src.rows + 5);
+        mapX.at<float>(0, 0) = round % 2 ? NAN : 1e5f;
+        mapY.at<float>(0, 0) = -INFINITY;
+        const cv::Scalar value(type == CV_8UC1 ? 99.6 : 0);
+        const auto hook = [&](int interpolation, int border) {
+            return ravik_hal_remap32f(src.type(), src.data, src.step, src.cols, src.rows, dst.data, dst.step, dst.cols,
+                                      dst.rows, mapX.ptr<float>(), mapX.step, mapY.ptr<float>(), mapY.step,
+                                      interpolation, border, value.val);
+        };
+        cv::Mat expected;
+        cv::remap(src, expected, mapX, mapY, cv::INTER_LINEAR, cv::BORDER_CONSTANT, value);
+        ASSERT_EQ(hook(cv::INTER_LINEAR, cv::BORDER_CONSTANT), 0);
+        EXPECT_LE(cv::norm(dst, expected, cv::NORM_INF), 10);
+        EXPECT_EQ(hook(cv::INTER_CUBIC, cv::BORDER_CONSTANT), kNotImplemented);
+        EXPECT_EQ(hook(cv::INTER_LINEAR, cv::BORDER_REPLICATE), kNotImplemented);
     }
 }
 

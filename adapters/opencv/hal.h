@@ -29,8 +29,8 @@ inline uint32_t strideOf(size_t step, int height)
     return height == 1 ? 0 : uint32_t(step);
 }
 
-// Whether the library can take pictures with such a size and such steps. A step below the row would be one of rows
-// that overlap, or of one row that is repeated.
+// Whether the library can take pictures with such a size and such steps, below 2^31 bytes. A step below the row would
+// be one of rows that overlap, or of one row that is repeated.
 inline bool areStrides(int width, int height, size_t elementSize, std::initializer_list<size_t> steps)
 {
     if (width <= 0 || height <= 0 || width > INT32_MAX / 64)
@@ -38,7 +38,7 @@ inline bool areStrides(int width, int height, size_t elementSize, std::initializ
     if (height == 1)
         return true;
     for (size_t step : steps) {
-        if (step % elementSize || step < width * elementSize || step > INT32_MAX / 2)
+        if (step % elementSize || step < width * elementSize || step > size_t(INT32_MAX) / height)
             return false;
     }
     return true;

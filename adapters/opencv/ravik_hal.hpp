@@ -148,6 +148,56 @@ RAVIK_HAL_API int ravik_hal_morphFree(cvhalFilter2D* context);
 #undef cv_hal_morphFree
 #define cv_hal_morphFree ravik_hal_morphFree
 
+RAVIK_HAL_API int ravik_hal_resize(int srcType, const uint8_t* src, size_t srcStep, int srcWidth, int srcHeight,
+                                   uint8_t* dst, size_t dstStep, int dstWidth, int dstHeight, double inverseScaleX,
+                                   double inverseScaleY, int interpolation);
+#undef cv_hal_resize
+#define cv_hal_resize ravik_hal_resize
+
+RAVIK_HAL_API int ravik_hal_warpAffine(int srcType, const uint8_t* src, size_t srcStep, int srcWidth, int srcHeight,
+                                       uint8_t* dst, size_t dstStep, int dstWidth, int dstHeight,
+                                       const double matrix[6], int interpolation, int borderType,
+                                       const double borderValue[4]);
+#undef cv_hal_warpAffine
+#define cv_hal_warpAffine ravik_hal_warpAffine
+
+RAVIK_HAL_API int ravik_hal_warpPerspective(int srcType, const uint8_t* src, size_t srcStep, int srcWidth,
+                                            int srcHeight, uint8_t* dst, size_t dstStep, int dstWidth, int dstHeight,
+                                            const double matrix[9], int interpolation, int borderType,
+                                            const double borderValue[4]);
+#undef cv_hal_warpPerspective
+#define cv_hal_warpPerspective ravik_hal_warpPerspective
+
+RAVIK_HAL_API int ravik_hal_remap32f(int srcType, const uint8_t* src, size_t srcStep, int srcWidth, int srcHeight,
+                                     uint8_t* dst, size_t dstStep, int dstWidth, int dstHeight, float* mapX,
+                                     size_t mapXStep, float* mapY, size_t mapYStep, int interpolation, int borderType,
+                                     const double borderValue[4]);
+#ifdef cv_hal_remap32f
+#undef cv_hal_remap32f
+#define cv_hal_remap32f ravik_hal_remap32f
+#endif
+
+RAVIK_HAL_API int ravik_hal_cvtBGRtoBGR(const uint8_t* src, size_t srcStep, uint8_t* dst, size_t dstStep, int width,
+                                        int height, int depth, int srcChannels, int dstChannels, bool swapBlue);
+#undef cv_hal_cvtBGRtoBGR
+#define cv_hal_cvtBGRtoBGR ravik_hal_cvtBGRtoBGR
+
+RAVIK_HAL_API int ravik_hal_cvtBGRtoBGR5x5(const uint8_t* src, size_t srcStep, uint8_t* dst, size_t dstStep, int width,
+                                           int height, int srcChannels, bool swapBlue, int greenBits);
+#undef cv_hal_cvtBGRtoBGR5x5
+#define cv_hal_cvtBGRtoBGR5x5 ravik_hal_cvtBGRtoBGR5x5
+
+RAVIK_HAL_API int ravik_hal_cvtGraytoBGR(const uint8_t* src, size_t srcStep, uint8_t* dst, size_t dstStep, int width,
+                                         int height, int depth, int dstChannels);
+#undef cv_hal_cvtGraytoBGR
+#define cv_hal_cvtGraytoBGR ravik_hal_cvtGraytoBGR
+
+RAVIK_HAL_API int ravik_hal_integral(int depth, int sumDepth, int squaresDepth, const uint8_t* src, size_t srcStep,
+                                     uint8_t* sum, size_t sumStep, uint8_t* squares, size_t squaresStep,
+                                     uint8_t* tilted, size_t tiltedStep, int width, int height, int channels);
+#undef cv_hal_integral
+#define cv_hal_integral ravik_hal_integral
+
 RAVIK_HAL_API int ravik_hal_medianBlur(const uint8_t* src, size_t srcStep, uint8_t* dst, size_t dstStep, int width,
                                        int height, int depth, int channels, int ksize);
 #undef cv_hal_medianBlur
@@ -165,6 +215,13 @@ RAVIK_HAL_API int ravik_hal_boxFilter(const uint8_t* src, size_t srcStep, uint8_
                                       int anchorY, bool normalize, int borderType);
 #undef cv_hal_boxFilter
 #define cv_hal_boxFilter ravik_hal_boxFilter
+
+RAVIK_HAL_API int ravik_hal_equalize_hist(const uint8_t* src, size_t srcStep, uint8_t* dst, size_t dstStep, int width,
+                                          int height);
+#ifdef cv_hal_equalize_hist
+#undef cv_hal_equalize_hist
+#define cv_hal_equalize_hist ravik_hal_equalize_hist
+#endif
 
 RAVIK_HAL_API int ravik_hal_sobel(const uint8_t* src, size_t srcStep, uint8_t* dst, size_t dstStep, int width,
                                   int height, int srcDepth, int dstDepth, int channels, int left, int top, int right,
