@@ -9,7 +9,8 @@
 #   check      random calls on both: the same results
 #   time       how much faster, at 640x480 and 1920x1080, on one thread
 #
-# Without a step: all of these. "needs" installs what they need. After a step's name and a colon may stand a part of an operation's name: time:Canny.
+# Without a step: all of these. "needs" installs what they need. After a step's name and a colon may stand a part of an
+# operation's name: time:canny.
 set -u
 . "$(dirname "$0")/../../tools/setup.sh"
 
@@ -123,7 +124,11 @@ test_()
     return $result
 }
 
-compare() { /usr/bin/python3 "$root/adapters/opencv/compare.py" "$folder/compare/ravikHalCompare" "$folder/plain/lib" "$folder/adapted/lib" "$@"; }
+compare()
+{
+    /usr/bin/python3 "$root/adapters/opencv/compare.py" "$folder/compare/ravikHalCompare" "$folder/plain/lib" \
+        "$folder/adapted/lib" "$@"
+}
 check_() { compare check "$@"; }
 time_() { compare time "$@"; }
 
