@@ -423,7 +423,8 @@ public:
     }
     bool exists() const { return m_places && m_offsets && m_laterOffsets && m_indices; }
     void fill(Axis axis);
-    void pick(const uint8_t* row, size_t columns, uint8_t* dst) const;
+    // `ahead` bytes from `dst` on is where the next row goes, 0: that will be in the cache.
+    void pick(const uint8_t* row, size_t columns, uint8_t* dst, size_t ahead) const;
 
 private:
     enum class From { places, windows, wideWindows, twoWideWindows };
@@ -484,16 +485,22 @@ bool Places::makeTwoWindows()
     return hold;
 }
 
-RVK_NOINLINE void Places::pick(const uint8_t* row, size_t columns, uint8_t* dst) const
+RVK_NOINLINE void Places::pick(const uint8_t* row, size_t columns, uint8_t* dst, size_t ahead) const
 {
+    const auto fetchNext = [=](size_t x) RVK_INLINE_LAMBDA {
+        if (ahead)
+            __builtin_prefetch(dst + x + ahead, 1);
+    };
     const uint32_t *const offsets = m_offsets.get(), *const laterOffsets = m_laterOffsets.get();
     const uint8_t* const indices = m_indices.get();
     if (m_from == From::windows) {
         mapColumns(0, columns, dst, [=](size_t x) RVK_INLINE_LAMBDA {
+            fetchNext(x);
             return lookupWindows<1>(row, offsets + x / kWindow, load(indices + x));
         });
     } else if (m_from == From::wideWindows) {
         mapColumns(0, columns, dst, [=](size_t x) RVK_INLINE_LAMBDA {
+            fetchNext(x);
             return lookupWindows<2>(row, offsets + x / kWindow, load(indices + x));
         });
     } else if (m_from == From::twoWideWindows) {
@@ -522,6 +529,8 @@ void scaleNearest(const Resizing& r)
     if (hasPlaces)
         places.fill(columnsOf(r));
     Quotients row = pixelsAtCentres(rowsOf(r));
+    // A destination that outgrows the second-level cache waits for its lines otherwise.
+    const size_t ahead = size_t{r.dstStride} * r.dstHeight > (size_t{1} << 20) ? r.dstStride : 0;
     int64_t previous = -1;
     for (size_t y = 0; y < r.dstHeight; ++y, row.next()) {
         const uint8_t* const src = sourceRow(r, static_cast<size_t>(row.value()));
@@ -529,7 +538,7 @@ void scaleNearest(const Resizing& r)
         if (row.value() == previous) {
             __builtin_memcpy(dst, targetRow(r, y - 1), r.dstWidth);
         } else if (hasPlaces) {
-            places.pick(src, r.dstWidth, dst);
+            places.pick(src, r.dstWidth, dst, ahead);
         } else {
             Quotients column = pixelsAtCentres(columnsOf(r));
             for (size_t x = 0; x < r.dstWidth; ++x, column.next())
