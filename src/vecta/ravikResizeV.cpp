@@ -489,7 +489,7 @@ RVK_NOINLINE void Places::pick(const uint8_t* row, size_t columns, uint8_t* dst,
 {
     const auto fetchNext = [=](size_t x) RVK_INLINE_LAMBDA {
         if (ahead)
-            __builtin_prefetch(dst + x + ahead, 1);
+            prefetch(dst + x + ahead, kBytes);
     };
     const uint32_t *const offsets = m_offsets.get(), *const laterOffsets = m_laterOffsets.get();
     const uint8_t* const indices = m_indices.get();
