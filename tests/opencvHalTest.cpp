@@ -86,6 +86,19 @@ std::vector<Hook> hooks()
              return ravik_hal_integral(0, 4, 6, src, srcStep, dst, dstStep, nullptr, 0, nullptr, 0, width, height, 1);
          }},
         {"equalize_hist", 1, 1, ravik_hal_equalize_hist},
+        {"threshold", 1, 1,
+         [](In src, size_t srcStep, Out dst, size_t dstStep, int width, int height) {
+             return ravik_hal_threshold(src, srcStep, dst, dstStep, width, height, 0, 1, 100, 255, 0);
+         }},
+        {"medianBlur", 1, 1,
+         [](In src, size_t srcStep, Out dst, size_t dstStep, int width, int height) {
+             return ravik_hal_medianBlur(src, srcStep, dst, dstStep, width, height, 0, 1, 3);
+         }},
+        {"boxFilter beside other pixels", 1, 1,
+         [](In src, size_t srcStep, Out dst, size_t dstStep, int width, int height) {
+             return ravik_hal_boxFilter(src, srcStep, dst, dstStep, width, height, 0, 0, 1, 0, 0, 0, 1, 3, 3, 1, 1,
+                                        true, 4);
+         }},
         {"transpose2d", 4, 4,
          [](In src, size_t srcStep, Out dst, size_t dstStep, int width, int height) {
              return ravik_hal_transpose2d(src, srcStep, dst, dstStep, width, height, 4);

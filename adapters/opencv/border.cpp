@@ -130,28 +130,33 @@ int rowsOfBand(const Target& target, int radius)
 
 } // namespace
 
-bool overlap(const Source& source, const Target& target)
+Extent extentOf(const Source& source)
 {
-    const auto begin = [](const void* data) { return reinterpret_cast<uintptr_t>(data); };
-    const uintptr_t sourceEnd = begin(source.data) + (source.height - 1) * source.step + source.width;
-    const uintptr_t targetEnd =
-        begin(target.data) + (target.height - 1) * target.step + target.width * target.pixelSize;
-    return begin(source.data) < targetEnd && begin(target.data) < sourceEnd;
+    const uint8_t* first = source.data - ptrdiff_t(source.top) * ptrdiff_t(source.step) - source.left;
+    return extentOf(first, source.step, size_t(source.left + source.width + source.right),
+                    source.top + source.height + source.bottom);
+}
+
+Extent extentOf(const Target& target)
+{
+    return extentOf(target.data, target.step, target.width * target.pixelSize, target.height);
 }
 
 int filterWithBorder(const Source& source, const Target& target, const Outside& outside, const Windows& windows)
 {
     if (outside.border < kConstant || outside.border > kReflect101 ||
         !areStrides(source.width, source.height, 1, {source.step}) ||
-        !areStrides(target.width, target.height, target.pixelSize, {target.step}) ||
-        uint64_t(source.step) * uint64_t(source.height) > INT32_MAX)
+        !areStrides(target.width, target.height, target.pixelSize, {target.step}))
         return kNotImplemented;
-    const bool overlapping = overlap(source, target);
-    if (windows.hasBorder && !source.hasSurroundings() && !overlapping)
+    const bool inPlace = source.data == target.data && target.pixelSize == 1 && windows.scale == 1 &&
+                         (source.step == target.step || source.height == 1);
+    if (!inPlace && !areApart(extentOf(source), extentOf(target)))
+        return kNotImplemented;
+    if (windows.hasBorder && !source.hasSurroundings() && !inPlace)
         return done(windows.filter(source.data, source.width, source.height, strideOf(source.step, source.height),
                                    target.data, strideOf(target.step, target.height)));
-    // Where rows would be overwritten that are still needed, all of them are one band.
-    const int most = overlapping ? target.height : std::min(rowsOfBand(target, windows.radius), target.height);
+    // Rows would be overwritten that are still needed: then all of them are one band.
+    const int most = inPlace ? target.height : std::min(rowsOfBand(target, windows.radius), target.height);
     Bands bands(target, most, windows);
     if (!bands.hasMemory())
         return kNotImplemented;

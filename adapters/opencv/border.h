@@ -34,8 +34,9 @@ struct Outside
     uint8_t value = 0; // of the constant border
 };
 
-// Whether bytes of the two are the same.
-bool overlap(const Source& source, const Target& target);
+// The memory of a source with what surrounds it, and of a target.
+Extent extentOf(const Source& source);
+Extent extentOf(const Target& target);
 
 // A function of the library on one picture of bytes: (src, width, height, srcStride, dst, dstStride).
 using Filter = std::function<rvkStatus(const uint8_t*, uint32_t, uint32_t, uint32_t, void*, uint32_t)>;
@@ -49,8 +50,9 @@ struct Windows
     int scale = 1;  // with 2 the pixel (x, y) of the target has its window around the source's pixel (2x, 2y)
 };
 
-// The target becomes what the windows make of the source, with OpenCV's border around it. The two may overlap. Returns
-// what a hook returns.
+// The target becomes what the windows make of the source, with OpenCV's border around it. It is the source itself, or
+// apart from it and from what surrounds it; otherwise OpenCV's result depends on the order in which it reads and writes.
+// Returns what a hook returns.
 int filterWithBorder(const Source& source, const Target& target, const Outside& outside, const Windows& windows);
 
 } // namespace rvk::hal

@@ -1,6 +1,6 @@
 // The hooks of OpenCV's module imgproc that change the layout of colours. Its names say BGR where the first byte is
 // blue, the library's say RGB where it is red: which one it is does not matter to those that keep or swap the two.
-#include "border.h"
+#include "hal.h"
 
 #include <ravik/channel.h>
 #include <ravik/color.h>
@@ -29,9 +29,8 @@ bool areConvertible(const Pictures& p)
     if (!areStrides(p.width, p.height, 1, {}) || !areStrides(p.width * p.srcPixel, p.height, 1, {p.srcStep}) ||
         !areStrides(p.width * p.dstPixel, p.height, 1, {p.dstStep}))
         return false;
-    const bool inPlace = p.src == p.dst && p.srcPixel == p.dstPixel && (p.srcStep == p.dstStep || p.height == 1);
-    return inPlace || !overlap({p.src, p.srcStep, p.width * p.srcPixel, p.height},
-                               {p.dst, p.dstStep, p.width, p.height, size_t(p.dstPixel)});
+    return mayWrite(p.src, p.srcStep, size_t(p.width) * p.srcPixel, p.dst, p.dstStep, size_t(p.width) * p.dstPixel,
+                    p.height);
 }
 
 int convert(Conversion conversion, const Pictures& p)

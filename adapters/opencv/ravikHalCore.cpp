@@ -20,33 +20,6 @@ using namespace rvk::hal;
 
 namespace {
 
-// The memory of a picture, from its first byte to behind its last.
-struct Extent
-{
-    uintptr_t begin, end;
-};
-
-Extent extentOf(const void* picture, size_t step, size_t rowBytes, int height)
-{
-    const uintptr_t begin = reinterpret_cast<uintptr_t>(picture);
-    return {begin, begin + size_t(height - 1) * step + rowBytes};
-}
-
-bool areApart(Extent a, Extent b)
-{
-    return a.end <= b.begin || b.end <= a.begin;
-}
-
-// Where a function of the library may read `src` while it writes `dst`: at the same place, or in another memory. Of
-// destinations that overlap a source otherwise OpenCV's result depends on the order in which it reads and writes.
-bool mayWrite(const void* src, size_t srcStep, size_t srcRow, const void* dst, size_t dstStep, size_t dstRow,
-              int height)
-{
-    if (src == dst)
-        return srcRow == dstRow && (height == 1 || srcStep == dstStep);
-    return areApart(extentOf(src, srcStep, srcRow, height), extentOf(dst, dstStep, dstRow, height));
-}
-
 struct Strides
 {
     uint32_t src1, src2, dst;

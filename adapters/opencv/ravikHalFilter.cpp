@@ -235,7 +235,7 @@ int ravik_hal_threshold(const uint8_t* src, size_t srcStep, uint8_t* dst, size_t
     const bool isInverse = thresholdType == kBinaryInverse;
     if (depth != k8U || (thresholdType != kBinary && !isInverse) || threshold < 0 || threshold > 255 ||
         width > INT32_MAX / channels || !areStrides(width * channels, height, 1, {srcStep, dstStep}) ||
-        (src == dst && srcStep != dstStep && height > 1))
+        !mayWrite(src, srcStep, size_t(width) * channels, dst, dstStep, size_t(width) * channels, height))
         return kNotImplemented;
     const uint8_t value = uint8_t(maxValue);
     return done(rvkFilterThresholdu8_v3(src, width * channels, height, strideOf(srcStep, height), dst,
@@ -328,12 +328,11 @@ int cannyThreshold(double threshold, int ksize, bool isEuclidean)
 int ravik_hal_canny(const uint8_t* src, size_t srcStep, uint8_t* dst, size_t dstStep, int width, int height,
                     int channels, double lowThreshold, double highThreshold, int ksize, bool L2gradient)
 {
-    const Source source = {src, srcStep, width, height};
-    const Target target = {dst, dstStep, width, height, 1};
     const int low = cannyThreshold(lowThreshold, ksize, L2gradient);
     const int high = cannyThreshold(highThreshold, ksize, L2gradient);
     if (channels != 1 || low < 0 || high < 0 || (ksize != 3 && ksize != 5 && ksize != 7) ||
-        !areStrides(width, height, 1, {srcStep, dstStep}) || overlap(source, target))
+        !areStrides(width, height, 1, {srcStep, dstStep}) ||
+        !areApart(extentOf(src, srcStep, width, height), extentOf(dst, dstStep, width, height)))
         return kNotImplemented;
     const uint32_t srcStride = strideOf(srcStep, height), dstStride = strideOf(dstStep, height);
     if (ksize == 3 && !L2gradient)

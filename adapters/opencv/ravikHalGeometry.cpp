@@ -36,14 +36,14 @@ uint8_t toByte(double value)
 }
 
 // Whether the library can make the one picture of the other: of pixels of some bytes, apart from each other.
-bool areApart(int type, const Source& source, const Target& target)
+bool arePictures(int type, const Source& source, const Target& target)
 {
     const int pixel = int(target.pixelSize);
     return (type == kOneByte || type == kThreeBytes || type == kFourBytes) &&
            areStrides(source.width, source.height, 1, {}) && areStrides(target.width, target.height, 1, {}) &&
            areStrides(source.width * pixel, source.height, 1, {source.step}) &&
            areStrides(target.width * pixel, target.height, 1, {target.step}) &&
-           !overlap({source.data, source.step, source.width * pixel, source.height}, target);
+           areApart(extentOf(source.data, source.step, size_t(source.width) * pixel, source.height), extentOf(target));
 }
 
 // ---- resize ---------------------------------------------------------------------------------------------------------
@@ -207,7 +207,7 @@ rvkStatus resizeChannels(const uint8_t* src, uint32_t srcStride, int channels, u
 bool isWarp(int type, const Source& source, const Target& target, int interpolation, int borderType)
 {
     return interpolation == kLinear && borderType == kConstant && std::max(source.width, source.height) <= kLongest &&
-           areApart(type, source, target);
+           arePictures(type, source, target);
 }
 
 // The largest absolute value that a row of a matrix takes in a picture, or more.
@@ -279,7 +279,7 @@ int ravik_hal_resize(int srcType, const uint8_t* src, size_t srcStep, int srcWid
     const Source source{src, srcStep, srcWidth, srcHeight};
     const Target target{dst, dstStep, dstWidth, dstHeight, size_t(channels)};
     Resize resize;
-    if (!areApart(srcType, source, target) ||
+    if (!arePictures(srcType, source, target) ||
         !setResize(source, target, inverseScaleX, inverseScaleY, interpolation, resize) || !isFaster(channels, resize))
         return kNotImplemented;
     const uint32_t srcStride = strideOf(srcStep, srcHeight), dstStride = strideOf(dstStep, dstHeight);
@@ -338,7 +338,8 @@ int ravik_hal_integral(int depth, int sumDepth, int squaresDepth, const uint8_t*
 {
     const auto isTable = [&](uint8_t* table, size_t step) {
         return areStrides(width + 1, std::max(height, 2), sizeof(uint32_t), {step}) &&
-               !overlap({src, srcStep, width, height}, {table, step, width + 1, height + 1, sizeof(uint32_t)});
+               areApart(extentOf(src, srcStep, width, height),
+                        extentOf(table, step, (size_t(width) + 1) * sizeof(uint32_t), height + 1));
     };
     if (depth != k8U || sumDepth != k32S || channels != 1 || (squares && squaresDepth != k32S) ||
         !areStrides(width, height, 1, {srcStep}) || !isTable(sum, sumStep) ||
@@ -358,9 +359,8 @@ int ravik_hal_integral(int depth, int sumDepth, int squaresDepth, const uint8_t*
 
 int ravik_hal_equalize_hist(const uint8_t* src, size_t srcStep, uint8_t* dst, size_t dstStep, int width, int height)
 {
-    const bool inPlace = src == dst && (srcStep == dstStep || height == 1);
     if (!areStrides(width, height, 1, {srcStep, dstStep}) ||
-        (!inPlace && overlap({src, srcStep, width, height}, {dst, dstStep, width, height, 1})))
+        !mayWrite(src, srcStep, width, dst, dstStep, width, height))
         return kNotImplemented;
     uint32_t histogram[256];
     rvkImageIntensityHistogram(src, strideOf(srcStep, height), 0, 0, width, height, histogram);

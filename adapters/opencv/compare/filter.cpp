@@ -63,12 +63,10 @@ Unary canny(Draw& draw, int ksize, bool isEuclidean)
 Unary wholeKernel(Draw& draw, int depth)
 {
     const cv::Size size(draw.between(1, 6, 2) * 2 - 1, draw.between(1, 6, 2) * 2 - 1);
-    const cv::Mat kernel = draw.noise(CV_32F, size, -9, 10);
-    const double factor = draw.among({1., 1., 0.3});
-    for (int y = 0; y < size.height; y++) {
-        for (int x = 0; x < size.width; x++)
-            const_cast<cv::Mat&>(kernel).at<float>(y, x) = float(std::floor(kernel.at<float>(y, x)) * factor);
-    }
+    cv::Mat kernel = draw.noise(CV_32F, size, -9, 10).clone();
+    const float factor = draw.among({1.f, 1.f, 0.3f}); // weights that are not whole are OpenCV's own
+    for (auto weight = kernel.begin<float>(); weight != kernel.end<float>(); ++weight)
+        *weight = std::floor(*weight) * factor;
     const int outside = border(draw);
     return
         [=](const cv::Mat& src, cv::Mat& dst) { cv::filter2D(src, dst, depth, kernel, cv::Point(-1, -1), 0, outside); };
@@ -117,11 +115,5 @@ std::vector<Operation> filterOperations()
             all.push_back(unary(((isEuclidean ? "cannyL2_" : "cannyL1_") + size).c_str(), CV_8U, CV_8U,
                                 [=](Draw& draw) { return canny(draw, ksize, isEuclidean); }));
     }
-    for (bool alongX : {true, false})
-        all.push_back(unary(alongX ? "scharrX" : "scharrY", CV_8U, CV_16S, [=](Draw& draw) {
-            return [=, outside = border(draw)](const cv::Mat& src, cv::Mat& dst) {
-                cv::Scharr(src, dst, CV_16S, alongX, !alongX, 1, 0, outside);
-            };
-        }));
     return all;
 }
