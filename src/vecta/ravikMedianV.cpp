@@ -55,20 +55,44 @@ RVK_INLINE Sorted<V> sorted(V a, V b, V c)
     return {a, b, c};
 }
 
-// Of the rows so far what the windows of the next two rows need: the largest low, the smallest high, the middles.
+// Of two rows what the median of them and a third one needs: the largest low, the smallest high, the middles.
+template <class V>
+struct TwoRows
+{
+    V low, smallerMiddle, largerMiddle, high;
+
+    RVK_INLINE TwoRows(const Sorted<V>& a, const Sorted<V>& b)
+        : low(max(a.low, b.low)), smallerMiddle(min(a.middle, b.middle)), largerMiddle(max(a.middle, b.middle)),
+          high(min(a.high, b.high))
+    {
+    }
+
+    RVK_INLINE V medianWith(const Sorted<V>& third) const
+    {
+        const V middle = max(smallerMiddle, min(largerMiddle, third.middle));
+        return medianOfThree(max(low, third.low), middle, min(high, third.high));
+    }
+};
+
 template <class V>
 struct MedianOfRows
 {
-    Sorted<V> above;
-    V low, smallerMiddle, largerMiddle, high; // of the two rows above
+    Sorted<V> twoAbove, above;
 
     // Takes the next row and gives the median of the last three.
-    RVK_INLINE V next(Sorted<V> row)
+    RVK_INLINE V next(const Sorted<V>& row)
     {
-        const V middle = max(smallerMiddle, min(largerMiddle, row.middle));
-        const V result = medianOfThree(max(low, row.low), middle, min(high, row.high));
-        *this = {row, max(above.low, row.low), min(above.middle, row.middle), max(above.middle, row.middle),
-                 min(above.high, row.high)};
+        const V result = TwoRows<V>(above, row).medianWith(twoAbove);
+        *this = {above, row};
+        return result;
+    }
+
+    // Takes the next two rows. Their windows have two rows in common.
+    RVK_INLINE Two<V, V> nextTwo(const Sorted<V>& first, const Sorted<V>& second)
+    {
+        const TwoRows<V> common(above, first);
+        const Two<V, V> result = {common.medianWith(twoAbove), common.medianWith(second)};
+        *this = {first, second};
         return result;
     }
 };
@@ -80,7 +104,14 @@ struct Median3x3
     static constexpr size_t step = Vec<T>::lanes;
     MedianOfRows<Vec<T>> medians{};
 
-    RVK_INLINE Vec<T> next(const T* p) { return medians.next(sorted(load(p), load(p + 1), load(p + 2))); }
+    static RVK_INLINE Sorted<Vec<T>> sortedAt(const T* p) { return sorted(load(p), load(p + 1), load(p + 2)); }
+    RVK_INLINE Vec<T> next(const T* p) { return medians.next(sortedAt(p)); }
+    RVK_INLINE auto nextTwo(const T* first, const T* second)
+    {
+        prefetch(first + 2 * step, 1); // down a column the processor does not see which lines come next
+        prefetch(second + 2 * step, 1);
+        return medians.nextTwo(sortedAt(first), sortedAt(second));
+    }
 };
 
 // The ring of the 3x3 median with something in the place of the pixels that do not exist.

@@ -14,7 +14,8 @@
 //     };
 //
 // The first `rows` - 1 rows of a column only fill the kernel: it gets them through `prime`, or, if it has none, through
-// `next`, and what that returns is dropped. A kernel gives a Vec or Vecs, or Two of those for two destinations.
+// `next`, and what that returns is dropped. A kernel gives a Vec or Vecs, or Two of those for two destinations. One for
+// which two rows are less than twice the work of one has `nextTwo`, which takes two rows and gives Two of its results.
 #pragma once
 
 #include "vecta/simd/rowSums.h"
@@ -108,6 +109,12 @@ RVK_INLINE void walk(size_t n, size_t m, Plane<const S> src, Kernel kernel, Plan
             size_t y = top;
             for (; y < top + before; ++y)
                 prime(column, src.row(y) + x);
+            if constexpr (requires { column.nextTwo(src.row(y), src.row(y)); })
+                for (; y + 1 < bottom + before; y += 2) {
+                    const auto results = column.nextTwo(src.row(y) + x, src.row(y + 1) + x);
+                    put(results.first, x, y - before, dst...);
+                    put(results.second, x, y + 1 - before, dst...);
+                }
             for (; y < bottom + before; ++y)
                 put(column.next(src.row(y) + x), x, y - before, dst...);
         }
