@@ -45,7 +45,7 @@ const FunctionGroup& edgeFunctions()
             RVK_TEST(rvkFilterCanny3x3u8_v3, src, width, height, stride, dst, stride, lowThreshold, highThreshold)
                 .keeps(canny),
             RVK_TEST(rvkFilterCannyu8, src, width, height, stride, apertureSize, lowThreshold, highThreshold, normType,
-                     dst, stride, dst, dst, stride)
+                     dst, stride, dst.orNull(), dst.orNull(), stride)
                 .keeps(canny.ofSmallPictures()),
             RVK_TEST(rvkImageDetectEdgePixelsu8, src.natural(), width, height, stride, threshold, list(2 * mostPixels),
                      capacity(0, mostPixels), value, list(2 * mostPixels).orNull())

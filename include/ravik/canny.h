@@ -29,8 +29,9 @@
  *   Alignment  8-bit images need none, dx and dy are aligned to their elements. The work may run on the DSP only when
  *              pointers and strides are multiples of 8.
  *   In place   not possible: images must not overlap, and dst == src is refused.
- *   Memory     the C reference takes up to 9 bytes of scratch memory per pixel, vector implementations half a byte and
- *              some rows. Without it functions return RAVIK_ENORES, or log "Error: <function> - no scratch memory".
+ *   Memory     the C reference takes up to 9 bytes of scratch memory per pixel, vector implementations a quarter of a
+ *              byte, but up to 128 bytes a row at least, and some rows. Without it functions return RAVIK_ENORES, or log
+ *              "Error: <function> - no scratch memory".
  *   Errors     functions without a result log "Assertion failed @<function>: <condition>" on bad arguments, the others
  *              return RAVIK_EBADPARAM. Whatever the error, nothing is written. */
 #ifndef RAVIK_CANNY_H
@@ -58,8 +59,8 @@ RVK_API rvkStatus rvkFilterCanny3x3u8_v3(const uint8_t* src, uint32_t srcWidth, 
 
 /* With a choice of gradient and norm. apertureSize is 3, 5 or 7; RAVIK_EBADPARAM for any other. normType is a
  * RAVIK_CANNY_NORM_... dx and dy, srcWidth x srcHeight elements with one stride between them, receive the gradient of
- * all pixels, not scaled; 7x7 sums saturate there, as those of rvkFilterSobel7x7u8s16 do. RAVIK_ENORES when scratch
- * memory cannot be had. */
+ * all pixels, not scaled; 7x7 sums saturate there, as those of rvkFilterSobel7x7u8s16 do. A null pointer leaves that
+ * plane out. RAVIK_ENORES when scratch memory cannot be had. */
 RVK_API rvkStatus rvkFilterCannyu8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
                                    uint32_t apertureSize, int32_t lowThreshold, int32_t highThreshold,
                                    uint32_t normType, uint8_t* dst, uint32_t dstStride, int16_t* dx, int16_t* dy,

@@ -195,7 +195,7 @@ def test_handles_of_another_kind():
 def test_help_shows_the_comment_of_the_header():
     text = ravik.rvkFilterCannyu8.__doc__
     assert "apertureSize is 3, 5 or 7" in text and "<ravik/canny.h>" in text and "uint32_t srcWidth" in text
-    assert "dx       int16 (h, w), made when left out\n" in text and "returns  dst, dx, dy\n" in text
+    assert "dx       int16 (h, w), made when left out; none with False\n" in text and "returns  dst, dx, dy\n" in text
     assert "src      the tuple (srcY, srcC)\n" in ravik.rvkColorYCrCbH2V1toRGB888u8.__doc__
     assert "rvkFilterCannyu8" in dir(ravik) and not hasattr(ravik, "rvkNoSuchFunction")
 

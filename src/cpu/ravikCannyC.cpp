@@ -88,11 +88,8 @@ rvkStatus canny(uint32_t width, uint32_t height, CannyThresholds thresholds, boo
 rvkStatus rvkFilterCanny3x3u8_v3C(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
                                   uint8_t* dst, uint32_t dstStride, int32_t lowThreshold, int32_t highThreshold)
 {
-    const Scratch<int16_t> dx(srcHeight, srcWidth), dy(srcHeight, srcWidth);
-    if (!dx || !dy)
-        return RAVIK_ENORES;
     return rvkFilterCannyu8C(src, srcWidth, srcHeight, srcStride, 3, lowThreshold, highThreshold, RAVIK_CANNY_NORM_L1,
-                             dst, dstStride, dx.get(), dy.get(), srcWidth * 2);
+                             dst, dstStride, nullptr, nullptr, srcWidth * 2);
 }
 
 rvkStatus rvkFilterCannyu8C(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
@@ -103,22 +100,23 @@ rvkStatus rvkFilterCannyu8C(const uint8_t* src, uint32_t srcWidth, uint32_t srcH
         return RAVIK_EBADPARAM;
     const bool squared = normType == RAVIK_CANNY_NORM_L2;
     const CannyThresholds thresholds = cannyThresholds(lowThreshold, highThreshold, apertureSize, squared);
-    const Plane out = {dst, dstStride};
-    const auto fillGradient = [=](auto sobel) {
-        sobel(src, srcWidth, srcHeight, srcStride, dx, dy, dxyStride, RAVIK_BORDER_REPLICATE, 0);
-    };
-    if (apertureSize != 7)
-        return canny(srcWidth, srcHeight, thresholds, squared, out, {dx, dxyStride}, {dy, dxyStride},
-                     [=] { fillGradient(apertureSize == 3 ? rvkFilterSobel3x3u8s16C : rvkFilterSobel5x5u8s16C); });
-
-    const Scratch<int16_t> scaledDx(srcHeight, srcWidth), scaledDy(srcHeight, srcWidth);
-    if (!scaledDx || !scaledDy)
+    const Scratch<int16_t> ownDx(srcHeight, srcWidth), ownDy(srcHeight, srcWidth);
+    if (!ownDx || !ownDy)
         return RAVIK_ENORES;
-    const Plane planeDx = {scaledDx.get(), srcWidth * 2}, planeDy = {scaledDy.get(), srcWidth * 2};
-    return canny(srcWidth, srcHeight, thresholds, squared, out, planeDx, planeDy, [=] {
-        fillGradient(rvkFilterSobel7x7u8s16C);
-        sobel7x7Sixteenths(srcWidth, srcHeight, {src, srcStride}, planeDx, planeDy);
-    });
+    const Plane out = {dst, dstStride};
+    const Plane scratchDx = {ownDx.get(), srcWidth * 2}, scratchDy = {ownDy.get(), srcWidth * 2};
+    const auto fill = [=](auto sobel, Plane<int16_t> h, Plane<int16_t> v) {
+        sobel(src, srcWidth, srcHeight, srcStride, h.data, nullptr, h.stride, RAVIK_BORDER_REPLICATE, 0);
+        sobel(src, srcWidth, srcHeight, srcStride, nullptr, v.data, v.stride, RAVIK_BORDER_REPLICATE, 0);
+    };
+    if (apertureSize == 7)
+        return canny(srcWidth, srcHeight, thresholds, squared, out, scratchDx, scratchDy, [=] {
+            fill(rvkFilterSobel7x7u8s16C, {dx, dxyStride}, {dy, dxyStride});
+            sobel7x7Sixteenths(srcWidth, srcHeight, {src, srcStride}, scratchDx, scratchDy);
+        });
+    const Plane h = dx ? Plane{dx, dxyStride} : scratchDx, v = dy ? Plane{dy, dxyStride} : scratchDy;
+    return canny(srcWidth, srcHeight, thresholds, squared, out, h, v,
+                 [=] { fill(apertureSize == 3 ? rvkFilterSobel3x3u8s16C : rvkFilterSobel5x5u8s16C, h, v); });
 }
 
 } // namespace rvk

@@ -61,8 +61,8 @@ rvkStatus rvkFilterCannyu8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHe
         return aligned(8, src, dst, dx, dy, srcStride, dstStride, dxyStride) && enoughWork(srcWidth, srcHeight) &&
                srcHeight >= 5 && srcHeight >= apertureSize;
     });
-    RVK_CHECK_STATUS(src && srcWidth && srcHeight && srcStride >= srcWidth && dst && dstStride >= srcWidth && dx &&
-                     dy && dx != dy && src != dst && pixelsFit(srcWidth, srcHeight) &&
+    RVK_CHECK_STATUS(src && srcWidth && srcHeight && srcStride >= srcWidth && dst && dstStride >= srcWidth &&
+                     (!dx || dx != dy) && src != dst && pixelsFit(srcWidth, srcHeight) &&
                      dxyStride >= rowSize(srcWidth, sizeof(int16_t)));
     RVK_CHECK_STATUS(apertureSize == 3 || apertureSize == 5 || apertureSize == 7);
     return implementation<Slot::rvkFilterCannyu8>(target)(src, srcWidth, srcHeight, srcStride, apertureSize,

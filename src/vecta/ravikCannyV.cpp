@@ -1,7 +1,7 @@
 // Vector implementation of the Canny edge detector.
 //
-// Thinning leaves two bits of a pixel. Then the edges grow through the candidates, a machine word of pixels at a time,
-// and the bits become bytes.
+// Thinning leaves two bits of a pixel, candidate and edge. Row by row, while these are at hand, the edges grow down
+// through the candidates, then up and down in turns. In the end the bits become bytes.
 #include "vecta/ravikCannyV.h"
 
 #include "scratch.h"
@@ -16,81 +16,137 @@ namespace {
 
 // ---- hysteresis ----------------------------------------------------------------------------------------------------
 
-// A bit for each pixel, in rows of words with at least one word of zeros around them on all sides.
+using Bits = Vec<uint64_t>;
+
+RVK_INLINE bool anyBit(Bits bits)
+{
+    return !all(equal(bitCast<uint32_t>(bits), zero<uint32_t>()));
+}
+
+// The pixels and all candidates in a row that are connected with them within a word.
+RVK_INLINE Bits connected(Bits pixels, Bits among)
+{
+    // A pixel that is added to a run of candidates turns all bits from there to the run's end but other pixels' ones.
+    pixels = pixels | (((among + pixels) ^ among) & among);
+    unrolled<6>([&](auto i) RVK_INLINE_LAMBDA { // 1, 2, 4... pixels down, where all of these are candidates
+        constexpr unsigned distance = 1u << i;
+        pixels = pixels | (shiftRight(pixels, distance) & among);
+        among = among & shiftRight(among, distance);
+    });
+    return pixels;
+}
+
+// A bit for each pixel that is a candidate or an edge, and for each that is an edge. Hardly a branch depends on the
+// picture: no processor foresees those.
 struct EdgeMap
 {
-    size_t words; // in all
-    size_t pitch; // of them from row to row
-    Word *candidates, *edges;
-    Word* followed;    // edges whose neighbours have been looked at
-    uint32_t* waiting; // words that have others; none comes twice
-    size_t waitingCount = 0;
+    size_t pitch;         // words of a row of bits, whole vectors; the last one is zero
+    uint64_t* candidates; // of the first row; after those of a row come its edges. A row above is all zeros
+    uint32_t* sweeps;     // for each row: the last one that added edges
 
-    static RVK_INLINE size_t pitchOf(size_t width) { return wordsOfRow(width) + 1; }
+    static RVK_INLINE size_t pitchOf(size_t width) { return roundedUp((width + 63) / 64 + 1, Bits::lanes); }
+    // Two words behind the last row are read.
     static RVK_INLINE uint64_t wordsOf(size_t width, size_t height)
     {
-        return uint64_t{pitchOf(width)} * (uint64_t{height} + 2) + 1;
+        return 2 * uint64_t{pitchOf(width)} * (uint64_t{height} + 1) + 2;
     }
 
-    // On memory for three maps and a list of so many words.
-    RVK_INLINE EdgeMap(size_t width, size_t height, Word* maps, uint32_t* list)
-        : words(static_cast<size_t>(wordsOf(width, height))), pitch(pitchOf(width)), candidates(maps),
-          edges(maps + words), followed(edges + words), waiting(list)
+    RVK_INLINE EdgeMap(size_t width, uint64_t* words, uint32_t* sweepOfRow)
+        : pitch(pitchOf(width)), candidates(words + 2 * pitch), sweeps(sweepOfRow)
     {
-        __builtin_memset(maps, 0, 3 * words * sizeof(Word));
+        clear(words);
     }
 
-    RVK_INLINE uint8_t* row(Word* bits, size_t y) const
+    RVK_INLINE uint64_t* candidatesOf(size_t y) const { return candidates + 2 * pitch * y; }
+    RVK_INLINE uint64_t* edgesOf(size_t y) const { return candidatesOf(y) + pitch; }
+    RVK_INLINE void clear(uint64_t* row) const { __builtin_memset(row, 0, 2 * pitch * sizeof(uint64_t)); }
+
+    // Where the bits of a row are to be put.
+    RVK_INLINE RidgeBits begin(size_t y) const
     {
-        return reinterpret_cast<uint8_t*>(bits + (y + 1) * pitch + 1);
+        clear(candidatesOf(y));
+        return {reinterpret_cast<uint8_t*>(candidatesOf(y)), reinterpret_cast<uint8_t*>(edgesOf(y))};
     }
 
-    // The pixels and all candidates that are connected with them within the word.
-    static RVK_INLINE Word connected(Word pixels, Word among)
+    // The first and the last pixel of words, where the pixel beside it in the next word is set.
+    static RVK_INLINE Bits besideWords(const uint64_t* words)
     {
-        for (Word grown;; pixels = grown) {
-            grown = (pixels | pixels << 1 | pixels >> 1) & among;
-            if (grown == pixels)
-                return pixels;
+        return shiftRight(load(words - 1), 63) | shiftLeft(load(words + 1), 63);
+    }
+    // The pixels of a row that touch those of another one.
+    static RVK_INLINE Bits touched(const uint64_t* words)
+    {
+        const Bits here = load(words);
+        return here | shiftLeft(here, 1) | shiftRight(here, 1) | besideWords(words);
+    }
+
+    // Whether a row has candidates next to edges of another row.
+    RVK_INLINE bool touches(size_t y, const uint64_t* neighbours) const
+    {
+        const uint64_t *const among = candidatesOf(y), *const edges = edgesOf(y);
+        Bits reached = zero<uint64_t>();
+        for (size_t i = 0; i < pitch; i += Bits::lanes)
+            reached = reached | (touched(neighbours + i) & load(among + i) & ~load(edges + i));
+        return anyBit(reached);
+    }
+
+    // Makes edges of the candidates of a row that are connected with its edges and with those of another row.
+    RVK_INLINE void grow(size_t y, const uint64_t* neighbours) const
+    {
+        const uint64_t* const among = candidatesOf(y);
+        uint64_t* const edges = edgesOf(y);
+        Bits open = zero<uint64_t>(); // words that end as an edge where the next begins with a candidate, or vice versa
+        Bits lastHere = open, lastGrown = open; // not loaded: that would wait for the stores
+        for (size_t i = 0; i < pitch; i += Bits::lanes) {
+            const Bits here = load(among + i), old = load(edges + i);
+            const Bits grown = connected(old | (touched(neighbours + i) & here), here);
+            store(edges + i, grown);
+            const auto endOfWordBefore = [](Bits last, Bits words) RVK_INLINE_LAMBDA {
+                return shiftRight(extract<Bits::lanes - 1>(last, words), 63);
+            };
+            open = open | (endOfWordBefore(lastHere, here) & here & (endOfWordBefore(lastGrown, grown) ^ grown));
+            lastHere = here;
+            lastGrown = grown;
         }
+        while (anyBit(open))
+            open = growAcrossWords(y);
     }
 
-    // Makes edges of the candidates among the pixels of a word.
-    RVK_INLINE void reach(size_t word, Word pixels)
+    // The pixels that this adds.
+    RVK_INLINE Bits growAcrossWords(size_t y) const
     {
-        const Word fresh = pixels & candidates[word] & ~edges[word];
-        if (!fresh)
-            return;
-        if (edges[word] == followed[word])
-            waiting[waitingCount++] = static_cast<uint32_t>(word);
-        edges[word] |= connected(fresh, candidates[word]);
-    }
-
-    RVK_INLINE void reachNeighbours(size_t word, Word pixels)
-    {
-        const Word beside = pixels | pixels << 1 | pixels >> 1;
-        const Word leaveLeft = pixels << (kWordBits - 1), leaveRight = pixels >> (kWordBits - 1);
-        for (size_t row = word - pitch;; row += pitch) {
-            reach(row - 1, leaveLeft);
-            reach(row, beside);
-            reach(row + 1, leaveRight);
-            if (row == word + pitch)
-                break;
+        const uint64_t* const among = candidatesOf(y);
+        uint64_t* const edges = edgesOf(y);
+        Bits added = zero<uint64_t>();
+        for (size_t i = 0; i < pitch; i += Bits::lanes) {
+            const Bits here = load(among + i), old = load(edges + i);
+            const Bits joined = besideWords(edges + i) & here & ~old;
+            store(edges + i, connected(old | joined, here));
+            added = added | joined;
         }
+        return added;
     }
 
-    RVK_INLINE void track()
+    // Connects a row, once its bits are there, with the row above.
+    RVK_INLINE void connect(size_t y) const { grow(y, edgesOf(y) - 2 * pitch); }
+
+    // Lets the edges grow from row to row, up and down in turns, until nothing is added. A row looks at the one before
+    // only when that one has got edges since it last did.
+    RVK_INLINE void track(size_t height) const
     {
-        for (size_t word = 0; word < words; ++word)
-            if (edges[word]) {
-                edges[word] = connected(edges[word], candidates[word]);
-                waiting[waitingCount++] = static_cast<uint32_t>(word);
+        __builtin_memset(sweeps, 0, height * sizeof(uint32_t));
+        bool hasGrown = true;
+        for (uint32_t sweep = 1; hasGrown; ++sweep) {
+            hasGrown = false;
+            const bool isUpward = sweep % 2 == 1;
+            for (size_t i = 1; i < height; ++i) {
+                const size_t y = isUpward ? height - 1 - i : i, last = isUpward ? y + 1 : y - 1;
+                if (sweeps[last] + 1 < sweep || !touches(y, edgesOf(last)))
+                    continue;
+                grow(y, edgesOf(last));
+                sweeps[y] = sweep;
+                hasGrown = true;
             }
-        while (waitingCount > 0) {
-            const size_t word = waiting[--waitingCount];
-            const Word fresh = edges[word] & ~followed[word];
-            followed[word] = edges[word];
-            reachNeighbours(word, fresh);
         }
     }
 };
@@ -119,9 +175,9 @@ struct EdgeOutput
     {
         const size_t words = wordsOfRow(width);
         for (size_t y = 0; y < height; ++y) {
-            const uint8_t* const row = map.row(map.edges, y);
+            const uint64_t* const row = map.edgesOf(y);
             if (bytes.data)
-                expandBits(width, row, bytes.row(y));
+                expandBits(width, reinterpret_cast<const uint8_t*>(row), bytes.row(y));
             else
                 __builtin_memcpy(bits + y * words, row, words * sizeof(Word));
         }
@@ -133,25 +189,17 @@ template <int radius, class M>
 RVK_NOINLINE rvkStatus detect(size_t width, size_t height, Plane<const uint8_t> src, CannyThresholds thresholds,
                               EdgeOutput dst, Plane<int16_t> dx, Plane<int16_t> dy)
 {
-    const uint64_t words = EdgeMap::wordsOf(width, height);
-    const Scratch<Word> bits(3, words);
-    const Scratch<uint32_t> waiting(words);
-    if (!bits || !waiting)
+    const Scratch<uint64_t> words(EdgeMap::wordsOf(width, height));
+    const Scratch<uint32_t> sweeps(height);
+    if (!words || !sweeps)
         return RAVIK_ENORES;
-    EdgeMap map(width, height, bits.get(), waiting.get());
-    const auto takeGradient = [&](size_t y, const int16_t* rowDx, const int16_t* rowDy) RVK_INLINE_LAMBDA {
-        if (dx.data) {
-            __builtin_memcpy(dx.row(y), rowDx, width * sizeof(int16_t));
-            __builtin_memcpy(dy.row(y), rowDy, width * sizeof(int16_t));
-        }
-    };
-    const auto bitsOf = [&](size_t y) RVK_INLINE_LAMBDA {
-        return RidgeBits{map.row(map.candidates, y), map.row(map.edges, y)};
-    };
-    const auto takeRidges = [](size_t, const int16_t*, const int16_t*) RVK_INLINE_LAMBDA {};
-    if (!thin<radius, M>(width, height, src, thresholds, takeGradient, bitsOf, takeRidges))
+    const EdgeMap map(width, words.get(), sweeps.get());
+    const bool isDone = thin<radius, M>(
+        width, height, src, thresholds, dx, dy, [&](size_t y) RVK_INLINE_LAMBDA { return map.begin(y); },
+        [&](size_t y, const GradientRow&) RVK_INLINE_LAMBDA { map.connect(y); });
+    if (!isDone)
         return RAVIK_ENORES;
-    map.track();
+    map.track(height);
     dst.take(map, width, height);
     return RAVIK_SUCCESS;
 }

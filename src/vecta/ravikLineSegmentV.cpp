@@ -20,7 +20,7 @@ rvkStatus rvkImageDetectEdgePixelsu8V(const uint8_t* src, uint32_t srcWidth, uin
     uint8_t* const bytes = reinterpret_cast<uint8_t*>(bits.get());
 
     uint32_t count = 0;
-    const auto takeRidges = [&](size_t y, const int16_t* dx, const int16_t* dy) RVK_INLINE_LAMBDA {
+    const auto takeRidges = [&](size_t y, const GradientRow& gradient) RVK_INLINE_LAMBDA {
         for (size_t i = 0; i < words; ++i) {
             const Word word = bits[i];
             bits[i] = 0;
@@ -31,15 +31,14 @@ rvkStatus rvkImageDetectEdgePixelsu8V(const uint8_t* src, uint32_t srcWidth, uin
                 xy[at] = x;
                 xy[at + 1] = static_cast<uint32_t>(y);
                 if (gradients) {
-                    gradients[at] = dx[x];
-                    gradients[at + 1] = dy[x];
+                    gradients[at] = gradient.dx[static_cast<ptrdiff_t>(x)];
+                    gradients[at + 1] = gradient.dy[static_cast<ptrdiff_t>(x)];
                 }
             });
         }
     };
     const bool isDone = thin<1, int16_t>(
-        srcWidth, srcHeight, Plane<const uint8_t>{src, srcStride}, {limit, limit},
-        [](size_t, const int16_t*, const int16_t*) RVK_INLINE_LAMBDA {},
+        srcWidth, srcHeight, Plane<const uint8_t>{src, srcStride}, {limit, limit}, Plane<int16_t>{}, Plane<int16_t>{},
         [=](size_t) RVK_INLINE_LAMBDA {
             return RidgeBits{bytes, bytes};
         }, // the two thresholds are one

@@ -621,6 +621,16 @@ SimdGroup pairs()
             "subtractPairs",
             [](const uint8_t* in, int16_t* out) { store(out, orderPairs(subtractPairs(load(in), load(in + n)))); },
             [](const uint8_t* in, size_t i) { return in[i] - in[n + i]; }),
+        mapping<uint8_t, int16_t, n, n>(
+            "widenToPairs", [](const uint8_t* in, int16_t* out) { store(out, orderPairs(widenToPairs(load(in)))); },
+            [](const uint8_t* in, size_t i) { return in[i]; }),
+        mapping<uint8_t, int8_t, 2 * n, n>(
+            "narrowPairs of masks",
+            [](const uint8_t* in, int8_t* out) {
+                const Pairs<int16_t> d = subtractPairs(load(in), load(in + n));
+                store(out, toVec(narrowPairs({greater(d[0], zero<int16_t>()), greater(d[1], zero<int16_t>())})));
+            },
+            [](const uint8_t* in, size_t i) { return in[i] > in[n + i] ? -1 : 0; }),
         mapping<uint8_t, int8_t, 2 * n, n>(
             "lowHalves",
             [](const uint8_t* in, int8_t* out) { store(out, lowHalves(subtractPairs(load(in), load(in + n)))); },

@@ -159,13 +159,27 @@ RVK_INLINE Vec<int16_t> narrowPairsSat(Pairs<int32_t> v)
     return narrowSatInLanes<int16_t>(zipInLanes(v[0], v[1]));
 }
 
-// a - b, in the order of sums.
+// Bytes, and differences a - b of theirs, in the order of sums.
+RVK_INLINE Pairs<int16_t> widenToPairs(Vec<uint8_t> v)
+{
+    return {bitCast<int16_t>(v) & splat<int16_t>(255), bitCast<int16_t>(shiftRight(bitCast<uint16_t>(v), 8))};
+}
 RVK_INLINE Pairs<int16_t> subtractPairs(Vec<uint8_t> a, Vec<uint8_t> b)
 {
-    const auto even = [](Vec<uint8_t> v) RVK_INLINE_LAMBDA { return bitCast<int16_t>(v) & splat<int16_t>(255); };
-    const auto odd = [](Vec<uint8_t> v)
-                         RVK_INLINE_LAMBDA { return bitCast<int16_t>(shiftRight(bitCast<uint16_t>(v), 8)); };
-    return {even(a) - even(b), odd(a) - odd(b)};
+    return widenToPairs(a) - widenToPairs(b);
+}
+
+// What holds for the sums, as bits of the outputs in their order.
+RVK_INLINE Mask<int8_t> narrowPairs(const Masks<int16_t, 2>& m)
+{
+    const Vec<uint16_t> low = splat<uint16_t>(255);
+    const Vec<uint16_t> bytes =
+        (bitCast<uint16_t>(toVec(m[0])) & low) | (bitCast<uint16_t>(toVec(m[1])) & ~low); // no blend: clang 14 permutes
+#if defined(__AVX512BW__)
+    return {_mm512_movepi8_mask(reg(bytes))};
+#else
+    return {bitCast<uint8_t>(bytes)};
+#endif
 }
 
 // The sums, shifted right, as elements in the order of the outputs; the shifted sums must fit the element.
@@ -321,9 +335,18 @@ RVK_INLINE Vec<int16_t> narrowPairsSat(Pairs<int32_t> v)
     return narrowSat<int16_t>(v);
 }
 
+RVK_INLINE Pairs<int16_t> widenToPairs(Vec<uint8_t> v)
+{
+    return bitCast<int16_t>(widen(v));
+}
 RVK_INLINE Pairs<int16_t> subtractPairs(Vec<uint8_t> a, Vec<uint8_t> b)
 {
     return subtractWide(a, b);
+}
+
+RVK_INLINE Mask<int8_t> narrowPairs(const Masks<int16_t, 2>& m)
+{
+    return narrow(m[0], m[1]);
 }
 
 template <unsigned shift>
