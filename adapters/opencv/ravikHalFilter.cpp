@@ -337,11 +337,7 @@ int ravik_hal_canny(const uint8_t* src, size_t srcStep, uint8_t* dst, size_t dst
     const uint32_t srcStride = strideOf(srcStep, height), dstStride = strideOf(dstStep, height);
     if (ksize == 3 && !L2gradient)
         return done(rvkFilterCanny3x3u8_v3(src, width, height, srcStride, dst, dstStride, low, high));
-    // The library gives the gradients, too.
-    const std::unique_ptr<int16_t[]> gradients(new (std::nothrow) int16_t[2 * size_t(width) * height]);
-    if (!gradients)
-        return kNotImplemented;
     return done(rvkFilterCannyu8(src, width, height, srcStride, ksize, low, high,
-                                 L2gradient ? RAVIK_CANNY_NORM_L2 : RAVIK_CANNY_NORM_L1, dst, dstStride,
-                                 gradients.get(), gradients.get() + size_t(width) * height, 0));
+                                 L2gradient ? RAVIK_CANNY_NORM_L2 : RAVIK_CANNY_NORM_L1, dst, dstStride, nullptr,
+                                 nullptr, 0));
 }
