@@ -102,12 +102,17 @@ public:
         return element;
     }
     bool isFinite() const { return m_bits <= std::bit_cast<uint32_t>(FLT_MAX); }
-    // What a pivot of a matrix of n columns must be larger than.
-    double boundOfPivots(uint32_t n) const { return n * 0x1p-48 * std::bit_cast<float>(m_bits); }
+    double value() const { return std::bit_cast<float>(m_bits); }
 
 private:
     uint32_t m_bits = 0;
 };
+
+// What a pivot of a matrix of n columns must be larger than.
+double boundOfPivots(uint32_t n, double largest)
+{
+    return n * 0x1p-48 * largest;
+}
 
 bool fitFloats(const double* values, size_t count)
 {
@@ -127,6 +132,11 @@ Pair& pairAt(double* row, size_t i)
 const Pair& pairAt(const double* row, size_t i)
 {
     return *reinterpret_cast<const Pair*>(row + i);
+}
+
+Pair larger(Pair a, Pair b)
+{
+    return a > b ? a : b;
 }
 
 struct Multiple
@@ -477,7 +487,7 @@ public:
             const double last = right.take(b[i]);
             pairAt(to, j) = j < n ? Pair{left.take(from[j]), last} : Pair{last, 0};
         }
-        m_bound = left.boundOfPivots(n);
+        m_bound = boundOfPivots(n, left.value());
         return left.isFinite() && right.isFinite();
     }
     bool takeSymmetric(Plane<const float> a, const float* b)
@@ -495,7 +505,7 @@ public:
             row(i)[n / 2 * 2 + 1] = n % 2 ? last : 0;
             row(i)[n] = last;
         }
-        m_bound = left.boundOfPivots(n);
+        m_bound = boundOfPivots(n, left.value());
         return left.isFinite() && right.isFinite();
     }
 
@@ -736,14 +746,16 @@ private:
 };
 
 // As many equations as `height`, of no more unknowns: rows of b and A; then for each column the square of what is below
-// the rows that are done, and the number of its unknown. The columns that are done are the last ones, the first one of
-// them being the very last: what is left begins where the rows do.
+// the rows that are done, and at which place the column was that became the last one. The columns that are done are the
+// last ones, the first one of them being the very last: what is left begins where the rows do.
 //
 // Reflections go down the rows, some pairs of columns at a time, so that the sums of columns are elements of vectors.
+// The rows that are done follow from these sums, and so do the squares that are left: the search for the next column
+// goes on beside the reflection.
 class LeastSquares
 {
 public:
-    // In height + 2 rows of width + 1 elements; the normal has `height`.
+    // In height + 2 rows of width + 1 elements; the normal has `height` pairs.
     LeastSquares(uint32_t width, uint32_t height, const Matrix& rows, const Matrix& normal)
         : m_width(width), m_height(height), m_rowSize(rows.rowSize()), m_rows(rows.row(0)), m_normal(normal.row(0))
     {
@@ -752,38 +764,33 @@ public:
     // False when something is not finite.
     bool take(Plane<const float> a, const float* b)
     {
-        Largest left, right;
-        double* to = row(0);
-        for (uint32_t y = 0; y < m_height; ++y, to += m_rowSize) {
-            const float* const from = a.row(y);
-            pairAt(to, 0) = Pair{right.take(b[y]), left.take(from[0])};
-            uint32_t x = 2;
-            for (; x < m_width; x += 2)
-                pairAt(to, x) = Pair{left.take(from[x - 1]), left.take(from[x])};
-            for (; x < m_rowSize; x += 2)
-                pairAt(to, x) = Pair{x == m_width ? left.take(from[x - 1]) : 0, 0};
-        }
-        for (size_t x = 0; x <= m_width; x += kStep)
-            sumSquares(x);
-        for (uint32_t x = 1; x <= m_width; ++x)
-            numbers()[x] = x - 1;
-        m_bound = left.boundOfPivots(m_width);
-        return left.isFinite() && right.isFinite();
+        Pair largest = takeColumns(0, [&](uint32_t y) { return Pair{b[y], a.row(y)[0]}; });
+        largest[0] = 0; // that is b's
+        uint32_t x = 2;
+        for (; x < m_width; x += 2)
+            largest = larger(largest, takeColumns(x, [&](uint32_t y) { return Pair{a.row(y)[x - 1], a.row(y)[x]}; }));
+        if (x == m_width)
+            largest = larger(largest, takeColumns(x, [&](uint32_t y) { return Pair{a.row(y)[x - 1], 0}; }));
+        m_bound = boundOfPivots(m_width, std::sqrt(std::max(largest[0], largest[1])));
+        double sum = 0; // finite if all are, for squares of floats are far from the end of doubles
+        for (x = 0; x <= m_width; ++x)
+            sum += squares()[x];
+        return sum <= DBL_MAX;
     }
 
     // Reflects the columns, b with them, until there are zeros below the pivots, which become their reciprocals; false
     // when they are dependent.
     bool reflect()
     {
+        Pair largest = findLargest();
         for (uint32_t k = 0; k < m_width; ++k) {
-            const double norm = std::sqrt(takeLongest(k));
+            const double square = takeColumn(k, placeOf(std::max(largest[0], largest[1]))), norm = std::sqrt(square);
             if (!(norm > m_bound))
                 return false;
-            double& first = m_normal[k];
-            const double factor = 1 / (norm * (norm + std::fabs(first))), pivot = std::copysign(norm, -first);
-            first -= pivot;
-            reflectColumns(k, factor);
-            row(k)[m_width - k] = 1 / pivot;
+            const double first = normal(k)[0], pivot = std::copysign(norm, -first), perSquare = 1 / square;
+            const Reflection by = {pivot * perSquare, 1 / (first - pivot)};
+            largest = reflectColumns(k, by);
+            row(k)[m_width - k] = by.perPivot;
         }
         return true;
     }
@@ -791,111 +798,154 @@ public:
     // After that: false when the solution does not fit floats.
     bool solve()
     {
+        // Unknowns go back to the places that their columns had at each turn. The one that was found last comes last in
+        // the sum, so that little waits for it: until then there is a 0 in its place.
         double* const solution = squares();
+        double found = 0;
+        uint32_t place = 0;
         for (uint32_t x = 1; x <= m_width; ++x) {
             const double* const r = row(m_width - x);
             double rest = r[0];
-            for (uint32_t i = 1; i < x; ++i) // what was found last comes last, so that little waits for it
+            for (uint32_t i = 1; i < x; ++i)
                 rest -= r[i] * solution[i];
-            solution[x] = rest * r[x];
+            rest -= r[place] * found;
+            solution[place] = found;
+            found = rest * r[x];
+            place = static_cast<uint32_t>(places()[x]);
+            solution[x] = solution[place];
+            solution[place] = 0;
         }
+        solution[place] = found;
         return fitFloats(solution + 1, m_width);
     }
 
     void store(float32_t* to) const
     {
-        for (uint32_t x = 1; x <= m_width; ++x)
-            to[static_cast<uint32_t>(numbers()[x])] = static_cast<float>(squares()[x]);
+        for (uint32_t x = 0; x < m_width; ++x)
+            to[x] = static_cast<float>(squares()[x + 1]);
     }
 
 private:
+    // A reflection takes a column to a pivot and zeros below it. Its normal is that column, the pivot taken from its
+    // first element. Products of columns stay as they are: that of this one and another is the pivot times what the
+    // other's first element becomes. So m_normal has the column as it was.
+    struct Reflection
+    {
+        double perPivot; // 1 / the pivot
+        double perFirst; // 1 / the normal's first element
+    };
+
     double* row(size_t y) const { return m_rows + y * m_rowSize; }
     double* squares() const { return row(m_height); }
-    double* numbers() const { return row(size_t{m_height} + 1); }
+    double* places() const { return row(size_t{m_height} + 1); }
+    Pair& normal(size_t y) const { return pairAt(m_normal, 2 * y); } // its element, twice
 
-    void sumSquares(size_t x)
+    // Two columns of elements. The squares of their largest ones, which do not wait for those of other columns.
+    template <class Elements>
+    Pair takeColumns(uint32_t x, Elements elements)
     {
-        Pair sums[2] = {};
-        const double* r = row(0) + x;
-        for (uint32_t y = 0; y < m_height; ++y, r += m_rowSize) {
-            sums[0] += pairAt(r, 0) * pairAt(r, 0);
-            sums[1] += pairAt(r, 2) * pairAt(r, 2);
+        Pair sum = {}, largest = {};
+        double* to = row(0) + x;
+        for (uint32_t y = 0; y < m_height; ++y, to += m_rowSize) {
+            const Pair both = elements(y), square = both * both;
+            pairAt(to, 0) = both;
+            sum += square;
+            largest = larger(largest, square);
         }
-        pairAt(squares(), x) = sums[0];
-        pairAt(squares(), x + 2) = sums[1];
+        pairAt(squares(), x) = sum;
+        return largest;
     }
 
-    // The longest of the columns that are left, by what is below the k rows that are done, becomes the normal, and the
-    // last one takes its place; in the rows that are done they are exchanged. The square of the normal's length.
-    double takeLongest(uint32_t k)
+    // The square of a column has its place in the last bits, so that the largest one tells where it is. Places fit,
+    // because matrices have less than 2^31 bytes and are no wider than high.
+    static constexpr uint64_t kPlace = 0xffff;
+    static constexpr double kNone = -0x1p1000; // where there is no column to choose
+
+    static uint32_t placeOf(double square) { return static_cast<uint32_t>(std::bit_cast<uint64_t>(square) & kPlace); }
+
+    Pair setSquares(size_t x, Pair to)
+    {
+        using Bits __attribute__((vector_size(sizeof(Pair)))) = uint64_t;
+        return pairAt(squares(), x) = (Pair)(((Bits)to & ~kPlace) | Bits{x, x + 1});
+    }
+
+    // Gives the first squares their places. The largest ones.
+    Pair findLargest()
+    {
+        squares()[0] = kNone;
+        if (m_width % 2 == 0)
+            squares()[m_width + 1] = kNone;
+        Pair largest = {kNone, kNone};
+        for (size_t x = 0; x <= m_width; x += 2)
+            largest = larger(largest, setSquares(x, pairAt(squares(), x)));
+        return largest;
+    }
+
+    // A column becomes the normal, and the last one that is left takes its place. The square of the normal's length.
+    double takeColumn(uint32_t k, uint32_t place)
     {
         const uint32_t last = m_width - k;
-        Search search(1);
-        for (uint32_t x = 1; x <= last; ++x)
-            search.take(x, squares()[x]);
-        const uint32_t longest = search.where;
-        std::swap(numbers()[last], numbers()[longest]);
-        squares()[longest] = squares()[last];
-        double* r = row(0);
-        for (uint32_t y = 0; y < k; ++y, r += m_rowSize)
-            std::swap(r[last], r[longest]);
+        places()[last] = place;
+        squares()[place] = squares()[last];
+        squares()[last] = kNone;
         double square = 0, other = 0; // of every other row, so that they wait less for each other
+        double* r = row(k);
         for (uint32_t y = k; y < m_height; ++y, r += m_rowSize) {
-            const double element = r[longest];
-            m_normal[y] = element;
-            r[longest] = r[last];
+            const double element = r[place];
+            normal(y) = Pair{element, element};
+            r[place] = r[last];
             square += element * element;
             std::swap(square, other);
         }
         return square + other;
     }
 
-    // Reflects the columns that are left, from row k on.
-    void reflectColumns(uint32_t k, double factor)
+    // Reflects the columns that are left, from row k on. The largest of their squares.
+    Pair reflectColumns(uint32_t k, const Reflection& by)
     {
         size_t x = 0;
         const size_t end = m_width - k;
+        Pair largest = {kNone, kNone};
         for (; x + 6 < end; x += 8)
-            reflectPairs<4>(x, k, factor);
+            largest = reflectPairs<4>(x, k, by, largest);
         if (x + 4 < end)
-            reflectPairs<3>(x, k, factor);
-        else if (x + 2 < end)
-            reflectPairs<2>(x, k, factor);
-        else if (x < end)
-            reflectPairs<1>(x, k, factor);
+            return reflectPairs<3>(x, k, by, largest);
+        if (x + 2 < end)
+            return reflectPairs<2>(x, k, by, largest);
+        if (x < end)
+            return reflectPairs<1>(x, k, by, largest);
+        return largest;
     }
 
-    // Of as many pairs of columns.
+    // Of as many pairs of columns. The largest squares, be they theirs or the largest so far.
     template <size_t count>
-    void reflectPairs(size_t x, uint32_t k, double factor)
+    Pair reflectPairs(size_t x, uint32_t k, const Reflection& by, Pair largest)
     {
-        Pair sums[count] = {};
-        double* const begin = row(k) + x;
-        double* r = begin + m_rowSize;
-        for (uint32_t y = k + 1; y < m_height; ++y, r += m_rowSize) {
-            const double n = m_normal[y];
+        Pair products[count] = {};
+        double *const first = row(k) + x, *r = first;
+        for (uint32_t y = k; y < m_height; ++y, r += m_rowSize) {
+            const Pair n = normal(y);
 #pragma GCC unroll 4
             for (size_t i = 0; i < count; ++i)
-                sums[i] += n * pairAt(r, 2 * i);
+                products[i] += n * pairAt(r, 2 * i);
         }
-        // Row k comes last in the sums, for its element of the normal waits for the length. It is the first to be done,
-        // for the next search waits for that.
-        const double first = m_normal[k];
+        Pair factors[count];
 #pragma GCC unroll 4
         for (size_t i = 0; i < count; ++i) {
-            const Pair elements = pairAt(begin, 2 * i);
-            sums[i] = (sums[i] + first * elements) * -factor;
-            const Pair reflected = elements + first * sums[i];
-            pairAt(begin, 2 * i) = reflected;
-            pairAt(squares(), x + 2 * i) -= reflected * reflected;
+            const Pair before = pairAt(first, 2 * i), after = products[i] * by.perPivot;
+            const Pair square = pairAt(squares(), x + 2 * i) - after * after;
+            largest = larger(largest, setSquares(x + 2 * i, square));
+            factors[i] = (after - before) * by.perFirst;
+            pairAt(first, 2 * i) = after;
         }
-        r = begin + m_rowSize;
+        r = first + m_rowSize;
         for (uint32_t y = k + 1; y < m_height; ++y, r += m_rowSize) {
-            const double n = m_normal[y];
+            const Pair n = normal(y);
 #pragma GCC unroll 4
             for (size_t i = 0; i < count; ++i)
-                pairAt(r, 2 * i) += n * sums[i];
+                pairAt(r, 2 * i) += n * factors[i];
         }
+        return largest;
     }
 
     const uint32_t m_width, m_height;
@@ -909,7 +959,7 @@ private:
 rvkStatus rvkSolvef32C(const float32_t* A, uint32_t width, uint32_t height, uint32_t aStride, const float32_t* b,
                        float32_t* x)
 {
-    const Matrix rows(uint64_t{height} + 2, width + 1), normal(1, height);
+    const Matrix rows(uint64_t{height} + 2, width + 1), normal(1, uint64_t{height} * 2);
     if (!rows || !normal)
         return RAVIK_ENORES;
     LeastSquares equations(width, height, rows, normal);
