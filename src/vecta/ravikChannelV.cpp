@@ -132,28 +132,6 @@ struct PixelByPixel : WholeUnits
 };
 
 template <size_t channels>
-RVK_INLINE Vecs<uint8_t, channels> loadPixels(const uint8_t* p)
-{
-    if constexpr (channels == 2)
-        return load2(p);
-    else if constexpr (channels == 3)
-        return load3(p);
-    else
-        return load4(p);
-}
-
-template <size_t channels>
-RVK_INLINE void storePixels(uint8_t* p, const Vecs<uint8_t, channels>& v)
-{
-    if constexpr (channels == 2)
-        store2(p, v);
-    else if constexpr (channels == 3)
-        store3(p, v);
-    else
-        store4(p, v);
-}
-
-template <size_t channels>
 struct Combine : PixelByPixel
 {
     static constexpr size_t in = 1, out = channels;
@@ -165,7 +143,7 @@ struct Combine : PixelByPixel
         unrolled<channels>([&](auto i) RVK_INLINE_LAMBDA { v[i] = load(src.row[i]); });
         return v;
     }
-    RVK_INLINE static void put(const Vecs<uint8_t, channels>& v, size_t, uint8_t* dst) { storePixels(dst, v); }
+    RVK_INLINE static void put(const Vecs<uint8_t, channels>& v, size_t, uint8_t* dst) { storeInterleaved(dst, v); }
 };
 
 template <size_t channels>
@@ -175,7 +153,7 @@ struct Separate : PixelByPixel
 
     RVK_INLINE static Vecs<uint8_t, channels> take(const Rows<const uint8_t, 1>& src)
     {
-        return loadPixels<channels>(src.row[0]);
+        return loadInterleaved<channels>(src.row[0]);
     }
     RVK_INLINE static void put(const Vecs<uint8_t, channels>& v, size_t target, uint8_t* dst) { store(dst, v[target]); }
 };
@@ -187,7 +165,7 @@ struct Extract : PixelByPixel
 
     RVK_INLINE static Vec<uint8_t> take(const Rows<const uint8_t, 1>& src)
     {
-        return loadPixels<channels>(src.row[0])[channel];
+        return loadInterleaved<channels>(src.row[0])[channel];
     }
     RVK_INLINE static void put(Vec<uint8_t> v, size_t, uint8_t* dst) { store(dst, v); }
 };

@@ -151,17 +151,6 @@ RVK_NOINLINE void sumColumns(Plane<const T> a, Plane<const T> b, size_t left, si
         sumVector(x, [=](const T* p) RVK_INLINE_LAMBDA { return loadPartial(p, columns - x); });
 }
 
-template <size_t count, class T>
-RVK_INLINE Vecs<T, count> loadInterleaved(const T* p)
-{
-    if constexpr (count == 2)
-        return load2(p);
-    else if constexpr (count == 3)
-        return load3(p);
-    else
-        return load4(p);
-}
-
 // The sums of blocks of so few columns, from left to right.
 template <size_t blockWidth, class Sum>
 RVK_INLINE void sumNarrowBlocks(const Sum* sums, size_t columns, Sum* out)

@@ -140,15 +140,6 @@ private:
     }
 };
 
-template <size_t coordinates>
-RVK_INLINE Vecs<float, coordinates> loadPoints(const float* p)
-{
-    if constexpr (coordinates == 2)
-        return load2(p);
-    else
-        return load3(p);
-}
-
 // The lanes of four vectors of numbers as bytes.
 RVK_INLINE Vec<uint8_t> bytesOf(const Vecs<uint32_t, 4>& v)
 {
@@ -170,7 +161,7 @@ RVK_INLINE void judge(const Model<coordinates, hasDenominator>& model, const Chu
         unrolled<4>([&](auto k) RVK_INLINE_LAMBDA {
             const size_t at = i + k * lanes;
             const Estimate e =
-                model.estimate(loadPoints<coordinates>(chunk.src + at * coordinates), load2(chunk.dst + 2 * at));
+                model.estimate(loadInterleaved<coordinates>(chunk.src + at * coordinates), load2(chunk.dst + 2 * at));
             const Mask<float> isLess = less(e.squaredError + e.slack, most);
             Mask<float> isKnown = (isLess | greater(e.squaredError - e.slack, most)) & e.isSound;
             if constexpr (wantsErrors) {

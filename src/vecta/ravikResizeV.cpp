@@ -627,13 +627,7 @@ RVK_INLINE Vec<uint16_t> sumsOfNeighbours(const uint16_t* sums)
     if constexpr (count == 1) {
         return load(sums);
     } else {
-        Vecs<T, count> v;
-        if constexpr (count == 2)
-            v = load2(p);
-        else if constexpr (count == 3)
-            v = load3(p);
-        else
-            v = load4(p);
+        const Vecs<T, count> v = loadInterleaved<count>(p);
         Vec<uint16_t> sum = bitCast<uint16_t>(v[0]);
         unrolled<count - 1>([&](auto i) RVK_INLINE_LAMBDA { sum = sum + bitCast<uint16_t>(v[i + 1]); });
         return sum;

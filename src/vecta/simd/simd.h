@@ -10,7 +10,8 @@
 //             loadPartial(p, n), loadVecsPartial<count>(p, n), storePartial(p, v or vs, n): the first n elements, n may
 //             be 0; loads give zero in the lanes after them
 //             loadWiden<To>(p): Vec<To>::lanes elements half as wide, or bytes to 32 bits
-//             load2, load3, load4(p) -> Vecs<T, n>: the channels of interleaved pixels; store2, store3, store4(p, vs)
+//             load2, load3, load4(p) -> Vecs<T, n>: the channels of interleaved pixels; store2, store3, store4(p, vs);
+//             loadInterleaved<n>(p), storeInterleaved(p, vs): these by their number
 //             loadEach16(addresses, offset): u8, blocks of 16 bytes, block i from addresses[i] + offset
 //             loadMeans<T>(p), loadMeans<T>(p, q): u8, the rounded means of the bytes of each element of T, 8 or 16
 //             bits, with those of its neighbour; with q, of those and the two in the row there. load2Means ->
@@ -149,6 +150,30 @@ RVK_INLINE Vec<int8_t> absDiff(Vec<int8_t> a, Vec<int8_t> b) { return max(a, b) 
 RVK_INLINE Vec<int16_t> absDiff(Vec<int16_t> a, Vec<int16_t> b) { return max(a, b) - min(a, b); }
 RVK_INLINE Vec<uint32_t> absDiff(Vec<uint32_t> a, Vec<uint32_t> b) { return max(a, b) - min(a, b); }
 #endif
+
+template <size_t count, class T>
+RVK_INLINE Vecs<T, count> loadInterleaved(const T* p)
+{
+    static_assert(2 <= count && count <= 4);
+    if constexpr (count == 2)
+        return load2(p);
+    else if constexpr (count == 3)
+        return load3(p);
+    else
+        return load4(p);
+}
+
+template <class T, size_t count>
+RVK_INLINE void storeInterleaved(T* p, const Vecs<T, count>& v)
+{
+    static_assert(2 <= count && count <= 4);
+    if constexpr (count == 2)
+        store2(p, v);
+    else if constexpr (count == 3)
+        store3(p, v);
+    else
+        store4(p, v);
+}
 
 // The true lanes in their order, where the instruction set has that; otherwise all, of `others` where false. Returns
 // how many were stored; a whole vector is written.
