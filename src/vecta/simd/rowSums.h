@@ -94,9 +94,7 @@ RVK_INLINE Vec<Sum> weightedPairs(Vec<int16_t> a)
 template <class T>
 RVK_INLINE Vec<T> loadOnce(const T* p)
 {
-    Vec<T> v = load(p);
-    __asm__("" : "+v"(v.raw));
-    return v;
+    return anyVector(load(p));
 }
 
 template <class W, class T>
