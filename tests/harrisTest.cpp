@@ -99,7 +99,7 @@ TEST(Harris, FollowsTheDefinition)
     Random random(1);
     for (int trial = 0; trial < 20; ++trial) {
         const auto src =
-            boxes(random, 12 + static_cast<int>(random.below(80)), 12 + static_cast<int>(random.below(50)));
+            boxes(random, 12 + static_cast<int>(random.below(200)), 12 + static_cast<int>(random.below(50)));
         const uint8_t* const pixels = src.pixels.data();
         const uint32_t width = src.columns(), height = src.rows(), border = random.below(9), most = 400;
         const int32_t threshold = static_cast<int32_t>(random.below(30000)) - 1000;
@@ -197,7 +197,7 @@ TEST(GoodFeatures, FollowTheDefinition)
     Random random(3);
     for (int trial = 0; trial < 20; ++trial) {
         const auto src =
-            boxes(random, 12 + static_cast<int>(random.below(80)), 12 + static_cast<int>(random.below(50)));
+            boxes(random, 12 + static_cast<int>(random.below(200)), 12 + static_cast<int>(random.below(50)));
         const Smoothed s(src);
         const auto responses = pictureOf<float>(src.width, src.height, [&](int x, int y) {
             const float a = static_cast<float>(s.xx.at(x, y)) / 2, c = static_cast<float>(s.yy.at(x, y)) / 2;

@@ -422,7 +422,7 @@ void rvkFilterGaussian5x5s16_v2V(const int16_t* src, uint32_t srcWidth, uint32_t
         return rvkFilterGaussian5x5s16_v2C(src, srcWidth, srcHeight, srcStride, dst, dstStride, blurBorder);
     const Plane in = {src, srcStride};
     const Plane out = {dst, dstStride};
-    filterInterior(srcWidth, srcHeight, in, Binomial5<int16_t, ShiftRight<8>>{}, out);
+    filterInterior(srcWidth, srcHeight, in, BinomialMeans5<>{}, out);
     if (blurBorder == 1)
         renormalisedRing<Binomial5<int16_t, Sums>, Weights<1, 4, 6, 4, 1>, int32_t>(srcWidth, srcHeight, in, out);
 }

@@ -17,9 +17,14 @@ using Floats = Vec<float>;
 
 constexpr size_t kProducts = 3; // of gradients: xx, yy and xy
 
-using Smoothing = Binomial5<int16_t, ShiftRight<8>>;
-constexpr size_t kRowsBefore = Smoothing::rows - 1; // that a window has above its last one
-constexpr size_t kRows = 28;                        // of a block
+// With AVX-512 responses are made of the sums as they are: that spares a twelfth of the operations.
+#if defined(__AVX512BW__)
+using Smoothing = BinomialMeans5<UpperHalves>;
+#else
+using Smoothing = BinomialMeans5<>;
+#endif
+constexpr size_t kRowsBefore = Smoothing::rows - 1, kColumnsBefore = Smoothing::columns - 1; // in a window
+constexpr size_t kRows = 16;                                                                 // of a block
 
 // ---- gradients -----------------------------------------------------------------------------------------------------
 
@@ -44,11 +49,29 @@ RVK_INLINE void multiplyGradients(size_t n, const uint8_t* above, const uint8_t*
     }
 }
 
-// ---- responses, of a vector of smoothed products -------------------------------------------------------------------
+// ---- responses, of a step of smoothed products ---------------------------------------------------------------------
 
 // Neighbouring gradients cannot all be -128, so sums of two products fit 16 bits.
 struct HarrisResponse
 {
+#if defined(__AVX512BW__)
+    // A sum of products of halves is the determinant but for c: the complement of c is 1 less than its negative.
+    RVK_INLINE Vecs<int32_t, 2> operator()(const Pairs<int32_t>& xx, const Pairs<int32_t>& yy,
+                                           const Pairs<int32_t>& xy) const
+    {
+        const Words lower = anyVector(splat<int32_t>(0xffff)); // or clang permutes words, which takes much longer
+        Pairs<int32_t> responses;
+        unrolled<2>([&](auto i) RVK_INLINE_LAMBDA {
+            const Words c = shiftRight(xy[i], 16);
+            const Shorts trace =
+                bitCast<int16_t>(~lower & bitCast<int32_t>(bitCast<int16_t>(xx[i]) + bitCast<int16_t>(yy[i])));
+            const Words p = (xx[i] & ~lower) | (c & lower), q = (yy[i] & ~lower) | (~c & lower);
+            responses[i] =
+                c - shiftRight(dotPairs(trace, trace), 4) + dotPairs(bitCast<int16_t>(p), bitCast<int16_t>(q));
+        });
+        return orderPairs(responses);
+    }
+#else
     RVK_INLINE Vecs<int32_t, 2> operator()(Shorts xx, Shorts yy, Shorts xy) const
     {
         const Shorts trace = xx + yy;
@@ -57,6 +80,7 @@ struct HarrisResponse
         return orderWidened(
             Vecs<int32_t, 2>{determinant[0] - shiftRight(square[0], 4), determinant[1] - shiftRight(square[1], 4)});
     }
+#endif
 };
 
 // Twice the smaller eigenvalue, as a key in the order of the floats; where it certainly is not above the threshold the
@@ -65,9 +89,25 @@ struct SmallerEigenvalue
 {
     Floats threshold; // twice, and no subnormal number below 0
 
+#if defined(__AVX512BW__)
+    RVK_INLINE Vecs<int32_t, 2> operator()(const Pairs<int32_t>& xx, const Pairs<int32_t>& yy,
+                                           const Pairs<int32_t>& xy) const
+    {
+        const auto mean = [](Words upper) RVK_INLINE_LAMBDA { return shiftRight(upper, 16); };
+        const Pairs<int32_t> a = {mean(xx[0]), mean(xx[1])}, b = {mean(yy[0]), mean(yy[1])};
+        return orderPairs(of(a + b, a - b, {mean(xy[0]), mean(xy[1])}));
+    }
+#else
     RVK_INLINE Vecs<int32_t, 2> operator()(Shorts xx, Shorts yy, Shorts xy) const
     {
-        const Vecs<int32_t, 2> sums = widen(xx + yy), differences = widen(xx - yy), mixed = widen(xy);
+        return of(widen(xx + yy), widen(xx - yy), widen(xy));
+    }
+#endif
+
+private:
+    RVK_INLINE Vecs<int32_t, 2> of(const Vecs<int32_t, 2>& sums, const Vecs<int32_t, 2>& differences,
+                                   const Vecs<int32_t, 2>& mixed) const
+    {
         Floats trace[2], square[2];
         Mask<float> mayExceed[2];
         unrolled<2>([&](auto i) RVK_INLINE_LAMBDA {
@@ -86,11 +126,66 @@ struct SmallerEigenvalue
 
 // ---- blocks --------------------------------------------------------------------------------------------------------
 
-// Products of gradients of a part of the picture that the first-level cache holds: all three of a row one after the
-// other. Their columns are whole steps, and a vector behind them may be read.
-constexpr size_t kTileColumns = 128, kTilePitch = kTileColumns + Shorts::lanes;
-constexpr size_t kTileOutputs = kTileColumns - (Smoothing::columns - 1);
-static_assert(kTileColumns % kBytes == 0);
+// Products of gradients of a part of a block that the first-level cache holds: all three of a row one after the other,
+// each behind the last ones of the tile to the left.
+struct Tile
+{
+    static constexpr size_t kColumns = 128, kLead = Shorts::lanes, kPitch = kLead + kColumns;
+    static_assert(kColumns % kBytes == 0 && kLead >= kColumnsBefore);
+
+    alignas(kBytes) int16_t products[kRows * kProducts * kPitch];
+
+    RVK_INLINE explicit Tile(size_t rows)
+    {
+        __builtin_memset(products, 0, rows * kProducts * kPitch * sizeof *products);
+    }
+    RVK_INLINE Plane<int16_t> row(size_t y)
+    {
+        return {products + y * kProducts * kPitch + kLead, kPitch * sizeof(int16_t)};
+    }
+    // Where the windows begin that end in column x and row y.
+    RVK_INLINE const int16_t* window(size_t x, size_t y, size_t product) const
+    {
+        return products + (y * kProducts + product) * kPitch + kLead - kColumnsBefore + x;
+    }
+    RVK_INLINE void moveToTheRight(size_t rows)
+    {
+        for (size_t i = 0; i < rows * kProducts; ++i)
+            store(products + i * kPitch, load(products + i * kPitch + kColumns));
+    }
+};
+
+// What a step of columns hands down to the next block, which would have to begin four rows earlier without it.
+struct Column
+{
+    Smoothing smoothing[kProducts] = {};
+};
+
+// The last rows of responses, each at the end of its window: row y and column x of gradients end the windows around row
+// y - 1 and column x - 1 of the picture. Beside them stand, a byte for each step of a row, those that have a response
+// above the threshold.
+struct Responses
+{
+    static constexpr size_t kToCentre = 1, kLast = kRowsBefore + kRows;
+    using Word = uint64_t; // so many bytes are looked at together
+
+    int32_t* data;
+    size_t pitch;
+    Word* exceeding;
+    size_t words; // of a row
+    int32_t threshold;
+
+    // By rows and columns of the picture.
+    RVK_INLINE int32_t* row(size_t y) const { return data + (y + kToCentre) % kLast * pitch + kToCentre; }
+    RVK_INLINE const Word* exceedingOf(size_t y) const { return exceeding + (y + kToCentre) % kLast * words; }
+    // By those of gradients.
+    RVK_INLINE void put(size_t x, size_t y, const Vecs<int32_t, 2>& v) const
+    {
+        store(data + y % kLast * pitch + x, v);
+        uint8_t* const bytes = reinterpret_cast<uint8_t*>(exceeding + y % kLast * words);
+        bytes[x / Smoothing::step] = any(greater(max(v[0], v[1]), splat(threshold)));
+    }
+};
 
 // Where there are more than 16 registers they hold the sums of all products, and nothing smoothed goes through memory:
 // with AVX-512 that spares a tenth of the time. Of 16 they would be spilled: 40 % more instructions on 32-bit Arm.
@@ -100,82 +195,100 @@ constexpr bool kSmoothsAllAtOnce = true;
 constexpr bool kSmoothsAllAtOnce = false;
 #endif
 
-// The responses of windows.
-template <class Response>
-struct ResponseKernel
+// f(y) for all rows, one at least, and maybe for one more: what goes from row to row then changes its registers half as
+// often, and clang does not keep it twice for the case that there are no rows.
+template <class F>
+RVK_INLINE void forRows(size_t rows, F f)
 {
-    static constexpr size_t rows = Smoothing::rows, columns = Smoothing::columns, step = Smoothing::step;
-    Response response;
-    Smoothing smoothing[kProducts] = {};
+    static_assert(kRows % 2 == 0);
+    size_t y = 0;
+    do {
+        f(y);
+        f(y + 1);
+        y += 2;
+    } while (y < rows);
+}
 
-    RVK_INLINE Vecs<int32_t, 2> next(const int16_t* p)
-    {
-        return response(smoothing[0].next(p), smoothing[1].next(p + kTilePitch), smoothing[2].next(p + 2 * kTilePitch));
-    }
-};
-
-// Of `n` x `m` windows of products; n is a multiple of a step.
+// The responses of the windows that end in `n` x `m` gradients from (left, top) on, of which the tile has the products;
+// n is a multiple of a step.
 template <class Response>
-RVK_INLINE void respondToProducts(size_t n, size_t m, const int16_t* products, Plane<int32_t> responses,
-                                  Response response)
+RVK_INLINE void respondToTile(size_t left, size_t top, size_t n, size_t m, const Tile& tile, Column* columns,
+                              const Responses& responses, Response response)
 {
-    constexpr uint32_t stride = kProducts * kTilePitch * sizeof(int16_t);
+    constexpr size_t step = Smoothing::step;
     if constexpr (kSmoothsAllAtOnce) {
-        walk(n, m, Plane<const int16_t>{products, stride}, ResponseKernel<Response>{response}, responses);
-        return;
-    }
-    alignas(kBytes) int16_t smoothed[kRows * kProducts * kTilePitch];
-    for (size_t i = 0; i < kProducts * kTilePitch; i += kTilePitch)
-        walk(n, m, Plane<const int16_t>{products + i, stride}, Smoothing{}, Plane<int16_t>{smoothed + i, stride});
-    for (size_t y = 0; y < m; ++y)
-        for (size_t x = 0; x < n; x += Smoothing::step) {
-            const int16_t* const p = smoothed + y * kProducts * kTilePitch + x;
-            store(responses.row(y) + x, response(load(p), load(p + kTilePitch), load(p + 2 * kTilePitch)));
+        for (size_t x = 0; x < n; x += step, ++columns) {
+            Column column = *columns;
+            forRows(m, [&](auto y) RVK_INLINE_LAMBDA {
+                responses.put(left + x, top + y,
+                              response(column.smoothing[0].next(tile.window(x, y, 0)),
+                                       column.smoothing[1].next(tile.window(x, y, 1)),
+                                       column.smoothing[2].next(tile.window(x, y, 2))));
+            });
+            *columns = column;
         }
-}
-
-// Responses of `count` rows and so many columns, whose windows of products begin with pixel (left, top). Columns up to
-// the next whole step are written, too.
-template <class Response>
-RVK_INLINE void respondInTile(const GreyImage& image, size_t left, size_t top, size_t columns, size_t count,
-                              Response response, Plane<int32_t> responses)
-{
-    alignas(kBytes) int16_t products[(kRows + kRowsBefore) * kProducts * kTilePitch];
-    const Plane src = {image.data, image.stride};
-    const Plane<int16_t> rows = {products, kTilePitch * sizeof(int16_t)};
-    for (size_t k = 0; k < count + kRowsBefore; ++k) {
-        const size_t y = top + k;
-        multiplyGradients(columns + Smoothing::columns - 1, src.row(y - 1) + left, src.row(y) + left,
-                          src.row(y + 1) + left, {rows.row(k * kProducts), rows.stride});
+    } else {
+        alignas(kBytes) int16_t smoothed[kProducts][kRows][Tile::kColumns];
+        for (size_t x = 0; x < n; x += step)
+            for (size_t i = 0; i < kProducts; ++i) {
+                Smoothing smoothing = columns[x / step].smoothing[i];
+                forRows(m, [&](auto y)
+                               RVK_INLINE_LAMBDA { store(smoothed[i][y] + x, smoothing.next(tile.window(x, y, i))); });
+                columns[x / step].smoothing[i] = smoothing;
+            }
+        for (size_t y = 0; y < m; ++y)
+            for (size_t x = 0; x < n; x += step)
+                responses.put(left + x, top + y,
+                              response(load(smoothed[0][y] + x), load(smoothed[1][y] + x), load(smoothed[2][y] + x)));
     }
-    respondToProducts(roundedUp(columns, Smoothing::step), count, products, responses, response);
 }
 
-// Computes the responses of the picture, a block of rows after the other: use(first, end, rows) gets those of rows
-// `first` to `end`. Row `first` is rows.row(kRowsBefore), above it are the last of the block before; their column 0 is
-// kResponseBorder of the picture. False ends it.
+// Computes the responses of the picture, a block of rows after the other: use(first, end, responses) gets those of rows
+// `first` to `end`, and of kRowsBefore rows above. False ends it.
 template <class Response, class Use>
-RVK_INLINE rvkStatus respondInBlocks(const GreyImage& image, Response response, Use use)
+RVK_INLINE rvkStatus respondInBlocks(const GreyImage& image, Response response, int32_t threshold, Use use)
 {
-    const size_t n = image.width - 2 * kResponseBorder, m = image.height - 2 * kResponseBorder;
+    const size_t n = image.width - 2, m = image.height - 2; // that have gradients
+    const size_t steps = roundedUp(n, Smoothing::step) / Smoothing::step;
+    const size_t words = roundedUp(steps, sizeof(Responses::Word)) / sizeof(Responses::Word);
     const uint64_t pitch = roundedUp(image.width, kBytes) + uint64_t{2} * kBytes;
-    const Scratch<int32_t> scratch(least(kRows, m) + kRowsBefore, pitch);
-    if (!scratch)
+    const Scratch<int32_t> rows(Responses::kLast, pitch);
+    const Scratch<Responses::Word> exceeding(Responses::kLast, words);
+    const Scratch<Column> columns(steps);
+    if (!rows || !exceeding || !columns)
         return RAVIK_ENORES;
-    const Plane<int32_t> responses = {scratch.get(), static_cast<uint32_t>(pitch * sizeof(int32_t))};
+    for (size_t i = 0; i < Responses::kLast * words; ++i)
+        exceeding[i] = 0;
+    for (size_t i = 0; i < steps; ++i)
+        columns[i] = {};
+    Tile tile(least(kRows, m + m % 2));
+    const Plane src = {image.data, image.stride};
+    const Responses responses = {rows.get(), static_cast<size_t>(pitch), exceeding.get(), words, threshold};
     for (size_t top = 0; top < m; top += kRows) {
         const size_t count = least(kRows, m - top);
-        for (size_t x = 0; x < n; x += kTileOutputs)
-            respondInTile(image, x + 1, top + 1, least(kTileOutputs, n - x), count, response,
-                          {responses.row(kRowsBefore) + x, responses.stride});
-        if (!use(top + kResponseBorder, top + kResponseBorder + count, responses))
+        for (size_t left = 0; left < n; left += Tile::kColumns) {
+            const size_t width = least(Tile::kColumns, n - left);
+            for (size_t k = 0; k < count; ++k) {
+                const size_t y = top + k, x = left + 1;
+                multiplyGradients(width, src.row(y) + x, src.row(y + 1) + x, src.row(y + 2) + x, tile.row(k));
+            }
+            respondToTile(left, top, roundedUp(width, Smoothing::step), count, tile, &columns[left / Smoothing::step],
+                          responses, response);
+            tile.moveToTheRight(count);
+        }
+        if (!use(top ? top - Responses::kToCentre : kResponseBorder, top + count - Responses::kToCentre, responses))
             break;
-        __builtin_memmove(responses.row(0), responses.row(count), kRowsBefore * responses.stride);
     }
     return RAVIK_SUCCESS;
 }
 
 // ---- the largest responses -----------------------------------------------------------------------------------------
+
+// The rows around a row of responses.
+struct Neighbours
+{
+    const int32_t* row[5];
+};
 
 RVK_INLINE Words max5(const int32_t* p)
 {
@@ -183,48 +296,51 @@ RVK_INLINE Words max5(const int32_t* p)
 }
 
 // Those of a vector of responses that are above the threshold and their neighbours.
-RVK_INLINE Mask<int32_t> largest(const int32_t* p, size_t pitch, Words threshold)
+RVK_INLINE Mask<int32_t> largest(const Neighbours& rows, size_t x, Words threshold)
 {
+    const int32_t* const p = rows.row[2] + x;
     const Words centre = load(p);
     Mask<int32_t> mask = greater(centre, threshold);
     if (!any(mask))
         return mask;
     mask = mask & greater(centre, max(max(load(p - 2), load(p - 1)), max(load(p + 1), load(p + 2))));
-    mask = mask & greater(centre, max(max5(p - pitch), max5(p + pitch)));
+    mask = mask & greater(centre, max(max5(rows.row[1] + x), max5(rows.row[3] + x)));
     if (!any(mask))
         return mask;
-    return mask & greater(centre, max(max5(p - 2 * pitch), max5(p + 2 * pitch)));
+    return mask & greater(centre, max(max5(rows.row[0] + x), max5(rows.row[4] + x)));
 }
 
-// Gives the corners among the first `n` of two vectors to the taker; false when it wants no more.
-RVK_NOINLINE bool takeCorners(const int32_t* p, size_t pitch, size_t n, int32_t threshold, uint32_t x, uint32_t y,
+// Gives the corners of row y from column x to `end`, at most a step, to the taker; false when it wants no more.
+RVK_NOINLINE bool takeCorners(const Neighbours& rows, size_t x, size_t end, uint32_t y, int32_t threshold,
                               CornerTaker& taker)
 {
-    constexpr size_t lanes = Words::lanes;
-    for (size_t first = 0; first < n; first += lanes) {
-        const Mask<int32_t> mask = largest(p + first, pitch, splat(threshold));
+    for (constexpr size_t lanes = Words::lanes; x < end; x += lanes) {
+        const Mask<int32_t> mask = largest(rows, x, splat(threshold));
         if (!any(mask))
             continue;
         int32_t isCorner[lanes];
         store(isCorner, toVec(mask));
-        for (size_t i = 0; i < lanes && first + i < n; ++i)
-            if (isCorner[i] && !taker.take(static_cast<uint32_t>(x + first + i), y, p[first + i]))
+        for (size_t i = 0; i < lanes && x + i < end; ++i)
+            if (isCorner[i] && !taker.take(static_cast<uint32_t>(x + i), y, rows.row[2][x + i]))
                 return false;
     }
     return true;
 }
 
-RVK_INLINE bool takeCornersOfRow(const int32_t* row, size_t pitch, const CornerArea& area, int32_t threshold,
-                                 uint32_t y, CornerTaker& taker)
+RVK_INLINE bool takeCornersOfRow(const Responses& responses, const CornerArea& area, uint32_t y, CornerTaker& taker)
 {
-    constexpr size_t step = 4 * Words::lanes;
-    for (size_t x = area.left; x < area.right; x += step) {
-        const int32_t* const p = row + (x - kResponseBorder);
-        const Vecs<int32_t, 4> v = loadVecs<4>(p);
-        if (any(greater(max(max(v[0], v[1]), max(v[2], v[3])), splat(threshold))) &&
-            !takeCorners(p, pitch, least(step, area.right - x), threshold, static_cast<uint32_t>(x), y, taker))
-            return false;
-    }
+    constexpr size_t step = Smoothing::step, toCentre = Responses::kToCentre, bytes = sizeof(Responses::Word);
+    const Neighbours rows = {
+        {responses.row(y - 2), responses.row(y - 1), responses.row(y), responses.row(y + 1), responses.row(y + 2)}};
+    const Responses::Word* const exceeding = responses.exceedingOf(y);
+    for (size_t i = 0; i < responses.words; ++i)
+        for (Responses::Word word = exceeding[i]; word; word &= word - 1) {
+            const size_t x = (i * bytes + static_cast<size_t>(__builtin_ctzll(word)) / 8) * step;
+            const size_t begin = x < area.left + toCentre ? area.left : x - toCentre;
+            const size_t end = least(x + step - toCentre, area.right);
+            if (begin < end && !takeCorners(rows, begin, end, y, responses.threshold, taker))
+                return false;
+        }
     return true;
 }
 
@@ -232,15 +348,14 @@ template <class Response>
 RVK_INLINE rvkStatus findCorners(const GreyImage& image, const CornerArea& area, int32_t threshold, CornerTaker& taker,
                                  Response response)
 {
-    return respondInBlocks(image, response, [&](size_t first, size_t end, Plane<int32_t> rows) RVK_INLINE_LAMBDA {
-        const size_t pitch = rows.stride / sizeof(int32_t);
+    const auto take = [&](size_t first, size_t end, const Responses& responses) RVK_INLINE_LAMBDA {
         const size_t bottom = least(end - 2, area.bottom);
         for (size_t y = first < area.top + 2 ? area.top : first - 2; y < bottom; ++y)
-            if (!takeCornersOfRow(rows.row(y + kRowsBefore - first), pitch, area, threshold, static_cast<uint32_t>(y),
-                                  taker))
+            if (!takeCornersOfRow(responses, area, static_cast<uint32_t>(y), taker))
                 return false;
         return true;
-    });
+    };
+    return respondInBlocks(image, response, threshold, take);
 }
 
 RVK_NOINLINE rvkStatus findHarrisCorners(const GreyImage& image, const CornerArea& area, int32_t threshold,
@@ -272,9 +387,9 @@ rvkStatus rvkLocalHarrisMaxu8V(const uint8_t* patch, uint32_t width, uint32_t he
     const size_t n = width - 2 * kResponseBorder;
     int32_t best = INT32_MIN;
     size_t bestX = 0, bestY = 0;
-    const auto search = [&](size_t first, size_t end, Plane<int32_t> rows) RVK_INLINE_LAMBDA {
+    const auto search = [&](size_t first, size_t end, const Responses& responses) RVK_INLINE_LAMBDA {
         for (size_t y = first; y < end; ++y) {
-            int32_t* const row = rows.row(y + kRowsBefore - first);
+            int32_t* const row = responses.row(y) + kResponseBorder;
             store(row + n, splat(INT32_MIN)); // so that whole vectors have nothing else behind the last response
             Words most = load(row);
             for (size_t x = Words::lanes; x < n; x += Words::lanes)
@@ -289,7 +404,7 @@ rvkStatus rvkLocalHarrisMaxu8V(const uint8_t* patch, uint32_t width, uint32_t he
         }
         return true;
     };
-    const rvkStatus status = respondInBlocks({patch, width, height, stride}, HarrisResponse{}, search);
+    const rvkStatus status = respondInBlocks({patch, width, height, stride}, HarrisResponse{}, INT32_MAX, search);
     if (status == RAVIK_SUCCESS) {
         *maxX = static_cast<uint32_t>(bestX + kResponseBorder);
         *maxY = static_cast<uint32_t>(bestY);

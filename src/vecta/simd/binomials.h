@@ -43,6 +43,12 @@ struct Sums
     }
 };
 
+// Sums of which the upper halves are what is wanted, and left to the caller.
+struct UpperHalves
+{
+    static RVK_INLINE Pairs<int32_t> of(Pairs<int32_t> sums) { return sums; }
+};
+
 // As rowSum. Of 16-bit elements with AVX-512 by the instruction that adds products: 5x5 windows then take a tenth less.
 // On Arm the windows of 5 by shifts of what one load and a half bring, which on 32 bits spares the addresses of others.
 template <class W, class T>
@@ -102,6 +108,16 @@ template <class Output>
 using Binomial3 = Binomial<uint8_t, Weights<1, 2, 1>, Output>;
 template <class T, class Output>
 using Binomial5 = Binomial<T, Weights<1, 4, 6, 4, 1>, Output>;
+
+// Means of 16-bit elements, rounded down. On x86, where weights of any size cost the same, the sums are so large that
+// their upper halves are the means: of those in odd lanes there is nothing to shift.
+#if defined(__x86_64__)
+template <class Output = ShiftRight<16>>
+using BinomialMeans5 = Binomial<int16_t, Weights<256, 4 * 256, 6 * 256, 4 * 256, 256>, Output>;
+#else
+template <class Output = ShiftRight<8>>
+using BinomialMeans5 = Binomial5<int16_t, Output>;
+#endif
 
 } // namespace
 } // namespace rvk::vecta::RVK_ISA

@@ -175,6 +175,19 @@ RVK_INLINE size_t anyNumber(size_t n)
     return n;
 }
 
+// The same vector, but the compilers cannot tell: g++ loads again what it knows to be in memory, and clang replaces
+// operations with constants by others.
+template <class T>
+RVK_INLINE Vec<T> anyVector(Vec<T> v)
+{
+#if defined(__x86_64__)
+    __asm__("" : "+v"(v.raw));
+#else
+    __asm__("" : "+w"(v.raw));
+#endif
+    return v;
+}
+
 // ---- memory ---------------------------------------------------------------------------------------------------------
 
 // A register's worth of elements anywhere in memory. (Loads and stores go through this type: a memcpy of 32 or 64 bytes
@@ -429,7 +442,11 @@ RVK_INLINE Vecs<T, 2> orderWidened(const Vecs<T, 2>& v)
 template <class T>
 RVK_INLINE Vecs<T, 2> zip(Vec<T> a, Vec<T> b)
 {
-    if constexpr (kBytes > 16)
+    constexpr size_t n = Vec<T>::lanes;
+    if constexpr (kBytes == 64 && sizeof(T) >= 4) // whose elements an instruction takes from two vectors
+        return {shuffle(a, b, [](size_t i) { return i / 2 + i % 2 * n; }),
+                shuffle(a, b, [](size_t i) { return n / 2 + i / 2 + i % 2 * n; })};
+    else if constexpr (kBytes > 16)
         return orderWidened(zipInLanes(a, b));
     else
         return {zipLow(a, b), zipHigh(a, b)};

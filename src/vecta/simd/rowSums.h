@@ -94,9 +94,7 @@ RVK_INLINE Vec<Sum> weightedPairs(Vec<int16_t> a)
 template <class T>
 RVK_INLINE Vec<T> loadOnce(const T* p)
 {
-    Vec<T> v = load(p);
-    __asm__("" : "+v"(v.raw));
-    return v;
+    return anyVector(load(p));
 }
 
 template <class W, class T>
@@ -195,7 +193,10 @@ template <unsigned shift>
 RVK_INLINE Vec<int16_t> narrowPairs(Pairs<int32_t> v)
 {
     const Vec<uint32_t> low = bitCast<uint32_t>(v[0]), high = bitCast<uint32_t>(v[1]);
-    const Vec<uint32_t> even = shiftRight(low, shift) & splat<uint32_t>(0xffff);
+    Vec<uint32_t> shifted = shiftRight(low, shift);
+    if constexpr (kBytes == 64 && shift == 16)
+        shifted = anyVector(shifted); // or clang permutes words, which takes longer
+    const Vec<uint32_t> even = shifted & splat<uint32_t>(0xffff);
     const Vec<uint32_t> odd = shift <= 16 ? shiftLeft(high, 16 - shift) : shiftRight(high, shift - 16);
     return bitCast<int16_t>(even | (odd & splat<uint32_t>(0xffff0000)));
 }

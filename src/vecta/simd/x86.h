@@ -1246,10 +1246,8 @@ RVK_INLINE Vecs<T, 4> load4(const T* p)
 template <size_t k, class T>
 RVK_INLINE Vec<T> ungroupChannels(Vec<T> v)
 {
-    Vec<T> pixels = shuffle(v, v, [](size_t i) { return (i + k) % 4 * kBlock<T> + i / 4; });
     // clang replaces this shuffle by thirteen narrower ones if it sees the store behind it.
-    __asm__("" : "+v"(pixels.raw));
-    return pixels;
+    return anyVector(shuffle(v, v, [](size_t i) { return (i + k) % 4 * kBlock<T> + i / 4; }));
 }
 
 template <class T>
