@@ -480,6 +480,12 @@ SimdGroup single()
                 return bits;
             }),
 #endif
+#if defined(__x86_64__)
+        mapping<int16_t, uint8_t, 2 * kLanes<int16_t>, kBytes>(
+            "joinUpperBytes",
+            [](const int16_t* in, uint8_t* out) { store(out, joinUpperBytes(load(in), load(in + kLanes<int16_t>))); },
+            [](const int16_t* in, size_t i) { return in[i % 2 * kLanes<int16_t> + i / 2] >> 8; }),
+#endif
         BINARY(uint8_t, joinBits<3>(a, b), (a & 0xe0) | b >> 3),
         BINARY(uint8_t, joinBits<6>(a, b), (a & 0xfc) | b >> 6),
         BINARY(uint16_t, average(a, b), (a + b + 1) >> 1),

@@ -64,13 +64,6 @@ RVK_INLINE Vec<int16_t> weigh(const Rgb& p, int32_t blue, int32_t green, int32_t
     return dotPairs(blueAndRed<odd>(p), bitCast<int8_t>(splatPair(blue, red))) + products<odd>(p.green, green);
 }
 
-// The upper bytes of both.
-RVK_INLINE Vec<uint8_t> joinUpperBytes(Vec<int16_t> even, Vec<int16_t> odd)
-{
-    return bitCast<uint8_t>(shiftRight(bitCast<uint16_t>(even), 8) |
-                            (bitCast<uint16_t>(odd) & splat<uint16_t>(0xff00)));
-}
-
 template <bool odd>
 RVK_INLINE Vec<int16_t> weighLuma(const Rgb& p)
 {

@@ -1562,6 +1562,20 @@ RVK_INLINE Vec<int16_t> subtractNeighbours(Vec<uint8_t> v)
     return dotPairs(v, bitCast<int8_t>(splat<uint16_t>(0xff01))); // 1, -1
 }
 
+// The upper bytes of even0 odd0 even1 odd1 ...
+RVK_INLINE Vec<uint8_t> joinUpperBytes(Vec<int16_t> even, Vec<int16_t> odd)
+{
+#if RVK_AVX512
+    const __m512i nextByte = _mm512_broadcast_i32x4(_mm_setr_epi8(1, 0, 3, 0, 5, 0, 7, 0, 9, 0, 11, 0, 13, 0, 15, 0));
+    __mmask64 evenBytes = 0x5555555555555555;
+    __asm__("" : "+Yk"(evenBytes)); // with a mask that it knows, clang shuffles both, which takes three operations
+    return vec<uint8_t>(_mm512_mask_shuffle_epi8(reg(odd), evenBytes, reg(even), nextByte));
+#else
+    return bitCast<uint8_t>(shiftRight(bitCast<uint16_t>(even), 8) |
+                            (bitCast<uint16_t>(odd) & splat<uint16_t>(0xff00)));
+#endif
+}
+
 // Those of a followed by b, elements below 2^15, in the order of narrowSatInLanes.
 RVK_INLINE Vec<uint16_t> addNeighboursInLanes(Vec<uint16_t> a, Vec<uint16_t> b)
 {
