@@ -317,14 +317,14 @@ struct Powers
 };
 constexpr Powers<float> kPowers;
 
-// Sums down two vectors of columns. loadPart(row, number) loads one of them.
-template <unsigned degree, bool binary, class Load>
-RVK_INLINE void sumDown(const float32_t* row, size_t rowElements, size_t height, Vecs<float, 2> (&sums)[degree + 1],
+// Sums down some vectors of columns. loadPart(row, number) loads one of them.
+template <unsigned degree, bool binary, size_t count, class Load>
+RVK_INLINE void sumDown(const float32_t* row, size_t rowElements, size_t height, Vecs<float, count> (&sums)[degree + 1],
                         Load loadPart)
 {
     for (size_t y = 0; y < height; ++y, row += rowElements) {
         const float* const weights = kPowers.of[y];
-        unrolled<2>([&](auto part) RVK_INLINE_LAMBDA {
+        unrolled<count>([&](auto part) RVK_INLINE_LAMBDA {
             Vec<float> v = loadPart(row, part);
             if constexpr (binary)
                 v = onesForNumbers(v);
@@ -460,16 +460,18 @@ constexpr Powers<double> kDoublePowers;
 template <unsigned degree>
 RVK_INLINE void addColumn(MomentVectors& m, const Doubles (&sums)[degree + 1], const double (&powers)[4])
 {
+    const auto add = [&](Doubles& moment, size_t power, size_t q)
+                         RVK_INLINE_LAMBDA { moment = addExactProduct(moment, splatDouble(powers[power]), sums[q]); };
     m.m00 = m.m00 + sums[0];
-    m.m10 = m.m10 + powers[1] * sums[0];
+    add(m.m10, 1, 0);
     m.m01 = m.m01 + sums[1];
     if constexpr (degree == 3) {
-        m.m20 = m.m20 + powers[2] * sums[0];
-        m.m11 = m.m11 + powers[1] * sums[1];
+        add(m.m20, 2, 0);
+        add(m.m11, 1, 1);
         m.m02 = m.m02 + sums[2];
-        m.m30 = m.m30 + powers[3] * sums[0];
-        m.m21 = m.m21 + powers[2] * sums[1];
-        m.m12 = m.m12 + powers[1] * sums[2];
+        add(m.m30, 3, 0);
+        add(m.m21, 2, 1);
+        add(m.m12, 1, 2);
         m.m03 = m.m03 + sums[3];
     }
 }
@@ -480,39 +482,40 @@ RVK_INLINE MomentVectors momentsOfTiles(const float32_t* p, size_t rowElements, 
 {
     constexpr size_t lanes = Vec<float>::lanes;
     static_assert(kMomentTile == 2 * lanes && kTilesBeside == Doubles::lanes);
-    Vec<float> down[degree + 1][2][kTilesBeside]; // by order, half of the columns, and tile
-    for (size_t tile = 0; tile < kTilesBeside; ++tile) {
-        Vecs<float, 2> sums[degree + 1] = {};
-        const size_t left = tile * kMomentTile;
-        if (left + kMomentTile <= columns)
-            sumDown<degree, binary>(p + left, rowElements, rows, sums,
-                                    [](const float* row, size_t part)
-                                        RVK_INLINE_LAMBDA { return load(row + part * lanes); });
-        else if (left < columns)
-            sumDown<degree, binary>(p + left, rowElements, rows, sums,
-                                    [=](const float* row, size_t part) RVK_INLINE_LAMBDA {
-                                        const size_t before = least(part * lanes, columns - left);
-                                        return loadPartial(row + before, least(columns - left - before, lanes));
-                                    });
+    Vec<float> down[degree + 1][2][kTilesBeside] = {}; // by order, half of the columns, and tile
+    const auto sumTiles = [&](auto count, size_t tile, auto loadPart) RVK_INLINE_LAMBDA {
+        Vecs<float, 2 * count> sums[degree + 1] = {};
+        sumDown<degree, binary>(p + tile * kMomentTile, rowElements, rows, sums, loadPart);
         unrolled<degree + 1>([&](auto q) RVK_INLINE_LAMBDA {
-            down[q][0][tile] = sums[q][0];
-            down[q][1][tile] = sums[q][1];
+            unrolled<2 * count>([&](auto i) RVK_INLINE_LAMBDA { down[q][i % 2][tile + i / 2] = sums[q][i]; });
         });
-    }
-    MomentVectors m = {};
-    for (size_t half = 0; half < 2; ++half) {
-        unrolled<degree + 1>([&](auto q) RVK_INLINE_LAMBDA { transposeTiles(down[q][half]); });
-        for (size_t i = 0; i < lanes / 2; ++i) { // two columns in each vector
-            Doubles sums[2][degree + 1];
-            unrolled<degree + 1>([&](auto q) RVK_INLINE_LAMBDA {
-                const DoublePoints<2> two = toDoubles(down[q][half][i]);
-                sums[0][q] = two[0];
-                sums[1][q] = two[1];
+    };
+    constexpr size_t together = degree == 1 ? 2 : 1; // or one sum would wait for the other
+    for (size_t tile = 0; tile * kMomentTile < columns;) {
+        const size_t available = columns - tile * kMomentTile;
+        if (available >= together * kMomentTile) {
+            sumTiles(Constant<together>{}, tile,
+                     [](const float* row, size_t part) RVK_INLINE_LAMBDA { return load(row + part * lanes); });
+            tile += together;
+        } else {
+            sumTiles(Constant<1>{}, tile, [=](const float* row, size_t part) RVK_INLINE_LAMBDA {
+                const size_t before = least(part * lanes, available);
+                return loadPartial(row + before, least(available - before, lanes));
             });
-            const size_t column = half * lanes + 2 * i;
-            addColumn<degree>(m, sums[0], kDoublePowers.of[column]);
-            addColumn<degree>(m, sums[1], kDoublePowers.of[column + 1]);
+            ++tile;
         }
+    }
+    unrolled<degree + 1>([&](auto q) RVK_INLINE_LAMBDA {
+        transposeTiles(down[q][0]);
+        transposeTiles(down[q][1]);
+    });
+    MomentVectors m = {};
+    for (size_t column = 0, end = anyNumber(kMomentTile); column < end; ++column) {
+        Doubles sums[degree + 1];
+        unrolled<degree + 1>([&](auto q) RVK_INLINE_LAMBDA {
+            sums[q] = loadToDoubles(reinterpret_cast<const float*>(down[q]) + column * kTilesBeside);
+        });
+        addColumn<degree>(m, sums, kDoublePowers.of[column]);
     }
     return m;
 }
