@@ -58,7 +58,8 @@ RVK_INLINE Vecs<int8_t, 2> productsOf(const Falls& above, const Falls& below)
 {
     const Vec<int16_t> even = subSat(below[0], above[0]), odd = subSat(below[1], above[1]);
     const auto by = [=](int16_t ratio) RVK_INLINE_LAMBDA {
-        return bitCast<int8_t>(joinUpperBytes(multiplyRounded(even, splat(ratio)), multiplyRounded(odd, splat(ratio))));
+        return bitCast<int8_t>(
+            joinUpperHalves(multiplyRounded(even, splat(ratio)), multiplyRounded(odd, splat(ratio))));
     };
     return {by(32761), by(-32761)};
 }

@@ -481,10 +481,14 @@ SimdGroup single()
             }),
 #endif
 #if defined(__x86_64__)
-        mapping<int16_t, uint8_t, 2 * kLanes<int16_t>, kBytes>(
-            "joinUpperBytes",
-            [](const int16_t* in, uint8_t* out) { store(out, joinUpperBytes(load(in), load(in + kLanes<int16_t>))); },
+        mapping<int16_t, uint8_t, 2 * kLanes<int16_t>, 2 * kLanes<int16_t>>(
+            "joinUpperHalves",
+            [](const int16_t* in, uint8_t* out) { store(out, joinUpperHalves(load(in), load(in + kLanes<int16_t>))); },
             [](const int16_t* in, size_t i) { return in[i % 2 * kLanes<int16_t> + i / 2] >> 8; }),
+        mapping<int32_t, int16_t, 2 * kLanes<int32_t>, 2 * kLanes<int32_t>>(
+            "joinUpperHalves",
+            [](const int32_t* in, int16_t* out) { store(out, joinUpperHalves(load(in), load(in + kLanes<int32_t>))); },
+            [](const int32_t* in, size_t i) { return in[i % 2 * kLanes<int32_t> + i / 2] >> 16; }),
 #endif
         BINARY(uint8_t, joinBits<3>(a, b), (a & 0xe0) | b >> 3),
         BINARY(uint8_t, joinBits<6>(a, b), (a & 0xfc) | b >> 6),
