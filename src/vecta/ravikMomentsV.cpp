@@ -494,8 +494,12 @@ RVK_INLINE MomentVectors momentsOfTiles(const float32_t* p, size_t rowElements, 
     for (size_t tile = 0; tile * kMomentTile < columns;) {
         const size_t available = columns - tile * kMomentTile;
         if (available >= together * kMomentTile) {
-            sumTiles(Constant<together>{}, tile,
-                     [](const float* row, size_t part) RVK_INLINE_LAMBDA { return load(row + part * lanes); });
+            sumTiles(Constant<together>{}, tile, [](const float* row, size_t part) RVK_INLINE_LAMBDA {
+                const float* const at = row + part * lanes;
+                if constexpr (degree == 3) // less is done before the next tile would have come
+                    prefetch(at + kMomentTile, 1);
+                return load(at);
+            });
             tile += together;
         } else {
             sumTiles(Constant<1>{}, tile, [=](const float* row, size_t part) RVK_INLINE_LAMBDA {
@@ -600,8 +604,11 @@ RVK_INLINE void forTiles(const int32_t* p, size_t rowElements, size_t columns, s
         const int32_t* const first = p + left;
         const size_t pairsOfRows = available ? (rows + 1) / 2 : 0;
         if (available >= kMomentTile && rows % 2 == 0)
-            take(tile, pairsOfRows,
-                 [=](size_t y, size_t x) RVK_INLINE_LAMBDA { return load(first + y * rowElements + x); });
+            take(tile, pairsOfRows, [=](size_t y, size_t x) RVK_INLINE_LAMBDA {
+                const int32_t* const at = first + y * rowElements + x;
+                prefetch(at + kMomentTile, 1); // of the next tile
+                return load(at);
+            });
         else
             take(tile, pairsOfRows, [=](size_t y, size_t x) RVK_INLINE_LAMBDA {
                 const size_t before = least(x, available);
