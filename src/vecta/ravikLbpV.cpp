@@ -40,16 +40,57 @@ RVK_INLINE Vec<int8_t> toSigned(Bytes v)
     return bitCast<int8_t>(v ^ splat<uint8_t>(128));
 }
 
+// How far pixels are above those to the right of them, and what is made of two such rows: the products r * x and r * -x.
+using Falls = Vecs<int16_t, 2>;
+
+#if defined(__AVX512BW__)
+
+// Pixels in even columns and in odd ones, 75 times as large. Then x saturates where a product would leave a signed byte,
+// and each product is an upper byte of multiplyRounded. Nothing but these is shuffled: that has one port, which the
+// comparisons need.
+RVK_INLINE Falls fallsOf(Bytes left, Bytes right)
+{
+    const Vec<int8_t> weights = bitCast<int8_t>(splatPair(75, -75));
+    return {dotPairs(left, weights), dotPairs(right, weights)};
+}
+
+RVK_INLINE Vecs<int8_t, 2> productsOf(const Falls& above, const Falls& below)
+{
+    const Vec<int16_t> even = subSat(below[0], above[0]), odd = subSat(below[1], above[1]);
+    const auto by = [=](int16_t ratio) RVK_INLINE_LAMBDA {
+        return bitCast<int8_t>(
+            joinUpperHalves(multiplyRounded(even, splat(ratio)), multiplyRounded(odd, splat(ratio))));
+    };
+    return {by(32761), by(-32761)};
+}
+
+#else
+
+RVK_INLINE Falls fallsOf(Bytes left, Bytes right)
+{
+    return subtractWideInLanes(left, right);
+}
+
+RVK_INLINE Vecs<int8_t, 2> productsOf(const Falls& above, const Falls& below)
+{
+    const Falls x = {below[0] - above[0], below[1] - above[1]};
+    constexpr int ratio = 19196 / 2; // of 2^15
+    return {narrowSatInLanes<int8_t>(Vecs<int16_t, 2>{multiplyQ15<ratio>(x[0]), multiplyQ15<ratio>(x[1])}),
+            narrowSatInLanes<int8_t>(Vecs<int16_t, 2>{multiplyQ15<-ratio>(x[0]), multiplyQ15<-ratio>(x[1])})};
+}
+
+#endif
+
 // A row of pixels and those to the right of them.
 struct Row
 {
     Vec<int8_t> left, right;
-    Vecs<int16_t, 2> fall; // left - right
+    Falls falls;
 
     RVK_INLINE static Row at(const uint8_t* p)
     {
         const Bytes first = load(p), second = load(p + 1);
-        return {toSigned(first), toSigned(second), subtractWideInLanes(first, second)};
+        return {toSigned(first), toSigned(second), fallsOf(first, second)};
     }
 };
 
@@ -61,12 +102,8 @@ template <class Take>
 RVK_INLINE void answer(const Row& above, const Row& below, Take take)
 {
     const Vec<int8_t> a = above.left, b = above.right, c = below.left, d = below.right;
-    const Vecs<int16_t, 2> x = {below.fall[0] - above.fall[0], below.fall[1] - above.fall[1]};
-    constexpr int ratio = 19196 / 2; // of 2^15
-    const Vec<int8_t> ofX =
-        narrowSatInLanes<int8_t>(Vecs<int16_t, 2>{multiplyQ15<ratio>(x[0]), multiplyQ15<ratio>(x[1])});
-    const Vec<int8_t> ofMinusX =
-        narrowSatInLanes<int8_t>(Vecs<int16_t, 2>{multiplyQ15<-ratio>(x[0]), multiplyQ15<-ratio>(x[1])});
+    const Vecs<int8_t, 2> products = productsOf(above.falls, below.falls);
+    const Vec<int8_t> ofX = products[0], ofMinusX = products[1];
     const Vec<int8_t> falling = subSat(d, a), rising = subSat(c, b), none = zero<int8_t>();
     take(Constant<0>{}, greater(a, c));
     take(Constant<1>{}, greater(subSat(none, ofMinusX), rising));
@@ -112,68 +149,129 @@ private:
     Bytes m_fromAbove = {}; // what the squares above say of the row
 };
 
-constexpr size_t kBlockRows = 32; // that the first-level cache keeps for the next column
-
-// Gives `put` the codes of rows `top` to `bottom` from column x on, one row after the other.
-template <class Put>
-RVK_INLINE void codeColumn(size_t x, size_t top, size_t bottom, Plane<const uint8_t> src, Put put)
+// Of pictures narrower than a column.
+RVK_INLINE void codeNarrow(size_t width, size_t height, Plane<const uint8_t> src, Plane<uint8_t> dst)
 {
-#if defined(__AVX512BW__) // stores are free here: answers that go through memory take a quarter less than withBits
-    uint64_t answers[kBlockRows + 2][8];
-    uint64_t first[8];
-    for (size_t i = 0; i < 8; ++i)
-        first[i] = (kOfUpperLeft | kOfLowerLeft) >> i & 1;
-    Row above = Row::at(src.row(top) + x);
-    for (size_t y = top; y <= bottom; ++y) {
-        const Row below = Row::at(src.row(y + 1) + x);
-        answer(above, below, [&](auto i, Mask<int8_t> darker) RVK_INLINE_LAMBDA {
-            answers[y - top + (kOfLower >> i & 1)][i] = laneBits(Mask<uint8_t>{darker.bits});
-        });
-        above = below;
-    }
-    for (size_t y = top; y < bottom; ++y)
-        put(y, gatherFalse(answers[y - top + 1], first));
-#else
-    EightAroundPixel kernel;
-    kernel.prime(src.row(top) + x, src.row(top + 1) + x);
-    for (size_t y = top; y < bottom; ++y)
-        put(y, kernel.next(src.row(y + 2) + x));
-#endif
+    using Kernel = EightAroundPixel;
+    Kernel kernel;
+    uint8_t rows[2][Kernel::step + Kernel::columns - 1] = {};
+    const auto copy = [&](size_t y) -> const uint8_t* {
+        __builtin_memcpy(rows[y & 1], src.row(y), width + Kernel::columns - 1);
+        return rows[y & 1];
+    };
+    kernel.prime(copy(0), copy(1));
+    for (size_t y = 0; y < height; ++y)
+        storePartial(dst.row(y), kernel.next(copy(y + 2)), width);
 }
+
+#if defined(__AVX512BW__)
+
+constexpr bool isOfLeftCorner(unsigned bit)
+{
+    return ((kOfUpperLeft | kOfLowerLeft) >> bit & 1) != 0;
+}
+
+// The answers of a column of squares. Stores are free here: through memory, codes take a quarter less than by withBits,
+// and that of the last lane finds its answers in the next column, so that columns are as wide as vectors.
+class AnswersOfColumn
+{
+public:
+    static constexpr size_t mostRows = 24; // that the first-level cache keeps for the next columns
+
+    // Of the squares above and below rows `top` to `bottom` of the outputs.
+    RVK_INLINE void take(size_t x, size_t top, size_t bottom, Plane<const uint8_t> src)
+    {
+        Row above = Row::at(src.row(top) + x);
+        for (size_t y = top; y <= bottom; ++y) {
+            const uint8_t* const p = src.row(y + 1) + x;
+            prefetch(p + 2 * Bytes::lanes, 1);
+            const Row below = Row::at(p);
+            uint64_t(*const rows)[8] = m_ofRows + (y - top);
+            answer(above, below, [=](auto i, Mask<int8_t> darker) RVK_INLINE_LAMBDA {
+                rows[kOfLower >> i & 1][i] = laneBits(Mask<uint8_t>{darker.bits});
+            });
+            above = below;
+        }
+    }
+
+    // The codes of one of these rows, given the column beside this one.
+    RVK_INLINE Bytes codes(size_t row, const AnswersOfColumn& next) const
+    {
+        return gatherFalse(m_ofRows[row + 1], next.m_ofRows[row + 1], kFirst);
+    }
+
+private:
+    static constexpr uint64_t kFirst[8] = {isOfLeftCorner(0), isOfLeftCorner(1), isOfLeftCorner(2), isOfLeftCorner(3),
+                                           isOfLeftCorner(4), isOfLeftCorner(5), isOfLeftCorner(6), isOfLeftCorner(7)};
+
+    alignas(kBytes) uint64_t m_ofRows[mostRows + 2][8];
+};
+
+// Down columns of squares, in blocks of rows.
+RVK_NOINLINE void codeEightAround(size_t width, size_t height, Plane<const uint8_t> src, Plane<uint8_t> dst)
+{
+    constexpr size_t lanes = Bytes::lanes, most = AnswersOfColumn::mostRows;
+    const size_t squares = width + 1;
+    if (squares < lanes)
+        return codeNarrow(width, height, src, dst);
+    AnswersOfColumn columns[2];
+    for (size_t top = 0; top < height; top += most) {
+        const size_t bottom = least(top + most, height);
+        size_t x = 0, number = 0;
+        columns[0].take(x, top, bottom, src);
+        while (x + lanes < squares) {
+            const size_t nextX = least(x + lanes, squares - lanes); // the last column may overlap the one before it
+            const AnswersOfColumn& column = columns[number];
+            AnswersOfColumn& next = columns[1 - number];
+            next.take(nextX, top, bottom, src);
+            for (size_t y = top; y < bottom; ++y) {
+                uint8_t* const to = dst.row(y) + x;
+                prefetch(to + 2 * lanes, 1);            // stores down a column would wait for their lines
+                store(to, column.codes(y - top, next)); // the last lane is wrong where the next column overlaps it
+            }
+            x = nextX;
+            number = 1 - number;
+        }
+        const AnswersOfColumn& last = columns[number];
+        for (size_t y = top; y < bottom; ++y)
+            storePartial(dst.row(y) + x, last.codes(y - top, last), width - x);
+    }
+}
+
+#else
+
+constexpr size_t kBlockRows = 32; // that the first-level cache keeps for the next column
 
 // Down columns as wide as the kernel's step, in blocks of rows.
 RVK_NOINLINE void codeEightAround(size_t width, size_t height, Plane<const uint8_t> src, Plane<uint8_t> dst)
 {
     using Kernel = EightAroundPixel;
     constexpr size_t step = Kernel::step;
-    if (width < step) {
-        Kernel kernel;
-        uint8_t rows[2][step + Kernel::columns - 1] = {};
-        const auto copy = [&](size_t y) -> const uint8_t* {
-            __builtin_memcpy(rows[y & 1], src.row(y), width + Kernel::columns - 1);
-            return rows[y & 1];
-        };
-        kernel.prime(copy(0), copy(1));
-        for (size_t y = 0; y < height; ++y)
-            storePartial(dst.row(y), kernel.next(copy(y + 2)), width);
-        return;
-    }
+    if (width < step)
+        return codeNarrow(width, height, src, dst);
     for (size_t top = 0; top < height; top += kBlockRows) {
         const size_t bottom = least(top + kBlockRows, height);
         for (size_t next = 0; next < width; next += step) {
             const size_t x = least(next, width - step);     // the last column may overlap the one before it
             const bool hasRoom = x + Bytes::lanes <= width; // for the last lane, which the next column writes
-            codeColumn(x, top, bottom, src, [=](size_t y, Bytes codes) RVK_INLINE_LAMBDA {
+            Kernel kernel;
+            kernel.prime(src.row(top) + x, src.row(top + 1) + x);
+            for (size_t y = top; y < bottom; ++y) {
+                const uint8_t* const p = src.row(y + 2) + x;
+                prefetch(p + 2 * step, 1);
+                const Bytes codes = kernel.next(p);
                 uint8_t* const to = dst.row(y) + x;
                 prefetch(to + 2 * step, 1); // for the next column: stores down a column would wait for their lines
                 if (hasRoom)
                     store(to, codes);
                 else
                     storePartial(to, codes, step);
-            });
+            }
         }
     }
 }
+
+#endif
 
 // ---- any point ------------------------------------------------------------------------------------------------------
 

@@ -317,14 +317,14 @@ struct Powers
 };
 constexpr Powers<float> kPowers;
 
-// Sums down two vectors of columns. loadPart(row, number) loads one of them.
-template <unsigned degree, bool binary, class Load>
-RVK_INLINE void sumDown(const float32_t* row, size_t rowElements, size_t height, Vecs<float, 2> (&sums)[degree + 1],
+// Sums down some vectors of columns. loadPart(row, number) loads one of them.
+template <unsigned degree, bool binary, size_t count, class Load>
+RVK_INLINE void sumDown(const float32_t* row, size_t rowElements, size_t height, Vecs<float, count> (&sums)[degree + 1],
                         Load loadPart)
 {
     for (size_t y = 0; y < height; ++y, row += rowElements) {
         const float* const weights = kPowers.of[y];
-        unrolled<2>([&](auto part) RVK_INLINE_LAMBDA {
+        unrolled<count>([&](auto part) RVK_INLINE_LAMBDA {
             Vec<float> v = loadPart(row, part);
             if constexpr (binary)
                 v = onesForNumbers(v);
@@ -460,16 +460,18 @@ constexpr Powers<double> kDoublePowers;
 template <unsigned degree>
 RVK_INLINE void addColumn(MomentVectors& m, const Doubles (&sums)[degree + 1], const double (&powers)[4])
 {
+    const auto add = [&](Doubles& moment, size_t power, size_t q)
+                         RVK_INLINE_LAMBDA { moment = addExactProduct(moment, splatDouble(powers[power]), sums[q]); };
     m.m00 = m.m00 + sums[0];
-    m.m10 = m.m10 + powers[1] * sums[0];
+    add(m.m10, 1, 0);
     m.m01 = m.m01 + sums[1];
     if constexpr (degree == 3) {
-        m.m20 = m.m20 + powers[2] * sums[0];
-        m.m11 = m.m11 + powers[1] * sums[1];
+        add(m.m20, 2, 0);
+        add(m.m11, 1, 1);
         m.m02 = m.m02 + sums[2];
-        m.m30 = m.m30 + powers[3] * sums[0];
-        m.m21 = m.m21 + powers[2] * sums[1];
-        m.m12 = m.m12 + powers[1] * sums[2];
+        add(m.m30, 3, 0);
+        add(m.m21, 2, 1);
+        add(m.m12, 1, 2);
         m.m03 = m.m03 + sums[3];
     }
 }
@@ -480,39 +482,44 @@ RVK_INLINE MomentVectors momentsOfTiles(const float32_t* p, size_t rowElements, 
 {
     constexpr size_t lanes = Vec<float>::lanes;
     static_assert(kMomentTile == 2 * lanes && kTilesBeside == Doubles::lanes);
-    Vec<float> down[degree + 1][2][kTilesBeside]; // by order, half of the columns, and tile
-    for (size_t tile = 0; tile < kTilesBeside; ++tile) {
-        Vecs<float, 2> sums[degree + 1] = {};
-        const size_t left = tile * kMomentTile;
-        if (left + kMomentTile <= columns)
-            sumDown<degree, binary>(p + left, rowElements, rows, sums,
-                                    [](const float* row, size_t part)
-                                        RVK_INLINE_LAMBDA { return load(row + part * lanes); });
-        else if (left < columns)
-            sumDown<degree, binary>(p + left, rowElements, rows, sums,
-                                    [=](const float* row, size_t part) RVK_INLINE_LAMBDA {
-                                        const size_t before = least(part * lanes, columns - left);
-                                        return loadPartial(row + before, least(columns - left - before, lanes));
-                                    });
+    Vec<float> down[degree + 1][2][kTilesBeside] = {}; // by order, half of the columns, and tile
+    const auto sumTiles = [&](auto count, size_t tile, auto loadPart) RVK_INLINE_LAMBDA {
+        Vecs<float, 2 * count> sums[degree + 1] = {};
+        sumDown<degree, binary>(p + tile * kMomentTile, rowElements, rows, sums, loadPart);
         unrolled<degree + 1>([&](auto q) RVK_INLINE_LAMBDA {
-            down[q][0][tile] = sums[q][0];
-            down[q][1][tile] = sums[q][1];
+            unrolled<2 * count>([&](auto i) RVK_INLINE_LAMBDA { down[q][i % 2][tile + i / 2] = sums[q][i]; });
         });
-    }
-    MomentVectors m = {};
-    for (size_t half = 0; half < 2; ++half) {
-        unrolled<degree + 1>([&](auto q) RVK_INLINE_LAMBDA { transposeTiles(down[q][half]); });
-        for (size_t i = 0; i < lanes / 2; ++i) { // two columns in each vector
-            Doubles sums[2][degree + 1];
-            unrolled<degree + 1>([&](auto q) RVK_INLINE_LAMBDA {
-                const DoublePoints<2> two = toDoubles(down[q][half][i]);
-                sums[0][q] = two[0];
-                sums[1][q] = two[1];
+    };
+    constexpr size_t together = degree == 1 ? 2 : 1; // or one sum would wait for the other
+    for (size_t tile = 0; tile * kMomentTile < columns;) {
+        const size_t available = columns - tile * kMomentTile;
+        if (available >= together * kMomentTile) {
+            sumTiles(Constant<together>{}, tile, [](const float* row, size_t part) RVK_INLINE_LAMBDA {
+                const float* const at = row + part * lanes;
+                if constexpr (degree == 3) // less is done before the next tile would have come
+                    prefetch(at + kMomentTile, 1);
+                return load(at);
             });
-            const size_t column = half * lanes + 2 * i;
-            addColumn<degree>(m, sums[0], kDoublePowers.of[column]);
-            addColumn<degree>(m, sums[1], kDoublePowers.of[column + 1]);
+            tile += together;
+        } else {
+            sumTiles(Constant<1>{}, tile, [=](const float* row, size_t part) RVK_INLINE_LAMBDA {
+                const size_t before = least(part * lanes, available);
+                return loadPartial(row + before, least(available - before, lanes));
+            });
+            ++tile;
         }
+    }
+    unrolled<degree + 1>([&](auto q) RVK_INLINE_LAMBDA {
+        transposeTiles(down[q][0]);
+        transposeTiles(down[q][1]);
+    });
+    MomentVectors m = {};
+    for (size_t column = 0, end = anyNumber(kMomentTile); column < end; ++column) {
+        Doubles sums[degree + 1];
+        unrolled<degree + 1>([&](auto q) RVK_INLINE_LAMBDA {
+            sums[q] = loadToDoubles(reinterpret_cast<const float*>(down[q]) + column * kTilesBeside);
+        });
+        addColumn<degree>(m, sums, kDoublePowers.of[column]);
     }
     return m;
 }
@@ -543,16 +550,19 @@ constexpr RowPairs kRowPairs;
 // 32-bit integers. Their upper halves and their lower ones, less 2^15, are summed down each column apart, two rows at
 // once, which fits 32 bits: in each 16 bytes both halves of a column, then those of the next one. Part i of 16 columns
 // has the columns 4 * b + 2 * i and the one after it of each block b of 16 bytes.
-template <unsigned degree>
 struct SumsOfHalves
 {
-    static constexpr size_t parts = kMomentTile / Vec<int64_t>::lanes;
-    Vec<int32_t> of[degree + 1][parts];
+    static constexpr size_t orders = 4, parts = kMomentTile / Vec<int64_t>::lanes;
+    Vec<int32_t> of[orders][parts];
 
     // loadAt(y, x) loads elements of the tile.
     template <bool binary, class Load>
-    RVK_INLINE void add(size_t pairsOfRows, Load loadAt)
+    RVK_INLINE void take(size_t pairsOfRows, Load loadAt)
     {
+        unrolled<orders>([&](auto q) RVK_INLINE_LAMBDA {
+            for (Vec<int32_t>& sum : of[q])
+                sum = bitCast<int32_t>(splat(uint64_t{kRowPairs.sums[pairsOfRows][q]} << 15));
+        });
         for (size_t pair = 0; pair < pairsOfRows; ++pair)
             unrolled<parts / 2>([&](auto half) RVK_INLINE_LAMBDA {
                 const auto halvesOf = [&](size_t y) RVK_INLINE_LAMBDA {
@@ -562,31 +572,11 @@ struct SumsOfHalves
                     return bitCast<int16_t>(v ^ splat<int32_t>(1 << 15));
                 };
                 const Vecs<int16_t, 2> two = zipInLanes(halvesOf(2 * pair), halvesOf(2 * pair + 1));
-                unrolled<degree + 1>([&](auto q) RVK_INLINE_LAMBDA {
+                unrolled<orders>([&](auto q) RVK_INLINE_LAMBDA {
                     const Vec<int16_t> weights = bitCast<int16_t>(splat(kRowPairs.weights[pair][q]));
                     of[q][2 * half] = addDotPairs(of[q][2 * half], two[0], weights);
                     of[q][2 * half + 1] = addDotPairs(of[q][2 * half + 1], two[1], weights);
                 });
-            });
-    }
-
-    // Of a tile of which the first columns and rows exist.
-    template <bool binary>
-    RVK_INLINE void take(const int32_t* p, size_t rowElements, size_t columns, size_t rows)
-    {
-        const size_t pairsOfRows = columns ? (rows + 1) / 2 : 0;
-        unrolled<degree + 1>([&](auto q) RVK_INLINE_LAMBDA {
-            for (Vec<int32_t>& sum : of[q])
-                sum = bitCast<int32_t>(splat(uint64_t{kRowPairs.sums[pairsOfRows][q]} << 15));
-        });
-        if (columns == kMomentTile && rows % 2 == 0)
-            add<binary>(pairsOfRows,
-                        [=](size_t y, size_t x) RVK_INLINE_LAMBDA { return load(p + y * rowElements + x); });
-        else
-            add<binary>(pairsOfRows, [=](size_t y, size_t x) RVK_INLINE_LAMBDA {
-                const size_t before = least(x, columns);
-                const size_t count = y < rows ? least(columns - before, Vec<int32_t>::lanes) : 0;
-                return loadPartial(p + (count ? y * rowElements + before : 0), count);
             });
     }
 };
@@ -602,15 +592,29 @@ RVK_INLINE Doubles toDoubles(Vec<int64_t> v)
     return {__builtin_convertvector(v.raw, Doubles::Raw)};
 }
 
-template <unsigned degree, bool binary, class Take>
-RVK_INLINE void forSumsOfTiles(const int32_t* p, size_t rowElements, size_t columns, size_t rows, Take take)
+// take(number, pairs of rows, loadAt) for the tiles of which the first columns and rows exist; loadAt(y, x) loads elements
+// of one, zeros where there is none.
+template <class Take>
+RVK_INLINE void forTiles(const int32_t* p, size_t rowElements, size_t columns, size_t rows, Take take)
 {
-    static_assert(kMomentTile == 2 * Vec<int32_t>::lanes && kTilesBeside == Vec<int64_t>::lanes);
+    constexpr size_t lanes = Vec<int32_t>::lanes;
+    static_assert(kMomentTile == 2 * lanes);
     for (size_t tile = 0; tile < kTilesBeside; ++tile) {
-        const size_t left = least(tile * kMomentTile, columns);
-        SumsOfHalves<degree> sums;
-        sums.template take<binary>(p + left, rowElements, least(columns - left, kMomentTile), rows);
-        take(tile, sums.of);
+        const size_t left = least(tile * kMomentTile, columns), available = columns - left;
+        const int32_t* const first = p + left;
+        const size_t pairsOfRows = available ? (rows + 1) / 2 : 0;
+        if (available >= kMomentTile && rows % 2 == 0)
+            take(tile, pairsOfRows, [=](size_t y, size_t x) RVK_INLINE_LAMBDA {
+                const int32_t* const at = first + y * rowElements + x;
+                prefetch(at + kMomentTile, 1); // of the next tile
+                return load(at);
+            });
+        else
+            take(tile, pairsOfRows, [=](size_t y, size_t x) RVK_INLINE_LAMBDA {
+                const size_t before = least(x, available);
+                const size_t count = y < rows ? least(available - before, lanes) : 0;
+                return loadPartial(first + (count ? y * rowElements + before : 0), count);
+            });
     }
 }
 
@@ -618,11 +622,13 @@ template <unsigned degree, bool binary>
 requires(degree == 3) RVK_INLINE MomentVectors
     momentsOfTiles(const int32_t* p, size_t rowElements, size_t columns, size_t rows)
 {
-    constexpr size_t parts = SumsOfHalves<degree>::parts;
+    constexpr size_t parts = SumsOfHalves::parts;
     Vec<int64_t> down[degree + 1][parts][kTilesBeside]; // by order, part of the columns, and tile
-    forSumsOfTiles<degree, binary>(p, rowElements, columns, rows, [&](size_t tile, auto& sums) RVK_INLINE_LAMBDA {
+    forTiles(p, rowElements, columns, rows, [&](size_t tile, size_t pairsOfRows, auto loadAt) RVK_INLINE_LAMBDA {
+        SumsOfHalves sums;
+        sums.take<binary>(pairsOfRows, loadAt);
         unrolled<degree + 1>([&](auto q) RVK_INLINE_LAMBDA {
-            unrolled<parts>([&](auto i) RVK_INLINE_LAMBDA { down[q][i][tile] = joinHalves(sums[q][i]); });
+            unrolled<parts>([&](auto i) RVK_INLINE_LAMBDA { down[q][i][tile] = joinHalves(sums.of[q][i]); });
         });
     });
     unrolled<degree + 1>([&](auto q) RVK_INLINE_LAMBDA {
@@ -639,24 +645,68 @@ requires(degree == 3) RVK_INLINE MomentVectors
     return sums.template toMoments<MomentVectors>([](Vec<int64_t> sum) RVK_INLINE_LAMBDA { return toDoubles(sum); });
 }
 
-// Those of the first order fit 32 bits until the columns of a tile have been added, too.
+// Sums of 32-bit integers: of their upper halves, and of all modulo 2^32, which tells what the lower halves add to that,
+// since it is less. An addition and half a sum of products for each.
+struct SumInParts
+{
+    Vec<int32_t> upper = {}, low = {};
+
+    RVK_INLINE Vec<int32_t> lower() const { return low - shiftLeft(upper, 16); }
+};
+
+// Down the columns of a tile, of which a vector has half: of elements, and of these times their rows.
+struct FirstSumsOfColumns
+{
+    SumInParts all[2], down[2];
+
+    // From the last two rows to the first, so that additions weigh by rows. loadAt(y, x) loads elements of the tile.
+    template <class Load>
+    RVK_INLINE void add(size_t pairsOfRows, Load loadAt)
+    {
+        while (pairsOfRows-- > 0) {
+            const Vec<int16_t> weights = bitCast<int16_t>(splat(kRowPairs.weights[pairsOfRows][1]));
+            unrolled<2>([&](auto half) RVK_INLINE_LAMBDA {
+                const Vec<int32_t> above = loadAt(2 * pairsOfRows, half * Vec<int32_t>::lanes);
+                const Vec<int32_t> below = loadAt(2 * pairsOfRows + 1, half * Vec<int32_t>::lanes);
+                addRow(half, below);
+                addRow(half, above);
+                const Vec<int16_t> upper = joinUpperHalves(above, below);
+                all[half].upper = addDotPairs(all[half].upper, upper, splat<int16_t>(1));
+                down[half].upper = addDotPairs(down[half].upper, upper, weights);
+            });
+        }
+    }
+
+private:
+    RVK_INLINE void addRow(size_t half, Vec<int32_t> row)
+    {
+        down[half].low = down[half].low + all[half].low;
+        all[half].low = all[half].low + row;
+    }
+};
+
 template <unsigned degree, bool binary>
 requires(degree == 1) RVK_INLINE MomentVectors
     momentsOfTiles(const int32_t* p, size_t rowElements, size_t columns, size_t rows)
 {
-    const Vec<int32_t> lane = iota<int32_t>(), columnOfLane = (lane & ~splat(3)) | (shiftRight(lane, 1) & splat(1));
-    Vec<int64_t> m00[kTilesBeside], m10[kTilesBeside], m01[kTilesBeside];
-    forSumsOfTiles<degree, binary>(p, rowElements, columns, rows, [&](size_t tile, auto& sums) RVK_INLINE_LAMBDA {
-        const Vec<int32_t>(&c)[4] = sums[0], (&d)[4] = sums[1];
-        const Vec<int32_t> right = c[2] + c[3], all = c[0] + c[1] + right;
-        const Vec<int32_t> leftOfLanes = shiftLeft(right, 4) + shiftLeft(c[1] + c[3], 1);
-        m00[tile] = joinHalves(all);
-        m10[tile] = joinHalves(leftOfLanes + columnOfLane * all);
-        m01[tile] = joinHalves((d[0] + d[1]) + (d[2] + d[3]));
+    // What is left to add up of each tile, of upper halves, then of lower ones: that fits 32 bits, too.
+    Vec<int32_t> m00[2 * kTilesBeside], m10[2 * kTilesBeside], m01[2 * kTilesBeside];
+    const Vec<int32_t> column = iota<int32_t>();
+    forTiles(p, rowElements, columns, rows, [&](size_t tile, size_t pairsOfRows, auto loadAt) RVK_INLINE_LAMBDA {
+        FirstSumsOfColumns sums;
+        sums.add(pairsOfRows, loadAt);
+        const auto put = [&](size_t i, Vec<int32_t> left, Vec<int32_t> right, Vec<int32_t> down) RVK_INLINE_LAMBDA {
+            m00[i] = left + right;
+            m10[i] = column * m00[i] + shiftLeft(right, 4);
+            m01[i] = down;
+        };
+        const auto& [all, down] = sums;
+        put(tile, all[0].upper, all[1].upper, down[0].upper + down[1].upper);
+        put(kTilesBeside + tile, all[0].lower(), all[1].lower(), down[0].lower() + down[1].lower());
     });
-    const auto total = [](Vec<int64_t>(&m)[kTilesBeside]) RVK_INLINE_LAMBDA {
-        transposeTiles(m);
-        return toDoubles(((m[0] + m[1]) + (m[2] + m[3])) + ((m[4] + m[5]) + (m[6] + m[7])));
+    const auto total = [](const Vec<int32_t>(&m)[2 * kTilesBeside]) RVK_INLINE_LAMBDA {
+        const DoublePoints<2> parts = toDoubles(sumsOf(m));
+        return addExactProduct(parts[1], splatDouble(1 << 16), parts[0]);
     };
     MomentVectors m = {};
     m.m00 = total(m00);

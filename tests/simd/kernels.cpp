@@ -463,22 +463,32 @@ SimdGroup single()
         BINARY(uint8_t, selectBits(splat<uint8_t>(0x1e), a, b), (a & 0x1e) | (b & 0xe1)),
         BINARY(int8_t, withBits(a & splat<int8_t>(15), greater(a, b), splat<int8_t>(48)), (a & 15) | (a > b ? 48 : 0)),
 #if defined(__AVX512BW__)
-        mapping<uint8_t, uint8_t, kBytes, kBytes - 1>(
+        mapping<uint8_t, uint8_t, 2 * kBytes, kBytes>(
             "gatherFalse",
             [](const uint8_t* in, uint8_t* out) {
-                constexpr uint64_t first[8] = {1, 0, 0, 1, 0, 1, 1, 0};
-                uint64_t masks[8];
+                constexpr uint64_t first[8] = {1, 0, 0, 1, 0, 63, 1, 0};
+                uint64_t masks[2][8];
                 __builtin_memcpy(masks, in, sizeof masks);
-                storePartial(out, gatherFalse(masks, first), kBytes - 1);
+                store(out, gatherFalse(masks[0], masks[1], first));
             },
             [](const uint8_t* in, size_t i) {
                 unsigned bits = 0;
                 for (size_t k = 0; k < 8; ++k) {
-                    const size_t bit = i + (0x69 >> k & 1);
-                    bits |= (~in[8 * k + bit / 8] >> bit % 8 & 1u) << k;
+                    const size_t bit = i + (k == 5 ? 63 : 0x49 >> k & 1);
+                    bits |= (~in[bit / 64 * kBytes + 8 * k + bit % 64 / 8] >> bit % 8 & 1u) << k;
                 }
                 return bits;
             }),
+#endif
+#if defined(__x86_64__)
+        mapping<int16_t, uint8_t, 2 * kLanes<int16_t>, 2 * kLanes<int16_t>>(
+            "joinUpperHalves",
+            [](const int16_t* in, uint8_t* out) { store(out, joinUpperHalves(load(in), load(in + kLanes<int16_t>))); },
+            [](const int16_t* in, size_t i) { return in[i % 2 * kLanes<int16_t> + i / 2] >> 8; }),
+        mapping<int32_t, int16_t, 2 * kLanes<int32_t>, 2 * kLanes<int32_t>>(
+            "joinUpperHalves",
+            [](const int32_t* in, int16_t* out) { store(out, joinUpperHalves(load(in), load(in + kLanes<int32_t>))); },
+            [](const int32_t* in, size_t i) { return in[i % 2 * kLanes<int32_t> + i / 2] >> 16; }),
 #endif
         BINARY(uint8_t, joinBits<3>(a, b), (a & 0xe0) | b >> 3),
         BINARY(uint8_t, joinBits<6>(a, b), (a & 0xfc) | b >> 6),

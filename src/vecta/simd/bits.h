@@ -3,7 +3,8 @@
 //
 // withBits(v, mask, bits): s8, v with these bits, which it has not, in the true lanes
 // selectBits(mask, a, b): u8, the bits of a where the mask has ones, else those of b
-// gatherFalse(masks, first): u8, with AVX-512 alone: bit k of lane i is set where lane i + first[k] of masks[k] is false
+// gatherFalse(masks, next, first): u8, with AVX-512 alone: bit k of lane i is set where lane i + first[k] of masks[k],
+// followed by next[k], is false; first[k] is below 64
 // subtractWideInLanes(a, b): u8 -> s16, exact
 #pragma once
 
@@ -37,11 +38,13 @@ struct BitSquares
 };
 constexpr BitSquares kBitSquares;
 
-RVK_INLINE Vec<uint8_t> gatherFalse(const uint64_t (&masks)[8], const uint64_t (&first)[8])
+RVK_INLINE Vec<uint8_t> gatherFalse(const uint64_t (&masks)[8], const uint64_t (&next)[8], const uint64_t (&first)[8])
 {
     constexpr int64_t columns = static_cast<int64_t>(0x8040201008040201);
     constexpr int invert = 0xff;
-    const __m512i shifted = _mm512_srlv_epi64(_mm512_loadu_si512(masks), _mm512_loadu_si512(first));
+    __m512i counts = _mm512_loadu_si512(first);
+    __asm__("" : "+v"(counts)); // clang 14 turns a shift by known counts round, and then takes 0 for 64
+    const __m512i shifted = _mm512_shrdv_epi64(_mm512_loadu_si512(masks), _mm512_loadu_si512(next), counts);
     const __m512i squares = _mm512_permutexvar_epi8(_mm512_load_si512(kBitSquares.lanes), shifted);
     return vec<uint8_t>(_mm512_gf2p8affine_epi64_epi8(_mm512_set1_epi64(columns), squares, invert));
 }

@@ -64,13 +64,6 @@ RVK_INLINE Vec<int16_t> weigh(const Rgb& p, int32_t blue, int32_t green, int32_t
     return dotPairs(blueAndRed<odd>(p), bitCast<int8_t>(splatPair(blue, red))) + products<odd>(p.green, green);
 }
 
-// The upper bytes of both.
-RVK_INLINE Vec<uint8_t> joinUpperBytes(Vec<int16_t> even, Vec<int16_t> odd)
-{
-    return bitCast<uint8_t>(shiftRight(bitCast<uint16_t>(even), 8) |
-                            (bitCast<uint16_t>(odd) & splat<uint16_t>(0xff00)));
-}
-
 template <bool odd>
 RVK_INLINE Vec<int16_t> weighLuma(const Rgb& p)
 {
@@ -81,7 +74,7 @@ RVK_INLINE Vec<int16_t> weighLuma(const Rgb& p)
 
 RVK_INLINE Vec<uint8_t> lumaOf(const Rgb& p)
 {
-    return joinUpperBytes(weighLuma<false>(p), weighLuma<true>(p));
+    return joinUpperHalves(weighLuma<false>(p), weighLuma<true>(p));
 }
 
 // 256 times grey is 256 times as much as luma has, without its rounding, and the fractions of the weights beyond that.
@@ -93,7 +86,7 @@ RVK_INLINE Vec<int16_t> weighGrey(const Rgb& p)
 
 RVK_INLINE Vec<uint8_t> greyOf(const Rgb& p)
 {
-    return joinUpperBytes(weighGrey<false>(p), weighGrey<true>(p));
+    return joinUpperHalves(weighGrey<false>(p), weighGrey<true>(p));
 }
 
 // The upper bytes hold Cb and Cr - 128. Negated, all weights fit signed bytes.
@@ -112,8 +105,8 @@ RVK_INLINE Vec<int16_t> weighCr(const Rgb& p)
 RVK_INLINE Chroma chromaOf(const Rgb& p)
 {
     const Vec<uint8_t> offset = splat<uint8_t>(128);
-    return {joinUpperBytes(weighCb<false>(p), weighCb<true>(p)) ^ offset,
-            joinUpperBytes(weighCr<false>(p), weighCr<true>(p)) ^ offset};
+    return {joinUpperHalves(weighCb<false>(p), weighCb<true>(p)) ^ offset,
+            joinUpperHalves(weighCr<false>(p), weighCr<true>(p)) ^ offset};
 }
 
 // ---- chroma that two pixels share -----------------------------------------------------------------------------------
@@ -124,7 +117,7 @@ constexpr size_t kSharing = 1;
 // The chroma of even pixels, beside each other.
 RVK_INLINE Vec<uint8_t> chromaPairsOf(const Rgb& p)
 {
-    return joinUpperBytes(weighCb<false>(p), weighCr<false>(p)) ^ splat<uint8_t>(128);
+    return joinUpperHalves(weighCb<false>(p), weighCr<false>(p)) ^ splat<uint8_t>(128);
 }
 
 RVK_INLINE void storeEvenChroma(const Rgb (&p)[kSharing], uint8_t* pairs)

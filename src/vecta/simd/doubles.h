@@ -100,6 +100,22 @@ RVK_INLINE Doubles firstToDoubles(Vec<uint32_t> v)
 }
 #endif
 
+#if RVK_AVX512
+// As many floats as there are lanes.
+RVK_INLINE Doubles loadToDoubles(const float* p)
+{
+    float __attribute__((vector_size(kBytes / 2))) v;
+    __builtin_memcpy(&v, p, sizeof v);
+    return {__builtin_convertvector(v, Doubles::Raw)};
+}
+
+// sum + a * b, where doubles hold the product, so that it does not matter whether it is rounded first.
+RVK_INLINE Doubles addExactProduct(Doubles sum, Doubles a, Doubles b)
+{
+    return {(Doubles::Raw)_mm512_fmadd_pd((__m512d)a.raw, (__m512d)b.raw, (__m512d)sum.raw)};
+}
+#endif
+
 // All lanes.
 RVK_INLINE void storeDoubles(double* p, Doubles v) { __builtin_memcpy(p, &v.raw, sizeof v.raw); }
 
@@ -173,10 +189,12 @@ RVK_INLINE void storePoints(float* p, const DoublePoints<2>& points)
 #endif
 
 #if !defined(__arm__)
-// The lower half of the lanes and the upper half.
-RVK_INLINE DoublePoints<2> toDoubles(Vec<float> v)
+// The lower half of the lanes and the upper half, of floats or 32-bit integers.
+template <class T>
+    requires(sizeof(T) == 4)
+RVK_INLINE DoublePoints<2> toDoubles(Vec<T> v)
 {
-    HalfOfFloats halves[2];
+    T __attribute__((vector_size(kBytes / 2))) halves[2];
     __builtin_memcpy(halves, &v.raw, sizeof halves);
     return {{{__builtin_convertvector(halves[0], Doubles::Raw)}, {__builtin_convertvector(halves[1], Doubles::Raw)}}};
 }

@@ -304,6 +304,21 @@ RVK_INLINE void transposeTiles(Vec<T> (&v)[kTilesBeside])
     }
 }
 
+// Element i is the sum of the elements of v[i].
+RVK_INLINE Vec<int32_t> sumsOf(const Vec<int32_t> (&v)[Vec<int32_t>::lanes])
+{
+    const auto blocks = [&](size_t i) RVK_INLINE_LAMBDA {
+        return sumsOfBlocks(Vecs<int32_t, 4>{v[i], v[i + 1], v[i + 2], v[i + 3]});
+    };
+    const auto addHalves = [](Vec<int32_t> a, Vec<int32_t> b) RVK_INLINE_LAMBDA {
+        return shuffle(a, b, [](size_t i) { return i < 8 ? i : i + 8; }) +
+               shuffle(a, b, [](size_t i) { return i < 8 ? i + 8 : i + 16; });
+    };
+    const Vec<int32_t> a = addHalves(blocks(0), blocks(4)), b = addHalves(blocks(8), blocks(12));
+    return shuffle(a, b, [](size_t i) { return i + i / 4 * 4; }) +
+           shuffle(a, b, [](size_t i) { return i + i / 4 * 4 + 4; });
+}
+
 } // namespace
 } // namespace rvk::vecta::RVK_ISA
 

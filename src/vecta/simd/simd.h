@@ -91,6 +91,7 @@
 //             of v is added to some lane of acc; reduceAdd(v): exact for u8, u16 and s16, wrapping for 32 and 64 bits
 //             addDot(acc, a, b): u8, s8: each product is added to some lane of acc, 32 bits, which wrap. In two parts,
 //             where one a meets several b: addPartOfDot(acc, a, b) lacks restOfDot() of addToRestOfDot(acc, a)
+//             joinUpperHalves(a, b): s16 to u8, s32 to s16, x86 alone, those of a0 b0 a1 b1 ...
 //             storeSums(p, vs): p[i] = reduceAdd(vs[i]) of four vectors of 32 bits
 //             Total<T>: add(v), value(): of many; u8 modulo 2^32, s32 modulo 2^64
 //             reduceMin, reduceMax(v): 8, 16, 32 bits, and floats without not-a-numbers

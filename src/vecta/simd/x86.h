@@ -1560,6 +1560,39 @@ RVK_INLINE Vec<int16_t> subtractNeighbours(Vec<uint8_t> v)
     return dotPairs(v, bitCast<int8_t>(splat<uint16_t>(0xff01))); // 1, -1
 }
 
+#if RVK_AVX512
+// a, but b, its bytes in this order in each block of 16, where the mask has ones. (With a mask that it knows, clang would
+// shuffle both, which takes three operations.)
+RVK_INLINE Register replaceBytes(Register a, __mmask64 mask, Register b, __m128i order)
+{
+    __asm__("" : "+Yk"(mask));
+    return _mm512_mask_shuffle_epi8(a, mask, b, _mm512_broadcast_i32x4(order));
+}
+#endif
+
+// The upper halves of even0 odd0 even1 odd1 ...
+RVK_INLINE Vec<uint8_t> joinUpperHalves(Vec<int16_t> even, Vec<int16_t> odd)
+{
+#if RVK_AVX512
+    const __m128i order = _mm_setr_epi8(1, 0, 3, 0, 5, 0, 7, 0, 9, 0, 11, 0, 13, 0, 15, 0);
+    return vec<uint8_t>(replaceBytes(reg(odd), 0x5555555555555555, reg(even), order));
+#else
+    return bitCast<uint8_t>(shiftRight(bitCast<uint16_t>(even), 8) |
+                            (bitCast<uint16_t>(odd) & splat<uint16_t>(0xff00)));
+#endif
+}
+
+RVK_INLINE Vec<int16_t> joinUpperHalves(Vec<int32_t> even, Vec<int32_t> odd)
+{
+#if RVK_AVX512
+    const __m128i order = _mm_setr_epi8(2, 3, 0, 0, 6, 7, 0, 0, 10, 11, 0, 0, 14, 15, 0, 0);
+    return vec<int16_t>(replaceBytes(reg(odd), 0x3333333333333333, reg(even), order));
+#else
+    return bitCast<int16_t>(shiftRight(bitCast<uint32_t>(even), 16) |
+                            (bitCast<uint32_t>(odd) & splat<uint32_t>(0xffff0000)));
+#endif
+}
+
 // Those of a followed by b, elements below 2^15, in the order of narrowSatInLanes.
 RVK_INLINE Vec<uint16_t> addNeighboursInLanes(Vec<uint16_t> a, Vec<uint16_t> b)
 {
