@@ -779,6 +779,7 @@ RVK_INLINE Vec<uint8_t> lookupWindows(const uint8_t* row, const uint32_t* offset
     else
         return lookup32(loadTable32(row + offsets[0]), indices);
 }
+RVK_INLINE void storeWindows(uint8_t* p, size_t, Vec<uint8_t> v) { store(p, v); }
 
 // Set bits of a machine word, for which 32-bit Arm has no instruction outside the vector unit, and from how many bytes
 // on those of vectors are counted faster.

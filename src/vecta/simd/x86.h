@@ -969,6 +969,16 @@ RVK_INLINE Vec<uint8_t> lookupWindows(const uint8_t* row, const uint32_t* offset
 #endif
 }
 
+RVK_INLINE void storeWindows(uint8_t* p, [[maybe_unused]] size_t apart, Vec<uint8_t> v)
+{
+#if defined(__AVX2__) && !RVK_AVX512
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(p), _mm256_castsi256_si128(reg(v)));
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(p + apart), _mm256_extracti128_si256(reg(v), 1));
+#else
+    store(p, v);
+#endif
+}
+
 #if RVK_AVX512
 
 struct Table256 {
