@@ -76,6 +76,13 @@ public:
     }
     RVK_INLINE int64_t value() const { return m_value; }
     RVK_INLINE int64_t rest() const { return m_rest; } // of the dividend
+    RVK_INLINE int64_t denominator() const { return m_denominator; }
+    RVK_INLINE Quotients fromZero() const
+    {
+        Quotients same = *this;
+        same.m_value = same.m_rest = 0;
+        return same;
+    }
     RVK_INLINE void next()
     {
         m_value += m_step;
@@ -90,24 +97,42 @@ private:
     int64_t m_denominator, m_step, m_stepRest, m_value, m_rest;
 };
 
-// What positionOf gives for 0, 1, 2, ...
-class Positions : private Quotients
+// How far a quotient is from the ones behind it, which compilers make vectors of, where next() waits for the one before:
+// i columns on it is pixels[i] and fractions[i] more, and another fraction where its rest is enough[i] or more. A pixel
+// has 2^fractionBits fractions, denominators have 32 bits.
+template <size_t columns, unsigned fractionBits>
+struct Ahead
+{
+    uint32_t pixels[columns], fractions[columns], enough[columns];
+
+    RVK_INLINE explicit Ahead(const Quotients& quotients)
+    {
+        Quotients next = quotients.fromZero();
+        for (size_t i = 0; i < columns; ++i, next.next()) {
+            pixels[i] = static_cast<uint32_t>(next.value() >> fractionBits);
+            fractions[i] = static_cast<uint32_t>(next.value()) % (1u << fractionBits);
+            enough[i] = static_cast<uint32_t>(next.denominator() - next.rest());
+        }
+    }
+};
+
+// What positionOf gives for 0, 1, 2, ...; or for one in so many columns.
+class Positions : public Quotients
 {
 public:
-    RVK_INLINE explicit Positions(Axis axis)
-        : Quotients((int64_t{axis.from} - axis.to) * kFractions + axis.to, int64_t{axis.from} * (2 * kFractions),
-                    2 * int64_t{axis.to})
+    RVK_INLINE explicit Positions(Axis axis, size_t apart = 1)
+        : Quotients((int64_t{axis.from} - axis.to) * kFractions + axis.to,
+                    int64_t{axis.from} * (2 * kFractions) * static_cast<int64_t>(apart), 2 * int64_t{axis.to})
     {
     }
     RVK_INLINE int64_t pixel() const { return value() >> kFractionBits; }
     RVK_INLINE uint32_t fraction() const { return static_cast<uint32_t>(value()) % kFractions; }
-    using Quotients::next;
 };
 
 // The same of pixelAtCentre, and of firstWholePixel.
-RVK_INLINE Quotients pixelsAtCentres(Axis axis)
+RVK_INLINE Quotients pixelsAtCentres(Axis axis, size_t apart = 1)
 {
-    return {axis.from, 2 * int64_t{axis.from}, 2 * int64_t{axis.to}};
+    return {axis.from, 2 * int64_t{axis.from} * static_cast<int64_t>(apart), 2 * int64_t{axis.to}};
 }
 RVK_INLINE Quotients firstWholePixels(Axis axis)
 {
@@ -289,16 +314,33 @@ RVK_NOINLINE void interpolateRows(size_t width, const int16_t* upper, const int1
         storePartial(dst, between(), rest);
 }
 
+// The pixels to the left of columns, and the weights of those to the right.
+RVK_NOINLINE void setNeighbours(ColumnTable& table, Axis axis)
+{
+    const Ahead<kColumns, kFractionBits> ahead(Positions{axis});
+    Positions first(axis, kColumns);
+    const auto last = static_cast<int32_t>(axis.from - 1);
+    for (size_t step = 0; step * kColumns < axis.to; ++step, first.next()) {
+        const auto pixel = static_cast<uint32_t>(first.pixel()), rest = static_cast<uint32_t>(first.rest());
+        const uint32_t fraction = first.fraction();
+        PairsOfStep& pairs = table.pairsOfStep(step);
+        for (size_t i = 0; i < kColumns; ++i) {
+            const uint32_t fractions = fraction + ahead.fractions[i] + (rest >= ahead.enough[i]);
+            const auto place = static_cast<int32_t>(pixel + ahead.pixels[i] + fractions / kFractions);
+            pairs.places[i] = static_cast<uint32_t>(place < 0 ? 0 : place < last ? place : last);
+            pairs.weights[0][i] = 0;
+            pairs.weights[1][i] = static_cast<int16_t>(place < 0 ? 0 : fractions % kFractions);
+        }
+    }
+}
+
 // False when there is no scratch memory.
 bool interpolate(const Resizing& r, const Rectangle& part)
 {
     Columns<Interpolation> columns(r.srcWidth, r.dstWidth);
     if (!columns.exists())
         return false;
-    Positions column(columnsOf(r));
-    for (size_t x = 0; x < r.dstWidth; ++x, column.next())
-        columns.set(x, 0, inside(column.pixel(), r.srcWidth), 0,
-                    column.pixel() < 0 ? 0 : static_cast<int32_t>(column.fraction()));
+    setNeighbours(columns, columnsOf(r));
     columns.finish();
 
     ScaledRows<Interpolation, 1 + kMostInBatch> rows(r, columns);
@@ -412,110 +454,110 @@ void scaleCubic(const Resizing& r, uint32_t pixelSize)
 
 // ---- nearest --------------------------------------------------------------------------------------------------------
 
-// For each byte of a row its byte of the source, and the windows in which that is.
+// For each byte of a row its byte of the source. Every window of the source makes as many columns as the poorest does,
+// but a whole vector is stored: the next columns overwrite what is too much.
 class Places
 {
 public:
-    Places(size_t rowBytes, size_t columns)
-        : m_rowBytes(rowBytes), m_steps((columns + kBytes - 1) / kBytes), m_places(m_steps, kBytes),
-          m_offsets(m_steps, kWindowsOfStep), m_laterOffsets(m_steps, kWindowsOfStep), m_indices(m_steps, kBytes)
-    {
-    }
-    bool exists() const { return m_places && m_offsets && m_laterOffsets && m_indices; }
-    void fill(Axis axis);
-    // `ahead` bytes from `dst` on is where the next row goes, 0: that will be in the cache.
-    void pick(const uint8_t* row, size_t columns, uint8_t* dst, size_t ahead) const;
+    explicit Places(Axis axis) : Places(axis, AheadOfWindow(pixelsAtCentres(axis))) {}
+    bool exists() const { return static_cast<bool>(m_steps); }
+    void pick(const uint8_t* row, uint8_t* dst) const;
 
 private:
-    enum class From { places, windows, wideWindows, twoWideWindows };
+    using AheadOfWindow = Ahead<kWindow, 0>;
+    struct alignas(kBytes) Step
+    {
+        uint8_t indices[kBytes];
+        uint32_t offsets[kWindowsOfStep];
+    };
 
+    Places(Axis axis, const AheadOfWindow& ahead);
+    static size_t columnsIn(size_t bytes, const AheadOfWindow& ahead);
+    static bool isWide(Axis axis, const AheadOfWindow& ahead);
+    void fill(const AheadOfWindow& ahead);
     template <size_t n>
-    bool makeWindow(size_t first, size_t count, uint32_t& offset);
-    template <size_t n>
-    bool makeWindows();
-    bool makeTwoWindows();
+    RVK_INLINE void pickFromWindows(const uint8_t* row, uint8_t* dst) const;
 
-    size_t m_rowBytes, m_steps;
-    Scratch<uint32_t> m_places;
-    Scratch<uint32_t> m_offsets, m_laterOffsets; // of windows; of those of the later half of the lanes
-    Scratch<uint8_t> m_indices;
-    From m_from = From::places;
+    Axis m_axis;
+    bool m_isWide;    // windows are two kWindow wide, not one
+    size_t m_columns; // of a window
+    Scratch<Step> m_steps;
 };
 
-void Places::fill(Axis axis)
+Places::Places(Axis axis, const AheadOfWindow& ahead)
+    : m_axis(axis), m_isWide(isWide(axis, ahead)), m_columns(columnsIn((m_isWide ? 2 : 1) * kWindow, ahead)),
+      m_steps(roundedUp(axis.to, m_columns * kWindowsOfStep) / (m_columns * kWindowsOfStep))
 {
-    Quotients pixel = pixelsAtCentres(axis);
-    for (size_t x = 0; x < m_steps * kBytes; ++x, pixel.next())
-        m_places[x] = static_cast<uint32_t>(inside(pixel.value(), axis.from));
-    m_from = makeWindows<1>()   ? From::windows
-             : makeWindows<2>() ? From::wideWindows
-             : makeTwoWindows() ? From::twoWideWindows
-                                : From::places;
+    if (exists())
+        fill(ahead);
 }
 
-// A window n * kWindow wide for these columns, if it holds their pixels.
-template <size_t n>
-bool Places::makeWindow(size_t first, size_t count, uint32_t& offset)
+// How many columns are made of so many bytes wherever they begin: one or more.
+size_t Places::columnsIn(size_t bytes, const AheadOfWindow& ahead)
 {
-    const uint32_t* const places = &m_places[first];
-    if (m_rowBytes < n * kWindow || places[count - 1] - places[0] >= n * kWindow)
-        return false;
-    offset = static_cast<uint32_t>(least(places[0], m_rowBytes - n * kWindow));
-    for (size_t i = 0; i < count; ++i)
-        m_indices[first + i] = static_cast<uint8_t>(places[i] - offset);
-    return true;
+    size_t columns = kWindow;
+    while (ahead.pixels[columns - 1] + (ahead.enough[columns - 1] < ahead.enough[0]) >= bytes)
+        --columns;
+    return columns;
 }
 
-template <size_t n>
-bool Places::makeWindows()
+// Wide windows cost about half as much again.
+bool Places::isWide(Axis axis, const AheadOfWindow& ahead)
 {
-    bool hold = true;
-    for (size_t i = 0; hold && i < m_steps * kWindowsOfStep; ++i)
-        hold = makeWindow<n>(i * kWindow, kWindow, m_offsets[i]);
-    return hold;
+    return axis.from >= 2 * kWindow && 2 * columnsIn(2 * kWindow, ahead) > 3 * columnsIn(kWindow, ahead);
 }
 
-bool Places::makeTwoWindows()
+RVK_NOINLINE void Places::fill(const AheadOfWindow& ahead)
 {
-    constexpr size_t half = kWindow / 2;
-    bool hold = true;
-    for (size_t i = 0; hold && i < m_steps * kWindowsOfStep; ++i)
-        hold = makeWindow<2>(i * kWindow, half, m_offsets[i]) &&
-               makeWindow<2>(i * kWindow + half, half, m_laterOffsets[i]);
-    return hold;
+    const size_t bytes = m_isWide ? 2 * kWindow : kWindow, lastWindow = m_axis.from < bytes ? 0 : m_axis.from - bytes;
+    Quotients first = pixelsAtCentres(m_axis, m_columns);
+    for (size_t x = 0, step = 0; x < m_axis.to; x += m_columns * kWindowsOfStep, ++step)
+        for (size_t window = 0; window < kWindowsOfStep; ++window, first.next()) {
+            const size_t offset = least(static_cast<size_t>(first.value()), lastWindow);
+            const uint32_t index = static_cast<uint32_t>(first.value() - static_cast<int64_t>(offset));
+            const uint32_t rest = static_cast<uint32_t>(first.rest());
+            uint8_t* __restrict const indices = m_steps[step].indices + window * kWindow;
+            m_steps[step].offsets[window] = static_cast<uint32_t>(offset);
+            for (size_t i = 0; i < kWindow; ++i)
+                indices[i] = static_cast<uint8_t>(index + ahead.pixels[i] + (rest >= ahead.enough[i]));
+        }
 }
 
-RVK_NOINLINE void Places::pick(const uint8_t* row, size_t columns, uint8_t* dst, size_t ahead) const
+// The columns of each window at the heads of its lanes; here without what is between them.
+RVK_INLINE Vec<uint8_t> joinWindows([[maybe_unused]] size_t columns, Vec<uint8_t> v)
 {
-    const auto fetchNext = [=](size_t x) RVK_INLINE_LAMBDA {
-        if (ahead)
-            prefetch(dst + x + ahead, kBytes);
-    };
-    const uint32_t *const offsets = m_offsets.get(), *const laterOffsets = m_laterOffsets.get();
-    const uint8_t* const indices = m_indices.get();
-    if (m_from == From::windows) {
-        mapColumns(0, columns, dst, [=](size_t x) RVK_INLINE_LAMBDA {
-            fetchNext(x);
-            return lookupWindows<1>(row, offsets + x / kWindow, load(indices + x));
-        });
-    } else if (m_from == From::wideWindows) {
-        mapColumns(0, columns, dst, [=](size_t x) RVK_INLINE_LAMBDA {
-            fetchNext(x);
-            return lookupWindows<2>(row, offsets + x / kWindow, load(indices + x));
-        });
-    } else if (m_from == From::twoWideWindows) {
-        const Vec<uint8_t> lane = iota<uint8_t>() & splat<uint8_t>(kWindow - 1);
-        const Mask<uint8_t> isLater = equal(lane & splat<uint8_t>(kWindow / 2), splat<uint8_t>(kWindow / 2));
-        mapColumns(0, columns, dst, [=](size_t x) RVK_INLINE_LAMBDA {
-            const Vec<uint8_t> here = load(indices + x);
-            return select(isLater, lookupWindows<2>(row, laterOffsets + x / kWindow, here),
-                          lookupWindows<2>(row, offsets + x / kWindow, here));
-        });
+    if constexpr (kWindowsOfStep == 1) {
+        return v;
     } else {
-        const uint32_t* const places = m_places.get();
-        for (size_t x = 0; x < columns; ++x)
-            dst[x] = row[places[x]];
+        uint8_t joined[2 * kBytes];
+        storeWindows(joined, columns, v);
+        return load(joined);
     }
+}
+
+template <size_t n>
+RVK_INLINE void Places::pickFromWindows(const uint8_t* row, uint8_t* dst) const
+{
+    const size_t apart = m_columns, columns = m_axis.to, stored = (kWindowsOfStep - 1) * apart + kWindow;
+    const auto picked = [=](const Step& step)
+                            RVK_INLINE_LAMBDA { return lookupWindows<n>(row, step.offsets, load(step.indices)); };
+    const Step* step = m_steps.get();
+    size_t x = 0;
+    for (; x + stored <= columns; x += kWindowsOfStep * apart, ++step)
+        storeWindows(dst + x, apart, picked(*step));
+    for (; x < columns; x += kWindowsOfStep * apart, ++step)
+        storePartial(dst + x, joinWindows(apart, picked(*step)), least(columns - x, kWindowsOfStep * apart));
+}
+
+RVK_NOINLINE void Places::pick(const uint8_t* row, uint8_t* dst) const
+{
+    uint8_t padded[kWindow] = {};
+    if (m_axis.from < kWindow)
+        row = static_cast<uint8_t*>(__builtin_memcpy(padded, row, m_axis.from));
+    if (m_isWide)
+        pickFromWindows<2>(row, dst);
+    else
+        pickFromWindows<1>(row, dst);
 }
 
 void scaleNearest(const Resizing& r)
@@ -524,21 +566,17 @@ void scaleNearest(const Resizing& r)
         copyRows(r, 1);
         return;
     }
-    Places places(r.srcWidth, r.dstWidth);
-    const bool hasPlaces = places.exists();
-    if (hasPlaces)
-        places.fill(columnsOf(r));
+    const Places places(columnsOf(r));
     Quotients row = pixelsAtCentres(rowsOf(r));
-    // A destination that outgrows the second-level cache waits for its lines otherwise.
-    const size_t ahead = size_t{r.dstStride} * r.dstHeight > (size_t{1} << 20) ? r.dstStride : 0;
     int64_t previous = -1;
     for (size_t y = 0; y < r.dstHeight; ++y, row.next()) {
         const uint8_t* const src = sourceRow(r, static_cast<size_t>(row.value()));
         uint8_t* const dst = targetRow(r, y);
         if (row.value() == previous) {
             __builtin_memcpy(dst, targetRow(r, y - 1), r.dstWidth);
-        } else if (hasPlaces) {
-            places.pick(src, r.dstWidth, dst, ahead);
+        } else if (places.exists()) {
+            prefetch(dst + r.dstStride, r.dstWidth); // stores would wait for the lines of the next row
+            places.pick(src, dst);
         } else {
             Quotients column = pixelsAtCentres(columnsOf(r));
             for (size_t x = 0; x < r.dstWidth; ++x, column.next())

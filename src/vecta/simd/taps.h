@@ -312,11 +312,13 @@ public:
     // One pair of a column: where its first byte is, and the weights.
     RVK_INLINE void set(size_t column, size_t pair, size_t place, int32_t weight0, int32_t weight1)
     {
-        PairsOfStep& p = m_given[column / kColumns * m_pairs + pair];
+        PairsOfStep& p = pairsOfStep(column / kColumns, pair);
         p.places[column % kColumns] = static_cast<uint32_t>(place);
         p.weights[0][column % kColumns] = static_cast<int16_t>(weight0);
         p.weights[1][column % kColumns] = static_cast<int16_t>(weight1);
     }
+    // The same of all columns of a step.
+    RVK_INLINE PairsOfStep& pairsOfStep(size_t step, size_t pair = 0) { return m_given[step * m_pairs + pair]; }
 
 protected:
     // After the last column was set.
