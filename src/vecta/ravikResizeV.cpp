@@ -474,18 +474,21 @@ private:
     Places(Axis axis, const AheadOfWindow& ahead);
     static size_t columnsIn(size_t bytes, const AheadOfWindow& ahead);
     static bool isWide(Axis axis, const AheadOfWindow& ahead);
+    size_t bytesOfStep() const { return (kWindowsOfStep - 1) * m_columns + kWindow; } // which are stored
     void fill(const AheadOfWindow& ahead);
     template <size_t n>
     RVK_INLINE void pickFromWindows(const uint8_t* row, uint8_t* dst) const;
 
     Axis m_axis;
-    bool m_isWide;    // windows are two kWindow wide, not one
-    size_t m_columns; // of a window
+    bool m_isWide;       // windows are two kWindow wide, not one
+    size_t m_columns;    // of a window
+    size_t m_wholeSteps; // that may store more than their columns
     Scratch<Step> m_steps;
 };
 
 Places::Places(Axis axis, const AheadOfWindow& ahead)
     : m_axis(axis), m_isWide(isWide(axis, ahead)), m_columns(columnsIn((m_isWide ? 2 : 1) * kWindow, ahead)),
+      m_wholeSteps(axis.to < bytesOfStep() ? 0 : (axis.to - bytesOfStep()) / (m_columns * kWindowsOfStep) + 1),
       m_steps(roundedUp(axis.to, m_columns * kWindowsOfStep) / (m_columns * kWindowsOfStep))
 {
     if (exists())
@@ -501,10 +504,11 @@ size_t Places::columnsIn(size_t bytes, const AheadOfWindow& ahead)
     return columns;
 }
 
-// Wide windows cost about half as much again.
+// They are where they make more columns for what they cost.
 bool Places::isWide(Axis axis, const AheadOfWindow& ahead)
 {
-    return axis.from >= 2 * kWindow && 2 * columnsIn(2 * kWindow, ahead) > 3 * columnsIn(kWindow, ahead);
+    return axis.from >= 2 * kWindow &&
+           columnsIn(2 * kWindow, ahead) * 8 > columnsIn(kWindow, ahead) * kEighthsOfWideWindow;
 }
 
 RVK_NOINLINE void Places::fill(const AheadOfWindow& ahead)
@@ -538,15 +542,16 @@ RVK_INLINE Vec<uint8_t> joinWindows([[maybe_unused]] size_t columns, Vec<uint8_t
 template <size_t n>
 RVK_INLINE void Places::pickFromWindows(const uint8_t* row, uint8_t* dst) const
 {
-    const size_t apart = m_columns, columns = m_axis.to, stored = (kWindowsOfStep - 1) * apart + kWindow;
-    const auto picked = [=](const Step& step)
-                            RVK_INLINE_LAMBDA { return lookupWindows<n>(row, step.offsets, load(step.indices)); };
+    const size_t apart = m_columns, columns = apart * kWindowsOfStep; // of a step
     const Step* step = m_steps.get();
-    size_t x = 0;
-    for (; x + stored <= columns; x += kWindowsOfStep * apart, ++step)
-        storeWindows(dst + x, apart, picked(*step));
-    for (; x < columns; x += kWindowsOfStep * apart, ++step)
-        storePartial(dst + x, joinWindows(apart, picked(*step)), least(columns - x, kWindowsOfStep * apart));
+    const auto pickStep = [=](const Step* from)
+                              RVK_INLINE_LAMBDA { return lookupWindows<n>(row, from->offsets, load(from->indices)); };
+    for (size_t steps = m_wholeSteps; steps; --steps, ++step, dst += columns)
+        storeWindows(dst, apart, pickStep(step));
+    for (size_t left = m_axis.to - m_wholeSteps * columns, count; left; left -= count, ++step, dst += count) {
+        count = least(left, columns);
+        storePartial(dst, joinWindows(apart, pickStep(step)), count);
+    }
 }
 
 RVK_NOINLINE void Places::pick(const uint8_t* row, uint8_t* dst) const

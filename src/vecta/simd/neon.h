@@ -770,6 +770,7 @@ RVK_INLINE Vec<uint8_t> loadEach16(const uint8_t* const* p, ptrdiff_t offset) { 
 
 // Bytes of a row, chosen from a window of it of n * kWindow bytes, which begins at the offset.
 constexpr size_t kWindow = 16;
+constexpr size_t kEighthsOfWideWindow = 9; // of one of kWindow: what their pixels cost, and the loop around them
 template <size_t n>
 RVK_INLINE Vec<uint8_t> lookupWindows(const uint8_t* row, const uint32_t* offsets, Vec<uint8_t> indices)
 {
