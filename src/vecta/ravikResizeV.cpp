@@ -116,17 +116,23 @@ struct Ahead
     }
 };
 
-// What positionOf gives for 0, 1, 2, ...; or for one in so many columns.
+// What positionOf gives for begin, begin + apart, ...
 class Positions : public Quotients
 {
 public:
-    RVK_INLINE explicit Positions(Axis axis, size_t apart = 1)
-        : Quotients((int64_t{axis.from} - axis.to) * kFractions + axis.to,
-                    int64_t{axis.from} * (2 * kFractions) * static_cast<int64_t>(apart), 2 * int64_t{axis.to})
+    RVK_INLINE explicit Positions(Axis axis, size_t begin = 0, size_t apart = 1)
+        : Quotients((int64_t{axis.from} - axis.to) * kFractions + axis.to + step(axis, begin), step(axis, apart),
+                    2 * int64_t{axis.to})
     {
     }
     RVK_INLINE int64_t pixel() const { return value() >> kFractionBits; }
     RVK_INLINE uint32_t fraction() const { return static_cast<uint32_t>(value()) % kFractions; }
+
+private:
+    static RVK_INLINE int64_t step(Axis axis, size_t columns)
+    {
+        return int64_t{axis.from} * (2 * kFractions) * static_cast<int64_t>(columns);
+    }
 };
 
 // The same of pixelAtCentre, and of firstWholePixel.
@@ -295,35 +301,62 @@ bool enlarge(const Resizing& r)
 
 // ---- bilinear -------------------------------------------------------------------------------------------------------
 
-RVK_NOINLINE void interpolateRows(size_t width, const int16_t* upper, const int16_t* lower, uint32_t fraction,
-                                  uint8_t* dst)
+// Strips of columns are walked down, a block of rows after the other, so that few rows of the source are read at a time.
+// What a row of the source becomes stays in registers as long as a row of the destination lies beside it.
+
+// Which rows of the source the row before has not had.
+enum class Fresh : uint32_t { none, lower, both };
+struct RowBetween
 {
-    const Vec<int16_t> weight = splat(static_cast<int16_t>(fraction << (15 - kFractionBits)));
-    const auto between = [&]() RVK_INLINE_LAMBDA {
-        return narrowRounded<uint8_t, 7>(both(loadVecs<2>(upper), loadVecs<2>(lower),
-                                              [=](auto a, auto b)
-                                                  RVK_INLINE_LAMBDA { return Interpolation::between(a, b, weight); }));
-    };
-    for (size_t steps = width / kBytes; steps; --steps) {
-        store(dst, between());
-        upper += kBytes;
-        lower += kBytes;
-        dst += kBytes;
+    const uint8_t *upper, *lower;
+    uint32_t weights; // of the lower one, twice: 32 bits are cheaper to load into all lanes than 16
+    Fresh fresh;
+};
+
+struct BlockOfRows
+{
+    const RowBetween* rows;
+    size_t count;
+    uint8_t* dst;
+    size_t dstStride;
+};
+constexpr size_t kBlockRows = 16;
+
+class InterpolatedColumns : public Columns<Interpolation>
+{
+public:
+    // Of the destination's columns from `left` to `right` - 1.
+    InterpolatedColumns(Axis axis, uint32_t left, uint32_t right)
+        : Columns(axis.from, right - left, 1, kStepsOfStrip / 2), m_between(m_steps, 2 * kColumns)
+    {
+        if (exists())
+            setNeighbours(axis, left);
     }
-    if (const size_t rest = width % kBytes)
-        storePartial(dst, between(), rest);
-}
+    bool exists() const { return Columns::exists() && m_between; }
+    void put(const BlockOfRows& block) const;
+
+private:
+    void setNeighbours(Axis axis, uint32_t left);
+    template <size_t steps>
+    RVK_NOINLINE void putStrip(const BlockOfRows& block, size_t step) const;
+    template <size_t steps, class Fetch>
+    RVK_INLINE void walkStrip(const BlockOfRows& block, size_t step, Fetch fetch) const;
+    template <size_t steps, size_t n>
+    RVK_INLINE void walkStripOfWindows(const BlockOfRows& block, size_t step) const;
+
+    Scratch<int16_t> m_between; // blocks: the last rows of strips, upper and lower one
+};
 
 // The pixels to the left of columns, and the weights of those to the right.
-RVK_NOINLINE void setNeighbours(ColumnTable& table, Axis axis)
+RVK_NOINLINE void InterpolatedColumns::setNeighbours(Axis axis, uint32_t left)
 {
     const Ahead<kColumns, kFractionBits> ahead(Positions{axis});
-    Positions first(axis, kColumns);
+    Positions first(axis, left, kColumns);
     const auto last = static_cast<int32_t>(axis.from - 1);
-    for (size_t step = 0; step * kColumns < axis.to; ++step, first.next()) {
+    for (size_t step = 0; step * kColumns < m_columns; ++step, first.next()) {
         const auto pixel = static_cast<uint32_t>(first.pixel()), rest = static_cast<uint32_t>(first.rest());
         const uint32_t fraction = first.fraction();
-        PairsOfStep& pairs = table.pairsOfStep(step);
+        PairsOfStep& pairs = pairsOfStep(step);
         for (size_t i = 0; i < kColumns; ++i) {
             const uint32_t fractions = fraction + ahead.fractions[i] + (rest >= ahead.enough[i]);
             const auto place = static_cast<int32_t>(pixel + ahead.pixels[i] + fractions / kFractions);
@@ -332,31 +365,127 @@ RVK_NOINLINE void setNeighbours(ColumnTable& table, Axis axis)
             pairs.weights[1][i] = static_cast<int16_t>(place < 0 ? 0 : fractions % kFractions);
         }
     }
+    finish();
+}
+
+void InterpolatedColumns::put(const BlockOfRows& block) const
+{
+    constexpr size_t most = kStepsOfStrip, half = most / 2;
+    for (size_t step = 0; step < m_steps;) {
+        const bool isNarrow = m_columns - step * kColumns <= half * kColumns;
+        if (isNarrow)
+            putStrip<half>(block, step);
+        else
+            putStrip<most>(block, step);
+        step += isNarrow ? half : most;
+    }
+}
+
+template <size_t steps>
+RVK_NOINLINE void InterpolatedColumns::putStrip(const BlockOfRows& block, size_t step) const
+{
+    if (m_windowSize == 0)
+        walkStrip<steps>(block, step, [=, this](const uint8_t* row, size_t i, const TapsOfStep*) RVK_INLINE_LAMBDA {
+            uint8_t bytes[kBytes];
+            fetchEach(row, m_given[step + i], bytes);
+            return loadVecs<1>(bytes);
+        });
+    else if (m_rowBytes < kWindow)
+        walkStrip<steps>(block, step, [=, this](const uint8_t* row, size_t, const TapsOfStep* taps) RVK_INLINE_LAMBDA {
+            uint8_t padded[kWindow] = {};
+            __builtin_memcpy(padded, row, m_rowBytes);
+            const uint32_t offsets[kWindowsOfStep] = {};
+            return Vecs<uint8_t, 1>{lookupWindows<1>(padded, offsets, load(taps->indices))};
+        });
+    else if (m_windowSize == 1)
+        walkStripOfWindows<steps, 1>(block, step);
+    else
+        walkStripOfWindows<steps, 2>(block, step);
+}
+
+template <size_t steps, size_t n>
+RVK_INLINE void InterpolatedColumns::walkStripOfWindows(const BlockOfRows& block, size_t step) const
+{
+    uint32_t offsets[steps * kWindowsOfStep];
+    [[maybe_unused]] size_t ahead[steps]; // where the windows of the next strip end
+    unrolled<steps * kWindowsOfStep>([&](auto i)
+                                         RVK_INLINE_LAMBDA { offsets[i] = m_offsets[step * kWindowsOfStep + i]; });
+    unrolled<steps>([&](auto i) RVK_INLINE_LAMBDA {
+        ahead[i] = m_offsets[least(step + steps + i, m_steps - 1) * kWindowsOfStep] + n * kWindow - 1;
+    });
+    walkStrip<steps>(block, step, [=](const uint8_t* row, size_t i, const TapsOfStep* taps) RVK_INLINE_LAMBDA {
+        if (kBytes == 64 || i == steps - 1)
+            prefetch(row + ahead[i], 1);
+        return fetchFromWindows<n, Interpolation>(row, offsets + i * kWindowsOfStep, taps);
+    });
+}
+
+// fetch(row, i, its taps) gives the pairs of step i of the strip.
+template <size_t steps, class Fetch>
+RVK_INLINE void InterpolatedColumns::walkStrip(const BlockOfRows& block, size_t step, Fetch fetch) const
+{
+    using Line = Vecs<int16_t, steps>;
+    TapsOfStep taps[steps]; // which no store changes
+    unrolled<steps>([&](auto i) RVK_INLINE_LAMBDA { taps[i] = m_taps[step + i]; });
+    const auto lineOf = [&](const uint8_t* row) RVK_INLINE_LAMBDA {
+        Line line;
+        unrolled<steps>([&](auto i)
+                            RVK_INLINE_LAMBDA { line[i] = Interpolation::sum(fetch(row, i, &taps[i]), &taps[i]); });
+        return line;
+    };
+
+    int16_t* const betweenBlocks = &m_between[step * 2 * kColumns];
+    Line upper = loadVecs<steps>(betweenBlocks), lower = loadVecs<steps>(betweenBlocks + steps * kColumns);
+    const RowBetween* row = block.rows;
+    uint8_t* dst = block.dst + step * kColumns;
+    const size_t columns = least(steps * kColumns, m_columns - step * kColumns), dstStride = block.dstStride;
+    for (size_t rows = block.count; rows; --rows, ++row, dst += dstStride) {
+        if (row->fresh != Fresh::none) {
+            upper = row->fresh == Fresh::both ? lineOf(row->upper) : lower;
+            lower = lineOf(row->lower);
+        }
+        const Vec<int16_t> weight = bitCast<int16_t>(splat(row->weights));
+        Line between;
+        unrolled<steps>([&](auto i)
+                            RVK_INLINE_LAMBDA { between[i] = Interpolation::between(upper[i], lower[i], weight); });
+        constexpr size_t vectors = (steps + 1) / 2;
+        Vecs<uint8_t, vectors> bytes;
+        unrolled<vectors>([&](auto i) RVK_INLINE_LAMBDA {
+            constexpr size_t first = 2 * i, second = first + 1 < steps ? first + 1 : first;
+            bytes[i] = narrowRounded<uint8_t, 7>(Vecs<int16_t, 2>{between[first], between[second]});
+        });
+        if (columns == vectors * kBytes)
+            store(dst, bytes);
+        else
+            storePartial(dst, bytes, columns);
+    }
+    store(betweenBlocks, upper);
+    store(betweenBlocks + steps * kColumns, lower);
 }
 
 // False when there is no scratch memory.
 bool interpolate(const Resizing& r, const Rectangle& part)
 {
-    Columns<Interpolation> columns(r.srcWidth, r.dstWidth);
-    if (!columns.exists())
+    if (part.left == part.right || part.top == part.bottom)
+        return true;
+    const size_t height = part.bottom - part.top;
+    const InterpolatedColumns columns(columnsOf(r), part.left, part.right);
+    const Scratch<RowBetween> rows(height);
+    if (!columns.exists() || !rows)
         return false;
-    setNeighbours(columns, columnsOf(r));
-    columns.finish();
-
-    ScaledRows<Interpolation, 1 + kMostInBatch> rows(r, columns);
-    if (!rows.exists())
-        return false;
-    Positions row(rowsOf(r));
-    for (size_t y = 0; y < part.bottom; ++y, row.next()) {
-        if (y < part.top)
-            continue;
-        const size_t upper = inside(row.pixel(), r.srcHeight);
-        const size_t lower = row.fraction() ? inside(row.pixel() + 1, r.srcHeight) : upper;
-        const int16_t* const upperRow = rows.at(upper);
-        const int16_t* const lowerRow = rows.at(lower);
-        interpolateRows(part.right - part.left, upperRow + part.left, lowerRow + part.left, row.fraction(),
-                        targetRow(r, y) + part.left);
+    Positions position(rowsOf(r), part.top, 1);
+    size_t before = 0;
+    for (size_t y = 0; y < height; ++y, position.next()) {
+        const size_t upper = inside(position.pixel(), r.srcHeight);
+        const uint32_t weight = position.pixel() < 0 ? 0 : position.fraction() << (15 - kFractionBits);
+        rows[y] = {sourceRow(r, upper), sourceRow(r, least(upper + 1, r.srcHeight - 1)), weight << 16 | weight,
+                   y == 0 || upper > before + 1 ? Fresh::both
+                   : upper > before             ? Fresh::lower
+                                                : Fresh::none};
+        before = upper;
     }
+    for (size_t y = 0; y < height; y += kBlockRows)
+        columns.put({&rows[y], least(kBlockRows, height - y), targetRow(r, part.top + y) + part.left, r.dstStride});
     return true;
 }
 

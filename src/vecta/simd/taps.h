@@ -301,6 +301,13 @@ RVK_INLINE void storeColumns(uint8_t* p, const Vecs<uint16_t, 2>& first, const V
 
 constexpr size_t kWindowsOfStep = kBytes / kWindow;
 
+// How many steps leave registers enough to walk down columns.
+#if defined(__aarch64__)
+constexpr size_t kStepsOfStrip = 4;
+#else
+constexpr size_t kStepsOfStrip = 2;
+#endif
+
 // Rows of the source that are scaled at once: they share what is read from the table.
 constexpr size_t kMostInBatch = 4;
 struct RowBatch
@@ -323,9 +330,9 @@ class ColumnTable
 public:
     // The bytes of a pair are `apart` from each other, but for those whose second one would be beyond the row: there it
     // is the first one again.
-    ColumnTable(size_t rowBytes, size_t apart, size_t columns, size_t pairs)
+    ColumnTable(size_t rowBytes, size_t apart, size_t columns, size_t pairs, size_t stepsAtOnce)
         : m_rowBytes(rowBytes), m_apart(apart), m_columns(columns), m_pairs(pairs),
-          m_steps((columns + kColumns - 1) / kColumns), m_given(m_steps, pairs),
+          m_steps(roundedUp(columns, stepsAtOnce * kColumns) / kColumns), m_given(m_steps, pairs),
           m_offsets(m_steps * pairs, kWindowsOfStep), m_taps(m_steps, pairs)
     {
     }
@@ -408,7 +415,10 @@ template <class Sum>
 class Columns : public ColumnTable
 {
 public:
-    Columns(size_t rowBytes, size_t columns, size_t apart = 1) : ColumnTable(rowBytes, apart, columns, Sum::pairs) {}
+    Columns(size_t rowBytes, size_t columns, size_t apart = 1, size_t stepsAtOnce = 1)
+        : ColumnTable(rowBytes, apart, columns, Sum::pairs, stepsAtOnce)
+    {
+    }
     // A scaled row.
     size_t values() const { return m_steps * kValues; }
 
