@@ -135,6 +135,21 @@ private:
     }
 };
 
+// Of n columns, or rows, from the first on: the pixels before their centres, from -1 on, and the weights of the pixels
+// behind those, which have none where they alone are inside.
+template <size_t n>
+RVK_INLINE void findNeighbours(const Positions& first, const Ahead<n, kFractionBits>& ahead, int32_t (&pixels)[n],
+                               uint32_t (&weights)[n])
+{
+    const auto pixel = static_cast<uint32_t>(first.pixel()), rest = static_cast<uint32_t>(first.rest());
+    const uint32_t fraction = first.fraction();
+    for (size_t i = 0; i < n; ++i) {
+        const uint32_t fractions = fraction + ahead.fractions[i] + (rest >= ahead.enough[i]);
+        pixels[i] = static_cast<int32_t>(pixel + ahead.pixels[i] + fractions / kFractions);
+        weights[i] = pixels[i] < 0 ? 0 : fractions % kFractions;
+    }
+}
+
 // The same of pixelAtCentre, and of firstWholePixel.
 RVK_INLINE Quotients pixelsAtCentres(Axis axis, size_t apart = 1)
 {
@@ -304,13 +319,12 @@ bool enlarge(const Resizing& r)
 // Strips of columns are walked down, a block of rows after the other, so that few rows of the source are read at a time.
 // What a row of the source becomes stays in registers as long as a row of the destination lies beside it.
 
-// Which rows of the source the row before has not had.
-enum class Fresh : uint32_t { none, lower, both };
+// A row of the destination. No lower row: it lies between those that the row before it lies between; no upper one: the
+// lower one of that row is its upper one.
 struct RowBetween
 {
     const uint8_t *upper, *lower;
     uint32_t weights; // of the lower one, twice: 32 bits are cheaper to load into all lanes than 16
-    Fresh fresh;
 };
 
 struct BlockOfRows
@@ -320,7 +334,6 @@ struct BlockOfRows
     uint8_t* dst;
     size_t dstStride;
 };
-constexpr size_t kBlockRows = 16;
 
 class InterpolatedColumns : public Columns<Interpolation>
 {
@@ -354,15 +367,14 @@ RVK_NOINLINE void InterpolatedColumns::setNeighbours(Axis axis, uint32_t left)
     Positions first(axis, left, kColumns);
     const auto last = static_cast<int32_t>(axis.from - 1);
     for (size_t step = 0; step * kColumns < m_columns; ++step, first.next()) {
-        const auto pixel = static_cast<uint32_t>(first.pixel()), rest = static_cast<uint32_t>(first.rest());
-        const uint32_t fraction = first.fraction();
+        int32_t pixels[kColumns];
+        uint32_t weights[kColumns];
+        findNeighbours(first, ahead, pixels, weights);
         PairsOfStep& pairs = pairsOfStep(step);
         for (size_t i = 0; i < kColumns; ++i) {
-            const uint32_t fractions = fraction + ahead.fractions[i] + (rest >= ahead.enough[i]);
-            const auto place = static_cast<int32_t>(pixel + ahead.pixels[i] + fractions / kFractions);
-            pairs.places[i] = static_cast<uint32_t>(place < 0 ? 0 : place < last ? place : last);
+            pairs.places[i] = static_cast<uint32_t>(pixels[i] < 0 ? 0 : pixels[i] < last ? pixels[i] : last);
             pairs.weights[0][i] = 0;
-            pairs.weights[1][i] = static_cast<int16_t>(place < 0 ? 0 : fractions % kFractions);
+            pairs.weights[1][i] = static_cast<int16_t>(weights[i]);
         }
     }
     finish();
@@ -436,31 +448,67 @@ RVK_INLINE void InterpolatedColumns::walkStrip(const BlockOfRows& block, size_t 
 
     int16_t* const betweenBlocks = &m_between[step * 2 * kColumns];
     Line upper = loadVecs<steps>(betweenBlocks), lower = loadVecs<steps>(betweenBlocks + steps * kColumns);
+    // Where stores have no masks, a strip that is too wide is copied from a block of its own.
+    constexpr size_t width = steps * kColumns, vectors = (steps + 1) / 2;
+    constexpr bool isHalf = width < vectors * kBytes, hasMasks = kBytes == 64;
+    const size_t columns = least(width, m_columns - step * kColumns);
+    const bool isCopied = !hasMasks && columns < width;
+    uint8_t copied[hasMasks ? 1 : kRowsOfStrip * width];
+    uint8_t* const target = block.dst + step * kColumns;
+    uint8_t* dst = isCopied ? copied : target;
+    const size_t dstStride = isCopied ? width : block.dstStride;
     const RowBetween* row = block.rows;
-    uint8_t* dst = block.dst + step * kColumns;
-    const size_t columns = least(steps * kColumns, m_columns - step * kColumns), dstStride = block.dstStride;
     for (size_t rows = block.count; rows; --rows, ++row, dst += dstStride) {
-        if (row->fresh != Fresh::none) {
-            upper = row->fresh == Fresh::both ? lineOf(row->upper) : lower;
+        if (row->lower) {
+            upper = lower;
+            if (row->upper) [[unlikely]]
+                upper = lineOf(row->upper);
             lower = lineOf(row->lower);
         }
         const Vec<int16_t> weight = bitCast<int16_t>(splat(row->weights));
         Line between;
         unrolled<steps>([&](auto i)
                             RVK_INLINE_LAMBDA { between[i] = Interpolation::between(upper[i], lower[i], weight); });
-        constexpr size_t vectors = (steps + 1) / 2;
         Vecs<uint8_t, vectors> bytes;
         unrolled<vectors>([&](auto i) RVK_INLINE_LAMBDA {
             constexpr size_t first = 2 * i, second = first + 1 < steps ? first + 1 : first;
             bytes[i] = narrowRounded<uint8_t, 7>(Vecs<int16_t, 2>{between[first], between[second]});
         });
-        if (columns == vectors * kBytes)
-            store(dst, bytes);
-        else
+        if (hasMasks && (isHalf || columns < width)) [[unlikely]]
             storePartial(dst, bytes, columns);
+        else if constexpr (isHalf)
+            storePartial(dst, bytes, width);
+        else
+            store(dst, bytes);
     }
+    if (isCopied)
+        for (size_t y = 0; y < block.count; ++y)
+            __builtin_memcpy(target + y * block.dstStride, copied + y * width, columns);
     store(betweenBlocks, upper);
     store(betweenBlocks + steps * kColumns, lower);
+}
+
+// Rows of the destination from `top` on.
+RVK_NOINLINE void findRows(const Resizing& r, uint32_t top, size_t height, RowBetween* rows)
+{
+    constexpr size_t atOnce = 16;
+    const Ahead<atOnce, kFractionBits> ahead(Positions{rowsOf(r)});
+    Positions first(rowsOf(r), top, atOnce);
+    uint32_t before = UINT32_MAX - 1; // none that is, or is beside one
+    for (size_t y = 0; y < height; y += atOnce, first.next()) {
+        int32_t pixels[atOnce];
+        uint32_t weights[atOnce];
+        findNeighbours(first, ahead, pixels, weights);
+        for (size_t i = 0; i < least(atOnce, height - y); ++i) {
+            const auto upper = static_cast<uint32_t>(pixels[i] < 0 ? 0 : pixels[i]);
+            const uint8_t* const upperRow = sourceRow(r, upper);
+            const uint8_t* const lowerRow = upper + 1 < r.srcHeight ? upperRow + r.srcStride : upperRow;
+            const uint32_t weight = weights[i] << (15 - kFractionBits);
+            rows[y + i] = {upper == before || upper == before + 1 ? nullptr : upperRow,
+                           upper == before ? nullptr : lowerRow, weight << 16 | weight};
+            before = upper;
+        }
+    }
 }
 
 // False when there is no scratch memory.
@@ -473,19 +521,9 @@ bool interpolate(const Resizing& r, const Rectangle& part)
     const Scratch<RowBetween> rows(height);
     if (!columns.exists() || !rows)
         return false;
-    Positions position(rowsOf(r), part.top, 1);
-    size_t before = 0;
-    for (size_t y = 0; y < height; ++y, position.next()) {
-        const size_t upper = inside(position.pixel(), r.srcHeight);
-        const uint32_t weight = position.pixel() < 0 ? 0 : position.fraction() << (15 - kFractionBits);
-        rows[y] = {sourceRow(r, upper), sourceRow(r, least(upper + 1, r.srcHeight - 1)), weight << 16 | weight,
-                   y == 0 || upper > before + 1 ? Fresh::both
-                   : upper > before             ? Fresh::lower
-                                                : Fresh::none};
-        before = upper;
-    }
-    for (size_t y = 0; y < height; y += kBlockRows)
-        columns.put({&rows[y], least(kBlockRows, height - y), targetRow(r, part.top + y) + part.left, r.dstStride});
+    findRows(r, part.top, height, rows.get());
+    for (size_t y = 0; y < height; y += kRowsOfStrip)
+        columns.put({&rows[y], least(kRowsOfStrip, height - y), targetRow(r, part.top + y) + part.left, r.dstStride});
     return true;
 }
 
