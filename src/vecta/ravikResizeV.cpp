@@ -76,6 +76,13 @@ public:
     }
     RVK_INLINE int64_t value() const { return m_value; }
     RVK_INLINE int64_t rest() const { return m_rest; } // of the dividend
+    RVK_INLINE int64_t denominator() const { return m_denominator; }
+    RVK_INLINE Quotients fromZero() const
+    {
+        Quotients same = *this;
+        same.m_value = same.m_rest = 0;
+        return same;
+    }
     RVK_INLINE void next()
     {
         m_value += m_step;
@@ -90,24 +97,63 @@ private:
     int64_t m_denominator, m_step, m_stepRest, m_value, m_rest;
 };
 
-// What positionOf gives for 0, 1, 2, ...
-class Positions : private Quotients
+// How far a quotient is from the ones behind it, which compilers make vectors of, where next() waits for the one before:
+// i columns on it is pixels[i] and fractions[i] more, and another fraction where its rest is enough[i] or more. A pixel
+// has 2^fractionBits fractions, denominators have 32 bits.
+template <size_t columns, unsigned fractionBits>
+struct Ahead
+{
+    uint32_t pixels[columns], fractions[columns], enough[columns];
+
+    RVK_INLINE explicit Ahead(const Quotients& quotients)
+    {
+        Quotients next = quotients.fromZero();
+        for (size_t i = 0; i < columns; ++i, next.next()) {
+            pixels[i] = static_cast<uint32_t>(next.value() >> fractionBits);
+            fractions[i] = static_cast<uint32_t>(next.value()) % (1u << fractionBits);
+            enough[i] = static_cast<uint32_t>(next.denominator() - next.rest());
+        }
+    }
+};
+
+// What positionOf gives for begin, begin + apart, ...
+class Positions : public Quotients
 {
 public:
-    RVK_INLINE explicit Positions(Axis axis)
-        : Quotients((int64_t{axis.from} - axis.to) * kFractions + axis.to, int64_t{axis.from} * (2 * kFractions),
+    RVK_INLINE explicit Positions(Axis axis, size_t begin = 0, size_t apart = 1)
+        : Quotients((int64_t{axis.from} - axis.to) * kFractions + axis.to + step(axis, begin), step(axis, apart),
                     2 * int64_t{axis.to})
     {
     }
     RVK_INLINE int64_t pixel() const { return value() >> kFractionBits; }
     RVK_INLINE uint32_t fraction() const { return static_cast<uint32_t>(value()) % kFractions; }
-    using Quotients::next;
+
+private:
+    static RVK_INLINE int64_t step(Axis axis, size_t columns)
+    {
+        return int64_t{axis.from} * (2 * kFractions) * static_cast<int64_t>(columns);
+    }
 };
 
-// The same of pixelAtCentre, and of firstWholePixel.
-RVK_INLINE Quotients pixelsAtCentres(Axis axis)
+// Of n columns, or rows, from the first on: the pixels before their centres, from -1 on, and the weights of the pixels
+// behind those, which have none where they alone are inside.
+template <size_t n>
+RVK_INLINE void findNeighbours(const Positions& first, const Ahead<n, kFractionBits>& ahead, int32_t (&pixels)[n],
+                               uint32_t (&weights)[n])
 {
-    return {axis.from, 2 * int64_t{axis.from}, 2 * int64_t{axis.to}};
+    const auto pixel = static_cast<uint32_t>(first.pixel()), rest = static_cast<uint32_t>(first.rest());
+    const uint32_t fraction = first.fraction();
+    for (size_t i = 0; i < n; ++i) {
+        const uint32_t fractions = fraction + ahead.fractions[i] + (rest >= ahead.enough[i]);
+        pixels[i] = static_cast<int32_t>(pixel + ahead.pixels[i] + fractions / kFractions);
+        weights[i] = pixels[i] < 0 ? 0 : fractions % kFractions;
+    }
+}
+
+// The same of pixelAtCentre, and of firstWholePixel.
+RVK_INLINE Quotients pixelsAtCentres(Axis axis, size_t apart = 1)
+{
+    return {axis.from, 2 * int64_t{axis.from} * static_cast<int64_t>(apart), 2 * int64_t{axis.to}};
 }
 RVK_INLINE Quotients firstWholePixels(Axis axis)
 {
@@ -270,51 +316,214 @@ bool enlarge(const Resizing& r)
 
 // ---- bilinear -------------------------------------------------------------------------------------------------------
 
-RVK_NOINLINE void interpolateRows(size_t width, const int16_t* upper, const int16_t* lower, uint32_t fraction,
-                                  uint8_t* dst)
+// Strips of columns are walked down, a block of rows after the other, so that few rows of the source are read at a time.
+// What a row of the source becomes stays in registers as long as a row of the destination lies beside it.
+
+// A row of the destination. No lower row: it lies between those that the row before it lies between; no upper one: the
+// lower one of that row is its upper one.
+struct RowBetween
 {
-    const Vec<int16_t> weight = splat(static_cast<int16_t>(fraction << (15 - kFractionBits)));
-    const auto between = [&]() RVK_INLINE_LAMBDA {
-        return narrowRounded<uint8_t, 7>(both(loadVecs<2>(upper), loadVecs<2>(lower),
-                                              [=](auto a, auto b)
-                                                  RVK_INLINE_LAMBDA { return Interpolation::between(a, b, weight); }));
-    };
-    for (size_t steps = width / kBytes; steps; --steps) {
-        store(dst, between());
-        upper += kBytes;
-        lower += kBytes;
-        dst += kBytes;
+    const uint8_t *upper, *lower;
+    uint32_t weights; // of the lower one, twice: 32 bits are cheaper to load into all lanes than 16
+};
+
+struct BlockOfRows
+{
+    const RowBetween* rows;
+    size_t count;
+    uint8_t* dst;
+    size_t dstStride;
+};
+
+class InterpolatedColumns : public Columns<Interpolation>
+{
+public:
+    // Of the destination's columns from `left` to `right` - 1.
+    InterpolatedColumns(Axis axis, uint32_t left, uint32_t right)
+        : Columns(axis.from, right - left, 1, kStepsOfStrip / 2), m_between(m_steps, 2 * kColumns)
+    {
+        if (exists())
+            setNeighbours(axis, left);
     }
-    if (const size_t rest = width % kBytes)
-        storePartial(dst, between(), rest);
+    bool exists() const { return Columns::exists() && m_between; }
+    void put(const BlockOfRows& block) const;
+
+private:
+    void setNeighbours(Axis axis, uint32_t left);
+    template <size_t steps>
+    RVK_NOINLINE void putStrip(const BlockOfRows& block, size_t step) const;
+    template <size_t steps, class Fetch>
+    RVK_INLINE void walkStrip(const BlockOfRows& block, size_t step, Fetch fetch) const;
+    template <size_t steps, size_t n>
+    RVK_INLINE void walkStripOfWindows(const BlockOfRows& block, size_t step) const;
+
+    Scratch<int16_t> m_between; // blocks: the last rows of strips, upper and lower one
+};
+
+// The pixels to the left of columns, and the weights of those to the right.
+RVK_NOINLINE void InterpolatedColumns::setNeighbours(Axis axis, uint32_t left)
+{
+    const Ahead<kColumns, kFractionBits> ahead(Positions{axis});
+    Positions first(axis, left, kColumns);
+    const auto last = static_cast<int32_t>(axis.from - 1);
+    for (size_t step = 0; step * kColumns < m_columns; ++step, first.next()) {
+        int32_t pixels[kColumns];
+        uint32_t weights[kColumns];
+        findNeighbours(first, ahead, pixels, weights);
+        PairsOfStep& pairs = pairsOfStep(step);
+        for (size_t i = 0; i < kColumns; ++i) {
+            pairs.places[i] = static_cast<uint32_t>(pixels[i] < 0 ? 0 : pixels[i] < last ? pixels[i] : last);
+            pairs.weights[0][i] = 0;
+            pairs.weights[1][i] = static_cast<int16_t>(weights[i]);
+        }
+    }
+    finish();
+}
+
+void InterpolatedColumns::put(const BlockOfRows& block) const
+{
+    constexpr size_t most = kStepsOfStrip, half = most / 2;
+    for (size_t step = 0; step < m_steps;) {
+        const bool isNarrow = m_columns - step * kColumns <= half * kColumns;
+        if (isNarrow)
+            putStrip<half>(block, step);
+        else
+            putStrip<most>(block, step);
+        step += isNarrow ? half : most;
+    }
+}
+
+template <size_t steps>
+RVK_NOINLINE void InterpolatedColumns::putStrip(const BlockOfRows& block, size_t step) const
+{
+    if (m_windowSize == 0)
+        walkStrip<steps>(block, step, [=, this](const uint8_t* row, size_t i, const TapsOfStep*) RVK_INLINE_LAMBDA {
+            uint8_t bytes[kBytes];
+            fetchEach(row, m_given[step + i], bytes);
+            return loadVecs<1>(bytes);
+        });
+    else if (m_rowBytes < kWindow)
+        walkStrip<steps>(block, step, [=, this](const uint8_t* row, size_t, const TapsOfStep* taps) RVK_INLINE_LAMBDA {
+            uint8_t padded[kWindow] = {};
+            __builtin_memcpy(padded, row, m_rowBytes);
+            const uint32_t offsets[kWindowsOfStep] = {};
+            return Vecs<uint8_t, 1>{lookupWindows<1>(padded, offsets, load(taps->indices))};
+        });
+    else if (m_windowSize == 1)
+        walkStripOfWindows<steps, 1>(block, step);
+    else
+        walkStripOfWindows<steps, 2>(block, step);
+}
+
+template <size_t steps, size_t n>
+RVK_INLINE void InterpolatedColumns::walkStripOfWindows(const BlockOfRows& block, size_t step) const
+{
+    uint32_t offsets[steps * kWindowsOfStep];
+    [[maybe_unused]] size_t ahead[steps]; // where the windows of the next strip end
+    unrolled<steps * kWindowsOfStep>([&](auto i)
+                                         RVK_INLINE_LAMBDA { offsets[i] = m_offsets[step * kWindowsOfStep + i]; });
+    unrolled<steps>([&](auto i) RVK_INLINE_LAMBDA {
+        ahead[i] = m_offsets[least(step + steps + i, m_steps - 1) * kWindowsOfStep] + n * kWindow - 1;
+    });
+    walkStrip<steps>(block, step, [=](const uint8_t* row, size_t i, const TapsOfStep* taps) RVK_INLINE_LAMBDA {
+        if (kBytes == 64 || i == steps - 1)
+            prefetch(row + ahead[i], 1);
+        return fetchFromWindows<n, Interpolation>(row, offsets + i * kWindowsOfStep, taps);
+    });
+}
+
+// fetch(row, i, its taps) gives the pairs of step i of the strip.
+template <size_t steps, class Fetch>
+RVK_INLINE void InterpolatedColumns::walkStrip(const BlockOfRows& block, size_t step, Fetch fetch) const
+{
+    using Line = Vecs<int16_t, steps>;
+    TapsOfStep taps[steps]; // which no store changes
+    unrolled<steps>([&](auto i) RVK_INLINE_LAMBDA { taps[i] = m_taps[step + i]; });
+    const auto lineOf = [&](const uint8_t* row) RVK_INLINE_LAMBDA {
+        Line line;
+        unrolled<steps>([&](auto i)
+                            RVK_INLINE_LAMBDA { line[i] = Interpolation::sum(fetch(row, i, &taps[i]), &taps[i]); });
+        return line;
+    };
+
+    int16_t* const betweenBlocks = &m_between[step * 2 * kColumns];
+    Line upper = loadVecs<steps>(betweenBlocks), lower = loadVecs<steps>(betweenBlocks + steps * kColumns);
+    // Where stores have no masks, a strip that is too wide is copied from a block of its own.
+    constexpr size_t width = steps * kColumns, vectors = (steps + 1) / 2;
+    constexpr bool isHalf = width < vectors * kBytes, hasMasks = kBytes == 64;
+    const size_t columns = least(width, m_columns - step * kColumns);
+    const bool isCopied = !hasMasks && columns < width;
+    uint8_t copied[hasMasks ? 1 : kRowsOfStrip * width];
+    uint8_t* const target = block.dst + step * kColumns;
+    uint8_t* dst = isCopied ? copied : target;
+    const size_t dstStride = isCopied ? width : block.dstStride;
+    const RowBetween* row = block.rows;
+    for (size_t rows = block.count; rows; --rows, ++row, dst += dstStride) {
+        if (row->lower) {
+            upper = lower;
+            if (row->upper) [[unlikely]]
+                upper = lineOf(row->upper);
+            lower = lineOf(row->lower);
+        }
+        const Vec<int16_t> weight = bitCast<int16_t>(splat(row->weights));
+        Line between;
+        unrolled<steps>([&](auto i)
+                            RVK_INLINE_LAMBDA { between[i] = Interpolation::between(upper[i], lower[i], weight); });
+        Vecs<uint8_t, vectors> bytes;
+        unrolled<vectors>([&](auto i) RVK_INLINE_LAMBDA {
+            constexpr size_t first = 2 * i, second = first + 1 < steps ? first + 1 : first;
+            bytes[i] = narrowRounded<uint8_t, 7>(Vecs<int16_t, 2>{between[first], between[second]});
+        });
+        if (hasMasks && (isHalf || columns < width)) [[unlikely]]
+            storePartial(dst, bytes, columns);
+        else if constexpr (isHalf)
+            storePartial(dst, bytes, width);
+        else
+            store(dst, bytes);
+    }
+    if (isCopied)
+        for (size_t y = 0; y < block.count; ++y)
+            __builtin_memcpy(target + y * block.dstStride, copied + y * width, columns);
+    store(betweenBlocks, upper);
+    store(betweenBlocks + steps * kColumns, lower);
+}
+
+// Rows of the destination from `top` on.
+RVK_NOINLINE void findRows(const Resizing& r, uint32_t top, size_t height, RowBetween* rows)
+{
+    constexpr size_t atOnce = 16;
+    const Ahead<atOnce, kFractionBits> ahead(Positions{rowsOf(r)});
+    Positions first(rowsOf(r), top, atOnce);
+    uint32_t before = UINT32_MAX - 1; // none that is, or is beside one
+    for (size_t y = 0; y < height; y += atOnce, first.next()) {
+        int32_t pixels[atOnce];
+        uint32_t weights[atOnce];
+        findNeighbours(first, ahead, pixels, weights);
+        for (size_t i = 0; i < least(atOnce, height - y); ++i) {
+            const auto upper = static_cast<uint32_t>(pixels[i] < 0 ? 0 : pixels[i]);
+            const uint8_t* const upperRow = sourceRow(r, upper);
+            const uint8_t* const lowerRow = upper + 1 < r.srcHeight ? upperRow + r.srcStride : upperRow;
+            const uint32_t weight = weights[i] << (15 - kFractionBits);
+            rows[y + i] = {upper == before || upper == before + 1 ? nullptr : upperRow,
+                           upper == before ? nullptr : lowerRow, weight << 16 | weight};
+            before = upper;
+        }
+    }
 }
 
 // False when there is no scratch memory.
 bool interpolate(const Resizing& r, const Rectangle& part)
 {
-    Columns<Interpolation> columns(r.srcWidth, r.dstWidth);
-    if (!columns.exists())
+    if (part.left == part.right || part.top == part.bottom)
+        return true;
+    const size_t height = part.bottom - part.top;
+    const InterpolatedColumns columns(columnsOf(r), part.left, part.right);
+    const Scratch<RowBetween> rows(height);
+    if (!columns.exists() || !rows)
         return false;
-    Positions column(columnsOf(r));
-    for (size_t x = 0; x < r.dstWidth; ++x, column.next())
-        columns.set(x, 0, inside(column.pixel(), r.srcWidth), 0,
-                    column.pixel() < 0 ? 0 : static_cast<int32_t>(column.fraction()));
-    columns.finish();
-
-    ScaledRows<Interpolation, 1 + kMostInBatch> rows(r, columns);
-    if (!rows.exists())
-        return false;
-    Positions row(rowsOf(r));
-    for (size_t y = 0; y < part.bottom; ++y, row.next()) {
-        if (y < part.top)
-            continue;
-        const size_t upper = inside(row.pixel(), r.srcHeight);
-        const size_t lower = row.fraction() ? inside(row.pixel() + 1, r.srcHeight) : upper;
-        const int16_t* const upperRow = rows.at(upper);
-        const int16_t* const lowerRow = rows.at(lower);
-        interpolateRows(part.right - part.left, upperRow + part.left, lowerRow + part.left, row.fraction(),
-                        targetRow(r, y) + part.left);
-    }
+    findRows(r, part.top, height, rows.get());
+    for (size_t y = 0; y < height; y += kRowsOfStrip)
+        columns.put({&rows[y], least(kRowsOfStrip, height - y), targetRow(r, part.top + y) + part.left, r.dstStride});
     return true;
 }
 
@@ -412,110 +621,115 @@ void scaleCubic(const Resizing& r, uint32_t pixelSize)
 
 // ---- nearest --------------------------------------------------------------------------------------------------------
 
-// For each byte of a row its byte of the source, and the windows in which that is.
+// For each byte of a row its byte of the source. Every window of the source makes as many columns as the poorest does,
+// but a whole vector is stored: the next columns overwrite what is too much.
 class Places
 {
 public:
-    Places(size_t rowBytes, size_t columns)
-        : m_rowBytes(rowBytes), m_steps((columns + kBytes - 1) / kBytes), m_places(m_steps, kBytes),
-          m_offsets(m_steps, kWindowsOfStep), m_laterOffsets(m_steps, kWindowsOfStep), m_indices(m_steps, kBytes)
-    {
-    }
-    bool exists() const { return m_places && m_offsets && m_laterOffsets && m_indices; }
-    void fill(Axis axis);
-    // `ahead` bytes from `dst` on is where the next row goes, 0: that will be in the cache.
-    void pick(const uint8_t* row, size_t columns, uint8_t* dst, size_t ahead) const;
+    explicit Places(Axis axis) : Places(axis, AheadOfWindow(pixelsAtCentres(axis))) {}
+    bool exists() const { return static_cast<bool>(m_steps); }
+    void pick(const uint8_t* row, uint8_t* dst) const;
 
 private:
-    enum class From { places, windows, wideWindows, twoWideWindows };
+    using AheadOfWindow = Ahead<kWindow, 0>;
+    struct alignas(kBytes) Step
+    {
+        uint8_t indices[kBytes];
+        uint32_t offsets[kWindowsOfStep];
+    };
 
+    Places(Axis axis, const AheadOfWindow& ahead);
+    static size_t columnsIn(size_t bytes, const AheadOfWindow& ahead);
+    static bool isWide(Axis axis, const AheadOfWindow& ahead);
+    size_t bytesOfStep() const { return (kWindowsOfStep - 1) * m_columns + kWindow; } // which are stored
+    void fill(const AheadOfWindow& ahead);
     template <size_t n>
-    bool makeWindow(size_t first, size_t count, uint32_t& offset);
-    template <size_t n>
-    bool makeWindows();
-    bool makeTwoWindows();
+    RVK_INLINE void pickFromWindows(const uint8_t* row, uint8_t* dst) const;
 
-    size_t m_rowBytes, m_steps;
-    Scratch<uint32_t> m_places;
-    Scratch<uint32_t> m_offsets, m_laterOffsets; // of windows; of those of the later half of the lanes
-    Scratch<uint8_t> m_indices;
-    From m_from = From::places;
+    Axis m_axis;
+    bool m_isWide;       // windows are two kWindow wide, not one
+    size_t m_columns;    // of a window
+    size_t m_wholeSteps; // that may store more than their columns
+    Scratch<Step> m_steps;
 };
 
-void Places::fill(Axis axis)
+Places::Places(Axis axis, const AheadOfWindow& ahead)
+    : m_axis(axis), m_isWide(isWide(axis, ahead)), m_columns(columnsIn((m_isWide ? 2 : 1) * kWindow, ahead)),
+      m_wholeSteps(axis.to < bytesOfStep() ? 0 : (axis.to - bytesOfStep()) / (m_columns * kWindowsOfStep) + 1),
+      m_steps(roundedUp(axis.to, m_columns * kWindowsOfStep) / (m_columns * kWindowsOfStep))
 {
-    Quotients pixel = pixelsAtCentres(axis);
-    for (size_t x = 0; x < m_steps * kBytes; ++x, pixel.next())
-        m_places[x] = static_cast<uint32_t>(inside(pixel.value(), axis.from));
-    m_from = makeWindows<1>()   ? From::windows
-             : makeWindows<2>() ? From::wideWindows
-             : makeTwoWindows() ? From::twoWideWindows
-                                : From::places;
+    if (exists())
+        fill(ahead);
 }
 
-// A window n * kWindow wide for these columns, if it holds their pixels.
-template <size_t n>
-bool Places::makeWindow(size_t first, size_t count, uint32_t& offset)
+// How many columns are made of so many bytes wherever they begin: one or more.
+size_t Places::columnsIn(size_t bytes, const AheadOfWindow& ahead)
 {
-    const uint32_t* const places = &m_places[first];
-    if (m_rowBytes < n * kWindow || places[count - 1] - places[0] >= n * kWindow)
-        return false;
-    offset = static_cast<uint32_t>(least(places[0], m_rowBytes - n * kWindow));
-    for (size_t i = 0; i < count; ++i)
-        m_indices[first + i] = static_cast<uint8_t>(places[i] - offset);
-    return true;
+    size_t columns = kWindow;
+    while (ahead.pixels[columns - 1] + (ahead.enough[columns - 1] < ahead.enough[0]) >= bytes)
+        --columns;
+    return columns;
 }
 
-template <size_t n>
-bool Places::makeWindows()
+// They are where they make more columns for what they cost.
+bool Places::isWide(Axis axis, const AheadOfWindow& ahead)
 {
-    bool hold = true;
-    for (size_t i = 0; hold && i < m_steps * kWindowsOfStep; ++i)
-        hold = makeWindow<n>(i * kWindow, kWindow, m_offsets[i]);
-    return hold;
+    return axis.from >= 2 * kWindow &&
+           columnsIn(2 * kWindow, ahead) * 8 > columnsIn(kWindow, ahead) * kEighthsOfWideWindow;
 }
 
-bool Places::makeTwoWindows()
+RVK_NOINLINE void Places::fill(const AheadOfWindow& ahead)
 {
-    constexpr size_t half = kWindow / 2;
-    bool hold = true;
-    for (size_t i = 0; hold && i < m_steps * kWindowsOfStep; ++i)
-        hold = makeWindow<2>(i * kWindow, half, m_offsets[i]) &&
-               makeWindow<2>(i * kWindow + half, half, m_laterOffsets[i]);
-    return hold;
+    const size_t bytes = m_isWide ? 2 * kWindow : kWindow, lastWindow = m_axis.from < bytes ? 0 : m_axis.from - bytes;
+    Quotients first = pixelsAtCentres(m_axis, m_columns);
+    for (size_t x = 0, step = 0; x < m_axis.to; x += m_columns * kWindowsOfStep, ++step)
+        for (size_t window = 0; window < kWindowsOfStep; ++window, first.next()) {
+            const size_t offset = least(static_cast<size_t>(first.value()), lastWindow);
+            const uint32_t index = static_cast<uint32_t>(first.value() - static_cast<int64_t>(offset));
+            const uint32_t rest = static_cast<uint32_t>(first.rest());
+            uint8_t* __restrict const indices = m_steps[step].indices + window * kWindow;
+            m_steps[step].offsets[window] = static_cast<uint32_t>(offset);
+            for (size_t i = 0; i < kWindow; ++i)
+                indices[i] = static_cast<uint8_t>(index + ahead.pixels[i] + (rest >= ahead.enough[i]));
+        }
 }
 
-RVK_NOINLINE void Places::pick(const uint8_t* row, size_t columns, uint8_t* dst, size_t ahead) const
+// The columns of each window at the heads of its lanes; here without what is between them.
+RVK_INLINE Vec<uint8_t> joinWindows([[maybe_unused]] size_t columns, Vec<uint8_t> v)
 {
-    const auto fetchNext = [=](size_t x) RVK_INLINE_LAMBDA {
-        if (ahead)
-            prefetch(dst + x + ahead, kBytes);
-    };
-    const uint32_t *const offsets = m_offsets.get(), *const laterOffsets = m_laterOffsets.get();
-    const uint8_t* const indices = m_indices.get();
-    if (m_from == From::windows) {
-        mapColumns(0, columns, dst, [=](size_t x) RVK_INLINE_LAMBDA {
-            fetchNext(x);
-            return lookupWindows<1>(row, offsets + x / kWindow, load(indices + x));
-        });
-    } else if (m_from == From::wideWindows) {
-        mapColumns(0, columns, dst, [=](size_t x) RVK_INLINE_LAMBDA {
-            fetchNext(x);
-            return lookupWindows<2>(row, offsets + x / kWindow, load(indices + x));
-        });
-    } else if (m_from == From::twoWideWindows) {
-        const Vec<uint8_t> lane = iota<uint8_t>() & splat<uint8_t>(kWindow - 1);
-        const Mask<uint8_t> isLater = equal(lane & splat<uint8_t>(kWindow / 2), splat<uint8_t>(kWindow / 2));
-        mapColumns(0, columns, dst, [=](size_t x) RVK_INLINE_LAMBDA {
-            const Vec<uint8_t> here = load(indices + x);
-            return select(isLater, lookupWindows<2>(row, laterOffsets + x / kWindow, here),
-                          lookupWindows<2>(row, offsets + x / kWindow, here));
-        });
+    if constexpr (kWindowsOfStep == 1) {
+        return v;
     } else {
-        const uint32_t* const places = m_places.get();
-        for (size_t x = 0; x < columns; ++x)
-            dst[x] = row[places[x]];
+        uint8_t joined[2 * kBytes];
+        storeWindows(joined, columns, v);
+        return load(joined);
     }
+}
+
+template <size_t n>
+RVK_INLINE void Places::pickFromWindows(const uint8_t* row, uint8_t* dst) const
+{
+    const size_t apart = m_columns, columns = apart * kWindowsOfStep; // of a step
+    const Step* step = m_steps.get();
+    const auto pickStep = [=](const Step* from)
+                              RVK_INLINE_LAMBDA { return lookupWindows<n>(row, from->offsets, load(from->indices)); };
+    for (size_t steps = m_wholeSteps; steps; --steps, ++step, dst += columns)
+        storeWindows(dst, apart, pickStep(step));
+    for (size_t left = m_axis.to - m_wholeSteps * columns, count; left; left -= count, ++step, dst += count) {
+        count = least(left, columns);
+        storePartial(dst, joinWindows(apart, pickStep(step)), count);
+    }
+}
+
+RVK_NOINLINE void Places::pick(const uint8_t* row, uint8_t* dst) const
+{
+    uint8_t padded[kWindow] = {};
+    if (m_axis.from < kWindow)
+        row = static_cast<uint8_t*>(__builtin_memcpy(padded, row, m_axis.from));
+    if (m_isWide)
+        pickFromWindows<2>(row, dst);
+    else
+        pickFromWindows<1>(row, dst);
 }
 
 void scaleNearest(const Resizing& r)
@@ -524,21 +738,17 @@ void scaleNearest(const Resizing& r)
         copyRows(r, 1);
         return;
     }
-    Places places(r.srcWidth, r.dstWidth);
-    const bool hasPlaces = places.exists();
-    if (hasPlaces)
-        places.fill(columnsOf(r));
+    const Places places(columnsOf(r));
     Quotients row = pixelsAtCentres(rowsOf(r));
-    // A destination that outgrows the second-level cache waits for its lines otherwise.
-    const size_t ahead = size_t{r.dstStride} * r.dstHeight > (size_t{1} << 20) ? r.dstStride : 0;
     int64_t previous = -1;
     for (size_t y = 0; y < r.dstHeight; ++y, row.next()) {
         const uint8_t* const src = sourceRow(r, static_cast<size_t>(row.value()));
         uint8_t* const dst = targetRow(r, y);
         if (row.value() == previous) {
             __builtin_memcpy(dst, targetRow(r, y - 1), r.dstWidth);
-        } else if (hasPlaces) {
-            places.pick(src, r.dstWidth, dst, ahead);
+        } else if (places.exists()) {
+            prefetch(dst + r.dstStride, r.dstWidth); // stores would wait for the lines of the next row
+            places.pick(src, dst);
         } else {
             Quotients column = pixelsAtCentres(columnsOf(r));
             for (size_t x = 0; x < r.dstWidth; ++x, column.next())

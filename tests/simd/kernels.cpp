@@ -406,6 +406,23 @@ constexpr SimdOperation lookingUpWindows(const char* name)
         });
 }
 
+// Windows of so many bytes, of which the next one overwrites what is too much.
+constexpr SimdOperation storingWindows()
+{
+    constexpr size_t apart = kWindow - 4, windows = kBytes / kWindow;
+    return mapping<uint8_t, uint8_t, kBytes, kBytes>(
+        "storeWindows",
+        [](const uint8_t* in, uint8_t* out) {
+            uint8_t stored[2 * kBytes] = {};
+            storeWindows(stored, apart, load(in));
+            store(out, load(stored));
+        },
+        [](const uint8_t* in, size_t i) {
+            const size_t window = least(i / apart, windows - 1), lane = i - window * apart;
+            return lane < kWindow ? in[window * kWindow + lane] : uint8_t{0};
+        });
+}
+
 // Blocks of 16 bytes, each from one behind where a byte says on.
 constexpr SimdOperation loadingBlocks()
 {
@@ -602,6 +619,7 @@ SimdGroup single()
         loadingBlocks(),
         lookingUpWindows<1>("lookupWindows<1>"),
         lookingUpWindows<2>("lookupWindows<2>"),
+        storingWindows(),
         mapping<uint8_t, uint8_t, 256 + kLanes<uint8_t>, kLanes<uint8_t>>(
             "lookup",
             [](const uint8_t* in, uint8_t* out) {

@@ -770,6 +770,7 @@ RVK_INLINE Vec<uint8_t> loadEach16(const uint8_t* const* p, ptrdiff_t offset) { 
 
 // Bytes of a row, chosen from a window of it of n * kWindow bytes, which begins at the offset.
 constexpr size_t kWindow = 16;
+constexpr size_t kEighthsOfWideWindow = 9; // of one of kWindow: what their pixels cost, and the loop around them
 template <size_t n>
 RVK_INLINE Vec<uint8_t> lookupWindows(const uint8_t* row, const uint32_t* offsets, Vec<uint8_t> indices)
 {
@@ -779,6 +780,7 @@ RVK_INLINE Vec<uint8_t> lookupWindows(const uint8_t* row, const uint32_t* offset
     else
         return lookup32(loadTable32(row + offsets[0]), indices);
 }
+RVK_INLINE void storeWindows(uint8_t* p, size_t, Vec<uint8_t> v) { store(p, v); }
 
 // Set bits of a machine word, for which 32-bit Arm has no instruction outside the vector unit, and from how many bytes
 // on those of vectors are counted faster.

@@ -83,6 +83,7 @@
 //             one is in use
 //             lookupWindows<n>(row, offsets, indices): u8; lanes w * kWindow to w * kWindow + kWindow - 1 are bytes of
 //             the row, of the n * kWindow bytes from offsets[w] on those with these indices; n is 1 or 2
+//             storeWindows(p, apart, v): u8, each kWindow lanes, in order, to the places p, p + apart, ...
 // Scattered   gatherBytes, gatherPairs(p, split offsets below 2^31) -> u16: the byte, or the two bytes, at p + offset;
 //             kGatherReach: bytes from there on that may be read, 2 or more. gatherWords(p, offsets) -> u32: four bytes
 // Sums        addNeighbours(v): u8 to u16, v[2i] + v[2i + 1]; addNeighboursTo(acc, v): u8 to u16, s16 to s32;

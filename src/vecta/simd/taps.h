@@ -32,6 +32,9 @@ struct TapsOfStep
 #else
     int16_t weights[2][kColumns];
 #endif
+#if defined(__aarch64__)
+    uint8_t indicesOfWords[2][kBytes]; // of the first and of the second bytes, as upper bytes of words
+#endif
 };
 
 // Each kind of sum has setWeights, which puts the weights of one pair of each column into the table, and sum, which
@@ -80,6 +83,25 @@ struct Interpolation
         return multiplyRounded(upper - lower, weight) - upper;
     }
 #else
+#if defined(__aarch64__)
+    // A second look-up gives words where halves of bytes would have to be widened: lanes without an index become 0.
+    RVK_INLINE static void setWeights(TapsOfStep& taps, Vec<int16_t>, Vec<int16_t> weight)
+    {
+        store(taps.weights[0], shiftLeft(weight, 2));
+        store(taps.indicesOfWords[0], zip(splat<uint8_t>(255), load(taps.indices)));
+    }
+    RVK_INLINE static Vec<int16_t> sum(const Vecs<uint8_t, 2>& words, const TapsOfStep* taps)
+    {
+        const uint16x8_t first = reg(bitCast<uint16_t>(words[0])), second = reg(bitCast<uint16_t>(words[1]));
+        const Vec<int16_t> difference = vec(vreinterpretq_s16_u16(vhsubq_u16(second, first)));
+        const int16x8_t part = reg(multiplyRounded(difference, load(taps->weights[0])));
+        return vec(vreinterpretq_s16_u16(vsraq_n_u16(vreinterpretq_u16_s16(part), first, 1)));
+    }
+    RVK_INLINE static Vec<int16_t> sum(const Vecs<uint8_t, 1>& pixels, const TapsOfStep* taps)
+    {
+        return sum(zip(zero<uint8_t>(), pixels[0]), taps);
+    }
+#else
     RVK_INLINE static void setWeights(TapsOfStep& taps, Vec<int16_t>, Vec<int16_t> weight)
     {
         store(taps.weights[0], shiftLeft(weight, 2));
@@ -90,6 +112,7 @@ struct Interpolation
         const Vec<int16_t> second = vec(vreinterpretq_s16_u16(vshll_n_u8(highHalf(pixels[0]), 7)));
         return first + multiplyRounded(second - first, load(taps->weights[0]));
     }
+#endif
     RVK_INLINE static Vec<int16_t> between(Vec<int16_t> upper, Vec<int16_t> lower, Vec<int16_t> weight)
     {
         return upper + multiplyRounded(lower - upper, weight);
@@ -278,6 +301,16 @@ RVK_INLINE void storeColumns(uint8_t* p, const Vecs<uint16_t, 2>& first, const V
 
 constexpr size_t kWindowsOfStep = kBytes / kWindow;
 
+// Strips of columns that are walked down: as many steps as leave registers enough, and rows of the destination. With more
+// rows, more pages are read at a time than x86 follows; elsewhere the beginning of a strip weighs more.
+#if defined(__aarch64__)
+constexpr size_t kStepsOfStrip = 4, kRowsOfStrip = 32;
+#elif defined(__ARM_NEON)
+constexpr size_t kStepsOfStrip = 2, kRowsOfStrip = 32;
+#else
+constexpr size_t kStepsOfStrip = 2, kRowsOfStrip = 16;
+#endif
+
 // Rows of the source that are scaled at once: they share what is read from the table.
 constexpr size_t kMostInBatch = 4;
 struct RowBatch
@@ -300,9 +333,9 @@ class ColumnTable
 public:
     // The bytes of a pair are `apart` from each other, but for those whose second one would be beyond the row: there it
     // is the first one again.
-    ColumnTable(size_t rowBytes, size_t apart, size_t columns, size_t pairs)
+    ColumnTable(size_t rowBytes, size_t apart, size_t columns, size_t pairs, size_t stepsAtOnce)
         : m_rowBytes(rowBytes), m_apart(apart), m_columns(columns), m_pairs(pairs),
-          m_steps((columns + kColumns - 1) / kColumns), m_given(m_steps, pairs),
+          m_steps(roundedUp(columns, stepsAtOnce * kColumns) / kColumns), m_given(m_steps, pairs),
           m_offsets(m_steps * pairs, kWindowsOfStep), m_taps(m_steps, pairs)
     {
     }
@@ -312,11 +345,13 @@ public:
     // One pair of a column: where its first byte is, and the weights.
     RVK_INLINE void set(size_t column, size_t pair, size_t place, int32_t weight0, int32_t weight1)
     {
-        PairsOfStep& p = m_given[column / kColumns * m_pairs + pair];
+        PairsOfStep& p = pairsOfStep(column / kColumns, pair);
         p.places[column % kColumns] = static_cast<uint32_t>(place);
         p.weights[0][column % kColumns] = static_cast<int16_t>(weight0);
         p.weights[1][column % kColumns] = static_cast<int16_t>(weight1);
     }
+    // The same of all columns of a step.
+    RVK_INLINE PairsOfStep& pairsOfStep(size_t step, size_t pair = 0) { return m_given[step * m_pairs + pair]; }
 
 protected:
     // After the last column was set.
@@ -383,7 +418,10 @@ template <class Sum>
 class Columns : public ColumnTable
 {
 public:
-    Columns(size_t rowBytes, size_t columns, size_t apart = 1) : ColumnTable(rowBytes, apart, columns, Sum::pairs) {}
+    Columns(size_t rowBytes, size_t columns, size_t apart = 1, size_t stepsAtOnce = 1)
+        : ColumnTable(rowBytes, apart, columns, Sum::pairs, stepsAtOnce)
+    {
+    }
     // A scaled row.
     size_t values() const { return m_steps * kValues; }
 
@@ -428,14 +466,22 @@ RVK_INLINE void Columns<Sum>::sumSteps(const RowBatch& batch, Fetch fetch) const
 }
 
 // The pairs of a step, from windows n * kWindow wide.
-template <size_t n, size_t pairs>
-RVK_INLINE Vecs<uint8_t, pairs> fetchFromWindows(const uint8_t* row, const uint32_t* offsets, const TapsOfStep* taps)
+template <size_t n, class Sum>
+RVK_INLINE auto fetchFromWindows(const uint8_t* row, const uint32_t* offsets, const TapsOfStep* taps)
 {
-    Vecs<uint8_t, pairs> pixels;
-    unrolled<pairs>([&](auto i) RVK_INLINE_LAMBDA {
-        pixels[i] = lookupWindows<n>(row, offsets + i * kWindowsOfStep, load(taps[i].indices));
-    });
-    return pixels;
+#if defined(__aarch64__)
+    if constexpr (isSame<Sum, Interpolation>)
+        return Vecs<uint8_t, 2>{lookupWindows<n>(row, offsets, load(taps->indicesOfWords[0])),
+                                lookupWindows<n>(row, offsets, load(taps->indicesOfWords[1]))};
+    else
+#endif
+    {
+        Vecs<uint8_t, Sum::pairs> pixels;
+        unrolled<Sum::pairs>([&](auto i) RVK_INLINE_LAMBDA {
+            pixels[i] = lookupWindows<n>(row, offsets + i * kWindowsOfStep, load(taps[i].indices));
+        });
+        return pixels;
+    }
 }
 
 template <class Sum>
@@ -446,11 +492,11 @@ RVK_NOINLINE void Columns<Sum>::sumWholeWindows(const RowBatch& batch) const
     const uint32_t* const offsets = m_offsets.get();
     if (m_windowSize == 1)
         sumSteps<rows>(batch, [=](const uint8_t* row, size_t step, const TapsOfStep* taps) RVK_INLINE_LAMBDA {
-            return fetchFromWindows<1, Sum::pairs>(row, offsets + step * windows, taps);
+            return fetchFromWindows<1, Sum>(row, offsets + step * windows, taps);
         });
     else if (m_windowSize == 2)
         sumSteps<rows>(batch, [=](const uint8_t* row, size_t step, const TapsOfStep* taps) RVK_INLINE_LAMBDA {
-            return fetchFromWindows<2, Sum::pairs>(row, offsets + step * windows, taps);
+            return fetchFromWindows<2, Sum>(row, offsets + step * windows, taps);
         });
     else
         sumSteps<rows>(batch, [this](const uint8_t* row, size_t step, const TapsOfStep*) RVK_INLINE_LAMBDA {

@@ -949,6 +949,9 @@ RVK_INLINE Vec<uint8_t> loadWindows(const uint8_t* row, const uint32_t* offsets)
 }
 #endif
 
+// What lookupWindows<2> and the loop around it cost, in eighths of lookupWindows<1>.
+constexpr size_t kEighthsOfWideWindow = 12;
+
 template <size_t n>
 RVK_INLINE Vec<uint8_t> lookupWindows(const uint8_t* row, const uint32_t* offsets, Vec<uint8_t> indices)
 {
@@ -966,6 +969,16 @@ RVK_INLINE Vec<uint8_t> lookupWindows(const uint8_t* row, const uint32_t* offset
     const Vec<uint8_t> high = lookup16(loadWindows(row + kWindow, offsets), indices);
     const Vec<uint16_t> isHigh = shiftLeft(bitCast<uint16_t>(indices), 3); // the upper bits of bytes
     return vec<uint8_t>(RVK_MM(blendv_epi8)(reg(low), reg(high), reg(isHigh)));
+#endif
+}
+
+RVK_INLINE void storeWindows(uint8_t* p, [[maybe_unused]] size_t apart, Vec<uint8_t> v)
+{
+#if defined(__AVX2__) && !RVK_AVX512
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(p), _mm256_castsi256_si128(reg(v)));
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(p + apart), _mm256_extracti128_si256(reg(v), 1));
+#else
+    store(p, v);
 #endif
 }
 
