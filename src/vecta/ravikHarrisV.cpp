@@ -135,9 +135,10 @@ struct Tile
 
     alignas(kBytes) int16_t products[kRows * kProducts * kPitch];
 
-    RVK_INLINE explicit Tile(size_t rows)
+    RVK_INLINE explicit Tile(size_t rows) // at the left edge
     {
-        __builtin_memset(products, 0, rows * kProducts * kPitch * sizeof *products);
+        for (size_t i = 0; i < rows * kProducts; ++i)
+            store(products + i * kPitch, zero<int16_t>());
     }
     RVK_INLINE Plane<int16_t> row(size_t y)
     {
