@@ -78,6 +78,20 @@ TEST(Glbp, VectorsDecideAsTheReferenceOnDiagonals)
     });
 }
 
+// Columns of vectors that end with the picture, or overlap, in blocks of rows.
+TEST(Glbp, VectorsMeetTheEndsOfPictures)
+{
+    forEachVecta<Slot::rvkGLBPu8>([](const char* name, auto function) {
+        Random random(3);
+        for (const uint32_t width : {16u, 17u, 18u, 33u, 34u, 64u, 65u, 66u, 67u, 129u, 130u, 200u})
+            for (const uint32_t height : {3u, 26u, 27u, 70u}) {
+                const auto src = pictureOf<uint8_t>(width, height, [&](int, int) { return random.below(256); });
+                EXPECT_EQ(codesOf(function, src, 1, 8), codesOf(referenceOf<Slot::rvkGLBPu8>(), src, 1, 8))
+                    << name << ", " << width << " x " << height;
+            }
+    });
+}
+
 // A point below at R rows less R / 32768 lies between two rows; the upper one decides where the lower equals the centre,
 // until it has a part of its own.
 TEST(Glbp, PointsBesideARow)

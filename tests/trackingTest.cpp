@@ -165,19 +165,30 @@ TEST(MeanShift, MovesToTheCentreOfMass)
     expectMeanShift<Slot::rvkMeanShiftf32, float>();
 }
 
-// Sums of parts: a block far from the upper left corner, and the largest bytes everywhere, which leave the window there.
-TEST(MeanShift, OfLargeWindows)
+// Sums of parts: a block far from the upper left corner, and a picture that is the same everywhere, which leaves the
+// window there.
+template <Slot slot, class T>
+void expectShiftOfLargeWindow(T inside, T outside = 0, int toX = 200, int toY = 95) // from 1050, 150 to 1250, 245
 {
-    const Picture<uint8_t> full(2100, 300, 255);
-    const auto blob = pictureOf<uint8_t>(
-        2100, 300, [](int x, int y) { return x >= 1100 && x < 1400 && y >= 200 && y < 291 ? 255 : 0; });
-    forEachImplementation<Slot::rvkMeanShiftu8>([&](const char* name, auto function) {
+    const Picture<T> full(2100, 300, inside);
+    const auto blob = pictureOf<T>(
+        2100, 300, [=](int x, int y) { return x >= 1100 && x < 1401 && y >= 200 && y < 291 ? inside : outside; });
+    forEachImplementation<slot>([&](const char* name, auto function) {
         rvkRectangle w = {0, 0, 2100, 300};
         EXPECT_EQ(shift(function, full, w, 1), 1u);
         expectWindow(w, 0, 0, 2100, 300, name);
         EXPECT_EQ(shift(function, blob, w, 1), 1u);
-        expectWindow(w, 200, 95, 2100, 300, name); // from 1050, 150 to 1249.5, 245
+        expectWindow(w, toX, toY, 2100, 300, name);
     });
+}
+
+TEST(MeanShift, OfLargeWindows)
+{
+    expectShiftOfLargeWindow<Slot::rvkMeanShiftu8, uint8_t>(255);
+    expectShiftOfLargeWindow<Slot::rvkMeanShifts32, int32_t>(INT32_MAX);
+    expectShiftOfLargeWindow<Slot::rvkMeanShifts32, int32_t>(INT32_MIN);
+    expectShiftOfLargeWindow<Slot::rvkMeanShifts32, int32_t>(-24, -1, 100, 47); // half of the mass is the block's
+    expectShiftOfLargeWindow<Slot::rvkMeanShiftf32, float>(1e20f);
 }
 
 // Rounds are at most 16 long here: what is left of a large number of steps after whole rounds gives the same.
