@@ -1,7 +1,8 @@
 // Vector implementations of the scalers of any ratio.
 //
 // Which pixels make a column, and with which weights, is worked out once and kept in a table. A row of the source is
-// scaled across by it once; rows of the destination are made of those, of which a ring is kept.
+// scaled across by it once; rows of the destination are made of those, of which a ring is kept, or, of bilinear ones,
+// registers.
 #include "cpu/ravikResizeC.h"
 #include "scratch.h"
 #include "vecta/simd/blocks.h"

@@ -301,14 +301,12 @@ RVK_INLINE void storeColumns(uint8_t* p, const Vecs<uint16_t, 2>& first, const V
 
 constexpr size_t kWindowsOfStep = kBytes / kWindow;
 
-// Strips of columns that are walked down: as many steps as leave registers enough, and rows of the destination. With more
-// rows, more pages are read at a time than x86 follows; elsewhere the beginning of a strip weighs more.
+// Strips of columns that are walked down: as many steps as leave registers enough, and so many rows of the destination.
+// More rows are on more pages than are fetched ahead of at a time; fewer are soon done where strips are narrow.
 #if defined(__aarch64__)
 constexpr size_t kStepsOfStrip = 4, kRowsOfStrip = 32;
-#elif defined(__ARM_NEON)
-constexpr size_t kStepsOfStrip = 2, kRowsOfStrip = 32;
 #else
-constexpr size_t kStepsOfStrip = 2, kRowsOfStrip = 16;
+constexpr size_t kStepsOfStrip = 2, kRowsOfStrip = kBytes == 64 ? 16 : 32;
 #endif
 
 // Rows of the source that are scaled at once: they share what is read from the table.

@@ -950,7 +950,7 @@ RVK_INLINE Vec<uint8_t> loadWindows(const uint8_t* row, const uint32_t* offsets)
 #endif
 
 // What lookupWindows<2> and the loop around it cost, in eighths of lookupWindows<1>.
-constexpr size_t kEighthsOfWideWindow = 12;
+constexpr size_t kEighthsOfWideWindow = RVK_AVX512 ? 12 : 10;
 
 template <size_t n>
 RVK_INLINE Vec<uint8_t> lookupWindows(const uint8_t* row, const uint32_t* offsets, Vec<uint8_t> indices)
