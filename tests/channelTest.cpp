@@ -189,7 +189,7 @@ TEST(ChannelKernels, GiveTheBytesOrMeansTheyAreNamedForInBothModes)
 
 // ---- pictures larger than the caches, which some processors write past them -----------------------------------------
 
-constexpr uint32_t kWidth = 1024 * 1024 + 77, kHeight = 3;
+constexpr uint32_t kWidth = 1024 * 1024 + 77, kHeight = 6;
 constexpr size_t kSourceStride = kWidth + 3;
 
 std::vector<uint8_t> drawnBytes(size_t size)

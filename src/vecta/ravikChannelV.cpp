@@ -76,9 +76,6 @@ RVK_INLINE bool allPacked(const Plane (&planes)[count], size_t rowBytes)
     return packed;
 }
 
-// More bytes than second-level caches hold.
-constexpr size_t kLargePicture = size_t{3} << 20;
-
 // Planes of `width` pixels; a plane has `height` rows, or half of them where the other side has two for each of its
 // own. Rows without gaps are walked as one.
 template <class Step, size_t sources, size_t targets>
@@ -86,7 +83,7 @@ RVK_NOINLINE void mapPlanes(size_t width, size_t height, const SourcePlane (&src
                             const TargetPlane (&dst)[targets])
 {
     constexpr size_t srcRows = Step::halvesY ? 2 : 1, dstRows = Step::doublesY ? 2 : 1, rows = srcRows * dstRows;
-    const bool isLarge = targets * targetBytes<Step>(width) * height >= kLargePicture;
+    const bool isLarge = pastCachesIsFaster(targets * targetBytes<Step>(width) * height);
     if (rows == 1 && width % Step::pixels == 0 && allPacked(src, sourceBytes<Step>(width)) &&
         allPacked(dst, targetBytes<Step>(width))) {
         width *= height;

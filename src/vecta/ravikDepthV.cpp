@@ -106,12 +106,11 @@ rvkStatus rvkConvertDepthImageToPointCloudf32V(const float32_t* src, uint32_t sr
                                                uint32_t srcStride, const float32_t* camera, float32_t* dst,
                                                uint32_t dstStride)
 {
-    constexpr uint32_t mostPixels = 1 << 24;           // in a direction: floats hold their numbers
-    constexpr uint64_t largeCloud = uint64_t{3} << 20; // more bytes than second-level caches hold
+    constexpr uint32_t mostPixels = 1 << 24; // in a direction: floats hold their numbers
     if (srcWidth > mostPixels || srcHeight > mostPixels || !isModerate(camera[0], camera[2]) ||
         !isModerate(camera[1], camera[3]))
         return rvkConvertDepthImageToPointCloudf32C(src, srcWidth, srcHeight, srcStride, camera, dst, dstStride);
-    const bool isLarge = kWritesPastCaches && uint64_t{srcWidth} * srcHeight * 3 * sizeof(float) >= largeCloud;
+    const bool isLarge = pastCachesIsFaster(uint64_t{srcWidth} * srcHeight * 3 * sizeof(float));
     for (uint32_t y = 0; y < srcHeight; ++y) {
         const float* const depths = Plane{src, srcStride}.row(y);
         float* const points = Plane{dst, dstStride}.row(y);

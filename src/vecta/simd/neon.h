@@ -1152,6 +1152,7 @@ RVK_INLINE void store2Twice(uint8_t* p, const Vecs<uint8_t, 2>& v)
 // ---- copies of what is too large for the caches: there are no stores past them --------------------------------------
 
 constexpr bool kWritesPastCaches = false;
+constexpr bool pastCachesIsFaster(uint64_t) { return false; }
 
 RVK_INLINE void copyPastCaches(const uint8_t* from, uint8_t* to, size_t n) { __builtin_memcpy(to, from, n); }
 RVK_INLINE void storeInterleavedPastCaches(uint8_t* p, const Vecs<uint8_t, 2>& v) { store2(p, v); }

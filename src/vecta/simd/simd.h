@@ -20,8 +20,9 @@
 //             no such thing, all lanes, those of `others` where false; returns how many. Writes a vector
 //             storeTwice<T>(p, v): u8, each element of T, 8 or 16 bits, twice; store2Twice(p, vs): each pair twice
 //             copyPastCaches(from, to, n): of what will not be found in the caches again; kWritesPastCaches: whether
-//             that is any different; storeInterleavedPastCaches(p, vs): store2, store3, store4 to an address of whole
-//             registers; finishWritesPastCaches() after the last one
+//             that is any different; pastCachesIsFaster(n): whether to do so with n bytes;
+//             storeInterleavedPastCaches(p, vs): store2, store3, store4 to an address of whole registers;
+//             finishWritesPastCaches() after the last one
 //             prefetch(p, n): n elements are wanted soon; nothing on Arm, where it takes instructions that filters feel
 // Constants   splat(x), zero<T>(), iota<T>(): 0, 1, 2, ...
 // Arithmetic  + - * (integers wrap; * of bytes is slow), & | ^ ~, shiftLeft, shiftRight(v, count): count < width of T
