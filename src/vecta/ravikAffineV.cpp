@@ -1,6 +1,7 @@
 // Vector implementations of the transforms.
 #include "cpu/ravikAffineC.h"
 #include "scratch.h"
+#include "vecta/simd/boxes.h"
 #include "vecta/simd/tiles.h"
 #include "vecta/simd/words.h"
 #include "vecta/vecta.h"
@@ -247,6 +248,7 @@ public:
         const auto beyondAnchor = static_cast<int64_t>(k % kClippedAnchors);
         return ((m_start + (static_cast<int64_t>(k) - beyondAnchor) * m_step) >> 16) + beyondAnchor * m_carried;
     }
+    RVK_INLINE int64_t carried() const { return m_carried; }
     // From pixel k on, a multiple of the number of elements, and so much more.
     RVK_INLINE Vecs<uint32_t, vectors> from(size_t k, uint32_t more = 0) const
     {
@@ -276,6 +278,24 @@ struct Interior
             other(static_cast<uint32_t>(end - 1));
     }
 };
+
+// Samples these, one byte each, by steps that begin at multiples of their size: whole(k, p) writes one to p, and so
+// does partial(k, p) where some of its positions are none of these.
+template <size_t step, class Whole, class Partial>
+RVK_INLINE void sampleSteps(const Interior& interior, uint8_t* dst, Whole whole, Partial partial)
+{
+    const auto [first, end] = interior;
+    for (size_t k = first / step * step; k < end; k += step) {
+        for (; k >= first && k + step <= end; k += step) // without calls, so that constants stay in registers
+            whole(k, dst + k);
+        if (k >= end)
+            break;
+        uint8_t pixels[step];
+        partial(k, pixels);
+        const size_t from = k < first ? first - k : 0;
+        __builtin_memcpy(dst + k + from, pixels + from, least(end - k, step) - from);
+    }
+}
 
 // A picture with each pixel and the one below it side by side, in scratch memory: 32 bits are all four neighbours of a
 // position, of the last column and row as well.
@@ -327,6 +347,12 @@ private:
 
 enum class Reading { nearest, bilinear, bilinearOfPairs };
 
+#if defined(__AVX512VNNI__)
+// From which bit of their words on the values are.
+template <Reading reading>
+constexpr unsigned kValueBits = reading == Reading::nearest ? 0 : kBilinearBits;
+#endif
+
 // Bytes, from the source or from its pairs of rows.
 template <Reading reading>
 class ByteSampler
@@ -353,29 +379,26 @@ public:
             const int64_t atX = x.at(k), atY = y.at(k);
             return m_hasInterior && atX >= 0 && atX <= lastX && atY >= 0 && atY <= lastY;
         };
-        auto [first, end] = Interior(run, isInterior, [&](uint32_t k) RVK_INLINE_LAMBDA {
+        const Interior interior(run, isInterior, [&](uint32_t k) RVK_INLINE_LAMBDA {
             sampleOne(m_source, clippedPosition(m_source, run, k), dst + k);
         });
 
         const size_t nextOffset = nextRow * m_pitch;
-        for (size_t k = first / kStep * kStep; k < end; k += kStep) {
-            for (; k >= first && k + kStep <= end; k += kStep) // without calls, so that constants stay in registers
-                sampleStep(x.from(k, kHalf), y.from(k, kHalf), nextOffset, dst + k);
-            if (k >= end)
-                break;
-            const auto limited = [](Coordinates v, int64_t last) RVK_INLINE_LAMBDA {
-                const Vec<int32_t> most = splat(static_cast<int32_t>(last));
-                unrolled<kVectors>([&](auto i) RVK_INLINE_LAMBDA {
-                    v[i] = bitCast<uint32_t>(min(max(bitCast<int32_t>(v[i]), zero<int32_t>()), most));
-                });
-                return v;
-            };
-            uint8_t pixels[kStep];
-            sampleStep(limited(x.from(k, kHalf), lastX + kHalf), limited(y.from(k, kHalf), lastY + kHalf), nextOffset,
-                       pixels);
-            const size_t from = k < first ? first - k : 0;
-            __builtin_memcpy(dst + k + from, pixels + from, least(end - k, kStep) - from);
-        }
+        const auto limited = [](Coordinates v, int64_t last) RVK_INLINE_LAMBDA {
+            const Vec<int32_t> most = splat(static_cast<int32_t>(last));
+            unrolled<kVectors>([&](auto i) RVK_INLINE_LAMBDA {
+                v[i] = bitCast<uint32_t>(min(max(bitCast<int32_t>(v[i]), zero<int32_t>()), most));
+            });
+            return v;
+        };
+        sampleSteps<kStep>(
+            interior, dst,
+            [&](size_t k, uint8_t* p)
+                RVK_INLINE_LAMBDA { sampleStep(x.from(k, kHalf), y.from(k, kHalf), nextOffset, p); },
+            [&](size_t k, uint8_t* p) RVK_INLINE_LAMBDA {
+                sampleStep(limited(x.from(k, kHalf), lastX + kHalf), limited(y.from(k, kHalf), lastY + kHalf),
+                           nextOffset, p);
+            });
     }
 
 private:
@@ -420,7 +443,7 @@ private:
             if constexpr (reading != Reading::nearest)
                 pixels[i] = bilinearOfWords(pixels[i], x[i], y[i]);
         });
-        storeBits<reading == Reading::nearest ? 0 : kBilinearBits>(dst, pixels);
+        store(dst, takeBits<kValueBits<reading>>(pixels));
     }
 #else
     // Pixels times 128.
@@ -466,6 +489,129 @@ private:
     [[maybe_unused]] bool m_hasShortRows; // 15 bits hold the pitch
     bool m_hasInterior;
 };
+
+#if defined(__AVX512VNNI__)
+
+// Bytes, where each sixteen pixels of a row come from one box of the source.
+template <Reading reading, uint32_t boxWidth>
+class BoxSampler
+{
+public:
+    static constexpr uint32_t channels = 1;
+    static constexpr ClippedSample* sampleOne = reading == Reading::nearest ? sampleNearest : sampleBilinear;
+
+    // Whether they do: neighbours, too, are in the box that begins with the first column and row.
+    static RVK_INLINE bool fit(const ClippedSource& source, const ClippedMap& map)
+    {
+        const auto isWithin = [](double step, uint32_t size) RVK_INLINE_LAMBDA {
+            const double reach = (kLanes - 1) * step, most = size - 2.0;
+            return reach >= -most && reach <= most;
+        };
+        return source.width >= SomeBox::width && source.height >= SomeBox::height &&
+               uint64_t{source.stride} * source.height < uint64_t{1} << 32 && isWithin(map.acrossX, SomeBox::width) &&
+               isWithin(map.acrossY, SomeBox::height);
+    }
+
+    RVK_INLINE explicit BoxSampler(const ClippedSource& source) : m_source(source) {}
+
+    RVK_INLINE void sample(const ClippedRun& run, uint8_t* dst) const
+    {
+        const CarriedCoordinate<1> atX(run.x, run.stepX), atY(run.y, run.stepY);
+        const int64_t lastX = int64_t{m_source.width - 1} << 16, lastY = int64_t{m_source.height - 1} << 16;
+        const auto isInterior = [&](size_t k) RVK_INLINE_LAMBDA {
+            return atX.at(k) >= 0 && atX.at(k) <= lastX && atY.at(k) >= 0 && atY.at(k) <= lastY;
+        };
+        const Interior interior(run, isInterior, [&](uint32_t k) RVK_INLINE_LAMBDA {
+            sampleOne(m_source, clippedPosition(m_source, run, k), dst + k);
+        });
+        const Axis x(atX, m_source.width - SomeBox::width), y(atY, m_source.height - SomeBox::height);
+        const auto step = [&](size_t k, uint8_t* p) RVK_INLINE_LAMBDA { store(p, sampleStep(x, y, k)); };
+        sampleSteps<kStep>(interior, dst, step, step); // boxes are inside the source, wherever positions are
+    }
+
+private:
+    using SomeBox = Box<boxWidth>;
+    static constexpr size_t kLanes = Vec<uint32_t>::lanes, kStep = 4 * kLanes;
+    static constexpr int32_t kHalf = reading == Reading::nearest ? 32768 : 0; // added before the fraction is dropped
+
+    // Of a step's four boxes, in each four lanes: the first columns, or rows, and where in them the first pixels are.
+    struct BoxesOfStep
+    {
+        Vec<uint32_t> first, start;
+    };
+
+    // A coordinate of all pixels of a run.
+    class Axis
+    {
+    public:
+        RVK_INLINE Axis(const CarriedCoordinate<1>& coordinate, uint32_t last)
+            : m_coordinate(coordinate), m_last(splat(static_cast<int32_t>(last)))
+        {
+            const auto step = static_cast<int32_t>(coordinate.carried()),
+                       reach = static_cast<int32_t>(kLanes - 1) * step;
+            const Vec<int32_t> numbers = iota<int32_t>();
+            m_toBoxes = (numbers & splat(3)) * splat(static_cast<int32_t>(kLanes) * step) + splat(kHalf);
+            m_toLeast = splat(reach < 0 ? reach : 0);
+            m_toPixels = bitCast<uint32_t>(numbers * splat(step));
+        }
+
+        RVK_INLINE BoxesOfStep from(size_t k) const
+        {
+            const Vec<int32_t> start = splat(static_cast<int32_t>(m_coordinate.at(k))) + m_toBoxes;
+            const Vec<int32_t> first = min(max(shiftRight(start + m_toLeast, 16), zero<int32_t>()), m_last);
+            return {bitCast<uint32_t>(first), bitCast<uint32_t>(start - shiftLeft(first, 16))};
+        }
+        // Of the pixels of one box, where they are in there.
+        template <size_t box>
+        RVK_INLINE Vec<uint32_t> inBox(Vec<uint32_t> start) const
+        {
+            return shuffle(start, start, [](size_t i) { return i / 4 * 4 + box; }) + m_toPixels;
+        }
+
+    private:
+        const CarriedCoordinate<1>& m_coordinate;
+        Vec<int32_t> m_toBoxes, m_toLeast, m_last;
+        Vec<uint32_t> m_toPixels;
+    };
+
+    RVK_INLINE Vec<uint8_t> sampleStep(const Axis& x, const Axis& y, size_t k) const
+    {
+        const BoxesOfStep columns = x.from(k), rows = y.from(k);
+        const Vec<uint32_t> offsets = rows.first * splat(m_source.stride) + columns.first;
+        const uint64_t pairs[2] = {firstPair(offsets), firstPair(extract<2>(offsets, offsets))};
+        Vecs<uint32_t, 4> pixels;
+        unrolled<4>([&](auto i) RVK_INLINE_LAMBDA {
+            constexpr size_t number = i;
+            const SomeBox box(m_source.data + static_cast<uint32_t>(pairs[number / 2] >> number % 2 * 32),
+                              m_source.stride);
+            const Vec<uint32_t> inX = x.template inBox<number>(columns.start),
+                                inY = y.template inBox<number>(rows.start);
+            const Vec<uint32_t> numbers = addProductOfUpperHalves(productOfUpperHalves(inY, SomeBox::width), inX, 1);
+            const Vec<uint32_t> words = box.words(numbers, SomeBox::squaresByColumns());
+            pixels[number] = reading == Reading::nearest ? words : bilinearOfWords(words, inX, inY);
+        });
+        return takeBitsInOrder<kValueBits<reading>>(pixels);
+    }
+
+    const ClippedSource m_source;
+};
+
+// Transforms a picture that has boxes which fit the map. Whether it has.
+template <Reading reading, class Transform>
+RVK_INLINE bool transformInBoxes(const ClippedSource& source, const ClippedMap& map, Transform transform)
+{
+    using Wide = BoxSampler<reading, 32>;
+    using Square = BoxSampler<reading, 16>;
+    if (Wide::fit(source, map))
+        transform(Wide(source));
+    else if (Square::fit(source, map))
+        transform(Square(source));
+    else
+        return false;
+    return true;
+}
+
+#endif
 
 // The weights of the four pixels of a row or column, 14 bits, for some positions: each two neighbours' side by side,
 // as they are multiplied.
@@ -620,12 +766,19 @@ rvkStatus rvkTransformAffineClippedu8_v3V(const uint8_t* src, uint32_t srcWidth,
                                           uint32_t interpolation, uint32_t borderType, uint8_t borderValue)
 {
     const ClippedSource source{src, srcWidth, srcHeight, srcStride};
+    const bool isNearest = interpolation == RAVIK_INTERPOLATION_NEAREST;
     const auto transform = [&](const auto& sampler) RVK_INLINE_LAMBDA {
         transformClipped(sampler, source, position, affine, dst, dstWidth, dstHeight, dstStride, borderType,
                          &borderValue);
         return RAVIK_SUCCESS;
     };
-    if (interpolation == RAVIK_INTERPOLATION_NEAREST)
+#if defined(__AVX512VNNI__) // a quarter less time, nearest pixels a third less
+    const ClippedMap map = clippedMap(source, position, affine, dstWidth, dstHeight);
+    if (isNearest ? transformInBoxes<Reading::nearest>(source, map, transform)
+                  : transformInBoxes<Reading::bilinear>(source, map, transform))
+        return RAVIK_SUCCESS;
+#endif
+    if (isNearest)
         return transform(ByteSampler<Reading::nearest>(source));
     if (PairedRows::areWorthIt(source, dstWidth, dstHeight))
         if (const PairedRows pairs(source); pairs)

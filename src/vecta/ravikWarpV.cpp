@@ -10,6 +10,7 @@ namespace {
 
 // The positions of the pixels of a row, by the operations of the reference.
 using WarpedPositions = Positions<kPositionBits>;
+template <size_t channels>
 class PerspectiveRow
 {
 public:
@@ -23,7 +24,7 @@ public:
 
     RVK_INLINE WarpedPositions operator()(size_t x, size_t) const
     {
-        const Vecs<float, 2> numbers = iotaSplit<float>();
+        const Vecs<float, 2> numbers = numbersOfStep<channels>();
         WarpedPositions p;
         unrolled<2>([&](auto i) RVK_INLINE_LAMBDA {
             const Vec<float> column = numbers[i] + splat(static_cast<float>(x));
@@ -44,7 +45,7 @@ RVK_NOINLINE void warpPerspectiveBy(const SampledImage& src, uint32_t dstWidth, 
                                     const Homography& h)
 {
     sampleImage<channels, interpolation>(src, dstWidth, dstHeight, dst, [&](size_t y) RVK_INLINE_LAMBDA {
-        return PerspectiveRow(h, static_cast<float>(y));
+        return PerspectiveRow<channels>(h, static_cast<float>(y));
     });
 }
 
@@ -67,7 +68,7 @@ RVK_NOINLINE void remapBy(const SampledImage& src, uint32_t dstWidth, uint32_t d
         const float* const xs = mapX.row(y);
         const float* const ys = mapY.row(y);
         return [=](size_t x, size_t n) RVK_INLINE_LAMBDA {
-            return Positions<0>{loadCoordinates(xs + x, n), loadCoordinates(ys + x, n)};
+            return Positions<0>{loadCoordinates<channels>(xs + x, n), loadCoordinates<channels>(ys + x, n)};
         };
     });
 }

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "cpu/sampling.h" // SampledImage and constants; none of its functions
+#include "vecta/simd/boxes.h"
 #include "vecta/simd/tiles.h"
 
 namespace rvk::vecta::RVK_ISA {
@@ -14,12 +15,46 @@ constexpr size_t kSampleStep = Vec<uint16_t>::lanes;
 template <unsigned unitBits>
 struct Positions
 {
-    Vecs<float, 2> x, y; // in the order of loadSplit
+    Vecs<float, 2> x, y; // in the order of loadStep
 };
 struct FixedPositions
 {
-    Vecs<int32_t, 2> x, y;
+    Vecs<int32_t, 2> x, y; // in the order of loadSplit
 };
+
+// Elements for the pixels of a step, and their numbers: in the order of loadSplit but where pixels of one byte come
+// from boxes, each of which has those of one vector.
+#if defined(__AVX512VNNI__)
+template <size_t channels>
+constexpr bool kHasBoxes = channels == 1;
+#else
+template <size_t channels>
+constexpr bool kHasBoxes = false;
+#endif
+template <size_t channels>
+RVK_INLINE Vecs<float, 2> loadStep(const float* p)
+{
+    if constexpr (kHasBoxes<channels>)
+        return loadVecs<2>(p);
+    else
+        return loadSplit(p);
+}
+template <size_t channels>
+RVK_INLINE Vecs<float, 2> numbersOfStep()
+{
+    if constexpr (kHasBoxes<channels>)
+        return {iota<float>(), iota<float>() + splat(static_cast<float>(Vec<float>::lanes))};
+    else
+        return iotaSplit<float>();
+}
+template <size_t channels, class T>
+RVK_INLINE Vecs<T, 2> splitStep(const Vecs<T, 2>& v)
+{
+    if constexpr (kHasBoxes<channels>)
+        return {unzipEven(v[0], v[1]), unzipOdd(v[0], v[1])};
+    else
+        return v;
+}
 
 // between / 2^15 of the way from one number to the other, rounded half up.
 RVK_INLINE Vec<int16_t> interpolate(Vec<int16_t> from, Vec<int16_t> to, Vec<int16_t> between)
@@ -236,6 +271,90 @@ RVK_INLINE void storeTriples(uint8_t* p, Vec<uint32_t> words)
     storeThreeQuarters(p, Reg<uint8_t, kBytes>{bitCast<uint8_t>(packed).raw});
 }
 
+#if defined(__AVX512VNNI__)
+
+// The pixels of a picture at positions inside it, those of a vector from one box: around the one in their middle.
+class StepBoxes
+{
+public:
+    RVK_INLINE explicit StepBoxes(const SampledImage& image) : m_data(image.data), m_stride(image.stride)
+    {
+        const bool exist = image.width >= SomeBox::width && image.height >= SomeBox::height;
+        m_last = fours(exist ? image.width - SomeBox::width : 0, exist ? image.height - SomeBox::height : 0);
+        m_endX = exist ? (SomeBox::width - 1) << kPositionBits : 0;
+        m_endY = exist ? (SomeBox::height - 1) << kPositionBits : 0;
+    }
+
+    // Where two boxes begin, and the positions in them.
+    struct Step
+    {
+        uint64_t offsets; // 32 bits each
+        Vecs<uint32_t, 2> x, y;
+    };
+    RVK_INLINE Step place(const Vecs<uint32_t, 2>& x, const Vecs<uint32_t, 2>& y) const
+    {
+        constexpr size_t middle = kLanes / 2;
+        const auto ofBoth = [](const Vecs<uint32_t, 2>& v) RVK_INLINE_LAMBDA {
+            return shuffle(v[0], v[1], [](size_t i) { return i % 2 * kLanes + middle; });
+        };
+        const Vec<int32_t> whole = bitCast<int32_t>(shiftRight(blend(0xcccc, ofBoth(x), ofBoth(y)), kPositionBits));
+        const Vec<int32_t> first =
+            min(max(whole - fours(SomeBox::width / 2 - 1, SomeBox::height / 2 - 1), zero<int32_t>()), m_last);
+        const Vec<uint32_t> columns = bitCast<uint32_t>(first), start = shiftLeft(columns, kPositionBits);
+        const Vec<uint32_t> rows = shuffle(columns, columns, [](size_t i) { return i ^ 2; });
+        return {firstPair(rows * splat(static_cast<uint32_t>(m_stride)) + columns),
+                {x[0] - ofEach<0>(start), x[1] - ofEach<1>(start)},
+                {y[0] - ofEach<2>(start), y[1] - ofEach<3>(start)}};
+    }
+
+    // Whether they and their neighbours to the right and below are there.
+    RVK_INLINE bool have(const Step& step) const
+    {
+        return all(less(max(step.x[0], step.x[1]), splat(m_endX)) & less(max(step.y[0], step.y[1]), splat(m_endY)));
+    }
+
+    // These four pixels of each, row by row.
+    RVK_INLINE Vecs<uint32_t, 2> squares(const Step& step) const
+    {
+        const auto ofBox = [&](size_t i) RVK_INLINE_LAMBDA {
+            const SomeBox box(m_data + static_cast<uint32_t>(step.offsets >> 32 * i), m_stride);
+            const Vec<uint32_t> row = shiftRight(step.y[i], kPositionBits - kBoxWidthBits) & splat(0u - SomeBox::width);
+            return box.words(row | shiftRight(step.x[i], kPositionBits), SomeBox::squaresByRows());
+        };
+        return {ofBox(0), ofBox(1)};
+    }
+
+private:
+    static constexpr unsigned kBoxWidthBits = 5;
+    using SomeBox = Box<1 << kBoxWidthBits>;
+    static constexpr size_t kLanes = Vec<uint32_t>::lanes;
+
+    // In each four lanes: columns for both vectors, then rows.
+    static RVK_INLINE Vec<int32_t> fours(uint32_t column, uint32_t row)
+    {
+        return bitCast<int32_t>(blend(0xcccc, splat(column), splat(row)));
+    }
+    template <size_t lane>
+    static RVK_INLINE Vec<uint32_t> ofEach(Vec<uint32_t> v)
+    {
+        return shuffle(v, v, [](size_t i) { return i / 4 * 4 + lane; });
+    }
+
+    const uint8_t* m_data;
+    size_t m_stride;
+    Vec<int32_t> m_last;     // columns and rows that boxes can begin with
+    uint32_t m_endX, m_endY; // of positions whose neighbours are in a box
+};
+
+#else
+
+struct StepBoxes // none
+{
+    RVK_INLINE explicit StepBoxes(const SampledImage&) {}
+};
+
+#endif
+
 // Samples steps of positions.
 template <size_t channels, uint32_t interpolation, unsigned unitBits>
 class StepSampler
@@ -243,7 +362,7 @@ class StepSampler
 public:
     // The image must stay where it is.
     RVK_INLINE explicit StepSampler(const SampledImage& image)
-        : m_image(image), m_top(image.data), m_stride(image.stride)
+        : m_image(image), m_top(image.data), m_stride(image.stride), m_boxes(image)
     {
         constexpr uint32_t reach = (kReachBytes + channels - 1) / channels; // columns
         const bool hasInterior = image.width >= reach && image.height >= kRows &&
@@ -270,7 +389,7 @@ public:
     {
         const Vecs<uint32_t, 2> x = fixedInside<unitBits>(p.x), y = fixedInside<unitBits>(p.y);
         if constexpr (channels == 1)
-            storeLowBytes(dst, kIsNearest ? nearest(x, y) : bilinear(x, y));
+            storeLowBytes(dst, orderStep(kIsNearest ? nearest(x, y) : bilinear(x, y)));
         else
             sampleWords(x, y, dst);
     }
@@ -278,8 +397,8 @@ public:
     // The first n pixels of any positions.
     RVK_INLINE void sampleAny(const Positions<unitBits>& p, uint8_t* dst, size_t n = kSampleStep) const
     {
-        const FixedPositions fixed = {fixedAnywhere<unitBits>(p.x, m_image.width),
-                                      fixedAnywhere<unitBits>(p.y, m_image.height)};
+        const FixedPositions fixed = {fixedAnywhere<unitBits>(splitStep<channels>(p.x), m_image.width),
+                                      fixedAnywhere<unitBits>(splitStep<channels>(p.y), m_image.height)};
         sampleAnywhere(m_image, channels, fixed, dst, n);
     }
 
@@ -312,18 +431,41 @@ private:
         return {offset(x[0], y[0]), offset(x[1], y[1])};
     }
 
+    // What joinSplit makes of a step, in the order of memory.
+    static RVK_INLINE Vec<uint16_t> orderStep(Vec<uint16_t> v)
+    {
+        constexpr size_t lanes = Vec<uint32_t>::lanes;
+        if constexpr (kHasBoxes<channels>)
+            return shuffle(v, v, [](size_t i) { return i % lanes * 2 + i / lanes; });
+        else
+            return v;
+    }
+
     RVK_INLINE Vec<uint16_t> nearest(const Vecs<uint32_t, 2>& x, const Vecs<uint32_t, 2>& y) const
     {
+#if defined(__AVX512VNNI__) // a third less time
+        const auto rounded = [](Vec<uint32_t> v) RVK_INLINE_LAMBDA { return v + splat(kPositionOne / 2u); };
+        if (const auto step = m_boxes.place(both(x, rounded), both(y, rounded)); m_boxes.have(step))
+            return joinSplit(m_boxes.squares(step));
+#endif
         return gatherBytes(m_top, offsets(x, y));
     }
 
     RVK_INLINE Vec<uint16_t> bilinear(const Vecs<uint32_t, 2>& x, const Vecs<uint32_t, 2>& y) const
     {
+        const auto between = [&](Vec<uint16_t> top, Vec<uint16_t> bottom) RVK_INLINE_LAMBDA {
+            const Vec<int16_t> toRight = fractionOf(bitCast<int32_t>(x)), toBottom = fractionOf(bitCast<int32_t>(y));
+            return greyLevels(interpolate(interpolatePairs(top, toRight), interpolatePairs(bottom, toRight), toBottom));
+        };
+#if defined(__AVX512VNNI__) // a third less time
+        if (const auto step = m_boxes.place(x, y); m_boxes.have(step)) {
+            const Vecs<uint32_t, 2> squares = m_boxes.squares(step);
+            return between(joinSplit(squares),
+                           joinSplit(both(squares, [](auto v) RVK_INLINE_LAMBDA { return shiftRight(v, 16); })));
+        }
+#endif
         const Vecs<uint32_t, 2> from = offsets(x, y);
-        const Vec<int16_t> toRight = fractionOf(bitCast<int32_t>(x)), toBottom = fractionOf(bitCast<int32_t>(y));
-        const Vec<int16_t> top = interpolatePairs(gatherPairs(m_top, from), toRight);
-        const Vec<int16_t> bottom = interpolatePairs(gatherPairs(m_top + m_stride, from), toRight);
-        return greyLevels(interpolate(top, bottom, toBottom));
+        return between(gatherPairs(m_top, from), gatherPairs(m_top + m_stride, from));
     }
 
     // Pixels of three and four bytes as words, of which three leave the last byte unused.
@@ -354,18 +496,20 @@ private:
     uint32_t m_stride;
     uint32_t m_endX, m_endY;              // bits of coordinates
     [[maybe_unused]] bool m_hasShortRows; // 15 bits hold the number of a row, and the stride
+    [[maybe_unused]] StepBoxes m_boxes;
 };
 
 // ---- pictures -------------------------------------------------------------------------------------------------------
 
 // A step of coordinates, of which n are in memory.
+template <size_t channels>
 RVK_INLINE Vecs<float, 2> loadCoordinates(const float* p, size_t n)
 {
     if (n == kSampleStep)
-        return loadSplit(p);
+        return loadStep<channels>(p);
     float coordinates[kSampleStep] = {};
     __builtin_memcpy(coordinates, p, n * sizeof *p);
-    return loadSplit(coordinates);
+    return loadStep<channels>(coordinates);
 }
 
 // Fills a picture of at least a step's width, by steps that begin at (x, y): inside(positions, x, y) where all of

@@ -61,16 +61,24 @@ RVK_INLINE Vec<uint32_t> bilinearOfWords(Vec<uint32_t> words, Vec<uint32_t> x, V
     return bitCast<uint32_t>(addDotPairs(half, leftAndRight, across));
 }
 
-// Stores eight bits of each word, from bit `shift` on: those of the first words of the vectors, of the second ones, ...
+// Eight bits of each word, from bit `shift` on: those of the first words of the vectors, of the second ones, ...
 template <unsigned shift>
-RVK_INLINE void storeBits(uint8_t* p, const Vecs<uint32_t, 4>& v)
+RVK_INLINE Vec<uint8_t> takeBits(const Vecs<uint32_t, 4>& v)
 {
     const Register places = reg(splat((uint64_t{shift + 32} * 0x01010101 << 32) | uint64_t{shift} * 0x01010101));
     Register bytes = _mm512_multishift_epi64_epi8(places, reg(v[0]));
     bytes = _mm512_mask_multishift_epi64_epi8(bytes, 0x2222222222222222, places, reg(v[1]));
     bytes = _mm512_mask_multishift_epi64_epi8(bytes, 0x4444444444444444, places, reg(v[2]));
     bytes = _mm512_mask_multishift_epi64_epi8(bytes, 0x8888888888888888, places, reg(v[3]));
-    store(p, vec<uint8_t>(bytes));
+    return vec<uint8_t>(bytes);
+}
+
+// The same in the order of the vectors.
+template <unsigned shift>
+RVK_INLINE Vec<uint8_t> takeBitsInOrder(const Vecs<uint32_t, 4>& v)
+{
+    const Vec<uint8_t> bytes = takeBits<shift>(v);
+    return shuffle(bytes, bytes, [](size_t i) { return i % 16 * 4 + i / 16; });
 }
 
 } // namespace
