@@ -145,7 +145,8 @@ Picture<uint8_t> transformed(Function function, const Picture<uint8_t>& src, con
                              int channels, Rules... rules)
 {
     Picture<uint8_t> dst(width * channels, height, 77);
-    function(src.pixels.data(), src.columns() / static_cast<uint32_t>(channels), src.rows(), src.stride(),
+    const GuardedMemory source = guardedCopy(src.pixels);
+    function(source.data(), src.columns() / static_cast<uint32_t>(channels), src.rows(), src.stride(),
              t.position.data(), t.affine.data(), dst.pixels.data(), static_cast<uint32_t>(width), dst.rows(),
              dst.stride(), rules...);
     return dst;

@@ -1,3 +1,4 @@
+#include "support/guarded.h"
 #include "support/implementations.h"
 #include "support/logCapture.h"
 #include "support/windows.h"
@@ -51,7 +52,8 @@ Bytes warped(decltype(&rvkWarpPerspectiveu8_v4) function, const Bytes& src, int 
              const Rules& rules)
 {
     Bytes dst(width, height, kLeft);
-    EXPECT_EQ(function(src.pixels.data(), src.columns(), src.rows(), src.stride(), dst.pixels.data(), dst.columns(),
+    const GuardedMemory source = guardedCopy(src.pixels);
+    EXPECT_EQ(function(source.data(), src.columns(), src.rows(), src.stride(), dst.pixels.data(), dst.columns(),
                        dst.rows(), dst.stride(), matrix, rules.interpolation, rules.borderType, rules.borderValue),
               RAVIK_SUCCESS);
     return dst;
@@ -61,7 +63,8 @@ Bytes remapped(decltype(&rvkRemapu8_v2) function, const Bytes& src, const Pictur
                const Rules& rules)
 {
     Bytes dst(x.width, x.height, kLeft);
-    EXPECT_EQ(function(src.pixels.data(), src.columns(), src.rows(), src.stride(), dst.pixels.data(), dst.columns(),
+    const GuardedMemory source = guardedCopy(src.pixels);
+    EXPECT_EQ(function(source.data(), src.columns(), src.rows(), src.stride(), dst.pixels.data(), dst.columns(),
                        dst.rows(), dst.stride(), x.pixels.data(), y.pixels.data(), x.stride(), rules.interpolation,
                        rules.borderType, rules.borderValue),
               RAVIK_SUCCESS);

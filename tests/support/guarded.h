@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
+#include <cstring>
 #include <sys/mman.h>
 #include <unistd.h>
 #include <vector>
@@ -45,6 +46,15 @@ private:
     size_t m_size;
     uint8_t* m_data;
 };
+
+// What an array has, up to a guard page.
+template <class T>
+GuardedMemory guardedCopy(const std::vector<T>& values)
+{
+    GuardedMemory copy(values.size() * sizeof(T), GuardedMemory::Flush::toEnd);
+    std::memcpy(copy.data(), values.data(), values.size() * sizeof(T));
+    return copy;
+}
 
 // Whole pages between guard pages: a region for each argument of a call, the same in all calls.
 constexpr size_t kRegionBytes = 1 << 22;
