@@ -12,8 +12,8 @@ namespace {
 // The lower half of each word, in both halves.
 RVK_INLINE Vec<int16_t> lowHalvesTwice(Vec<uint32_t> v)
 {
-    const Vec<uint8_t> bytes = bitCast<uint8_t>(v);
-    return bitCast<int16_t>(shuffle(bytes, bytes, [](size_t i) { return i / 4 * 4 + i % 2; }));
+    const Vec<uint32_t> places = anyVector(splat(0x01000100u) + (iota<uint32_t>() & splat(3u)) * splat(0x04040404u));
+    return vec<int16_t>(_mm512_shuffle_epi8(reg(v), reg(places))); // clang would make two of it that need no places
 }
 
 RVK_INLINE Vec<int16_t> splatHalves(int32_t low, int32_t high)
