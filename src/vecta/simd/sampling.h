@@ -47,6 +47,16 @@ RVK_INLINE Vecs<float, 2> numbersOfStep()
     else
         return iotaSplit<float>();
 }
+// What joinSplit makes of them, in the order of memory.
+template <size_t channels>
+RVK_INLINE Vec<uint16_t> orderStep(Vec<uint16_t> v)
+{
+    constexpr size_t lanes = Vec<uint32_t>::lanes;
+    if constexpr (kHasBoxes<channels>)
+        return shuffle(v, v, [](size_t i) { return i % lanes * 2 + i / lanes; });
+    else
+        return v;
+}
 template <size_t channels, class T>
 RVK_INLINE Vecs<T, 2> splitStep(const Vecs<T, 2>& v)
 {
@@ -104,6 +114,14 @@ RVK_INLINE Vec<int16_t> fractionOf(const Vecs<int32_t, 2>& coordinate)
 {
     const Vec<uint16_t> joined = joinSplit(bitCast<uint32_t>(coordinate));
     return bitCast<int16_t>(joined & splat(static_cast<uint16_t>(kPositionOne - 1)));
+}
+
+// Of pairs of pixels at positions, row by row, which are in the order of joinSplit, too.
+RVK_INLINE Vec<uint16_t> interpolateRows(Vec<uint16_t> top, Vec<uint16_t> bottom, const Vecs<uint32_t, 2>& x,
+                                         const Vecs<uint32_t, 2>& y)
+{
+    const Vec<int16_t> toRight = fractionOf(bitCast<int32_t>(x)), toBottom = fractionOf(bitCast<int32_t>(y));
+    return greyLevels(interpolate(interpolatePairs(top, toRight), interpolatePairs(bottom, toRight), toBottom));
 }
 
 // ---- anywhere -------------------------------------------------------------------------------------------------------
@@ -274,6 +292,7 @@ RVK_INLINE void storeTriples(uint8_t* p, Vec<uint32_t> words)
 #if defined(__AVX512VNNI__)
 
 // The pixels of a picture at positions inside it, those of a vector from one box: around the one in their middle.
+template <uint32_t interpolation>
 class StepBoxes
 {
 public:
@@ -291,9 +310,14 @@ public:
         uint64_t offsets; // 32 bits each
         Vecs<uint32_t, 2> x, y;
     };
-    RVK_INLINE Step place(const Vecs<uint32_t, 2>& x, const Vecs<uint32_t, 2>& y) const
+    template <unsigned unitBits>
+    RVK_INLINE Step place(const Positions<unitBits>& p) const
     {
         constexpr size_t middle = kLanes / 2;
+        const auto rounded = [](Vec<uint32_t> v)
+                                 RVK_INLINE_LAMBDA { return v + splat(kIsNearest ? kPositionOne / 2u : 0); };
+        const Vecs<uint32_t, 2> x = both(fixedInside<unitBits>(p.x), rounded),
+                                y = both(fixedInside<unitBits>(p.y), rounded);
         const auto ofBoth = [](const Vecs<uint32_t, 2>& v) RVK_INLINE_LAMBDA {
             return shuffle(v[0], v[1], [](size_t i) { return i % 2 * kLanes + middle; });
         };
@@ -313,21 +337,33 @@ public:
         return all(less(max(step.x[0], step.x[1]), splat(m_endX)) & less(max(step.y[0], step.y[1]), splat(m_endY)));
     }
 
-    // These four pixels of each, row by row.
-    RVK_INLINE Vecs<uint32_t, 2> squares(const Step& step) const
+    RVK_INLINE void sample(const Step& step, uint8_t* dst) const
     {
-        const auto ofBox = [&](size_t i) RVK_INLINE_LAMBDA {
-            const SomeBox box(m_data + static_cast<uint32_t>(step.offsets >> 32 * i), m_stride);
-            const Vec<uint32_t> row = shiftRight(step.y[i], kPositionBits - kBoxWidthBits) & splat(0u - SomeBox::width);
-            return box.words(row | shiftRight(step.x[i], kPositionBits), SomeBox::squaresByRows());
-        };
-        return {ofBox(0), ofBox(1)};
+        const Vecs<uint32_t, 2> squares = {squaresOf<0>(step), squaresOf<1>(step)};
+        const Vec<uint16_t> top = joinSplit(squares);
+        if constexpr (kIsNearest) {
+            storeLowBytes(dst, orderStep<1>(top));
+        } else {
+            const Vec<uint16_t> bottom =
+                joinSplit(both(squares, [](auto v) RVK_INLINE_LAMBDA { return shiftRight(v, 16); }));
+            storeLowBytes(dst, orderStep<1>(interpolateRows(top, bottom, step.x, step.y)));
+        }
     }
 
 private:
+    static constexpr bool kIsNearest = interpolation == RAVIK_INTERPOLATION_NEAREST;
     static constexpr unsigned kBoxWidthBits = 5;
     using SomeBox = Box<1 << kBoxWidthBits>;
     static constexpr size_t kLanes = Vec<uint32_t>::lanes;
+
+    // The pixels at positions and their neighbours, row by row.
+    template <size_t i>
+    RVK_INLINE Vec<uint32_t> squaresOf(const Step& step) const
+    {
+        const SomeBox box(m_data + static_cast<uint32_t>(step.offsets >> 32 * i), m_stride);
+        const Vec<uint32_t> row = shiftRight(step.y[i], kPositionBits - kBoxWidthBits) & splat(0u - SomeBox::width);
+        return box.words(row | shiftRight(step.x[i], kPositionBits), SomeBox::squaresByRows());
+    }
 
     // In each four lanes: columns for both vectors, then rows.
     static RVK_INLINE Vec<int32_t> fours(uint32_t column, uint32_t row)
@@ -346,13 +382,6 @@ private:
     uint32_t m_endX, m_endY; // of positions whose neighbours are in a box
 };
 
-#else
-
-struct StepBoxes // none
-{
-    RVK_INLINE explicit StepBoxes(const SampledImage&) {}
-};
-
 #endif
 
 // Samples steps of positions.
@@ -362,7 +391,7 @@ class StepSampler
 public:
     // The image must stay where it is.
     RVK_INLINE explicit StepSampler(const SampledImage& image)
-        : m_image(image), m_top(image.data), m_stride(image.stride), m_boxes(image)
+        : m_image(image), m_top(image.data), m_stride(image.stride)
     {
         constexpr uint32_t reach = (kReachBytes + channels - 1) / channels; // columns
         const bool hasInterior = image.width >= reach && image.height >= kRows &&
@@ -389,7 +418,7 @@ public:
     {
         const Vecs<uint32_t, 2> x = fixedInside<unitBits>(p.x), y = fixedInside<unitBits>(p.y);
         if constexpr (channels == 1)
-            storeLowBytes(dst, orderStep(kIsNearest ? nearest(x, y) : bilinear(x, y)));
+            storeLowBytes(dst, orderStep<channels>(kIsNearest ? nearest(x, y) : bilinear(x, y)));
         else
             sampleWords(x, y, dst);
     }
@@ -431,41 +460,15 @@ private:
         return {offset(x[0], y[0]), offset(x[1], y[1])};
     }
 
-    // What joinSplit makes of a step, in the order of memory.
-    static RVK_INLINE Vec<uint16_t> orderStep(Vec<uint16_t> v)
-    {
-        constexpr size_t lanes = Vec<uint32_t>::lanes;
-        if constexpr (kHasBoxes<channels>)
-            return shuffle(v, v, [](size_t i) { return i % lanes * 2 + i / lanes; });
-        else
-            return v;
-    }
-
     RVK_INLINE Vec<uint16_t> nearest(const Vecs<uint32_t, 2>& x, const Vecs<uint32_t, 2>& y) const
     {
-#if defined(__AVX512VNNI__) // a third less time
-        const auto rounded = [](Vec<uint32_t> v) RVK_INLINE_LAMBDA { return v + splat(kPositionOne / 2u); };
-        if (const auto step = m_boxes.place(both(x, rounded), both(y, rounded)); m_boxes.have(step))
-            return joinSplit(m_boxes.squares(step));
-#endif
         return gatherBytes(m_top, offsets(x, y));
     }
 
     RVK_INLINE Vec<uint16_t> bilinear(const Vecs<uint32_t, 2>& x, const Vecs<uint32_t, 2>& y) const
     {
-        const auto between = [&](Vec<uint16_t> top, Vec<uint16_t> bottom) RVK_INLINE_LAMBDA {
-            const Vec<int16_t> toRight = fractionOf(bitCast<int32_t>(x)), toBottom = fractionOf(bitCast<int32_t>(y));
-            return greyLevels(interpolate(interpolatePairs(top, toRight), interpolatePairs(bottom, toRight), toBottom));
-        };
-#if defined(__AVX512VNNI__) // a third less time
-        if (const auto step = m_boxes.place(x, y); m_boxes.have(step)) {
-            const Vecs<uint32_t, 2> squares = m_boxes.squares(step);
-            return between(joinSplit(squares),
-                           joinSplit(both(squares, [](auto v) RVK_INLINE_LAMBDA { return shiftRight(v, 16); })));
-        }
-#endif
         const Vecs<uint32_t, 2> from = offsets(x, y);
-        return between(gatherPairs(m_top, from), gatherPairs(m_top + m_stride, from));
+        return interpolateRows(gatherPairs(m_top, from), gatherPairs(m_top + m_stride, from), x, y);
     }
 
     // Pixels of three and four bytes as words, of which three leave the last byte unused.
@@ -496,7 +499,6 @@ private:
     uint32_t m_stride;
     uint32_t m_endX, m_endY;              // bits of coordinates
     [[maybe_unused]] bool m_hasShortRows; // 15 bits hold the number of a row, and the stride
-    [[maybe_unused]] StepBoxes m_boxes;
 };
 
 // ---- pictures -------------------------------------------------------------------------------------------------------
@@ -544,6 +546,48 @@ RVK_INLINE void forSteps(size_t width, size_t height, Rows rows, AreInside areIn
     }
 }
 
+#if defined(__AVX512VNNI__)
+
+// Fills a picture of at least a step's width in the same order, from boxes where all of a step can. Those steps are
+// placed first and sampled then, a row of a tile at a time: from a position to its pixel it is farther than processors
+// look ahead.
+template <class Sampler, class Boxes, class Rows>
+RVK_INLINE void sampleInBoxes(const Sampler& sampler, const Boxes& boxes, size_t width, size_t height,
+                              Plane<uint8_t> dst, Rows rows)
+{
+    constexpr size_t tile = 256;
+    struct Placed
+    {
+        typename Boxes::Step step;
+        uint8_t* to;
+    };
+    Placed placed[tile / kSampleStep];
+    for (size_t left = 0; left < width; left += tile) {
+        const size_t end = least(left + tile, width), last = end - kSampleStep;
+        for (size_t y = 0; y < height; ++y) {
+            const auto row = rows(y);
+            size_t count = 0;
+            for (size_t next = left; next < end; next += kSampleStep) {
+                const size_t x = least(next, last);
+                const auto positions = row(x, kSampleStep);
+                Placed& here = placed[count];
+                here = {boxes.place(positions), dst.row(y) + x};
+                const bool areInside = sampler.areInside(positions);
+                if (areInside && boxes.have(here.step))
+                    ++count;
+                else if (areInside)
+                    sampler.sampleInside(positions, here.to);
+                else
+                    sampler.sampleAny(positions, here.to);
+            }
+            for (size_t i = 0; i < count; ++i)
+                boxes.sample(placed[i].step, placed[i].to);
+        }
+    }
+}
+
+#endif
+
 // Of these positions.
 template <size_t channels, uint32_t interpolation, unsigned unitBits>
 RVK_INLINE StepSampler<channels, interpolation, unitBits> samplerOf(const SampledImage& image,
@@ -562,6 +606,10 @@ RVK_INLINE void sampleImage(const SampledImage& image, size_t width, size_t heig
     if (width < kSampleStep)
         for (size_t y = 0; y < height; ++y)
             sampler.sampleAny(rows(y)(0, width), dst.row(y), width);
+#if defined(__AVX512VNNI__) // two fifths less time than by scattered loads
+    else if constexpr (kHasBoxes<channels>)
+        sampleInBoxes(sampler, StepBoxes<interpolation>(image), width, height, dst, rows);
+#endif
     else
         forSteps(
             width, height, rows, [&](const auto& p) RVK_INLINE_LAMBDA { return sampler.areInside(p); },
