@@ -1535,6 +1535,34 @@ SimdGroup scattered()
                 __builtin_memcpy(&word, bytes(in) + in[i] % places, sizeof word);
                 return word;
             }),
+#if defined(__x86_64__)
+        mapping<uint32_t, uint32_t, n + places / 4 + 1, n>(
+            "loadEach4",
+            [](const uint32_t* in, uint32_t* out) {
+                uint32_t inMemory[n];
+                store(inMemory, offsets(in));
+                store(out, loadEach4(bytes(in), inMemory));
+            },
+            [](const uint32_t* in, size_t i) {
+                uint32_t word;
+                __builtin_memcpy(&word, bytes(in) + in[i] % places, sizeof word);
+                return word;
+            }),
+        mapping<uint32_t, uint64_t, n + places / 4 + 2, n>(
+            "loadEach8InLanes",
+            [](const uint32_t* in, uint64_t* out) {
+                uint32_t inMemory[n];
+                store(inMemory, offsets(in));
+                unrolled<4>(
+                    [&](auto i) { store(out + i * kLanes<uint64_t>, loadEach8InLanes<i>(bytes(in), inMemory)); });
+            },
+            [](const uint32_t* in, size_t i) {
+                const size_t vector = i / kLanes<uint64_t>, block = i % kLanes<uint64_t> / 2;
+                uint64_t eight;
+                __builtin_memcpy(&eight, bytes(in) + in[8 * block + 2 * vector + i % 2] % places, sizeof eight);
+                return eight;
+            }),
+#endif
     };
     return group(list);
 }

@@ -88,22 +88,6 @@ RVK_INLINE Vec<int16_t> interpolatePairs(Vec<uint16_t> pairs, Vec<int16_t> betwe
 #endif
 }
 
-// The same of bytes of two vectors.
-RVK_INLINE Vecs<int16_t, 2> interpolateInLanes(Vec<uint8_t> from, Vec<uint8_t> to, const Vecs<int16_t, 2>& between)
-{
-#if defined(__x86_64__)
-    const Vecs<uint16_t, 2> pairs = bitCast<uint16_t>(zipInLanes(from, to));
-    return {interpolatePairs(pairs[0], between[0]), interpolatePairs(pairs[1], between[1])};
-#else
-    const auto wide = [](Vec<uint8_t> v) RVK_INLINE_LAMBDA {
-        return both(widenInLanes(v),
-                    [](auto half) RVK_INLINE_LAMBDA { return bitCast<int16_t>(shiftLeft(half, kGreyBits)); });
-    };
-    const Vecs<int16_t, 2> a = wide(from), b = wide(to);
-    return {interpolate(a[0], b[0], between[0]), interpolate(a[1], b[1], between[1])};
-#endif
-}
-
 // What has kGreyBits of fraction, as a grey level.
 RVK_INLINE Vec<uint16_t> greyLevels(Vec<int16_t> v)
 {
@@ -255,6 +239,62 @@ RVK_INLINE Vec<uint32_t> roundedPosition(Vec<uint32_t> coordinate)
 #endif
 }
 
+// The fraction of a coordinate, in both halves.
+RVK_INLINE Vec<uint32_t> fractionTwice(Vec<uint32_t> coordinate)
+{
+    const Vec<uint16_t> halves = bitCast<uint16_t>(coordinate);
+    return bitCast<uint32_t>(shuffle(halves, halves, [](size_t i) { return i / 2 * 2; })) &
+           splat((kPositionOne - 1u) * 0x10001);
+}
+
+#if defined(__x86_64__)
+
+constexpr bool kSamplesPixelsLater = true;
+
+// Bilinear pixels of three and four bytes as words, of which three leave the last byte unused. A pixel and the one to
+// its right are in the 8 bytes at its offset.
+template <size_t channels>
+RVK_INLINE Vecs<uint32_t, 2> bilinearWords(const uint8_t* upper, const uint8_t* lower, const uint32_t* splitOffsets,
+                                           const Vecs<uint32_t, 2>& toRight, const Vecs<uint32_t, 2>& toBottom)
+{
+    Vecs<int16_t, 4> pixels;
+    unrolled<4>([&](auto n) RVK_INLINE_LAMBDA {
+        constexpr size_t number = n;
+        const auto forChannels = [](const Vecs<uint32_t, 2>& between) RVK_INLINE_LAMBDA { // of two pixels a block
+            return bitCast<int16_t>(shuffle(between[0], between[1], [](size_t i) {
+                return i / 4 * 4 + number + i / 2 % 2 * Vec<uint32_t>::lanes;
+            }));
+        };
+        const Vec<int16_t> right = forChannels(toRight), bottom = forChannels(toBottom);
+        const auto along = [&](const uint8_t* row) RVK_INLINE_LAMBDA {
+            const Vec<uint8_t> bytes = bitCast<uint8_t>(loadEach8InLanes<number>(row, splitOffsets));
+            const Vec<uint8_t> pairs =
+                shuffle(bytes, bytes, [](size_t i) { return i / 8 * 8 + i % 8 / 2 + i % 2 * channels; });
+            return interpolatePairs(bitCast<uint16_t>(pairs), right);
+        };
+        pixels[n] = interpolate(along(upper), along(lower), bottom);
+    });
+    const auto words = [&](size_t n) RVK_INLINE_LAMBDA {
+        return bitCast<uint32_t>(narrowRoundedInLanes<uint8_t, kGreyBits>(Vecs<int16_t, 2>{pixels[n], pixels[n + 1]}));
+    };
+    return orderWidened(Vecs<uint32_t, 2>{words(0), words(2)});
+}
+
+#else
+
+constexpr bool kSamplesPixelsLater = false;
+
+// Between bytes of two vectors.
+RVK_INLINE Vecs<int16_t, 2> interpolateInLanes(Vec<uint8_t> from, Vec<uint8_t> to, const Vecs<int16_t, 2>& between)
+{
+    const auto wide = [](Vec<uint8_t> v) RVK_INLINE_LAMBDA {
+        return both(widenInLanes(v),
+                    [](auto half) RVK_INLINE_LAMBDA { return bitCast<int16_t>(shiftLeft(half, kGreyBits)); });
+    };
+    const Vecs<int16_t, 2> a = wide(from), b = wide(to);
+    return {interpolate(a[0], b[0], between[0]), interpolate(a[1], b[1], between[1])};
+}
+
 // Four bytes of each pixel, all weighted alike.
 struct Corners
 {
@@ -264,7 +304,7 @@ struct Corners
 RVK_INLINE Vec<uint32_t> weigh(const Corners& corners, Vec<uint32_t> toRight, Vec<uint32_t> toBottom)
 {
     const auto forChannels = [](Vec<uint32_t> between) RVK_INLINE_LAMBDA {
-        const Vec<uint32_t> fraction = between & splat(kPositionOne - 1u), twice = fraction | shiftLeft(fraction, 16);
+        const Vec<uint32_t> twice = fractionTwice(between);
         return bitCast<int16_t>(zipInLanes(twice, twice));
     };
     const Vecs<int16_t, 2> right = forChannels(toRight), bottom = forChannels(toBottom);
@@ -276,6 +316,8 @@ RVK_INLINE Vec<uint32_t> weigh(const Corners& corners, Vec<uint32_t> toRight, Ve
     return bitCast<uint32_t>(narrowRoundedInLanes<uint8_t, kGreyBits>(
         Vecs<int16_t, 2>{interpolate(above[0], below[0], bottom[0]), interpolate(above[1], below[1], bottom[1])}));
 }
+
+#endif
 
 // The first three bytes of each word.
 RVK_INLINE void storeTriples(uint8_t* p, Vec<uint32_t> words)
@@ -389,6 +431,8 @@ template <size_t channels, uint32_t interpolation, unsigned unitBits>
 class StepSampler
 {
 public:
+    static constexpr bool kSamplesLater = kSamplesPixelsLater && channels > 1;
+
     // The image must stay where it is.
     RVK_INLINE explicit StepSampler(const SampledImage& image)
         : m_image(image), m_top(image.data), m_stride(image.stride)
@@ -414,14 +458,46 @@ public:
     }
 
     // A whole step of such positions.
-    RVK_INLINE void sampleInside(const Positions<unitBits>& p, uint8_t* dst) const
+    RVK_INLINE void sampleInside(const Positions<unitBits>& p, uint8_t* dst) const requires(channels == 1)
     {
         const Vecs<uint32_t, 2> x = fixedInside<unitBits>(p.x), y = fixedInside<unitBits>(p.y);
-        if constexpr (channels == 1)
-            storeLowBytes(dst, orderStep<channels>(kIsNearest ? nearest(x, y) : bilinear(x, y)));
-        else
-            sampleWords(x, y, dst);
+        storeLowBytes(dst, orderStep<channels>(kIsNearest ? nearest(x, y) : bilinear(x, y)));
     }
+
+#if defined(__x86_64__)
+    // Pixels of several bytes in two parts: what such a step needs, and the step. Whether there is a second part.
+    struct Step
+    {
+        uint8_t* dst;
+        uint32_t offsets[kSampleStep];       // split
+        Vecs<uint32_t, 2> toRight, toBottom; // of bilinear pixels, twice
+    };
+    RVK_INLINE bool prepareInside(Step& step, const Positions<unitBits>& p, uint8_t* dst) const
+    {
+        const Vecs<uint32_t, 2> x = fixedInside<unitBits>(p.x), y = fixedInside<unitBits>(p.y);
+        step.dst = dst;
+        store(step.offsets, offsets(x, y));
+        if constexpr (!kIsNearest) {
+            step.toRight = both(x, fractionTwice);
+            step.toBottom = both(y, fractionTwice);
+        }
+        return true;
+    }
+    RVK_INLINE void samplePrepared(const Step& step) const
+    {
+        if constexpr (kIsNearest)
+            storeWords(step.dst, loadEach4(m_top, step.offsets));
+        else
+            storeWords(step.dst,
+                       bilinearWords<channels>(m_top, m_top + m_stride, step.offsets, step.toRight, step.toBottom));
+    }
+#else
+    RVK_INLINE void sampleInside(const Positions<unitBits>& p, uint8_t* dst) const requires(channels > 1)
+    {
+        const Vecs<uint32_t, 2> x = fixedInside<unitBits>(p.x), y = fixedInside<unitBits>(p.y);
+        storeWords(dst, orderSplit(Vecs<uint32_t, 2>{wordsAt(x[0], y[0]), wordsAt(x[1], y[1])}));
+    }
+#endif
 
     // The first n pixels of any positions.
     RVK_INLINE void sampleAny(const Positions<unitBits>& p, uint8_t* dst, size_t n = kSampleStep) const
@@ -433,7 +509,7 @@ public:
 
 private:
     static constexpr bool kIsNearest = interpolation == RAVIK_INTERPOLATION_NEAREST;
-    static constexpr uint32_t kReachBytes = channels == 1 ? kGatherReach : kIsNearest ? 4 : channels + 4;
+    static constexpr uint32_t kReachBytes = channels == 1 ? kGatherReach : kIsNearest ? 4 : 8;
     static constexpr uint32_t kRows = kIsNearest ? 1 : 2;
 
     static RVK_INLINE Vec<uint32_t> whole(Vec<uint32_t> coordinate)
@@ -471,6 +547,7 @@ private:
         return interpolateRows(gatherPairs(m_top, from), gatherPairs(m_top + m_stride, from), x, y);
     }
 
+#if !defined(__x86_64__)
     // Pixels of three and four bytes as words, of which three leave the last byte unused.
     RVK_INLINE Vec<uint32_t> wordsAt(Vec<uint32_t> x, Vec<uint32_t> y) const
     {
@@ -482,10 +559,10 @@ private:
                       gatherWords(bottom + channels, from)},
                      x, y);
     }
+#endif
 
-    RVK_INLINE void sampleWords(const Vecs<uint32_t, 2>& x, const Vecs<uint32_t, 2>& y, uint8_t* dst) const
+    static RVK_INLINE void storeWords(uint8_t* dst, const Vecs<uint32_t, 2>& pixels)
     {
-        const Vecs<uint32_t, 2> pixels = orderSplit(Vecs<uint32_t, 2>{wordsAt(x[0], y[0]), wordsAt(x[1], y[1])});
         if constexpr (channels == 4) {
             store(dst, bitCast<uint8_t>(pixels));
         } else {
@@ -499,6 +576,92 @@ private:
     uint32_t m_stride;
     uint32_t m_endX, m_endY;              // bits of coordinates
     [[maybe_unused]] bool m_hasShortRows; // 15 bits hold the number of a row, and the stride
+};
+
+#if defined(__AVX512VNNI__) // two fifths less time
+
+// The same of pixels of one byte, from boxes where all of a step are in them.
+template <uint32_t interpolation, unsigned unitBits>
+class BoxSampler : public StepSampler<1, interpolation, unitBits>
+{
+public:
+    static constexpr bool kSamplesLater = true;
+
+    RVK_INLINE explicit BoxSampler(const SampledImage& image)
+        : StepSampler<1, interpolation, unitBits>(image), m_boxes(image)
+    {
+    }
+
+    struct Step
+    {
+        uint8_t* dst;
+        typename StepBoxes<interpolation>::Step inBoxes;
+    };
+    RVK_INLINE bool prepareInside(Step& step, const Positions<unitBits>& p, uint8_t* dst) const
+    {
+        step = {dst, m_boxes.place(p)};
+        const bool areInBoxes = m_boxes.have(step.inBoxes);
+        if (!areInBoxes)
+            this->sampleInside(p, dst);
+        return areInBoxes;
+    }
+    RVK_INLINE void samplePrepared(const Step& step) const { m_boxes.sample(step.inBoxes, step.dst); }
+
+private:
+    const StepBoxes<interpolation> m_boxes;
+};
+
+#endif
+
+// Samples steps of positions inside the picture: each at once, ...
+template <class Sampler, bool later = Sampler::kSamplesLater>
+class InnerSteps
+{
+public:
+    RVK_INLINE explicit InnerSteps(const Sampler& sampler) : m_sampler(sampler) {}
+
+    template <class P>
+    RVK_INLINE void sample(const P& positions, uint8_t* dst)
+    {
+        m_sampler.sampleInside(positions, dst);
+    }
+    RVK_INLINE void finish() {}
+
+private:
+    const Sampler& m_sampler;
+};
+
+// ... or several together: all are prepared first, and sampled then. A step by itself would have to take its offsets out
+// of vectors, or to wait until those that it stored are in the cache; either takes about as long as hardware gathers,
+// and the processor is far from the next step meanwhile.
+template <class Sampler>
+class InnerSteps<Sampler, true>
+{
+public:
+    RVK_INLINE explicit InnerSteps(const Sampler& sampler) : m_sampler(sampler) {}
+
+    template <class P>
+    RVK_INLINE void sample(const P& positions, uint8_t* dst)
+    {
+        m_count += m_sampler.prepareInside(m_steps[m_count], positions, dst);
+        if (m_count == kMost)
+            finish();
+    }
+    RVK_INLINE void finish()
+    {
+        const Sampler sampler = m_sampler; // in registers, whatever the pixels are written over
+        const size_t n = m_count;
+        for (size_t i = 0; i < n; ++i)
+            sampler.samplePrepared(m_steps[i]);
+        m_count = 0;
+    }
+
+private:
+    static constexpr size_t kMost = 256 / kSampleStep; // with a quarter of them, loads wait
+
+    const Sampler& m_sampler;
+    size_t m_count = 0;
+    typename Sampler::Step m_steps[kMost];
 };
 
 // ---- pictures -------------------------------------------------------------------------------------------------------
@@ -546,54 +709,16 @@ RVK_INLINE void forSteps(size_t width, size_t height, Rows rows, AreInside areIn
     }
 }
 
-#if defined(__AVX512VNNI__)
-
-// Fills a picture of at least a step's width in the same order, from boxes where all of a step can. Those steps are
-// placed first and sampled then, a row of a tile at a time: from a position to its pixel it is farther than processors
-// look ahead.
-template <class Sampler, class Boxes, class Rows>
-RVK_INLINE void sampleInBoxes(const Sampler& sampler, const Boxes& boxes, size_t width, size_t height,
-                              Plane<uint8_t> dst, Rows rows)
-{
-    constexpr size_t tile = 256;
-    struct Placed
-    {
-        typename Boxes::Step step;
-        uint8_t* to;
-    };
-    Placed placed[tile / kSampleStep];
-    for (size_t left = 0; left < width; left += tile) {
-        const size_t end = least(left + tile, width), last = end - kSampleStep;
-        for (size_t y = 0; y < height; ++y) {
-            const auto row = rows(y);
-            size_t count = 0;
-            for (size_t next = left; next < end; next += kSampleStep) {
-                const size_t x = least(next, last);
-                const auto positions = row(x, kSampleStep);
-                Placed& here = placed[count];
-                here = {boxes.place(positions), dst.row(y) + x};
-                const bool areInside = sampler.areInside(positions);
-                if (areInside && boxes.have(here.step))
-                    ++count;
-                else if (areInside)
-                    sampler.sampleInside(positions, here.to);
-                else
-                    sampler.sampleAny(positions, here.to);
-            }
-            for (size_t i = 0; i < count; ++i)
-                boxes.sample(placed[i].step, placed[i].to);
-        }
-    }
-}
-
-#endif
-
 // Of these positions.
 template <size_t channels, uint32_t interpolation, unsigned unitBits>
-RVK_INLINE StepSampler<channels, interpolation, unitBits> samplerOf(const SampledImage& image,
-                                                                    const Positions<unitBits>&)
+RVK_INLINE auto samplerOf(const SampledImage& image, const Positions<unitBits>&)
 {
-    return StepSampler<channels, interpolation, unitBits>(image);
+#if defined(__AVX512VNNI__)
+    if constexpr (kHasBoxes<channels>)
+        return BoxSampler<interpolation, unitBits>(image);
+    else
+#endif
+        return StepSampler<channels, interpolation, unitBits>(image);
 }
 
 // Fills a picture with samples of another. rows(y) gives what gives the positions of row y: row(x, n), those of n
@@ -606,15 +731,14 @@ RVK_INLINE void sampleImage(const SampledImage& image, size_t width, size_t heig
     if (width < kSampleStep)
         for (size_t y = 0; y < height; ++y)
             sampler.sampleAny(rows(y)(0, width), dst.row(y), width);
-#if defined(__AVX512VNNI__) // two fifths less time than by scattered loads
-    else if constexpr (kHasBoxes<channels>)
-        sampleInBoxes(sampler, StepBoxes<interpolation>(image), width, height, dst, rows);
-#endif
-    else
+    else {
+        InnerSteps inner(sampler);
         forSteps(
             width, height, rows, [&](const auto& p) RVK_INLINE_LAMBDA { return sampler.areInside(p); },
-            [&](const auto& p, size_t x, size_t y) RVK_INLINE_LAMBDA { sampler.sampleInside(p, pixel(x, y)); },
+            [&](const auto& p, size_t x, size_t y) RVK_INLINE_LAMBDA { inner.sample(p, pixel(x, y)); },
             [&](const auto& p, size_t x, size_t y) RVK_INLINE_LAMBDA { sampler.sampleAny(p, pixel(x, y)); });
+        inner.finish();
+    }
 }
 
 } // namespace

@@ -87,6 +87,9 @@
 //             storeWindows(p, apart, v): u8, each kWindow lanes, in order, to the places p, p + apart, ...
 // Scattered   gatherBytes, gatherPairs(p, split offsets below 2^31) -> u16: the byte, or the two bytes, at p + offset;
 //             kGatherReach: bytes from there on that may be read, 2 or more. gatherWords(p, offsets) -> u32: four bytes
+//             loadEach4(p, offsets) -> Vecs<uint32_t, 2>, loadEach8InLanes<n>(p, offsets) -> u64, n below 4: so many
+//             bytes at p + each of the split offsets in memory, in order, and in that of a u16 widened in lanes twice;
+//             x86 alone, and for offsets that were stored some time ago
 // Sums        addNeighbours(v): u8 to u16, v[2i] + v[2i + 1]; addNeighboursTo(acc, v): u8 to u16, s16 to s32;
 //             addNeighboursInLanes(a, b): of u16 below 2^15; subtractNeighbours(v): u8 to s16, v[2i] - v[2i + 1]
 //             addBytesTo(acc u32, u8), addTo(acc, v) for u16 to u32, s16 to s32, u32 to u64, s32 to s64: each element

@@ -1561,6 +1561,59 @@ RVK_INLINE Vec<uint16_t> gatherBytes(const uint8_t* p, const Vecs<uint32_t, 2>& 
 
 #endif
 
+// A register of blocks.
+RVK_INLINE Register joinBlocks(const __m128i (&blocks)[kBytes / 16])
+{
+#if RVK_AVX512
+    const __m256i low = _mm256_inserti128_si256(_mm256_castsi128_si256(blocks[0]), blocks[1], 1);
+    const __m256i high = _mm256_inserti128_si256(_mm256_castsi128_si256(blocks[2]), blocks[3], 1);
+    return _mm512_inserti64x4(_mm512_castsi256_si512(low), high, 1);
+#elif defined(__AVX2__)
+    return _mm256_inserti128_si256(_mm256_castsi128_si256(blocks[0]), blocks[1], 1);
+#else
+    return blocks[0];
+#endif
+}
+
+// The place of element i where two split vectors are stored one after the other.
+constexpr size_t placeOfSplit(size_t i) { return i % 2 * Vec<uint32_t>::lanes + i / 2; }
+
+// The 32 bits at p + each of the offsets that store() made of split vectors, in the order of memory.
+RVK_INLINE Vecs<uint32_t, 2> loadEach4(const uint8_t* p, const uint32_t* splitOffsets)
+{
+    const auto at = [=](size_t i) RVK_INLINE_LAMBDA {
+        int word;
+        __builtin_memcpy(&word, p + splitOffsets[placeOfSplit(i)], sizeof word);
+        return word;
+    };
+    const auto block = [=](size_t i) RVK_INLINE_LAMBDA {
+        const __m128i two = _mm_insert_epi32(_mm_cvtsi32_si128(at(i)), at(i + 1), 1);
+        return _mm_insert_epi32(_mm_insert_epi32(two, at(i + 2), 2), at(i + 3), 3);
+    };
+    Vecs<uint32_t, 2> r;
+    unrolled<2>([&](auto n) RVK_INLINE_LAMBDA {
+        __m128i blocks[kBytes / 16];
+        for (size_t b = 0; b < kBytes / 16; ++b)
+            blocks[b] = block(n * Vec<uint32_t>::lanes + 4 * b);
+        r[n] = vec<uint32_t>(joinBlocks(blocks));
+    });
+    return r;
+}
+
+// The 64 bits there: vector n of four, in the order of a vector of as many elements that was widened in lanes twice.
+template <size_t n>
+RVK_INLINE Vec<uint64_t> loadEach8InLanes(const uint8_t* p, const uint32_t* splitOffsets)
+{
+    const auto at = [=](size_t i) RVK_INLINE_LAMBDA { return p + splitOffsets[placeOfSplit(i)]; };
+    __m128i blocks[kBytes / 16];
+    for (size_t b = 0; b < kBytes / 16; ++b) {
+        const __m128i low = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(at(8 * b + 2 * n)));
+        const auto* const high = reinterpret_cast<const __m64*>(at(8 * b + 2 * n + 1));
+        blocks[b] = _mm_castps_si128(_mm_loadh_pi(_mm_castsi128_ps(low), high));
+    }
+    return anyVector(vec<uint64_t>(joinBlocks(blocks))); // or clang merges the last step with shuffles that follow
+}
+
 // ---- neighbours -----------------------------------------------------------------------------------------------------
 
 // The sums of neighbours, and those added to acc.
