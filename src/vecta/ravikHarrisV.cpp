@@ -17,12 +17,7 @@ using Floats = Vec<float>;
 
 constexpr size_t kProducts = 3; // of gradients: xx, yy and xy
 
-// With AVX-512 responses are made of the sums as they are: that spares a twelfth of the operations.
-#if defined(__AVX512BW__)
-using Smoothing = BinomialMeans5<UpperHalves>;
-#else
 using Smoothing = BinomialMeans5<>;
-#endif
 constexpr size_t kRowsBefore = Smoothing::rows - 1, kColumnsBefore = Smoothing::columns - 1; // in a window
 constexpr size_t kRows = 16;                                                                 // of a block
 
@@ -54,24 +49,6 @@ RVK_INLINE void multiplyGradients(size_t n, const uint8_t* above, const uint8_t*
 // Neighbouring gradients cannot all be -128, so sums of two products fit 16 bits.
 struct HarrisResponse
 {
-#if defined(__AVX512BW__)
-    // A sum of products of halves is the determinant but for c: the complement of c is 1 less than its negative.
-    RVK_INLINE Vecs<int32_t, 2> operator()(const Pairs<int32_t>& xx, const Pairs<int32_t>& yy,
-                                           const Pairs<int32_t>& xy) const
-    {
-        const Words lower = anyVector(splat<int32_t>(0xffff)); // or clang permutes words, which takes much longer
-        Pairs<int32_t> responses;
-        unrolled<2>([&](auto i) RVK_INLINE_LAMBDA {
-            const Words c = shiftRight(xy[i], 16);
-            const Shorts trace =
-                bitCast<int16_t>(~lower & bitCast<int32_t>(bitCast<int16_t>(xx[i]) + bitCast<int16_t>(yy[i])));
-            const Words p = (xx[i] & ~lower) | (c & lower), q = (yy[i] & ~lower) | (~c & lower);
-            responses[i] =
-                c - shiftRight(dotPairs(trace, trace), 4) + dotPairs(bitCast<int16_t>(p), bitCast<int16_t>(q));
-        });
-        return orderPairs(responses);
-    }
-#else
     RVK_INLINE Vecs<int32_t, 2> operator()(Shorts xx, Shorts yy, Shorts xy) const
     {
         const Shorts trace = xx + yy;
@@ -80,7 +57,6 @@ struct HarrisResponse
         return orderWidened(
             Vecs<int32_t, 2>{determinant[0] - shiftRight(square[0], 4), determinant[1] - shiftRight(square[1], 4)});
     }
-#endif
 };
 
 // Twice the smaller eigenvalue, as a key in the order of the floats; where it certainly is not above the threshold the
@@ -89,25 +65,9 @@ struct SmallerEigenvalue
 {
     Floats threshold; // twice, and no subnormal number below 0
 
-#if defined(__AVX512BW__)
-    RVK_INLINE Vecs<int32_t, 2> operator()(const Pairs<int32_t>& xx, const Pairs<int32_t>& yy,
-                                           const Pairs<int32_t>& xy) const
-    {
-        const auto mean = [](Words upper) RVK_INLINE_LAMBDA { return shiftRight(upper, 16); };
-        const Pairs<int32_t> a = {mean(xx[0]), mean(xx[1])}, b = {mean(yy[0]), mean(yy[1])};
-        return orderPairs(of(a + b, a - b, {mean(xy[0]), mean(xy[1])}));
-    }
-#else
     RVK_INLINE Vecs<int32_t, 2> operator()(Shorts xx, Shorts yy, Shorts xy) const
     {
-        return of(widen(xx + yy), widen(xx - yy), widen(xy));
-    }
-#endif
-
-private:
-    RVK_INLINE Vecs<int32_t, 2> of(const Vecs<int32_t, 2>& sums, const Vecs<int32_t, 2>& differences,
-                                   const Vecs<int32_t, 2>& mixed) const
-    {
+        const Vecs<int32_t, 2> sums = widen(xx + yy), differences = widen(xx - yy), mixed = widen(xy);
         Floats trace[2], square[2];
         Mask<float> mayExceed[2];
         unrolled<2>([&](auto i) RVK_INLINE_LAMBDA {
@@ -188,9 +148,10 @@ struct Responses
     }
 };
 
-// Where there are more than 16 registers they hold the sums of all products, and nothing smoothed goes through memory:
-// with AVX-512 that spares a tenth of the time. Of 16 they would be spilled: 40 % more instructions on 32-bit Arm.
-#if defined(__AVX512BW__) || defined(__aarch64__)
+// Where the registers can hold the sums of all products, nothing smoothed goes through memory. Of 16 they would be
+// spilled: 40 % more instructions on 32-bit Arm. Of the 32 of AVX-512, too, since weights take a fifth of them: three
+// times as many stores and loads as smoothed products take, and a seventh more time.
+#if defined(__aarch64__)
 constexpr bool kSmoothsAllAtOnce = true;
 #else
 constexpr bool kSmoothsAllAtOnce = false;

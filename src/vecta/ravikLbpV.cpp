@@ -46,8 +46,9 @@ using Falls = Vecs<int16_t, 2>;
 #if defined(__AVX512BW__)
 
 // Pixels in even columns and in odd ones, 75 times as large. Then x saturates where a product would leave a signed byte,
-// and each product is an upper byte of multiplyRounded. Nothing but these is shuffled: that has one port, which the
-// comparisons need.
+// and each product is an upper byte: of multiplyRounded, or of its negative, which is a plain difference. On Intel's
+// processors comparisons have the only port for shuffles, on AMD's the two for products and for sums that saturate, so
+// there is little of either.
 RVK_INLINE Falls fallsOf(Bytes left, Bytes right)
 {
     const Vec<int8_t> weights = bitCast<int8_t>(splatPair(75, -75));
@@ -57,11 +58,10 @@ RVK_INLINE Falls fallsOf(Bytes left, Bytes right)
 RVK_INLINE Vecs<int8_t, 2> productsOf(const Falls& above, const Falls& below)
 {
     const Vec<int16_t> even = subSat(below[0], above[0]), odd = subSat(below[1], above[1]);
-    const auto by = [=](int16_t ratio) RVK_INLINE_LAMBDA {
-        return bitCast<int8_t>(
-            joinUpperHalves(multiplyRounded(even, splat(ratio)), multiplyRounded(odd, splat(ratio))));
-    };
-    return {by(32761), by(-32761)};
+    const Vec<int16_t> ratio = splat<int16_t>(32761), none = zero<int16_t>();
+    const Vec<int16_t> ofEven = multiplyRounded(even, ratio), ofOdd = multiplyRounded(odd, ratio);
+    return {bitCast<int8_t>(joinUpperHalves(ofEven, ofOdd)),
+            bitCast<int8_t>(joinUpperHalves(none - ofEven, none - ofOdd))};
 }
 
 #else
@@ -97,22 +97,26 @@ struct Row
 // A row of squares has two answers for the pixels in each of its corners, each a bit of their codes: these ones.
 constexpr unsigned kOfUpperLeft = 0xc1, kOfLowerLeft = 0x30, kOfLower = 0x38;
 
-// Gives `take` the answers, clockwise from the point below, with the numbers of their bits: where the point is darker.
+// The answers say where a point is darker, but these where it is not: -v > w is the contrary of w > ~v, where nothing
+// saturates.
+constexpr uint8_t kNotDarker = 0x82;
+
+// Gives `take` the answers, clockwise from the point below, with the numbers of their bits.
 template <class Take>
 RVK_INLINE void answer(const Row& above, const Row& below, Take take)
 {
     const Vec<int8_t> a = above.left, b = above.right, c = below.left, d = below.right;
     const Vecs<int8_t, 2> products = productsOf(above.falls, below.falls);
     const Vec<int8_t> ofX = products[0], ofMinusX = products[1];
-    const Vec<int8_t> falling = subSat(d, a), rising = subSat(c, b), none = zero<int8_t>();
+    const Vec<int8_t> falling = subSat(d, a), rising = subSat(c, b);
     take(Constant<0>{}, greater(a, c));
-    take(Constant<1>{}, greater(subSat(none, ofMinusX), rising));
+    take(Constant<1>{}, greater(rising, ~ofMinusX));
     take(Constant<2>{}, greater(b, a));
     take(Constant<3>{}, greater(falling, ofX));
     take(Constant<4>{}, greater(c, a));
     take(Constant<5>{}, greater(rising, ofMinusX));
     take(Constant<6>{}, greater(a, b));
-    take(Constant<7>{}, greater(subSat(none, ofX), falling));
+    take(Constant<7>{}, greater(falling, ~ofX));
 }
 
 // The codes, 1 for what is not darker, come from four squares.
@@ -138,10 +142,10 @@ public:
         });
         const Bytes squares = bitCast<uint8_t>(bits), toTheRight = extract<1>(squares, squares);
         const Bytes inLowerSquares = selectBits(splat(uint8_t{kOfUpperLeft}), toTheRight, squares);
-        const Bytes codes = ~selectBits(splat(uint8_t{kOfLower}), m_fromAbove, inLowerSquares);
+        const Bytes answers = selectBits(splat(uint8_t{kOfLower}), m_fromAbove, inLowerSquares);
         m_fromAbove = selectBits(splat(uint8_t{kOfLowerLeft}), toTheRight, squares);
         m_row = below;
-        return codes;
+        return answers ^ splat(static_cast<uint8_t>(~kNotDarker));
     }
 
 private:
@@ -197,7 +201,7 @@ public:
     // The codes of one of these rows, given the column beside this one.
     RVK_INLINE Bytes codes(size_t row, const AnswersOfColumn& next) const
     {
-        return gatherFalse(m_ofRows[row + 1], next.m_ofRows[row + 1], kFirst);
+        return gatherBits<kNotDarker>(m_ofRows[row + 1], next.m_ofRows[row + 1], kFirst);
     }
 
 private:

@@ -481,20 +481,20 @@ SimdGroup single()
         BINARY(int8_t, withBits(a & splat<int8_t>(15), greater(a, b), splat<int8_t>(48)), (a & 15) | (a > b ? 48 : 0)),
 #if defined(__AVX512BW__)
         mapping<uint8_t, uint8_t, 2 * kBytes, kBytes>(
-            "gatherFalse",
+            "gatherBits",
             [](const uint8_t* in, uint8_t* out) {
                 constexpr uint64_t first[8] = {1, 0, 0, 1, 0, 63, 1, 0};
                 uint64_t masks[2][8];
                 __builtin_memcpy(masks, in, sizeof masks);
-                store(out, gatherFalse(masks[0], masks[1], first));
+                store(out, gatherBits<0x96>(masks[0], masks[1], first));
             },
             [](const uint8_t* in, size_t i) {
                 unsigned bits = 0;
                 for (size_t k = 0; k < 8; ++k) {
                     const size_t bit = i + (k == 5 ? 63 : 0x49 >> k & 1);
-                    bits |= (~in[bit / 64 * kBytes + 8 * k + bit % 64 / 8] >> bit % 8 & 1u) << k;
+                    bits |= (in[bit / 64 * kBytes + 8 * k + bit % 64 / 8] >> bit % 8 & 1u) << k;
                 }
-                return bits;
+                return bits ^ 0x69;
             }),
 #endif
 #if defined(__x86_64__)

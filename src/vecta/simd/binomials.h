@@ -43,12 +43,6 @@ struct Sums
     }
 };
 
-// Sums of which the upper halves are what is wanted, and left to the caller.
-struct UpperHalves
-{
-    static RVK_INLINE Pairs<int32_t> of(Pairs<int32_t> sums) { return sums; }
-};
-
 // As rowSum. Of 16-bit elements with AVX-512 by the instruction that adds products: 5x5 windows then take a tenth less.
 // On Arm the windows of 5 by shifts of what one load and a half bring, which on 32 bits spares the addresses of others.
 template <class W, class T>

@@ -3,8 +3,8 @@
 //
 // withBits(v, mask, bits): s8, v with these bits, which it has not, in the true lanes
 // selectBits(mask, a, b): u8, the bits of a where the mask has ones, else those of b
-// gatherFalse(masks, next, first): u8, with AVX-512 alone: bit k of lane i is set where lane i + first[k] of masks[k],
-// followed by next[k], is false; first[k] is below 64
+// gatherBits<ofTrue>(masks, next, first): u8, with AVX-512 alone: bit k of lane i is set where lane i + first[k] of
+// masks[k], followed by next[k], is true if bit k of ofTrue is set, else where it is false; first[k] is below 64
 // subtractWideInLanes(a, b): u8 -> s16, exact
 #pragma once
 
@@ -38,10 +38,11 @@ struct BitSquares
 };
 constexpr BitSquares kBitSquares;
 
-RVK_INLINE Vec<uint8_t> gatherFalse(const uint64_t (&masks)[8], const uint64_t (&next)[8], const uint64_t (&first)[8])
+template <uint8_t ofTrue>
+RVK_INLINE Vec<uint8_t> gatherBits(const uint64_t (&masks)[8], const uint64_t (&next)[8], const uint64_t (&first)[8])
 {
     constexpr int64_t columns = static_cast<int64_t>(0x8040201008040201);
-    constexpr int invert = 0xff;
+    constexpr int invert = 0xff ^ ofTrue;
     __m512i counts = _mm512_loadu_si512(first);
     __asm__("" : "+v"(counts)); // clang 14 turns a shift by known counts round, and then takes 0 for 64
     const __m512i shifted = _mm512_shrdv_epi64(_mm512_loadu_si512(masks), _mm512_loadu_si512(next), counts);
