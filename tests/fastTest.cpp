@@ -151,6 +151,16 @@ TEST(Fast, FindsTheCornersOfTheDefinition)
     EXPECT_GT(corners, 500u);
 }
 
+TEST(Fast, FindsTheBestCornersOfLongRows)
+{
+    Random random(2);
+    const auto src = naturalPicture(5000, 20, random);
+    const Search search = {9, 15, 3, 5000, true};
+    const Corners expected = expectedCorners(src, search, [](int, int) { return false; });
+    EXPECT_GT(expected.size(), 500u);
+    expectCorners<Slot::rvkCornerFast9Scoreu8_v2>(src, search, expected);
+}
+
 TEST(Fast, MasksOfAllSizesExcludePixels)
 {
     Random random(2);

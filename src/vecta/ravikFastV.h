@@ -130,16 +130,53 @@ RVK_INLINE Mask<uint8_t> mayBeCorners(const uint8_t* pixel, ptrdiff_t stride, By
 
 // ---- corners -------------------------------------------------------------------------------------------------------
 
-// Rows of contrasts, by their columns, 0 where there is no corner; each is followed by room for a step.
+// Rows of contrasts, by their columns, 0 where there is no corner; each is followed by room for a step. Most of a
+// picture has no corners: only sections of rows that have some are looked at and cleared.
 struct ContrastRows
 {
     static constexpr size_t kBand = 8, kRows = kBand + 2; // rows that are searched at once, and their neighbours
 
     uint8_t* data; // null: none
     size_t pitch;
+    uint32_t begin, end; // of the columns that may be corners
+    uint32_t sectionBits;
+    uint64_t sections[kRows]; // bit s: whether section s has some
+
+    // Rows without corners in this memory.
+    static RVK_INLINE ContrastRows in(void* memory, size_t pitch, uint32_t begin, uint32_t end)
+    {
+        ContrastRows rows = {static_cast<uint8_t*>(memory), pitch, begin, end, __builtin_ctz(kBytes), {}};
+        while ((end - begin) >> rows.sectionBits >= 64)
+            ++rows.sectionBits;
+        __builtin_memset(memory, 0, kRows * pitch);
+        return rows;
+    }
 
     RVK_INLINE uint8_t* row(uint32_t y) const { return data + y % kRows * pitch; }
-    RVK_INLINE void clear(uint32_t y) const { __builtin_memset(row(y), 0, pitch); }
+    RVK_INLINE void put(uint32_t x, uint32_t y, uint8_t contrast)
+    {
+        row(y)[x] = contrast;
+        sections[y % kRows] |= uint64_t{1} << ((x - begin) >> sectionBits);
+    }
+
+    // Calls for each section with corners: its columns, from the first to behind the last.
+    template <class Visit>
+    RVK_INLINE void forSections(uint32_t y, Visit visit) const
+    {
+        for (uint64_t left = sections[y % kRows]; left; left &= left - 1) {
+            const size_t from = begin + (static_cast<size_t>(__builtin_ctzll(left)) << sectionBits);
+            const size_t to = from + (size_t{1} << sectionBits);
+            visit(from, to < end ? to : end);
+        }
+    }
+    RVK_INLINE void clear(uint32_t y)
+    {
+        forSections(y, [&](size_t from, size_t to) RVK_INLINE_LAMBDA {
+            for (size_t x = from; x < to; x += kBytes)
+                store(row(y) + x, zero<uint8_t>());
+        });
+        sections[y % kRows] = 0;
+    }
 };
 
 // Where corners go: into a list, or their contrasts into rows.
@@ -163,7 +200,7 @@ struct Corners
         if (mask && mask->excludes(x, y))
             return true;
         if (contrasts.data) {
-            contrasts.row(y)[x] = contrast;
+            contrasts.put(x, y, contrast);
         } else {
             list.xy[size_t{2} * count] = x;
             list.xy[size_t{2} * count + 1] = y;
@@ -192,56 +229,79 @@ struct Search
     ptrdiff_t stride;
 };
 
-// Steps that may have corners, row by row.
-struct Candidates
-{
-    static constexpr size_t kMost = 128;
-    struct Row
-    {
-        const uint8_t* pixels; // its column 0
-        uint32_t y;
-        size_t end; // behind its steps
-    };
-
-    const uint8_t* steps[kMost + 1];
-    LaneBits bits[kMost + 1]; // of the pixels that may be corners
-    size_t count;
-    Row rows[ContrastRows::kBand];
-    size_t rowCount;
-
-    RVK_INLINE void endRow(const uint8_t* pixels, uint32_t y) { rows[rowCount++] = {pixels, y, count}; }
-};
-
 // The parts of steps that are worked on, together with those of other steps.
 constexpr size_t kBlockBytes = 16, kBlocks = kBytes / kBlockBytes;
-constexpr size_t kMostBlocks = Candidates::kMost * kBlocks;
 
-// The blocks of the candidates that may have corners, row by row.
+// Where blocks of many steps are chosen at once (AVX-512), all steps are candidates: a store whose address waits for a
+// comparison holds up the loads after it.
+constexpr bool kTakesAllSteps = kBytes == 64;
+
+// Steps that may have corners, row by row: where they begin, counted from column 0 of the first row.
+struct Candidates
+{
+    static constexpr size_t kMost = 256;
+
+    const uint8_t* origin;
+    uint32_t y; // of the first row
+    size_t count;
+    uint32_t steps[kMost + Vec<uint32_t>::lanes];
+    LaneBits bits[kMost + kBlocks]; // of the pixels that may be corners, where steps are several blocks
+};
+
+// The blocks of the candidates that may have corners.
 struct Blocks
 {
-    const uint8_t* pixels[kMostBlocks + kBlocks]; // the last of them repeated, so that whole vectors of blocks are
-    LaneBits corners[Candidates::kMost];          // of vectors of blocks, where they are known
-    size_t ends[ContrastRows::kBand];             // behind the blocks of each row
+    static constexpr size_t kMost = Candidates::kMost * kBlocks;
+
+    const uint8_t* origin;
     size_t count;
+    uint32_t places[kMost + Vec<uint32_t>::lanes]; // the last of them repeated, so that whole vectors of blocks are
+    LaneBits corners[kMost / kBlocks];             // of vectors of blocks, where they are known
 
     RVK_INLINE void finish(size_t end)
     {
         for (size_t i = 0; i < kBlocks && end; ++i)
-            pixels[end + i] = pixels[end - 1];
+            places[end + i] = places[end - 1];
         count = end;
     }
 };
 
-RVK_INLINE void takeBlocks(const Candidates& candidates, Blocks& blocks)
+// A vector of blocks.
+struct BlocksAt
 {
-    size_t count = 0, step = 0;
-    for (size_t r = 0; r < candidates.rowCount; ++r) {
-        for (; step < candidates.rows[r].end; ++step)
+    const uint8_t* pixels[kBlocks];
+
+    RVK_INLINE BlocksAt(const Blocks& blocks, size_t first)
+    {
+        unrolled<kBlocks>([&](auto i) RVK_INLINE_LAMBDA { pixels[i] = blocks.origin + blocks.places[first + i]; });
+    }
+};
+
+RVK_INLINE void takeBlocks(Candidates& candidates, Blocks& blocks)
+{
+    const size_t stepCount = candidates.count;
+    size_t count = 0;
+    blocks.origin = candidates.origin;
+    if constexpr (kBlocks == 1) {
+        __builtin_memcpy(blocks.places, candidates.steps, stepCount * sizeof *blocks.places);
+        count = stepCount;
+    } else if constexpr (kTakesAllSteps) {
+        using Places = Vec<uint32_t>;
+        const Places inStep = shiftLeft(iota<uint32_t>() & splat<uint32_t>(kBlocks - 1), 4);
+        for (size_t i = 0; i < kBlocks; ++i) // what fills the last vector
+            candidates.bits[stepCount + i] = 0;
+        for (size_t i = 0; i < stepCount; i += Places::lanes / kBlocks) {
+            const Places steps = load(candidates.steps + i);
+            const Places places = shuffle(steps, steps, [](size_t lane) { return lane / kBlocks; }) + inStep;
+            const Places bits = loadWiden<uint32_t>(reinterpret_cast<const uint16_t*>(candidates.bits + i));
+            count += storeChosen(blocks.places + count, places, greater(bits, zero<uint32_t>()), places);
+        }
+    } else {
+        for (size_t step = 0; step < stepCount; ++step)
             for (size_t i = 0; i < kBlocks; ++i) {
-                blocks.pixels[count] = candidates.steps[step] + i * kBlockBytes;
+                blocks.places[count] = candidates.steps[step] + static_cast<uint32_t>(i * kBlockBytes);
                 count += (candidates.bits[step] >> i * kBlockBytes & 0xffff) != 0;
             }
-        blocks.ends[r] = count;
     }
     blocks.finish(count);
 }
@@ -285,10 +345,11 @@ RVK_NOINLINE void siftBlocks(const Search& search, Blocks& blocks)
     ComparedCircles bright[2], dark[2];
     const auto compare = [&](size_t first, size_t parity) RVK_INLINE_LAMBDA {
         for (size_t i = 0; i < group && first + i < count; i += kBlocks) {
-            const uint8_t* const* const pixels = blocks.pixels + first + i;
-            const Bytes centre = loadEach16(pixels, 0), high = addSat(centre, barrier), low = subSat(centre, barrier);
+            const BlocksAt at(blocks, first + i);
+            const Bytes centre = loadEach16(at.pixels, 0);
+            const Bytes high = addSat(centre, barrier), low = subSat(centre, barrier);
             unrolled<kCirclePoints>([&](auto k) RVK_INLINE_LAMBDA {
-                const Bytes pixel = loadEach16(pixels, offsetOf(k, stride));
+                const Bytes pixel = loadEach16(at.pixels, offsetOf(k, stride));
                 bright[parity].bits[k][i / kBlocks] = laneBits(greater(pixel, high));
                 dark[parity].bits[k][i / kBlocks] = laneBits(less(pixel, low));
             });
@@ -314,18 +375,18 @@ RVK_NOINLINE bool takeCorners(const Search& search, Candidates& candidates, Corn
 {
     Blocks blocks;
     takeBlocks(candidates, blocks);
-    size_t row = 0;
+    uint32_t y = candidates.y, rowEnd = static_cast<uint32_t>(search.stride);
     const auto take = [&](size_t first, size_t lane, uint8_t contrast) RVK_INLINE_LAMBDA { // of a vector of blocks
         const size_t block = first + lane / kBlockBytes;
         if (block >= blocks.count)
             return true;
-        while (block >= blocks.ends[row])
-            ++row;
-        const Candidates::Row& of = candidates.rows[row];
-        const auto x = static_cast<uint32_t>(blocks.pixels[block] + lane % kBlockBytes - of.pixels);
-        return x < search.begin || x >= search.end || corners.take(x, of.y, contrast);
+        const auto place = static_cast<uint32_t>(blocks.places[block] + lane % kBlockBytes);
+        for (; place >= rowEnd; rowEnd += static_cast<uint32_t>(search.stride))
+            ++y;
+        const uint32_t x = place - (rowEnd - static_cast<uint32_t>(search.stride));
+        return x < search.begin || x >= search.end || corners.take(x, y, contrast);
     };
-    candidates.count = candidates.rowCount = 0;
+    candidates.count = 0;
     if constexpr (kSiftsBlocks) {
         if (!corners.needsContrasts()) {
             siftBlocks<arc>(search, blocks);
@@ -338,7 +399,7 @@ RVK_NOINLINE bool takeCorners(const Search& search, Candidates& candidates, Corn
     }
     const Bytes barrier = splat(search.barrier);
     for (size_t i = 0; i < blocks.count; i += kBlocks) {
-        const Bytes contrast = contrasts<arc>(blocks.pixels + i, search.stride);
+        const Bytes contrast = contrasts<arc>(BlocksAt(blocks, i).pixels, search.stride);
         LaneBits bits = laneBits(greater(contrast, barrier));
         if (!bits)
             continue;
@@ -353,38 +414,39 @@ RVK_NOINLINE bool takeCorners(const Search& search, Candidates& candidates, Corn
     return true;
 }
 
-// Adds the candidates of row y, whose column 0 is at `row`. False when there is no room for another corner.
+// Adds the candidates of the row whose column 0 is at this place. False when there is no room for another corner.
 template <uint32_t arc>
-RVK_NOINLINE bool searchRow(const Search& search, const uint8_t* row, uint32_t y, Candidates& candidates,
-                            Corners& corners)
+RVK_NOINLINE bool searchRow(const Search& search, uint32_t row, Candidates& candidates, Corners& corners)
 {
     const Bytes barrier = splat(search.barrier);
     const ptrdiff_t stride = search.stride;
+    const uint8_t* const origin = candidates.origin;
+    const uint32_t end = row + search.end, last = row + search.last;
     size_t count = candidates.count;
-    uint32_t next = kAlignsSteps ? search.second : search.begin + uint32_t{kBytes};
-    for (uint32_t x = search.begin; x < search.end; x = next, next += kBytes) {
-        const uint8_t* const pixel = row + (x < search.last ? x : search.last);
-        LaneBits bits;
-        if constexpr (kBytes == kBlockBytes) { // most steps end with few pixels
+    uint32_t next = row + (kAlignsSteps ? search.second : search.begin + uint32_t{kBytes});
+    for (uint32_t place = row + search.begin; place < end; place = next, next += kBytes) {
+        const uint32_t step = place < last ? place : last;
+        const uint8_t* const pixel = origin + step;
+        if constexpr (kBlocks == 1) { // most steps end with few pixels
             if (!any(mayBeCorners<arc>(pixel, stride, barrier, typename TestedPairs<arc>::First{})))
                 continue;
-            bits = any(mayBeCorners<arc>(pixel, stride, barrier, typename TestedPairs<arc>::Second{}));
+            candidates.steps[count] = step;
+            count += any(mayBeCorners<arc>(pixel, stride, barrier, typename TestedPairs<arc>::Second{}));
         } else { // chance decides
-            bits = laneBits(mayBeCorners<arc>(pixel, stride, barrier, typename TestedPairs<arc>::OfWideStep{}));
+            const LaneBits bits =
+                laneBits(mayBeCorners<arc>(pixel, stride, barrier, typename TestedPairs<arc>::OfWideStep{}));
+            candidates.steps[count] = step;
+            candidates.bits[count] = bits;
+            count += kTakesAllSteps || bits != 0;
         }
-        candidates.steps[count] = pixel;
-        candidates.bits[count] = bits;
-        count += bits != 0;
         if (count == Candidates::kMost) {
             candidates.count = count;
-            candidates.endRow(row, y);
             if (!takeCorners<arc>(search, candidates, corners))
                 return false;
             count = 0;
         }
     }
     candidates.count = count;
-    candidates.endRow(row, y);
     return true;
 }
 
@@ -404,25 +466,25 @@ struct ShortRows
 };
 
 // Appends the corners of row y that are above all of their neighbours to the list.
-RVK_NOINLINE void takeMaxima(const ContrastRows& rows, const FastPicture& picture, uint32_t y, const CornerList& list)
+RVK_NOINLINE void takeMaxima(const ContrastRows& rows, uint32_t y, const CornerList& list)
 {
     const uint8_t *above = rows.row(y - 1), *here = rows.row(y), *below = rows.row(y + 1);
     uint32_t count = *list.count;
-    for (uint32_t x = picture.border; x < picture.width - picture.border; x += kBytes) {
-        const Bytes contrast = load(here + x);
-        if (!any(greater(contrast, zero<uint8_t>())))
-            continue;
-        const auto around = [=](const uint8_t* row)
-                                RVK_INLINE_LAMBDA { return max(load(row + x - 1), load(row + x + 1)); };
-        const Bytes neighbours =
-            max(max(max(around(above), load(above + x)), max(around(below), load(below + x))), around(here));
-        for (LaneBits bits = laneBits(greater(contrast, neighbours)); bits; bits &= bits - 1) {
-            const uint32_t column = x + static_cast<uint32_t>(lowestBit(bits));
-            list.xy[size_t{2} * count] = column;
-            list.xy[size_t{2} * count + 1] = y;
-            list.scores[count++] = here[column] - 1u;
+    rows.forSections(y, [&](size_t from, size_t to) RVK_INLINE_LAMBDA {
+        for (size_t x = from; x < to; x += kBytes) {
+            const Bytes contrast = load(here + x);
+            const auto around = [=](const uint8_t* row)
+                                    RVK_INLINE_LAMBDA { return max(load(row + x - 1), load(row + x + 1)); };
+            const Bytes neighbours =
+                max(max(max(around(above), load(above + x)), max(around(below), load(below + x))), around(here));
+            for (LaneBits bits = laneBits(greater(contrast, neighbours)); bits; bits &= bits - 1) {
+                const size_t column = x + lowestBit(bits);
+                list.xy[size_t{2} * count] = static_cast<uint32_t>(column);
+                list.xy[size_t{2} * count + 1] = y;
+                list.scores[count++] = here[column] - 1u;
+            }
         }
-    }
+    });
     *list.count = count;
 }
 
@@ -431,7 +493,7 @@ RVK_NOINLINE void takeMaxima(const ContrastRows& rows, const FastPicture& pictur
 // The corners of all rows into the list, or, where there are rows of contrasts, the best ones.
 template <uint32_t arc>
 RVK_NOINLINE void search(const FastPicture& picture, const BitMask* mask, const CornerList& list,
-                         const ContrastRows& contrasts)
+                         const ContrastRows& emptyContrasts)
 {
     constexpr uint32_t step = kBytes;
     const uint32_t right = picture.width - 3, bottom = picture.height - picture.border;
@@ -445,13 +507,12 @@ RVK_NOINLINE void search(const FastPicture& picture, const BitMask* mask, const 
                            isShort ? 3 : right - step,
                            static_cast<uint8_t>(picture.barrier < 255 ? picture.barrier : 255),
                            static_cast<ptrdiff_t>(isShort ? ShortRows::kStride : picture.stride)};
-    Corners corners = {mask, list, contrasts};
+    Corners corners = {mask, list, emptyContrasts};
+    ContrastRows& contrasts = corners.contrasts;
     ShortRows rows;
     Candidates candidates;
-    candidates.count = candidates.rowCount = 0;
-    const uint32_t band = isShort ? 1 : ContrastRows::kBand;
-    if (contrasts.data)
-        contrasts.clear(picture.border - 1);
+    candidates.count = 0;
+    const uint32_t band = isShort || picture.stride >= 1u << 28 ? 1 : ContrastRows::kBand; // places have 32 bits
 
     bool hasRoom = true;
     uint32_t top = picture.border;
@@ -460,19 +521,19 @@ RVK_NOINLINE void search(const FastPicture& picture, const BitMask* mask, const 
         if (contrasts.data)
             for (uint32_t y = top; y < end; ++y)
                 contrasts.clear(y);
-        for (uint32_t y = top; y < end && hasRoom; ++y) {
-            const uint8_t* const row = isShort ? rows.fill(picture, y) : picture.src + size_t{y} * picture.stride;
-            hasRoom = searchRow<arc>(search, row, y, candidates, corners);
-        }
+        candidates.origin = isShort ? rows.fill(picture, top) : picture.src + size_t{top} * picture.stride;
+        candidates.y = top;
+        for (uint32_t y = top; y < end && hasRoom; ++y)
+            hasRoom = searchRow<arc>(search, (y - top) * picture.stride, candidates, corners);
         hasRoom = hasRoom && takeCorners<arc>(search, candidates, corners);
         if (contrasts.data)
             for (uint32_t y = top == picture.border ? top : top - 1; y < end - 1; ++y)
-                takeMaxima(contrasts, picture, y, list);
+                takeMaxima(contrasts, y, list);
         top = end;
     }
     if (contrasts.data) {
         contrasts.clear(top);
-        takeMaxima(contrasts, picture, top - 1, list);
+        takeMaxima(contrasts, top - 1, list);
     } else {
         *list.count = corners.count;
     }
@@ -491,8 +552,12 @@ RVK_INLINE void detectCorners(const SegmentTest& test, const FastPicture& pictur
         return;
     const uint64_t pitch = uint64_t{picture.width} + kBytes;
     const uint64_t room = (uint64_t{3} * list.capacity + picture.height) * sizeof *tempBuf;
-    if (!tempBuf || ContrastRows::kRows * pitch <= room) {
-        search<arc>(picture, mask, list, {reinterpret_cast<uint8_t*>(tempBuf), static_cast<size_t>(pitch)});
+    if (!tempBuf) {
+        search<arc>(picture, mask, list, {});
+    } else if (ContrastRows::kRows * pitch <= room) {
+        search<arc>(
+            picture, mask, list,
+            ContrastRows::in(tempBuf, static_cast<size_t>(pitch), picture.border, picture.width - picture.border));
     } else { // too few corners are wanted for rows of contrasts
         const CornerList raw = {tempBuf, tempBuf + size_t{2} * list.capacity, list.capacity, list.count};
         search<arc>(picture, mask, raw, {});
