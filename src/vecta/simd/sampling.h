@@ -631,9 +631,9 @@ private:
     const Sampler& m_sampler;
 };
 
-// ... or several together: all are prepared first, and sampled then. A step by itself would have to take its offsets out
-// of vectors, or to wait until those that it stored are in the cache; either takes about as long as hardware gathers,
-// and the processor is far from the next step meanwhile.
+// ... or several together: all are prepared first, and sampled then. A step by itself would have to take its offsets
+// out of vectors, or to wait until those that it stored are in the cache; either takes about as long as hardware
+// gathers, and the processor is far from the next step meanwhile.
 template <class Sampler>
 class InnerSteps<Sampler, true>
 {
