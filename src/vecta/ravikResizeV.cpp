@@ -1129,6 +1129,85 @@ bool averageColumnsFirst(const Resizing& r, Axis columns, Axis rows, const Means
                                      : averageColumnsFirst<Sum<2>>(r, columns, rows, means, average);
 }
 
+// Means of whole pixels by the same sums, all of whose weights are alike: of columns of `narrow` pixels and of those of
+// one more.
+struct PixelMeans
+{
+    Mean16 ofNarrow, ofWide;
+
+    PixelMeans(uint64_t narrow, uint64_t rows) : ofNarrow(narrow * rows), ofWide((narrow + 1) * rows) {}
+    bool exist() const { return ofNarrow.exists() && ofWide.exists(); }
+};
+
+using AveragePixels = void(size_t end, const WeighedRows& rows, const PixelMeans& means, const uint8_t* isWide,
+                           uint8_t* dst);
+template <size_t pairs>
+RVK_NOINLINE void averagePixels(size_t end, const WeighedRows& given, const PixelMeans& givenMeans,
+                                const uint8_t* isWide, uint8_t* dst)
+{
+    const WeighedRows rows = given; // which no store changes
+    const PixelMeans means = givenMeans;
+    mapColumns(0, end, dst, [&](size_t x) RVK_INLINE_LAMBDA {
+        return select(greater(load(isWide + x), zero<uint8_t>()), averageOf<pairs>(rows, x, means.ofWide),
+                      averageOf<pairs>(rows, x, means.ofNarrow));
+    });
+}
+
+// Which pixels of a row are columns, and where these are wide.
+template <class Sum>
+RVK_NOINLINE void setPixels(Columns<Sum>& table, uint8_t* isWide, const Resizing& r, uint32_t pixelSize)
+{
+    const Axis axis = columnsOf(r);
+    const size_t narrow = axis.from / axis.to;
+    Quotients next = firstWholePixels(axis);
+    for (size_t x = 0; x < r.dstWidth; ++x) {
+        const auto begin = static_cast<size_t>(next.value());
+        next.next();
+        const size_t count = static_cast<size_t>(next.value()) - begin;
+        for (size_t channel = 0; channel < pixelSize; ++channel) {
+            const size_t column = x * pixelSize + channel;
+            isWide[column] = count > narrow;
+            for (size_t i = 0; i < 2 * Sum::pairs; i += 2)
+                table.set(column, i / 2, least(begin + i, r.srcWidth - 1) * pixelSize + channel, i < count,
+                          i + 1 < count);
+        }
+    }
+    table.finish();
+}
+
+// False where windows are too narrow, or without scratch memory.
+template <size_t pairs>
+bool averagePixelsColumnsFirst(const Resizing& r, uint32_t pixelSize)
+{
+    constexpr AveragePixels* average[3] = {averagePixels<1>, averagePixels<2>, averagePixels<3>};
+    using Sum = WeightedSum<pairs>;
+    const Axis rowAxis = rowsOf(r);
+    const size_t fewest = rowAxis.from / rowAxis.to, bytes = size_t{r.dstWidth} * pixelSize;
+    const size_t narrow = r.srcWidth / r.dstWidth;
+    const size_t unit = narrow * fewest == 1 ? 2 : 1; // of weights: there is no mean of one
+    const PixelMeans means[2] = {{narrow, unit * fewest}, {narrow, unit * (fewest + 1)}};
+    if (!means[0].exist() || !means[1].exist())
+        return false;
+    Columns<Sum> columns(size_t{r.srcWidth} * pixelSize, bytes, pixelSize);
+    Scratch<uint8_t> isWide(roundedUp(bytes, kBytes));
+    ScaledRows<Sum, kMostRows - 1 + kMostInBatch / 2> scaled(r, columns);
+    if (!columns.exists() || !isWide || !scaled.exists())
+        return false;
+    setPixels(columns, isWide.get(), r, pixelSize);
+    if (!columns.hasWindows())
+        return false;
+    for (uint32_t y = 0; y < r.dstHeight; ++y) {
+        const uint32_t begin = firstWholePixel(rowAxis, y), count = firstWholePixel(rowAxis, y + 1) - begin;
+        WeighedRows rows;
+        for (uint32_t i = 0; i < count + count % 2; ++i) {
+            rows.row[i] = i < count ? scaled.at(begin + i) : rows.row[0];
+            rows.weight[i] = static_cast<int16_t>(i < count ? unit : 0);
+        }
+        average[(count - 1) / 2](bytes, rows, means[count - fewest], isWide.get(), targetRow(r, y));
+    }
+    return true;
+}
+
 // sums = first * row 0 + whole * the whole rows that follow + last * the one behind them, in columns of one vector.
 struct RowWeights
 {
@@ -1287,6 +1366,24 @@ void irvkScaleDownMNCoreV(const uint8_t* src, uint32_t srcWidth, uint32_t rows, 
         (pixelSize == 1 ? meansOfColumns<1> : meansOfColumns<2>)(src, axis, rows, srcStride, dst);
 }
 
+namespace {
+
+void scaleMeans(const Resizing& r, uint32_t pixelSize)
+{
+    const Axis columns = columnsOf(r), rows = rowsOf(r);
+    const size_t widest = (columns.from - 1) / columns.to + 1;
+    const bool areBlocks = columns.from % columns.to == 0 && columns.from > columns.to; // which have a way of their own
+    if (!areBlocks && widest <= 4 && (rows.from - 1) / rows.to < kMostRows &&
+        (widest <= 2 ? averagePixelsColumnsFirst<1> : averagePixelsColumnsFirst<2>)(r, pixelSize))
+        return;
+    for (uint32_t y = 0; y < r.dstHeight; ++y) {
+        const uint32_t begin = firstWholePixel(rows, y), end = firstWholePixel(rows, y + 1);
+        irvkScaleDownMNCoreV(sourceRow(r, begin), r.srcWidth, end - begin, r.srcStride, pixelSize, targetRow(r, y),
+                             r.dstWidth);
+    }
+}
+
+} // namespace
 } // namespace rvk::vecta::RVK_ISA
 
 #include "forms/ravikResizeForms.h"
