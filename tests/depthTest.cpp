@@ -57,11 +57,17 @@ TEST(Depth, BitDepthsOfAllValues)
 
 // ---- pictures of depths ----
 
+#if defined(__x86_64__)
+constexpr bool kWritesLargeClouds = true; // in a way of their own
+#else
+constexpr bool kWritesLargeClouds = false;
+#endif
+
 TEST(Depth, CloudsAreExact)
 {
     Random random(1);
     for (int trial = 0; trial < 40; ++trial) {
-        const bool isLarge = trial == 0; // beyond the caches
+        const bool isLarge = kWritesLargeClouds && trial == 0; // beyond the caches
         const uint32_t width = isLarge ? 601 : 1 + random.below(70), height = isLarge ? 1750 : 1 + random.below(5);
         Floats src = drawFloats(random, width * height, -1, 9);
         for (const float odd : {0.0f, NAN, INFINITY, -INFINITY, 1e-30f, 1e20f})
