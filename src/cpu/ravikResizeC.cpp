@@ -216,14 +216,9 @@ void scaleCubic(const Resizing& r, uint32_t pixelSize)
     interpolateCubic(r, pixelSize);
 }
 
-void scaleMeans(const Resizing& r, uint32_t pixelSize)
+bool scaleMeansAtOnce(const Resizing&, uint32_t)
 {
-    const Axis rows = rowsOf(r);
-    for (uint32_t y = 0; y < r.dstHeight; ++y) {
-        const uint32_t begin = firstWholePixel(rows, y), end = firstWholePixel(rows, y + 1);
-        irvkScaleDownMNCoreC(r.src + size_t{begin} * r.srcStride, r.srcWidth, end - begin, r.srcStride, pixelSize,
-                             r.dst + size_t{y} * r.dstStride, r.dstWidth);
-    }
+    return false;
 }
 
 } // namespace

@@ -1,4 +1,5 @@
-// Scaling by any ratio, by the drivers of either room: scaleNearest, scaleBilinear, scaleArea, scaleCubic, scaleMeans.
+// Scaling by any ratio, by the drivers of either room: scaleNearest, scaleBilinear, scaleArea, scaleCubic; means by
+// scaleMeansAtOnce, which does all rows or nothing, or row by row by their kernel.
 #pragma once
 
 #include "forms/form.h"
@@ -66,6 +67,23 @@ void RVK_FORM(rvkScaleUpPolyInterleaveu8)(const uint8_t* src, uint32_t srcWidth,
 {
     scaleCubic({src, srcWidth, srcHeight, srcStride, dst, dstWidth, dstHeight, dstStride}, 2);
 }
+
+namespace {
+
+void scaleMeans(const Resizing& r, uint32_t pixelSize)
+{
+    if (scaleMeansAtOnce(r, pixelSize))
+        return;
+    const Axis rows = rowsOf(r);
+    for (uint32_t y = 0; y < r.dstHeight; ++y) {
+        const uint32_t begin = firstWholePixel(rows, y), end = firstWholePixel(rows, y + 1);
+        RVK_FORM(irvkScaleDownMNCore)
+        (r.src + size_t{begin} * r.srcStride, r.srcWidth, end - begin, r.srcStride, pixelSize,
+         r.dst + size_t{y} * r.dstStride, r.dstWidth);
+    }
+}
+
+} // namespace
 
 void RVK_FORM(rvkScaleDownMNu8)(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
                                 uint8_t* dst, uint32_t dstWidth, uint32_t dstHeight, uint32_t dstStride)

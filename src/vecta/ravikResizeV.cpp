@@ -1350,6 +1350,16 @@ void scaleArea(const Resizing& r)
         averageAreas(r);
 }
 
+bool scaleMeansAtOnce(const Resizing& r, uint32_t pixelSize)
+{
+    const Axis columns = columnsOf(r), rows = rowsOf(r);
+    const size_t widest = (columns.from - 1) / columns.to + 1;
+    const bool areBlocks = columns.from % columns.to == 0 && columns.from > columns.to; // which have a way of their own
+    if (areBlocks || widest > 4 || (rows.from - 1) / rows.to >= kMostRows)
+        return false;
+    return (widest <= 2 ? averagePixelsColumnsFirst<1> : averagePixelsColumnsFirst<2>)(r, pixelSize);
+}
+
 } // namespace
 
 void irvkScaleDownMNCoreV(const uint8_t* src, uint32_t srcWidth, uint32_t rows, uint32_t srcStride, uint32_t pixelSize,
@@ -1366,24 +1376,6 @@ void irvkScaleDownMNCoreV(const uint8_t* src, uint32_t srcWidth, uint32_t rows, 
         (pixelSize == 1 ? meansOfColumns<1> : meansOfColumns<2>)(src, axis, rows, srcStride, dst);
 }
 
-namespace {
-
-void scaleMeans(const Resizing& r, uint32_t pixelSize)
-{
-    const Axis columns = columnsOf(r), rows = rowsOf(r);
-    const size_t widest = (columns.from - 1) / columns.to + 1;
-    const bool areBlocks = columns.from % columns.to == 0 && columns.from > columns.to; // which have a way of their own
-    if (!areBlocks && widest <= 4 && (rows.from - 1) / rows.to < kMostRows &&
-        (widest <= 2 ? averagePixelsColumnsFirst<1> : averagePixelsColumnsFirst<2>)(r, pixelSize))
-        return;
-    for (uint32_t y = 0; y < r.dstHeight; ++y) {
-        const uint32_t begin = firstWholePixel(rows, y), end = firstWholePixel(rows, y + 1);
-        irvkScaleDownMNCoreV(sourceRow(r, begin), r.srcWidth, end - begin, r.srcStride, pixelSize, targetRow(r, y),
-                             r.dstWidth);
-    }
-}
-
-} // namespace
 } // namespace rvk::vecta::RVK_ISA
 
 #include "forms/ravikResizeForms.h"

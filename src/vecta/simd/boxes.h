@@ -15,6 +15,13 @@ RVK_INLINE uint64_t firstPair(Vec<uint32_t> v)
     return static_cast<uint64_t>(_mm_cvtsi128_si64(_mm512_castsi512_si128(reg(v))));
 }
 
+// One of each four words, in all four: what a step has for several boxes stands in four lanes.
+template <size_t lane>
+RVK_INLINE Vec<uint32_t> ofEachFour(Vec<uint32_t> v)
+{
+    return shuffle(v, v, [](size_t i) { return i / 4 * 4 + lane; });
+}
+
 // 256 pixels of a byte: 32 columns and 8 rows, or 16 and 16.
 template <uint32_t columns>
 class Box

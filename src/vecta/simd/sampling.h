@@ -369,8 +369,8 @@ public:
         const Vec<uint32_t> columns = bitCast<uint32_t>(first), start = shiftLeft(columns, kPositionBits);
         const Vec<uint32_t> rows = shuffle(columns, columns, [](size_t i) { return i ^ 2; });
         return {firstPair(rows * splat(static_cast<uint32_t>(m_stride)) + columns),
-                {x[0] - ofEach<0>(start), x[1] - ofEach<1>(start)},
-                {y[0] - ofEach<2>(start), y[1] - ofEach<3>(start)}};
+                {x[0] - ofEachFour<0>(start), x[1] - ofEachFour<1>(start)},
+                {y[0] - ofEachFour<2>(start), y[1] - ofEachFour<3>(start)}};
     }
 
     // Whether they and their neighbours to the right and below are there.
@@ -411,11 +411,6 @@ private:
     static RVK_INLINE Vec<int32_t> fours(uint32_t column, uint32_t row)
     {
         return bitCast<int32_t>(blend(0xcccc, splat(column), splat(row)));
-    }
-    template <size_t lane>
-    static RVK_INLINE Vec<uint32_t> ofEach(Vec<uint32_t> v)
-    {
-        return shuffle(v, v, [](size_t i) { return i / 4 * 4 + lane; });
     }
 
     const uint8_t* m_data;
@@ -582,12 +577,12 @@ private:
 
 // The same of pixels of one byte, from boxes where all of a step are in them.
 template <uint32_t interpolation, unsigned unitBits>
-class BoxSampler : public StepSampler<1, interpolation, unitBits>
+class BoxStepSampler : public StepSampler<1, interpolation, unitBits>
 {
 public:
     static constexpr bool kSamplesLater = true;
 
-    RVK_INLINE explicit BoxSampler(const SampledImage& image)
+    RVK_INLINE explicit BoxStepSampler(const SampledImage& image)
         : StepSampler<1, interpolation, unitBits>(image), m_boxes(image)
     {
     }
@@ -715,7 +710,7 @@ RVK_INLINE auto samplerOf(const SampledImage& image, const Positions<unitBits>&)
 {
 #if defined(__AVX512VNNI__)
     if constexpr (kHasBoxes<channels>)
-        return BoxSampler<interpolation, unitBits>(image);
+        return BoxStepSampler<interpolation, unitBits>(image);
     else
 #endif
         return StepSampler<channels, interpolation, unitBits>(image);
