@@ -45,8 +45,8 @@ RVK_API rvkStatus rvkTransformAffine8x8u8_v2(const uint8_t* src, uint32_t srcWid
  * with a matrix `affine` of m0, m1, m2, m3, so that the centre of the destination shows what is around `position`.
  *
  * Which positions are inside the source, from (0, 0) to its last column and row, is decided in double precision. Those
- * of a row are carried in fixed point from the first one on: steps of 16 bits of fraction, truncated, and every 64
- * pixels anew from a position of 32 bits. Translations by whole pixels are exact; other results are within one grey
+ * of a row are carried in fixed point: steps of 16 bits of fraction, truncated, and every 64 columns of the destination
+ * anew from a position of 32 bits. Translations by whole pixels are exact; other results are within one grey
  * level of real arithmetic.
  *
  * Values are bilinear or, with RAVIK_INTERPOLATION_NEAREST, the pixel nearest to the position, halves rounded up.

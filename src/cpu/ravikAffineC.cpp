@@ -149,11 +149,12 @@ ClippedRun clippedRun(const ClippedMap& map, uint32_t row, uint32_t first, uint3
     return run;
 }
 
-ClippedPosition clippedPosition(const ClippedSource& source, const ClippedRun& run, uint32_t k)
+ClippedPosition clippedPosition(const ClippedSource& source, const ClippedRun& run, uint32_t column)
 {
-    const uint32_t beyondAnchor = k % kClippedAnchors;
+    const uint32_t beyondAnchor = column % kClippedAnchors;
+    const int64_t toAnchor = int64_t{column} - beyondAnchor - run.first; // which may be before the run
     const auto inside = [&](int64_t start, int64_t step, uint32_t size) {
-        const int64_t anchor = (start + (k - beyondAnchor) * step) >> 16;
+        const int64_t anchor = (start + toAnchor * step) >> 16;
         const int64_t position = anchor + beyondAnchor * (step / 65536); // truncated, so that no anchor is passed
         return static_cast<int32_t>(std::clamp<int64_t>(position, 0, int64_t{size - 1} << 16));
     };
@@ -258,7 +259,7 @@ void sampleHorizontalRun(const ClippedSource& source, const ClippedRun& pos, uin
     requireInvariant(isIntegralNumber(pos.y), 211, "isIntegralNumber(pos.y)");
     const uint8_t* const row = Plane{source.data, source.stride}.row(static_cast<size_t>(pos.y >> 32));
     for (uint32_t i = pos.first; i < pos.end; ++i) {
-        const int32_t x = clippedPosition(source, pos, i - pos.first).x, ix = x >> 16, fx = x & 65535;
+        const int32_t x = clippedPosition(source, pos, i).x, ix = x >> 16, fx = x & 65535;
         const int32_t p0 = row[ix], p1 = static_cast<uint32_t>(ix) == source.width - 1 ? p0 : row[ix + 1];
         const int32_t c = p0 + ((fx * (p1 - p0) + 32768) >> 16);
         requireInvariant(c >= 0 && c < 256, 224, "c>=0 && c<256");
@@ -279,8 +280,7 @@ void transformClipped(const ClippedSource& source, const ClippedRules& rules, co
             sampleHorizontalRun(source, run, dst.row(j));
         else
             for (uint32_t i = run.first; i < run.end; ++i)
-                rules.sample(source, clippedPosition(source, run, i - run.first),
-                             dst.row(j) + size_t{i} * rules.channels);
+                rules.sample(source, clippedPosition(source, run, i), dst.row(j) + size_t{i} * rules.channels);
     }
 }
 

@@ -72,10 +72,11 @@ struct ClippedRun
 // Those from `first` to before `end`, which all others that are inside must be between.
 ClippedRun clippedRun(const ClippedMap& map, uint32_t row, uint32_t first, uint32_t end);
 
-// Pixel number k of a run: steps of 16 bits of fraction from the anchor before it, which has all bits. What this comes
-// to beyond the edge is the edge.
-constexpr uint32_t kClippedAnchors = 64; // pixels from one to the next
-ClippedPosition clippedPosition(const ClippedSource& source, const ClippedRun& run, uint32_t k);
+// The pixel of a run in this column: steps of 16 bits of fraction from the anchor before it, which has all bits. Rows
+// have their anchors in the same columns, so that pixels below each other are as far apart as those beside them. What
+// this comes to beyond the edge is the edge.
+constexpr uint32_t kClippedAnchors = 64; // columns from one to the next
+ClippedPosition clippedPosition(const ClippedSource& source, const ClippedRun& run, uint32_t column);
 
 // Pixels of a row, from `first` to before `end`, whose positions are outside.
 void fillClipped(const ClippedSource& source, const ClippedRules& rules, const ClippedMap& map, uint32_t row,

@@ -1,6 +1,7 @@
 // Vector implementations of the transforms.
 #include "cpu/ravikAffineC.h"
 #include "scratch.h"
+#include "vecta/simd/bits.h"
 #include "vecta/simd/boxes.h"
 #include "vecta/simd/tiles.h"
 #include "vecta/simd/words.h"
@@ -231,46 +232,50 @@ RVK_INLINE Vecs<uint32_t, vectors> numbersOfPixels()
     }
 }
 
-// One coordinate of the pixels of a run, with 16 bits of fraction.
+// One coordinate of the pixels of a run by their columns, with 16 bits of fraction.
 template <size_t vectors>
 class CarriedCoordinate
 {
 public:
-    RVK_INLINE CarriedCoordinate(int64_t start, int64_t step)
-        : m_start(start), m_step(step), m_carried(step / 65536), m_lanes(numbersOfPixels<vectors>())
+    RVK_INLINE CarriedCoordinate(const ClippedRun& run, int64_t start, int64_t step)
+        : m_first(run.first), m_start(start), m_step(step), m_carried(step / 65536), m_lanes(numbersOfPixels<vectors>())
     {
         const auto carried = static_cast<uint32_t>(m_carried);
         unrolled<vectors>([&](auto i) RVK_INLINE_LAMBDA { m_lanes[i] = m_lanes[i] * splat(carried); });
     }
 
-    RVK_INLINE int64_t at(size_t k) const
+    RVK_INLINE int64_t at(size_t column) const
     {
-        const auto beyondAnchor = static_cast<int64_t>(k % kClippedAnchors);
-        return ((m_start + (static_cast<int64_t>(k) - beyondAnchor) * m_step) >> 16) + beyondAnchor * m_carried;
+        const size_t beyondAnchor = column % kClippedAnchors;
+        return (anchor(column - beyondAnchor) >> 16) + static_cast<int64_t>(beyondAnchor) * m_carried;
     }
-    RVK_INLINE int64_t carried() const { return m_carried; }
-    // From pixel k on, a multiple of the number of elements, and so much more.
-    RVK_INLINE Vecs<uint32_t, vectors> from(size_t k, uint32_t more = 0) const
+    RVK_INLINE int64_t anchor(size_t column) const // with 32 bits of fraction
     {
-        const Vec<uint32_t> first = splat(static_cast<uint32_t>(at(k)) + more);
+        return m_start + (static_cast<int64_t>(column) - m_first) * m_step;
+    }
+    RVK_INLINE int64_t step() const { return m_step; }
+    // From a column on whose number is a multiple of that of the elements, and so much more.
+    RVK_INLINE Vecs<uint32_t, vectors> from(size_t column, uint32_t more = 0) const
+    {
+        const Vec<uint32_t> first = splat(static_cast<uint32_t>(at(column)) + more);
         Vecs<uint32_t, vectors> all;
         unrolled<vectors>([&](auto i) RVK_INLINE_LAMBDA { all[i] = first + m_lanes[i]; });
         return all;
     }
 
 private:
-    int64_t m_start, m_step, m_carried;
+    int64_t m_first, m_start, m_step, m_carried;
     Vecs<uint32_t, vectors> m_lanes;
 };
 
-// The pixels of a run for whose positions a condition holds, which holds for those between two of them, too; and a call
+// The columns of a run for whose positions a condition holds, which holds for those between two of them, too; and a call
 // for each other one.
 struct Interior
 {
     size_t first, end;
 
     template <class Condition, class Other>
-    RVK_INLINE Interior(const ClippedRun& run, Condition isInterior, Other other) : first(0), end(run.end - run.first)
+    RVK_INLINE Interior(const ClippedRun& run, Condition isInterior, Other other) : first(run.first), end(run.end)
     {
         for (; first < end && !isInterior(first); ++first)
             other(static_cast<uint32_t>(first));
@@ -279,21 +284,21 @@ struct Interior
     }
 };
 
-// Samples these, one byte each, by steps that begin at multiples of their size: whole(k, p) writes one to p, and so
-// does partial(k, p) where some of its positions are none of these.
+// Samples these, one byte each, by steps that begin at multiples of their size: whole(x, p) writes one to p, and so
+// does partial(x, p) where some of its positions are none of these.
 template <size_t step, class Whole, class Partial>
-RVK_INLINE void sampleSteps(const Interior& interior, uint8_t* dst, Whole whole, Partial partial)
+RVK_INLINE void sampleSteps(const Interior& interior, uint8_t* row, Whole whole, Partial partial)
 {
     const auto [first, end] = interior;
-    for (size_t k = first / step * step; k < end; k += step) {
-        for (; k >= first && k + step <= end; k += step) // without calls, so that constants stay in registers
-            whole(k, dst + k);
-        if (k >= end)
+    for (size_t x = first / step * step; x < end; x += step) {
+        for (; x >= first && x + step <= end; x += step) // without calls, so that constants stay in registers
+            whole(x, row + x);
+        if (x >= end)
             break;
         uint8_t pixels[step];
-        partial(k, pixels);
-        const size_t from = k < first ? first - k : 0;
-        __builtin_memcpy(dst + k + from, pixels + from, least(end - k, step) - from);
+        partial(x, pixels);
+        const size_t from = x < first ? first - x : 0;
+        __builtin_memcpy(row + x + from, pixels + from, least(end - x, step) - from);
     }
 }
 
@@ -348,7 +353,7 @@ private:
 enum class Reading { nearest, bilinear, bilinearOfPairs };
 
 #if defined(__AVX512VNNI__)
-// From which bit of their words on the values are.
+// From which bit of their words on the values are that were gathered.
 template <Reading reading>
 constexpr unsigned kValueBits = reading == Reading::nearest ? 0 : kBilinearBits;
 #endif
@@ -367,20 +372,20 @@ public:
     {
     }
 
-    RVK_INLINE void sample(const ClippedRun& run, uint8_t* dst) const
+    RVK_INLINE void sample(const ClippedRun& run, uint8_t* row) const
     {
-        const CarriedCoordinate<kVectors> x(run.x, run.stepX), y(run.y, run.stepY);
-        const bool isHorizontal = run.stepY == 0 && (y.at(0) & 65535) == 0;
+        const CarriedCoordinate<kVectors> x(run, run.x, run.stepX), y(run, run.y, run.stepY);
+        const bool isHorizontal = run.stepY == 0 && (y.at(run.first) & 65535) == 0;
         const uint32_t nextRow = reading == Reading::bilinear && !isHorizontal ? 1 : 0;
         // Positions up to these have all that is read.
         const int64_t lastX = ((int64_t{m_source.width} - kReach + 1) << 16) - 1 - kHalf;
         const int64_t lastY = (int64_t{m_source.height - nextRow} << 16) - 1 - kHalf;
-        const auto isInterior = [&](size_t k) RVK_INLINE_LAMBDA {
-            const int64_t atX = x.at(k), atY = y.at(k);
+        const auto isInterior = [&](size_t column) RVK_INLINE_LAMBDA {
+            const int64_t atX = x.at(column), atY = y.at(column);
             return m_hasInterior && atX >= 0 && atX <= lastX && atY >= 0 && atY <= lastY;
         };
-        const Interior interior(run, isInterior, [&](uint32_t k) RVK_INLINE_LAMBDA {
-            sampleOne(m_source, clippedPosition(m_source, run, k), dst + k);
+        const Interior interior(run, isInterior, [&](uint32_t column) RVK_INLINE_LAMBDA {
+            sampleOne(m_source, clippedPosition(m_source, run, column), row + column);
         });
 
         const size_t nextOffset = nextRow * m_pitch;
@@ -392,11 +397,11 @@ public:
             return v;
         };
         sampleSteps<kStep>(
-            interior, dst,
-            [&](size_t k, uint8_t* p)
-                RVK_INLINE_LAMBDA { sampleStep(x.from(k, kHalf), y.from(k, kHalf), nextOffset, p); },
-            [&](size_t k, uint8_t* p) RVK_INLINE_LAMBDA {
-                sampleStep(limited(x.from(k, kHalf), lastX + kHalf), limited(y.from(k, kHalf), lastY + kHalf),
+            interior, row,
+            [&](size_t from, uint8_t* p)
+                RVK_INLINE_LAMBDA { sampleStep(x.from(from, kHalf), y.from(from, kHalf), nextOffset, p); },
+            [&](size_t from, uint8_t* p) RVK_INLINE_LAMBDA {
+                sampleStep(limited(x.from(from, kHalf), lastX + kHalf), limited(y.from(from, kHalf), lastY + kHalf),
                            nextOffset, p);
             });
     }
@@ -441,7 +446,7 @@ private:
             if constexpr (reading == Reading::bilinear)
                 pixels[i] = pairsOfRows(pixels[i], gatherWords(m_data + nextRow, from));
             if constexpr (reading != Reading::nearest)
-                pixels[i] = bilinearOfWords(pixels[i], x[i], y[i]);
+                pixels[i] = bilinearOfWords(pixels[i], weightsOfX(x[i]), weightsOfY(y[i]));
         });
         store(dst, takeBits<kValueBits<reading>>(pixels));
     }
@@ -492,124 +497,252 @@ private:
 
 #if defined(__AVX512VNNI__)
 
-// Bytes, where each sixteen pixels of a row come from one box of the source.
-template <Reading reading, uint32_t boxWidth>
-class BoxSampler
+// ---- squares --------------------------------------------------------------------------------------------------------
+//
+// Each square of 4x4 pixels of the destination comes from one box of 8x8 pixels of the source, as long as pixels beside
+// and below each other are not much farther apart there, however the picture is turned. Squares lie in bands of four
+// rows; sixteen of them, from one anchor to the next, are placed at once.
+
+constexpr size_t kBandRows = 4, kSquaresBeside = Vec<uint32_t>::lanes, kSegment = 4 * kSquaresBeside, kTile = 16;
+static_assert(kSegment == kClippedAnchors);
+
+RVK_INLINE bool areInBoxes(const ClippedSource& source, const ClippedMap& map, uint32_t dstWidth)
+{
+    constexpr uint32_t side = SquareBox::side, mostColumns = 1 << 20; // where steps add up to less than kMargin
+    constexpr double most = side - 2 - 1.0 / 64; // a fraction, a neighbour, and what carried positions are off
+    const auto fit = [](double across, double down)
+                         RVK_INLINE_LAMBDA { return 3 * (__builtin_fabs(across) + __builtin_fabs(down)) <= most; };
+    return source.width >= side && source.height >= side && dstWidth <= mostColumns &&
+           uint64_t{source.stride} * source.height < uint64_t{1} << 32 && fit(map.acrossX, map.downX) &&
+           fit(map.acrossY, map.downY);
+}
+
+// A row of a band: of its run what has room for steps.
+struct BandRow
+{
+    CarriedCoordinate<1> x, y;
+    Interior interior;
+    uint8_t* pixels;
+
+    RVK_INLINE BandRow(const ClippedSource& source, const ClippedRun& run, ClippedSample* sampleOne, uint8_t* row)
+        : x(run, run.x, run.stepX), y(run, run.y, run.stepY),
+          interior(
+              run,
+              [&](size_t column) RVK_INLINE_LAMBDA {
+                  const int64_t lastX = int64_t{source.width - 1} << 16, lastY = int64_t{source.height - 1} << 16;
+                  const int64_t atX = x.at(column), atY = y.at(column);
+                  return run.end - run.first > 1 && atX >= 0 && atX <= lastX && atY >= 0 && atY <= lastY;
+              },
+              [&](uint32_t column)
+                  RVK_INLINE_LAMBDA { sampleOne(source, clippedPosition(source, run, column), row + column); }),
+          pixels(row)
+    {
+    }
+    RVK_INLINE bool isEmpty() const { return interior.first == interior.end; }
+    RVK_INLINE bool isWhole(size_t column) const // of the segment from there on
+    {
+        return interior.first <= column && column + kSegment <= interior.end;
+    }
+    RVK_INLINE void putPart(size_t column, const uint8_t (&segment)[kSegment]) const
+    {
+        const size_t from = greatest(interior.first, column), to = least(interior.end, column + kSegment);
+        if (from < to)
+            __builtin_memcpy(pixels + from, segment + (from - column), to - from);
+    }
+};
+
+// What the squares of a segment have of one coordinate.
+struct PlacedSquares
+{
+    Vec<uint32_t> ofFirst; // the pixels of the first square
+    Vec<uint32_t> toBoxes; // to add for each square, so that its box begins at 0
+    Vec<uint32_t> boxes;   // where that is
+};
+
+// A coordinate of a band, segment by segment. Boxes begin where exact positions say; carried ones are less than kMargin
+// off.
+class BandAxis
 {
 public:
-    static constexpr uint32_t channels = 1;
-    static constexpr ClippedSample* sampleOne = reading == Reading::nearest ? sampleNearest : sampleBilinear;
-
-    // Whether they do: neighbours, too, are in the box that begins with the first column and row.
-    static RVK_INLINE bool fit(const ClippedSource& source, const ClippedMap& map)
+    // From a segment on whose first pixel, in the first row, is at `start`, and at the anchors in each row.
+    RVK_INLINE BandAxis(double start, double across, double down, const int64_t (&anchors)[kBandRows], int64_t step,
+                        uint32_t size, int32_t half)
+        : m_last(splat(static_cast<int32_t>(size - SquareBox::side))),
+          m_toNext(splat(static_cast<uint64_t>(kSegment * step)))
     {
-        const auto isWithin = [](double step, uint32_t size) RVK_INLINE_LAMBDA {
-            const double reach = (kLanes - 1) * step, most = size - 2.0;
-            return reach >= -most && reach <= most;
-        };
-        return source.width >= SomeBox::width && source.height >= SomeBox::height &&
-               uint64_t{source.stride} * source.height < uint64_t{1} << 32 && isWithin(map.acrossX, SomeBox::width) &&
-               isWithin(map.acrossY, SomeBox::height);
+        uint64_t at[Vec<uint64_t>::lanes] = {};
+        for (size_t i = 0; i < kBandRows; ++i)
+            at[i] = static_cast<uint64_t>(anchors[i]);
+        at[kBandRows] = static_cast<uint64_t>(
+            static_cast<int64_t>((start + least(3 * across) + least(3 * down) - kMargin) * kFixedOne));
+        m_at = load(at);
+        const auto carried = static_cast<int32_t>(step / 65536);
+        m_inSquare = bitCast<uint32_t>((iota<int32_t>() & splat(3)) * splat(carried) + splat(half));
+        m_toSquares = iota<int32_t>() * splat(4 * carried);
     }
 
-    RVK_INLINE explicit BoxSampler(const ClippedSource& source) : m_source(source) {}
-
-    RVK_INLINE void sample(const ClippedRun& run, uint8_t* dst) const
+    // The squares of the next segment.
+    RVK_INLINE PlacedSquares next()
     {
-        const CarriedCoordinate<1> atX(run.x, run.stepX), atY(run.y, run.stepY);
-        const int64_t lastX = int64_t{m_source.width - 1} << 16, lastY = int64_t{m_source.height - 1} << 16;
-        const auto isInterior = [&](size_t k) RVK_INLINE_LAMBDA {
-            return atX.at(k) >= 0 && atX.at(k) <= lastX && atY.at(k) >= 0 && atY.at(k) <= lastY;
-        };
-        const Interior interior(run, isInterior, [&](uint32_t k) RVK_INLINE_LAMBDA {
-            sampleOne(m_source, clippedPosition(m_source, run, k), dst + k);
-        });
-        const Axis x(atX, m_source.width - SomeBox::width), y(atY, m_source.height - SomeBox::height);
-        const auto step = [&](size_t k, uint8_t* p) RVK_INLINE_LAMBDA { store(p, sampleStep(x, y, k)); };
-        sampleSteps<kStep>(interior, dst, step, step); // boxes are inside the source, wherever positions are
+        const Vec<uint8_t> bytes = bitCast<uint8_t>(m_at); // 32 bits of these, with 16 of their fraction
+        const Vec<uint8_t> rows = shuffle(bytes, bytes, [](size_t i) { return i / 16 * 8 + 2 + i % 4; });
+        const Vec<uint8_t> least = shuffle(bytes, bytes, [](size_t i) { return kBandRows * 8 + 2 + i % 4; });
+        const Vec<int32_t> boxes = shiftRight(bitCast<int32_t>(least) + m_toSquares, 16);
+        const Vec<int32_t> first = min(max(boxes, zero<int32_t>()), m_last);
+        m_at = m_at + m_toNext;
+        return {bitCast<uint32_t>(rows) + m_inSquare, bitCast<uint32_t>(m_toSquares - shiftLeft(first, 16)),
+                bitCast<uint32_t>(first)};
+    }
+
+    // How many steps it is to the squares.
+    RVK_INLINE Vec<uint32_t> toSquares() const { return bitCast<uint32_t>(m_toSquares); }
+
+private:
+    static constexpr double kMargin = 1.0 / 256, kFixedOne = 4294967296.0;
+    static RVK_INLINE double least(double offset) { return offset < 0 ? offset : 0; }
+
+    Vec<int32_t> m_last, m_toSquares;
+    Vec<uint32_t> m_inSquare;
+    Vec<uint64_t> m_toNext, m_at; // of the rows, and of what the first square has least
+};
+
+// From the first square of a segment to the others, as weightsOfX and weightsOfY count.
+struct StepsOfWeights
+{
+    uint32_t ofX[kSquaresBeside], ofY[kSquaresBeside];
+
+    RVK_INLINE StepsOfWeights(Vec<uint32_t> toX, Vec<uint32_t> toY)
+    {
+        const Vec<uint32_t> low = splat(65535u);
+        store(ofX, (toX & low) | shiftLeft(zero<uint32_t>() - toX, 16));
+        store(ofY, (toY & low) | shiftLeft(toY, 16));
+    }
+};
+
+// The squares of a segment.
+struct Segment
+{
+    Vec<uint32_t> x, y; // of the first one's pixels; those of y times the side of a box
+    Vec<int16_t> weightsX, weightsY;
+    uint32_t toX[kSquaresBeside], toY[kSquaresBeside], offsets[kSquaresBeside]; // to those in boxes; where these begin
+
+    RVK_INLINE Segment(const PlacedSquares& placedX, const PlacedSquares& placedY, uint32_t stride)
+        : x(placedX.ofFirst), y(timesSide(placedY.ofFirst)), weightsX(weightsOfX(placedX.ofFirst)),
+          weightsY(weightsOfY(placedY.ofFirst))
+    {
+        store(toX, placedX.toBoxes);
+        store(toY, timesSide(placedY.toBoxes));
+        store(offsets, placedY.boxes * splat(stride) + placedX.boxes);
     }
 
 private:
-    using SomeBox = Box<boxWidth>;
-    static constexpr size_t kLanes = Vec<uint32_t>::lanes, kStep = 4 * kLanes;
-    static constexpr int32_t kHalf = reading == Reading::nearest ? 32768 : 0; // added before the fraction is dropped
-
-    // Of a step's four boxes, in each four lanes: the first columns, or rows, and where in them the first pixels are.
-    struct BoxesOfStep
+    static RVK_INLINE Vec<uint32_t> timesSide(Vec<uint32_t> v)
     {
-        Vec<uint32_t> first, start;
-    };
-
-    // A coordinate of all pixels of a run.
-    class Axis
-    {
-    public:
-        RVK_INLINE Axis(const CarriedCoordinate<1>& coordinate, uint32_t last)
-            : m_coordinate(coordinate), m_last(splat(static_cast<int32_t>(last)))
-        {
-            const auto step = static_cast<int32_t>(coordinate.carried()),
-                       reach = static_cast<int32_t>(kLanes - 1) * step;
-            const Vec<int32_t> numbers = iota<int32_t>();
-            m_toBoxes = (numbers & splat(3)) * splat(static_cast<int32_t>(kLanes) * step) + splat(kHalf);
-            m_toLeast = splat(reach < 0 ? reach : 0);
-            m_toPixels = bitCast<uint32_t>(numbers * splat(step));
-        }
-
-        RVK_INLINE BoxesOfStep from(size_t k) const
-        {
-            const Vec<int32_t> start = splat(static_cast<int32_t>(m_coordinate.at(k))) + m_toBoxes;
-            const Vec<int32_t> first = min(max(shiftRight(start + m_toLeast, 16), zero<int32_t>()), m_last);
-            return {bitCast<uint32_t>(first), bitCast<uint32_t>(start - shiftLeft(first, 16))};
-        }
-        // Of the pixels of one box, where they are in there.
-        template <size_t box>
-        RVK_INLINE Vec<uint32_t> inBox(Vec<uint32_t> start) const
-        {
-            return ofEachFour<box>(start) + m_toPixels;
-        }
-
-    private:
-        const CarriedCoordinate<1>& m_coordinate;
-        Vec<int32_t> m_toBoxes, m_toLeast, m_last;
-        Vec<uint32_t> m_toPixels;
-    };
-
-    RVK_INLINE Vec<uint8_t> sampleStep(const Axis& x, const Axis& y, size_t k) const
-    {
-        const BoxesOfStep columns = x.from(k), rows = y.from(k);
-        const Vec<uint32_t> offsets = rows.first * splat(m_source.stride) + columns.first;
-        const uint64_t pairs[2] = {firstPair(offsets), firstPair(extract<2>(offsets, offsets))};
-        Vecs<uint32_t, 4> pixels;
-        unrolled<4>([&](auto i) RVK_INLINE_LAMBDA {
-            constexpr size_t number = i;
-            const SomeBox box(m_source.data + static_cast<uint32_t>(pairs[number / 2] >> number % 2 * 32),
-                              m_source.stride);
-            const Vec<uint32_t> inX = x.template inBox<number>(columns.start),
-                                inY = y.template inBox<number>(rows.start);
-            const Vec<uint32_t> numbers = addProductOfUpperHalves(productOfUpperHalves(inY, SomeBox::width), inX, 1);
-            const Vec<uint32_t> words = box.words(numbers, SomeBox::squaresByColumns());
-            pixels[number] = reading == Reading::nearest ? words : bilinearOfWords(words, inX, inY);
-        });
-        return takeBitsInOrder<kValueBits<reading>>(pixels);
+        static_assert(SquareBox::side == 8);
+        return shiftLeft(v, 3);
     }
-
-    const ClippedSource m_source;
 };
 
-// Transforms a picture that has boxes which fit the map. Whether it has.
-template <Reading reading, class Transform>
-RVK_INLINE bool transformInBoxes(const ClippedSource& source, const ClippedMap& map, Transform transform)
+// Tiles of four squares, `first` to before `end`, of the segment's rows. (A function of its own has its constants in
+// registers.)
+template <Reading reading>
+RVK_NOINLINE void sampleTiles(const ClippedSource& source, const Segment& segment, const StepsOfWeights& steps,
+                              size_t first, size_t end, uint8_t* const (&rows)[kBandRows])
 {
-    using Wide = BoxSampler<reading, 32>;
-    using Square = BoxSampler<reading, 16>;
-    if (Wide::fit(source, map))
-        transform(Wide(source));
-    else if (Square::fit(source, map))
-        transform(Square(source));
-    else
-        return false;
-    return true;
+    const uint8_t* const data = source.data;
+    const size_t stride = source.stride;
+    const Vec<uint32_t> xs = segment.x, ys = segment.y;
+    const Vec<int16_t> weightsX = segment.weightsX, weightsY = segment.weightsY;
+    for (size_t tile = first; tile < end; ++tile) {
+        Vecs<uint32_t, 4> values;
+        unrolled<4>([&](auto i) RVK_INLINE_LAMBDA {
+            const size_t n = 4 * tile + i;
+            const SquareBox box(data + segment.offsets[n], stride);
+            const Vec<uint8_t> x = bitCast<uint8_t>(xs + splat(segment.toX[n]));
+            const Vec<uint8_t> y = bitCast<uint8_t>(ys + splat(segment.toY[n]));
+            const Vec<uint8_t> numbers = selectBits(splat<uint8_t>(SquareBox::side - 1), x, y); // in bytes 2
+            if constexpr (reading == Reading::nearest) {
+                values[i] = bitCast<uint32_t>(box.pixels(numbers));
+            } else {
+                const auto moved = [](Vec<int16_t> weights, uint32_t step)
+                                       RVK_INLINE_LAMBDA { return weights + bitCast<int16_t>(splat(step)); };
+                const Vec<uint8_t> fourTimes = shuffle(numbers, numbers, [](size_t k) { return k / 4 * 4 + 2; });
+                values[i] = bilinearOfWords(bitCast<uint32_t>(box.pixels(fourTimes + SquareBox::neighbours())),
+                                            moved(weightsX, steps.ofX[n]), moved(weightsY, steps.ofY[n]));
+            }
+        });
+        constexpr unsigned bits = reading == Reading::nearest ? 16 : kBilinearBits;
+        const Vec<uint8_t> bytes = takeBits<bits>(values);
+        uint8_t* const to[kBandRows] = {rows[0] + kTile * tile, rows[1] + kTile * tile, rows[2] + kTile * tile,
+                                        rows[3] + kTile * tile};
+        storeRows(to, shuffle(bytes, bytes, [](size_t i) { return i / 16 * 16 + i % 4 * 4 + i / 4 % 4; }));
+    }
 }
+
+template <Reading reading>
+class SquareSampler
+{
+public:
+    static constexpr uint32_t channels = 1, bandRows = kBandRows;
+    static constexpr ClippedSample* sampleOne = reading == Reading::nearest ? sampleNearest : sampleBilinear;
+
+    RVK_INLINE SquareSampler(const ClippedSource& source, const ClippedMap& map) : m_source(source), m_map(map) {}
+
+    // Rows j to j + 3, of which some may have no run.
+    RVK_INLINE void sampleBand(uint32_t j, const ClippedRun (&runs)[kBandRows], Plane<uint8_t> dst) const
+    {
+        const auto row = [&](uint32_t i) RVK_INLINE_LAMBDA {
+            return BandRow(m_source, runs[i], sampleOne, runs[i].first < runs[i].end ? dst.row(j + i) : nullptr);
+        };
+        const BandRow rows[kBandRows] = {row(0), row(1), row(2), row(3)};
+        size_t begin = SIZE_MAX, end = 0;
+        int64_t stepX = 0, stepY = 0;
+        for (const BandRow& r : rows)
+            if (!r.isEmpty()) {
+                begin = least(begin, r.interior.first);
+                end = greatest(end, r.interior.end);
+                stepX = r.x.step(); // as by all others
+                stepY = r.y.step();
+            }
+        if (begin >= end)
+            return;
+        const size_t first = begin / kSegment * kSegment;
+        int64_t anchorsX[kBandRows], anchorsY[kBandRows];
+        for (size_t i = 0; i < kBandRows; ++i) {
+            anchorsX[i] = rows[i].x.anchor(first);
+            anchorsY[i] = rows[i].y.anchor(first);
+        }
+        const auto startAt = [=](double start, double across, double down) RVK_INLINE_LAMBDA {
+            return start + j * down + static_cast<double>(static_cast<int64_t>(first)) * across;
+        };
+        BandAxis x(startAt(m_map.startX, m_map.acrossX, m_map.downX), m_map.acrossX, m_map.downX, anchorsX, stepX,
+                   m_source.width, kHalf);
+        BandAxis y(startAt(m_map.startY, m_map.acrossY, m_map.downY), m_map.acrossY, m_map.downY, anchorsY, stepY,
+                   m_source.height, kHalf);
+        const StepsOfWeights steps(x.toSquares(), y.toSquares());
+        const auto place = [&]() RVK_INLINE_LAMBDA { return Segment(x.next(), y.next(), m_source.stride); };
+        Segment segments[2] = {place(), place()};
+        for (size_t column = first, number = 0; column < end; column += kSegment, number = 1 - number) {
+            const size_t firstTile = begin < column ? 0 : (begin - column) / kTile,
+                         endTile = (least(end - column, kSegment) + kTile - 1) / kTile;
+            uint8_t pixels[kBandRows][kSegment];
+            uint8_t* to[kBandRows];
+            for (size_t i = 0; i < kBandRows; ++i)
+                to[i] = rows[i].isWhole(column) ? rows[i].pixels + column : pixels[i];
+            sampleTiles<reading>(m_source, segments[number], steps, firstTile, endTile, to);
+            for (size_t i = 0; i < kBandRows; ++i)
+                if (to[i] == pixels[i])
+                    rows[i].putPart(column, pixels[i]);
+            segments[number] = place(); // long before it is used: all of it is one chain
+        }
+    }
+
+private:
+    static constexpr int32_t kHalf = reading == Reading::nearest ? 32768 : 0; // added before the fraction is dropped
+
+    const ClippedSource m_source;
+    const ClippedMap m_map;
+};
 
 #endif
 
@@ -661,18 +794,18 @@ public:
 
     RVK_INLINE void sample(const ClippedRun& run, uint8_t* dst) const
     {
-        const CarriedCoordinate<2> x(run.x, run.stepX), y(run.y, run.stepY);
+        const CarriedCoordinate<2> x(run, run.x, run.stepX), y(run, run.y, run.stepY);
         const int64_t lastColumn = int64_t{m_source.width} - kReach + 1, lastRow = int64_t{m_source.height} - 3;
-        const auto isInterior = [&](size_t k) RVK_INLINE_LAMBDA {
-            const int64_t column = x.at(k) >> 16, row = y.at(k) >> 16;
+        const auto isInterior = [&](size_t i) RVK_INLINE_LAMBDA {
+            const int64_t column = x.at(i) >> 16, row = y.at(i) >> 16;
             return column >= 1 && column <= lastColumn && row >= 1 && row <= lastRow;
         };
-        auto [first, end] = Interior(run, isInterior, [&](uint32_t k) RVK_INLINE_LAMBDA {
-            sampleOne(m_source, clippedPosition(m_source, run, k), dst + size_t{channels} * k);
+        auto [first, end] = Interior(run, isInterior, [&](uint32_t i) RVK_INLINE_LAMBDA {
+            sampleOne(m_source, clippedPosition(m_source, run, i), dst + size_t{channels} * i);
         });
-        for (size_t k = first / kClippedChunk * kClippedChunk; k < end; k += kClippedChunk) {
-            const size_t from = k < first ? first - k : 0;
-            sampleChunk(x, y, k, from, least(end - k, kClippedChunk), dst + channels * k);
+        for (size_t chunk = first / kClippedChunk * kClippedChunk; chunk < end; chunk += kClippedChunk) {
+            const size_t from = chunk < first ? first - chunk : 0;
+            sampleChunk(x, y, chunk, from, least(end - chunk, kClippedChunk), dst + channels * chunk);
         }
     }
 
@@ -695,7 +828,7 @@ private:
         constexpr size_t lanes = Vec<int16_t>::lanes;
         return extract<n % lanes>(row[n / lanes], row[n / lanes + 1 < kVectors ? n / lanes + 1 : n / lanes]);
     }
-    // Pixels `begin` to before `end` of the chunk that begins with number `first` of the run.
+    // Pixels `begin` to before `end` of the chunk that begins with column `first`.
     RVK_INLINE void sampleChunk(const CarriedCoordinate<2>& x, const CarriedCoordinate<2>& y, size_t first,
                                 size_t begin, size_t end, uint8_t* dst) const
     {
@@ -747,14 +880,27 @@ RVK_INLINE void transformClipped(const Sampler& sampler, const ClippedSource& so
 {
     const ClippedRules rules{Sampler::sampleOne, Sampler::channels, borderType, borderValue};
     const ClippedMap map = clippedMap(source, position, affine, dstWidth, dstHeight);
-    for (uint32_t j = 0; j < dstHeight; ++j) {
-        uint8_t* const row = Plane{dst, dstStride}.row(j);
+    const auto fillOutside = [&](uint32_t j) RVK_INLINE_LAMBDA { // of row j; the run is left
         const Candidates candidates = candidatesOf(map, j, dstWidth);
         const ClippedRun run = clippedRun(map, j, candidates.first, candidates.end);
+        uint8_t* const row = Plane{dst, dstStride}.row(j);
         fillClipped(source, rules, map, j, 0, run.first, row);
         fillClipped(source, rules, map, j, run.end, dstWidth, row);
-        if (run.first < run.end)
-            sampler.sample(run, row + size_t{Sampler::channels} * run.first);
+        return run;
+    };
+    if constexpr (requires { Sampler::bandRows; }) {
+        constexpr uint32_t rows = Sampler::bandRows;
+        for (uint32_t band = 0; band < (uint64_t{dstHeight} + rows - 1) / rows; ++band) {
+            const uint32_t j = rows * band;
+            ClippedRun runs[rows] = {};
+            for (uint32_t i = 0; i < rows && i < dstHeight - j; ++i)
+                runs[i] = fillOutside(j + i);
+            sampler.sampleBand(j, runs, Plane{dst, dstStride});
+        }
+    } else {
+        for (uint32_t j = 0; j < dstHeight; ++j)
+            if (const ClippedRun run = fillOutside(j); run.first < run.end)
+                sampler.sample(run, Plane{dst, dstStride}.row(j));
     }
 }
 
@@ -772,11 +918,11 @@ rvkStatus rvkTransformAffineClippedu8_v3V(const uint8_t* src, uint32_t srcWidth,
                          &borderValue);
         return RAVIK_SUCCESS;
     };
-#if defined(__AVX512VNNI__) // a quarter less time
-    const ClippedMap map = clippedMap(source, position, affine, dstWidth, dstHeight);
-    if (isNearest ? transformInBoxes<Reading::nearest>(source, map, transform)
-                  : transformInBoxes<Reading::bilinear>(source, map, transform))
-        return RAVIK_SUCCESS;
+#if defined(__AVX512VNNI__)
+    if (const ClippedMap map = clippedMap(source, position, affine, dstWidth, dstHeight);
+        areInBoxes(source, map, dstWidth))
+        return isNearest ? transform(SquareSampler<Reading::nearest>(source, map))
+                         : transform(SquareSampler<Reading::bilinear>(source, map));
 #endif
     if (isNearest)
         return transform(ByteSampler<Reading::nearest>(source));

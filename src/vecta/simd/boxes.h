@@ -69,6 +69,47 @@ private:
     Table256 m_pixels;
 };
 
+// 64 pixels of a byte: 8 columns and 8 rows. One permutation takes any of them.
+class SquareBox
+{
+public:
+    static constexpr uint32_t side = 8;
+
+    // From the pixel at p on.
+    RVK_INLINE SquareBox(const uint8_t* p, size_t stride)
+    {
+        const auto twoRows = [=](const uint8_t* q) RVK_INLINE_LAMBDA {
+            const __m128i upper = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(q));
+            return _mm_castps_si128(_mm_loadh_pi(_mm_castsi128_ps(upper), reinterpret_cast<const __m64*>(q + stride)));
+        };
+        const uint8_t* const middle = p + 4 * stride;
+        const __m128i rows[4] = {twoRows(p), twoRows(p + 2 * stride), twoRows(middle), twoRows(middle + 2 * stride)};
+        m_pixels = joinBlocks(rows);
+    }
+
+    // Pixels by their numbers, side * row + column, in the lower six bits of each byte.
+    RVK_INLINE Vec<uint8_t> pixels(Vec<uint8_t> numbers) const
+    {
+        return vec<uint8_t>(_mm512_permutexvar_epi8(reg(numbers), m_pixels));
+    }
+    // To be added to four times the same number: a pixel, the one below, and those to the right of both.
+    static RVK_INLINE Vec<uint8_t> neighbours()
+    {
+        return bitCast<uint8_t>(splat(side << 8 | 1u << 16 | (side + 1) << 24));
+    }
+
+private:
+    Register m_pixels;
+};
+
+// Each 16 bytes to a row.
+RVK_INLINE void storeRows(uint8_t* const (&rows)[4], Vec<uint8_t> v)
+{
+    unrolled<4>([&](auto i) RVK_INLINE_LAMBDA {
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(rows[i]), _mm512_extracti32x4_epi32(reg(v), i));
+    });
+}
+
 } // namespace
 } // namespace rvk::vecta::RVK_ISA
 

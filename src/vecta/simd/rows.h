@@ -11,6 +11,10 @@ RVK_INLINE size_t least(size_t a, size_t b)
 {
     return a < b ? a : b;
 }
+RVK_INLINE size_t greatest(size_t a, size_t b)
+{
+    return a < b ? b : a;
+}
 
 RVK_INLINE size_t roundedUp(size_t n, size_t step)
 {

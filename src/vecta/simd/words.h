@@ -50,11 +50,22 @@ RVK_INLINE Vec<uint32_t> pairsOfRows(Vec<uint32_t> above, Vec<uint32_t> below)
 // which has a sign, the products lack what half of the sum of both neighbours makes good. Left and right are negative,
 // for weights can be -2^15.
 constexpr unsigned kBilinearBits = 23;
-RVK_INLINE Vec<uint32_t> bilinearOfWords(Vec<uint32_t> words, Vec<uint32_t> x, Vec<uint32_t> y)
+
+// The weights that these take of fractions: as many steps further on, those of x are by the steps in lower halves, less
+// the steps in upper ones, and those of y by the steps in both.
+RVK_INLINE Vec<int16_t> weightsOfX(Vec<uint32_t> x)
+{
+    return lowHalvesTwice(x) ^ splatHalves(1 << 15, (1 << 15) - 1);
+}
+RVK_INLINE Vec<int16_t> weightsOfY(Vec<uint32_t> y)
+{
+    return lowHalvesTwice(y) ^ splatHalves(1 << 15, 1 << 15);
+}
+
+RVK_INLINE Vec<uint32_t> bilinearOfWords(Vec<uint32_t> words, Vec<int16_t> across, Vec<int16_t> ofY)
 {
     const Vec<uint8_t> bytes = bitCast<uint8_t>(words);
-    const Vec<int16_t> down = (lowHalvesTwice(y) & splatHalves(-2, -2)) ^ splatHalves(1 << 15, 1 << 15);
-    const Vec<int16_t> across = lowHalvesTwice(x) ^ splatHalves(1 << 15, (1 << 15) - 1);
+    const Vec<int16_t> down = ofY & splatHalves(-2, -2);
     const Vec<int16_t> leftAndRight = dotPairs(bytes, bitCast<int8_t>(splatPair(-64, -64))) -
                                       multiplyRounded(dotPairs(bytes, bitCast<int8_t>(splatPair(-64, 64))), down);
     const Vec<int32_t> half = addDotPairs(splat(1 << (kBilinearBits - 1)), leftAndRight, splatHalves(-32768, -32767));
@@ -67,9 +78,11 @@ RVK_INLINE Vec<uint8_t> takeBits(const Vecs<uint32_t, 4>& v)
 {
     const Register places = reg(splat((uint64_t{shift + 32} * 0x01010101 << 32) | uint64_t{shift} * 0x01010101));
     Register bytes = _mm512_multishift_epi64_epi8(places, reg(v[0]));
-    bytes = _mm512_mask_multishift_epi64_epi8(bytes, 0x2222222222222222, places, reg(v[1]));
-    bytes = _mm512_mask_multishift_epi64_epi8(bytes, 0x4444444444444444, places, reg(v[2]));
-    bytes = _mm512_mask_multishift_epi64_epi8(bytes, 0x8888888888888888, places, reg(v[3]));
+    unrolled<3>([&](auto i) RVK_INLINE_LAMBDA {
+        __mmask64 everyFourth = 0x2222222222222222 << i;
+        __asm__("" : "+Yk"(everyFourth)); // with a mask that it knows, clang makes two operations of each
+        bytes = _mm512_mask_multishift_epi64_epi8(bytes, everyFourth, places, reg(v[i + 1]));
+    });
     return vec<uint8_t>(bytes);
 }
 
