@@ -106,8 +106,6 @@ ClippedMap clippedMap(const ClippedSource& source, const float* position, const 
 
 namespace {
 
-constexpr double kFixedOne = 4294967296.0; // 32 bits of fraction
-
 struct ExactPosition
 {
     double x, y;
@@ -139,12 +137,11 @@ ClippedRun clippedRun(const ClippedMap& map, uint32_t row, uint32_t first, uint3
         --end;
     if (first == end)
         return {first, end, 0, 0, 0, 0};
-    const auto fixed = [](double number) { return static_cast<int64_t>(number * kFixedOne); };
     const ExactPosition start = positionOf(map, row, first);
-    ClippedRun run = {first, end, fixed(start.x), fixed(start.y), 0, 0};
+    ClippedRun run = {first, end, clippedFixed(start.x), clippedFixed(start.y), 0, 0};
     if (end - first > 1) { // so a step does not lead out of the source
-        run.stepX = fixed(map.acrossX);
-        run.stepY = fixed(map.acrossY);
+        run.stepX = clippedFixed(map.acrossX);
+        run.stepY = clippedFixed(map.acrossY);
     }
     return run;
 }

@@ -62,6 +62,12 @@ struct ClippedMap
 ClippedMap clippedMap(const ClippedSource& source, const float* position, const float* affine, uint32_t dstWidth,
                       uint32_t dstHeight);
 
+// 32 bits of fraction.
+inline int64_t clippedFixed(double number)
+{
+    return static_cast<int64_t>(number * 4294967296.0);
+}
+
 // The pixels of a row whose positions are inside the source, the first of these positions and the step to the next one,
 // in fixed point with 32 bits of fraction.
 struct ClippedRun

@@ -185,19 +185,19 @@ rvkStatus rvkTransformAffineu8_v2V(const uint8_t* src, uint32_t srcWidth, uint32
 
 namespace {
 
-// Which of the pixels 0 .. count of a row may have coordinates from 0 to `last`, when pixel i is at start + i * step:
-// all those, and few others, for rounding.
+// Which pixels of a row may have coordinates from 0 to `last`, when pixel i is at start + i * step: all those, and few
+// others, for rounding.
 struct Candidates
 {
     uint32_t first, end;
 
-    RVK_INLINE void narrow(double start, double step, double last)
+    RVK_INLINE void narrow(double start, double step, double stepsPerPixel, double last)
     {
         if (step == 0) {
             first = start >= 0 && start <= last ? first : end;
             return;
         }
-        const double toFirst = -start / step, toLast = (last - start) / step; // no numbers where positions are none
+        const double toFirst = -start * stepsPerPixel, toLast = (last - start) * stepsPerPixel; // or no numbers
         const double low = toFirst < toLast ? toFirst : toLast, high = toFirst < toLast ? toLast : toFirst;
         const double before = low - 1, behind = high + 2;
         if (before > first)
@@ -207,13 +207,26 @@ struct Candidates
     }
 };
 
-RVK_INLINE Candidates candidatesOf(const ClippedMap& map, uint32_t row, uint32_t width)
+class CandidatesOfRows
 {
-    Candidates c = {0, width};
-    c.narrow(map.startX + row * map.downX, map.acrossX, map.right);
-    c.narrow(map.startY + row * map.downY, map.acrossY, map.bottom);
-    return c;
-}
+public:
+    RVK_INLINE CandidatesOfRows(const ClippedMap& map, uint32_t width)
+        : m_map(map), m_width(width), m_stepsPerColumn(1 / map.acrossX), m_stepsPerRow(1 / map.acrossY)
+    {
+    }
+    RVK_INLINE Candidates of(uint32_t row) const
+    {
+        Candidates c = {0, m_width};
+        c.narrow(m_map.startX + row * m_map.downX, m_map.acrossX, m_stepsPerColumn, m_map.right);
+        c.narrow(m_map.startY + row * m_map.downY, m_map.acrossY, m_stepsPerRow, m_map.bottom);
+        return c;
+    }
+
+private:
+    const ClippedMap& m_map;
+    uint32_t m_width;
+    double m_stepsPerColumn, m_stepsPerRow; // infinite where a step is 0
+};
 
 constexpr size_t kClippedChunk = kClippedAnchors; // pixels of three bytes: whole vectors of each element
 
@@ -275,12 +288,14 @@ struct Interior
     size_t first, end;
 
     template <class Condition, class Other>
-    RVK_INLINE Interior(const ClippedRun& run, Condition isInterior, Other other) : first(run.first), end(run.end)
+    static RVK_INLINE Interior of(const ClippedRun& run, Condition isInterior, Other other)
     {
+        size_t first = run.first, end = run.end;
         for (; first < end && !isInterior(first); ++first)
             other(static_cast<uint32_t>(first));
         for (; first < end && !isInterior(end - 1); --end)
             other(static_cast<uint32_t>(end - 1));
+        return {first, end};
     }
 };
 
@@ -384,7 +399,7 @@ public:
             const int64_t atX = x.at(column), atY = y.at(column);
             return m_hasInterior && atX >= 0 && atX <= lastX && atY >= 0 && atY <= lastY;
         };
-        const Interior interior(run, isInterior, [&](uint32_t column) RVK_INLINE_LAMBDA {
+        const Interior interior = Interior::of(run, isInterior, [&](uint32_t column) RVK_INLINE_LAMBDA {
             sampleOne(m_source, clippedPosition(m_source, run, column), row + column);
         });
 
@@ -517,40 +532,6 @@ RVK_INLINE bool areInBoxes(const ClippedSource& source, const ClippedMap& map, u
            fit(map.acrossY, map.downY);
 }
 
-// A row of a band: of its run what has room for steps.
-struct BandRow
-{
-    CarriedCoordinate<1> x, y;
-    Interior interior;
-    uint8_t* pixels;
-
-    RVK_INLINE BandRow(const ClippedSource& source, const ClippedRun& run, ClippedSample* sampleOne, uint8_t* row)
-        : x(run, run.x, run.stepX), y(run, run.y, run.stepY),
-          interior(
-              run,
-              [&](size_t column) RVK_INLINE_LAMBDA {
-                  const int64_t lastX = int64_t{source.width - 1} << 16, lastY = int64_t{source.height - 1} << 16;
-                  const int64_t atX = x.at(column), atY = y.at(column);
-                  return run.end - run.first > 1 && atX >= 0 && atX <= lastX && atY >= 0 && atY <= lastY;
-              },
-              [&](uint32_t column)
-                  RVK_INLINE_LAMBDA { sampleOne(source, clippedPosition(source, run, column), row + column); }),
-          pixels(row)
-    {
-    }
-    RVK_INLINE bool isEmpty() const { return interior.first == interior.end; }
-    RVK_INLINE bool isWhole(size_t column) const // of the segment from there on
-    {
-        return interior.first <= column && column + kSegment <= interior.end;
-    }
-    RVK_INLINE void putPart(size_t column, const uint8_t (&segment)[kSegment]) const
-    {
-        const size_t from = greatest(interior.first, column), to = least(interior.end, column + kSegment);
-        if (from < to)
-            __builtin_memcpy(pixels + from, segment + (from - column), to - from);
-    }
-};
-
 // What the squares of a segment have of one coordinate.
 struct PlacedSquares
 {
@@ -559,37 +540,42 @@ struct PlacedSquares
     Vec<uint32_t> boxes;   // where that is
 };
 
-// A coordinate of a band, segment by segment. Boxes begin where exact positions say; carried ones are less than kMargin
-// off.
+// A coordinate of all bands. Boxes begin where exact positions say; carried ones are less than kMargin off.
 class BandAxis
 {
 public:
-    // From a segment on whose first pixel, in the first row, is at `start`, and at the anchors in each row.
-    RVK_INLINE BandAxis(double start, double across, double down, const int64_t (&anchors)[kBandRows], int64_t step,
-                        uint32_t size, int32_t half)
-        : m_last(splat(static_cast<int32_t>(size - SquareBox::side))),
-          m_toNext(splat(static_cast<uint64_t>(kSegment * step)))
+    RVK_INLINE BandAxis(double start, double across, double down, uint32_t size, int32_t half)
+        : m_start(start + least(3 * across) + least(3 * down) - kMargin), m_across(across), m_down(down),
+          m_step(clippedFixed(across)), m_last(splat(static_cast<int32_t>(size - SquareBox::side))),
+          m_toNext(splat(static_cast<uint64_t>(kSegment * m_step)))
     {
-        uint64_t at[Vec<uint64_t>::lanes] = {};
-        for (size_t i = 0; i < kBandRows; ++i)
-            at[i] = static_cast<uint64_t>(anchors[i]);
-        at[kBandRows] = static_cast<uint64_t>(
-            static_cast<int64_t>((start + least(3 * across) + least(3 * down) - kMargin) * kFixedOne));
-        m_at = load(at);
-        const auto carried = static_cast<int32_t>(step / 65536);
+        const auto carried = static_cast<int32_t>(m_step / 65536);
         m_inSquare = bitCast<uint32_t>((iota<int32_t>() & splat(3)) * splat(carried) + splat(half));
         m_toSquares = iota<int32_t>() * splat(4 * carried);
     }
 
-    // The squares of the next segment.
-    RVK_INLINE PlacedSquares next()
+    // The coordinate in the rows from j on, with 32 bits of fraction, and the least one of the first square.
+    using At = Vec<uint64_t>;
+    RVK_INLINE At at(uint32_t j, size_t column, const ClippedRun (&runs)[kBandRows], int64_t ClippedRun::*first) const
     {
-        const Vec<uint8_t> bytes = bitCast<uint8_t>(m_at); // 32 bits of these, with 16 of their fraction
+        uint64_t all[At::lanes] = {};
+        for (size_t i = 0; i < kBandRows; ++i)
+            all[i] = static_cast<uint64_t>(
+                runs[i].*first + (static_cast<int64_t>(column) - static_cast<int64_t>(runs[i].first)) * m_step);
+        const double exact = m_start + j * m_down + static_cast<double>(static_cast<int64_t>(column)) * m_across;
+        all[kBandRows] = static_cast<uint64_t>(clippedFixed(exact));
+        return load(all);
+    }
+
+    // The squares there. `at` moves on to the next segment.
+    RVK_INLINE PlacedSquares place(At& at) const
+    {
+        const Vec<uint8_t> bytes = bitCast<uint8_t>(at); // 32 bits of these, with 16 of their fraction
         const Vec<uint8_t> rows = shuffle(bytes, bytes, [](size_t i) { return i / 16 * 8 + 2 + i % 4; });
         const Vec<uint8_t> least = shuffle(bytes, bytes, [](size_t i) { return kBandRows * 8 + 2 + i % 4; });
         const Vec<int32_t> boxes = shiftRight(bitCast<int32_t>(least) + m_toSquares, 16);
         const Vec<int32_t> first = min(max(boxes, zero<int32_t>()), m_last);
-        m_at = m_at + m_toNext;
+        at = at + m_toNext;
         return {bitCast<uint32_t>(rows) + m_inSquare, bitCast<uint32_t>(m_toSquares - shiftLeft(first, 16)),
                 bitCast<uint32_t>(first)};
     }
@@ -598,12 +584,14 @@ public:
     RVK_INLINE Vec<uint32_t> toSquares() const { return bitCast<uint32_t>(m_toSquares); }
 
 private:
-    static constexpr double kMargin = 1.0 / 256, kFixedOne = 4294967296.0;
+    static constexpr double kMargin = 1.0 / 256;
     static RVK_INLINE double least(double offset) { return offset < 0 ? offset : 0; }
 
+    double m_start, m_across, m_down;
+    int64_t m_step;
     Vec<int32_t> m_last, m_toSquares;
     Vec<uint32_t> m_inSquare;
-    Vec<uint64_t> m_toNext, m_at; // of the rows, and of what the first square has least
+    Vec<uint64_t> m_toNext;
 };
 
 // From the first square of a segment to the others, as weightsOfX and weightsOfY count.
@@ -626,10 +614,12 @@ struct Segment
     Vec<int16_t> weightsX, weightsY;
     uint32_t toX[kSquaresBeside], toY[kSquaresBeside], offsets[kSquaresBeside]; // to those in boxes; where these begin
 
-    RVK_INLINE Segment(const PlacedSquares& placedX, const PlacedSquares& placedY, uint32_t stride)
-        : x(placedX.ofFirst), y(timesSide(placedY.ofFirst)), weightsX(weightsOfX(placedX.ofFirst)),
-          weightsY(weightsOfY(placedY.ofFirst))
+    RVK_INLINE void place(const PlacedSquares& placedX, const PlacedSquares& placedY, uint32_t stride)
     {
+        x = placedX.ofFirst;
+        y = timesSide(placedY.ofFirst);
+        weightsX = weightsOfX(placedX.ofFirst);
+        weightsY = weightsOfY(placedY.ofFirst);
         store(toX, placedX.toBoxes);
         store(toY, timesSide(placedY.toBoxes));
         store(offsets, placedY.boxes * splat(stride) + placedX.boxes);
@@ -679,6 +669,24 @@ RVK_NOINLINE void sampleTiles(const ClippedSource& source, const Segment& segmen
     }
 }
 
+// Of a row, what is sampled by squares.
+struct BandRow
+{
+    Interior interior = {0, 0};
+    uint8_t* pixels = nullptr;
+
+    RVK_INLINE bool isWhole(size_t column) const // of the segment from there on
+    {
+        return interior.first <= column && column + kSegment <= interior.end;
+    }
+    RVK_INLINE void putPart(size_t column, const uint8_t (&segment)[kSegment]) const
+    {
+        const size_t from = greatest(interior.first, column), to = least(interior.end, column + kSegment);
+        if (from < to)
+            __builtin_memcpy(pixels + from, segment + (from - column), to - from);
+    }
+};
+
 template <Reading reading>
 class SquareSampler
 {
@@ -686,62 +694,95 @@ public:
     static constexpr uint32_t channels = 1, bandRows = kBandRows;
     static constexpr ClippedSample* sampleOne = reading == Reading::nearest ? sampleNearest : sampleBilinear;
 
-    RVK_INLINE SquareSampler(const ClippedSource& source, const ClippedMap& map) : m_source(source), m_map(map) {}
-
-    // Rows j to j + 3, of which some may have no run.
-    RVK_INLINE void sampleBand(uint32_t j, const ClippedRun (&runs)[kBandRows], Plane<uint8_t> dst) const
+    RVK_INLINE SquareSampler(const ClippedSource& source, const ClippedMap& map)
+        : m_source(source), m_x(map.startX, map.acrossX, map.downX, source.width, kHalf),
+          m_y(map.startY, map.acrossY, map.downY, source.height, kHalf), m_steps(m_x.toSquares(), m_y.toSquares())
     {
-        const auto row = [&](uint32_t i) RVK_INLINE_LAMBDA {
-            return BandRow(m_source, runs[i], sampleOne, runs[i].first < runs[i].end ? dst.row(j + i) : nullptr);
-        };
-        const BandRow rows[kBandRows] = {row(0), row(1), row(2), row(3)};
-        size_t begin = SIZE_MAX, end = 0;
-        int64_t stepX = 0, stepY = 0;
-        for (const BandRow& r : rows)
-            if (!r.isEmpty()) {
-                begin = least(begin, r.interior.first);
-                end = greatest(end, r.interior.end);
-                stepX = r.x.step(); // as by all others
-                stepY = r.y.step();
-            }
-        if (begin >= end)
-            return;
-        const size_t first = begin / kSegment * kSegment;
-        int64_t anchorsX[kBandRows], anchorsY[kBandRows];
-        for (size_t i = 0; i < kBandRows; ++i) {
-            anchorsX[i] = rows[i].x.anchor(first);
-            anchorsY[i] = rows[i].y.anchor(first);
-        }
-        const auto startAt = [=](double start, double across, double down) RVK_INLINE_LAMBDA {
-            return start + j * down + static_cast<double>(static_cast<int64_t>(first)) * across;
-        };
-        BandAxis x(startAt(m_map.startX, m_map.acrossX, m_map.downX), m_map.acrossX, m_map.downX, anchorsX, stepX,
-                   m_source.width, kHalf);
-        BandAxis y(startAt(m_map.startY, m_map.acrossY, m_map.downY), m_map.acrossY, m_map.downY, anchorsY, stepY,
-                   m_source.height, kHalf);
-        const StepsOfWeights steps(x.toSquares(), y.toSquares());
-        const auto place = [&]() RVK_INLINE_LAMBDA { return Segment(x.next(), y.next(), m_source.stride); };
-        Segment segments[2] = {place(), place()};
-        for (size_t column = first, number = 0; column < end; column += kSegment, number = 1 - number) {
-            const size_t firstTile = begin < column ? 0 : (begin - column) / kTile,
-                         endTile = (least(end - column, kSegment) + kTile - 1) / kTile;
-            uint8_t pixels[kBandRows][kSegment];
-            uint8_t* to[kBandRows];
-            for (size_t i = 0; i < kBandRows; ++i)
-                to[i] = rows[i].isWhole(column) ? rows[i].pixels + column : pixels[i];
-            sampleTiles<reading>(m_source, segments[number], steps, firstTile, endTile, to);
-            for (size_t i = 0; i < kBandRows; ++i)
-                if (to[i] == pixels[i])
-                    rows[i].putPart(column, pixels[i]);
-            segments[number] = place(); // long before it is used: all of it is one chain
-        }
     }
+
+    // Four rows, in two parts: that the first one waits for its positions is not felt when another band's second one
+    // comes between.
+    class Band
+    {
+    public:
+        // Rows j to j + 3, of which some may have no run.
+        RVK_INLINE void prepare(const SquareSampler& sampler, uint32_t j, const ClippedRun (&runs)[kBandRows],
+                                Plane<uint8_t> dst)
+        {
+            m_begin = SIZE_MAX;
+            m_end = 0;
+            for (uint32_t i = 0; i < kBandRows; ++i) {
+                m_rows[i] = {};
+                if (runs[i].first == runs[i].end)
+                    continue;
+                uint8_t* const row = dst.row(j + i);
+                m_rows[i] = {sampler.interiorOf(runs[i], row), row};
+                if (m_rows[i].interior.first < m_rows[i].interior.end) {
+                    m_begin = least(m_begin, m_rows[i].interior.first);
+                    m_end = greatest(m_end, m_rows[i].interior.end);
+                }
+            }
+            if (m_begin >= m_end)
+                return;
+            const size_t column = m_begin / kSegment * kSegment;
+            m_x = sampler.m_x.at(j, column, runs, &ClippedRun::x);
+            m_y = sampler.m_y.at(j, column, runs, &ClippedRun::y);
+            place(sampler, 0);
+            place(sampler, 1);
+        }
+
+        RVK_INLINE void sample(const SquareSampler& sampler)
+        {
+            size_t number = 0;
+            for (size_t column = m_begin / kSegment * kSegment; column < m_end; column += kSegment) {
+                const size_t firstTile = m_begin < column ? 0 : (m_begin - column) / kTile,
+                             endTile = (least(m_end - column, kSegment) + kTile - 1) / kTile;
+                uint8_t pixels[kBandRows][kSegment];
+                uint8_t* to[kBandRows];
+                for (size_t i = 0; i < kBandRows; ++i)
+                    to[i] = m_rows[i].isWhole(column) ? m_rows[i].pixels + column : pixels[i];
+                sampleTiles<reading>(sampler.m_source, m_segments[number], sampler.m_steps, firstTile, endTile, to);
+                for (size_t i = 0; i < kBandRows; ++i)
+                    if (to[i] == pixels[i])
+                        m_rows[i].putPart(column, pixels[i]);
+                place(sampler, number); // the segment after the next one
+                number = 1 - number;
+            }
+        }
+
+    private:
+        RVK_INLINE void place(const SquareSampler& sampler, size_t number)
+        {
+            m_segments[number].place(sampler.m_x.place(m_x), sampler.m_y.place(m_y), sampler.m_source.stride);
+        }
+
+        BandRow m_rows[kBandRows];
+        size_t m_begin, m_end; // columns
+        BandAxis::At m_x, m_y; // of the segment to be placed next
+        Segment m_segments[2];
+    };
 
 private:
     static constexpr int32_t kHalf = reading == Reading::nearest ? 32768 : 0; // added before the fraction is dropped
 
+    // Steps of one pixel alone are none. Carried positions beyond the edge are those of the edge: pixel by pixel.
+    RVK_INLINE Interior interiorOf(const ClippedRun& run, uint8_t* row) const
+    {
+        const int64_t lastX = int64_t{m_source.width - 1} << 16, lastY = int64_t{m_source.height - 1} << 16;
+        const CarriedCoordinate<1> x(run, run.x, run.stepX), y(run, run.y, run.stepY);
+        return Interior::of(
+            run,
+            [&](size_t column) RVK_INLINE_LAMBDA {
+                const int64_t atX = x.at(column), atY = y.at(column);
+                return run.end - run.first > 1 && atX >= 0 && atX <= lastX && atY >= 0 && atY <= lastY;
+            },
+            [&](uint32_t column)
+                RVK_INLINE_LAMBDA { sampleOne(m_source, clippedPosition(m_source, run, column), row + column); });
+    }
+
     const ClippedSource m_source;
-    const ClippedMap m_map;
+    const BandAxis m_x, m_y;
+    const StepsOfWeights m_steps;
 };
 
 #endif
@@ -800,7 +841,7 @@ public:
             const int64_t column = x.at(i) >> 16, row = y.at(i) >> 16;
             return column >= 1 && column <= lastColumn && row >= 1 && row <= lastRow;
         };
-        auto [first, end] = Interior(run, isInterior, [&](uint32_t i) RVK_INLINE_LAMBDA {
+        const auto [first, end] = Interior::of(run, isInterior, [&](uint32_t i) RVK_INLINE_LAMBDA {
             sampleOne(m_source, clippedPosition(m_source, run, i), dst + size_t{channels} * i);
         });
         for (size_t chunk = first / kClippedChunk * kClippedChunk; chunk < end; chunk += kClippedChunk) {
@@ -880,22 +921,27 @@ RVK_INLINE void transformClipped(const Sampler& sampler, const ClippedSource& so
 {
     const ClippedRules rules{Sampler::sampleOne, Sampler::channels, borderType, borderValue};
     const ClippedMap map = clippedMap(source, position, affine, dstWidth, dstHeight);
+    const CandidatesOfRows candidatesOf(map, dstWidth);
     const auto fillOutside = [&](uint32_t j) RVK_INLINE_LAMBDA { // of row j; the run is left
-        const Candidates candidates = candidatesOf(map, j, dstWidth);
+        const Candidates candidates = candidatesOf.of(j);
         const ClippedRun run = clippedRun(map, j, candidates.first, candidates.end);
         uint8_t* const row = Plane{dst, dstStride}.row(j);
         fillClipped(source, rules, map, j, 0, run.first, row);
         fillClipped(source, rules, map, j, run.end, dstWidth, row);
         return run;
     };
-    if constexpr (requires { Sampler::bandRows; }) {
-        constexpr uint32_t rows = Sampler::bandRows;
-        for (uint32_t band = 0; band < (uint64_t{dstHeight} + rows - 1) / rows; ++band) {
-            const uint32_t j = rows * band;
-            ClippedRun runs[rows] = {};
-            for (uint32_t i = 0; i < rows && i < dstHeight - j; ++i)
-                runs[i] = fillOutside(j + i);
-            sampler.sampleBand(j, runs, Plane{dst, dstStride});
+    if constexpr (requires { typename Sampler::Band; }) {
+        const auto prepare = [&](auto& band, uint64_t j) RVK_INLINE_LAMBDA {
+            ClippedRun runs[Sampler::bandRows] = {};
+            for (uint64_t i = 0; i < Sampler::bandRows && j + i < dstHeight; ++i)
+                runs[i] = fillOutside(static_cast<uint32_t>(j + i));
+            band.prepare(sampler, static_cast<uint32_t>(j), runs, Plane{dst, dstStride});
+        };
+        typename Sampler::Band bands[2];
+        prepare(bands[0], 0);
+        for (uint64_t j = 0, number = 0; j < dstHeight; j += Sampler::bandRows, number = 1 - number) {
+            prepare(bands[1 - number], j + Sampler::bandRows);
+            bands[number].sample(sampler);
         }
     } else {
         for (uint32_t j = 0; j < dstHeight; ++j)
