@@ -657,7 +657,7 @@ RVK_NOINLINE void sampleTiles(const ClippedSource& source, const Segment& segmen
                 const auto moved = [](Vec<int16_t> weights, uint32_t step)
                                        RVK_INLINE_LAMBDA { return weights + bitCast<int16_t>(splat(step)); };
                 const Vec<uint8_t> fourTimes = shuffle(numbers, numbers, [](size_t k) { return k / 4 * 4 + 2; });
-                values[i] = bilinearOfWords(bitCast<uint32_t>(box.pixels(fourTimes + SquareBox::neighbours())),
+                values[i] = bilinearOfWords(bitCast<uint32_t>(box.pixels(fourTimes + SquareBox::neighboursByColumns())),
                                             moved(weightsX, steps.ofX[n]), moved(weightsY, steps.ofY[n]));
             }
         });

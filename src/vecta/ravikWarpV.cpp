@@ -1,6 +1,6 @@
 // Vector implementations of the perspective warps and remaps.
 #include "cpu/ravikWarpC.h"
-#include "vecta/simd/sampling.h"
+#include "vecta/simd/squares.h"
 #include "vecta/vecta.h"
 
 #include <ravik/warp.h>
@@ -40,13 +40,90 @@ private:
     Vec<float> m_factor[3], m_start[3];
 };
 
+#if defined(__AVX512VNNI__)
+
+// The same of squares in rows y to y + 3. The products with columns are those of all rows.
+class PerspectiveSquares
+{
+public:
+    RVK_INLINE PerspectiveSquares(const Homography& h, const float (&products)[3][kMostSquareColumns], size_t left,
+                                  size_t y)
+        : m_h(h), m_products(products), m_left(left), m_y(static_cast<float>(y))
+    {
+        const Vec<float> rows = splat(m_y) + toFloat(shiftRight(iota<int32_t>(), 2));
+        unrolled<3>([&](auto i) RVK_INLINE_LAMBDA { m_start[i] = startOf(i, rows); });
+    }
+
+    // Of the square that begins with a column.
+    RVK_INLINE SquarePositions at(size_t x) const
+    {
+        return divided([&](size_t i)
+                           RVK_INLINE_LAMBDA { return loadFourTimes(m_products[i] + (x - m_left)) + m_start[i]; });
+    }
+    // The middles of a segment's squares, about.
+    RVK_INLINE SquarePositions middles(size_t x) const
+    {
+        const Vec<float> columns = splat(static_cast<float>(x) + kMiddle) + iota<float>() * splat(4.0f);
+        return divided([&](size_t i) RVK_INLINE_LAMBDA {
+            return columns * splat(m_h.m[3 * i]) + startOf(i, splat(m_y + kMiddle));
+        });
+    }
+
+private:
+    static constexpr float kMiddle = 1.5f;
+
+    RVK_INLINE Vec<float> startOf(size_t i, Vec<float> row) const
+    {
+        return splat(m_h.m[3 * i + 1]) * row + splat(m_h.m[3 * i + 2]);
+    }
+    template <class Sum>
+    static RVK_INLINE SquarePositions divided(Sum sum)
+    {
+        const Vec<float> factor = divide(splat(static_cast<float>(kPositionOne)), sum(2));
+        return {sum(0) * factor, sum(1) * factor};
+    }
+
+    const Homography& m_h;
+    const float (&m_products)[3][kMostSquareColumns];
+    size_t m_left;
+    float m_y;
+    Vec<float> m_start[3];
+};
+
+// Of those in some columns.
+class PerspectiveColumns
+{
+public:
+    RVK_INLINE PerspectiveColumns(const Homography& h, size_t left, size_t columns) : m_h(h), m_left(left)
+    {
+        for (size_t x = 0; x < columns; x += Vec<float>::lanes)
+            for (size_t i = 0; i < 3; ++i)
+                store(m_products[i] + x, (iota<float>() + splat(static_cast<float>(left + x))) * splat(h.m[3 * i]));
+    }
+    RVK_INLINE PerspectiveSquares band(size_t y) const { return {m_h, m_products, m_left, y}; }
+
+private:
+    const Homography& m_h;
+    size_t m_left;
+    float m_products[3][kMostSquareColumns];
+};
+
+#endif
+
 template <size_t channels, uint32_t interpolation>
 RVK_NOINLINE void warpPerspectiveBy(const SampledImage& src, uint32_t dstWidth, uint32_t dstHeight, Plane<uint8_t> dst,
                                     const Homography& h)
 {
-    sampleImage<channels, interpolation>(src, dstWidth, dstHeight, dst, [&](size_t y) RVK_INLINE_LAMBDA {
-        return PerspectiveRow<channels>(h, static_cast<float>(y));
-    });
+    const auto rows = [&](size_t y) RVK_INLINE_LAMBDA { return PerspectiveRow<channels>(h, static_cast<float>(y)); };
+#if defined(__AVX512VNNI__)
+    if constexpr (channels == 1)
+        if (hasSquares(src, dstWidth, dstHeight)) {
+            const auto columns = [&](size_t left, size_t n)
+                                     RVK_INLINE_LAMBDA { return PerspectiveColumns(h, left, n); };
+            return sampleBySquares<interpolation>(src, dstWidth, dstHeight, dst, columns, rows);
+        }
+#endif
+    sampleImage<channels, interpolation>(src, dstWidth, dstHeight, dst, rows);
 }
 
 template <size_t channels>

@@ -92,15 +92,26 @@ public:
     {
         return vec<uint8_t>(_mm512_permutexvar_epi8(reg(numbers), m_pixels));
     }
-    // To be added to four times the same number: a pixel, the one below, and those to the right of both.
-    static RVK_INLINE Vec<uint8_t> neighbours()
+    // To be added to four times the same number: a pixel, the one below, and those to the right of both; or the one to
+    // the right first.
+    static RVK_INLINE Vec<uint8_t> neighboursByColumns()
     {
         return bitCast<uint8_t>(splat(side << 8 | 1u << 16 | (side + 1) << 24));
+    }
+    static RVK_INLINE Vec<uint8_t> neighboursByRows()
+    {
+        return bitCast<uint8_t>(splat(1u << 8 | side << 16 | (side + 1) << 24));
     }
 
 private:
     Register m_pixels;
 };
+
+// Four numbers, each block of four the same.
+RVK_INLINE Vec<float> loadFourTimes(const float* p)
+{
+    return vec<float>(_mm512_castps_si512(_mm512_broadcast_f32x4(_mm_loadu_ps(p))));
+}
 
 // Each 16 bytes to a row.
 RVK_INLINE void storeRows(uint8_t* const (&rows)[4], Vec<uint8_t> v)

@@ -72,6 +72,14 @@ RVK_INLINE Vec<uint32_t> bilinearOfWords(Vec<uint32_t> words, Vec<int16_t> acros
     return bitCast<uint32_t>(addDotPairs(half, leftAndRight, across));
 }
 
+// Eight bits of each word, from bit `shift` on, in all of its bytes.
+template <unsigned shift>
+RVK_INLINE Vec<uint8_t> bitsFourTimes(Vec<uint32_t> v)
+{
+    const Register places = reg(splat((uint64_t{shift + 32} * 0x01010101 << 32) | uint64_t{shift} * 0x01010101));
+    return vec<uint8_t>(_mm512_multishift_epi64_epi8(places, reg(v)));
+}
+
 // Eight bits of each word, from bit `shift` on: those of the first words of the vectors, of the second ones, ...
 template <unsigned shift>
 RVK_INLINE Vec<uint8_t> takeBits(const Vecs<uint32_t, 4>& v)
