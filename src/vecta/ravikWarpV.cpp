@@ -10,7 +10,6 @@ namespace {
 
 // The positions of the pixels of a row, by the operations of the reference.
 using WarpedPositions = Positions<kPositionBits>;
-template <size_t channels>
 class PerspectiveRow
 {
 public:
@@ -24,7 +23,7 @@ public:
 
     RVK_INLINE WarpedPositions operator()(size_t x, size_t) const
     {
-        const Vecs<float, 2> numbers = numbersOfStep<channels>();
+        const Vecs<float, 2> numbers = iotaSplit<float>();
         WarpedPositions p;
         unrolled<2>([&](auto i) RVK_INLINE_LAMBDA {
             const Vec<float> column = numbers[i] + splat(static_cast<float>(x));
@@ -114,7 +113,7 @@ template <size_t channels, uint32_t interpolation>
 RVK_NOINLINE void warpPerspectiveBy(const SampledImage& src, uint32_t dstWidth, uint32_t dstHeight, Plane<uint8_t> dst,
                                     const Homography& h)
 {
-    const auto rows = [&](size_t y) RVK_INLINE_LAMBDA { return PerspectiveRow<channels>(h, static_cast<float>(y)); };
+    const auto rows = [&](size_t y) RVK_INLINE_LAMBDA { return PerspectiveRow(h, static_cast<float>(y)); };
 #if defined(__AVX512VNNI__)
     if constexpr (channels == 1)
         if (hasSquares(src, dstWidth, dstHeight)) {
@@ -137,17 +136,72 @@ RVK_INLINE void warpPerspective(const SampledImage& src, uint32_t dstWidth, uint
         warpPerspectiveBy<channels, RAVIK_INTERPOLATION_BILINEAR>(src, dstWidth, dstHeight, dst, h);
 }
 
+#if defined(__AVX512VNNI__)
+
+// Where maps say that squares in rows y to y + 3 are.
+class MappedSquares
+{
+public:
+    RVK_INLINE MappedSquares(Plane<const float32_t> mapX, Plane<const float32_t> mapY, size_t y)
+        : m_x(mapX.row(y)), m_y(mapY.row(y)), m_strideX(mapX.row(1) - mapX.row(0)), m_strideY(mapY.row(1) - mapY.row(0))
+    {
+    }
+    // Of the square that begins with a column.
+    RVK_INLINE SquarePositions at(size_t x) const
+    {
+        return inFractions({loadFourRows(m_x + x, m_strideX), loadFourRows(m_y + x, m_strideY)});
+    }
+    // The middles of a segment's squares, about: of their pixels (1, 1) and (2, 2).
+    RVK_INLINE SquarePositions middles(size_t x) const
+    {
+        const auto middle = [](const float* p, ptrdiff_t stride) RVK_INLINE_LAMBDA {
+            return (everyFourth<1>(p + stride) + everyFourth<2>(p + 2 * stride)) * splat(0.5f);
+        };
+        return inFractions({middle(m_x + x, m_strideX), middle(m_y + x, m_strideY)});
+    }
+
+private:
+    static RVK_INLINE SquarePositions inFractions(const SquarePositions& p)
+    {
+        const Vec<float> one = splat(static_cast<float>(kPositionOne));
+        return {p.x * one, p.y * one};
+    }
+
+    const float *m_x, *m_y;
+    ptrdiff_t m_strideX, m_strideY; // floats
+};
+
+struct MappedColumns
+{
+    Plane<const float32_t> x, y;
+
+    RVK_INLINE MappedSquares band(size_t row) const { return {x, y, row}; }
+};
+
+#endif
+
 template <size_t channels, uint32_t interpolation>
 RVK_NOINLINE void remapBy(const SampledImage& src, uint32_t dstWidth, uint32_t dstHeight, Plane<uint8_t> dst,
                           Plane<const float32_t> mapX, Plane<const float32_t> mapY)
 {
-    sampleImage<channels, interpolation>(src, dstWidth, dstHeight, dst, [=](size_t y) RVK_INLINE_LAMBDA {
+    const auto rows = [=](size_t y) RVK_INLINE_LAMBDA {
         const float* const xs = mapX.row(y);
         const float* const ys = mapY.row(y);
         return [=](size_t x, size_t n) RVK_INLINE_LAMBDA {
-            return Positions<0>{loadCoordinates<channels>(xs + x, n), loadCoordinates<channels>(ys + x, n)};
+            return Positions<0>{loadCoordinates(xs + x, n), loadCoordinates(ys + x, n)};
         };
-    });
+    };
+#if defined(__AVX512VNNI__)
+    if constexpr (channels == 1)
+        if (hasSquares(src, dstWidth, dstHeight))
+            return sampleBySquares<interpolation>(
+                src, dstWidth, dstHeight, dst,
+                [=](size_t, size_t) RVK_INLINE_LAMBDA {
+                    return MappedColumns{mapX, mapY};
+                },
+                rows);
+#endif
+    sampleImage<channels, interpolation>(src, dstWidth, dstHeight, dst, rows);
 }
 
 template <size_t channels>

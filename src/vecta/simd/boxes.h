@@ -9,66 +9,6 @@
 namespace rvk::vecta::RVK_ISA {
 namespace {
 
-// The first two words.
-RVK_INLINE uint64_t firstPair(Vec<uint32_t> v)
-{
-    return static_cast<uint64_t>(_mm_cvtsi128_si64(_mm512_castsi512_si128(reg(v))));
-}
-
-// One of each four words, in all four: what a step has for several boxes stands in four lanes.
-template <size_t lane>
-RVK_INLINE Vec<uint32_t> ofEachFour(Vec<uint32_t> v)
-{
-    return shuffle(v, v, [](size_t i) { return i / 4 * 4 + lane; });
-}
-
-// 256 pixels of a byte: 32 columns and 8 rows, or 16 and 16.
-template <uint32_t columns>
-class Box
-{
-public:
-    static constexpr uint32_t width = columns, height = 256 / columns;
-
-    // From the pixel at p on.
-    RVK_INLINE Box(const uint8_t* p, size_t stride)
-    {
-        static_assert(columns == 16 || columns == 32);
-        constexpr size_t rows = height / 4; // in a vector
-        unrolled<4>([&](auto i) RVK_INLINE_LAMBDA { m_pixels.quarter[i] = loadRows(p + i * rows * stride, stride); });
-    }
-
-    // Pixels by their numbers, columns * row + column, in the lowest bytes of words, and what is so much after them:
-    // the byte `offset` of these words. What is outside of the box is any of its pixels.
-    RVK_INLINE Vec<uint32_t> words(Vec<uint32_t> numbers, Vec<uint8_t> offsets) const
-    {
-        const Vec<uint8_t> bytes = bitCast<uint8_t>(numbers);
-        const Vec<uint8_t> fourTimes = shuffle(bytes, bytes, [](size_t i) { return i / 4 * 4; });
-        return bitCast<uint32_t>(lookup(m_pixels, fourTimes + offsets));
-    }
-    // The four neighbours to the right and below, the upper left one first.
-    static RVK_INLINE Vec<uint8_t> squaresByColumns() { return offsets(0, columns, 1, columns + 1); }
-    static RVK_INLINE Vec<uint8_t> squaresByRows() { return offsets(0, 1, columns, columns + 1); }
-
-private:
-    static RVK_INLINE Vec<uint8_t> offsets(uint32_t first, uint32_t second, uint32_t third, uint32_t fourth)
-    {
-        return bitCast<uint8_t>(splat(first | second << 8 | third << 16 | fourth << 24));
-    }
-    static RVK_INLINE Vec<uint8_t> loadRows(const uint8_t* p, size_t stride)
-    {
-        if constexpr (columns == 16) {
-            const uint8_t* const rows[4] = {p, p + stride, p + 2 * stride, p + 3 * stride};
-            return loadEach16(rows, 0);
-        } else {
-            const __m256i upper = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(p));
-            const __m256i lower = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(p + stride));
-            return vec<uint8_t>(_mm512_inserti64x4(_mm512_castsi256_si512(upper), lower, 1));
-        }
-    }
-
-    Table256 m_pixels;
-};
-
 // 64 pixels of a byte: 8 columns and 8 rows. One permutation takes any of them.
 class SquareBox
 {
@@ -111,6 +51,27 @@ private:
 RVK_INLINE Vec<float> loadFourTimes(const float* p)
 {
     return vec<float>(_mm512_castps_si512(_mm512_broadcast_f32x4(_mm_loadu_ps(p))));
+}
+
+// Four numbers of each of four rows.
+RVK_INLINE Vec<float> loadFourRows(const float* p, ptrdiff_t stride)
+{
+    __m128i rows[4];
+    unrolled<4>([&](auto i) RVK_INLINE_LAMBDA {
+        rows[i] = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p + static_cast<ptrdiff_t>(size_t{i}) * stride));
+    });
+    return vec<float>(joinBlocks(rows));
+}
+
+// Number `n` of each four of the 64 at p.
+template <size_t n>
+RVK_INLINE Vec<float> everyFourth(const float* p)
+{
+    const auto half = [](Vec<float> a, Vec<float> b)
+                          RVK_INLINE_LAMBDA { return n % 2 ? unzipOdd(a, b) : unzipEven(a, b); };
+    const Vecs<float, 4> v = loadVecs<4>(p);
+    const Vec<float> low = half(v[0], v[1]), high = half(v[2], v[3]);
+    return n / 2 ? unzipOdd(low, high) : unzipEven(low, high);
 }
 
 // Each 16 bytes to a row.

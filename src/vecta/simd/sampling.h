@@ -3,7 +3,6 @@
 #pragma once
 
 #include "cpu/sampling.h" // SampledImage and constants; none of its functions
-#include "vecta/simd/boxes.h"
 #include "vecta/simd/tiles.h"
 
 namespace rvk::vecta::RVK_ISA {
@@ -15,56 +14,12 @@ constexpr size_t kSampleStep = Vec<uint16_t>::lanes;
 template <unsigned unitBits>
 struct Positions
 {
-    Vecs<float, 2> x, y; // in the order of loadStep
+    Vecs<float, 2> x, y; // in the order of loadSplit
 };
 struct FixedPositions
 {
-    Vecs<int32_t, 2> x, y; // in the order of loadSplit
+    Vecs<int32_t, 2> x, y; // in the same order
 };
-
-// Elements for the pixels of a step, and their numbers: in the order of loadSplit but where pixels of one byte come
-// from boxes, each of which has those of one vector.
-#if defined(__AVX512VNNI__)
-template <size_t channels>
-constexpr bool kHasBoxes = channels == 1;
-#else
-template <size_t channels>
-constexpr bool kHasBoxes = false;
-#endif
-template <size_t channels>
-RVK_INLINE Vecs<float, 2> loadStep(const float* p)
-{
-    if constexpr (kHasBoxes<channels>)
-        return loadVecs<2>(p);
-    else
-        return loadSplit(p);
-}
-template <size_t channels>
-RVK_INLINE Vecs<float, 2> numbersOfStep()
-{
-    if constexpr (kHasBoxes<channels>)
-        return {iota<float>(), iota<float>() + splat(static_cast<float>(Vec<float>::lanes))};
-    else
-        return iotaSplit<float>();
-}
-// What joinSplit makes of them, in the order of memory.
-template <size_t channels>
-RVK_INLINE Vec<uint16_t> orderStep(Vec<uint16_t> v)
-{
-    constexpr size_t lanes = Vec<uint32_t>::lanes;
-    if constexpr (kHasBoxes<channels>)
-        return shuffle(v, v, [](size_t i) { return i % lanes * 2 + i / lanes; });
-    else
-        return v;
-}
-template <size_t channels, class T>
-RVK_INLINE Vecs<T, 2> splitStep(const Vecs<T, 2>& v)
-{
-    if constexpr (kHasBoxes<channels>)
-        return {unzipEven(v[0], v[1]), unzipOdd(v[0], v[1])};
-    else
-        return v;
-}
 
 // between / 2^15 of the way from one number to the other, rounded half up.
 RVK_INLINE Vec<int16_t> interpolate(Vec<int16_t> from, Vec<int16_t> to, Vec<int16_t> between)
@@ -331,96 +286,6 @@ RVK_INLINE void storeTriples(uint8_t* p, Vec<uint32_t> words)
     storeThreeQuarters(p, Reg<uint8_t, kBytes>{bitCast<uint8_t>(packed).raw});
 }
 
-#if defined(__AVX512VNNI__)
-
-// The pixels of a picture at positions inside it, those of a vector from one box: around the one in their middle.
-template <uint32_t interpolation>
-class StepBoxes
-{
-public:
-    RVK_INLINE explicit StepBoxes(const SampledImage& image) : m_data(image.data), m_stride(image.stride)
-    {
-        const bool exist = image.width >= SomeBox::width && image.height >= SomeBox::height;
-        m_last = fours(exist ? image.width - SomeBox::width : 0, exist ? image.height - SomeBox::height : 0);
-        m_endX = exist ? (SomeBox::width - 1) << kPositionBits : 0;
-        m_endY = exist ? (SomeBox::height - 1) << kPositionBits : 0;
-    }
-
-    // Where two boxes begin, and the positions in them.
-    struct Step
-    {
-        uint64_t offsets; // 32 bits each
-        Vecs<uint32_t, 2> x, y;
-    };
-    template <unsigned unitBits>
-    RVK_INLINE Step place(const Positions<unitBits>& p) const
-    {
-        constexpr size_t middle = kLanes / 2;
-        const auto rounded = [](Vec<uint32_t> v)
-                                 RVK_INLINE_LAMBDA { return v + splat(kIsNearest ? kPositionOne / 2u : 0); };
-        const Vecs<uint32_t, 2> x = both(fixedInside<unitBits>(p.x), rounded),
-                                y = both(fixedInside<unitBits>(p.y), rounded);
-        const auto ofBoth = [](const Vecs<uint32_t, 2>& v) RVK_INLINE_LAMBDA {
-            return shuffle(v[0], v[1], [](size_t i) { return i % 2 * kLanes + middle; });
-        };
-        const Vec<int32_t> whole = bitCast<int32_t>(shiftRight(blend(0xcccc, ofBoth(x), ofBoth(y)), kPositionBits));
-        const Vec<int32_t> first =
-            min(max(whole - fours(SomeBox::width / 2 - 1, SomeBox::height / 2 - 1), zero<int32_t>()), m_last);
-        const Vec<uint32_t> columns = bitCast<uint32_t>(first), start = shiftLeft(columns, kPositionBits);
-        const Vec<uint32_t> rows = shuffle(columns, columns, [](size_t i) { return i ^ 2; });
-        return {firstPair(rows * splat(static_cast<uint32_t>(m_stride)) + columns),
-                {x[0] - ofEachFour<0>(start), x[1] - ofEachFour<1>(start)},
-                {y[0] - ofEachFour<2>(start), y[1] - ofEachFour<3>(start)}};
-    }
-
-    // Whether they and their neighbours to the right and below are there.
-    RVK_INLINE bool have(const Step& step) const
-    {
-        return all(less(max(step.x[0], step.x[1]), splat(m_endX)) & less(max(step.y[0], step.y[1]), splat(m_endY)));
-    }
-
-    RVK_INLINE void sample(const Step& step, uint8_t* dst) const
-    {
-        const Vecs<uint32_t, 2> squares = {squaresOf<0>(step), squaresOf<1>(step)};
-        const Vec<uint16_t> top = joinSplit(squares);
-        if constexpr (kIsNearest) {
-            storeLowBytes(dst, orderStep<1>(top));
-        } else {
-            const Vec<uint16_t> bottom =
-                joinSplit(both(squares, [](auto v) RVK_INLINE_LAMBDA { return shiftRight(v, 16); }));
-            storeLowBytes(dst, orderStep<1>(interpolateRows(top, bottom, step.x, step.y)));
-        }
-    }
-
-private:
-    static constexpr bool kIsNearest = interpolation == RAVIK_INTERPOLATION_NEAREST;
-    static constexpr unsigned kBoxWidthBits = 5;
-    using SomeBox = Box<1 << kBoxWidthBits>;
-    static constexpr size_t kLanes = Vec<uint32_t>::lanes;
-
-    // The pixels at positions and their neighbours, row by row.
-    template <size_t i>
-    RVK_INLINE Vec<uint32_t> squaresOf(const Step& step) const
-    {
-        const SomeBox box(m_data + static_cast<uint32_t>(step.offsets >> 32 * i), m_stride);
-        const Vec<uint32_t> row = shiftRight(step.y[i], kPositionBits - kBoxWidthBits) & splat(0u - SomeBox::width);
-        return box.words(row | shiftRight(step.x[i], kPositionBits), SomeBox::squaresByRows());
-    }
-
-    // In each four lanes: columns for both vectors, then rows.
-    static RVK_INLINE Vec<int32_t> fours(uint32_t column, uint32_t row)
-    {
-        return bitCast<int32_t>(blend(0xcccc, splat(column), splat(row)));
-    }
-
-    const uint8_t* m_data;
-    size_t m_stride;
-    Vec<int32_t> m_last;     // columns and rows that boxes can begin with
-    uint32_t m_endX, m_endY; // of positions whose neighbours are in a box
-};
-
-#endif
-
 // Samples steps of positions.
 template <size_t channels, uint32_t interpolation, unsigned unitBits>
 class StepSampler
@@ -456,7 +321,7 @@ public:
     RVK_INLINE void sampleInside(const Positions<unitBits>& p, uint8_t* dst) const requires(channels == 1)
     {
         const Vecs<uint32_t, 2> x = fixedInside<unitBits>(p.x), y = fixedInside<unitBits>(p.y);
-        storeLowBytes(dst, orderStep<channels>(kIsNearest ? nearest(x, y) : bilinear(x, y)));
+        storeLowBytes(dst, kIsNearest ? nearest(x, y) : bilinear(x, y));
     }
 
 #if defined(__x86_64__)
@@ -497,8 +362,8 @@ public:
     // The first n pixels of any positions.
     RVK_INLINE void sampleAny(const Positions<unitBits>& p, uint8_t* dst, size_t n = kSampleStep) const
     {
-        const FixedPositions fixed = {fixedAnywhere<unitBits>(splitStep<channels>(p.x), m_image.width),
-                                      fixedAnywhere<unitBits>(splitStep<channels>(p.y), m_image.height)};
+        const FixedPositions fixed = {fixedAnywhere<unitBits>(p.x, m_image.width),
+                                      fixedAnywhere<unitBits>(p.y, m_image.height)};
         sampleAnywhere(m_image, channels, fixed, dst, n);
     }
 
@@ -573,41 +438,6 @@ private:
     [[maybe_unused]] bool m_hasShortRows; // 15 bits hold the number of a row, and the stride
 };
 
-#if defined(__AVX512VNNI__) // two fifths less time
-
-// The same of pixels of one byte, from boxes where all of a step are in them.
-template <uint32_t interpolation, unsigned unitBits>
-class BoxStepSampler : public StepSampler<1, interpolation, unitBits>
-{
-public:
-    static constexpr bool kSamplesLater = true;
-
-    RVK_INLINE explicit BoxStepSampler(const SampledImage& image)
-        : StepSampler<1, interpolation, unitBits>(image), m_boxes(image)
-    {
-    }
-
-    struct Step
-    {
-        uint8_t* dst;
-        typename StepBoxes<interpolation>::Step inBoxes;
-    };
-    RVK_INLINE bool prepareInside(Step& step, const Positions<unitBits>& p, uint8_t* dst) const
-    {
-        step = {dst, m_boxes.place(p)};
-        const bool areInBoxes = m_boxes.have(step.inBoxes);
-        if (!areInBoxes)
-            this->sampleInside(p, dst);
-        return areInBoxes;
-    }
-    RVK_INLINE void samplePrepared(const Step& step) const { m_boxes.sample(step.inBoxes, step.dst); }
-
-private:
-    const StepBoxes<interpolation> m_boxes;
-};
-
-#endif
-
 // Samples steps of positions inside the picture: each at once, ...
 template <class Sampler, bool later = Sampler::kSamplesLater>
 class InnerSteps
@@ -662,14 +492,13 @@ private:
 // ---- pictures -------------------------------------------------------------------------------------------------------
 
 // A step of coordinates, of which n are in memory.
-template <size_t channels>
 RVK_INLINE Vecs<float, 2> loadCoordinates(const float* p, size_t n)
 {
     if (n == kSampleStep)
-        return loadStep<channels>(p);
+        return loadSplit(p);
     float coordinates[kSampleStep] = {};
     __builtin_memcpy(coordinates, p, n * sizeof *p);
-    return loadStep<channels>(coordinates);
+    return loadSplit(coordinates);
 }
 
 // Fills a picture of at least a step's width, by steps that begin at (x, y): inside(positions, x, y) where all of
@@ -708,12 +537,7 @@ RVK_INLINE void forSteps(size_t width, size_t height, Rows rows, AreInside areIn
 template <size_t channels, uint32_t interpolation, unsigned unitBits>
 RVK_INLINE auto samplerOf(const SampledImage& image, const Positions<unitBits>&)
 {
-#if defined(__AVX512VNNI__)
-    if constexpr (kHasBoxes<channels>)
-        return BoxStepSampler<interpolation, unitBits>(image);
-    else
-#endif
-        return StepSampler<channels, interpolation, unitBits>(image);
+    return StepSampler<channels, interpolation, unitBits>(image);
 }
 
 // Fills a picture with samples of another. rows(y) gives what gives the positions of row y: row(x, n), those of n
