@@ -63,9 +63,10 @@ Bytes remapped(decltype(&rvkRemapu8_v2) function, const Bytes& src, const Pictur
                const Rules& rules)
 {
     Bytes dst(x.width, x.height, kLeft);
-    const GuardedMemory source = guardedCopy(src.pixels);
+    const GuardedMemory source = guardedCopy(src.pixels), mapX = guardedCopy(x.pixels), mapY = guardedCopy(y.pixels);
+    const auto floats = [](const GuardedMemory& map) { return reinterpret_cast<const float*>(map.data()); };
     EXPECT_EQ(function(source.data(), src.columns(), src.rows(), src.stride(), dst.pixels.data(), dst.columns(),
-                       dst.rows(), dst.stride(), x.pixels.data(), y.pixels.data(), x.stride(), rules.interpolation,
+                       dst.rows(), dst.stride(), floats(mapX), floats(mapY), x.stride(), rules.interpolation,
                        rules.borderType, rules.borderValue),
               RAVIK_SUCCESS);
     return dst;
@@ -284,6 +285,33 @@ TEST(Warp, ChannelsPlanesAndMapsAreAlike)
         });
         forEachImplementation<Slot::rvkRemapu8_v2>([&](const char* name, auto function) {
             EXPECT_EQ(remapped(function, first, mapX, mapY, rules), expected(first)) << name;
+        });
+    }
+}
+
+// Neighbours in a map may be far from each other in the picture, at its edges or anywhere else.
+TEST(Warp, MapsMayJump)
+{
+    Random random(5);
+    for (int trial = 0; trial < 40; ++trial) {
+        const Bytes src =
+            randomBytes(random, 8 + static_cast<int>(random.below(90)), 8 + static_cast<int>(random.below(40)));
+        const float right = static_cast<float>(src.width - 1), bottom = static_cast<float>(src.height - 1);
+        const float jumps[] = {0, -1e-9f, -0.75f, right, bottom, right - 0.25f, bottom + 0.5f, 1e30f, NAN, -INFINITY};
+        const int width = 64 + static_cast<int>(random.below(80)), height = 4 + static_cast<int>(random.below(9));
+        const float step = between(random, -2.5f, 2.5f);
+        const auto map = [&](float end) {
+            const float start = between(random, 0, end);
+            return pictureOf<float>(width, height, [&, start](int x, int y) {
+                return random.below(60) ? start + step * static_cast<float>(x % 16) + static_cast<float>(y % 4)
+                                        : jumps[random.below(std::size(jumps))];
+            });
+        };
+        const Picture<float> x = map(right), y = map(bottom);
+        const Rules rules{random.below(2), random.below(3), 9};
+        const Bytes expected = remapped(referenceOf<Slot::rvkRemapu8_v2>(), src, x, y, rules);
+        forEachImplementation<Slot::rvkRemapu8_v2>([&](const char* name, auto function) {
+            EXPECT_EQ(remapped(function, src, x, y, rules), expected) << name;
         });
     }
 }
