@@ -187,8 +187,10 @@ void expectClipped(int channels, At at, Rules... rules)
         const int width = 1 + static_cast<int>(random.below(200)), height = 1 + static_cast<int>(random.below(20));
         const auto src = randomPicture<uint8_t>(random, channels * srcWidth, srcHeight);
         const Transform t = Transform::random(random, srcWidth, srcHeight);
+        const auto expected = transformed(referenceOf<slot>(), src, t, width, height, channels, rules...);
         forEachImplementation<slot>([&](const char* name, auto function) {
             const auto actual = transformed(function, src, t, width, height, channels, rules...);
+            EXPECT_EQ(actual, expected) << name;
             for (int j = 0; j < height; ++j)
                 for (int i = 0; i < channels * width; ++i) {
                     const double x = t.x(i / channels, j, width, height), y = t.y(i / channels, j, width, height);
