@@ -257,6 +257,19 @@ TEST(Affine, ClippedRowsAreInterpolatedAlongThem)
     }
 }
 
+// A step that is lost in the sum leads nowhere.
+TEST(Affine, ClippedStepsMayBeLostInSums)
+{
+    const auto src = pictureOf<uint8_t>(11, 9, [](int x, int y) { return 20 * x + y; });
+    for (const float step : {0.0f, 1e-30f, -1e-17f, 1e-38f})
+        forEachImplementation<Slot::rvkTransformAffineClippedu8_v2>([&](const char* name, auto function) {
+            const Transform t{{10, 4}, {step, 0, step, 0}};
+            EXPECT_EQ(transformed(function, src, t, 90, 6, 1, RAVIK_BORDER_CONSTANT, uint8_t{9}),
+                      Picture<uint8_t>(90, 6, 204))
+                << name << ", step " << step;
+        });
+}
+
 TEST(Affine, ClippedTransformsRefuseLargeSourcesAndWhatIsNoNumber)
 {
     const std::vector<uint8_t> src(32768);

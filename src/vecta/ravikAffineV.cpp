@@ -191,13 +191,13 @@ struct Candidates
 {
     uint32_t first, end;
 
-    RVK_INLINE void narrow(double start, double step, double stepsPerPixel, double last)
+    RVK_INLINE void narrow(double start, double step, double pixelsPerUnit, double last)
     {
-        if (step == 0) {
-            first = start >= 0 && start <= last ? first : end;
+        if (step == 0 && !(start >= 0 && start <= last))
+            first = end;
+        if (__builtin_fabs(step) < 0x1p-10) // sums may lose so small ones
             return;
-        }
-        const double toFirst = -start * stepsPerPixel, toLast = (last - start) * stepsPerPixel; // or no numbers
+        const double toFirst = -start * pixelsPerUnit, toLast = (last - start) * pixelsPerUnit; // or no numbers
         const double low = toFirst < toLast ? toFirst : toLast, high = toFirst < toLast ? toLast : toFirst;
         const double before = low - 1, behind = high + 2;
         if (before > first)
@@ -211,21 +211,21 @@ class CandidatesOfRows
 {
 public:
     RVK_INLINE CandidatesOfRows(const ClippedMap& map, uint32_t width)
-        : m_map(map), m_width(width), m_stepsPerColumn(1 / map.acrossX), m_stepsPerRow(1 / map.acrossY)
+        : m_map(map), m_width(width), m_pixelsPerColumn(1 / map.acrossX), m_pixelsPerRow(1 / map.acrossY)
     {
     }
     RVK_INLINE Candidates of(uint32_t row) const
     {
         Candidates c = {0, m_width};
-        c.narrow(m_map.startX + row * m_map.downX, m_map.acrossX, m_stepsPerColumn, m_map.right);
-        c.narrow(m_map.startY + row * m_map.downY, m_map.acrossY, m_stepsPerRow, m_map.bottom);
+        c.narrow(m_map.startX + row * m_map.downX, m_map.acrossX, m_pixelsPerColumn, m_map.right);
+        c.narrow(m_map.startY + row * m_map.downY, m_map.acrossY, m_pixelsPerRow, m_map.bottom);
         return c;
     }
 
 private:
     const ClippedMap& m_map;
     uint32_t m_width;
-    double m_stepsPerColumn, m_stepsPerRow; // infinite where a step is 0
+    double m_pixelsPerColumn, m_pixelsPerRow; // infinite where a step is 0
 };
 
 constexpr size_t kClippedChunk = kClippedAnchors; // pixels of three bytes: whole vectors of each element
