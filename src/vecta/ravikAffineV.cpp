@@ -514,12 +514,9 @@ private:
 
 // ---- squares --------------------------------------------------------------------------------------------------------
 //
-// Each square of 4x4 pixels of the destination comes from one box of 8x8 pixels of the source, as long as pixels beside
-// and below each other are not much farther apart there, however the picture is turned. Squares lie in bands of four
-// rows; sixteen of them, from one anchor to the next, are placed at once.
+// They lie in bands of four rows; those from one anchor to the next are placed at once.
 
-constexpr size_t kBandRows = 4, kSquaresBeside = Vec<uint32_t>::lanes, kSegment = 4 * kSquaresBeside, kTile = 16;
-static_assert(kSegment == kClippedAnchors);
+static_assert(kSegmentColumns == kClippedAnchors);
 
 RVK_INLINE bool areInBoxes(const ClippedSource& source, const ClippedMap& map, uint32_t dstWidth)
 {
@@ -547,7 +544,7 @@ public:
     RVK_INLINE BandAxis(double start, double across, double down, uint32_t size, int32_t half)
         : m_start(start + least(3 * across) + least(3 * down) - kMargin), m_across(across), m_down(down),
           m_step(clippedFixed(across)), m_last(splat(static_cast<int32_t>(size - SquareBox::side))),
-          m_toNext(splat(static_cast<uint64_t>(kSegment * m_step)))
+          m_toNext(splat(static_cast<uint64_t>(kSegmentColumns * m_step)))
     {
         const auto carried = static_cast<int32_t>(m_step / 65536);
         m_inSquare = bitCast<uint32_t>((iota<int32_t>() & splat(3)) * splat(carried) + splat(half));
@@ -556,14 +553,14 @@ public:
 
     // The coordinate in the rows from j on, with 32 bits of fraction, and the least one of the first square.
     using At = Vec<uint64_t>;
-    RVK_INLINE At at(uint32_t j, size_t column, const ClippedRun (&runs)[kBandRows], int64_t ClippedRun::*first) const
+    RVK_INLINE At at(uint32_t j, size_t column, const ClippedRun (&runs)[kSquareSide], int64_t ClippedRun::*first) const
     {
         uint64_t all[At::lanes] = {};
-        for (size_t i = 0; i < kBandRows; ++i)
+        for (size_t i = 0; i < kSquareSide; ++i)
             all[i] = static_cast<uint64_t>(
                 runs[i].*first + (static_cast<int64_t>(column) - static_cast<int64_t>(runs[i].first)) * m_step);
         const double exact = m_start + j * m_down + static_cast<double>(static_cast<int64_t>(column)) * m_across;
-        all[kBandRows] = static_cast<uint64_t>(clippedFixed(exact));
+        all[kSquareSide] = static_cast<uint64_t>(clippedFixed(exact));
         return load(all);
     }
 
@@ -572,7 +569,7 @@ public:
     {
         const Vec<uint8_t> bytes = bitCast<uint8_t>(at); // 32 bits of these, with 16 of their fraction
         const Vec<uint8_t> rows = shuffle(bytes, bytes, [](size_t i) { return i / 16 * 8 + 2 + i % 4; });
-        const Vec<uint8_t> least = shuffle(bytes, bytes, [](size_t i) { return kBandRows * 8 + 2 + i % 4; });
+        const Vec<uint8_t> least = shuffle(bytes, bytes, [](size_t i) { return kSquareSide * 8 + 2 + i % 4; });
         const Vec<int32_t> boxes = shiftRight(bitCast<int32_t>(least) + m_toSquares, 16);
         const Vec<int32_t> first = min(max(boxes, zero<int32_t>()), m_last);
         at = at + m_toNext;
@@ -597,7 +594,7 @@ private:
 // From the first square of a segment to the others, as weightsOfX and weightsOfY count.
 struct StepsOfWeights
 {
-    uint32_t ofX[kSquaresBeside], ofY[kSquaresBeside];
+    uint32_t ofX[kSegmentSquares], ofY[kSegmentSquares];
 
     RVK_INLINE StepsOfWeights(Vec<uint32_t> toX, Vec<uint32_t> toY)
     {
@@ -612,7 +609,8 @@ struct Segment
 {
     Vec<uint32_t> x, y; // of the first one's pixels; those of y times the side of a box
     Vec<int16_t> weightsX, weightsY;
-    uint32_t toX[kSquaresBeside], toY[kSquaresBeside], offsets[kSquaresBeside]; // to those in boxes; where these begin
+    uint32_t toX[kSegmentSquares], toY[kSegmentSquares],
+        offsets[kSegmentSquares]; // to those in boxes; where these begin
 
     RVK_INLINE void place(const PlacedSquares& placedX, const PlacedSquares& placedY, uint32_t stride)
     {
@@ -637,7 +635,7 @@ private:
 // registers.)
 template <Reading reading>
 RVK_NOINLINE void sampleTiles(const ClippedSource& source, const Segment& segment, const StepsOfWeights& steps,
-                              size_t first, size_t end, uint8_t* const (&rows)[kBandRows])
+                              size_t first, size_t end, uint8_t* const (&rows)[kSquareSide])
 {
     const uint8_t* const data = source.data;
     const size_t stride = source.stride;
@@ -662,10 +660,7 @@ RVK_NOINLINE void sampleTiles(const ClippedSource& source, const Segment& segmen
             }
         });
         constexpr unsigned bits = reading == Reading::nearest ? 16 : kBilinearBits;
-        const Vec<uint8_t> bytes = takeBits<bits>(values);
-        uint8_t* const to[kBandRows] = {rows[0] + kTile * tile, rows[1] + kTile * tile, rows[2] + kTile * tile,
-                                        rows[3] + kTile * tile};
-        storeRows(to, shuffle(bytes, bytes, [](size_t i) { return i / 16 * 16 + i % 4 * 4 + i / 4 % 4; }));
+        storeTile<bits>(rows, kTileColumns * tile, values);
     }
 }
 
@@ -677,24 +672,24 @@ struct BandRow
 
     RVK_INLINE bool isWhole(size_t column) const // of the segment from there on
     {
-        return interior.first <= column && column + kSegment <= interior.end;
+        return interior.first <= column && column + kSegmentColumns <= interior.end;
     }
-    RVK_INLINE void putPart(size_t column, const uint8_t (&segment)[kSegment]) const
+    RVK_INLINE void putPart(size_t column, const uint8_t (&segment)[kSegmentColumns]) const
     {
-        const size_t from = greatest(interior.first, column), to = least(interior.end, column + kSegment);
+        const size_t from = greatest(interior.first, column), to = least(interior.end, column + kSegmentColumns);
         if (from < to)
             __builtin_memcpy(pixels + from, segment + (from - column), to - from);
     }
 };
 
 template <Reading reading>
-class SquareSampler
+class BandSampler
 {
 public:
-    static constexpr uint32_t channels = 1, bandRows = kBandRows;
+    static constexpr uint32_t channels = 1, bandRows = kSquareSide;
     static constexpr ClippedSample* sampleOne = reading == Reading::nearest ? sampleNearest : sampleBilinear;
 
-    RVK_INLINE SquareSampler(const ClippedSource& source, const ClippedMap& map)
+    RVK_INLINE BandSampler(const ClippedSource& source, const ClippedMap& map)
         : m_source(source), m_x(map.startX, map.acrossX, map.downX, source.width, kHalf),
           m_y(map.startY, map.acrossY, map.downY, source.height, kHalf), m_steps(m_x.toSquares(), m_y.toSquares())
     {
@@ -706,12 +701,12 @@ public:
     {
     public:
         // Rows j to j + 3, of which some may have no run.
-        RVK_INLINE void prepare(const SquareSampler& sampler, uint32_t j, const ClippedRun (&runs)[kBandRows],
+        RVK_INLINE void prepare(const BandSampler& sampler, uint32_t j, const ClippedRun (&runs)[kSquareSide],
                                 Plane<uint8_t> dst)
         {
             m_begin = SIZE_MAX;
             m_end = 0;
-            for (uint32_t i = 0; i < kBandRows; ++i) {
+            for (uint32_t i = 0; i < kSquareSide; ++i) {
                 m_rows[i] = {};
                 if (runs[i].first == runs[i].end)
                     continue;
@@ -724,25 +719,26 @@ public:
             }
             if (m_begin >= m_end)
                 return;
-            const size_t column = m_begin / kSegment * kSegment;
+            const size_t column = m_begin / kSegmentColumns * kSegmentColumns;
             m_x = sampler.m_x.at(j, column, runs, &ClippedRun::x);
             m_y = sampler.m_y.at(j, column, runs, &ClippedRun::y);
             place(sampler, 0);
             place(sampler, 1);
         }
 
-        RVK_INLINE void sample(const SquareSampler& sampler)
+        RVK_INLINE void sample(const BandSampler& sampler)
         {
             size_t number = 0;
-            for (size_t column = m_begin / kSegment * kSegment; column < m_end; column += kSegment) {
-                const size_t firstTile = m_begin < column ? 0 : (m_begin - column) / kTile,
-                             endTile = (least(m_end - column, kSegment) + kTile - 1) / kTile;
-                uint8_t pixels[kBandRows][kSegment];
-                uint8_t* to[kBandRows];
-                for (size_t i = 0; i < kBandRows; ++i)
+            for (size_t column = m_begin / kSegmentColumns * kSegmentColumns; column < m_end;
+                 column += kSegmentColumns) {
+                const size_t firstTile = m_begin < column ? 0 : (m_begin - column) / kTileColumns,
+                             endTile = (least(m_end - column, kSegmentColumns) + kTileColumns - 1) / kTileColumns;
+                uint8_t pixels[kSquareSide][kSegmentColumns];
+                uint8_t* to[kSquareSide];
+                for (size_t i = 0; i < kSquareSide; ++i)
                     to[i] = m_rows[i].isWhole(column) ? m_rows[i].pixels + column : pixels[i];
                 sampleTiles<reading>(sampler.m_source, m_segments[number], sampler.m_steps, firstTile, endTile, to);
-                for (size_t i = 0; i < kBandRows; ++i)
+                for (size_t i = 0; i < kSquareSide; ++i)
                     if (to[i] == pixels[i])
                         m_rows[i].putPart(column, pixels[i]);
                 place(sampler, number); // the segment after the next one
@@ -751,12 +747,12 @@ public:
         }
 
     private:
-        RVK_INLINE void place(const SquareSampler& sampler, size_t number)
+        RVK_INLINE void place(const BandSampler& sampler, size_t number)
         {
             m_segments[number].place(sampler.m_x.place(m_x), sampler.m_y.place(m_y), sampler.m_source.stride);
         }
 
-        BandRow m_rows[kBandRows];
+        BandRow m_rows[kSquareSide];
         size_t m_begin, m_end; // columns
         BandAxis::At m_x, m_y; // of the segment to be placed next
         Segment m_segments[2];
@@ -967,8 +963,8 @@ rvkStatus rvkTransformAffineClippedu8_v3V(const uint8_t* src, uint32_t srcWidth,
 #if defined(__AVX512VNNI__)
     if (const ClippedMap map = clippedMap(source, position, affine, dstWidth, dstHeight);
         areInBoxes(source, map, dstWidth))
-        return isNearest ? transform(SquareSampler<Reading::nearest>(source, map))
-                         : transform(SquareSampler<Reading::bilinear>(source, map));
+        return isNearest ? transform(BandSampler<Reading::nearest>(source, map))
+                         : transform(BandSampler<Reading::bilinear>(source, map));
 #endif
     if (isNearest)
         return transform(ByteSampler<Reading::nearest>(source));

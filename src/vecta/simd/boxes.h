@@ -1,13 +1,21 @@
-// Rectangles of a picture in registers, for pixels whose positions are near each other, but not in order: a permutation
-// of bytes takes them from there in a fraction of the time of loads from everywhere.
+// Boxes of pixels in registers, for pixels of a byte whose positions are near each other, but not in order: a permutation
+// takes them from there in a fraction of the time of loads from everywhere.
+//
+// Each square of 4x4 pixels of a destination comes from one box of 8x8 of the source, as long as pixels beside and below
+// each other are not much farther apart there, however the picture is turned. A square's pixels are the words of a
+// vector, row by row.
 #pragma once
 
-#include "vecta/simd/simd.h"
+#include "vecta/simd/words.h"
 
 #if defined(__AVX512VNNI__)
 
 namespace rvk::vecta::RVK_ISA {
 namespace {
+
+constexpr size_t kSquareSide = 4;
+constexpr size_t kTileSquares = 4, kTileColumns = kSquareSide * kTileSquares; // stored together
+constexpr size_t kSegmentSquares = Vec<uint32_t>::lanes, kSegmentColumns = kSquareSide * kSegmentSquares; // placed so
 
 // 64 pixels of a byte: 8 columns and 8 rows. One permutation takes any of them.
 class SquareBox
@@ -74,11 +82,14 @@ RVK_INLINE Vec<float> everyFourth(const float* p)
     return n / 2 ? unzipOdd(low, high) : unzipEven(low, high);
 }
 
-// Each 16 bytes to a row.
-RVK_INLINE void storeRows(uint8_t* const (&rows)[4], Vec<uint8_t> v)
+// Four squares beside each other are a tile, and tiles go to four rows: eight bits of each word, from bit `shift` on.
+template <unsigned shift>
+RVK_INLINE void storeTile(uint8_t* const (&rows)[kSquareSide], size_t column, const Vecs<uint32_t, kTileSquares>& v)
 {
-    unrolled<4>([&](auto i) RVK_INLINE_LAMBDA {
-        _mm_storeu_si128(reinterpret_cast<__m128i*>(rows[i]), _mm512_extracti32x4_epi32(reg(v), i));
+    const Vec<uint8_t> bytes = takeBits<shift>(v);
+    const Vec<uint8_t> byRows = shuffle(bytes, bytes, [](size_t i) { return i / 16 * 16 + i % 4 * 4 + i / 4 % 4; });
+    unrolled<kSquareSide>([&](auto i) RVK_INLINE_LAMBDA {
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(rows[i] + column), _mm512_extracti32x4_epi32(reg(byRows), i));
     });
 }
 

@@ -1,19 +1,16 @@
-// Pixels of a byte at positions that change little from each pixel to the next in both directions: each square of 4x4
-// pixels of the destination comes from one box of 8x8 pixels of the source, as cpu/sampling.h defines it.
+// Pixels of a byte at positions that change little from each pixel to the next in both directions, by squares, as
+// cpu/sampling.h defines them.
 #pragma once
 
 #include "vecta/simd/bits.h"
 #include "vecta/simd/boxes.h"
 #include "vecta/simd/sampling.h"
-#include "vecta/simd/words.h"
 
 #if defined(__AVX512VNNI__)
 
 namespace rvk::vecta::RVK_ISA {
 namespace {
 
-constexpr size_t kSquareSide = 4, kSegmentSquares = Vec<float>::lanes, kSegmentColumns = kSquareSide * kSegmentSquares;
-constexpr size_t kTileSquares = 4, kTileColumns = kSquareSide * kTileSquares;
 constexpr size_t kMostSegments = 4, kMostSquareColumns = kMostSegments * kSegmentColumns; // walked together
 
 // Where the pixels of squares beside each other are: of a row of squares, and sixteen of them from a column on.
@@ -36,6 +33,7 @@ public:
         : m_data(image.data), m_stride(image.stride), m_lastX(last(image.width)), m_lastY(last(image.height))
     {
     }
+
     // Around the middles of squares.
     RVK_INLINE void place(const SquarePositions& middles, SegmentBoxes& boxes) const
     {
@@ -69,8 +67,7 @@ public:
             const SquareBox box(m_data + boxes.offsets[first + i], m_stride);
             x[i] = kIsNearest ? nearest(box, x[i], y[i]) : bilinear(box, x[i], y[i]);
         });
-        const Vec<uint8_t> bytes = takeBits<0>(x);
-        storeRows(rows, shuffle(bytes, bytes, [](size_t i) { return i / 16 * 16 + i % 4 * 4 + i / 4 % 4; }));
+        storeTile<0>(rows, kSquareSide * first, x);
         return true;
     }
 
@@ -116,13 +113,10 @@ RVK_NOINLINE uint32_t sampleSegment(const Sampler& sampler, const SegmentBoxes& 
     const Sampler s = sampler;
     const Band p = positions;
     uint32_t left = 0;
-    for (size_t tile = 0; tile < kSegmentSquares / kTileSquares; ++tile) {
-        const size_t column = tile * kTileColumns;
-        uint8_t* const to[kSquareSide] = {rows[0] + column, rows[1] + column, rows[2] + column, rows[3] + column};
+    for (size_t square = 0; square < kSegmentSquares; square += kTileSquares) {
         const bool isDone = s.sample(
-            boxes, tile * kTileSquares, [&](size_t square) RVK_INLINE_LAMBDA { return p.at(x + square * kSquareSide); },
-            to);
-        left |= uint32_t{!isDone} << column / kSampleStep;
+            boxes, square, [&](size_t i) RVK_INLINE_LAMBDA { return p.at(x + i * kSquareSide); }, rows);
+        left |= uint32_t{!isDone} << square * kSquareSide / kSampleStep;
     }
     return left;
 }
