@@ -518,15 +518,23 @@ private:
 
 static_assert(kSegmentColumns == kClippedAnchors);
 
+// Of the pixels that come from one box.
+template <class SomeBox>
+constexpr int32_t kLastColumn = kSquareSide* SomeBox::squares - 1;
+constexpr int32_t kLastRow = kSquareSide - 1;
+
+// Whether squares come from such boxes.
+template <class SomeBox>
 RVK_INLINE bool areInBoxes(const ClippedSource& source, const ClippedMap& map, uint32_t dstWidth)
 {
-    constexpr uint32_t side = SquareBox::side, mostColumns = 1 << 20; // where steps add up to less than kMargin
-    constexpr double most = side - 2 - 1.0 / 64; // a fraction, a neighbour, and what carried positions are off
-    const auto fit = [](double across, double down)
-                         RVK_INLINE_LAMBDA { return 3 * (__builtin_fabs(across) + __builtin_fabs(down)) <= most; };
-    return source.width >= side && source.height >= side && dstWidth <= mostColumns &&
-           uint64_t{source.stride} * source.height < uint64_t{1} << 32 && fit(map.acrossX, map.downX) &&
-           fit(map.acrossY, map.downY);
+    constexpr uint32_t mostColumns = 1 << 20; // where steps add up to less than the margin
+    const auto fit = [](double across, double down, uint32_t size) RVK_INLINE_LAMBDA {
+        const double most = size - 2 - 1.0 / 64; // a fraction, a neighbour, and what carried positions are off
+        return kLastColumn<SomeBox> * __builtin_fabs(across) + kLastRow * __builtin_fabs(down) <= most;
+    };
+    return source.width >= SomeBox::columns && source.height >= SomeBox::rows && dstWidth <= mostColumns &&
+           uint64_t{source.stride} * source.height < uint64_t{1} << 32 &&
+           fit(map.acrossX, map.downX, SomeBox::columns) && fit(map.acrossY, map.downY, SomeBox::rows);
 }
 
 // What the squares of a segment have of one coordinate.
@@ -538,17 +546,21 @@ struct PlacedSquares
 };
 
 // A coordinate of all bands. Boxes begin where exact positions say; carried ones are less than kMargin off.
+template <class SomeBox>
 class BandAxis
 {
 public:
-    RVK_INLINE BandAxis(double start, double across, double down, uint32_t size, int32_t half)
-        : m_start(start + least(3 * across) + least(3 * down) - kMargin), m_across(across), m_down(down),
-          m_step(clippedFixed(across)), m_last(splat(static_cast<int32_t>(size - SquareBox::side))),
+    // `last` can be the first of a box.
+    RVK_INLINE BandAxis(double start, double across, double down, uint32_t last, int32_t half)
+        : m_start(start + least(kLastColumn<SomeBox> * across) + least(kLastRow * down) - kMargin), m_across(across),
+          m_down(down), m_step(clippedFixed(across)), m_last(splat(static_cast<int32_t>(last))),
           m_toNext(splat(static_cast<uint64_t>(kSegmentColumns * m_step)))
     {
-        const auto carried = static_cast<int32_t>(m_step / 65536);
-        m_inSquare = bitCast<uint32_t>((iota<int32_t>() & splat(3)) * splat(carried) + splat(half));
-        m_toSquares = iota<int32_t>() * splat(4 * carried);
+        constexpr int32_t side = kSquareSide, together = SomeBox::squares;
+        const Vec<int32_t> carried = splat(static_cast<int32_t>(m_step / 65536)), numbers = iota<int32_t>();
+        m_inSquare = bitCast<uint32_t>((numbers & splat(side - 1)) * carried + splat(half));
+        m_toSquares = shiftLeft(numbers, 2) * carried;
+        m_toBoxes = shiftLeft(numbers & splat(-together), 2) * carried;
     }
 
     // The coordinate in the rows from j on, with 32 bits of fraction, and the least one of the first square.
@@ -570,7 +582,7 @@ public:
         const Vec<uint8_t> bytes = bitCast<uint8_t>(at); // 32 bits of these, with 16 of their fraction
         const Vec<uint8_t> rows = shuffle(bytes, bytes, [](size_t i) { return i / 16 * 8 + 2 + i % 4; });
         const Vec<uint8_t> least = shuffle(bytes, bytes, [](size_t i) { return kSquareSide * 8 + 2 + i % 4; });
-        const Vec<int32_t> boxes = shiftRight(bitCast<int32_t>(least) + m_toSquares, 16);
+        const Vec<int32_t> boxes = shiftRight(bitCast<int32_t>(least) + m_toBoxes, 16);
         const Vec<int32_t> first = min(max(boxes, zero<int32_t>()), m_last);
         at = at + m_toNext;
         return {bitCast<uint32_t>(rows) + m_inSquare, bitCast<uint32_t>(m_toSquares - shiftLeft(first, 16)),
@@ -586,7 +598,7 @@ private:
 
     double m_start, m_across, m_down;
     int64_t m_step;
-    Vec<int32_t> m_last, m_toSquares;
+    Vec<int32_t> m_last, m_toSquares, m_toBoxes;
     Vec<uint32_t> m_inSquare;
     Vec<uint64_t> m_toNext;
 };
@@ -607,33 +619,27 @@ struct StepsOfWeights
 // The squares of a segment.
 struct Segment
 {
-    Vec<uint32_t> x, y; // of the first one's pixels; those of y times the side of a box
+    Vec<uint32_t> x, y; // of the first one's pixels; those of y times the columns of a box
     Vec<int16_t> weightsX, weightsY;
     uint32_t toX[kSegmentSquares], toY[kSegmentSquares],
         offsets[kSegmentSquares]; // to those in boxes; where these begin
 
+    template <class SomeBox>
     RVK_INLINE void place(const PlacedSquares& placedX, const PlacedSquares& placedY, uint32_t stride)
     {
         x = placedX.ofFirst;
-        y = timesSide(placedY.ofFirst);
+        y = shiftLeft(placedY.ofFirst, SomeBox::columnBits);
         weightsX = weightsOfX(placedX.ofFirst);
         weightsY = weightsOfY(placedY.ofFirst);
         store(toX, placedX.toBoxes);
-        store(toY, timesSide(placedY.toBoxes));
+        store(toY, shiftLeft(placedY.toBoxes, SomeBox::columnBits));
         store(offsets, placedY.boxes * splat(stride) + placedX.boxes);
-    }
-
-private:
-    static RVK_INLINE Vec<uint32_t> timesSide(Vec<uint32_t> v)
-    {
-        static_assert(SquareBox::side == 8);
-        return shiftLeft(v, 3);
     }
 };
 
 // Tiles of four squares, `first` to before `end`, of the segment's rows. (A function of its own has its constants in
 // registers.)
-template <Reading reading>
+template <Reading reading, class SomeBox>
 RVK_NOINLINE void sampleTiles(const ClippedSource& source, const Segment& segment, const StepsOfWeights& steps,
                               size_t first, size_t end, uint8_t* const (&rows)[kSquareSide])
 {
@@ -642,20 +648,23 @@ RVK_NOINLINE void sampleTiles(const ClippedSource& source, const Segment& segmen
     const Vec<uint32_t> xs = segment.x, ys = segment.y;
     const Vec<int16_t> weightsX = segment.weightsX, weightsY = segment.weightsY;
     for (size_t tile = first; tile < end; ++tile) {
-        Vecs<uint32_t, 4> values;
-        unrolled<4>([&](auto i) RVK_INLINE_LAMBDA {
-            const size_t n = 4 * tile + i;
-            const SquareBox box(data + segment.offsets[n], stride);
+        Vecs<uint32_t, kTileSquares> values;
+        SomeBox boxes[kTileSquares / SomeBox::squares];
+        unrolled<kTileSquares>([&](auto i) RVK_INLINE_LAMBDA {
+            const size_t n = kTileSquares * tile + i;
+            SomeBox& box = boxes[i / SomeBox::squares];
+            if constexpr (i % SomeBox::squares == 0)
+                box = SomeBox(data + segment.offsets[n], stride);
             const Vec<uint8_t> x = bitCast<uint8_t>(xs + splat(segment.toX[n]));
             const Vec<uint8_t> y = bitCast<uint8_t>(ys + splat(segment.toY[n]));
-            const Vec<uint8_t> numbers = selectBits(splat<uint8_t>(SquareBox::side - 1), x, y); // in bytes 2
+            const Vec<uint8_t> numbers = selectBits(splat<uint8_t>(SomeBox::columns - 1), x, y); // in bytes 2
             if constexpr (reading == Reading::nearest) {
                 values[i] = bitCast<uint32_t>(box.pixels(numbers));
             } else {
                 const auto moved = [](Vec<int16_t> weights, uint32_t step)
                                        RVK_INLINE_LAMBDA { return weights + bitCast<int16_t>(splat(step)); };
                 const Vec<uint8_t> fourTimes = shuffle(numbers, numbers, [](size_t k) { return k / 4 * 4 + 2; });
-                values[i] = bilinearOfWords(bitCast<uint32_t>(box.pixels(fourTimes + SquareBox::neighboursByColumns())),
+                values[i] = bilinearOfWords(bitCast<uint32_t>(box.pixels(fourTimes + SomeBox::neighboursByColumns())),
                                             moved(weightsX, steps.ofX[n]), moved(weightsY, steps.ofY[n]));
             }
         });
@@ -682,7 +691,7 @@ struct BandRow
     }
 };
 
-template <Reading reading>
+template <Reading reading, class SomeBox>
 class BandSampler
 {
 public:
@@ -690,8 +699,9 @@ public:
     static constexpr ClippedSample* sampleOne = reading == Reading::nearest ? sampleNearest : sampleBilinear;
 
     RVK_INLINE BandSampler(const ClippedSource& source, const ClippedMap& map)
-        : m_source(source), m_x(map.startX, map.acrossX, map.downX, source.width, kHalf),
-          m_y(map.startY, map.acrossY, map.downY, source.height, kHalf), m_steps(m_x.toSquares(), m_y.toSquares())
+        : m_source(source), m_x(map.startX, map.acrossX, map.downX, source.width - SomeBox::columns, kHalf),
+          m_y(map.startY, map.acrossY, map.downY, source.height - SomeBox::rows, kHalf),
+          m_steps(m_x.toSquares(), m_y.toSquares())
     {
     }
 
@@ -737,7 +747,8 @@ public:
                 uint8_t* to[kSquareSide];
                 for (size_t i = 0; i < kSquareSide; ++i)
                     to[i] = m_rows[i].isWhole(column) ? m_rows[i].pixels + column : pixels[i];
-                sampleTiles<reading>(sampler.m_source, m_segments[number], sampler.m_steps, firstTile, endTile, to);
+                sampleTiles<reading, SomeBox>(sampler.m_source, m_segments[number], sampler.m_steps, firstTile, endTile,
+                                              to);
                 for (size_t i = 0; i < kSquareSide; ++i)
                     if (to[i] == pixels[i])
                         m_rows[i].putPart(column, pixels[i]);
@@ -749,12 +760,13 @@ public:
     private:
         RVK_INLINE void place(const BandSampler& sampler, size_t number)
         {
-            m_segments[number].place(sampler.m_x.place(m_x), sampler.m_y.place(m_y), sampler.m_source.stride);
+            m_segments[number].template place<SomeBox>(sampler.m_x.place(m_x), sampler.m_y.place(m_y),
+                                                       sampler.m_source.stride);
         }
 
         BandRow m_rows[kSquareSide];
-        size_t m_begin, m_end; // columns
-        BandAxis::At m_x, m_y; // of the segment to be placed next
+        size_t m_begin, m_end;                   // columns
+        typename BandAxis<SomeBox>::At m_x, m_y; // of the segment to be placed next
         Segment m_segments[2];
     };
 
@@ -777,7 +789,7 @@ private:
     }
 
     const ClippedSource m_source;
-    const BandAxis m_x, m_y;
+    const BandAxis<SomeBox> m_x, m_y;
     const StepsOfWeights m_steps;
 };
 
@@ -961,10 +973,16 @@ rvkStatus rvkTransformAffineClippedu8_v3V(const uint8_t* src, uint32_t srcWidth,
         return RAVIK_SUCCESS;
     };
 #if defined(__AVX512VNNI__)
-    if (const ClippedMap map = clippedMap(source, position, affine, dstWidth, dstHeight);
-        areInBoxes(source, map, dstWidth))
-        return isNearest ? transform(BandSampler<Reading::nearest>(source, map))
-                         : transform(BandSampler<Reading::bilinear>(source, map));
+    const ClippedMap map = clippedMap(source, position, affine, dstWidth, dstHeight);
+    const auto transformInBoxes = [&](auto columns) RVK_INLINE_LAMBDA {
+        using SomeBox = Box<columns>;
+        return isNearest ? transform(BandSampler<Reading::nearest, SomeBox>(source, map))
+                         : transform(BandSampler<Reading::bilinear, SomeBox>(source, map));
+    };
+    if (areInBoxes<Box<16>>(source, map, dstWidth))
+        return transformInBoxes(Constant<16>{});
+    if (areInBoxes<Box<8>>(source, map, dstWidth))
+        return transformInBoxes(Constant<8>{});
 #endif
     if (isNearest)
         return transform(ByteSampler<Reading::nearest>(source));

@@ -39,7 +39,7 @@ public:
     {
         const auto first = [](Vec<float> middle, float last) RVK_INLINE_LAMBDA {
             constexpr float one = 1 << kPositionBits;
-            const Vec<float> before = middle * splat(1 / one) - splat(static_cast<float>(SquareBox::side / 2 - 1));
+            const Vec<float> before = middle * splat(1 / one) - splat(static_cast<float>(SomeBox::columns / 2 - 1));
             return bitCast<uint32_t>(truncateToInt(min(splat(last), max(zero<float>(), before))));
         };
         const Vec<uint32_t> x = first(middles.x, m_lastX), y = first(middles.y, m_lastY);
@@ -61,10 +61,10 @@ public:
             y[i] = bitCast<uint32_t>(truncateToInt(p.y)) - splat(boxes.y[first + i]);
             farthest = max(farthest, max(x[i], y[i]));
         });
-        if (!all(less(farthest, splat(uint32_t{SquareBox::side - 1} << kPositionBits))))
+        if (!all(less(farthest, splat(uint32_t{SomeBox::columns - 1} << kPositionBits))))
             return false;
         unrolled<kTileSquares>([&](auto i) RVK_INLINE_LAMBDA {
-            const SquareBox box(m_data + boxes.offsets[first + i], m_stride);
+            const SomeBox box(m_data + boxes.offsets[first + i], m_stride);
             x[i] = kIsNearest ? nearest(box, x[i], y[i]) : bilinear(box, x[i], y[i]);
         });
         storeTile<0>(rows, kSquareSide * first, x);
@@ -72,26 +72,26 @@ public:
     }
 
 private:
+    using SomeBox = Box<8>;
     static constexpr bool kIsNearest = interpolation == RAVIK_INTERPOLATION_NEAREST;
     static constexpr uint32_t kHalf = kIsNearest ? kPositionOne / 2 : 0; // is added to positions
 
-    static RVK_INLINE float last(uint32_t size) { return static_cast<float>(size - SquareBox::side); }
+    static RVK_INLINE float last(uint32_t size) { return static_cast<float>(size - SomeBox::columns); }
 
     // The numbers of pixels in a box, from bit kPositionBits on.
     static RVK_INLINE Vec<uint32_t> numbers(Vec<uint32_t> x, Vec<uint32_t> y)
     {
-        static_assert(SquareBox::side == 8);
-        const Vec<uint32_t> column = splat(uint32_t{SquareBox::side - 1} << kPositionBits);
-        return bitCast<uint32_t>(
-            selectBits(bitCast<uint8_t>(column), bitCast<uint8_t>(x), bitCast<uint8_t>(shiftLeft(y, 3))));
+        const Vec<uint32_t> column = splat(uint32_t{SomeBox::columns - 1} << kPositionBits);
+        return bitCast<uint32_t>(selectBits(bitCast<uint8_t>(column), bitCast<uint8_t>(x),
+                                            bitCast<uint8_t>(shiftLeft(y, SomeBox::columnBits))));
     }
-    static RVK_INLINE Vec<uint32_t> nearest(const SquareBox& box, Vec<uint32_t> x, Vec<uint32_t> y)
+    static RVK_INLINE Vec<uint32_t> nearest(const SomeBox& box, Vec<uint32_t> x, Vec<uint32_t> y)
     {
         return bitCast<uint32_t>(box.pixels(bitsFourTimes<kPositionBits>(numbers(x, y))));
     }
-    static RVK_INLINE Vec<uint32_t> bilinear(const SquareBox& box, Vec<uint32_t> x, Vec<uint32_t> y)
+    static RVK_INLINE Vec<uint32_t> bilinear(const SomeBox& box, Vec<uint32_t> x, Vec<uint32_t> y)
     {
-        const Vec<uint8_t> four = bitsFourTimes<kPositionBits>(numbers(x, y)) + SquareBox::neighboursByRows();
+        const Vec<uint8_t> four = bitsFourTimes<kPositionBits>(numbers(x, y)) + SomeBox::neighboursByRows();
         const Vec<int16_t> rows = interpolatePairs(bitCast<uint16_t>(box.pixels(four)),
                                                    bitCast<int16_t>(fractionTwice(x))); // the upper one in lower halves
         const Vec<int16_t> lower = bitCast<int16_t>(shiftRight(bitCast<uint32_t>(rows), 16));
@@ -124,7 +124,7 @@ RVK_NOINLINE uint32_t sampleSegment(const Sampler& sampler, const SegmentBoxes& 
 // Whether a picture has boxes, and another one squares.
 RVK_INLINE bool hasSquares(const SampledImage& image, size_t width, size_t height)
 {
-    return image.width >= SquareBox::side && image.height >= SquareBox::side &&
+    return image.width >= Box<8>::columns && image.height >= Box<8>::rows &&
            uint64_t{image.stride} * image.height < uint64_t{1} << 32 && width >= kSegmentColumns &&
            height >= kSquareSide;
 }
