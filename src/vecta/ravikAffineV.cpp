@@ -589,8 +589,8 @@ public:
                 bitCast<uint32_t>(first)};
     }
 
-    // How many steps it is to the squares.
-    RVK_INLINE Vec<uint32_t> toSquares() const { return bitCast<uint32_t>(m_toSquares); }
+    // To the next square.
+    RVK_INLINE int32_t step() const { return static_cast<int32_t>(kSquareSide * (m_step / 65536)); }
 
 private:
     static constexpr double kMargin = 1.0 / 256;
@@ -603,17 +603,10 @@ private:
     Vec<uint64_t> m_toNext;
 };
 
-// From the first square of a segment to the others, as weightsOfX and weightsOfY count.
+// From a square to the next one, as weightsOfX and weightsOfY count.
 struct StepsOfWeights
 {
-    uint32_t ofX[kSegmentSquares], ofY[kSegmentSquares];
-
-    RVK_INLINE StepsOfWeights(Vec<uint32_t> toX, Vec<uint32_t> toY)
-    {
-        const Vec<uint32_t> low = splat(65535u);
-        store(ofX, (toX & low) | shiftLeft(zero<uint32_t>() - toX, 16));
-        store(ofY, (toY & low) | shiftLeft(toY, 16));
-    }
+    Vec<int16_t> x, y;
 };
 
 // The squares of a segment.
@@ -646,7 +639,8 @@ RVK_NOINLINE void sampleTiles(const ClippedSource& source, const Segment& segmen
     const uint8_t* const data = source.data;
     const size_t stride = source.stride;
     const Vec<uint32_t> xs = segment.x, ys = segment.y;
-    const Vec<int16_t> weightsX = segment.weightsX, weightsY = segment.weightsY;
+    const Vec<int16_t> before = splat(static_cast<int16_t>(kTileSquares * first));
+    Vec<int16_t> weightsX = segment.weightsX + steps.x * before, weightsY = segment.weightsY + steps.y * before;
     for (size_t tile = first; tile < end; ++tile) {
         Vecs<uint32_t, kTileSquares> values;
         SomeBox boxes[kTileSquares / SomeBox::squares];
@@ -661,11 +655,11 @@ RVK_NOINLINE void sampleTiles(const ClippedSource& source, const Segment& segmen
             if constexpr (reading == Reading::nearest) {
                 values[i] = bitCast<uint32_t>(box.pixels(numbers));
             } else {
-                const auto moved = [](Vec<int16_t> weights, uint32_t step)
-                                       RVK_INLINE_LAMBDA { return weights + bitCast<int16_t>(splat(step)); };
                 const Vec<uint8_t> fourTimes = shuffle(numbers, numbers, [](size_t k) { return k / 4 * 4 + 2; });
                 values[i] = bilinearOfWords(bitCast<uint32_t>(box.pixels(fourTimes + SomeBox::neighboursByColumns())),
-                                            moved(weightsX, steps.ofX[n]), moved(weightsY, steps.ofY[n]));
+                                            weightsX, weightsY);
+                weightsX = weightsX + steps.x;
+                weightsY = weightsY + steps.y;
             }
         });
         constexpr unsigned bits = reading == Reading::nearest ? 16 : kBilinearBits;
@@ -701,7 +695,7 @@ public:
     RVK_INLINE BandSampler(const ClippedSource& source, const ClippedMap& map)
         : m_source(source), m_x(map.startX, map.acrossX, map.downX, source.width - SomeBox::columns, kHalf),
           m_y(map.startY, map.acrossY, map.downY, source.height - SomeBox::rows, kHalf),
-          m_steps(m_x.toSquares(), m_y.toSquares())
+          m_steps{splatHalves(m_x.step(), -m_x.step()), splatHalves(m_y.step(), m_y.step())}
     {
     }
 
