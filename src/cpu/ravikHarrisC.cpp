@@ -56,8 +56,8 @@ rvkStatus list(CornerFinder<Threshold>* find, const GreyImage& image, uint32_t b
     return status;
 }
 
-// Chooses the threshold when it has seen all corners: `least`, and a distance from it that is halved until enough corners
-// exceed both. A list has no corner that as many of its own halving precede as the list has room for.
+// Chooses the threshold when it has seen all corners: `least`, and a distance from it that is halved until enough
+// corners exceed both. A list has no corner that as many of its own halving precede as the list has room for.
 class AdaptiveLister final : public CornerTaker
 {
 public:

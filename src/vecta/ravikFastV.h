@@ -457,8 +457,9 @@ RVK_NOINLINE bool searchRow(const Search& search, uint32_t row, Candidates& cand
     return true;
 }
 
-// Adds all steps of a band of rows, where all are candidates and have room. Rows that are so far apart that they compare
-// the same pixels are searched together: what takes longest are loads across two cache lines, and so there are fewer.
+// Adds all steps of a band of rows, where all are candidates and have room. Rows that are so far apart that they
+// compare the same pixels are searched together: what takes longest are loads across two cache lines, and so there are
+// fewer.
 template <uint32_t arc>
 RVK_NOINLINE void searchBand(const Search& search, Candidates& candidates)
 {
