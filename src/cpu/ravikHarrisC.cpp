@@ -56,37 +56,68 @@ rvkStatus list(CornerFinder<Threshold>* find, const GreyImage& image, uint32_t b
     return status;
 }
 
-// Counts corners by what their responses have to exceed: `least`, and a distance from it that is halved each time.
-class ThresholdChooser final : public CornerTaker
+// Chooses the threshold when it has seen all corners: `least`, and a distance from it that is halved until enough
+// corners exceed both. A list has no corner that as many of its own halving precede as the list has room for.
+class AdaptiveLister final : public CornerTaker
 {
 public:
-    ThresholdChooser(int32_t largest, int32_t least, uint32_t wanted)
-        : m_least(least), m_distance(static_cast<uint64_t>(int64_t{largest} - least)), m_wanted(wanted)
+    AdaptiveLister(const CornerList& list, const CornerArea& area, int32_t largest, int32_t least)
+        : m_list(list), m_least(least), m_distance(static_cast<uint64_t>(int64_t{largest} - least)),
+          m_room(std::max(list.most, 1u)), m_corners(std::min(mostCorners(area), kHalvings * m_room))
     {
     }
+    explicit operator bool() const { return static_cast<bool>(m_corners); }
 
-    bool take(uint32_t, uint32_t, int32_t response) override
+    bool take(uint32_t x, uint32_t y, int32_t response) override
     {
         const auto above = static_cast<uint64_t>(int64_t{response} - m_least);
         size_t halvings = 0;
         while (m_distance >> halvings >= above)
             ++halvings;
-        ++m_counts[halvings];
-        return m_counts[0] < m_wanted; // or the first threshold will do
+        if (m_counts[halvings]++ < m_room)
+            m_corners[m_count++] = {x, y, response};
+        return m_counts[0] < m_room; // or the first threshold will do
     }
-    int32_t threshold() const
+    void list() const
     {
-        uint64_t found = m_counts[0];
-        size_t halvings = 0;
-        while (found < m_wanted && m_distance >> halvings)
-            found += m_counts[++halvings];
-        return static_cast<int32_t>(m_least + static_cast<int64_t>(m_distance >> halvings));
+        const int64_t least = threshold();
+        Lister lister(m_list);
+        bool hasRoom = true;
+        for (size_t i = 0; i < m_count && hasRoom; ++i) {
+            const Corner& corner = m_corners[i];
+            hasRoom = corner.response <= least || lister.take(corner.x, corner.y, corner.response);
+        }
+        lister.writeCount();
     }
 
 private:
+    struct Corner
+    {
+        uint32_t x, y;
+        int32_t response;
+    };
+    static constexpr uint64_t kHalvings = 33; // of 32 bits, to 0
+
+    // Corners are above all pixels of the 5x5 around them.
+    static uint64_t mostCorners(const CornerArea& area)
+    {
+        return ((area.right - area.left + uint64_t{2}) / 3) * ((area.bottom - area.top + uint64_t{2}) / 3);
+    }
+    int64_t threshold() const
+    {
+        uint64_t found = m_counts[0];
+        size_t halvings = 0;
+        while (found < m_list.most && m_distance >> halvings)
+            found += m_counts[++halvings];
+        return m_least + static_cast<int64_t>(m_distance >> halvings);
+    }
+
+    const CornerList& m_list;
     int64_t m_least;
-    uint64_t m_distance, m_wanted;
-    uint64_t m_counts[33] = {};
+    uint64_t m_distance, m_room;
+    uint64_t m_counts[kHalvings] = {};
+    Scratch<Corner> m_corners;
+    size_t m_count = 0;
 };
 
 class DistantLister final : public CornerTaker
@@ -136,14 +167,13 @@ rvkStatus listCornersAdaptively(CornerFinder<int32_t>* find, const GreyImage& im
                                 int32_t minThreshold, const CornerList& corners)
 {
     const CornerArea area = areaWithin(image, border);
-    if (threshold > minThreshold && !area.isEmpty()) {
-        ThresholdChooser chooser(threshold, minThreshold, corners.most);
-        const rvkStatus status = find(image, area, minThreshold, chooser);
-        if (status != RAVIK_SUCCESS)
-            return status;
-        minThreshold = chooser.threshold();
-    }
-    return listCorners(find, image, border, minThreshold, corners);
+    if (threshold <= minThreshold || area.isEmpty())
+        return listCorners(find, image, border, minThreshold, corners);
+    AdaptiveLister lister(corners, area, threshold, minThreshold);
+    const rvkStatus status = lister ? find(image, area, minThreshold, lister) : RAVIK_ENORES;
+    if (status == RAVIK_SUCCESS)
+        lister.list();
+    return status;
 }
 
 rvkStatus listDistantCorners(CornerFinder<float32_t>* find, const GreyImage& image, uint32_t border,

@@ -41,9 +41,10 @@ struct Darker
 
 using Circle = Vecs<uint8_t, kCirclePoints>;
 
-RVK_INLINE ptrdiff_t offsetOf(size_t i, ptrdiff_t stride)
+// Of a pixel of the circle around a pixel so many rows below.
+RVK_INLINE ptrdiff_t offsetOf(size_t i, ptrdiff_t stride, ptrdiff_t row = 0)
 {
-    return kCircle[i].y * stride + kCircle[i].x;
+    return (row + kCircle[i].y) * stride + kCircle[i].x;
 }
 
 // The worst pixel of the best arc. Two arcs that begin side by side have all but one pixel each in common, so that it
@@ -92,6 +93,7 @@ struct TestedPairs<9>
     using First = Indices<2, 6>;
     using Second = Indices<0, 4>;
     using OfWideStep = Indices<0, 2, 6>;
+    static constexpr size_t rowsApart = 4; // and both compare pixels of a row between
 };
 template <>
 struct TestedPairs<10>
@@ -100,22 +102,26 @@ struct TestedPairs<10>
     using First = Indices<7, 15>;
     using Second = Indices<3, 11>;
     using OfWideStep = Indices<7, 15, 3, 11>;
+    static constexpr size_t rowsApart = 2;
 };
 
-// Which pixels of a step may be corners by the pairs that begin with these pixels of the circle.
+// Which pixels of the step so many rows below may be corners by the pairs that begin with these pixels of the circle.
 template <uint32_t arc, size_t... i>
-RVK_INLINE Mask<uint8_t> mayBeCorners(const uint8_t* pixel, ptrdiff_t stride, Bytes barrier, Indices<i...>)
+RVK_INLINE Mask<uint8_t> mayBeCorners(const uint8_t* pixel, ptrdiff_t stride, Bytes barrier, Indices<i...>,
+                                      ptrdiff_t row = 0)
 {
     constexpr size_t pairs = sizeof...(i), distance = TestedPairs<arc>::distance;
-    const Vecs<uint8_t, pairs> first = {{load(pixel + offsetOf(i, stride))...}};
-    const Vecs<uint8_t, pairs> second = {{load(pixel + offsetOf((i + distance) % kCirclePoints, stride))...}};
-    const Bytes centre = load(pixel);
-    if constexpr (kBytes == 64) { // a unit of its own compares, while one alone has min, max and saturation
+    const Vecs<uint8_t, pairs> first = {{load(pixel + offsetOf(i, stride, row))...}};
+    const Vecs<uint8_t, pairs> second = {{load(pixel + offsetOf((i + distance) % kCirclePoints, stride, row))...}};
+    const Bytes centre = load(pixel + row * stride);
+    if constexpr (kBytes == 64) { // a unit of its own compares, while one alone has min, max and saturation: both work
         const Bytes high = addSat(centre, barrier), low = subSat(centre, barrier);
-        Mask<uint8_t> bright = greater(max(first[0], second[0]), high), dark = less(min(first[0], second[0]), low);
-        unrolled<pairs - 1>([&](auto k) RVK_INLINE_LAMBDA {
-            bright = bright & greater(max(first[k + 1], second[k + 1]), high);
-            dark = dark & less(min(first[k + 1], second[k + 1]), low);
+        const auto most = [&](size_t k) RVK_INLINE_LAMBDA { return max(first[k], second[k]); };
+        const auto least = [&](size_t k) RVK_INLINE_LAMBDA { return min(first[k], second[k]); };
+        Mask<uint8_t> bright = greater(min(most(0), most(1)), high), dark = less(max(least(0), least(1)), low);
+        unrolled<pairs - 2>([&](auto k) RVK_INLINE_LAMBDA {
+            bright = bright & greater(most(k + 2), high);
+            dark = dark & less(least(k + 2), low);
         });
         return bright | dark;
     } else {
@@ -225,6 +231,7 @@ struct Search
     uint32_t begin, end; // columns
     uint32_t second;     // where the second step begins
     uint32_t last;       // where the last step begins, whose circles end with the row
+    uint32_t steps;
     uint8_t barrier;
     ptrdiff_t stride;
 };
@@ -239,7 +246,7 @@ constexpr bool kTakesAllSteps = kBytes == 64;
 // Steps that may have corners, row by row: where they begin, counted from column 0 of the first row.
 struct Candidates
 {
-    static constexpr size_t kMost = 256;
+    static constexpr size_t kMost = 512;
 
     const uint8_t* origin;
     uint32_t y; // of the first row
@@ -450,6 +457,39 @@ RVK_NOINLINE bool searchRow(const Search& search, uint32_t row, Candidates& cand
     return true;
 }
 
+// Adds all steps of a band of rows, where all are candidates and have room. Rows that are so far apart that they
+// compare the same pixels are searched together: what takes longest are loads across two cache lines, and so there are
+// fewer.
+template <uint32_t arc>
+RVK_NOINLINE void searchBand(const Search& search, Candidates& candidates)
+{
+    constexpr size_t apart = TestedPairs<arc>::rowsApart, together = ContrastRows::kBand / apart;
+    const Bytes barrier = splat(search.barrier);
+    const ptrdiff_t stride = search.stride;
+    const uint8_t* const origin = candidates.origin;
+    const size_t steps = search.steps, first = candidates.count;
+    const uint32_t last = search.last;
+    for (size_t y = 0; y < apart; ++y) {
+        const auto row = static_cast<uint32_t>(y * static_cast<size_t>(stride));
+        uint32_t column = search.begin, next = search.second;
+        for (size_t i = 0; i < steps; ++i, column = next, next += kBytes) {
+            const uint32_t step = row + (column < last ? column : last);
+            LaneBits bits[together];
+            unrolled<together>([&](auto k) RVK_INLINE_LAMBDA {
+                bits[k] =
+                    laneBits(mayBeCorners<arc>(origin + step, stride, barrier, typename TestedPairs<arc>::OfWideStep{},
+                                               static_cast<ptrdiff_t>(k * apart)));
+            });
+            unrolled<together>([&](auto k) RVK_INLINE_LAMBDA {
+                const size_t at = first + (y + k * apart) * steps + i;
+                candidates.steps[at] = step + static_cast<uint32_t>(k * apart * static_cast<size_t>(stride));
+                candidates.bits[at] = bits[k];
+            });
+        }
+    }
+    candidates.count = first + ContrastRows::kBand * steps;
+}
+
 // Rows that are too short for a step, longer: the seven that a circle reaches.
 struct ShortRows
 {
@@ -505,6 +545,7 @@ RVK_NOINLINE void search(const FastPicture& picture, const BitMask* mask, const 
                            picture.border + columns,
                            picture.border + second,
                            isShort ? 3 : right - step,
+                           1 + (columns > second ? (columns - second + step - 1) / step : 0),
                            static_cast<uint8_t>(picture.barrier < 255 ? picture.barrier : 255),
                            static_cast<ptrdiff_t>(isShort ? ShortRows::kStride : picture.stride)};
     Corners corners = {mask, list, emptyContrasts};
@@ -513,6 +554,8 @@ RVK_NOINLINE void search(const FastPicture& picture, const BitMask* mask, const 
     Candidates candidates;
     candidates.count = 0;
     const uint32_t band = isShort || picture.stride >= 1u << 28 ? 1 : ContrastRows::kBand; // places have 32 bits
+
+    const bool searchesBands = kTakesAllSteps && search.steps <= Candidates::kMost / ContrastRows::kBand;
 
     bool hasRoom = true;
     uint32_t top = picture.border;
@@ -523,8 +566,12 @@ RVK_NOINLINE void search(const FastPicture& picture, const BitMask* mask, const 
                 contrasts.clear(y);
         candidates.origin = isShort ? rows.fill(picture, top) : picture.src + size_t{top} * picture.stride;
         candidates.y = top;
-        for (uint32_t y = top; y < end && hasRoom; ++y)
-            hasRoom = searchRow<arc>(search, (y - top) * picture.stride, candidates, corners);
+        if (searchesBands && end - top == ContrastRows::kBand) {
+            searchBand<arc>(search, candidates);
+        } else {
+            for (uint32_t y = top; y < end && hasRoom; ++y)
+                hasRoom = searchRow<arc>(search, (y - top) * picture.stride, candidates, corners);
+        }
         hasRoom = hasRoom && takeCorners<arc>(search, candidates, corners);
         if (contrasts.data)
             for (uint32_t y = top == picture.border ? top : top - 1; y < end - 1; ++y)

@@ -487,10 +487,11 @@ RVK_INLINE __m128i loadBlock(const void* p)
 RVK_INLINE Vec<uint8_t> loadEach16(const uint8_t* const* p, ptrdiff_t offset)
 {
 #if RVK_AVX512
-    __m512i v = _mm512_castsi128_si512(loadBlock(p[0] + offset));
-    v = _mm512_inserti32x4(v, loadBlock(p[1] + offset), 1);
-    v = _mm512_inserti32x4(v, loadBlock(p[2] + offset), 2);
-    return vec<uint8_t>(_mm512_inserti32x4(v, loadBlock(p[3] + offset), 3));
+    // Halves take two insertions from memory less that work on whole registers.
+    const auto loadTwo = [=](const uint8_t* low, const uint8_t* high) RVK_INLINE_LAMBDA {
+        return _mm256_inserti128_si256(_mm256_castsi128_si256(loadBlock(low + offset)), loadBlock(high + offset), 1);
+    };
+    return vec<uint8_t>(_mm512_inserti64x4(_mm512_castsi256_si512(loadTwo(p[0], p[1])), loadTwo(p[2], p[3]), 1));
 #elif defined(__AVX2__)
     return vec<uint8_t>(
         _mm256_inserti128_si256(_mm256_castsi128_si256(loadBlock(p[0] + offset)), loadBlock(p[1] + offset), 1));
