@@ -108,6 +108,27 @@ TEST(Moments, OfExtremes)
     });
 }
 
+// Raw moments of the third order, or of the second one as well. Both sides of the pictures are alike, so central
+// moments of the third order are nothing but what was rounded.
+TEST(Moments, RoundWhatDoublesDoNotHold)
+{
+    Random random(9);
+    for (const auto& [width, height] : {std::pair{2500, 31}, std::pair{30001, 9}}) {
+        auto p = randomPicture<uint8_t>(random, width, height);
+        for (int y = 0; y < height; ++y)
+            for (int x = 0; x < width / 2; ++x)
+                p.at(width - 1 - x, y) = p.at(x, y);
+        std::vector<float> expected;
+        forEachImplementation<Slot::rvkImageMomentsu8>([&](const char* name, auto function) {
+            float m[24];
+            function(p.pixels.data(), p.columns(), p.rows(), p.stride(), 0, reinterpret_cast<rvkMoments*>(m));
+            if (expected.empty())
+                expected.assign(m, m + 24);
+            EXPECT_EQ(std::vector(m, m + 24), expected) << name;
+        });
+    }
+}
+
 TEST(Moments, KernelsOfTiles)
 {
     Random random(5);

@@ -406,41 +406,79 @@ struct MomentVectors
     Doubles m00, m10, m01, m20, m11, m02, m30, m21, m12, m03;
 };
 
-// The sums of a picture, a lane for each moment.
+// Those of bytes have the even tiles first.
+template <class T>
+constexpr size_t laneOfTile(size_t tile)
+{
+    return isSame<T, uint8_t> ? tile / 2 + tile % 2 * (kTilesBeside / 2) : tile;
+}
+
+// The first columns of tiles, lane by lane.
+template <class T>
+struct LeftSides
+{
+    float of[kTilesBeside] = {};
+
+    constexpr LeftSides()
+    {
+        for (size_t tile = 0; tile < kTilesBeside; ++tile)
+            of[laneOfTile<T>(tile)] = static_cast<float>(tile * kMomentTile);
+    }
+};
+template <class T>
+constexpr LeftSides<T> kLeftSides;
+
+// How many moments of a picture of numbers from 0 to `most`, in their order, are sums that doubles hold.
+RVK_INLINE size_t exactMoments(size_t most, size_t width, size_t height)
+{
+    constexpr double held = 1ull << 53;
+    constexpr size_t ofOrders[] = {0, 1, 3, 6, 10};
+    const double side = static_cast<double>(width < height ? height : width);
+    double sum = static_cast<double>(most) * static_cast<double>(width) * static_cast<double>(height);
+    unsigned orders = 0;
+    for (; orders < 4 && sum <= held * (orders + 1); ++orders) // of an order: at most sum / (order + 1)
+        sum *= side;
+    return ofOrders[orders];
+}
+
+// The sums of a picture. It does not matter in which order those are added that are exact: so each lane has its own.
+// The others are added tile by tile, as by addTile.
+template <class T>
 class MomentSums
 {
 public:
-    // Tile by tile, as addTile.
+    explicit RVK_INLINE MomentSums(size_t exact) : m_exact(exact) {}
+
+    // Of tiles that do not exist, exact moments are 0.
     template <unsigned degree>
-    RVK_INLINE void add(const MomentVectors& m, size_t tiles)
+    RVK_INLINE void add(const MomentVectors& moments, size_t tiles)
     {
-        const Doubles none = splatDouble(0);
-        if constexpr (degree == 3) {
-            addEach(m_first, {m.m00, m.m10, m.m01, m.m20, m.m11, m.m02, m.m30, m.m21}, tiles);
-            addEach(m_last, {m.m12, m.m03, none, none, none, none, none, none}, tiles);
-        } else {
-            addEach(m_first, {m.m00, m.m10, m.m01, none, none, none, none, none}, tiles);
-        }
+        Doubles of[kMoments];
+        static_assert(sizeof of == sizeof moments);
+        __builtin_memcpy(of, &moments, sizeof of);
+        for (size_t i = 0; i < m_exact; ++i)
+            m_lanes[i] = m_lanes[i] + of[i];
+        for (size_t i = m_exact; i < (degree == 3 ? kMoments : 3); ++i)
+            for (size_t tile = 0; tile < tiles; ++tile)
+                m_sums[i] += of[i].raw[laneOfTile<T>(tile)];
     }
     RVK_INLINE RawMoments total() const
     {
-        double s[2 * kTilesBeside];
-        storeDoubles(s, m_first);
-        storeDoubles(s + kTilesBeside, m_last);
+        double s[kMoments];
+        for (size_t i = 0; i < kMoments; ++i) {
+            s[i] = m_sums[i];
+            for (size_t lane = 0; lane < Doubles::lanes; ++lane)
+                s[i] += m_lanes[i].raw[lane];
+        }
         return {s[0], s[1], s[2], s[3], s[4], s[5], s[6], s[7], s[8], s[9]};
     }
 
 private:
-    static RVK_INLINE void addEach(Doubles& sums, const Doubles (&moments)[kTilesBeside], size_t tiles)
-    {
-        Vec<int64_t> v[kTilesBeside];
-        unrolled<kTilesBeside>([&](auto i) RVK_INLINE_LAMBDA { v[i] = {(Vec<int64_t>::Raw)moments[i].raw}; });
-        transposeTiles(v);
-        for (size_t i = 0; i < tiles; ++i)
-            sums = sums + Doubles{(Doubles::Raw)v[i].raw};
-    }
+    static constexpr size_t kMoments = sizeof(MomentVectors) / sizeof(Doubles);
 
-    Doubles m_first = splatDouble(0), m_last = splatDouble(0);
+    size_t m_exact;
+    double m_sums[kMoments] = {};
+    Doubles m_lanes[kMoments] = {};
 };
 
 // Bytes.
@@ -449,9 +487,10 @@ RVK_INLINE MomentVectors momentsOfTiles(const uint8_t* p, size_t rowElements, si
 {
     TileMoments m;
     takeTileMoments<binary>(p, rowElements, columns, rows, &m);
-    return {firstToDoubles(m.m00), firstToDoubles(m.m10), firstToDoubles(m.m01), firstToDoubles(m.m20),
-            firstToDoubles(m.m11), firstToDoubles(m.m02), firstToDoubles(m.m30), firstToDoubles(m.m21),
-            firstToDoubles(m.m12), firstToDoubles(m.m03)};
+    const auto first = [](Vec<uint32_t> v) RVK_INLINE_LAMBDA { return firstToDoubles(v); };
+    const auto second = [](Vec<uint32_t> v) RVK_INLINE_LAMBDA { return firstToDoubles(extract<kTilesBeside>(v, v)); };
+    return {first(m.m00m10), second(m.m00m10), first(m.m01m11), first(m.m20m30),  second(m.m01m11),
+            first(m.m02m12), second(m.m20m30), first(m.m21),    second(m.m02m12), first(m.m03)};
 }
 
 constexpr Powers<double> kDoublePowers;
@@ -720,14 +759,13 @@ RVK_NOINLINE RawMoments sumOfTiles(const T* src, size_t width, size_t height, ui
 {
     constexpr size_t columnsBeside = kTilesBeside * kMomentTile;
     const Plane<const T> plane{src, stride};
-    MomentSums sums;
+    MomentSums<T> sums(isSame<T, uint8_t> ? exactMoments(binary ? 1 : UINT8_MAX, width, height) : 0);
     for (size_t y = 0; y < height; y += kMomentTile)
         for (size_t x = 0; x < width; x += columnsBeside) {
             const size_t columns = least(width - x, columnsBeside), rows = least(height - y, kMomentTile);
             const MomentVectors tiles =
                 momentsOfTiles<degree, binary>(plane.row(y) + x, stride / sizeof(T), columns, rows);
-            const Doubles numbers = firstToDoubles(iota<uint32_t>());
-            const Doubles left = splatDouble(static_cast<double>(x)) + static_cast<double>(kMomentTile) * numbers;
+            const Doubles left = splatDouble(static_cast<double>(x)) + loadToDoubles(kLeftSides<T>.of);
             sums.template add<degree>(movedTile(tiles, left, splatDouble(static_cast<double>(y))),
                                       (columns + kMomentTile - 1) / kMomentTile);
         }

@@ -159,7 +159,13 @@ public:
     {
         const auto valuesOf = [](Vec<uint8_t> v) RVK_INLINE_LAMBDA { return binary ? min(v, splat<uint8_t>(1)) : v; };
         if (columns >= lanes && rows == kTileSide)
-            addRows([=](size_t y) RVK_INLINE_LAMBDA { return valuesOf(load(p + y * pitch)); }, RowWeights::steps);
+            addRows(
+                [=](size_t y) RVK_INLINE_LAMBDA {
+                    const uint8_t* const row = p + y * pitch;
+                    prefetch(row + lanes, 1); // of the next tiles
+                    return valuesOf(load(row));
+                },
+                RowWeights::steps);
         else
             addRows(
                 [=](size_t y) RVK_INLINE_LAMBDA {
@@ -173,11 +179,11 @@ public:
     {
         TwoTiles s;
         const Vecs<int16_t, 2> constants = halves(m_constant), linears = halves(m_linear);
-        s.s00 = weighted<0>(constants);
+        s.s00 = all(m_constant);
         s.s10 = weighted<1>(constants);
         s.s20 = weighted<2>(constants);
         s.s30 = weighted<3>(constants);
-        s.s01 = weighted<0>(linears);
+        s.s01 = all(m_linear);
         s.s11 = weighted<1>(linears);
         s.s21 = weighted<2>(linears);
         const Vecs<int32_t, 4>& c = m_square;
@@ -185,7 +191,7 @@ public:
         const Vec<int32_t> firstColumn = (iota<int32_t>() & splat(3)) | shiftLeft(iota<int32_t>() & splat(4), 2);
         s.s02 = c[0] + fromSecond;
         s.s12 = shiftLeft(fromSecond + fromLast + c[3], 2) + firstColumn * s.s02;
-        s.s03 = (m_cubic[0] + m_cubic[1]) + (m_cubic[2] + m_cubic[3]);
+        s.s03 = all(m_cubic);
         return s;
     }
 
@@ -227,6 +233,7 @@ private:
         return {narrowSatInLanes<int16_t>(Vecs<int32_t, 2>{v[0], v[1]}),
                 narrowSatInLanes<int16_t>(Vecs<int32_t, 2>{v[2], v[3]})};
     }
+    static RVK_INLINE Vec<int32_t> all(const Vecs<int32_t, 4>& v) { return (v[0] + v[1]) + (v[2] + v[3]); }
     template <size_t power>
     static RVK_INLINE Vec<int32_t> weighted(const Vecs<int16_t, 2>& v)
     {
@@ -240,52 +247,53 @@ private:
     Vecs<int32_t, 4> m_linear = {splat(offset), splat(offset), splat(offset), splat(offset)};
 };
 
-// The moments of tiles beside each other, a lane for each.
+// The moments of tiles beside each other, a lane for each: two moments in the halves of a vector, or one in the first
+// half; in each half the tiles with even numbers, then those with odd ones.
 struct TileMoments
 {
-    Vec<uint32_t> m00, m10, m01, m20, m11, m02, m30, m21, m12, m03;
+    Vec<uint32_t> m00m10, m01m11, m20m30, m02m12, m21, m03;
 };
 
-// Of kTilesBeside tiles, of which the first `columns` columns and `rows` rows exist. The others count as 0, and tiles
-// that have none may have any moments. The sums of tiles fit 32 bits: that they wrap on the way does not matter.
+// Of kTilesBeside tiles, of which the first `columns` columns and `rows` rows exist. The others count as 0. The sums of
+// tiles fit 32 bits: that they wrap on the way does not matter.
 template <bool binary>
 RVK_NOINLINE void takeTileMoments(const uint8_t* p, size_t pitch, size_t columns, size_t rows, TileMoments* moments)
 {
     constexpr size_t pairs = kTilesBeside / 2, width = Vec<uint8_t>::lanes;
     TwoTiles of[pairs];
     for (size_t i = 0; i < pairs; ++i) {
-        if (i * width >= columns) {
-            of[i] = of[0]; // anything: they do not count
-            continue;
-        }
         TileColumns sums;
-        sums.add<binary>(p + i * width, pitch, columns - i * width, rows);
+        if (i * width < columns)
+            sums.add<binary>(p + i * width, pitch, columns - i * width, rows);
         of[i] = sums.sums();
     }
-    const auto total = [&](Vec<int32_t> TwoTiles::*s) RVK_INLINE_LAMBDA {
-        const Vec<uint32_t> blocks =
-            sumsOfBlocks(bitCast<uint32_t>(Vecs<int32_t, 4>{of[0].*s, of[1].*s, of[2].*s, of[3].*s}));
-        const Vec<uint32_t> tiles = blocks + extract<4>(blocks, blocks); // those of pair i in lanes i and 8 + i
-        return shuffle(tiles, tiles, [](size_t i) { return i / 2 % 4 + i % 2 * 8; });
+    // Block b of a sum of four pairs of tiles is of the tile b / 2 of each pair.
+    const auto sumsOfPairs = [&](Vec<int32_t> TwoTiles::*s) RVK_INLINE_LAMBDA {
+        const Vecs<int32_t, 4> ofPairs = {of[0].*s, of[1].*s, of[2].*s, of[3].*s};
+        return bitCast<uint64_t>(sumsOfBlocks(ofPairs));
+    };
+    const auto totals = [&](Vec<int32_t> TwoTiles::*first, Vec<int32_t> TwoTiles::*second) RVK_INLINE_LAMBDA {
+        const Vec<uint64_t> a = sumsOfPairs(first), b = sumsOfPairs(second);
+        const Vec<uint64_t> evenBlocks = shuffle(a, b, [](size_t i) { return i / 2 * 4 + i % 2; });
+        const Vec<uint64_t> oddBlocks = shuffle(a, b, [](size_t i) { return i / 2 * 4 + i % 2 + 2; });
+        return bitCast<uint32_t>(evenBlocks) + bitCast<uint32_t>(oddBlocks);
     };
     const auto times = [](uint32_t factor, Vec<uint32_t> v) RVK_INLINE_LAMBDA { return splat(factor) * v; };
+    // What linear sums have too much: the offset, as often as the powers of a tile's columns make.
+    constexpr uint32_t offset = TileColumns::offset;
+    constexpr uint32_t more0 = offset * 32, more1 = offset * (31 * 32 / 2), more2 = offset * (31 * 32 * 63 / 6);
+    const Vec<uint32_t> more01 =
+        select(less(iota<uint32_t>(), splat<uint32_t>(kTilesBeside)), splat(more0), splat(more1));
     // y = (y - 16) + 16; y^2 = (y - 16) * (y - 15) + 31 y - 240; y^3 = 6 * cubic + 42 y^2 - 431 y + 558
     TileMoments& m = *moments;
-    const auto linear = [&](Vec<int32_t> TwoTiles::*s, Vec<uint32_t> constant, uint32_t sumOfColumns)
-                            RVK_INLINE_LAMBDA {
-                                const uint32_t added = TileColumns::offset * sumOfColumns;
-                                return total(s) + shiftLeft(constant, 4) - splat(added);
-                            };
-    m.m00 = total(&TwoTiles::s00);
-    m.m10 = total(&TwoTiles::s10);
-    m.m20 = total(&TwoTiles::s20);
-    m.m30 = total(&TwoTiles::s30);
-    m.m01 = linear(&TwoTiles::s01, m.m00, 32);
-    m.m11 = linear(&TwoTiles::s11, m.m10, 31 * 32 / 2);
-    m.m21 = linear(&TwoTiles::s21, m.m20, 31 * 32 * 63 / 6);
-    m.m02 = shiftLeft(total(&TwoTiles::s02), 1) + times(31, m.m01) - times(240, m.m00);
-    m.m12 = shiftLeft(total(&TwoTiles::s12), 1) + times(31, m.m11) - times(240, m.m10);
-    m.m03 = times(6, total(&TwoTiles::s03)) + times(42, m.m02) - times(431, m.m01) + times(558, m.m00);
+    m.m00m10 = totals(&TwoTiles::s00, &TwoTiles::s10);
+    m.m20m30 = totals(&TwoTiles::s20, &TwoTiles::s30);
+    m.m01m11 = totals(&TwoTiles::s01, &TwoTiles::s11) + shiftLeft(m.m00m10, 4) - more01;
+    m.m02m12 = shiftLeft(totals(&TwoTiles::s02, &TwoTiles::s12), 1) + times(31, m.m01m11) - times(240, m.m00m10);
+    const Vec<uint32_t> s21s03 = totals(&TwoTiles::s21, &TwoTiles::s03);
+    m.m21 = s21s03 + shiftLeft(m.m20m30, 4) - splat(more2);
+    m.m03 = times(6, extract<kTilesBeside>(s21s03, s21s03)) + times(42, m.m02m12) - times(431, m.m01m11) +
+            times(558, m.m00m10);
 }
 
 // The columns of eight tiles, a vector for each tile, become a vector for each column, or of floats for two: element i of
