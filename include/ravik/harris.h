@@ -48,7 +48,8 @@ RVK_API void rvkCornerHarrisScoreu8(const uint8_t* src, uint32_t width, uint32_t
 
 /* Lowers the threshold until the list is full: what it exceeds minThreshold by is halved, rounded down, each time, and
  * at minThreshold it ends. The list is that of rvkCornerHarrisu8 for the threshold that was reached. A threshold below
- * minThreshold begins there. */
+ * minThreshold begins there. Scratch memory holds as many corners as the picture has room for, at 12 bytes for each nine
+ * pixels, or 33 times nCornersMax of them where that is less. */
 RVK_API void rvkCornerHarrisAdaptiveu8(const uint8_t* src, uint32_t width, uint32_t height, uint32_t stride,
                                        uint32_t border, uint32_t* xy, uint32_t nCornersMax, uint32_t* numcorners,
                                        int32_t threshold, int32_t minThreshold);

@@ -281,8 +281,8 @@ private:
     Vecs<uint32_t, vectors> m_lanes;
 };
 
-// The columns of a run for whose positions a condition holds, which holds for those between two of them, too; and a call
-// for each other one.
+// The columns of a run for whose positions a condition holds, which holds for those between two of them, too; and a
+// call for each other one.
 struct Interior
 {
     size_t first, end;

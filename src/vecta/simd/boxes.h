@@ -1,9 +1,9 @@
-// Boxes of pixels in registers, for pixels of a byte whose positions are near each other, but not in order: a permutation
-// takes them from there in a fraction of the time of loads from everywhere.
+// Boxes of pixels in registers, for pixels of a byte whose positions are near each other, but not in order: a
+// permutation takes them from there in a fraction of the time of loads from everywhere.
 //
-// Each square of 4x4 pixels of a destination comes from one box of 8x8 of the source, as long as pixels beside and below
-// each other are not much farther apart there, however the picture is turned; where it is not turned much, two squares
-// come from one box of 16x8. A square's pixels are the words of a vector, row by row.
+// Each square of 4x4 pixels of a destination comes from one box of 8x8 of the source, as long as pixels beside and
+// below each other are not much farther apart there, however the picture is turned; where it is not turned much, two
+// squares come from one box of 16x8. A square's pixels are the words of a vector, row by row.
 #pragma once
 
 #include "vecta/simd/words.h"

@@ -296,8 +296,8 @@ RVK_NOINLINE void takeTileMoments(const uint8_t* p, size_t pitch, size_t columns
             times(558, m.m00m10);
 }
 
-// The columns of eight tiles, a vector for each tile, become a vector for each column, or of floats for two: element i of
-// the tiles, then element i + 1. Each round of zips rotates the bits of numbers: of vectors, followed by that of lanes.
+// The columns of eight tiles, a vector for each tile, become a vector for each column, or of floats for two: element i
+// of the tiles, then element i + 1. Each round of zips rotates the bits of numbers: of vectors, followed by that of lanes.
 template <class T>
 RVK_INLINE void transposeTiles(Vec<T> (&v)[kTilesBeside])
 {

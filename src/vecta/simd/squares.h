@@ -129,8 +129,8 @@ RVK_INLINE bool hasSquares(const SampledImage& image, size_t width, size_t heigh
            height >= kSquareSide;
 }
 
-// sampleImage of such pictures. columns(left, n).band(y) has positions: of squares in n columns from `left` on, rows y to
-// y + 3. Pictures are walked in columns of segments, for the sake of the cache; some pixels come twice.
+// sampleImage of such pictures. columnsFrom(left, n).band(y) has positions: of squares in n columns from `left` on,
+// rows y to y + 3. Pictures are walked in columns of segments, for the sake of the cache; some pixels come twice.
 template <uint32_t interpolation, class Columns, class Rows>
 RVK_INLINE void sampleBySquares(const SampledImage& image, size_t width, size_t height, Plane<uint8_t> dst,
                                 Columns columnsFrom, Rows rows)
