@@ -673,10 +673,6 @@ struct BandRow
     Interior interior = {0, 0};
     uint8_t* pixels = nullptr;
 
-    RVK_INLINE bool isWhole(size_t column) const // of the segment from there on
-    {
-        return interior.first <= column && column + kSegmentColumns <= interior.end;
-    }
     RVK_INLINE void putPart(size_t column, const uint8_t (&segment)[kSegmentColumns]) const
     {
         const size_t from = greatest(interior.first, column), to = least(interior.end, column + kSegmentColumns);
@@ -708,17 +704,20 @@ public:
         RVK_INLINE void prepare(const BandSampler& sampler, uint32_t j, const ClippedRun (&runs)[kSquareSide],
                                 Plane<uint8_t> dst)
         {
-            m_begin = SIZE_MAX;
-            m_end = 0;
+            m_begin = m_endOfAll = SIZE_MAX;
+            m_end = m_beginOfAll = 0;
             for (uint32_t i = 0; i < kSquareSide; ++i) {
                 m_rows[i] = {};
-                if (runs[i].first == runs[i].end)
-                    continue;
-                uint8_t* const row = dst.row(j + i);
-                m_rows[i] = {sampler.interiorOf(runs[i], row), row};
-                if (m_rows[i].interior.first < m_rows[i].interior.end) {
-                    m_begin = least(m_begin, m_rows[i].interior.first);
-                    m_end = greatest(m_end, m_rows[i].interior.end);
+                if (runs[i].first < runs[i].end) {
+                    uint8_t* const row = dst.row(j + i);
+                    m_rows[i] = {sampler.interiorOf(runs[i], row), row};
+                }
+                const auto [first, end] = m_rows[i].interior;
+                m_beginOfAll = greatest(m_beginOfAll, first);
+                m_endOfAll = least(m_endOfAll, end);
+                if (first < end) {
+                    m_begin = least(m_begin, first);
+                    m_end = greatest(m_end, end);
                 }
             }
             if (m_begin >= m_end)
@@ -737,15 +736,19 @@ public:
                  column += kSegmentColumns) {
                 const size_t firstTile = m_begin < column ? 0 : (m_begin - column) / kTileColumns,
                              endTile = (least(m_end - column, kSegmentColumns) + kTileColumns - 1) / kTileColumns;
-                uint8_t pixels[kSquareSide][kSegmentColumns];
-                uint8_t* to[kSquareSide];
-                for (size_t i = 0; i < kSquareSide; ++i)
-                    to[i] = m_rows[i].isWhole(column) ? m_rows[i].pixels + column : pixels[i];
-                sampleTiles<reading, SomeBox>(sampler.m_source, m_segments[number], sampler.m_steps, firstTile, endTile,
-                                              to);
-                for (size_t i = 0; i < kSquareSide; ++i)
-                    if (to[i] == pixels[i])
+                const auto sampleTo = [&](uint8_t* const(&to)[kSquareSide]) RVK_INLINE_LAMBDA {
+                    sampleTiles<reading, SomeBox>(sampler.m_source, m_segments[number], sampler.m_steps, firstTile,
+                                                  endTile, to);
+                };
+                if (m_beginOfAll <= column && column + kSegmentColumns <= m_endOfAll) {
+                    sampleTo({m_rows[0].pixels + column, m_rows[1].pixels + column, m_rows[2].pixels + column,
+                              m_rows[3].pixels + column});
+                } else {
+                    uint8_t pixels[kSquareSide][kSegmentColumns];
+                    sampleTo({pixels[0], pixels[1], pixels[2], pixels[3]});
+                    for (size_t i = 0; i < kSquareSide; ++i)
                         m_rows[i].putPart(column, pixels[i]);
+                }
                 place(sampler, number); // the segment after the next one
                 number = 1 - number;
             }
@@ -759,8 +762,8 @@ public:
         }
 
         BandRow m_rows[kSquareSide];
-        size_t m_begin, m_end;                   // columns
-        typename BandAxis<SomeBox>::At m_x, m_y; // of the segment to be placed next
+        size_t m_begin, m_end, m_beginOfAll, m_endOfAll; // columns, of any row and of all
+        typename BandAxis<SomeBox>::At m_x, m_y;         // of the segment to be placed next
         Segment m_segments[2];
     };
 
