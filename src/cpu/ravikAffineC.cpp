@@ -106,21 +106,6 @@ ClippedMap clippedMap(const ClippedSource& source, const float* position, const 
 
 namespace {
 
-struct ExactPosition
-{
-    double x, y;
-};
-
-ExactPosition positionOf(const ClippedMap& map, uint32_t row, uint32_t i)
-{
-    return {map.startX + row * map.downX + i * map.acrossX, map.startY + row * map.downY + i * map.acrossY};
-}
-
-bool isInside(const ClippedMap& map, ExactPosition p) // what is not a number is not
-{
-    return p.x >= 0 && p.x <= map.right && p.y >= 0 && p.y <= map.bottom;
-}
-
 int32_t fixedInside(double coordinate, double last)
 {
     const double fromFirst = coordinate > 0 ? coordinate : 0;
@@ -128,23 +113,6 @@ int32_t fixedInside(double coordinate, double last)
 }
 
 } // namespace
-
-ClippedRun clippedRun(const ClippedMap& map, uint32_t row, uint32_t first, uint32_t end)
-{
-    while (first < end && !isInside(map, positionOf(map, row, first)))
-        ++first;
-    while (first < end && !isInside(map, positionOf(map, row, end - 1)))
-        --end;
-    if (first == end)
-        return {first, end, 0, 0, 0, 0};
-    const ExactPosition start = positionOf(map, row, first);
-    ClippedRun run = {first, end, clippedFixed(start.x), clippedFixed(start.y), 0, 0};
-    if (end - first > 1) { // so a step does not lead out of the source
-        run.stepX = clippedFixed(map.acrossX);
-        run.stepY = clippedFixed(map.acrossY);
-    }
-    return run;
-}
 
 ClippedPosition clippedPosition(const ClippedSource& source, const ClippedRun& run, uint32_t column)
 {

@@ -62,8 +62,24 @@ struct ClippedMap
 ClippedMap clippedMap(const ClippedSource& source, const float* position, const float* affine, uint32_t dstWidth,
                       uint32_t dstHeight);
 
+// (Always inline, because vector implementations may not leave shared functions.)
+#define RVK_ALWAYS_INLINE inline __attribute__((always_inline))
+
+struct ExactPosition
+{
+    double x, y;
+};
+RVK_ALWAYS_INLINE ExactPosition positionOf(const ClippedMap& map, uint32_t row, uint32_t i)
+{
+    return {map.startX + row * map.downX + i * map.acrossX, map.startY + row * map.downY + i * map.acrossY};
+}
+RVK_ALWAYS_INLINE bool isInside(const ClippedMap& map, ExactPosition p) // what is not a number is not
+{
+    return p.x >= 0 && p.x <= map.right && p.y >= 0 && p.y <= map.bottom;
+}
+
 // 32 bits of fraction.
-inline int64_t clippedFixed(double number)
+RVK_ALWAYS_INLINE int64_t clippedFixed(double number)
 {
     return static_cast<int64_t>(number * 4294967296.0);
 }
@@ -76,13 +92,30 @@ struct ClippedRun
     int64_t x, y, stepX, stepY;
 };
 // Those from `first` to before `end`, which all others that are inside must be between.
-ClippedRun clippedRun(const ClippedMap& map, uint32_t row, uint32_t first, uint32_t end);
+RVK_ALWAYS_INLINE ClippedRun clippedRun(const ClippedMap& map, uint32_t row, uint32_t first, uint32_t end)
+{
+    while (first < end && !isInside(map, positionOf(map, row, first)))
+        ++first;
+    while (first < end && !isInside(map, positionOf(map, row, end - 1)))
+        --end;
+    if (first == end)
+        return {first, end, 0, 0, 0, 0};
+    const ExactPosition start = positionOf(map, row, first);
+    ClippedRun run = {first, end, clippedFixed(start.x), clippedFixed(start.y), 0, 0};
+    if (end - first > 1) { // so a step does not lead out of the source
+        run.stepX = clippedFixed(map.acrossX);
+        run.stepY = clippedFixed(map.acrossY);
+    }
+    return run;
+}
 
 // The pixel of a run in this column: steps of 16 bits of fraction from the anchor before it, which has all bits. Rows
 // have their anchors in the same columns, so that pixels below each other are as far apart as those beside them. What
 // this comes to beyond the edge is the edge.
 constexpr uint32_t kClippedAnchors = 64; // columns from one to the next
 ClippedPosition clippedPosition(const ClippedSource& source, const ClippedRun& run, uint32_t column);
+
+#undef RVK_ALWAYS_INLINE
 
 // Pixels of a row, from `first` to before `end`, whose positions are outside.
 void fillClipped(const ClippedSource& source, const ClippedRules& rules, const ClippedMap& map, uint32_t row,

@@ -931,8 +931,10 @@ RVK_INLINE void transformClipped(const Sampler& sampler, const ClippedSource& so
         const Candidates candidates = candidatesOf.of(j);
         const ClippedRun run = clippedRun(map, j, candidates.first, candidates.end);
         uint8_t* const row = Plane{dst, dstStride}.row(j);
-        fillClipped(source, rules, map, j, 0, run.first, row);
-        fillClipped(source, rules, map, j, run.end, dstWidth, row);
+        if (run.first > 0)
+            fillClipped(source, rules, map, j, 0, run.first, row);
+        if (run.end < dstWidth)
+            fillClipped(source, rules, map, j, run.end, dstWidth, row);
         return run;
     };
     if constexpr (requires { typename Sampler::Band; }) {
