@@ -270,6 +270,28 @@ TEST(Affine, ClippedStepsMayBeLostInSums)
         });
 }
 
+// Positions that are carried from columns outside come to the edge, or to somewhat more.
+TEST(Affine, ClippedPositionsEndAtTheEdges)
+{
+    Random random(8);
+    for (int trial = 0; trial < 200; ++trial) {
+        const auto src = randomPicture<uint8_t>(random, 2 + static_cast<int>(random.below(20)),
+                                                2 + static_cast<int>(random.below(20)));
+        const float scale = uniform(random, 0.05f, 0.4f) * (trial % 2 ? 1.0f : -1.0f);
+        const bool isTurned = trial % 4 > 1;
+        const Transform t{{static_cast<float>(trial % 8 < 4 ? src.width - 1 : 0),
+                           static_cast<float>(trial % 16 < 8 ? src.height - 1 : 0)},
+                          {isTurned ? 0 : scale, isTurned ? scale : 0, isTurned ? scale : 0, isTurned ? 0 : -scale}};
+        const uint32_t interpolation = random.below(2), constant = RAVIK_BORDER_CONSTANT;
+        const auto transform = [&](auto function) {
+            return transformed(function, src, t, 140, 40, 1, interpolation, constant, uint8_t{9});
+        };
+        const auto expected = transform(referenceOf<Slot::rvkTransformAffineClippedu8_v3>());
+        forEachImplementation<Slot::rvkTransformAffineClippedu8_v3>(
+            [&](const char* name, auto function) { EXPECT_EQ(transform(function), expected) << name; });
+    }
+}
+
 TEST(Affine, ClippedTransformsRefuseLargeSourcesAndWhatIsNoNumber)
 {
     const std::vector<uint8_t> src(32768);

@@ -392,9 +392,11 @@ public:
         const CarriedCoordinate<kVectors> x(run, run.x, run.stepX), y(run, run.y, run.stepY);
         const bool isHorizontal = run.stepY == 0 && (y.at(run.first) & 65535) == 0;
         const uint32_t nextRow = reading == Reading::bilinear && !isHorizontal ? 1 : 0;
-        // Positions up to these have all that is read.
-        const int64_t lastX = ((int64_t{m_source.width} - kReach + 1) << 16) - 1 - kHalf;
-        const int64_t lastY = (int64_t{m_source.height - nextRow} << 16) - 1 - kHalf;
+        // Positions up to these have all that is read. Carried ones can be beyond the edge, of which pairs have copies.
+        const auto lastOf = [](int64_t pixels) RVK_INLINE_LAMBDA {
+            return kReadsPairs ? (pixels - 1) << 16 : (pixels << 16) - 1 - kHalf;
+        };
+        const int64_t lastX = lastOf(int64_t{m_source.width} - kReach + 1), lastY = lastOf(m_source.height - nextRow);
         const auto isInterior = [&](size_t column) RVK_INLINE_LAMBDA {
             const int64_t atX = x.at(column), atY = y.at(column);
             return m_hasInterior && atX >= 0 && atX <= lastX && atY >= 0 && atY <= lastY;
