@@ -305,6 +305,8 @@ template <size_t step, class Whole, class Partial>
 RVK_INLINE void sampleSteps(const Interior& interior, uint8_t* row, Whole whole, Partial partial)
 {
     const auto [first, end] = interior;
+    if (first == end) // or the step around it would read from a picture that may have too few columns
+        return;
     for (size_t x = first / step * step; x < end; x += step) {
         for (; x >= first && x + step <= end; x += step) // without calls, so that constants stay in registers
             whole(x, row + x);

@@ -1,4 +1,5 @@
-// Memory between two pages that fault on any access: one byte too far ends the test.
+// Memory between two guards that fault on any access: one byte too far ends the test, and so does as
+// much as wrong coordinates come to.
 #pragma once
 
 #include <cstddef>
@@ -14,19 +15,19 @@ namespace test {
 class GuardedMemory
 {
 public:
-    enum class Flush { toEnd, toStart }; // which guard page the bytes touch
+    enum class Flush { toEnd, toStart }; // which guard the bytes touch
 
     GuardedMemory(size_t bytes, Flush flush)
     {
-        const size_t page = static_cast<size_t>(sysconf(_SC_PAGESIZE));
+        const size_t page = static_cast<size_t>(sysconf(_SC_PAGESIZE)), guard = 64 * page;
         const size_t body = (bytes + page - 1) / page * page;
-        m_size = body + 2 * page;
+        m_size = body + 2 * guard;
         m_base =
             static_cast<uint8_t*>(mmap(nullptr, m_size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0));
-        if (m_base == MAP_FAILED || mprotect(m_base, page, PROT_NONE) ||
-            mprotect(m_base + page + body, page, PROT_NONE))
+        if (m_base == MAP_FAILED || mprotect(m_base, guard, PROT_NONE) ||
+            mprotect(m_base + guard + body, guard, PROT_NONE))
             abort();
-        m_data = m_base + page + (flush == Flush::toEnd ? body - bytes : 0);
+        m_data = m_base + guard + (flush == Flush::toEnd ? body - bytes : 0);
     }
     ~GuardedMemory()
     {
