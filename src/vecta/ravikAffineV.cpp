@@ -199,7 +199,8 @@ struct Candidates
             return;
         const double toFirst = -start * pixelsPerUnit, toLast = (last - start) * pixelsPerUnit; // or no numbers
         const double low = toFirst < toLast ? toFirst : toLast, high = toFirst < toLast ? toLast : toFirst;
-        const double before = low - 1, behind = high + 2;
+        constexpr double margin = 0x1p-10; // roundings of columns up to 2^32 are far less
+        const double before = low + (1 - margin), behind = high + (1 + margin); // rounded down: the next one
         if (before > first)
             first = before < end ? static_cast<uint32_t>(before) : end;
         if (behind < end)
