@@ -594,7 +594,7 @@ public:
                 bitCast<uint32_t>(first)};
     }
 
-    // To the next square.
+    // To the next square: an even number.
     RVK_INLINE int32_t step() const { return static_cast<int32_t>(kSquareSide * (m_step / 65536)); }
 
 private:

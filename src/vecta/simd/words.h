@@ -52,20 +52,19 @@ RVK_INLINE Vec<uint32_t> pairsOfRows(Vec<uint32_t> above, Vec<uint32_t> below)
 constexpr unsigned kBilinearBits = 23;
 
 // The weights that these take of fractions: as many steps further on, those of x are by the steps in lower halves, less
-// the steps in upper ones, and those of y by the steps in both.
+// the steps in upper ones, and those of y by the steps in both, where these are even: the lowest bit of fy is dropped.
 RVK_INLINE Vec<int16_t> weightsOfX(Vec<uint32_t> x)
 {
     return lowHalvesTwice(x) ^ splatHalves(1 << 15, (1 << 15) - 1);
 }
 RVK_INLINE Vec<int16_t> weightsOfY(Vec<uint32_t> y)
 {
-    return lowHalvesTwice(y) ^ splatHalves(1 << 15, 1 << 15);
+    return (lowHalvesTwice(y) ^ splatHalves(1 << 15, 1 << 15)) & splatHalves(-2, -2);
 }
 
-RVK_INLINE Vec<uint32_t> bilinearOfWords(Vec<uint32_t> words, Vec<int16_t> across, Vec<int16_t> ofY)
+RVK_INLINE Vec<uint32_t> bilinearOfWords(Vec<uint32_t> words, Vec<int16_t> across, Vec<int16_t> down)
 {
     const Vec<uint8_t> bytes = bitCast<uint8_t>(words);
-    const Vec<int16_t> down = ofY & splatHalves(-2, -2);
     const Vec<int16_t> leftAndRight = dotPairs(bytes, bitCast<int8_t>(splatPair(-64, -64))) -
                                       multiplyRounded(dotPairs(bytes, bitCast<int8_t>(splatPair(-64, 64))), down);
     const Vec<int32_t> half = addDotPairs(splat(1 << (kBilinearBits - 1)), leftAndRight, splatHalves(-32768, -32767));
