@@ -91,6 +91,16 @@ struct ClippedRun
     uint32_t first, end;
     int64_t x, y, stepX, stepY;
 };
+// Pixels `first` to before `end`, when the first one is at `start`.
+RVK_ALWAYS_INLINE ClippedRun clippedRunFrom(const ClippedMap& map, uint32_t first, uint32_t end, ExactPosition start)
+{
+    ClippedRun run = {first, end, clippedFixed(start.x), clippedFixed(start.y), 0, 0};
+    if (end - first > 1) { // so a step does not lead out of the source
+        run.stepX = clippedFixed(map.acrossX);
+        run.stepY = clippedFixed(map.acrossY);
+    }
+    return run;
+}
 // Those from `first` to before `end`, which all others that are inside must be between.
 RVK_ALWAYS_INLINE ClippedRun clippedRun(const ClippedMap& map, uint32_t row, uint32_t first, uint32_t end)
 {
@@ -100,13 +110,7 @@ RVK_ALWAYS_INLINE ClippedRun clippedRun(const ClippedMap& map, uint32_t row, uin
         --end;
     if (first == end)
         return {first, end, 0, 0, 0, 0};
-    const ExactPosition start = positionOf(map, row, first);
-    ClippedRun run = {first, end, clippedFixed(start.x), clippedFixed(start.y), 0, 0};
-    if (end - first > 1) { // so a step does not lead out of the source
-        run.stepX = clippedFixed(map.acrossX);
-        run.stepY = clippedFixed(map.acrossY);
-    }
-    return run;
+    return clippedRunFrom(map, first, end, positionOf(map, row, first));
 }
 
 // The pixel of a run in this column: steps of 16 bits of fraction from the anchor before it, which has all bits. Rows

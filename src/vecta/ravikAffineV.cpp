@@ -3,6 +3,7 @@
 #include "scratch.h"
 #include "vecta/simd/bits.h"
 #include "vecta/simd/boxes.h"
+#include "vecta/simd/doubles.h"
 #include "vecta/simd/tiles.h"
 #include "vecta/simd/words.h"
 #include "vecta/vecta.h"
@@ -185,48 +186,79 @@ rvkStatus rvkTransformAffineu8_v2V(const uint8_t* src, uint32_t srcWidth, uint32
 
 namespace {
 
-// Which pixels of a row may have coordinates from 0 to `last`, when pixel i is at start + i * step: all those, and few
-// others, for rounding.
-struct Candidates
-{
-    uint32_t first, end;
-
-    RVK_INLINE void narrow(double start, double step, double pixelsPerUnit, double last)
-    {
-        if (step == 0 && !(start >= 0 && start <= last))
-            first = end;
-        if (__builtin_fabs(step) < 0x1p-10) // sums may lose so small ones
-            return;
-        const double toFirst = -start * pixelsPerUnit, toLast = (last - start) * pixelsPerUnit; // or no numbers
-        const double low = toFirst < toLast ? toFirst : toLast, high = toFirst < toLast ? toLast : toFirst;
-        constexpr double margin = 0x1p-10; // roundings of columns up to 2^32 are far less
-        const double before = low + (1 - margin), behind = high + (1 + margin); // rounded down: the next one
-        if (before > first)
-            first = before < end ? static_cast<uint32_t>(before) : end;
-        if (behind < end)
-            end = behind > first ? static_cast<uint32_t>(behind) : first;
-    }
-};
-
-class CandidatesOfRows
+// The runs of rows, as many at once as a vector has doubles.
+class RunsOfRows
 {
 public:
-    RVK_INLINE CandidatesOfRows(const ClippedMap& map, uint32_t width)
-        : m_map(map), m_width(width), m_pixelsPerColumn(1 / map.acrossX), m_pixelsPerRow(1 / map.acrossY)
+    static constexpr size_t rows = Doubles::lanes;
+
+    RVK_INLINE RunsOfRows(const ClippedMap& map, uint32_t width) : m_map(map), m_width(width) {}
+
+    // Of row j and the ones behind it, which need not exist.
+    RVK_INLINE void find(uint32_t j, ClippedRun (&runs)[rows]) const
     {
-    }
-    RVK_INLINE Candidates of(uint32_t row) const
-    {
-        Candidates c = {0, m_width};
-        c.narrow(m_map.startX + row * m_map.downX, m_map.acrossX, m_pixelsPerColumn, m_map.right);
-        c.narrow(m_map.startY + row * m_map.downY, m_map.acrossY, m_pixelsPerRow, m_map.bottom);
-        return c;
+        const Doubles row = countDoubles(j), none = splatDouble(0);
+        const Axis x = {splatDouble(m_map.startX) + row * splatDouble(m_map.downX), m_map.acrossX, m_map.right},
+                   y = {splatDouble(m_map.startY) + row * splatDouble(m_map.downY), m_map.acrossY, m_map.bottom};
+        Columns columns = {none, splatDouble(m_width)};
+        columns.narrow(x);
+        columns.narrow(y);
+        const Doubles first = roundedDown(columns.first), end = roundedDown(columns.end);
+        const Doubles last = end - splatDouble(1), startX = x.at(first), startY = y.at(first);
+        const auto areRight = laneBits(x.isInside(startX) & y.isInside(startY) & x.isInside(x.at(last)) &
+                                       y.isInside(y.at(last)) & greater(end, first));
+        double firsts[rows], ends[rows], startsX[rows], startsY[rows];
+        storeDoubles(firsts, first);
+        storeDoubles(ends, end);
+        storeDoubles(startsX, startX);
+        storeDoubles(startsY, startY);
+        for (size_t i = 0; i < rows; ++i) {
+            const auto begin = static_cast<uint32_t>(firsts[i]), behind = static_cast<uint32_t>(ends[i]);
+            runs[i] = areRight >> i & 1
+                          ? clippedRunFrom(m_map, begin, behind, {startsX[i], startsY[i]})
+                          : clippedRun(m_map, j + static_cast<uint32_t>(i), begin, greatest(begin, behind));
+        }
     }
 
 private:
+    // A coordinate of pixels: pixel i of a row is at start + i * step, inside if that is from 0 to `last`.
+    struct Axis
+    {
+        Doubles start;
+        double step, last;
+
+        RVK_INLINE Doubles at(Doubles i) const { return start + i * splatDouble(step); }
+        RVK_INLINE DoubleMask isInside(Doubles v) const
+        {
+            return notGreater(splatDouble(0), v) & notGreater(v, splatDouble(last));
+        }
+    };
+
+    // Which pixels may be inside: all those, and few others, for rounding. Numbers are rounded down in the end.
+    struct Columns
+    {
+        Doubles first, end;
+
+        RVK_INLINE void narrow(const Axis& axis)
+        {
+            if (axis.step == 0)
+                end = select(axis.isInside(axis.start), end, first);
+            if (__builtin_fabs(axis.step) < 0x1p-10) // sums may lose so small ones
+                return;
+            constexpr double margin = 0x1p-10; // roundings of columns up to 2^32 are far less
+            const Doubles columnsPerPixel = splatDouble(1 / axis.step);
+            const Doubles toZero = (splatDouble(0) - axis.start) * columnsPerPixel,
+                          toLast = (splatDouble(axis.last) - axis.start) * columnsPerPixel;
+            const bool isForward = axis.step > 0;
+            const Doubles before = (isForward ? toZero : toLast) + splatDouble(1 - margin),
+                          behind = (isForward ? toLast : toZero) + splatDouble(1 + margin);
+            first = min(max(first, before), end);
+            end = max(min(end, behind), first);
+        }
+    };
+
     const ClippedMap& m_map;
     uint32_t m_width;
-    double m_pixelsPerColumn, m_pixelsPerRow; // infinite where a step is 0
 };
 
 constexpr size_t kClippedChunk = kClippedAnchors; // pixels of three bytes: whole vectors of each element
@@ -931,10 +963,12 @@ RVK_INLINE void transformClipped(const Sampler& sampler, const ClippedSource& so
 {
     const ClippedRules rules{Sampler::sampleOne, Sampler::channels, borderType, borderValue};
     const ClippedMap map = clippedMap(source, position, affine, dstWidth, dstHeight);
-    const CandidatesOfRows candidatesOf(map, dstWidth);
-    const auto fillOutside = [&](uint32_t j) RVK_INLINE_LAMBDA { // of row j; the run is left
-        const Candidates candidates = candidatesOf.of(j);
-        const ClippedRun run = clippedRun(map, j, candidates.first, candidates.end);
+    const RunsOfRows runsOfRows(map, dstWidth);
+    ClippedRun runs[RunsOfRows::rows];
+    const auto fillOutside = [&](uint32_t j) RVK_INLINE_LAMBDA { // of row j, the next one; the run is left
+        if (j % RunsOfRows::rows == 0)
+            runsOfRows.find(j, runs);
+        const ClippedRun& run = runs[j % RunsOfRows::rows];
         uint8_t* const row = Plane{dst, dstStride}.row(j);
         if (run.first > 0)
             fillClipped(source, rules, map, j, 0, run.first, row);
@@ -944,10 +978,10 @@ RVK_INLINE void transformClipped(const Sampler& sampler, const ClippedSource& so
     };
     if constexpr (requires { typename Sampler::Band; }) {
         const auto prepare = [&](auto& band, uint64_t j) RVK_INLINE_LAMBDA {
-            ClippedRun runs[Sampler::bandRows] = {};
+            ClippedRun runsOfBand[Sampler::bandRows] = {};
             for (uint64_t i = 0; i < Sampler::bandRows && j + i < dstHeight; ++i)
-                runs[i] = fillOutside(static_cast<uint32_t>(j + i));
-            band.prepare(sampler, static_cast<uint32_t>(j), runs, Plane{dst, dstStride});
+                runsOfBand[i] = fillOutside(static_cast<uint32_t>(j + i));
+            band.prepare(sampler, static_cast<uint32_t>(j), runsOfBand, Plane{dst, dstStride});
         };
         typename Sampler::Band bands[2];
         prepare(bands[0], 0);

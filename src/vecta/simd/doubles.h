@@ -28,6 +28,9 @@ RVK_INLINE bool all(DoubleMask m) { return m.bits; }
 RVK_INLINE DoubleMask operator~(DoubleMask m) { return {!m.bits}; }
 RVK_INLINE Doubles abs(Doubles a) { return {__builtin_fabs(a.raw)}; }
 RVK_INLINE Doubles squareRoot(Doubles a) { return {__builtin_sqrt(a.raw)}; }
+RVK_INLINE Doubles roundedDown(Doubles a) { return {__builtin_floor(a.raw)}; }
+RVK_INLINE Doubles countDoubles(uint32_t first) { return {static_cast<double>(first)}; }
+RVK_INLINE unsigned laneBits(DoubleMask m) { return m.bits; }
 
 #else
 
@@ -50,6 +53,13 @@ RVK_INLINE Doubles abs(Doubles a) { return {(Doubles::Raw)((DoubleMask::Raw)a.ra
 RVK_INLINE Doubles squareRoot(Doubles a) { return {(Doubles::Raw)RVK_MM(sqrt_pd)(a.raw)}; }
 #else
 RVK_INLINE Doubles squareRoot(Doubles a) { return {(Doubles::Raw)vsqrtq_f64(a.raw)}; }
+#endif
+#if RVK_AVX512
+RVK_INLINE Doubles roundedDown(Doubles a) { return {(Doubles::Raw)_mm512_roundscale_pd(a.raw, _MM_FROUND_TO_NEG_INF | _MM_FROUND_NO_EXC)}; }
+#elif defined(__x86_64__)
+RVK_INLINE Doubles roundedDown(Doubles a) { return {(Doubles::Raw)RVK_MM(floor_pd)(a.raw)}; }
+#else
+RVK_INLINE Doubles roundedDown(Doubles a) { return {(Doubles::Raw)vrndmq_f64(a.raw)}; }
 #endif
 
 // A bit for each true lane.
@@ -90,6 +100,9 @@ RVK_INLINE DoubleMask operator|(DoubleMask a, DoubleMask b) { return {a.bits | b
 // a where true, else b.
 RVK_INLINE Doubles select(DoubleMask m, Doubles a, Doubles b) { return {m.bits ? a.raw : b.raw}; }
 
+RVK_INLINE Doubles min(Doubles a, Doubles b) { return select(greater(a, b), b, a); }
+RVK_INLINE Doubles max(Doubles a, Doubles b) { return select(greater(a, b), a, b); }
+
 #if !defined(__arm__)
 // As many elements as there are lanes.
 RVK_INLINE Doubles firstToDoubles(Vec<uint32_t> v)
@@ -98,6 +111,8 @@ RVK_INLINE Doubles firstToDoubles(Vec<uint32_t> v)
     __builtin_memcpy(&first, &v.raw, sizeof first);
     return {__builtin_convertvector(first, Doubles::Raw)};
 }
+// first, first + 1, ...
+RVK_INLINE Doubles countDoubles(uint32_t first) { return firstToDoubles(iota<uint32_t>() + splat(first)); }
 #endif
 
 #if RVK_AVX512
