@@ -214,9 +214,8 @@ public:
         storeDoubles(startsY, startY);
         for (size_t i = 0; i < rows; ++i) {
             const auto begin = static_cast<uint32_t>(firsts[i]), behind = static_cast<uint32_t>(ends[i]);
-            runs[i] = areRight >> i & 1
-                          ? clippedRunFrom(m_map, begin, behind, {startsX[i], startsY[i]})
-                          : clippedRun(m_map, j + static_cast<uint32_t>(i), begin, greatest(begin, behind));
+            runs[i] = areRight >> i & 1 ? clippedRunFrom(m_map, begin, behind, {startsX[i], startsY[i]})
+                                        : clippedRun(m_map, j + static_cast<uint32_t>(i), begin, behind);
         }
     }
 
