@@ -7,6 +7,10 @@
 
 #include <ravik/integral.h>
 
+namespace rvk {
+decltype(::rvkIntegrateImageu8u64) rvkIntegrateImageu8u64C;
+} // namespace rvk
+
 namespace rvk::vecta::RVK_ISA {
 namespace {
 
@@ -54,49 +58,15 @@ RVK_INLINE void storeFirst(Sum* dst, const Sum* above, const Vecs<Sum, count>& s
     });
 }
 
-// Adds what came before to the sums of a vector's pixels, from vector to vector.
-class Carry
-{
-public:
-    RVK_INLINE Vecs<uint32_t, 4> operator()(Vecs<uint32_t, 4> sums)
-    {
-        unrolled<4>([&](auto i) RVK_INLINE_LAMBDA { sums[i] = sums[i] + m_before; });
-        m_before = splatLast(sums[3]);
-        return sums;
-    }
-
-private:
-    Vec<uint32_t> m_before = zero<uint32_t>();
-};
-
-class WideCarry
-{
-public:
-    RVK_INLINE Vecs<uint64_t, 8> operator()(const Vecs<uint32_t, 4>& sums)
-    {
-        Vecs<uint64_t, 8> wide;
-        unrolled<4>([&](auto i) RVK_INLINE_LAMBDA {
-            const Vecs<uint64_t, 2> two = widen(sums[i]);
-            wide[2 * i] = two[0] + m_before;
-            wide[2 * i + 1] = two[1] + m_before;
-        });
-        m_before = splatLast(wide[7]);
-        return wide;
-    }
-
-private:
-    Vec<uint64_t> m_before = zero<uint64_t>();
-};
-
 // ---- rows; `above` may be null --------------------------------------------------------------------------------------
 
 // Of the bytes that pixelsAt(x, n) gives.
 template <class PixelsAt>
 RVK_INLINE void sumsOfRow(size_t width, const uint32_t* above, uint32_t* dst, PixelsAt pixelsAt)
 {
-    Carry carried;
+    Vec<uint32_t> before = zero<uint32_t>();
     alongRow(width, [&](size_t x, auto n) RVK_INLINE_LAMBDA {
-        storeFirst(dst + x, above ? above + x : nullptr, carried(sumsUpToEach(pixelsAt(x, n))), n);
+        storeFirst(dst + x, above ? above + x : nullptr, sumsUpToEach(pixelsAt(x, n), before), n);
     });
 }
 
@@ -105,12 +75,24 @@ RVK_INLINE void sumsOfRow(const uint8_t* src, size_t width, const uint32_t* abov
     sumsOfRow(width, above, dst, [=](size_t x, size_t n) RVK_INLINE_LAMBDA { return loadFirst(src + x, n); });
 }
 
-template <class Carried, class Sum>
-RVK_INLINE void squaresOfRow(const uint8_t* src, size_t width, const Sum* above, Sum* dst)
+RVK_INLINE void squaresOfRow(const uint8_t* src, size_t width, const uint32_t* above, uint32_t* dst)
 {
-    Carried carried;
+    Vec<uint32_t> before = zero<uint32_t>();
     alongRow(width, [&](size_t x, auto n) RVK_INLINE_LAMBDA {
-        storeFirst(dst + x, above ? above + x : nullptr, carried(squaresUpToEach(loadFirst(src + x, n))), n);
+        storeFirst(dst + x, above ? above + x : nullptr, squaresUpToEach(loadFirst(src + x, n), before), n);
+    });
+}
+
+// Both, of squares with 64 bits. Those of a row alone fit 32 bits.
+constexpr uint32_t kMostColumnsOfSquares = UINT32_MAX / (255 * 255);
+RVK_INLINE void bothOfRow(const uint8_t* src, size_t width, const uint32_t* sumsAbove, uint32_t* sums,
+                          const uint64_t* squaresAbove, uint64_t* squares)
+{
+    Vec<uint32_t> sumBefore = zero<uint32_t>(), squareBefore = sumBefore;
+    alongRow(width, [&](size_t x, auto n) RVK_INLINE_LAMBDA {
+        const Vec<uint8_t> v = loadFirst(src + x, n);
+        storeFirst(sums + x, sumsAbove ? sumsAbove + x : nullptr, sumsUpToEach(v, sumBefore), n);
+        storeFirst(squares + x, squaresAbove ? squaresAbove + x : nullptr, wideSquaresUpToEach(v, squareBefore), n);
     });
 }
 
@@ -160,21 +142,17 @@ RVK_INLINE void integrateInclusive(size_t width, size_t height, Plane<const uint
     });
 }
 
-RVK_NOINLINE void wideSquaresOfRow(const uint8_t* src, size_t width, const uint64_t* above, uint64_t* dst)
-{
-    if (above)
-        squaresOfRow<WideCarry>(src, width, above, dst);
-    else
-        squaresOfRow<WideCarry>(src, width, static_cast<const uint64_t*>(nullptr), dst);
-}
-
 RVK_INLINE void integrateBoth(size_t width, size_t height, Plane<const uint8_t> src, Plane<uint32_t> sums,
                               Plane<uint64_t> squares)
 {
-    for (size_t y = 0; y < height; ++y) {
-        integrateLine(src.row(y), width, y ? sums.row(y - 1) : nullptr, sums.row(y));
-        wideSquaresOfRow(src.row(y), width, y ? squares.row(y - 1) : nullptr, squares.row(y));
+    if (width > kMostColumnsOfSquares) {
+        rvkIntegrateImageu8u64C(src.data, static_cast<uint32_t>(width), static_cast<uint32_t>(height), src.stride,
+                                sums.data, squares.data, sums.stride, squares.stride);
+        return;
     }
+    bothOfRow(src.row(0), width, nullptr, sums.row(0), nullptr, squares.row(0));
+    for (size_t y = 1; y < height; ++y)
+        bothOfRow(src.row(y), anyNumber(width), sums.row(y - 1), sums.row(y), squares.row(y - 1), squares.row(y));
 }
 
 // Patches that a few vectors hold, `strips` of them: what stands above stays in registers.
@@ -227,7 +205,7 @@ RVK_NOINLINE void integratePatch(size_t width, size_t height, Plane<const uint8_
     });
     integrateRowsExclusive(width, height, squares,
                            [=](size_t y, const uint32_t* above, uint32_t* row)
-                               RVK_INLINE_LAMBDA { squaresOfRow<Carry>(src.row(y), width, above, row); });
+                               RVK_INLINE_LAMBDA { squaresOfRow(src.row(y), width, above, row); });
 }
 
 // ---- pairs ----------------------------------------------------------------------------------------------------------
@@ -249,11 +227,11 @@ RVK_INLINE void integratePairs(size_t width, size_t height, Plane<const uint8_t>
         const uint8_t* pairs = src.row(y);
         const uint32_t *above1 = y ? first.row(y - 1) : nullptr, *above2 = y ? second.row(y - 1) : nullptr;
         uint32_t *row1 = first.row(y), *row2 = second.row(y);
-        Carry carried1, carried2;
+        Vec<uint32_t> before1 = zero<uint32_t>(), before2 = before1;
         alongRow(anyNumber(width), [&](size_t x, auto n) RVK_INLINE_LAMBDA {
             const Vecs<uint8_t, 2> v = loadFirst2(pairs + 2 * x, n);
-            storeFirst(row1 + x, above1 ? above1 + x : nullptr, carried1(sumsUpToEach(v[0])), n);
-            storeFirst(row2 + x, above2 ? above2 + x : nullptr, carried2(sumsUpToEach(v[1])), n);
+            storeFirst(row1 + x, above1 ? above1 + x : nullptr, sumsUpToEach(v[0], before1), n);
+            storeFirst(row2 + x, above2 ? above2 + x : nullptr, sumsUpToEach(v[1], before2), n);
         });
     }
 }

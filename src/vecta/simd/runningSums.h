@@ -57,43 +57,128 @@ RVK_INLINE Vecs<Wider<T>, 2> runningSumsWide(Vec<T> v)
     return zip(toEven, toOdd);
 }
 
-// ---- of the bytes of a vector ------------------------------------------------------------------------------------
+// ---- of the bytes of a vector, and of what came before them ------------------------------------------------------
+//
+// `before` is added to all, and becomes the last of these sums: the sum of a row goes from vector to vector.
 
 #if RVK_AVX512
 
-// Words of four bytes are summed first. Each vector of results has each of its four words four times, to add as many
-// of its bytes as each result is of.
-RVK_INLINE Vecs<uint32_t, 4> sumsUpToEach(Vec<uint8_t> v)
+// Of each four words those bytes that are behind the first, the second, the third and the last byte.
+RVK_INLINE Vec<uint8_t> laterBytes()
 {
-    const Vec<int32_t> words = addDotQuads(zero<int32_t>(), v, splat<int8_t>(1));
-    const Vec<int32_t> before = runningSums(words) - words;
-    const Vec<int8_t> firstBytes = vec<int8_t>(_mm512_set4_epi32(0x01010101, 0x00010101, 0x00000101, 0x00000001));
+    return vec<uint8_t>(_mm512_set4_epi32(0, static_cast<int>(0xff000000), static_cast<int>(0xffff0000), ~0xff));
+}
+
+// Which of sixteen bytes the lanes of a vector of sums are for. Where pairs of lanes are for bytes eight apart, the lower
+// lanes and the upper ones are in order when they become wide.
+template <bool paired>
+constexpr size_t byteOfLane(size_t lane)
+{
+    return paired ? lane % 2 * 8 + lane / 2 : lane;
+}
+
+// From the sums of words of four bytes, of which a quarter as many have to be moved. Each vector of results has each of
+// its four words four times; less(sums, bytes, which of them are later) takes these away.
+template <bool paired, class Less>
+RVK_INLINE Vecs<uint32_t, 4> upToEach(Vec<int32_t> ofWords, Vec<uint8_t> v, Vec<uint32_t>& before, Less less)
+{
+    const Vec<int32_t> upToWords = runningSums(ofWords) + bitCast<int32_t>(before);
+    const Vec<int32_t> last = anyVector(splat(15)); // of a constant clang would make two operations
+    before = vec<uint32_t>(_mm512_permutexvar_epi32(reg(last), reg(upToWords)));
     Vecs<uint32_t, 4> sums;
     unrolled<4>([&](auto quarter) RVK_INLINE_LAMBDA {
         const auto fourTimes = [](Vec<int32_t> w) RVK_INLINE_LAMBDA {
-            return shuffle(w, w, [](size_t i) { return decltype(quarter){} * 4 + i / 4; });
+            return shuffle(w, w, [](size_t i) { return decltype(quarter){} * 4 + byteOfLane<paired>(i) / 4; });
         };
-        const Vec<uint8_t> bytes = bitCast<uint8_t>(fourTimes(bitCast<int32_t>(v)));
-        sums[quarter] = bitCast<uint32_t>(addDotQuads(fourTimes(before), bytes, firstBytes));
+        const Vec<int32_t> inOrder = bitCast<int32_t>(laterBytes());
+        const Vec<int32_t> later = shuffle(inOrder, inOrder, [](size_t i) { return byteOfLane<paired>(i) % 4; });
+        sums[quarter] = bitCast<uint32_t>(
+            less(fourTimes(upToWords), bitCast<uint8_t>(fourTimes(bitCast<int32_t>(v))), bitCast<uint8_t>(later)));
     });
     return sums;
 }
 
+RVK_INLINE Vecs<uint32_t, 4> sumsUpToEach(Vec<uint8_t> v, Vec<uint32_t>& before)
+{
+    const Vec<int32_t> words = addDotQuads(zero<int32_t>(), v, splat<int8_t>(1));
+    return upToEach<false>(words, v, before,
+                           [](Vec<int32_t> sums, Vec<uint8_t> bytes, Vec<uint8_t> later) RVK_INLINE_LAMBDA {
+                               return addDotQuads(sums, bytes, bitCast<int8_t>(later)); // times -1
+                           });
+}
+
+// The square of p is 127 * p - p * (127 - p), whose second factors are signed bytes.
+template <bool paired = false>
+RVK_INLINE Vecs<uint32_t, 4> squaresUpToEach(Vec<uint8_t> v, Vec<uint32_t>& before)
+{
+    const auto less127 = [](Vec<uint8_t> p) RVK_INLINE_LAMBDA { return p ^ splat<uint8_t>(127); };
+    const Vec<int32_t> words = addDotQuads(zero<int32_t>(), v, splat<int8_t>(127)) -
+                               addDotQuads(zero<int32_t>(), v, bitCast<int8_t>(less127(v)));
+    return upToEach<paired>(words, v, before,
+                            [=](Vec<int32_t> sums, Vec<uint8_t> bytes, Vec<uint8_t> later) RVK_INLINE_LAMBDA {
+                                const Vec<uint8_t> minus127 = later & splat<uint8_t>(256 - 127);
+                                return addDotQuads(addDotQuads(sums, bytes, bitCast<int8_t>(minus127)), bytes,
+                                                   bitCast<int8_t>(less127(bytes) & later));
+                            });
+}
+
+RVK_INLINE Vecs<uint64_t, 8> wideSquaresUpToEach(Vec<uint8_t> v, Vec<uint32_t>& before)
+{
+    const Vecs<uint32_t, 4> sums = squaresUpToEach<true>(v, before);
+    Vecs<uint64_t, 8> wide;
+    unrolled<4>([&](auto i) RVK_INLINE_LAMBDA {
+        wide[2 * i] = bitCast<uint64_t>(sums[i]) & splat<uint64_t>(UINT32_MAX);
+        wide[2 * i + 1] = shiftRight(bitCast<uint64_t>(sums[i]), 32);
+    });
+    return wide;
+}
+
 #else
 
-RVK_INLINE Vecs<uint32_t, 4> sumsUpToEach(Vec<uint8_t> v)
+RVK_INLINE Vecs<uint32_t, 4> addBefore(Vecs<uint32_t, 4> sums, Vec<uint32_t>& before)
 {
-    return widenBoth(runningSumsWide(v)); // sums within a vector fit 16 bits
+    unrolled<4>([&](auto i) RVK_INLINE_LAMBDA { sums[i] = sums[i] + before; });
+    before = splatLast(sums[3]);
+    return sums;
+}
+
+RVK_INLINE Vecs<uint32_t, 4> sumsUpToEach(Vec<uint8_t> v, Vec<uint32_t>& before)
+{
+    return addBefore(widenBoth(runningSumsWide(v)), before); // sums within a vector fit 16 bits
+}
+
+RVK_INLINE Vecs<uint32_t, 4> squaresUpToEach(Vec<uint8_t> v, Vec<uint32_t>& before)
+{
+    const Vecs<uint16_t, 2> squares = multiplyWide(v, v);
+    const Vecs<uint32_t, 2> low = runningSumsWide(squares[0]), high = runningSumsWide(squares[1]);
+    const Vec<uint32_t> lower = splatLast(low[1]);
+    return addBefore({low[0], low[1], lower + high[0], lower + high[1]}, before);
+}
+
+RVK_INLINE Vecs<uint64_t, 8> wideSquaresUpToEach(Vec<uint8_t> v, Vec<uint32_t>& before)
+{
+    const Vecs<uint32_t, 4> sums = squaresUpToEach(v, before);
+    Vecs<uint64_t, 8> wide;
+    unrolled<4>([&](auto i) RVK_INLINE_LAMBDA {
+        const Vecs<uint64_t, 2> two = widen(sums[i]);
+        wide[2 * i] = two[0];
+        wide[2 * i + 1] = two[1];
+    });
+    return wide;
 }
 
 #endif
 
+RVK_INLINE Vecs<uint32_t, 4> sumsUpToEach(Vec<uint8_t> v)
+{
+    Vec<uint32_t> none = zero<uint32_t>();
+    return sumsUpToEach(v, none);
+}
+
 RVK_INLINE Vecs<uint32_t, 4> squaresUpToEach(Vec<uint8_t> v)
 {
-    const Vecs<uint16_t, 2> squares = multiplyWide(v, v);
-    const Vecs<uint32_t, 2> low = runningSumsWide(squares[0]), high = runningSumsWide(squares[1]);
-    const Vec<uint32_t> before = splatLast(low[1]);
-    return {low[0], low[1], before + high[0], before + high[1]};
+    Vec<uint32_t> none = zero<uint32_t>();
+    return squaresUpToEach(v, none);
 }
 
 // ---- of many bytes -----------------------------------------------------------------------------------------------
