@@ -63,6 +63,7 @@ RVK_INLINE void countFew(size_t width, size_t height, Plane<const uint8_t> src, 
 {
     for (size_t i = 0; i < 256; i += Vec<uint32_t>::lanes)
         store(histogram + i, zero<uint32_t>());
+    prefetch(histogram + 256, 256); // of the next cell of a grid: counting in it would wait for its lines
     uint32_t* const table[1] = {histogram};
     for (size_t y = 0; y < height; ++y)
         count(src.row(y), width, table);
