@@ -133,21 +133,25 @@ TEST(Integral, OfLumaAndChromaAndOfForeground)
     }
 }
 
+void expectSumsOfWhite(uint32_t width, uint32_t height)
+{
+    const uint64_t pixels = uint64_t{width} * height;
+    const std::vector<uint8_t> src(pixels, 255);
+    forEachImplementation<Slot::rvkIntegrateImageu8u64>([&](const char* name, auto function) {
+        std::vector<uint32_t> sums(pixels);
+        std::vector<uint64_t> squares(pixels);
+        function(src.data(), width, height, width, sums.data(), squares.data(), 4 * width, 8 * width);
+        EXPECT_EQ(sums.back(), static_cast<uint32_t>(255 * pixels)) << name;
+        EXPECT_EQ(squares.back(), 255 * 255 * pixels) << name;
+    });
+}
+
 // Sums of 32 bits wrap, squares' sums of 64 do not: of 2^24 white pixels, in rows whose squares just fit 32 bits, and of
 // a row of which they do not.
 TEST(Integral, SumsOfLargePicturesWrap)
 {
-    for (const auto& [width, height] : {std::pair<uint32_t, uint32_t>{66051, 255}, {66052, 1}}) {
-        const uint64_t pixels = uint64_t{width} * height;
-        const std::vector<uint8_t> src(pixels, 255);
-        forEachImplementation<Slot::rvkIntegrateImageu8u64>([&](const char* name, auto function) {
-            std::vector<uint32_t> sums(pixels);
-            std::vector<uint64_t> squares(pixels);
-            function(src.data(), width, height, width, sums.data(), squares.data(), 4 * width, 8 * width);
-            EXPECT_EQ(sums.back(), static_cast<uint32_t>(255 * pixels)) << name;
-            EXPECT_EQ(squares.back(), 255 * 255 * pixels) << name;
-        });
-    }
+    expectSumsOfWhite(66051, 255);
+    expectSumsOfWhite(66052, 1);
 }
 
 TEST(Integral, LineKernelAddsTheRowAbove)
