@@ -172,6 +172,8 @@ public:
     {
         return static_cast<uint32_t>(least(m_axis.to - static_cast<size_t>(rest()), m_axis.from));
     }
+    // Of those that the pixel before has a part of; none where it begins with a pixel.
+    uint32_t sharedWeight() const { return rest() ? firstWeight() : 0; }
     using Quotients::next;
 
 private:
@@ -1302,129 +1304,154 @@ bool averageRowsFirst(const Resizing& r, Axis columnAxis, Axis rowAxis)
     return true;
 }
 
-#if defined(__AVX512VNNI__) // a half to a third of the time
-// Strips of columns whose weights fit bytes.
+#if defined(__AVX512VNNI__) // a half to a quarter of the time
+// Of a pixel of the source, that one of the destination has.
+RVK_INLINE size_t mostParts(Axis axis)
+{
+    return least(size_t{axis.from}, axis.to);
+}
+// Rows of more parts have so many weights that loading those of their columns takes longer than floats.
+constexpr size_t kMostMultiples = 8;
+
+// The most bytes from the first to the last pixel of a vector.
 template <size_t neighbours>
+RVK_INLINE size_t bytesOfWindow(Axis axis)
+{
+    return (AreaStrip<neighbours>::columns - 1) * size_t{axis.from} / axis.to + 1 + mostCovered(axis);
+}
+
+// Strips of columns whose weights fit bytes, also times those of rows where Areas has it so.
+template <class Areas>
 class AreaColumns
 {
 public:
+    static constexpr size_t neighbours = Areas::neighbours;
     using Strip = AreaStrip<neighbours>;
+    using Weights = AreaWeights<neighbours>;
 
-    AreaColumns(const Resizing& r, Axis axis)
-        : m_axis(axis), m_srcWidth(r.srcWidth), m_columns(r.dstWidth),
-          m_window(bytesOfWindow(axis) <= kBytes / 2 ? kBytes / 2 : kBytes),
-          m_strips(roundedUp(m_columns, kBytes) / kBytes)
+    // A row of the source has so many parts.
+    AreaColumns(const Resizing& r, Axis axis, size_t partsOfRow)
+        : m_axis(axis), m_srcWidth(r.srcWidth), m_columns(r.dstWidth), m_partsOfRow(partsOfRow),
+          m_multiples(Areas::multipliesWeights ? partsOfRow : 1),
+          m_window(bytesOfWindow<neighbours>(axis) <= kBytes / 2 ? kBytes / 2 : kBytes),
+          m_strips(roundedUp(m_columns, kBytes) / kBytes),
+          m_weights(roundedUp(m_columns, kBytes) / kBytes, m_multiples), m_fit(m_strips && m_weights && set())
     {
-        if (m_strips)
-            set();
     }
-    bool exist() const { return static_cast<bool>(m_strips); }
-    // The most bytes from the first to the last pixel of a vector.
-    static size_t bytesOfWindow(Axis axis)
-    {
-        return (Strip::columns - 1) * size_t{axis.from} / axis.to + 1 + mostCovered(axis);
-    }
-    // areasOf(strip) makes means.
-    template <class AreasOf>
-    void average(const BlockOfAreas& block, AreasOf areasOf) const
+    // False without scratch memory, or when weights do not fit.
+    bool exist() const { return m_fit; }
+    void average(const BlockOfAreas& block, const Areas& areas) const
     {
         BlockOfAreas part = block;
         for (size_t x = 0; x < m_columns; x += kBytes, part.dst += kBytes) {
-            const Strip& strip = m_strips[x / kBytes];
-            const auto areas = areasOf(strip);
-            (m_window == kBytes ? averageStrip<kBytes, neighbours, decltype(areas)>
-                                : averageStrip<kBytes / 2, neighbours, decltype(areas)>)(strip, areas, part,
-                                                                                         least(kBytes, m_columns - x));
+            const size_t i = x / kBytes;
+            (m_window == kBytes ? averageStrip<kBytes, Areas>
+                                : averageStrip<kBytes / 2, Areas>)(m_strips[i], &m_weights[i * m_multiples],
+                                                                   m_partsOfRow, areas, part,
+                                                                   least(kBytes, m_columns - x));
         }
     }
 
 private:
-    void set();
+    bool set();
 
     Axis m_axis;
-    size_t m_srcWidth, m_columns, m_window;
+    size_t m_srcWidth, m_columns, m_partsOfRow, m_multiples, m_window;
     Scratch<Strip> m_strips;
+    Scratch<Weights> m_weights;
+    bool m_fit;
 };
 
-template <size_t neighbours>
-RVK_NOINLINE void AreaColumns<neighbours>::set()
+// Pixels of weights that are too large count as several.
+template <class Areas>
+RVK_NOINLINE bool AreaColumns<Areas>::set()
 {
+    using Column = BytesOfColumn<neighbours>;
+    const uint32_t from = m_axis.from, to = m_axis.to;
+    const auto most = static_cast<uint32_t>(UINT8_MAX / m_multiples);
     const size_t lastWindow = m_srcWidth - m_window;
-    Coverages column(m_axis);
-    for (size_t x = 0; x < roundedUp(m_columns, kBytes); x += Strip::columns) {
-        Strip& strip = m_strips[x / kBytes];
-        const size_t vector = x / Strip::columns % Strip::vectors, offset = least(column.first(), lastWindow);
-        strip.offsets[vector] = static_cast<uint32_t>(offset);
-        for (size_t i = 0; i < kBytes; i += neighbours, column.next()) {
-            const auto place = static_cast<uint32_t>(column.first() - offset);
-            uint32_t weight = column.firstWeight(), rest = m_axis.from;
+    const Ahead<Strip::columns, 0> ahead(Quotients(0, from, to));
+    Quotients first(0, int64_t{from} * Strip::columns, to);
+    uint32_t lacking = 0;
+    for (size_t x = 0; x < roundedUp(m_columns, kBytes); x += Strip::columns, first.next()) {
+        const size_t strip = x / kBytes, vector = x / Strip::columns % Strip::vectors;
+        const size_t offset = least(static_cast<size_t>(first.value()), lastWindow);
+        const auto pixel = static_cast<uint32_t>(static_cast<size_t>(first.value()) - offset);
+        const auto rest = static_cast<uint32_t>(first.rest());
+        m_strips[strip].offsets[vector] = static_cast<uint32_t>(offset);
+        uint32_t indices[Strip::columns], weights[Strip::columns];
+        for (size_t i = 0; i < Strip::columns; ++i) {
+            const bool isFarther = rest >= ahead.enough[i];
+            uint32_t place = pixel + ahead.pixels[i] + isFarther, left = from;
+            uint32_t leftOfPixel = ahead.enough[i] + (isFarther ? to : 0) - rest;
+            indices[i] = weights[i] = 0;
             for (uint32_t k = 0; k < neighbours; ++k) { // of no weight where they lie beyond the window
-                strip.indices[vector][i + k] = static_cast<uint8_t>(place + k);
-                strip.weights[vector][i + k] = static_cast<uint8_t>(weight);
-                rest -= weight;
-                weight = rest < m_axis.to ? rest : m_axis.to;
+                const uint32_t free = leftOfPixel < left ? leftOfPixel : left, weight = free < most ? free : most;
+                indices[i] |= place % kBytes << 8 * k;
+                weights[i] |= weight << 8 * k;
+                left -= weight;
+                leftOfPixel -= weight;
+                place += leftOfPixel == 0;
+                leftOfPixel = leftOfPixel == 0 ? to : leftOfPixel;
             }
+            lacking |= left;
+        }
+        for (size_t i = 0; i < Strip::columns; ++i)
+            m_strips[strip].indices[vector][i] = static_cast<Column>(indices[i]);
+        for (uint32_t multiple = 1; multiple <= m_multiples; ++multiple) {
+            Column(&products)[Strip::columns] = m_weights[strip * m_multiples + multiple - 1].of[vector];
+            for (size_t i = 0; i < Strip::columns; ++i)
+                products[i] = static_cast<Column>(multiple * weights[i]); // of all bytes
         }
     }
+    return !lacking;
 }
 
-AreaWeight areaWeight(size_t parts, uint64_t area)
+RVK_NOINLINE void setAreaRows(Axis axis, AreaRow* rows)
 {
-    return {static_cast<uint32_t>(parts << 16 | parts), static_cast<float>(parts) / static_cast<float>(area)};
-}
-
-RVK_NOINLINE void setAreaRows(const Resizing& r, Axis axis, uint64_t area, AreaRow* rows)
-{
-    const uint8_t* last = nullptr;
     Coverages row(axis);
-    for (size_t y = 0; y < r.dstHeight; ++y, row.next()) {
-        const uint8_t* const first = sourceRow(r, row.first());
-        uint32_t rest = axis.from - row.firstWeight();
-        size_t wholeRows = 0;
-        for (; rest > axis.to; rest -= axis.to)
-            ++wholeRows;
-        rows[y] = {first, wholeRows, areaWeight(row.firstWeight(), area), areaWeight(rest, area), first == last};
-        last = rest ? first + (wholeRows + 1) * r.srcStride : first;
+    for (size_t y = 0; y < axis.to; ++y, row.next()) {
+        const uint32_t shared = row.sharedWeight(), rest = axis.from - shared;
+        rows[y] = {shared, rest / axis.to, rest % axis.to};
     }
 }
 
-// False without scratch memory.
-template <size_t neighbours, class AreasOf>
-bool averageStrips(const Resizing& r, Axis columnAxis, Axis rowAxis, AreasOf areasOf)
+// False without scratch memory, or when weights do not fit.
+template <class Areas>
+bool averageStrips(const Resizing& r, Axis columnAxis, Axis rowAxis, const Areas& areas)
 {
-    const uint64_t area = uint64_t{columnAxis.from} * rowAxis.from;
-    const AreaColumns<neighbours> columns(r, columnAxis);
-    const Scratch<AreaRow> rows(r.dstHeight);
+    const AreaColumns<Areas> columns(r, columnAxis, mostParts(rowAxis));
+    const Scratch<AreaRow> rows(rowAxis.to);
     if (!columns.exist() || !rows)
         return false;
-    setAreaRows(r, rowAxis, area, rows.get());
-    for (size_t y = 0; y < r.dstHeight; y += kRowsOfStrip)
-        columns.average({&rows[y], least(kRowsOfStrip, r.dstHeight - y), r.srcStride, areaWeight(rowAxis.to, area),
-                         targetRow(r, y), r.dstStride},
-                        areasOf);
+    setAreaRows(rowAxis, rows.get());
+    Quotients first(0, int64_t{rowAxis.from} * kRowsOfStrip, rowAxis.to);
+    for (size_t y = 0; y < r.dstHeight; y += kRowsOfStrip, first.next())
+        columns.average({rows.get(), rowAxis.to, y % rowAxis.to, least(kRowsOfStrip, r.dstHeight - y),
+                         sourceRow(r, static_cast<size_t>(first.value())), r.srcStride, targetRow(r, y), r.dstStride},
+                        areas);
     return true;
 }
 
 // False where areas have too many parts, too.
 bool averageStrips(const Resizing& r, Axis columns, Axis rows, const Means& means)
 {
-    const size_t most = mostCovered(columns);
-    const uint64_t area = uint64_t{columns.from} * rows.from;
-    if (r.srcWidth < kBytes || most > 4 || AreaColumns<4>::bytesOfWindow(columns) > kBytes)
+    const size_t most = mostCovered(columns), largestWeight = columns.from * mostParts(rows);
+    const auto area = static_cast<uint32_t>(uint64_t{columns.from} * rows.from);
+    if (r.srcWidth < kBytes || most > 4 || uint64_t{columns.from} * rows.from > kMostOfMeanOfFloats)
         return false;
-    if (means.ofShortSums.exists() && columns.from < 128) {
-        const auto byWords = [&](const auto& strip)
-                                 RVK_INLINE_LAMBDA { return AreasByWords(strip, means.ofShortSums); };
-        if (most <= 2 && AreaColumns<2>::bytesOfWindow(columns) <= kBytes)
-            return averageStrips<2>(r, columns, rows, byWords);
-        return averageStrips<4>(r, columns, rows, byWords);
+    if (most <= 2 && bytesOfWindow<2>(columns) <= kBytes && means.ofShortSums.exists()) {
+        if (largestWeight <= INT8_MAX)
+            return averageStrips(r, columns, rows, AreasByWords<false, Mean16>(area, means.ofShortSums));
+        if (largestWeight <= UINT8_MAX)
+            return averageStrips(r, columns, rows, AreasByWords<true, Mean16>(area, means.ofShortSums));
     }
-    // What floats are off by, in 2^-17: 1 for each sum, 2 for all weights. A sum is 1 / (2 * area) from what matters.
-    if (columns.to > UINT8_MAX || area > kMostOfMeanOfFloats || area * (mostCovered(rows) + 3) > 1 << 16)
+    if (bytesOfWindow<4>(columns) > kBytes)
         return false;
-    return averageStrips<4>(r, columns, rows, [&](const auto& strip) RVK_INLINE_LAMBDA {
-        return AreasByShares(strip, columns.from, means.ofSmallSums.half);
-    });
+    if (mostParts(rows) <= kMostMultiples && averageStrips(r, columns, rows, AreasByIntegers(area)))
+        return true;
+    return mostParts(columns) <= INT8_MAX ? averageStrips(r, columns, rows, AreasByFloats<false>(area, columns.from))
+                                          : averageStrips(r, columns, rows, AreasByFloats<true>(area, columns.from));
 }
 #else
 bool averageStrips(const Resizing&, Axis, Axis, const Means&)

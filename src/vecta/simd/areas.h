@@ -1,6 +1,7 @@
 // Means of areas that cover parts of pixels. Strips of columns as wide as a vector are walked down, a block of rows
-// after the other, so that few rows of the source are read at a time. What a row of the source becomes stays in
-// registers for the two rows of the destination that share it.
+// after the other, so that few rows of the source are read at a time. The pixels that columns cover stay in registers
+// for the two rows of the destination that share a row of the source. They are multiplied by the weights of their
+// columns times that of their row, bytes, so that sums of products are all that rows take.
 #pragma once
 
 #include "vecta/simd/blocks.h"
@@ -10,132 +11,207 @@
 namespace rvk::vecta::RVK_ISA {
 namespace {
 
-// Where the pixels that columns of a strip cover are, and their weights: of as many columns as a vector holds when each
-// has `neighbours` pixels, two or four, then of the next ones.
+// A byte for each of the pixels that a column covers, the first one in the lowest bits.
+template <size_t neighbours>
+struct BytesOfColumnOf
+{
+    using Type = uint32_t;
+};
+template <>
+struct BytesOfColumnOf<2>
+{
+    using Type = uint16_t;
+};
+template <size_t neighbours>
+using BytesOfColumn = typename BytesOfColumnOf<neighbours>::Type;
+
+template <size_t neighbours>
+RVK_INLINE Vecs<uint8_t, neighbours>
+loadColumns(const BytesOfColumn<neighbours> (&columns)[neighbours][kBytes / neighbours])
+{
+    return bitCast<uint8_t>(loadVecs<neighbours>(columns[0]));
+}
+
+// Where the pixels that columns of a strip cover are: of as many columns as a vector holds when each has `neighbours`
+// pixels, two or four, then of the next ones.
 template <size_t neighbours>
 struct alignas(kBytes) AreaStrip
 {
     static constexpr size_t vectors = neighbours, columns = kBytes / neighbours; // of a vector
 
-    uint8_t indices[vectors][kBytes], weights[vectors][kBytes]; // in windows of a row
+    BytesOfColumn<neighbours> indices[vectors][columns]; // in windows of a row
     uint32_t offsets[vectors];
 };
 
-// The weight of a row: a number of parts, twice, for 32 bits are cheaper to load into all lanes than 16, and what these
-// parts are of an area.
-struct AreaWeight
+// The weights of these pixels, times that of a row.
+template <size_t neighbours>
+struct alignas(kBytes) AreaWeights
 {
-    uint32_t parts;
-    float share;
+    BytesOfColumn<neighbours> of[neighbours][kBytes / neighbours];
 };
 
-// What a row of the destination is made of: a row of the source, whole ones that follow it, and one behind them, unless
-// its weight has no parts.
+// What a row of the destination has of rows of the source: parts of the one that the row before it ends with, whole
+// ones, and parts of one behind them.
 struct AreaRow
 {
-    const uint8_t* first;
-    size_t wholeRows;
-    AreaWeight firstWeight, lastWeight;
-    bool beginsWithLast; // row of the row before it
+    uint32_t partsOfShared, wholeRows, partsOfLast;
 };
 
+// Rows of the destination, of which `period` repeat. The source begins with what the first of them has a part of.
 struct BlockOfAreas
 {
     const AreaRow* rows;
-    size_t count, srcStride;
-    AreaWeight wholeWeight;
+    size_t period, first, count; // rows[first] is the first
+    const uint8_t* src;
+    size_t srcStride;
     uint8_t* dst;
     size_t dstStride;
 };
 
-// Areas of few parts, by words: rows are summed across and then down, and MeanOf makes means of them.
-template <size_t neighbours, class MeanOf>
-struct AreasByWords
+// Areas of few parts, by words, of which MeanOf makes means. Of more of them weights take eight bits; then pixels are the
+// signed bytes, moved by -128.
+template <bool moves, class MeanOf>
+class AreasByWords
 {
-    static constexpr size_t vectors = neighbours;
-    static constexpr bool movesPixels = false;
-    using Words = Vecs<int16_t, 2>;
+public:
+    static constexpr size_t neighbours = 2;
+    static constexpr bool movesPixels = moves, multipliesWeights = true;
+    using Line = Vecs<uint8_t, neighbours>;
+    using Sums = Vecs<int16_t, neighbours>;
 
-    Vecs<int8_t, vectors> weights;
-    MeanOf mean;
+    RVK_INLINE AreasByWords(uint32_t area, const MeanOf& mean)
+        : m_moved(static_cast<int16_t>(moves ? 128 * area : 0)), m_mean(mean)
+    {
+    }
+    RVK_INLINE Sums start() const { return {splat(m_moved), splat(m_moved)}; }
+    RVK_INLINE Line lineOf(const Vecs<uint8_t, neighbours>& pixels, const Vecs<uint8_t, neighbours>&) const
+    {
+        return pixels;
+    }
+    RVK_INLINE auto weightsOf(const AreaWeights<neighbours>* weights, size_t parts) const
+    {
+        return loadColumns<neighbours>(weights[parts - 1].of);
+    }
+    RVK_INLINE void add(Sums& sums, const Line& pixels, const Vecs<uint8_t, neighbours>& weights) const
+    {
+        unrolled<neighbours>([&](auto i) RVK_INLINE_LAMBDA {
+            sums[i] = sums[i] + (moves ? dotPairs(weights[i], bitCast<int8_t>(pixels[i]))
+                                       : dotPairs(pixels[i], bitCast<int8_t>(weights[i])));
+        });
+    }
+    RVK_INLINE Vec<uint8_t> means(const Sums& sums) const
+    {
+        const auto meanOf = [this](Vec<int16_t> sum) RVK_INLINE_LAMBDA { return m_mean(bitCast<uint16_t>(sum)); };
+        return narrow(Vecs<uint16_t, 2>{meanOf(sums[0]), meanOf(sums[1])});
+    }
 
-    RVK_INLINE AreasByWords(const AreaStrip<neighbours>& strip, const MeanOf& m)
-        : weights(bitCast<int8_t>(loadVecs<vectors>(strip.weights[0]))), mean(m)
-    {
-    }
-    RVK_INLINE Words lineOf(const Vecs<uint8_t, vectors>& pixels) const
-    {
-        if constexpr (neighbours == 2) {
-            return {dotPairs(pixels[0], weights[0]), dotPairs(pixels[1], weights[1])};
-        } else {
-            const auto quads = [&](size_t i)
-                                   RVK_INLINE_LAMBDA { return addDotQuads(zero<int32_t>(), pixels[i], weights[i]); };
-            return {narrowSatInLanes<int16_t>(Vecs<int32_t, 2>{quads(0), quads(1)}),
-                    narrowSatInLanes<int16_t>(Vecs<int32_t, 2>{quads(2), quads(3)})};
-        }
-    }
-    RVK_INLINE Words weigh(const Words& line, const AreaWeight& weight) const
-    {
-        const Vec<int16_t> parts = bitCast<int16_t>(splat(weight.parts));
-        return {line[0] * parts, line[1] * parts};
-    }
-    RVK_INLINE Words add(const Words& sums, const Words& line, const AreaWeight& weight) const
-    {
-        const Words more = weigh(line, weight);
-        return {sums[0] + more[0], sums[1] + more[1]};
-    }
-    RVK_INLINE Vec<uint8_t> means(const Words& sums) const
-    {
-        const auto meanOf = [this](Vec<int16_t> sum)
-                                RVK_INLINE_LAMBDA { return bitCast<int16_t>(mean(bitCast<uint16_t>(sum))); };
-        const Vec<uint8_t> bytes = narrowSatInLanes<uint8_t>(Words{meanOf(sums[0]), meanOf(sums[1])});
-        return neighbours == 2 ? orderPacked(bytes) : orderPackedTwice(bytes);
-    }
+private:
+    int16_t m_moved; // 128 times the area
+    MeanOf m_mean;
 };
 
-// Areas of more parts, by floats: rows are summed across, exactly, and their shares of areas are added to what makes
-// the sum right when it is rounded down. Weights are bytes: pixels are the signed bytes here, moved by -128.
-struct AreasByShares
+// Quotients of sums by an area, rounded to the nearest number, by floats so large that their lower bits are that: halves
+// up, since the reciprocal is a little more than that of the area. It may be up to 2^13.
+class MeansByFloats
 {
-    static constexpr size_t vectors = 4;
-    static constexpr bool movesPixels = true;
-    using Shares = Vecs<float, vectors>;
-
-    Vecs<uint8_t, vectors> weights;
-    int32_t moved; // 128 times the sum of the weights
-    float half;
-
-    RVK_INLINE AreasByShares(const AreaStrip<vectors>& strip, uint32_t sumOfWeights, float h)
-        : weights(loadVecs<vectors>(strip.weights[0])), moved(static_cast<int32_t>(128 * sumOfWeights)), half(h)
+public:
+    RVK_INLINE explicit MeansByFloats(uint32_t area) : m_reciprocal(static_cast<float>((1 + 0x1p-23) / area)) {}
+    RVK_INLINE Vec<uint8_t> operator()(const Vecs<float, 4>& sums) const
     {
-    }
-    RVK_INLINE Shares lineOf(const Vecs<uint8_t, vectors>& pixels) const
-    {
-        Shares line;
-        unrolled<vectors>([&](auto i) RVK_INLINE_LAMBDA {
-            line[i] = toFloat(addDotQuads(splat(moved), weights[i], bitCast<int8_t>(pixels[i])));
-        });
-        return line;
-    }
-    RVK_INLINE Shares weigh(const Shares& line, const AreaWeight& weight) const
-    {
-        const Vec<float> v = splat(half);
-        return add({v, v, v, v}, line, weight);
-    }
-    RVK_INLINE Shares add(const Shares& sums, const Shares& line, const AreaWeight& weight) const
-    {
-        Shares more;
-        unrolled<vectors>([&](auto i)
-                              RVK_INLINE_LAMBDA { more[i] = multiplyAdd(line[i], splat(weight.share), sums[i]); });
-        return more;
-    }
-    RVK_INLINE Vec<uint8_t> means(const Shares& sums) const
-    {
-        const auto pair = [&](size_t i) RVK_INLINE_LAMBDA {
-            return narrowSatInLanes<int16_t>(Vecs<int32_t, 2>{truncateToInt(sums[i]), truncateToInt(sums[i + 1])});
+        const auto inLowBits = [this](Vec<float> sum) RVK_INLINE_LAMBDA {
+            return bitCast<uint32_t>(multiplyAdd(sum, splat(m_reciprocal), splat(0x1p23f)));
         };
-        return orderPackedTwice(narrowSatInLanes<uint8_t>(Vecs<int16_t, 2>{pair(0), pair(2)}));
+        const auto pair = [&](size_t i) RVK_INLINE_LAMBDA {
+            return narrow(Vecs<uint32_t, 2>{inLowBits(sums[i]), inLowBits(sums[i + 1])});
+        };
+        return narrow(Vecs<uint16_t, 2>{pair(0), pair(2)});
     }
+
+private:
+    float m_reciprocal;
+};
+
+RVK_INLINE Vecs<float, 4> toFloats(const Vecs<int32_t, 4>& v)
+{
+    return {toFloat(v[0]), toFloat(v[1]), toFloat(v[2]), toFloat(v[3])};
+}
+
+// sums + each column's pixels, or those moved by -128, by their weights.
+template <bool moved>
+RVK_INLINE Vecs<int32_t, 4> addDots(Vecs<int32_t, 4> sums, const Vecs<uint8_t, 4>& pixels,
+                                    const Vecs<uint8_t, 4>& weights)
+{
+    unrolled<4>([&](auto i) RVK_INLINE_LAMBDA {
+        sums[i] = moved ? addDotQuads(sums[i], weights[i], bitCast<int8_t>(pixels[i]))
+                        : addDotQuads(sums[i], pixels[i], bitCast<int8_t>(weights[i]));
+    });
+    return sums;
+}
+
+// Areas of more parts, by 32 bits.
+class AreasByIntegers
+{
+public:
+    static constexpr size_t neighbours = 4;
+    static constexpr bool movesPixels = true, multipliesWeights = true;
+    using Line = Vecs<uint8_t, neighbours>;
+    using Sums = Vecs<int32_t, neighbours>;
+
+    RVK_INLINE explicit AreasByIntegers(uint32_t area) : m_moved(static_cast<int32_t>(128 * area)), m_means(area) {}
+    RVK_INLINE Sums start() const { return {splat(m_moved), splat(m_moved), splat(m_moved), splat(m_moved)}; }
+    RVK_INLINE Line lineOf(const Vecs<uint8_t, neighbours>& pixels, const Vecs<uint8_t, neighbours>&) const
+    {
+        return pixels;
+    }
+    RVK_INLINE auto weightsOf(const AreaWeights<neighbours>* weights, size_t parts) const
+    {
+        return loadColumns<neighbours>(weights[parts - 1].of);
+    }
+    RVK_INLINE void add(Sums& sums, const Line& pixels, const Vecs<uint8_t, neighbours>& weights) const
+    {
+        sums = addDots<true>(sums, pixels, weights);
+    }
+    RVK_INLINE Vec<uint8_t> means(const Sums& sums) const { return m_means(toFloats(sums)); }
+
+private:
+    int32_t m_moved; // 128 times the area
+    MeansByFloats m_means;
+};
+
+// Areas whose rows have weights that those of columns cannot be multiplied by: rows are summed across and then down, by
+// floats, which hold all sums.
+template <bool moves>
+class AreasByFloats
+{
+public:
+    static constexpr size_t neighbours = 4;
+    static constexpr bool movesPixels = moves, multipliesWeights = false;
+    using Line = Vecs<float, neighbours>;
+    using Sums = Vecs<float, neighbours>;
+
+    RVK_INLINE AreasByFloats(uint32_t area, uint32_t sumOfWeights)
+        : m_moved(static_cast<int32_t>(moves ? 128 * sumOfWeights : 0)), m_means(area)
+    {
+    }
+    RVK_INLINE Sums start() const { return {}; }
+    RVK_INLINE Line lineOf(const Vecs<uint8_t, neighbours>& pixels, const Vecs<uint8_t, neighbours>& weights) const
+    {
+        const Vec<int32_t> v = splat(m_moved);
+        return toFloats(addDots<moves>({v, v, v, v}, pixels, weights));
+    }
+    RVK_INLINE Vec<float> weightsOf(const AreaWeights<neighbours>*, size_t parts) const
+    {
+        return splat(static_cast<float>(static_cast<uint32_t>(parts)));
+    }
+    RVK_INLINE void add(Sums& sums, const Line& line, Vec<float> weight) const
+    {
+        unrolled<neighbours>([&](auto i) RVK_INLINE_LAMBDA { sums[i] = multiplyAdd(line[i], weight, sums[i]); });
+    }
+    RVK_INLINE Vec<uint8_t> means(const Sums& sums) const { return m_means(sums); }
+
+private:
+    int32_t m_moved; // 128 times the sum of a line's weights
+    MeansByFloats m_means;
 };
 
 // So many bytes at p, in the lower lanes, as they are or moved by -128.
@@ -150,39 +226,48 @@ RVK_INLINE Vec<uint8_t> loadWindow(const uint8_t* p)
     }
 }
 
-// The first columns of a strip. Windows of half a vector cross lines of the cache half as often.
-template <size_t window, size_t neighbours, class Areas>
-RVK_NOINLINE void averageStrip(const AreaStrip<neighbours>& strip, const Areas& given, const BlockOfAreas& givenBlock,
-                               size_t columns)
+// The first columns of a strip; a row has `whole` parts. weights[0] are those of columns, and, where they are multiplied,
+// weights[i] i + 1 times these. Windows of half a vector cross lines of the cache half as often.
+template <size_t window, class Areas>
+RVK_NOINLINE void averageStrip(const AreaStrip<Areas::neighbours>& strip, const AreaWeights<Areas::neighbours>* weights,
+                               size_t whole, const Areas& given, const BlockOfAreas& givenBlock, size_t columns)
 {
-    constexpr size_t vectors = Areas::vectors;
+    constexpr size_t vectors = Areas::neighbours;
     const Areas areas = given; // which no store changes
     const BlockOfAreas block = givenBlock;
-    const auto indices = loadVecs<vectors>(strip.indices[0]);
+    const auto indices = loadColumns<vectors>(strip.indices), ofColumns = loadColumns<vectors>(weights->of);
     size_t offsets[vectors];
     unrolled<vectors>([&](auto i) RVK_INLINE_LAMBDA { offsets[i] = strip.offsets[i]; });
-    const auto lineOf = [&](const uint8_t* row) RVK_INLINE_LAMBDA {
+    const uint8_t* src = block.src;
+    const auto nextLine = [&]() RVK_INLINE_LAMBDA {
         Vecs<uint8_t, vectors> pixels;
         unrolled<vectors>([&](auto i) RVK_INLINE_LAMBDA {
-            const Vec<uint8_t> bytes = loadWindow<window, Areas::movesPixels>(row + offsets[i]);
+            const Vec<uint8_t> bytes = loadWindow<window, Areas::movesPixels>(src + offsets[i]);
             pixels[i] = vec<uint8_t>(_mm512_permutexvar_epi8(reg(indices[i]), reg(bytes)));
         });
-        return areas.lineOf(pixels);
+        src += block.srcStride;
+        return areas.lineOf(pixels, ofColumns);
     };
-    auto line = lineOf(block.rows->first);
+    const auto wholeWeights = areas.weightsOf(weights, whole);
+    const AreaRow *row = block.rows + block.first, *const end = block.rows + block.period;
+    typename Areas::Line line = {};
+    if (row->partsOfShared)
+        line = nextLine();
     uint8_t* dst = block.dst;
     for (size_t y = 0; y < block.count; ++y, dst += block.dstStride) {
-        const AreaRow& row = block.rows[y];
-        const uint8_t* src = row.first;
-        if (y > 0 && !row.beginsWithLast)
-            line = lineOf(src);
-        auto sums = areas.weigh(line, row.firstWeight);
-        for (size_t i = row.wholeRows; i; --i)
-            sums = areas.add(sums, lineOf(src += block.srcStride), block.wholeWeight);
-        if (row.lastWeight.parts) {
-            line = lineOf(src += block.srcStride);
-            sums = areas.add(sums, line, row.lastWeight);
+        typename Areas::Sums sums = areas.start();
+        if (row->partsOfShared)
+            areas.add(sums, line, areas.weightsOf(weights, row->partsOfShared));
+        for (size_t i = row->wholeRows; i; --i) {
+            line = nextLine();
+            areas.add(sums, line, wholeWeights);
         }
+        if (row->partsOfLast) {
+            line = nextLine();
+            areas.add(sums, line, areas.weightsOf(weights, row->partsOfLast));
+        }
+        if (++row == end)
+            row = block.rows;
         if (columns < kBytes) [[unlikely]]
             storePartial(dst, areas.means(sums), columns);
         else
