@@ -476,7 +476,7 @@ RVK_INLINE void InterpolatedColumns::walkStrip(const BlockOfRows& block, size_t 
         Vecs<uint8_t, vectors> bytes;
         unrolled<vectors>([&](auto i) RVK_INLINE_LAMBDA {
             constexpr size_t first = 2 * i, second = first + 1 < steps ? first + 1 : first;
-            bytes[i] = narrowRounded<uint8_t, 7>(Vecs<int16_t, 2>{between[first], between[second]});
+            bytes[i] = Interpolation::pixels({between[first], between[second]});
         });
         if (hasMasks && (isHalf || columns < width)) [[unlikely]]
             storePartial(dst, bytes, columns);

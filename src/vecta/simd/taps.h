@@ -118,6 +118,17 @@ struct Interpolation
         return upper + multiplyRounded(lower - upper, weight);
     }
 #endif
+
+    // between() without its 7 bits of fraction. It fits bytes: nothing is to saturate, so the lower ones can be picked by
+    // one permutation, where saturated ones would have to be put in order.
+    RVK_INLINE static Vec<uint8_t> pixels(const Vecs<int16_t, 2>& between)
+    {
+        if constexpr (kBytes == 64)
+            return narrow(bitCast<uint16_t>(
+                both(between, [](auto half) RVK_INLINE_LAMBDA { return shiftRightRounded(half, 7); })));
+        else
+            return narrowRounded<uint8_t, 7>(between);
+    }
 };
 
 #if defined(__x86_64__)
