@@ -133,24 +133,23 @@ struct Down3
     }
 };
 
-// Sums of neighbours, taken four times.
+// Odd rows come four times as large. Then 1 4 6 4 1 is the sum of three rows around each odd one, and four times the
+// even row between: outputs that follow each other share one of the former.
 struct Down5
 {
     using Row = Vecs<uint16_t, 2>;
-    Row even, two, three;
+    Row even, aroundOdd;
 
-    RVK_INLINE Down5(Row evenAbove, Row oddAbove, Row middle)
-        : even(middle), two(oddAbove + middle), three(evenAbove + oddAbove + two)
+    RVK_INLINE Down5(Row evenAbove, Row oddAbove, Row middle) : even(middle), aroundOdd(evenAbove + oddAbove + middle)
     {
     }
     RVK_INLINE Row next(Row oddBelow, Row evenBelow)
     {
-        const Row twoHere = even + oddBelow, twoBelow = oddBelow + evenBelow;
-        const Row threeHere = two + twoHere, threeBelow = twoHere + twoBelow;
-        const Row sum = three + threeHere + (threeHere + threeBelow);
+        const Row aroundBelow = even + evenBelow + oddBelow;
+        const Row fourTimes = both(even, [](auto half) RVK_INLINE_LAMBDA { return shiftLeft(half, 2); });
+        const Row sum = aroundOdd + aroundBelow + fourTimes;
         even = evenBelow;
-        two = twoBelow;
-        three = threeBelow;
+        aroundOdd = aroundBelow;
         return sum;
     }
 };
@@ -187,7 +186,7 @@ struct Halving3x3
     using MeanOf = Mean;
     static_assert(allExact<9, 12, 16>);
 
-    template <At at>
+    template <At at, bool oddRow>
     static RVK_INLINE Down::Row sumsOf(const uint8_t* p)
     {
         return everySecondSum<Weights<1, 2, 1>, at>(p);
@@ -206,12 +205,13 @@ struct Halving5x5
     using MeanOf = Mean;
     static_assert(allExact<100, 110, 121, 150, 160, 165, 176, 225, 240>);
 
-    template <At at>
+    template <At at, bool oddRow>
     static RVK_INLINE Down::Row sumsOf(const uint8_t* p)
     {
-        return everySecondSum<Weights<1, 4, 6, 4, 1>, at>(p);
+        constexpr int n = oddRow ? 4 : 1;
+        return everySecondSum<Weights<n, 4 * n, 6 * n, 4 * n, n>, at>(p);
     }
-    static RVK_INLINE Vec<uint8_t> wholeMeans(const Down::Row& sums) { return narrowRounded<uint8_t, 8>(sums); }
+    static RVK_INLINE Vec<uint8_t> wholeMeans(const Down::Row& sums) { return meansOf256(sums); }
 };
 
 struct FloatHalving5x5
@@ -221,7 +221,7 @@ struct FloatHalving5x5
     using Down = FloatDown5;
     using MeanOf = FloatMean;
 
-    template <At at>
+    template <At at, bool oddRow>
     static RVK_INLINE Vec<float> sumsOf(const float* p)
     {
         const Vecs<float, 5> v = loadEverySecond5<at>(p);
@@ -257,17 +257,18 @@ struct RowRange
     size_t top, bottom, height;
 };
 
-// One column of outputs: sumsOf(y) gives the sums of row y of the source, put(y, sums) gets those of output y.
-template <class Halving, class SumsOf, class Put>
-RVK_INLINE void halveDown(const RowRange& rows, SumsOf sumsOf, Put put)
+// One column of outputs: evenSums(y) and oddSums(y) give the sums of such a row of the source, put(y, sums) gets those
+// of output y.
+template <class Halving, class EvenSums, class OddSums, class Put>
+RVK_INLINE void halveDown(const RowRange& rows, EvenSums evenSums, OddSums oddSums, Put put)
 {
     const typename Halving::Down::Row nothing = {};
     const size_t top = rows.top;
-    typename Halving::Down column(top ? sumsOf(2 * top - 2) : nothing, top ? sumsOf(2 * top - 1) : nothing,
-                                  sumsOf(2 * top));
+    typename Halving::Down column(top ? evenSums(2 * top - 2) : nothing, top ? oddSums(2 * top - 1) : nothing,
+                                  evenSums(2 * top));
     for (size_t y = top; y < rows.bottom; ++y) {
-        const auto odd = sumsOf(2 * y + 1);
-        put(y, column.next(odd, 2 * y + 2 < rows.height ? sumsOf(2 * y + 2) : nothing));
+        const auto odd = oddSums(2 * y + 1);
+        put(y, column.next(odd, 2 * y + 2 < rows.height ? evenSums(2 * y + 2) : nothing));
     }
 }
 
@@ -307,9 +308,10 @@ RVK_INLINE void halveColumn(size_t x, size_t width, const RowRange& rows, Plane<
 {
     constexpr size_t edge = at == At::right ? Halving::step - 1 : 0;
     const EdgeMean<Halving> edgeMean(x + edge, width);
+    const auto windows = [&](size_t y) RVK_INLINE_LAMBDA { return src.row(y) + 2 * x - Halving::radius; };
     halveDown<Halving>(
-        rows,
-        [&](size_t y) RVK_INLINE_LAMBDA { return Halving::template sumsOf<at>(src.row(y) + 2 * x - Halving::radius); },
+        rows, [&](size_t y) RVK_INLINE_LAMBDA { return Halving::template sumsOf<at, false>(windows(y)); },
+        [&](size_t y) RVK_INLINE_LAMBDA { return Halving::template sumsOf<at, true>(windows(y)); },
         [&](size_t y, const auto& sums) RVK_INLINE_LAMBDA {
             T* const to = dst.row(y) + x;
             store(to, meansOf<Halving>(sums, y, rows.height));
@@ -325,12 +327,14 @@ RVK_NOINLINE void halveNarrow(size_t width, size_t height, Plane<const T> src, P
     const size_t columns = width / 2;
     const EdgeMean<Halving> left(0, width), right(columns - 1, width);
     T row[2 * Halving::step + 1 + 2 * Halving::radius] = {};
+    const auto windows = [&](size_t y) RVK_INLINE_LAMBDA {
+        __builtin_memcpy(row + Halving::radius, src.row(y), width * sizeof(T));
+        return static_cast<const T*>(row);
+    };
     halveDown<Halving>(
         {0, height / 2, height},
-        [&](size_t y) RVK_INLINE_LAMBDA {
-            __builtin_memcpy(row + Halving::radius, src.row(y), width * sizeof(T));
-            return Halving::template sumsOf<At::middle>(row);
-        },
+        [&](size_t y) RVK_INLINE_LAMBDA { return Halving::template sumsOf<At::middle, false>(windows(y)); },
+        [&](size_t y) RVK_INLINE_LAMBDA { return Halving::template sumsOf<At::middle, true>(windows(y)); },
         [&](size_t y, const auto& sums) RVK_INLINE_LAMBDA {
             T* const to = dst.row(y);
             storePartial(to, meansOf<Halving>(sums, y, height), columns);

@@ -26,6 +26,22 @@ RVK_INLINE Vec<uint8_t> meansOf(const Vecs<uint16_t, 2>& sums)
         return narrowShifted<shift>(sums);
 }
 
+// sums / 256 of sums up to 255 * 256, halves up.
+RVK_INLINE Vec<uint8_t> meansOf256(const Vecs<uint16_t, 2>& sums)
+{
+#if defined(__x86_64__)
+    const Vec<uint16_t> half = splat<uint16_t>(128);
+    const Vecs<uint16_t, 2> rounded = sums + Vecs<uint16_t, 2>{half, half};
+#if RVK_AVX512 // one permutation in place of two shifts, a pack and another permutation
+    return unzipOdd(bitCast<uint8_t>(rounded[0]), bitCast<uint8_t>(rounded[1]));
+#else
+    return narrowShifted<8>(rounded);
+#endif
+#else
+    return narrowRounded<uint8_t, 8>(sums);
+#endif
+}
+
 #if defined(__x86_64__)
 
 // ---- every second pixel ---------------------------------------------------------------------------------------------
