@@ -68,8 +68,8 @@ struct BlockOfAreas
     size_t dstStride;
 };
 
-// Areas of few parts, by words, of which MeanOf makes means. Of more of them weights take eight bits; then pixels are the
-// signed bytes, moved by -128.
+// Areas of few parts, by words, of which MeanOf makes means. Of more of them weights take eight bits; then pixels are
+// the signed bytes, moved by -128.
 template <bool moves, class MeanOf>
 class AreasByWords
 {
@@ -110,8 +110,8 @@ private:
     MeanOf m_mean;
 };
 
-// Quotients of sums by an area, rounded to the nearest number, by floats so large that their lower bits are that: halves
-// up, since the reciprocal is a little more than that of the area. It may be up to 2^13.
+// Quotients of sums by an area, rounded to the nearest number, by floats so large that their lower bits are that:
+// halves up, since the reciprocal is a little more than that of the area. It may be up to 2^13.
 class MeansByFloats
 {
 public:
@@ -226,8 +226,8 @@ RVK_INLINE Vec<uint8_t> loadWindow(const uint8_t* p)
     }
 }
 
-// The first columns of a strip; a row has `whole` parts. weights[0] are those of columns, and, where they are multiplied,
-// weights[i] i + 1 times these. Windows of half a vector cross lines of the cache half as often.
+// The first columns of a strip; a row has `whole` parts. weights[0] are those of columns, and, where they are
+// multiplied, weights[i] i + 1 times these. Windows of half a vector cross lines of the cache half as often.
 template <size_t window, class Areas>
 RVK_NOINLINE void averageStrip(const AreaStrip<Areas::neighbours>& strip, const AreaWeights<Areas::neighbours>* weights,
                                size_t whole, const Areas& given, const BlockOfAreas& givenBlock, size_t columns)

@@ -119,8 +119,8 @@ struct Interpolation
     }
 #endif
 
-    // between() without its 7 bits of fraction. It fits bytes: nothing is to saturate, so the lower ones can be picked by
-    // one permutation, where saturated ones would have to be put in order.
+    // between() without its 7 bits of fraction. It fits bytes: nothing is to saturate, so the lower ones can be picked
+    // by one permutation, where saturated ones would have to be put in order.
     RVK_INLINE static Vec<uint8_t> pixels(const Vecs<int16_t, 2>& between)
     {
         if constexpr (kBytes == 64)
