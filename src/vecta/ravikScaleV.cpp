@@ -133,27 +133,6 @@ struct Down3
     }
 };
 
-// Odd rows come four times as large. Then 1 4 6 4 1 is the sum of three rows around each odd one, and four times the
-// even row between: outputs that follow each other share one of the former.
-struct Down5
-{
-    using Row = Vecs<uint16_t, 2>;
-    Row even, aroundOdd;
-
-    RVK_INLINE Down5(Row evenAbove, Row oddAbove, Row middle) : even(middle), aroundOdd(evenAbove + oddAbove + middle)
-    {
-    }
-    RVK_INLINE Row next(Row oddBelow, Row evenBelow)
-    {
-        const Row aroundBelow = even + evenBelow + oddBelow;
-        const Row fourTimes = both(even, [](auto half) RVK_INLINE_LAMBDA { return shiftLeft(half, 2); });
-        const Row sum = aroundOdd + aroundBelow + fourTimes;
-        even = evenBelow;
-        aroundOdd = aroundBelow;
-        return sum;
-    }
-};
-
 // The reference's order of additions.
 RVK_INLINE Vec<float> weightedSum(Vec<float> a, Vec<float> b, Vec<float> c, Vec<float> d, Vec<float> e)
 {
@@ -208,7 +187,7 @@ struct Halving5x5
     template <At at, bool oddRow>
     static RVK_INLINE Down::Row sumsOf(const uint8_t* p)
     {
-        constexpr int n = oddRow ? 4 : 1;
+        constexpr int n = oddRow ? Down::oddRows : 1;
         return everySecondSum<Weights<n, 4 * n, 6 * n, 4 * n, n>, at>(p);
     }
     static RVK_INLINE Vec<uint8_t> wholeMeans(const Down::Row& sums) { return meansOf256(sums); }

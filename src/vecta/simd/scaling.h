@@ -42,6 +42,56 @@ RVK_INLINE Vec<uint8_t> meansOf256(const Vecs<uint16_t, 2>& sums)
 #endif
 }
 
+// ---- down columns ---------------------------------------------------------------------------------------------------
+
+// Sums of 1 4 6 4 1 rows for every second one, from sums of their windows: of even rows, and `oddRows` times those of
+// odd ones. Each output begins where the one before it ends.
+#if defined(__x86_64__) // whose products give odd rows their weight for nothing
+// The sum of three rows around each odd one, and four times the even row between.
+struct Down5
+{
+    static constexpr int oddRows = 4;
+    using Row = Vecs<uint16_t, 2>;
+    Row even, aroundOdd;
+
+    RVK_INLINE Down5(Row evenAbove, Row oddAbove, Row middle) : even(middle), aroundOdd(evenAbove + oddAbove + middle)
+    {
+    }
+    RVK_INLINE Row next(Row oddBelow, Row evenBelow)
+    {
+        const Row aroundBelow = even + evenBelow + oddBelow;
+        const Row fourTimes = both(even, [](auto half) RVK_INLINE_LAMBDA { return shiftLeft(half, 2); });
+        const Row sum = aroundOdd + aroundBelow + fourTimes;
+        even = evenBelow;
+        aroundOdd = aroundBelow;
+        return sum;
+    }
+};
+#else
+// Sums of neighbours, taken four times.
+struct Down5
+{
+    static constexpr int oddRows = 1;
+    using Row = Vecs<uint16_t, 2>;
+    Row even, two, three;
+
+    RVK_INLINE Down5(Row evenAbove, Row oddAbove, Row middle)
+        : even(middle), two(oddAbove + middle), three(evenAbove + oddAbove + two)
+    {
+    }
+    RVK_INLINE Row next(Row oddBelow, Row evenBelow)
+    {
+        const Row twoHere = even + oddBelow, twoBelow = oddBelow + evenBelow;
+        const Row threeHere = two + twoHere, threeBelow = twoHere + twoBelow;
+        const Row sum = three + threeHere + (threeHere + threeBelow);
+        even = evenBelow;
+        two = twoBelow;
+        three = threeBelow;
+        return sum;
+    }
+};
+#endif
+
 #if defined(__x86_64__)
 
 // ---- every second pixel ---------------------------------------------------------------------------------------------
