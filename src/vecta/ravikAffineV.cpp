@@ -251,7 +251,7 @@ private:
             const bool isForward = axis.step > 0;
             const Doubles before = (isForward ? toZero : toLast) + splatDouble(1 - margin),
                           behind = (isForward ? toLast : toZero) + splatDouble(1 + margin);
-            first = min(max(first, before), end);
+            first = min(max(first, before), end); // as they are where these are not numbers
             end = max(min(end, behind), first);
         }
     };

@@ -100,8 +100,9 @@ RVK_INLINE DoubleMask operator|(DoubleMask a, DoubleMask b) { return {a.bits | b
 // a where true, else b.
 RVK_INLINE Doubles select(DoubleMask m, Doubles a, Doubles b) { return {m.bits ? a.raw : b.raw}; }
 
+// a where one is not a number.
 RVK_INLINE Doubles min(Doubles a, Doubles b) { return select(greater(a, b), b, a); }
-RVK_INLINE Doubles max(Doubles a, Doubles b) { return select(greater(a, b), a, b); }
+RVK_INLINE Doubles max(Doubles a, Doubles b) { return select(greater(b, a), b, a); }
 
 #if !defined(__arm__)
 // As many elements as there are lanes.
